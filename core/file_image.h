@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "core/image_view.h"
+
+namespace tarnwick::core {
+
+/// The bytes of a whole file, read in one call into one buffer that this object owns. Moving it does not move the
+/// bytes, so views stay good.
+class FileImage {
+ public:
+  /// Reads the file at `path` (either slash is taken). Nothing if it cannot be opened or read, or is no regular file;
+  /// then `reason`, if given, tells why in the system's words.
+  static std::optional<FileImage> Read(const std::string& path, std::string* reason = nullptr);
+
+  /// An image over bytes made in memory. `bytes` is copied.
+  static FileImage FromBytes(std::string path, std::span<const std::byte> bytes);
+
+  /// The path that the image was read from.
+  const std::string& Path() const { return m_path; }
+  ImageView View() const { return ImageView(Bytes()); }
+  std::span<const std::byte> Bytes() const { return {m_bytes.get(), m_size}; }
+
+ private:
+  std::string m_path;
+  std::unique_ptr<std::byte[]> m_bytes;
+  size_t m_size = 0;
+};
+
+}  // namespace tarnwick::core

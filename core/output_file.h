@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace tarnwick::core {
+
+/// A file being written under a temporary name beside its place. `Commit` gives it its name, over an older file of
+/// that name; until then the older file is untouched, and an object that goes away uncommitted leaves nothing behind.
+///
+///     auto file = OutputFile::Create("out/hair.smd");
+///     if (!file) ...                                 // cannot be created: say so
+///     file->Write("version 1\n");
+///     if (!file->Commit()) show(file->Error());      // disk full, or the name could not be given
+class OutputFile {
+ public:
+  /// Begins the file that will stand at `path` (either slash is taken). Nothing if no file can be made there (no such
+  /// folder, no right, a folder of that name, an older file that may not be written); then `reason`, if given, tells
+  /// why in the system's words.
+  static std::optional<OutputFile> Create(std::string path, std::string* reason = nullptr);
+
+  OutputFile(OutputFile&& other) noexcept;
+  OutputFile& operator=(OutputFile&& other) noexcept;
+  ~OutputFile();
+
+  /// Appends bytes. After a failure nothing more is written and `Error` says why.
+  bool Write(std::string_view bytes);
+
+  /// Closes the file and gives it its name. False, with the temporary file removed, if any write failed or the
+  /// name could not be given.
+  bool Commit();
+
+  /// Removes what was written so far. The older file, if any, stays as it was.
+  void Discard();
+
+  const std::string& Path() const { return m_path; }
+  /// Bytes written so far.
+  uint64_t Size() const { return m_size; }
+  /// Why a write or the commit failed, in the system's words; empty if nothing failed.
+  const std::string& Error() const { return m_error; }
+
+ private:
+  OutputFile() = default;
+  bool Fail(std::string reason);
+
+  std::string m_path;
+  std::string m_temporaryPath;
+  std::string m_error;
+  uint64_t m_size = 0;
+  int m_descriptor = -1;
+};
+
+}  // namespace tarnwick::core

@@ -1,0 +1,79 @@
+#include "core/paths.h"
+
+#include <algorithm>
+
+namespace tarnwick::core {
+
+namespace fs = std::filesystem;
+
+fs::path NativePath(std::string_view path) {
+#ifdef _WIN32
+  return fs::path(std::u8string(path.begin(), path.end()));
+#else
+  std::string text(path);
+  std::replace(text.begin(), text.end(), '\\', '/');
+  return fs::path(std::move(text));
+#endif
+}
+
+std::string PathText(const fs::path& path) {
+#ifdef _WIN32
+  const std::u8string text = path.u8string();
+  return std::string(text.begin(), text.end());
+#else
+  return path.string();
+#endif
+}
+
+std::string_view LastComponent(std::string_view path) {
+  const size_t separator = path.find_last_of("/\\");
+  return separator == std::string_view::npos ? path : path.substr(separator + 1);
+}
+
+std::string_view DirectoryWithSeparator(std::string_view path) {
+  return path.substr(0, path.size() - LastComponent(path).size());
+}
+
+std::string LowerAscii(std::string_view text) {
+  std::string lower(text);
+  for (char& c : lower) {
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  }
+  return lower;
+}
+
+std::string UpperAscii(std::string_view text) {
+  std::string upper(text);
+  for (char& c : upper) {
+    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
+  }
+  return upper;
+}
+
+bool EqualIgnoringCase(std::string_view a, std::string_view b) {
+  return a.size() == b.size() && LowerAscii(a) == LowerAscii(b);
+}
+
+bool FileExists(const std::string& path) {
+  std::error_code error;
+  const auto status = fs::status(NativePath(path), error);
+  return !error && fs::exists(status) && !fs::is_directory(status);
+}
+
+std::optional<std::string> FindIgnoringCase(const std::string& path) {
+  if (FileExists(path)) return path;
+  const std::string_view name = LastComponent(path);
+  const std::string folder(DirectoryWithSeparator(path));
+  std::optional<std::string> found;
+  std::error_code error;
+  fs::directory_iterator entries(folder.empty() ? fs::path(".") : NativePath(folder), error);
+  for (; !error && entries != fs::directory_iterator(); entries.increment(error)) {
+    const std::string entry = PathText(entries->path().filename());
+    if (!EqualIgnoringCase(entry, name) || !FileExists(folder + entry)) continue;
+    if (found) return std::nullopt;
+    found = folder + entry;
+  }
+  return found;
+}
+
+}  // namespace tarnwick::core

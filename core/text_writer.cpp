@@ -1,0 +1,136 @@
+#include "core/text_writer.h"
+
+#include <algorithm>
+#include <cassert>
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+
+namespace tarnwick::core {
+
+namespace {
+
+#ifdef _WIN32
+constexpr std::string_view LineEnd = "\r\n";
+#else
+constexpr std::string_view LineEnd = "\n";
+#endif
+
+/// A place for an argument in a pattern, as in "%2.3f".
+struct Place {
+  int Width = 0;
+  int Precision = -1;
+  char Conversion = 0;
+};
+
+/// Reads the place behind the percent sign at `pattern[at - 1]` and moves `at` behind it.
+Place ReadPlace(std::string_view pattern, size_t& at) {
+  Place place;
+  const auto number = [&] {
+    int value = 0;
+    while (at < pattern.size() && pattern[at] >= '0' && pattern[at] <= '9') value = value * 10 + (pattern[at++] - '0');
+    return value;
+  };
+  place.Width = number();
+  if (at < pattern.size() && pattern[at] == '.') {
+    ++at;
+    place.Precision = number();
+  }
+  if (at < pattern.size()) place.Conversion = pattern[at++];
+  return place;
+}
+
+}  // namespace
+
+TextWriter::TextWriter(OutputFile& target)
+    : m_file(&target),
+      m_buffer(std::make_unique_for_overwrite<char[]>(BufferSize)),
+      m_next(m_buffer.get()),
+      m_end(m_next + BufferSize) {}
+
+TextWriter::TextWriter(std::string& target)
+    : m_string(&target),
+      m_buffer(std::make_unique_for_overwrite<char[]>(BufferSize)),
+      m_next(m_buffer.get()),
+      m_end(m_next + BufferSize) {}
+
+void TextWriter::Flush() {
+  const std::string_view text(m_buffer.get(), static_cast<size_t>(m_next - m_buffer.get()));
+  m_next = m_buffer.get();
+  if (m_file != nullptr) {
+    m_file->Write(text);
+  } else {
+    m_string->append(text);
+  }
+}
+
+void TextWriter::Raw(std::string_view bytes) {
+  while (!bytes.empty()) {
+    if (m_next == m_end) Flush();
+    const size_t part = std::min(bytes.size(), static_cast<size_t>(m_end - m_next));
+    std::memcpy(m_next, bytes.data(), part);
+    m_next += part;
+    bytes.remove_prefix(part);
+  }
+}
+
+void TextWriter::Text(std::string_view text) {
+  if constexpr (LineEnd == "\n") {
+    Raw(text);
+  } else {
+    while (true) {
+      const size_t end = text.find('\n');
+      Raw(text.substr(0, end));
+      if (end == std::string_view::npos) return;
+      Raw(LineEnd);
+      text.remove_prefix(end + 1);
+    }
+  }
+}
+
+void TextWriter::FormatList(std::string_view pattern, std::initializer_list<TextArgument> arguments) {
+  const TextArgument* next = arguments.begin();
+  size_t at = 0;
+  while (at < pattern.size()) {
+    const size_t percent = std::min(pattern.find('%', at), pattern.size());
+    Text(pattern.substr(at, percent - at));
+    if (percent == pattern.size()) break;
+    at = percent + 1;
+    const Place place = ReadPlace(pattern, at);
+    if (place.Conversion == '%') {
+      Char('%');
+      continue;
+    }
+    assert(next != arguments.end());
+    const TextArgument& argument = *next++;
+    if (place.Conversion == 's') {
+      assert(argument.GetKind() == TextArgument::Kind::Text);
+      Text(argument.Text());
+    } else if (place.Conversion == 'd') {
+      assert(argument.GetKind() == TextArgument::Kind::Integer);
+      Reserve(LongestNumberText);
+      m_next = WriteIntegerWide(m_next, argument.Integer(), std::min(place.Width, 32));
+    } else {
+      assert(place.Conversion == 'f');
+      const bool narrow = argument.GetKind() == TextArgument::Kind::Float && place.Width <= 3;
+      if (narrow && (place.Precision == 6 || place.Precision < 0)) {
+        Fixed<6>(argument.Float());
+      } else if (narrow && place.Precision == 3) {
+        Fixed<3>(argument.Float());
+      } else if (narrow && place.Precision == 2) {
+        Fixed<2>(argument.Float());
+      } else {
+        const double value =
+            argument.GetKind() == TextArgument::Kind::Float ? static_cast<double>(argument.Float()) : argument.Double();
+        char text[400];  // the largest double has 309 digits before its point
+        const int length = std::snprintf(text, sizeof text, "%*.*f", std::min(place.Width, 32),
+                                         place.Precision < 0 ? 6 : std::min(place.Precision, 20), value);
+        Raw(std::string_view(text, static_cast<size_t>(length)));
+        if (!std::isfinite(value)) ++m_nonFinite;
+      }
+    }
+  }
+  assert(next == arguments.end());
+}
+
+}  // namespace tarnwick::core

@@ -1,0 +1,123 @@
+#pragma once
+
+#include <cstdint>
+#include <initializer_list>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "core/number_text.h"
+#include "core/output_file.h"
+
+namespace tarnwick::core {
+
+/// One argument of TextWriter::Format: text for %s, a whole number for %d, a number for %f.
+class TextArgument {
+ public:
+  enum class Kind { Text, Integer, Float, Double };
+
+  TextArgument(std::string_view text) : m_kind(Kind::Text), m_text(text) {}
+  TextArgument(const std::string& text) : m_kind(Kind::Text), m_text(text) {}
+  TextArgument(const char* text) : m_kind(Kind::Text), m_text(text) {}
+  TextArgument(int32_t value) : m_kind(Kind::Integer), m_integer(value) {}
+  TextArgument(uint32_t value) : m_kind(Kind::Integer), m_integer(value) {}
+  TextArgument(int64_t value) : m_kind(Kind::Integer), m_integer(value) {}
+  TextArgument(float value) : m_kind(Kind::Float), m_float(value) {}
+  TextArgument(double value) : m_kind(Kind::Double), m_double(value) {}
+
+  Kind GetKind() const { return m_kind; }
+  std::string_view Text() const { return m_text; }
+  int64_t Integer() const { return m_integer; }
+  float Float() const { return m_float; }
+  double Double() const { return m_double; }
+
+ private:
+  Kind m_kind;
+  union {
+    std::string_view m_text;
+    int64_t m_integer;
+    float m_float;
+    double m_double;
+  };
+};
+
+/// Writes a text file: a buffer of its own in front of the file, "\n" written as the platform's line end, numbers as
+/// printf prints them. It never allocates after it was made.
+///
+/// The target is a file, whose errors stay with it until `OutputFile::Commit`, or a string in memory. Text reaches the
+/// target when the buffer is full, and the rest with `Flush`, which the destructor also calls.
+class TextWriter {
+ public:
+  explicit TextWriter(OutputFile& target);
+  explicit TextWriter(std::string& target);
+  TextWriter(const TextWriter&) = delete;
+  TextWriter& operator=(const TextWriter&) = delete;
+  ~TextWriter() { Flush(); }
+
+  /// Text in which every "\n" becomes the platform's line end.
+  void Text(std::string_view text);
+  /// Bytes as they are, such as text that another writer has made.
+  void Raw(std::string_view bytes);
+  void Char(char c) {
+    Reserve(1);
+    *m_next++ = c;
+  }
+
+  /// "%d".
+  void Integer(int64_t value) {
+    Reserve(LongestNumberText);
+    m_next = WriteInteger(m_next, value);
+  }
+  /// "%3d".
+  void Integer3(int64_t value) {
+    Reserve(LongestNumberText);
+    m_next = WriteIntegerWide(m_next, value, 3);
+  }
+  /// "%f" and "%2.6f", which print the same.
+  void Float6(float value) { Fixed<6>(value); }
+  /// "%2.3f".
+  void Float3(float value) { Fixed<3>(value); }
+  /// "%2.2f".
+  void Float2(float value) { Fixed<2>(value); }
+
+  /// Writes `pattern` with its arguments in the places of %s, %d and %f, width and precision as in printf, %% as a
+  /// percent sign. An argument's kind must fit its place. "\n" becomes the platform's line end, in arguments too.
+  ///
+  ///     writer.Format("  %d \"%s\" %d\n", index, name, parent);
+  template <typename... Arguments>
+  void Format(std::string_view pattern, const Arguments&... arguments) {
+    FormatList(pattern, {TextArgument(arguments)...});
+  }
+  void Format(std::string_view pattern) { FormatList(pattern, {}); }
+
+  /// Hands everything written so far to the target.
+  void Flush();
+
+  /// Infinities and not-a-numbers among the floats written so far.
+  uint64_t NonFiniteCount() const { return m_nonFinite; }
+  /// Adds to that count, for numbers that reached the file through `Raw`.
+  void CountNonFinite(uint64_t count) { m_nonFinite += count; }
+
+ private:
+  static constexpr size_t BufferSize = size_t{1} << 16;
+
+  void FormatList(std::string_view pattern, std::initializer_list<TextArgument> arguments);
+  void Reserve(size_t bytes) {
+    if (static_cast<size_t>(m_end - m_next) < bytes) Flush();
+  }
+  template <int Precision>
+  void Fixed(float value) {
+    Reserve(LongestNumberText);
+    m_next = WriteFixed<Precision>(m_next, value);
+    m_nonFinite += static_cast<uint64_t>(!(value - value == 0));
+  }
+
+  OutputFile* m_file = nullptr;
+  std::string* m_string = nullptr;
+  std::unique_ptr<char[]> m_buffer;
+  char* m_next;
+  char* m_end;
+  uint64_t m_nonFinite = 0;
+};
+
+}  // namespace tarnwick::core

@@ -1,0 +1,49 @@
+#include "support/scratch_folder.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <random>
+
+namespace tarnwick::tests {
+
+namespace fs = std::filesystem;
+
+ScratchFolder::ScratchFolder() {
+  std::random_device random;
+  do {
+    m_path = fs::temp_directory_path() / ("tarnwick-test-" + std::to_string(random()));
+  } while (!fs::create_directories(m_path));
+}
+
+ScratchFolder::~ScratchFolder() {
+  std::error_code ignored;
+  fs::remove_all(m_path, ignored);
+}
+
+std::vector<std::string> ScratchFolder::Files() const {
+  std::vector<std::string> files;
+  for (const auto& entry : fs::recursive_directory_iterator(m_path)) {
+    if (!entry.is_directory()) files.push_back(fs::relative(entry.path(), m_path).generic_string());
+  }
+  std::sort(files.begin(), files.end());
+  return files;
+}
+
+std::string ReadText(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  EXPECT_TRUE(file) << path << " cannot be read";
+  return std::string(std::istreambuf_iterator<char>(file), {});
+}
+
+void WriteText(const std::string& path, std::string_view text) {
+  const fs::path native(path);
+  if (native.has_parent_path()) fs::create_directories(native.parent_path());
+  std::ofstream file(native, std::ios::binary);
+  file.write(text.data(), static_cast<std::streamsize>(text.size()));
+  EXPECT_TRUE(file.flush()) << path << " cannot be written";
+}
+
+}  // namespace tarnwick::tests

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tarnwick::tests {
+
+/// A new empty folder for one test, removed with everything in it at the end.
+class ScratchFolder {
+ public:
+  ScratchFolder();
+  ~ScratchFolder();
+  ScratchFolder(const ScratchFolder&) = delete;
+  ScratchFolder& operator=(const ScratchFolder&) = delete;
+
+  /// The folder, without a separator at its end.
+  std::string Path() const { return m_path.string(); }
+  /// The path of `name` in the folder.
+  std::string Path(const std::string& name) const { return (m_path / name).string(); }
+  /// The names of the files in the folder and below it ("sub/name"), sorted.
+  std::vector<std::string> Files() const;
+
+ private:
+  std::filesystem::path m_path;
+};
+
+/// The whole file at `path` as text; a test failure and "" if it cannot be read.
+std::string ReadText(const std::string& path);
+/// Writes `text` to `path`, over an older file; makes the folders that are missing.
+void WriteText(const std::string& path, std::string_view text);
+
+}  // namespace tarnwick::tests
