@@ -104,6 +104,12 @@ template char* WriteFixed<2>(char* out, float value);
 template char* WriteFixed<3>(char* out, float value);
 template char* WriteFixed<6>(char* out, float value);
 
+std::string FixedText(double value, int precision) {
+  char text[400];  // the largest double has 309 digits before its point
+  char* const end = std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, precision).ptr;
+  return {text, end};
+}
+
 char* WriteInteger(char* out, int64_t value) {
   if (value >= 0 && value <= 0xFFFFFFFF) return WriteUnsigned32(out, static_cast<uint32_t>(value));
   return std::to_chars(out, out + LongestNumberText, value).ptr;

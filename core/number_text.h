@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 
 namespace tarnwick::core {
 
@@ -20,6 +21,10 @@ char* WriteFixed(char* out, float value);
 extern template char* WriteFixed<2>(char* out, float value);
 extern template char* WriteFixed<3>(char* out, float value);
 extern template char* WriteFixed<6>(char* out, float value);
+
+/// `value` as printf's "%.<precision>f" writes it in the C locale, whatever the process's locale is; `precision` is 0
+/// to 20.
+std::string FixedText(double value, int precision);
 
 /// Writes `value` at `out` as printf's "%d" writes it. Returns the end of the text.
 char* WriteInteger(char* out, int64_t value);

@@ -70,10 +70,10 @@ int ProcessNumber() {
 
 /// A name beside `path` that no other file of this or another process uses. It does not grow with the name of the
 /// file, so a name of the greatest length that the file system takes still works.
-std::string TemporaryName(const std::string& path) {
+fs::path TemporaryName(fs::path path) {
   static std::atomic<uint32_t> counter{0};
-  return std::string(DirectoryWithSeparator(path)) + ".tarnwick-" + std::to_string(ProcessNumber()) + "-" +
-         std::to_string(counter.fetch_add(1)) + ".tmp";
+  return path.replace_filename(".tarnwick-" + std::to_string(ProcessNumber()) + "-" +
+                               std::to_string(counter.fetch_add(1)) + ".tmp");
 }
 
 }  // namespace
@@ -84,21 +84,27 @@ std::optional<OutputFile> OutputFile::Create(std::string path, std::string* reas
     return std::nullopt;
   };
   if (LastComponent(path).empty()) return refuse("the file has no name");
-  const fs::path native = NativePath(path);
+  fs::path native = NativePath(path);
   std::error_code error;
   const auto status = fs::status(native, error);
   if (fs::is_directory(status)) return refuse("a folder of that name exists");
   if (fs::exists(status) && !MayBeWritten(native)) return refuse(std::strerror(errno));
   // A name that is too long or otherwise impossible must fail here, not when the finished file is to get it.
   if (error && !fs::exists(status) && status.type() != fs::file_type::not_found) return refuse(error.message());
+  if (fs::is_symlink(fs::symlink_status(native, error))) {
+    const fs::path target = fs::canonical(native, error);
+    if (!error) native = target;
+  }
 
   OutputFile file;
   for (int attempt = 0; attempt < 100 && file.m_descriptor < 0; ++attempt) {
-    file.m_temporaryPath = TemporaryName(path);
-    file.m_descriptor = OpenNew(NativePath(file.m_temporaryPath));
+    file.m_temporaryPath = TemporaryName(native);
+    file.m_descriptor = OpenNew(file.m_temporaryPath);
     if (file.m_descriptor < 0 && errno != EEXIST) break;
   }
   if (file.m_descriptor < 0) return refuse(std::strerror(errno));
+  if (fs::exists(status)) fs::permissions(file.m_temporaryPath, status.permissions(), error);
+  file.m_target = std::move(native);
   file.m_path = std::move(path);
   return file;
 }
@@ -111,6 +117,7 @@ OutputFile& OutputFile::operator=(OutputFile&& other) noexcept {
   if (this == &other) return *this;
   Discard();
   m_path = std::move(other.m_path);
+  m_target = std::move(other.m_target);
   m_temporaryPath = std::exchange(other.m_temporaryPath, {});
   m_error = std::move(other.m_error);
   m_size = other.m_size;
@@ -145,7 +152,7 @@ bool OutputFile::Commit() {
   const int closed = CloseDescriptor(std::exchange(m_descriptor, -1));
   if (closed != 0) Fail(std::strerror(errno));
   std::string reason;
-  if (m_error.empty() && !Replace(NativePath(m_temporaryPath), NativePath(m_path), reason)) Fail(reason);
+  if (m_error.empty() && !Replace(m_temporaryPath, m_target, reason)) Fail(reason);
   if (!m_error.empty()) {
     Discard();
     return false;
@@ -158,7 +165,7 @@ void OutputFile::Discard() {
   if (m_descriptor >= 0) CloseDescriptor(std::exchange(m_descriptor, -1));
   if (m_temporaryPath.empty()) return;
   std::error_code ignored;
-  fs::remove(NativePath(m_temporaryPath), ignored);
+  fs::remove(m_temporaryPath, ignored);
   m_temporaryPath.clear();
 }
 

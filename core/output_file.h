@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -10,6 +11,8 @@ namespace tarnwick::core {
 
 /// A file being written under a temporary name beside its place. `Commit` gives it its name, over an older file of
 /// that name; until then the older file is untouched, and an object that goes away uncommitted leaves nothing behind.
+/// The new file gets the permissions of the older one, and where `path` is a symbolic link, the file that it points to
+/// is the one replaced.
 ///
 ///     auto file = OutputFile::Create("out/hair.smd");
 ///     if (!file) ...                                 // cannot be created: say so
@@ -47,7 +50,8 @@ class OutputFile {
   bool Fail(std::string reason);
 
   std::string m_path;
-  std::string m_temporaryPath;
+  std::filesystem::path m_target;         // the file to be replaced: m_path, or what the link there points to
+  std::filesystem::path m_temporaryPath;  // beside m_target
   std::string m_error;
   uint64_t m_size = 0;
   int m_descriptor = -1;

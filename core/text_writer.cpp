@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cassert>
 #include <cmath>
-#include <cstdio>
 #include <cstring>
 
 namespace tarnwick::core {
@@ -122,10 +121,9 @@ void TextWriter::FormatList(std::string_view pattern, std::initializer_list<Text
       } else {
         const double value =
             argument.GetKind() == TextArgument::Kind::Float ? static_cast<double>(argument.Float()) : argument.Double();
-        char text[400];  // the largest double has 309 digits before its point
-        const int length = std::snprintf(text, sizeof text, "%*.*f", std::min(place.Width, 32),
-                                         place.Precision < 0 ? 6 : std::min(place.Precision, 20), value);
-        Raw(std::string_view(text, static_cast<size_t>(length)));
+        const std::string text = FixedText(value, place.Precision < 0 ? 6 : std::min(place.Precision, 20));
+        for (size_t blank = text.size(); blank < static_cast<size_t>(std::min(place.Width, 32)); ++blank) Char(' ');
+        Raw(text);
         if (!std::isfinite(value)) ++m_nonFinite;
       }
     }

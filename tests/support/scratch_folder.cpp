@@ -26,7 +26,7 @@ ScratchFolder::~ScratchFolder() {
 std::vector<std::string> ScratchFolder::Files() const {
   std::vector<std::string> files;
   for (const auto& entry : fs::recursive_directory_iterator(m_path)) {
-    if (!entry.is_directory()) files.push_back(fs::relative(entry.path(), m_path).generic_string());
+    if (!entry.is_directory()) files.push_back(entry.path().lexically_relative(m_path).generic_string());
   }
   std::sort(files.begin(), files.end());
   return files;
