@@ -56,6 +56,7 @@ TextWriter::TextWriter(std::string& target)
 void TextWriter::Flush() {
   const std::string_view text(m_buffer.get(), static_cast<size_t>(m_next - m_buffer.get()));
   m_next = m_buffer.get();
+  m_flushed += text.size();
   if (m_file != nullptr) {
     m_file->Write(text);
   } else {

@@ -93,6 +93,9 @@ class TextWriter {
   /// Hands everything written so far to the target.
   void Flush();
 
+  /// Bytes written so far, those in the buffer included.
+  uint64_t BytesWritten() const { return m_flushed + static_cast<uint64_t>(m_next - m_buffer.get()); }
+
   /// Infinities and not-a-numbers among the floats written so far.
   uint64_t NonFiniteCount() const { return m_nonFinite; }
   /// Adds to that count, for numbers that reached the file through `Raw`.
@@ -117,6 +120,7 @@ class TextWriter {
   std::unique_ptr<char[]> m_buffer;
   char* m_next;
   char* m_end;
+  uint64_t m_flushed = 0;
   uint64_t m_nonFinite = 0;
 };
 

@@ -1,0 +1,121 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "core/output_file.h"
+#include "core/report.h"
+#include "core/text_writer.h"
+#include "decompiler/decompile_job.h"
+#include "decompiler/file_batch.h"
+#include "decompiler/loaded_model.h"
+#include "decompiler/output_names.h"
+
+namespace tarnwick::decompiler {
+
+/// Everything that a running job knows, handed down through its stages. Stages call it from the job's own thread
+/// only; what they give to `WriteFile` runs on any thread and touches nothing but its own values and the model.
+class JobContext {
+ public:
+  JobContext(const DecompileJob& job, core::Report& report);
+
+  const DecompileJob& Job() const { return m_job; }
+  bool Unweighted() const { return (m_job.Options & DecompileOptionUnweightedSmd) != 0; }
+  bool KeepRotations() const { return (m_job.Options & DecompileOptionKeepRotations) != 0; }
+  bool ReadyToCompile() const { return (m_job.Options & DecompileOptionReadyToCompile) != 0; }
+
+  /// The model's files; set by the driver before the first stage.
+  LoadedModel Model;
+
+  /// The open QC script.
+  core::TextWriter& Script() { return *m_script; }
+  void SetScript(core::TextWriter& script) { m_script = &script; }
+  /// Whether the script has a length that a sound model can have; loops over a model's tables ask at each turn, since
+  /// tables of a damaged model can overlap. The first no is told.
+  bool ScriptWithinBounds();
+
+  /// The names that files of this job have (used with DecompileOptionReadyToCompile).
+  OutputNames Names;
+
+  /// Which delta reference file the job has; empty until the first delta animation.
+  std::string DeltaReference;
+  bool DeltaWritten = false;
+
+  /// Appends to the job's log. Lines carry their own \r\n.
+  void Log(std::string_view text) { m_report.Log(text); }
+  /// A line "Warning: ...\r\n" in the log, and an entry in the result.
+  void Warn(std::string text);
+  /// A box with the stop icon, and an entry in the result.
+  void Error(std::string_view text, std::string_view caption);
+  /// Tells that something in the file at `path` cannot be: which record, at which byte, and what is wrong with it.
+  ///     hair.mdl: the bone table at byte 664 (4000000 records) runs past the end of the file (2064 bytes)
+  void Damaged(const std::string& path, std::string_view what, int64_t offset, std::string_view problem);
+  /// The same for a table of `count` records that does not lie inside its file of `size` bytes.
+  void DamagedTable(const std::string& path, std::string_view what, int64_t offset, int64_t count, int64_t size);
+
+  /// The array of `count` records at `offset` from the start of the .mdl file. Nothing, told as damage of `what` (such
+  /// as "bone table"), if it does not lie inside the file.
+  template <core::PackedRecord T>
+  std::optional<core::RecordArray<T>> Table(std::string_view what, int64_t offset, int64_t count) {
+    auto table = Model.View().Array<T>(offset, count);
+    if (!table) DamagedTable(Model.Mdl.Path(), what, offset, count, Model.View().Size());
+    return table;
+  }
+  /// The name that `record` says stands `nameOffset` bytes behind its start. Nothing, told as damage of `what` (such as
+  /// "bone name"), if there is none.
+  template <core::PackedRecord T>
+  std::optional<std::string_view> NameOf(std::string_view what, const core::Record<T>& record, int32_t nameOffset) {
+    auto name = Model.NameOf(record, nameOffset);
+    if (!name) DamagedName(what, record.Offset() + nameOffset);
+    return name;
+  }
+  /// Tells that no name stands at `offset` of the .mdl file.
+  void DamagedName(std::string_view what, int64_t offset);
+
+  /// Takes `bytes` of output (or work worth as much) from what this job may spend: 256 MiB and 1,024 bytes for each
+  /// byte read. Each file costs 64 KiB on top of its bytes. No sound model comes near: a vertex line of at most 250
+  /// bytes stands for 2 bytes of index data and more, and an hour of animation for 60 bones is below 256 MiB at 15
+  /// frames a second. False, told once, when the bound is passed: the stage then ends.
+  bool Spend(int64_t bytes);
+
+  /// Whether the caller wants the job to end; told in the log the first time.
+  bool Stopped();
+
+  /// The path under which a file of this job is opened: the output directory, a separator, `name`.
+  std::string OutputPath(std::string_view name) const;
+
+  /// Begins the file `name` (with its extension) in the output directory. Nothing, with `reason`, if it cannot be
+  /// created or if its name leads out of the output directory.
+  std::optional<core::OutputFile> Create(std::string_view name, std::string* reason = nullptr);
+
+  /// Fills the file with `write` and gives it its name, now or on another thread before the stage ends. Failures of
+  /// the write calls, and numbers that are not finite, are told when the stage ends, in the order of the calls.
+  void WriteFile(core::OutputFile file, FileBatch::WriteFunction write);
+
+  /// Waits for all files and tells what happened to them, in order. Called at the end of each stage.
+  void FinishFiles();
+
+  DecompileResult& Result() { return m_result; }
+
+ private:
+  const DecompileJob& m_job;
+  core::Report& m_report;
+  core::TextWriter* m_script = nullptr;
+  FileBatch m_files;
+  DecompileResult m_result;
+  DecompileProgress m_progress;
+  int64_t m_spent = 0;
+  int64_t m_scriptCharged = 0;
+  bool m_limitTold = false;
+  bool m_stopTold = false;
+};
+
+/// Appends `text` to the job's log.
+inline void DecompileLog(JobContext& job, std::string_view text) {
+  job.Log(text);
+}
+
+}  // namespace tarnwick::decompiler
