@@ -1,0 +1,54 @@
+#include "platform/data_exchange.h"
+
+#include <QAbstractButton>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+
+#include "platform/text.h"
+
+namespace tarnwick::platform {
+
+void DDX_Text(const CDataExchange& exchange, QLineEdit& control, std::string& value) {
+  if (exchange.Saving) {
+    value = FromQt(control.text());
+  } else {
+    control.setText(ToQt(value));
+  }
+}
+
+void DDX_Text(const CDataExchange& exchange, QPlainTextEdit& control, std::string& value) {
+  if (exchange.Saving) {
+    value = FromQt(control.toPlainText());
+  } else {
+    control.setPlainText(ToQt(value));
+  }
+}
+
+void DDX_Text(const CDataExchange& exchange, QComboBox& control, std::string& value) {
+  if (exchange.Saving) {
+    value = FromQt(control.currentText());
+  } else if (control.isEditable()) {
+    control.setEditText(ToQt(value));
+  } else {
+    control.setCurrentIndex(control.findText(ToQt(value)));
+  }
+}
+
+void DDX_Check(const CDataExchange& exchange, QAbstractButton& control, bool& value) {
+  if (exchange.Saving) {
+    value = control.isChecked();
+  } else {
+    control.setChecked(value);
+  }
+}
+
+void DDX_CBIndex(const CDataExchange& exchange, QComboBox& control, int& value) {
+  if (exchange.Saving) {
+    value = control.currentIndex();
+  } else {
+    control.setCurrentIndex(value);
+  }
+}
+
+}  // namespace tarnwick::platform

@@ -1,0 +1,147 @@
+#include "platform/job_runner.h"
+
+#include <QApplication>
+#include <QProgressBar>
+#include <QWidget>
+#include <condition_variable>
+#include <mutex>
+#include <optional>
+#include <thread>
+
+#include "platform/dialog.h"
+#include "platform/page_report.h"
+
+namespace tarnwick::platform {
+
+namespace {
+
+constexpr int TickMilliseconds = 10;
+
+/// A worker's sink. It keeps what the worker says until the user-interface thread fetches it.
+class WorkerReport : public core::Report {
+ public:
+  void Log(std::string_view text) override {
+    const std::lock_guard lock(m_mutex);
+    m_grown += text;
+  }
+
+  void Box(core::BoxIcon icon, std::string_view text, std::string_view caption) override {
+    std::unique_lock lock(m_mutex);
+    if (m_abandoned) return;
+    m_box = BoxOf(icon, text, caption);
+    m_answered.wait(lock, [this] { return !m_box || m_abandoned; });
+  }
+
+  std::string TakeLog() {
+    const std::lock_guard lock(m_mutex);
+    return std::exchange(m_grown, {});
+  }
+
+  std::optional<MessageBoxRequest> WaitingBox() {
+    const std::lock_guard lock(m_mutex);
+    return m_box;
+  }
+
+  void AnswerBox() {
+    const std::lock_guard lock(m_mutex);
+    m_box.reset();
+    m_answered.notify_all();
+  }
+
+  /// From now on nobody answers: the worker's boxes return at once.
+  void Abandon() {
+    const std::lock_guard lock(m_mutex);
+    m_abandoned = true;
+    m_answered.notify_all();
+  }
+
+ private:
+  std::mutex m_mutex;
+  std::condition_variable m_answered;
+  std::string m_grown;
+  std::optional<MessageBoxRequest> m_box;
+  bool m_abandoned = false;
+};
+
+}  // namespace
+
+struct JobRunner::Job {
+  WorkerReport Report;
+  std::atomic<bool> Ended = false;
+  std::jthread Thread;  // last, so that it ends before what it uses
+};
+
+JobRunner::JobRunner(CDialog& page) : QObject(&page), m_page(page) {}
+
+JobRunner::~JobRunner() {
+  if (!m_job) return;
+  m_job->Report.Abandon();
+  m_job->Thread.request_stop();
+  m_job->Thread.join();
+}
+
+bool JobRunner::Start(Work work, JobView view) {
+  if (m_job) return false;
+  m_view = std::move(view);
+  m_sweep = 1;
+  if (m_view.Bar != nullptr) {
+    m_view.Bar->setRange(0, 100);
+    m_view.Bar->setValue(0);
+  }
+  m_focus = QApplication::focusWidget();
+  m_page.setEnabled(false);
+  // A page's status windows are disabled with it; they are what the user looks at meanwhile.
+  for (QWidget* child : m_page.findChildren<QWidget*>()) {
+    if (child->isWindow()) child->setEnabled(true);
+  }
+  m_job = std::make_unique<Job>();
+  m_job->Thread = std::jthread([job = m_job.get(), work = std::move(work)](const std::stop_token& stop) {
+    work(job->Report, stop);
+    job->Ended = true;
+  });
+  m_timer = startTimer(TickMilliseconds);
+  return true;
+}
+
+void JobRunner::RequestStop() {
+  if (m_job) m_job->Thread.request_stop();
+}
+
+void JobRunner::timerEvent(QTimerEvent*) {
+  OnTick();
+}
+
+void JobRunner::OnTick() {
+  const bool ended = m_job->Ended;  // before the log is fetched, so that the last words are not missed
+  const std::string grown = m_job->Report.TakeLog();
+  if (!grown.empty() && m_view.LogGrew) m_view.LogGrew(grown);
+  if (m_showingBox) return;
+  if (ended) return Finish();
+  if (m_view.Bar != nullptr) m_view.Bar->setValue(m_sweep);
+  m_sweep = m_sweep >= 100 ? 0 : m_sweep + 1;
+  if (m_view.Tick) m_view.Tick();
+  ShowWaitingBox();
+}
+
+void JobRunner::ShowWaitingBox() {
+  const std::optional<MessageBoxRequest> box = m_job->Report.WaitingBox();
+  if (!box) return;
+  m_showingBox = true;
+  const QPointer<JobRunner> alive(this);
+  m_page.DesktopSeam().ShowBox(&m_page, *box);
+  if (!alive) return;
+  m_showingBox = false;
+  m_job->Report.AnswerBox();
+}
+
+void JobRunner::Finish() {
+  killTimer(m_timer);
+  m_job.reset();
+  m_page.setEnabled(true);
+  if (m_focus && QApplication::focusWidget() == nullptr) m_focus->setFocus();
+  if (m_view.Bar != nullptr) m_view.Bar->setValue(100);
+  const JobView view = std::exchange(m_view, {});
+  if (view.Done) view.Done();
+}
+
+}  // namespace tarnwick::platform

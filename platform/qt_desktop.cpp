@@ -1,0 +1,146 @@
+#include "platform/qt_desktop.h"
+
+#include <QDesktopServices>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMessageBox>
+#include <QUrl>
+
+#include "core/paths.h"
+#include "platform/text.h"
+
+namespace tarnwick::platform {
+
+namespace {
+
+QMessageBox::Icon QtIcon(BoxIcon icon) {
+  switch (icon) {
+    case BoxIcon::Stop:
+      return QMessageBox::Critical;
+    case BoxIcon::Exclamation:
+      return QMessageBox::Warning;
+    case BoxIcon::Information:
+      return QMessageBox::Information;
+    case BoxIcon::Question:
+      return QMessageBox::Question;
+    case BoxIcon::None:
+      break;
+  }
+  return QMessageBox::NoIcon;
+}
+
+QMessageBox::StandardButtons QtButtons(BoxButtons buttons) {
+  switch (buttons) {
+    case BoxButtons::OkCancel:
+      return QMessageBox::Ok | QMessageBox::Cancel;
+    case BoxButtons::YesNo:
+      return QMessageBox::Yes | QMessageBox::No;
+    case BoxButtons::YesNoCancel:
+      return QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel;
+    case BoxButtons::Ok:
+      break;
+  }
+  return QMessageBox::Ok;
+}
+
+QString QtPath(const std::string& path) {
+  return ToQt(core::PathText(core::NativePath(path)));
+}
+
+/// Opens the chooser's dialog and gives what was chosen; empty on cancel.
+QStringList Choose(QWidget* owner, const FileRequest& request, QFileDialog::AcceptMode accept,
+                   QFileDialog::FileMode mode) {
+  QFileDialog dialog(owner);
+  dialog.setAcceptMode(accept);
+  dialog.setFileMode(mode);
+  if (!request.Title.empty()) dialog.setWindowTitle(ToQt(request.Title));
+  QStringList filters;
+  for (const std::string& filter : NameFilters(request.Filter)) filters << ToQt(filter);
+  if (!filters.isEmpty()) dialog.setNameFilters(filters);
+
+  const QFileInfo start(QtPath(request.StartName));
+  const bool namesDirectory = !request.StartName.empty() && start.absoluteDir().exists() && start.isAbsolute();
+  if (namesDirectory) {
+    dialog.setDirectory(start.absoluteDir());
+  } else if (!request.StartDirectory.empty() && QFileInfo(QtPath(request.StartDirectory)).isDir()) {
+    dialog.setDirectory(QtPath(request.StartDirectory));
+  }
+  if (!request.StartName.empty()) dialog.selectFile(namesDirectory ? start.absoluteFilePath() : start.fileName());
+  return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles() : QStringList();
+}
+
+std::optional<std::string> First(const QStringList& files) {
+  if (files.isEmpty()) return std::nullopt;
+  return FromQt(files.front());
+}
+
+}  // namespace
+
+std::vector<std::string> NameFilters(const std::string& pairs) {
+  std::vector<std::string> filters;
+  const QStringList parts = ToQt(pairs).split('|');
+  for (qsizetype i = 0; i + 1 < parts.size(); i += 2) {
+    QString label = parts[i].trimmed();
+    if (label.endsWith(')') && label.contains('(')) label = label.left(label.lastIndexOf('(')).trimmed();
+    filters.push_back(FromQt(QString("%1 (%2)").arg(label, QString(parts[i + 1]).replace(';', ' '))));
+  }
+  return filters;
+}
+
+BoxAnswer QtDesktop::ShowBox(QWidget* owner, const MessageBoxRequest& request) {
+  QMessageBox box(owner);
+  box.setTextFormat(Qt::PlainText);
+  box.setText(ToQt(request.Text).replace("\r\n", "\n"));
+  box.setWindowTitle(ToQt(request.Caption));
+  box.setIcon(QtIcon(request.Icon));
+  box.setStandardButtons(QtButtons(request.Buttons));
+  box.setTextInteractionFlags(Qt::TextSelectableByMouse);
+  switch (box.exec()) {
+    case QMessageBox::Ok:
+      return BoxAnswer::Ok;
+    case QMessageBox::Yes:
+      return BoxAnswer::Yes;
+    case QMessageBox::No:
+      return BoxAnswer::No;
+    default:
+      break;
+  }
+  if (request.Buttons == BoxButtons::Ok) return BoxAnswer::Ok;
+  return request.Buttons == BoxButtons::YesNo ? BoxAnswer::No : BoxAnswer::Cancel;
+}
+
+std::optional<std::string> QtDesktop::ChooseFileToOpen(QWidget* owner, const FileRequest& request) {
+  return First(Choose(owner, request, QFileDialog::AcceptOpen, QFileDialog::ExistingFile));
+}
+
+std::optional<std::vector<std::string>> QtDesktop::ChooseFilesToOpen(QWidget* owner, const FileRequest& request) {
+  const QStringList chosen = Choose(owner, request, QFileDialog::AcceptOpen, QFileDialog::ExistingFiles);
+  if (chosen.isEmpty()) return std::nullopt;
+  std::vector<std::string> files;
+  for (const QString& file : chosen) files.push_back(FromQt(file));
+  return files;
+}
+
+std::optional<std::string> QtDesktop::ChooseFileToSave(QWidget* owner, const FileRequest& request) {
+  return First(Choose(owner, request, QFileDialog::AcceptSave, QFileDialog::AnyFile));
+}
+
+std::optional<std::string> QtDesktop::ChooseFolder(QWidget* owner, const std::string& title,
+                                                   const std::string& startDirectory) {
+  const QString folder = QFileDialog::getExistingDirectory(owner, ToQt(title), QtPath(startDirectory));
+  if (folder.isEmpty()) return std::nullopt;
+  return FromQt(folder);
+}
+
+bool QtDesktop::Open(const std::string& addressOrPath) {
+  const QString path = QtPath(addressOrPath);
+  if (QFileInfo::exists(path)) return QDesktopServices::openUrl(QUrl::fromLocalFile(path));
+  return QDesktopServices::openUrl(QUrl(ToQt(addressOrPath), QUrl::TolerantMode));
+}
+
+bool QtDesktop::Edit(const std::string& path) {
+  const QString native = QtPath(path);
+  return QFileInfo::exists(native) && QDesktopServices::openUrl(QUrl::fromLocalFile(native));
+}
+
+}  // namespace tarnwick::platform

@@ -1,0 +1,25 @@
+#include "platform/win_app.h"
+
+#include "platform/bitmap_button.h"
+
+namespace tarnwick::platform {
+
+CWinApp::CWinApp(int& argumentCount, char** arguments) : m_application(argumentCount, arguments) {
+  QApplication::setApplicationDisplayName("Tarnwick");
+  QApplication::setWindowIcon(IconOf("tarnwick"));
+  // The main window is a modal dialog whose end is the program's end; a job may still be finishing behind it.
+  QApplication::setQuitOnLastWindowClosed(false);
+}
+
+CWinApp::~CWinApp() = default;
+
+int CWinApp::Run() {
+  if (InitInstance()) QApplication::exec();
+  return ExitInstance();
+}
+
+int CWinApp::ExitInstance() {
+  return 0;
+}
+
+}  // namespace tarnwick::platform

@@ -1,0 +1,98 @@
+#include "platform/job_runner.h"
+
+#include <gmock/gmock.h>
+
+#include <QProgressBar>
+#include <QTest>
+#include <memory>
+#include <semaphore>
+#include <thread>
+
+#include "platform/dialog.h"
+#include "window_support/scripted_desktop.h"
+#include "window_support/window_actions.h"
+
+namespace tarnwick::platform {
+
+namespace {
+
+using testing::ElementsAre;
+using tests::ShownBox;
+
+class JobRunnerTest : public testing::Test {
+ protected:
+  JobRunnerTest() { m_page.show(); }
+
+  JobView View() {
+    return {.Bar = &m_bar,
+            .LogGrew = [this](const std::string& text) { m_log += text; },
+            .Tick = {},
+            .Done = [this] { ++m_done; }};
+  }
+
+  tests::ScriptedDesktop m_desktop;
+  CDialog m_page{m_desktop};
+  QProgressBar m_bar{&m_page};
+  QDialog m_status{&m_page};
+  std::unique_ptr<JobRunner> m_jobs = std::make_unique<JobRunner>(m_page);
+  std::string m_log;
+  int m_done = 0;
+};
+
+TEST_F(JobRunnerTest, KeepsTheWindowAliveAndThePageDisabled) {
+  std::binary_semaphore go(0);
+  const auto userThread = std::this_thread::get_id();
+  m_status.show();
+  ASSERT_TRUE(m_jobs->Start(
+      [&](core::Report& report, const std::stop_token&) {
+        EXPECT_NE(std::this_thread::get_id(), userThread);
+        report.Log("one\r\n");
+        go.acquire();
+        report.Log("two\r\n");
+      },
+      View()));
+  EXPECT_FALSE(m_page.isEnabled());
+  EXPECT_TRUE(m_status.isEnabled()) << "the page's status window can be used meanwhile";
+  EXPECT_FALSE(m_jobs->Start([](core::Report&, const std::stop_token&) {}, {})) << "one job at a time";
+  EXPECT_TRUE(tests::WaitUntil([&] { return m_log == "one\r\n" && m_bar.value() > 2; }));
+  EXPECT_EQ(m_done, 0);
+  go.release();
+  EXPECT_TRUE(tests::WaitUntil([&] { return !m_jobs->IsRunning(); }));
+  EXPECT_EQ(m_log, "one\r\ntwo\r\n");
+  EXPECT_EQ(m_done, 1);
+  EXPECT_EQ(m_bar.value(), 100);
+  EXPECT_TRUE(m_page.isEnabled());
+}
+
+TEST_F(JobRunnerTest, ShowsTheWorkersBoxesOnTheUserInterfaceThreadAndWaits) {
+  m_jobs->Start(
+      [](core::Report& report, const std::stop_token&) {
+        report.ErrorBox("Unable to load model", "Error");
+        report.WarningBox("Odd", "Warning");
+        report.Log("after");
+      },
+      View());
+  EXPECT_TRUE(tests::WaitUntil([&] { return m_done == 1; }));
+  EXPECT_THAT(m_desktop.Boxes, ElementsAre(ShownBox{BoxIcon::Stop, "Unable to load model", "Error"},
+                                           ShownBox{BoxIcon::Exclamation, "Odd", "Warning"}));
+  EXPECT_EQ(m_log, "after");
+}
+
+TEST_F(JobRunnerTest, EndsWithItsPageAlsoWhileTheWorkWaitsForAnAnswer) {
+  bool wasAsked = false;
+  m_jobs->Start(
+      [&](core::Report& report, const std::stop_token& stop) {
+        while (!stop.stop_requested()) std::this_thread::yield();
+        report.ErrorBox("nobody is there", "Error");
+        wasAsked = true;
+      },
+      View());
+  m_jobs.reset();
+  EXPECT_TRUE(wasAsked);
+  EXPECT_TRUE(m_desktop.Boxes.empty());
+  EXPECT_EQ(m_done, 0);
+}
+
+}  // namespace
+
+}  // namespace tarnwick::platform

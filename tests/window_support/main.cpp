@@ -1,0 +1,18 @@
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QStandardPaths>
+#include <cstring>
+
+// The main of every window test program: an application on a display that needs no screen, with no desktop's style or
+// settings of the user in it.
+int main(int argumentCount, char** arguments) {
+  testing::InitGoogleTest(&argumentCount, arguments);
+  if (testing::GTEST_FLAG(list_tests)) return RUN_ALL_TESTS();
+  if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+  QStandardPaths::setTestModeEnabled(true);
+  QApplication application(argumentCount, arguments);
+  QApplication::setQuitOnLastWindowClosed(false);
+  QApplication::setStyle("Fusion");
+  return RUN_ALL_TESTS();
+}

@@ -1,0 +1,40 @@
+#include "window_support/window_actions.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QDropEvent>
+#include <QMimeData>
+#include <QTest>
+#include <QTimer>
+#include <QUrl>
+
+namespace tarnwick::tests {
+
+void Click(QWidget& window, const char* button) {
+  QTest::mouseClick(&ControlOf<QAbstractButton>(window, button), Qt::LeftButton);
+}
+
+void Drop(QWidget& target, const std::vector<std::string>& paths) {
+  QMimeData data;
+  QList<QUrl> urls;
+  for (const std::string& path : paths) urls << QUrl::fromLocalFile(QString::fromStdString(path));
+  data.setUrls(urls);
+  const QPoint point = target.rect().center();
+  QDragEnterEvent enter(point, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+  QApplication::sendEvent(&target, &enter);
+  QDropEvent drop(point, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+  QApplication::sendEvent(&target, &drop);
+}
+
+bool WaitUntil(const std::function<bool()>& condition) {
+  return QTest::qWaitFor(condition, 10'000);
+}
+
+void WhenModalOpens(const std::function<void(QWidget& dialog)>& answer) {
+  QTimer::singleShot(0, [answer] {
+    if (QWidget* dialog = QApplication::activeModalWidget()) return answer(*dialog);
+    ADD_FAILURE() << "no dialog opened";
+  });
+}
+
+}  // namespace tarnwick::tests

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QWidget>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace tarnwick::tests {
+
+/// The control of the form with that object name; the test fails and stops if there is none.
+template <typename Control>
+Control& ControlOf(QWidget& window, const char* name) {
+  auto* control = window.findChild<Control*>(name);
+  if (control == nullptr) {
+    ADD_FAILURE() << "no control " << name;
+    std::abort();
+  }
+  return *control;
+}
+
+/// Presses the button with that object name with the mouse.
+void Click(QWidget& window, const char* button);
+
+/// Drops files on the middle of `target` the way the platform does.
+void Drop(QWidget& target, const std::vector<std::string>& paths);
+
+/// Lets events pass until `condition` holds; false after ten seconds.
+bool WaitUntil(const std::function<bool()>& condition);
+
+/// Has `answer` called with the modal dialog that the next action opens. `answer` must close it.
+void WhenModalOpens(const std::function<void(QWidget& dialog)>& answer);
+
+}  // namespace tarnwick::tests
