@@ -9,12 +9,6 @@ namespace tarnwick::core {
 
 namespace {
 
-#ifdef _WIN32
-constexpr std::string_view LineEnd = "\r\n";
-#else
-constexpr std::string_view LineEnd = "\n";
-#endif
-
 /// A place for an argument in a pattern, as in "%2.3f".
 struct Place {
   int Width = 0;
@@ -75,14 +69,14 @@ void TextWriter::Raw(std::string_view bytes) {
 }
 
 void TextWriter::Text(std::string_view text) {
-  if constexpr (LineEnd == "\n") {
+  if constexpr (PlatformLineEnd == "\n") {
     Raw(text);
   } else {
     while (true) {
       const size_t end = text.find('\n');
       Raw(text.substr(0, end));
       if (end == std::string_view::npos) return;
-      Raw(LineEnd);
+      Raw(PlatformLineEnd);
       text.remove_prefix(end + 1);
     }
   }

@@ -11,6 +11,13 @@
 
 namespace tarnwick::core {
 
+/// What ends a line of a text file on this platform.
+#ifdef _WIN32
+inline constexpr std::string_view PlatformLineEnd = "\r\n";
+#else
+inline constexpr std::string_view PlatformLineEnd = "\n";
+#endif
+
 /// One argument of TextWriter::Format: text for %s, a whole number for %d, a number for %f.
 class TextArgument {
  public:

@@ -1,5 +1,8 @@
 #include "decompiler/file_batch.h"
 
+#include <condition_variable>
+#include <mutex>
+#include <new>
 #include <utility>
 
 namespace tarnwick::decompiler {
@@ -17,18 +20,38 @@ struct FileBatch::Task {
   core::OutputFile File;
   WriteFunction Write;
   FileOutcome Outcome;
-  bool Claimed = false;   // guarded by the batch's lock
-  bool Finished = false;  // guarded by the batch's lock
+  std::atomic<bool> Claimed = false;
+  std::mutex Lock;
+  std::condition_variable Done;
+  bool Finished = false;  // guarded by Lock
 
+  /// Writes the file, unless another thread has begun to.
+  void RunOnce(std::atomic<int>& doneCount) {
+    if (Claimed.exchange(true)) return;
+    Run();
+    ++doneCount;
+    const std::lock_guard lock(Lock);
+    Finished = true;
+    Done.notify_all();
+  }
+
+  void Wait() {
+    std::unique_lock lock(Lock);
+    Done.wait(lock, [this] { return Finished; });
+  }
+
+ private:
   void Run() {
     Outcome.Path = File.Path();
-    {
+    try {
       core::TextWriter writer(File);
       Outcome.Discarded = !Write(writer);
       writer.Flush();
       Outcome.NonFinite = writer.NonFiniteCount();
+    } catch (const std::bad_alloc&) {
+      Outcome.Error = "memory ran out";
     }
-    if (Outcome.Discarded) {
+    if (Outcome.Discarded || !Outcome.Error.empty()) {
       File.Discard();
     } else if (!File.Commit()) {
       Outcome.Error = File.Error();
@@ -40,49 +63,19 @@ struct FileBatch::Task {
 
 void FileBatch::Add(core::OutputFile file, WriteFunction write) {
   auto task = std::make_shared<Task>(std::move(file), std::move(write));
-  if (m_helpers == nullptr) {
-    task->Run();
-    m_outcomes.push_back(std::move(task->Outcome));
-    const std::lock_guard lock(m_lock);
-    ++m_doneCount;
-    return;
-  }
-  m_underWay.push_back(task);
-  m_helpers->Post([this, task] {
-    {
-      const std::lock_guard lock(m_lock);
-      if (std::exchange(task->Claimed, true)) return;
-    }
-    task->Run();
-    const std::lock_guard lock(m_lock);
-    task->Finished = true;
-    ++m_doneCount;
-    m_done.notify_all();
-  });
-  while (m_underWay.size() >= MostUnderWay) FinishOldest();
+  // A helper may come to the task when the batch is gone; by then the task is claimed, and all it touches is shared.
+  if (m_helpers != nullptr) m_helpers->Post([task, done = m_doneCount] { task->RunOnce(*done); });
+  m_underWay.push_back(std::move(task));
+  const size_t most = m_helpers == nullptr ? 1 : MostUnderWay;
+  while (m_underWay.size() >= most) FinishOldest();
 }
 
 void FileBatch::FinishOldest() {
-  const std::shared_ptr<Task> task = m_underWay.front();
+  const std::shared_ptr<Task> task = std::move(m_underWay.front());
   m_underWay.pop_front();
-  {
-    std::unique_lock lock(m_lock);
-    if (std::exchange(task->Claimed, true)) {
-      m_done.wait(lock, [&] { return task->Finished; });
-      m_outcomes.push_back(std::move(task->Outcome));
-      return;
-    }
-  }
-  task->Run();
+  task->RunOnce(*m_doneCount);
+  task->Wait();
   m_outcomes.push_back(std::move(task->Outcome));
-  const std::lock_guard lock(m_lock);
-  task->Finished = true;
-  ++m_doneCount;
-}
-
-int FileBatch::DoneCount() {
-  const std::lock_guard lock(m_lock);
-  return m_doneCount;
 }
 
 std::vector<FileOutcome> FileBatch::Finish() {

@@ -1,10 +1,9 @@
 #pragma once
 
-#include <condition_variable>
+#include <atomic>
 #include <deque>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <vector>
 
@@ -40,7 +39,7 @@ class FileBatch {
   void Add(core::OutputFile file, WriteFunction write);
 
   /// Files that are finished, of all that were added.
-  int DoneCount();
+  int DoneCount() const { return *m_doneCount; }
 
   /// Waits until all files are finished, and gives their outcomes in the order in which they were added.
   std::vector<FileOutcome> Finish();
@@ -51,9 +50,7 @@ class FileBatch {
   void FinishOldest();
 
   core::WorkQueue* m_helpers;
-  std::mutex m_lock;
-  std::condition_variable m_done;
-  int m_doneCount = 0;
+  std::shared_ptr<std::atomic<int>> m_doneCount = std::make_shared<std::atomic<int>>(0);
   std::deque<std::shared_ptr<Task>> m_underWay;
   std::vector<FileOutcome> m_outcomes;
 };

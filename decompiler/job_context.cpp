@@ -12,7 +12,6 @@ namespace {
 constexpr int64_t MebiByte = int64_t{1} << 20;
 constexpr int64_t SpendBase = 256 * MebiByte;
 constexpr int64_t SpendForEachByteRead = 1024;
-constexpr int64_t FileCost = int64_t{64} << 10;
 
 }  // namespace
 
@@ -22,6 +21,11 @@ JobContext::JobContext(const DecompileJob& job, core::Report& report)
 void JobContext::Warn(std::string text) {
   Log("Warning: " + text + "\r\n");
   m_result.Warnings.push_back(std::move(text));
+}
+
+void JobContext::LogError(std::string text) {
+  Log("Error: " + text + "\r\n");
+  m_result.Errors.push_back(std::move(text));
 }
 
 void JobContext::Error(std::string_view text, std::string_view caption) {
@@ -99,6 +103,14 @@ std::optional<core::OutputFile> JobContext::Create(std::string_view name, std::s
 
 void JobContext::WriteFile(core::OutputFile file, FileBatch::WriteFunction write) {
   m_files.Add(std::move(file), std::move(write));
+}
+
+void JobContext::FinishScript(core::OutputFile& script) {
+  if (!script.Commit()) {
+    Error("Error writing " + script.Path() + ": " + script.Error(), "File Error");
+    return;
+  }
+  m_result.Files.insert(m_result.Files.begin(), {script.Path(), script.Size()});
 }
 
 void JobContext::FinishFiles() {

@@ -48,6 +48,9 @@ class JobContext {
   void Log(std::string_view text) { m_report.Log(text); }
   /// A line "Warning: ...\r\n" in the log, and an entry in the result.
   void Warn(std::string text);
+  /// A line "Error: ...\r\n" in the log, and an entry in the result: something is missing that the user should know of,
+  /// but no box stops the work.
+  void LogError(std::string text);
   /// A box with the stop icon, and an entry in the result.
   void Error(std::string_view text, std::string_view caption);
   /// Tells that something in the file at `path` cannot be: which record, at which byte, and what is wrong with it.
@@ -98,6 +101,9 @@ class JobContext {
   /// Waits for all files and tells what happened to them, in order. Called at the end of each stage.
   void FinishFiles();
 
+  /// Gives the script, complete and flushed, its name; it stands first among the job's files.
+  void FinishScript(core::OutputFile& script);
+
   DecompileResult& Result() { return m_result; }
 
  private:
@@ -112,6 +118,9 @@ class JobContext {
   bool m_limitTold = false;
   bool m_stopTold = false;
 };
+
+/// What each file costs a job (see Spend) on top of its bytes.
+inline constexpr int64_t FileCost = int64_t{64} << 10;
 
 /// Appends `text` to the job's log.
 inline void DecompileLog(JobContext& job, std::string_view text) {

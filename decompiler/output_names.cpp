@@ -58,4 +58,8 @@ std::string OutputNames::Take(std::string_view stem, std::string_view extension)
   return name;
 }
 
+void OutputNames::Reserve(std::string_view name) {
+  m_taken.insert(core::LowerAscii(name));
+}
+
 }  // namespace tarnwick::decompiler

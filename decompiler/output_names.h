@@ -23,6 +23,9 @@ class OutputNames {
   /// extension. The result, without a folder, is taken from then on. `extension` holds its full stop.
   std::string Take(std::string_view stem, std::string_view extension);
 
+  /// Takes `name` out of what `Take` may give.
+  void Reserve(std::string_view name);
+
  private:
   std::set<std::string> m_taken;  // in small letters
 };

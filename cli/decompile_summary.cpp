@@ -1,0 +1,88 @@
+#include "cli/decompile_summary.h"
+
+#include <cstdio>
+#include <nlohmann/json.hpp>
+
+#include "core/paths.h"
+
+namespace tarnwick::cli {
+
+namespace {
+
+void ReplaceAll(std::string& text, const std::string& from, std::string_view to) {
+  if (from.empty()) return;
+  for (size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size())) {
+    text.replace(at, from.size(), to);
+  }
+}
+
+std::string Decimal(double value, const char* unit) {
+  char text[64];
+  std::snprintf(text, sizeof text, "%.1f %s", value, unit);
+  return text;
+}
+
+std::string SecondsText(double seconds) {
+  char text[64];
+  std::snprintf(text, sizeof text, "%.2f s", seconds);
+  return text;
+}
+
+}  // namespace
+
+std::string ModelJson(const ModelOutcome& outcome) {
+  nlohmann::ordered_json model;
+  model["model"] = outcome.Model.ModelPath;
+  model["outcome"] = outcome.Result.Succeeded() ? "ok" : "failed";
+  model["output"] = outcome.Model.OutputDirectory;
+  model["files"] = nlohmann::ordered_json::array();
+  for (const decompiler::WrittenFile& file : outcome.Result.Files) {
+    model["files"].push_back({{"path", file.Path}, {"bytes", file.Size}});
+  }
+  model["bytes"] = outcome.Bytes();
+  model["seconds"] = outcome.Seconds;
+  model["warnings"] = outcome.Result.Warnings;
+  model["errors"] = outcome.Result.Errors;
+  // Names inside models are bytes in no known encoding; JSON takes UTF-8 only.
+  return model.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
+}
+
+std::string FailureReason(const ModelOutcome& outcome) {
+  if (outcome.Result.Errors.empty()) return "it did not come to its end";
+  std::string reason = outcome.Result.Errors.front();
+  const std::string& path = outcome.Model.ModelPath;
+  ReplaceAll(reason, outcome.Model.OutputDirectory, "OUTPUT");
+  ReplaceAll(reason, path.substr(0, path.find_last_of('.')), "MODEL");
+  for (char& c : reason) {
+    if (c == '\n' || c == '\r') c = ' ';
+  }
+  return reason.substr(0, reason.find_last_not_of(' ') + 1);
+}
+
+void DecompileSummary::Add(const ModelOutcome& outcome) {
+  ++m_models;
+  m_files += outcome.Result.Files.size();
+  m_bytes += outcome.Bytes();
+  if (!outcome.Result.Warnings.empty()) ++m_warnings;
+  if (outcome.Result.Succeeded()) return;
+  ++m_failed;
+  ++m_reasons[FailureReason(outcome)];
+}
+
+void DecompileSummary::Print(std::ostream& out, double seconds) const {
+  out << m_models << (m_models == 1 ? " model, " : " models, ") << m_files << (m_files == 1 ? " file, " : " files, ")
+      << SizeText(m_bytes) << " in " << SecondsText(seconds);
+  if (m_warnings > 0) out << ", " << m_warnings << " with warnings";
+  out << ", " << m_failed << " failed" << (m_failed > 0 ? ":" : "") << '\n';
+  for (const auto& [reason, count] : m_reasons) out << "  " << count << " x " << reason << '\n';
+}
+
+std::string SizeText(uint64_t bytes) {
+  if (bytes < 1000) return std::to_string(bytes) + (bytes == 1 ? " byte" : " bytes");
+  const auto value = static_cast<double>(bytes);
+  if (value < 1e6) return Decimal(value / 1e3, "KB");
+  if (value < 1e9) return Decimal(value / 1e6, "MB");
+  return Decimal(value / 1e9, "GB");
+}
+
+}  // namespace tarnwick::cli

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <ostream>
+#include <string>
+#include <string_view>
+
+namespace tarnwick::cli {
+
+/// Whether the program's standard error goes to a terminal.
+bool ErrorIsTerminal();
+
+/// `text` with its \r\n as this platform's streams want line ends.
+std::string PlainLines(std::string_view text);
+
+/// A line at the bottom of a terminal that is drawn over and over; nothing where there is no terminal.
+class ProgressLine {
+ public:
+  ProgressLine(std::ostream& out, bool shown) : m_out(out), m_shown(shown) {}
+  ~ProgressLine() { Clear(); }
+  ProgressLine(const ProgressLine&) = delete;
+  ProgressLine& operator=(const ProgressLine&) = delete;
+
+  /// Shows how many of `all` are done, and a name behind it.
+  void Show(size_t done, size_t all, std::string_view name);
+  /// Takes the line away, so that other lines can be printed.
+  void Clear();
+
+ private:
+  std::ostream& m_out;
+  bool m_shown;
+  bool m_drawn = false;
+};
+
+}  // namespace tarnwick::cli

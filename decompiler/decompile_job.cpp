@@ -1,0 +1,95 @@
+#include "decompiler/decompile_job.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "core/paths.h"
+#include "decompiler/companion_files.h"
+#include "decompiler/job_context.h"
+#include "decompiler/mesh_export.h"
+
+namespace tarnwick::decompiler {
+
+namespace {
+
+constexpr std::string_view ScriptName = "ravelback.qc";
+
+/// Loads the .mdl file. False, told, if there is none or it is shorter than its header.
+bool LoadModel(JobContext& job) {
+  const std::string& path = job.Job().ModelPath;
+  std::string reason;
+  auto model = LoadModelFile(path, &reason);
+  if (model && !model->View().At<StudioHeader>(0)) {
+    reason = "its " + std::to_string(model->View().Size()) + " bytes are fewer than a model's header has";
+    model.reset();
+  }
+  if (!model) {
+    DecompileLog(job, "Unable to read " + path + ": " + reason + "\r\n");
+    job.Error("Unable to load model", "Error");
+    return false;
+  }
+  job.Model.Mdl = std::move(*model);
+  DecompileLog(job, "Loaded model " + path + "\r\n");
+  return true;
+}
+
+/// Finds and loads the .vtx file. False, told, if there is none.
+bool LoadVertices(JobContext& job) {
+  const std::string& modelPath = job.Job().ModelPath;
+  const auto path = FindVtxFile(job, modelPath);
+  if (!path) {
+    job.Error("Unable to load vertices file: " +
+                  modelPath.substr(0, modelPath.size() - std::min<size_t>(4, modelPath.size())) + ".vtx",
+              "Error");
+    return false;
+  }
+  std::string reason;
+  job.Model.Vtx = LoadVtxFile(*path, &reason);
+  if (!job.Model.Vtx) {
+    DecompileLog(job, "Unable to read " + *path + ": " + reason + "\r\n");
+    job.Error("Unable to load vertices file: " + *path, "Error");
+    return false;
+  }
+  DecompileLog(job, "Loaded Vertices " + *path + "\r\n");
+  return true;
+}
+
+/// Runs the stages that write the script.
+void WriteScript(JobContext& job, core::TextWriter& script) {
+  job.SetScript(script);
+  const auto header = job.Model.Header();
+  script.Format("$cd \"%s\"\n", job.Job().OutputDirectory);
+  script.Format("$modelname \"%s\"\n", core::FixedText(header->Name));
+  if (header->BodyPartCount != 0) WriteModelMeshes(job);
+}
+
+}  // namespace
+
+DecompileResult DecompileModel(const DecompileJob& jobRecord, core::Report& report) {
+  JobContext job(jobRecord, report);
+  if (!LoadModel(job)) return std::move(job.Result());
+  if (job.Model.Header()->BodyPartCount != 0 && !LoadVertices(job)) return std::move(job.Result());
+
+  std::string reason = "no output directory is named";
+  const std::string path = job.OutputPath(ScriptName);
+  job.Names.Reserve(ScriptName);
+  auto file = jobRecord.OutputDirectory.empty() ? std::nullopt : job.Create(ScriptName, &reason);
+  if (!file) {
+    DecompileLog(job, "Unable to create " + path + ": " + reason + "\r\n");
+    job.Error("Unable to open qc file\"" + path + "\"", "File Error");
+    return std::move(job.Result());
+  }
+  DecompileLog(job, "Creating " + path + "\r\n");
+  {
+    core::TextWriter script(*file);
+    WriteScript(job, script);
+  }
+  job.FinishFiles();
+  if (job.Stopped()) return std::move(job.Result());
+  job.FinishScript(*file);
+  DecompileLog(job, "\r\nCompleted Dumping Model!\r\n");
+  job.Result().Completed = true;
+  return std::move(job.Result());
+}
+
+}  // namespace tarnwick::decompiler

@@ -1,0 +1,45 @@
+#include "decompiler/lod_blocks.h"
+
+#include <limits>
+
+namespace tarnwick::decompiler {
+
+namespace {
+
+/// Truncates towards zero. What no int32 holds becomes the lowest one, as the processor's own conversion gives it.
+int32_t Truncate(float value) {
+  constexpr float Limit = 2147483648.0f;
+  return value > -Limit && value < Limit ? static_cast<int32_t>(value) : std::numeric_limits<int32_t>::min();
+}
+
+}  // namespace
+
+void WriteLodOpening(core::TextWriter& script, float switchDistance) {
+  if (switchDistance == -1.0f) {
+    script.Text("$shadowlod\n{\n");
+  } else {
+    script.Format("$lod %d\n {\n", Truncate(switchDistance));
+  }
+}
+
+std::string& LodBlocks::LinesOf(int lod, float switchDistance) {
+  return m_blocks.try_emplace(lod, Block{switchDistance, {}}).first->second.Lines;
+}
+
+void LodBlocks::Replace(int lod, float switchDistance, const std::string& stem, const std::string& lodName) {
+  LinesOf(lod, switchDistance) += "  replacemodel \"" + stem + "\" \"" + lodName + "\"\n";
+}
+
+void LodBlocks::Remove(int lod, float switchDistance, const std::string& stem) {
+  LinesOf(lod, switchDistance) += "  removemodel \"" + stem + "\"\n";
+}
+
+void LodBlocks::Write(core::TextWriter& script) const {
+  for (const auto& [lod, block] : m_blocks) {
+    WriteLodOpening(script, block.SwitchDistance);
+    script.Text(block.Lines);
+    script.Text("}\n");
+  }
+}
+
+}  // namespace tarnwick::decompiler
