@@ -4,8 +4,8 @@
 
 namespace tarnwick::core {
 
-/// The icon of a message box: a failure, a warning, or plain information.
-enum class BoxIcon { Stop, Exclamation, Information };
+/// The icon of a message box: a failure, a warning, plain information, or none.
+enum class BoxIcon { Stop, Exclamation, Information, None };
 
 /// Where a logic room tells the user something. A window shows boxes and appends to its log, the command line prints
 /// lines, a test records; all of them get the same words.
@@ -26,6 +26,9 @@ class Report {
 
   /// A box with the exclamation icon: the work goes on, the user should know.
   void WarningBox(std::string_view text, std::string_view caption) { Box(BoxIcon::Exclamation, text, caption); }
+
+  /// A box without an icon.
+  void PlainBox(std::string_view text, std::string_view caption) { Box(BoxIcon::None, text, caption); }
 };
 
 }  // namespace tarnwick::core
