@@ -1,0 +1,93 @@
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <fstream>
+#include <sstream>
+#include <thread>
+
+#include "tools/probe_run.h"
+#include "tools/tool_run.h"
+
+namespace tarnwick::tools {
+namespace {
+
+using std::chrono::milliseconds;
+
+/// Runs the probe and stops it as soon as it has printed `processes` lines that name a process.
+ProbeRun RunAndStop(const std::string& arguments, int processes) {
+  std::atomic<bool> stop = false;
+  ToolRunOptions options = QuietOptions();
+  std::string text;
+  options.Stop = &stop;
+  options.OnText = [&](std::string_view piece) {
+    text += piece;
+    int found = 0;
+    for (size_t at = text.find("process "); at != std::string::npos; at = text.find("process ", at + 1)) ++found;
+    if (found == processes && text.back() == '\n') stop = true;
+  };
+  return RunProbe(arguments, options);
+}
+
+#ifndef _WIN32
+/// Whether the process named in `line` ("process 123") runs, in the sense that it can still do something.
+bool Runs(const std::string& line) {
+  std::ifstream file("/proc/" + line.substr(line.find(' ') + 1) + "/stat");
+  std::string stat;
+  std::getline(file, stat);
+  const size_t name = stat.rfind(')');
+  return name != std::string::npos && stat[name + 2] != 'Z' && stat[name + 2] != 'X';
+}
+
+/// Whether every process that the text names ends within a second.
+bool AllEnd(const std::string& text) {
+  std::istringstream lines(text);
+  for (std::string line; std::getline(lines, line);) {
+    if (!line.starts_with("process ")) continue;
+    for (int i = 0; i < 100 && Runs(line); ++i) std::this_thread::sleep_for(milliseconds(10));
+    if (Runs(line)) return false;
+  }
+  return true;
+}
+#else
+bool AllEnd(const std::string&) {
+  return true;
+}
+#endif
+
+TEST(ConsoleStop, EndsAToolThatWaits) {
+  const auto start = std::chrono::steady_clock::now();
+  const ProbeRun run = RunAndStop("wait 30000", 1);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
+  EXPECT_TRUE(run.Outcome.Stopped);
+  EXPECT_FALSE(run.Outcome.Failure);
+  EXPECT_TRUE(AllEnd(run.Text)) << run.Text;
+}
+
+TEST(ConsoleStop, KillsAToolThatIgnoresTheRequest) {
+  const ProbeRun run = RunAndStop("stubborn 30000", 1);
+  EXPECT_TRUE(run.Outcome.Stopped);
+  EXPECT_TRUE(AllEnd(run.Text)) << run.Text;
+}
+
+TEST(ConsoleStop, EndsWhatTheToolStartedAlsoOutsideItsProcessGroup) {
+  const ProbeRun parent = RunAndStop("parent 30000", 2);
+  EXPECT_TRUE(parent.Outcome.Stopped);
+  EXPECT_TRUE(AllEnd(parent.Text)) << parent.Text;
+  // The tool itself is gone long before; what it left holds the output.
+  const ProbeRun left = RunAndStop("leave-apart 30000", 1);
+  EXPECT_TRUE(AllEnd(left.Text)) << left.Text;
+}
+
+TEST(ConsoleStop, TheTextSaysSo) {
+  std::atomic<bool> stop = true;
+  ToolRunOptions options = QuietOptions();
+  options.Stop = &stop;
+  const std::string line = std::string(CONSOLE_PROBE) + " wait 30000";
+  const FinishedRun run = RunTool(ToolRun::Vtex, line, options);
+  EXPECT_TRUE(run.Text.starts_with(line + "\r\n"));
+  EXPECT_EQ(run.Notes, "\r\n[Stopped. The tool and everything that it started were ended]\r\n");
+}
+
+}  // namespace
+}  // namespace tarnwick::tools
