@@ -1,0 +1,122 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "support/recording_report.h"
+#include "tools/hlmv_command.h"
+#include "tools/sdk_tools.h"
+#include "tools/studiomdl_command.h"
+#include "tools/vtex_command.h"
+
+namespace tarnwick::tools {
+namespace {
+
+TEST(StudiomdlCommand, PutsSlashesIntoTheToolsPathOnlyAndSwitchesInTheirOrder) {
+  EXPECT_EQ(StudiomdlCommandLine(R"(C:\sdk\bin)", R"(C:\my game)", R"(C:\qc\box.qc)"),
+            R"(C:/sdk/bin/studiomdl.exe -game "C:\my game" "C:\qc\box.qc")");
+  EXPECT_EQ(
+      StudiomdlCommandLine("s", "g", "q", 0xFFFFFFFF),
+      "s/studiomdl.exe -game \"g\" \"q\" -fullcollide -checklengths -printbones -perf -printgraph -definebone -f -h");
+  EXPECT_EQ(StudiomdlCommandLine("s", "g", "q", 0x040 | 0x080 | 0x100), "s/studiomdl.exe -game \"g\" \"q\" -f");
+}
+
+TEST(HlmvCommand, NamesTheModelBelowTheGamesModels) {
+  const HlmvCommand command = BuildHlmvCommand(R"(C:\sdk)", R"(C:\game)", R"(props\box.mdl)");
+  EXPECT_EQ(command.Program, R"(C:\sdk\hlmv.exe)");
+  EXPECT_EQ(command.Parameters, R"(-game "C:\game" "C:\game/models/props\box.mdl")");
+  EXPECT_EQ(command.ErrorText(), R"(Error starting C:\sdk\hlmv.exe)");
+  EXPECT_EQ(ModelFileOf(R"(C:\Game\)", R"(c:/game/models/props\box.mdl)"), R"(props\box.mdl)");
+  EXPECT_EQ(ModelFileOf("/game", "/other/models/box.mdl"), "/other/models/box.mdl");
+}
+
+TEST(SdkTools, AMissingToolIsToldWithItsPath) {
+  tests::RecordingReport report;
+  EXPECT_FALSE(RequireTool(SdkToolPath(R"(\nowhere\sdk)", Vtf2tga), Vtf2tga, report));
+  const tests::RecordedBox expected{
+      core::BoxIcon::Stop,
+      "Command /nowhere/sdk/vtf2tga.exe not found.\r\nPlease set correct HL2 SDK path using configure button",
+      "VTF2TGA ERROR"};
+  EXPECT_EQ(report.Boxes, std::vector{expected});
+}
+
+TEST(VtexCommand, NamesAMapAsTheMaterialRefersToIt) {
+  const struct {
+    const char *Map, *Subdirectory, *Name;
+  } cases[] = {
+      {R"(C:\art\brick_n.tga)", R"(\materialsrc\models\props)", "models\\props/brick_n"},
+      {R"(C:\art\brick_n.tga)", R"(\materialsrc\models\)", "models\\/brick_n"},
+      {"/art/Brick.n.png", R"(\materialsrc\walls)", "walls/Brick.n"},
+      {"/brick.tga", R"(\materialsrc\walls)", "walls//brick"},  // a separator that comes first is not seen
+      {"/art/brick", R"(\materialsrc\v1.5)", "v1.5/brick"},     // no ending: the whole name
+      {"", R"(\materialsrc\)", "/"},
+  };
+  for (const auto& c : cases) EXPECT_EQ(MaterialRelativeName(c.Map, c.Subdirectory), c.Name) << c.Map;
+}
+
+/// A run of `C:\art\brick.tga` into G:'s models\props.
+VtexRun BrickRun(VtexFlags flags) {
+  VtexRun run;
+  run.SourceImage = R"(C:\art\brick.tga)";
+  run.OutputSubdirectory = R"(\materialsrc\models\props)";
+  run.Shader = "VertexLitGeneric";
+  run.Flags = VtexModelPath | flags;
+  return run;
+}
+
+/// The line behind the tool's path, with maps that were converted to "base", "normal", "glow", "spec".
+std::string BrickLine(const VtexRun& run) {
+  ConvertedMaps maps{"base", "", "", ""};
+  if (!run.NormalMap.empty()) maps.Normal = "normal";
+  if (!run.GlowMap.empty()) maps.Glow = "glow";
+  if (!run.SpecularMap.empty()) maps.Specular = "spec";
+  const std::string line = VtexCommandLine(R"(C:\sdk)", run, maps);
+  const std::string start = "C:/sdk/vtex.exe -nopause";
+  EXPECT_EQ(line.substr(0, start.size()), start);
+  return line.substr(start.size());
+}
+
+TEST(VtexCommand, HoldsTheSwitchesOfTheMaterialInTheirOrder) {
+  EXPECT_EQ(BrickLine(BrickRun(0)), R"( -shader VertexLitGeneric -vmtparam $model 1 "base")");
+
+  VtexRun masked = BrickRun(VtexMaskInNormalAlpha);
+  masked.NormalMap = R"(C:\art\brick_n.tga)";
+  masked.EnvMap = true;
+  EXPECT_EQ(BrickLine(masked),
+            R"( -shader VertexLitGeneric -vmtparam $bumpmap "models\props/brick_n" -vmtparam $model 1)"
+            R"( -vmtparam $envmap env_cubemap -vmtparam $normalmapalphaenvmapmask 1 "base" "normal")");
+
+  VtexRun full = BrickRun(VtexTranslucent | VtexGlow);
+  full.Shader.clear();
+  full.NormalMap = "n.png";
+  full.GlowMap = "g.png";
+  full.SpecularMap = "s.png";
+  full.EnvMap = true;
+  full.EnvMapContrast = ".5";
+  full.EnvMapSaturation = "1";
+  full.EnvMapTint = "1 .5 .25";
+  EXPECT_EQ(BrickLine(full),
+            R"( -vmtparam $bumpmap "models\props/n" -vmtparam $model 1 -vmtparam $translucent 1)"
+            R"( -vmtparam $envmap env_cubemap -vmtparam $envmapcontrast ".5" -vmtparam $envmapsaturation "1")"
+            R"( -vmtparam $envmaptint 1 .5 .25 -vmtparam $envmapmask "models\props/s")"
+            R"( -vmtparam $selfillumtexture "models\props/g" "base" "normal" "glow" "spec")");
+}
+
+TEST(VtexCommand, MasksInAnAlphaChannelTakeTheirTexturesOffTheLine) {
+  VtexRun run = BrickRun(VtexGlow | VtexGlowInBaseAlpha | VtexMaskInBaseAlpha | VtexMaskInIllumAlpha);
+  run.Shader.clear();
+  run.GlowMap = "g.png";
+  run.SpecularMap = "s.png";
+  run.EnvMap = true;
+  // The illum mask's switch is left out too, since the glow itself is in the base's alpha.
+  EXPECT_EQ(BrickLine(run), R"( -vmtparam $model 1 -vmtparam $selfillum 1 -vmtparam $envmap env_cubemap)"
+                            R"( -vmtparam $basealphaenvmapmask 1 "base")");
+
+  VtexRun withoutEnvMap = BrickRun(0);
+  withoutEnvMap.SpecularMap = "s.png";
+  withoutEnvMap.EnvMapContrast = "1";
+  EXPECT_EQ(BrickLine(withoutEnvMap),
+            R"( -shader VertexLitGeneric -vmtparam $model 1 -vmtparam $envmapmask "models\props/s" "base" "spec")");
+}
+
+}  // namespace
+}  // namespace tarnwick::tools
