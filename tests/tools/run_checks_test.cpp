@@ -1,0 +1,82 @@
+#include "tools/run_checks.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "support/scratch_folder.h"
+#include "tools/qc_model_name.h"
+
+namespace tarnwick::tools {
+namespace {
+
+namespace fs = std::filesystem;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using tests::ScratchFolder;
+using tests::WriteText;
+
+TEST(RunChecks, SaysWhatIsMissingAndNothingWhenAllIsThere) {
+  const ScratchFolder folder;
+  const std::string qc = folder.Path("box.qc");
+  EXPECT_THAT(CheckStudiomdlRun("", qc),
+              ElementsAre("Warning: the QC file " + qc + " does not exist", "Warning: no game directory is set"));
+  WriteText(qc, "$modelname \"props/new/box.mdl\"\n");
+  EXPECT_THAT(CheckStudiomdlRun(folder.Path("game"), qc), ElementsAre(HasSubstr("game does not exist")));
+  fs::create_directories(folder.Path("game"));
+  EXPECT_THAT(CheckStudiomdlRun(folder.Path("game"), qc), ElementsAre(HasSubstr("no gameinfo.txt")));
+  WriteText(folder.Path("game/GameInfo.txt"), "");
+  EXPECT_THAT(CheckStudiomdlRun(folder.Path("game"), qc), IsEmpty());
+  WriteText(folder.Path("game/models/props"), "a file where a folder should be");
+  EXPECT_THAT(CheckStudiomdlRun(folder.Path("game"), qc), ElementsAre(HasSubstr("cannot write to")));
+}
+
+TEST(RunChecks, LooksAtTheImagesAndPlacesOfTheTextureTools) {
+  const ScratchFolder folder;
+  WriteText(folder.Path("gameinfo.txt"), "");
+  WriteText(folder.Path("a.tga"), "");
+  ConvertedMaps maps{folder.Path("a.tga"), "", "", ""};
+  EXPECT_THAT(CheckVtexRun(folder.Path(), R"(\materialsrc\models\props)", maps), IsEmpty());
+  WriteText(folder.Path("materials/models"), "a file where a folder should be");
+  maps.Normal = folder.Path("n.tga");
+  EXPECT_THAT(CheckVtexRun(folder.Path(), R"(\materialsrc\models\props)", maps),
+              ElementsAre(HasSubstr("n.tga does not exist"), HasSubstr("/materials/models/props (")));
+  EXPECT_THAT(CheckVtf2tgaRun(folder.Path("a.tga"), folder.Path("out/b.tga")),
+              ElementsAre(HasSubstr("out/ does not exist")));
+  EXPECT_THAT(CheckVtf2tgaRun(folder.Path("a.tga"), folder.Path("b.tga")), IsEmpty());
+}
+
+TEST(QcModelName, FindsTheFirstModelNameOutsideOfComments) {
+  const ScratchFolder folder;
+  WriteText(
+      folder.Path("a.qc"),
+      "// $modelname x.mdl\n# $modelname y\n/* $modelname z */ $cd \"c:\\a b\"\n$ModelName \"props\\my box.mdl\"\n");
+  EXPECT_EQ(FindModelName(folder.Path("a.qc")), "props\\my box.mdl");
+  WriteText(folder.Path("b.qc"), "$include \"sub/a.qci\" $body x");
+  WriteText(folder.Path("sub/a.qci"), "$modelname crate");
+  EXPECT_EQ(FindModelName(folder.Path("b.qc")), "crate");
+  WriteText(folder.Path("loop.qc"), "$include \"loop.qc\" \"$modelname");
+  EXPECT_EQ(FindModelName(folder.Path("loop.qc")), std::nullopt);
+}
+
+TEST(QcModelName, SeesWhetherTheRunWroteTheModel) {
+  const ScratchFolder folder;
+  const std::string qc = folder.Path("a.qc");
+  const std::string model = folder.Path("models/props/box.mdl");
+  WriteText(qc, "$modelname \"props\\Box\"");
+  EXPECT_EQ(ModelFileWatch(folder.Path(), folder.Path("none.qc")).WasWritten(), std::nullopt);
+  const ModelFileWatch missing(folder.Path(), qc);
+  EXPECT_EQ(missing.WasWritten(), false);
+  WriteText(model, "");
+  EXPECT_EQ(missing.WasWritten(), true);
+  fs::last_write_time(model, fs::last_write_time(model) - std::chrono::hours(1));
+  const ModelFileWatch old(folder.Path(), qc);
+  EXPECT_EQ(old.WasWritten(), false);
+  WriteText(model, "");
+  EXPECT_EQ(old.WasWritten(), true);
+}
+
+}  // namespace
+}  // namespace tarnwick::tools

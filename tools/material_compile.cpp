@@ -1,0 +1,112 @@
+#include "tools/material_compile.h"
+
+#include <utility>
+
+#include "tools/run_checks.h"
+#include "tools/sdk_tools.h"
+
+namespace tarnwick::tools {
+
+namespace {
+
+VtexFlags FlagsOf(const MaterialCompile& job) {
+  VtexFlags flags = 0;
+  const auto add = [&](bool condition, VtexFlags flag) {
+    if (condition) flags |= flag;
+  };
+  add(job.ModelPath, VtexModelPath);
+  add(job.Translucent, VtexTranslucent);
+  add(job.HasGlowMap, VtexGlow);
+  add(job.MaskInBaseAlpha, VtexMaskInBaseAlpha);
+  add(job.MaskInNormalAlpha, VtexMaskInNormalAlpha);
+  add(job.MaskInIllumAlpha, VtexMaskInIllumAlpha);
+  add(job.HasGlowMap && !job.UseSelfIllumTexture, VtexGlowInBaseAlpha);
+  return flags;
+}
+
+VtexRun RunOf(const MaterialCompile& job, size_t index) {
+  VtexRun run;
+  run.SourceImage = job.Images[index];
+  run.OutputSubdirectory = OutputSubdirectory(job);
+  if (job.HasNormalMap) run.NormalMap = job.NormalMap;
+  if (job.HasGlowMap) run.GlowMap = job.GlowMap;
+  run.SpecularMap = job.SpecularMap;
+  run.Flags = FlagsOf(job);
+  run.Shader = job.Shader;
+  run.EnvMap = job.EnvMap;
+  run.EnvMapContrast = job.EnvMapContrast;
+  run.EnvMapSaturation = job.EnvMapSaturation;
+  run.EnvMapTint = job.EnvMapTint;
+  return run;
+}
+
+/// The companion maps first, then the image itself, each with the map that its alpha is to take.
+ConvertedMaps ConvertImages(const VtexRun& run, const std::string& directory, const ImageConversions& images,
+                            std::string& log) {
+  const auto convert = [&](const std::string& source, bool withAlpha, const std::string& alpha) {
+    return withAlpha ? images.ConvertToTgaWithAlpha(source, alpha, directory, log)
+                     : images.ConvertToTga(source, directory, log);
+  };
+  ConvertedMaps maps;
+  if (!run.NormalMap.empty()) maps.Normal = convert(run.NormalMap, run.Has(VtexMaskInNormalAlpha), run.SpecularMap);
+  if (!run.GlowMap.empty()) maps.Glow = convert(run.GlowMap, run.Has(VtexMaskInIllumAlpha), run.SpecularMap);
+  if (!run.SpecularMap.empty() && !run.Has(VtexMaskInNormalAlpha)) maps.Specular = convert(run.SpecularMap, false, {});
+  if (run.Has(VtexGlowInBaseAlpha) && !run.GlowMap.empty()) {
+    maps.Base = convert(run.SourceImage, true, run.GlowMap);
+  } else {
+    const bool maskInAlpha = run.Has(VtexMaskInBaseAlpha) && !run.SpecularMap.empty();
+    maps.Base = convert(run.SourceImage, maskInAlpha, run.SpecularMap);
+  }
+  return maps;
+}
+
+bool IsStopped(const ToolRunOptions& options) {
+  return options.Stop != nullptr && options.Stop->load();
+}
+
+}  // namespace
+
+std::string OutputSubdirectory(const MaterialCompile& job) {
+  return (job.ModelPath ? "\\materialsrc\\models\\" : "\\materialsrc\\") + job.Directory;
+}
+
+MaterialResult RunVtex(const MaterialCompile& job, size_t index, const MaterialCompileCalls& calls) {
+  const VtexRun run = RunOf(job, index);
+  const std::string sdkDirectory = calls.SdkDirectory();
+  const std::string gameDirectory = calls.GameDirectory();
+  MaterialResult result;
+  result.Image = run.SourceImage;
+  result.Maps = ConvertImages(run, gameDirectory + run.OutputSubdirectory, calls.Images, result.Log);
+  result.ToolFound = RequireTool(SdkToolPath(sdkDirectory, Vtex), Vtex, calls.Report);
+  if (!result.ToolFound) return result;
+
+  const std::string commandLine = VtexCommandLine(sdkDirectory, run, result.Maps);
+  if (calls.OnToolStart) calls.OnToolStart(result.Log + commandLine + "\r\n");
+  result.Run =
+      RunTool(ToolRun::Vtex, commandLine, calls.Run, CheckVtexRun(gameDirectory, run.OutputSubdirectory, result.Maps));
+  result.Log += result.Run.TextWithNotes();
+  if (result.Run.Outcome.Failure) ReportFatalSystemError(*result.Run.Outcome.Failure, calls.Report);
+  return result;
+}
+
+std::vector<MaterialResult> CompileMaterials(const MaterialCompile& job, const MaterialCompileCalls& calls) {
+  std::vector<MaterialResult> results;
+  const bool wanted = !job.Directory.empty() || !calls.Confirm ||
+                      calls.Confirm(
+                          "No material output directory specified.\r\n"
+                          "Do you want materials in materials/models dir ?",
+                          "Warning");
+  if (!wanted) return results;
+  calls.Log.AppendPageLog("Material Output Dir: " + job.Directory + "\r\n");
+  for (size_t i = 0; i < job.Images.size() && !IsStopped(calls.Run); ++i) {
+    calls.Log.AppendPageLog("Running VTEX on " + job.Images[i] + "\r\n");
+    if (calls.OnImage) calls.OnImage(i, job.Images.size());
+    results.push_back(RunVtex(job, i, calls));
+    if (calls.OnResult) calls.OnResult(results.back());
+    calls.Log.AppendPageLog("VTEX COMPLETED !\r\n");
+  }
+  calls.Log.AppendPageLog("\r\n");
+  return results;
+}
+
+}  // namespace tarnwick::tools

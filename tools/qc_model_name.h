@@ -1,0 +1,29 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+
+namespace tarnwick::tools {
+
+/// The model that the QC script at `qcPath` makes: the word behind its first $modelname, with scripts that it includes
+/// before that read too. Nothing if the script cannot be read or names no model.
+std::optional<std::string> FindModelName(const std::string& qcPath);
+
+/// A compiled model's file, watched over a run.
+class ModelFileWatch {
+ public:
+  /// Looks at the model that the script makes in `gameDirectory`, before the run.
+  ModelFileWatch(const std::string& gameDirectory, const std::string& qcPath);
+
+  /// The model's path below the game directory; empty if the script names none.
+  const std::string& Path() const { return m_path; }
+  /// After the run: whether the model was written since. Nothing if it is not known which file to look at.
+  std::optional<bool> WasWritten() const;
+
+ private:
+  std::string m_path;
+  std::optional<std::filesystem::file_time_type> m_before;
+};
+
+}  // namespace tarnwick::tools
