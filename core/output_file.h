@@ -40,6 +40,8 @@ class OutputFile {
   void Discard();
 
   const std::string& Path() const { return m_path; }
+  /// The name of the file until `Commit`, for another program that is to write its contents.
+  const std::filesystem::path& TemporaryPath() const { return m_temporaryPath; }
   /// Bytes written so far.
   uint64_t Size() const { return m_size; }
   /// Why a write or the commit failed, in the system's words; empty if nothing failed.
