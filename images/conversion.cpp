@@ -1,0 +1,124 @@
+#include "images/conversion.h"
+
+#include <filesystem>
+#include <optional>
+
+#include "core/output_file.h"
+#include "core/paths.h"
+#include "images/image_format.h"
+#include "images/tga_path.h"
+
+namespace tarnwick::images {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view FailureCaption = "TGA Error";
+
+std::string FailureText(const std::string& destination) {
+  return "Unable to create TGA file " + destination + "\n";
+}
+
+/// Appends "Converting <name> from " and what becomes of what. A format that has no word leaves the line open; the
+/// result says whether it is.
+bool LogConversion(const std::string& path, const ImageFormat* format, bool toTga, bool nameTga, core::Report& report) {
+  report.Log("Converting " + std::string(ImageFileName(path)) + " from ");
+  if (format == nullptr || (format->Number == FormatTga && !nameTga)) return true;
+  report.Log((toTga ? std::string(format->Word) + " to TGA" : "TGA to " + std::string(format->Word)) + "\r\n");
+  return false;
+}
+
+/// The box of a failed conversion, with the reason in the log. `lineOpen`: the log's last line has no end yet.
+void ReportFailure(const std::string& source, const std::string& destination, const std::string& reason, bool lineOpen,
+                   core::Report& report) {
+  report.Log((lineOpen ? "\r\n" : "") + std::string(ImageFileName(source)) + ": " + reason + "\r\n");
+  report.ErrorBox(FailureText(destination), FailureCaption);
+}
+
+/// The directory that `path` lies in, if it does not exist and may be made.
+bool CreateDirectoryOf(const std::string& path, const ConversionContext& context, std::string& reason) {
+  const fs::path directory = core::NativePath(path).parent_path();
+  std::error_code error;
+  if (directory.empty() || fs::exists(directory, error) || !context.MayCreate) return false;
+  if (!context.MayCreate({FailureText(path), std::string(FailureCaption), core::PathText(directory)})) {
+    reason.clear();  // the user has seen the box and has decided
+    return false;
+  }
+  fs::create_directories(directory, error);
+  if (error) reason = core::PathText(directory) + " cannot be created: " + error.message();
+  return !error;
+}
+
+/// Runs the worker on `request` and gives its result the name `destination`. On failure everything is told.
+bool Convert(WorkerRequest request, const std::string& destination, bool lineOpen, const ConversionContext& context) {
+  std::string reason;
+  auto output = core::OutputFile::Create(destination, &reason);
+  if (!output && CreateDirectoryOf(destination, context, reason)) {
+    output = core::OutputFile::Create(destination, &reason);
+  }
+  if (!output && reason.empty()) return false;
+  if (output) {
+    request.Output = core::PathText(output->TemporaryPath());
+    const WorkerAnswer answer = context.Worker.Run(request);
+    if (answer.Done && output->Commit()) return true;
+    reason = answer.Done ? output->Error() : answer.Reason;
+  } else {
+    reason = destination + " cannot be created: " + reason;
+  }
+  ReportFailure(request.Source, destination, reason, lineOpen, context.Report);
+  return false;
+}
+
+/// What the two conversions to TGA differ in.
+struct ToTgaVariant {
+  std::string_view SameFileWarning;
+  bool NamesTga;  // whether the log has a word for TGA sources
+};
+
+std::string ToTga(const std::string& source, const std::string& alpha, const std::string& directory,
+                  const ToTgaVariant& variant, const ConversionContext& context) {
+  const std::string destination = TgaPath(source, directory);
+  const std::string text = SourceText(source);
+  if (IsSameFile(source, destination)) {
+    context.Report.Log(variant.SameFileWarning);
+    return text;
+  }
+  bool lineOpen = LogConversion(text, FormatOfFileName(text), true, variant.NamesTga, context.Report);
+  if (!alpha.empty()) {
+    context.Report.Log("Replacing Alpha Channel in " + std::string(ImageFileName(text)) + " from " +
+                       std::string(ImageFileName(alpha)) + "\r\n");
+    lineOpen = false;
+  }
+  WorkerRequest request;
+  request.Task = WorkerRequest::Job::ToTga;
+  request.Source = text;
+  request.Alpha = alpha;
+  return Convert(std::move(request), destination, lineOpen, context) ? destination : std::string();
+}
+
+}  // namespace
+
+std::string ConvertToTga(const std::string& source, const std::string& directory, const ConversionContext& context) {
+  return ToTga(source, "", directory,
+               {"WARNING, Source and destination files are the same, file is not checked\r\n", false}, context);
+}
+
+std::string ConvertToTgaWithAlpha(const std::string& source, const std::string& alpha, const std::string& directory,
+                                  const ConversionContext& context) {
+  return ToTga(source, alpha, directory,
+               {"WARNING, Source and destination files are the same, file is unmodified\r\n", true}, context);
+}
+
+bool ConvertTgaToImage(const std::string& tga, const std::string& destination, const ConversionContext& context) {
+  const ImageFormat* format = FormatOfFileName(destination);
+  if (format != nullptr && format->Number == FormatTga) return false;
+  const bool lineOpen = LogConversion(tga, format, false, false, context.Report);
+  WorkerRequest request;
+  request.Task = WorkerRequest::Job::FromTga;
+  request.Source = tga;
+  request.Name = std::string(core::LastComponent(destination));
+  return Convert(std::move(request), destination, lineOpen, context);
+}
+
+}  // namespace tarnwick::images

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <string>
+
+#include "images/worker_protocol.h"
+
+namespace tarnwick::images {
+
+/// Starts the program that works on images, one process for each request, so that a file which kills or captures its
+/// decoder harms nothing else. Requests may run side by side in several threads.
+class ImageWorker {
+ public:
+  /// Uses `tarnwick-imageworker` in the directory of the running program.
+  ImageWorker();
+  /// Uses the program at `path`.
+  explicit ImageWorker(std::string path) : m_path(std::move(path)) {}
+
+  const std::string& Path() const { return m_path; }
+
+  /// Does what `request` says. Paths may hold either slash. When it fails, `Reason` of the answer says why, whatever
+  /// happened: the file is no image, the limits were passed, the worker crashed or could not be started.
+  WorkerAnswer Run(const WorkerRequest& request) const;
+
+ private:
+  std::string m_path;
+};
+
+}  // namespace tarnwick::images

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <optional>
+
+#include "images/worker/image_file.h"
+
+namespace tarnwick::images {
+
+/// Width, height and depth that the header of `file`, an image of the format `format`, tells. Nothing is allocated for
+/// the pixels. Nothing if the header is none of that format. The file is rewound.
+std::optional<HeaderSize> ReadHeaderSize(FREE_IMAGE_FORMAT format, const ImageFile& file);
+
+}  // namespace tarnwick::images

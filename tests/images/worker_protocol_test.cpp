@@ -1,0 +1,51 @@
+#include "images/worker_protocol.h"
+
+#include <gtest/gtest.h>
+
+namespace tarnwick::tests {
+
+namespace {
+
+using images::ParseAnswer;
+
+TEST(WorkerProtocol, CarriesARequestThroughArguments) {
+  images::WorkerRequest request;
+  request.Task = images::WorkerRequest::Job::FromTga;
+  request.Source = "/a b/ü.tga";
+  request.Output = "/out/.temporary file";
+  request.Name = "x.png";
+  request.Side = 96;
+  const auto back = images::FromArguments(images::ToArguments(request));
+  ASSERT_TRUE(back);
+  EXPECT_EQ(back->Task, request.Task);
+  EXPECT_EQ(back->Source, request.Source);
+  EXPECT_EQ(back->Alpha, "");
+  EXPECT_EQ(back->Output, request.Output);
+  EXPECT_EQ(back->Name, request.Name);
+  EXPECT_EQ(back->Side, 96);
+  EXPECT_FALSE(images::FromArguments(std::vector<std::string>{"to-tga", "a", "", "b", ""}));
+  EXPECT_FALSE(images::FromArguments(std::vector<std::string>{"erase", "a", "", "b", "", "0"}));
+}
+
+TEST(WorkerProtocol, TrustsNoAnswer) {
+  EXPECT_FALSE(ParseAnswer(""));
+  EXPECT_FALSE(ParseAnswer("done 4 4 0"));
+  EXPECT_FALSE(ParseAnswer("done\n"));
+  EXPECT_FALSE(ParseAnswer("done 99999999999999999999 4 0\n"));
+  EXPECT_FALSE(ParseAnswer("done 16385 4 0\n"));
+  EXPECT_FALSE(ParseAnswer("done -4 4 0\n"));
+  EXPECT_FALSE(ParseAnswer("\x1b[2Jdone 4 4 0\n"));
+
+  const auto answer = ParseAnswer("done 2 1 1\n12345678");
+  ASSERT_TRUE(answer && answer->Done && answer->AlphaReplaced);
+  EXPECT_EQ(answer->Payload, "12345678");
+
+  const auto failure = ParseAnswer("failed \x1b[2J\x07" + std::string(5000, 'x') + "\n");
+  ASSERT_TRUE(failure && !failure->Done);
+  EXPECT_EQ(failure->Reason.substr(0, 6), " [2J x");
+  EXPECT_LT(failure->Reason.size(), 400u);
+}
+
+}  // namespace
+
+}  // namespace tarnwick::tests
