@@ -2,24 +2,10 @@
 
 #include <algorithm>
 #include <charconv>
-#include <span>
 
 namespace tarnwick::project {
 
 namespace {
-
-template <typename Record>
-ValueKind KindOf(const KeyedField<Record>& field) {
-  return std::visit(
-      [](auto member) {
-        using Value = std::remove_reference_t<decltype(std::declval<Record&>().*member)>;
-        if constexpr (std::is_same_v<Value, std::string>) return ValueKind::Text;
-        if constexpr (std::is_same_v<Value, int32_t>) return ValueKind::Whole;
-        if constexpr (std::is_same_v<Value, double>) return ValueKind::Real;
-        return ValueKind::Check;
-      },
-      field.Field);
-}
 
 /// The kind of the field of that key in one of the tables, or nothing.
 template <typename Record, size_t Size>

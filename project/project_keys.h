@@ -15,6 +15,9 @@ namespace tarnwick::project {
 /// "Animation0/Name", "Animation0/Event2/frame".
 inline constexpr std::string_view ProjectSection = "Model Compiler";
 
+/// What the value of a key is.
+enum class ValueKind { Text, Whole, Real, Check };
+
 /// A field of a record under its key in the project file.
 template <typename Record>
 struct KeyedField {
@@ -23,6 +26,12 @@ struct KeyedField {
   std::variant<std::string Record::*, int32_t Record::*, double Record::*, bool Record::*> Field;
   std::string_view Default = {};  // what a file without the key means, as text
 };
+
+template <typename Record>
+ValueKind KindOf(const KeyedField<Record>& field) {
+  constexpr std::array Kinds = {ValueKind::Text, ValueKind::Whole, ValueKind::Real, ValueKind::Check};
+  return Kinds[field.Field.index()];
+}
 
 /// Fields of the form, straight in the section.
 inline constexpr std::array<KeyedField<ModelProject>, 5> FormKeys = {{
@@ -103,9 +112,6 @@ inline constexpr char QcCommandQuote = '~';
 
 /// `group` with the number of an entry, as in "Animation0".
 std::string Numbered(std::string_view group, int32_t number);
-
-/// What the value of a key is.
-enum class ValueKind { Text, Whole, Real, Check };
 
 /// A key of a project file, understood.
 struct ProjectKey {

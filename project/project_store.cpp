@@ -4,12 +4,11 @@
 #include <array>
 #include <cstddef>
 #include <string_view>
-#include <type_traits>
 #include <utility>
 
 #include "core/number_parse.h"
-#include "core/number_text.h"
 #include "project/project_keys.h"
+#include "project/project_values.h"
 
 namespace tarnwick::project {
 
@@ -27,19 +26,6 @@ std::string Replaced(std::string text, char from, char to) {
   return text;
 }
 
-std::string AsText(const std::string& value) {
-  return value;
-}
-std::string AsText(int32_t value) {
-  return std::to_string(value);
-}
-std::string AsText(bool value) {
-  return value ? "1" : "0";
-}
-std::string AsText(double value) {
-  return core::FixedText(value, 2);
-}
-
 void FromText(std::string text, std::string& value) {
   value = std::move(text);
 }
@@ -51,14 +37,6 @@ void FromText(const std::string& text, bool& value) {
 }
 void FromText(const std::string& text, double& value) {
   value = core::ParseReal(text);
-}
-
-template <typename Record, size_t Size>
-void SaveFields(const Record& record, const Fields<Record, Size>& fields, std::string_view group, ProfileStore& store) {
-  for (const KeyedField<Record>& field : fields) {
-    std::visit([&](auto member) { store.SetString(ProjectSection, Joined(group, field.Key), AsText(record.*member)); },
-               field.Field);
-  }
 }
 
 template <typename Record, size_t Size>
@@ -84,19 +62,6 @@ bool HoldsEntry(const ProfileStore& store, const std::string& group, const Field
                 bool needsName) {
   const std::string_view key = fields.front().Key;
   return Holds(store, group, key) && !(needsName && store.GetString(ProjectSection, group, key, "").empty());
-}
-
-void SaveSequence(const SequenceEntry& sequence, const std::string& group, ProfileStore& store) {
-  SaveFields(sequence, SequenceKeys, group, store);
-  int32_t number = 0;
-  for (const std::string& command : sequence.Commands()) {
-    store.SetString(ProjectSection, group, Numbered(CommandKey, number++),
-                    Replaced(command, '"', SequenceCommandQuote));
-  }
-  number = 0;
-  for (const EventEntry& event : sequence.Events()) {
-    SaveFields(event, EventKeys, Joined(group, Numbered(EventGroup, number++)), store);
-  }
 }
 
 void NoteSurplus(std::vector<std::string>* notes, const SequenceEntry& sequence, std::string_view what, int32_t found,
@@ -129,11 +94,6 @@ SequenceEntry LoadSequence(const ProfileStore& store, const std::string& group, 
 }
 
 template <typename List, typename Record, size_t Size>
-void SaveList(const List& list, std::string_view group, const Fields<Record, Size>& fields, ProfileStore& store) {
-  for (int32_t i = 0; i < list.Count(); ++i) SaveFields(list.At(i), fields, Numbered(group, i), store);
-}
-
-template <typename List, typename Record, size_t Size>
 void LoadList(const ProfileStore& store, std::string_view group, const Fields<Record, Size>& fields, bool needsName,
               List& list) {
   list.Clear();
@@ -148,20 +108,10 @@ void LoadList(const ProfileStore& store, std::string_view group, const Fields<Re
 
 void SaveProjectToStore(const ModelProject& project, ProfileStore& store) {
   store.Clear();
-  SaveFields(project, FormKeys, "", store);
-  SaveFields(project, FormOptionKeys, OptionsGroup, store);
-  SaveFields(project.options, OptionKeys, OptionsGroup, store);
-  for (int32_t i = 0; i < project.Sequences.Count(); ++i) {
-    SaveSequence(project.Sequences.At(i), Numbered(SequenceGroup, i), store);
-  }
-  SaveList(project.Attachments, AttachmentGroup, AttachmentKeys, store);
-  SaveList(project.Gibs, GibGroup, GibKeys, store);
-  for (int32_t i = 0; i < project.QcCommands.Count(); ++i) {
-    store.SetString(ProjectSection, Numbered(QcCommandGroup, i), QcCommandKeys.front().Key,
-                    Replaced(project.QcCommands.At(i).command, '"', QcCommandQuote));
-  }
-  SaveList(project.Lods, LodGroup, LodKeys, store);
-  SaveList(project.Skins, SkinGroup, SkinKeys, store);
+  ForEachProjectValue(project, [&](const ProjectValue& value) {
+    store.SetString(ProjectSection, value.Key,
+                    value.QuoteStandIn == 0 ? value.Text : Replaced(value.Text, '"', value.QuoteStandIn));
+  });
 }
 
 void SaveProjectToStore(const ModelProject& project, ProfileStore& store, core::AppSettings& settings) {
