@@ -57,6 +57,11 @@ class Desktop {
   /// Opens a web or mail address, or a file or folder by its path, in the handler that the system has for it. False
   /// if there is none or it does not start.
   virtual bool Open(const std::string& addressOrPath) = 0;
+  /// The same, in a window of its own where the handler knows how to.
+  virtual bool OpenInNewWindow(const std::string& addressOrPath) { return Open(addressOrPath); }
+  /// Starts the user's web browser with `address`: for when Open has failed. False if there is none or it does not
+  /// start.
+  virtual bool OpenInBrowser(const std::string& /*address*/) { return false; }
   /// Opens a text file in the user's editor. False if there is none or it does not start.
   virtual bool Edit(const std::string& path) = 0;
 

@@ -6,6 +6,12 @@
 #include <QMessageBox>
 #include <QUrl>
 
+#ifdef _WIN32
+#include <windows.h>
+
+#include <shellapi.h>
+#endif
+
 #include "core/paths.h"
 #include "platform/text.h"
 
@@ -136,6 +142,16 @@ bool QtDesktop::Open(const std::string& addressOrPath) {
   const QString path = QtPath(addressOrPath);
   if (QFileInfo::exists(path)) return QDesktopServices::openUrl(QUrl::fromLocalFile(path));
   return QDesktopServices::openUrl(QUrl(ToQt(addressOrPath), QUrl::TolerantMode));
+}
+
+bool QtDesktop::OpenInNewWindow(const std::string& addressOrPath) {
+#ifdef _WIN32
+  const auto text = ToQt(addressOrPath).toStdWString();
+  // Anything above 32 is success.
+  return reinterpret_cast<INT_PTR>(ShellExecuteW(nullptr, L"new", text.c_str(), nullptr, nullptr, SW_SHOW)) > 32;
+#else
+  return Open(addressOrPath);  // the handlers know only one way to open
+#endif
 }
 
 bool QtDesktop::Edit(const std::string& path) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/browser.h"
 #include "platform/desktop.h"
 
 namespace tarnwick::platform {
@@ -14,6 +15,8 @@ class QtDesktop : public Desktop {
   std::optional<std::string> ChooseFolder(QWidget* owner, const std::string& title,
                                           const std::string& startDirectory) override;
   bool Open(const std::string& addressOrPath) override;
+  bool OpenInNewWindow(const std::string& addressOrPath) override;
+  bool OpenInBrowser(const std::string& address) override { return StartBrowser(address); }
   bool Edit(const std::string& path) override;
 };
 
