@@ -48,6 +48,8 @@ macro(tarnwick_rooms)
   endforeach()
 endmacro()
 
+# A room with windows may keep its plain logic in a library of its own, tarnwick_<room>_text, which stands before the
+# room and sees neither Qt nor the room's own rows.
 function(tarnwick_expose_room room)
   if(NOT TARGET tarnwick_${room})
     return()
@@ -58,6 +60,10 @@ function(tarnwick_expose_room room)
   if(failed)  # no right to make links (Windows): the room is still found, only the enforcement is lost
     set(door ${CMAKE_SOURCE_DIR})
   endif()
-  target_include_directories(tarnwick_${room} PUBLIC ${door})
-  tarnwick_target(tarnwick_${room})
+  foreach(library tarnwick_${room} tarnwick_${room}_text)
+    if(TARGET ${library})
+      target_include_directories(${library} PUBLIC ${door})
+      tarnwick_target(${library})
+    endif()
+  endforeach()
 endfunction()
