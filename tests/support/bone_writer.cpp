@@ -1,0 +1,84 @@
+#include <cmath>
+
+#include "support/model_writer.h"
+
+namespace tarnwick::tests {
+
+namespace {
+
+using decompiler::EulerAngles;
+using decompiler::Matrix3x4;
+using decompiler::Quat;
+
+Quat ToQuat(const EulerAngles& angles) {
+  const double sr = std::sin(angles.x / 2.0), cr = std::cos(angles.x / 2.0);
+  const double sp = std::sin(angles.y / 2.0), cp = std::cos(angles.y / 2.0);
+  const double sy = std::sin(angles.z / 2.0), cy = std::cos(angles.z / 2.0);
+  return {static_cast<float>(sr * cp * cy - cr * sp * sy), static_cast<float>(cr * sp * cy + sr * cp * sy),
+          static_cast<float>(cr * cp * sy - sr * sp * cy), static_cast<float>(cr * cp * cy + sr * sp * sy)};
+}
+
+Matrix3x4 ToMatrix(const BoneDescription& bone) {
+  const auto [x, y, z, w] = ToQuat(bone.Angles);
+  const auto& p = bone.Position;
+  return {{1 - 2 * y * y - 2 * z * z, 2 * x * y - 2 * w * z, 2 * x * z + 2 * w * y, p.x,  //
+           2 * x * y + 2 * w * z, 1 - 2 * x * x - 2 * z * z, 2 * y * z - 2 * w * x, p.y,  //
+           2 * x * z - 2 * w * y, 2 * y * z + 2 * w * x, 1 - 2 * x * x - 2 * y * y, p.z}};
+}
+
+Matrix3x4 Product(const Matrix3x4& a, const Matrix3x4& b) {
+  Matrix3x4 product{};
+  for (int row = 0; row < 3; ++row) {
+    for (int column = 0; column < 4; ++column) {
+      for (int k = 0; k < 3; ++k) product(row, column) += a(row, k) * b(k, column);
+    }
+    product(row, 3) += a(row, 3);
+  }
+  return product;
+}
+
+/// The inverse of a rotation and translation.
+Matrix3x4 Inverse(const Matrix3x4& m) {
+  Matrix3x4 inverse{};
+  for (int row = 0; row < 3; ++row) {
+    for (int column = 0; column < 3; ++column) {
+      inverse(row, column) = m(column, row);
+      inverse(row, 3) -= m(column, row) * m(column, 3);
+    }
+  }
+  return inverse;
+}
+
+}  // namespace
+
+void WriteBones(const ModelBuilder& model, FileBuilder& mdl) {
+  const auto count = static_cast<int64_t>(model.Bones.size());
+  const auto bones = mdl.Reserve<decompiler::StudioBone>(count, "bones");
+  HeaderOf(mdl).BoneCount = static_cast<int32_t>(count);
+  HeaderOf(mdl).BoneOffset = bones.At(0);
+  std::vector<Matrix3x4> placements;
+  for (int64_t i = 0; i < count; ++i) {
+    const BoneDescription& bone = model.Bones[static_cast<size_t>(i)];
+    const Matrix3x4 local = ToMatrix(bone);
+    const bool hasParent = bone.Parent >= 0 && bone.Parent < i;
+    placements.push_back(hasParent ? Product(placements[static_cast<size_t>(bone.Parent)], local) : local);
+
+    const int32_t name = mdl.Text(bone.Name);
+    decompiler::StudioBone& record = bones[i];
+    record.NameOffset = bones.To(name, i);
+    record.Parent = bone.Parent;
+    record.Position = bone.Position;
+    record.Angles = bone.Angles;
+    record.Rotation = ToQuat(bone.Angles);
+    for (size_t axis = 0; axis < 3; ++axis) {
+      record.PositionScale[axis] = bone.PositionScale[axis];
+      record.RotationScale[axis] = bone.RotationScale[axis];
+    }
+    record.PoseToBone = Inverse(placements.back());
+    record.Alignment = bone.Alignment;
+    record.Flags = bone.Flags;
+  }
+  mdl.Align(4);
+}
+
+}  // namespace tarnwick::tests

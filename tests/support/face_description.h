@@ -1,0 +1,63 @@
+#pragma once
+
+#include <bit>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "decompiler/bone_math_types.h"
+#include "decompiler/face_records.h"
+
+namespace tarnwick::tests {
+
+// The face of a model of the model writer.
+
+struct VertAnimDescription {
+  int16_t Vertex = 0;  // within the mesh
+  decompiler::Vec3 PositionDelta = {0, 0, 0};
+  decompiler::Vec3 NormalDelta = {0, 0, 0};
+};
+
+struct FlexDescription {
+  int32_t FlexDesc = 0;
+  std::vector<VertAnimDescription> VertAnims = {VertAnimDescription{}};
+  int32_t Partner = 0;
+};
+
+struct EyeballDescription {
+  int32_t Bone = 0;
+  decompiler::Vec3 Origin = {0, 0, 0};
+  float ForwardOffset = 0;
+  float Radius = 0.5f;
+  int32_t Texture = 0;
+  float IrisScale = 1;
+  float UpperTarget[3] = {-0.5f, 0, 0.5f};  // lowered, neutral, raised
+  float LowerTarget[3] = {-0.5f, 0, 0.5f};
+  int32_t UpperLidFlexDesc = 0;
+  int32_t LowerLidFlexDesc = 0;
+};
+
+struct MouthDescription {
+  int32_t Bone = 0;
+  decompiler::Vec3 Forward = {1, 0, 0};
+  int32_t FlexDesc = 0;
+};
+
+struct FlexControllerDescription {
+  std::string Type = "mouth";
+  std::string Name = "smile";
+  float Minimum = 0;
+  float Maximum = 1;
+};
+
+struct FlexRuleDescription {
+  int32_t FlexDesc = 0;
+  std::vector<decompiler::StudioFlexOp> Ops = {};
+};
+
+/// An operation that pushes a constant.
+inline decompiler::StudioFlexOp Constant(float value) {
+  return {decompiler::FlexOpConstant, std::bit_cast<int32_t>(value)};
+}
+
+}  // namespace tarnwick::tests

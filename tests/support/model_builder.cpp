@@ -1,0 +1,45 @@
+#include "support/model_builder.h"
+
+#include <algorithm>
+
+#include "support/model_writer.h"
+#include "support/scratch_folder.h"
+
+namespace tarnwick::tests {
+
+std::string ModelFiles::Write(const std::string& folder, const std::string& stem) const {
+  const std::string base = folder + "/" + stem;
+  WriteText(base + ".mdl", Mdl.Bytes());
+  if (Vtx.Size() > 0) WriteText(base + ".dx90.vtx", Vtx.Bytes());
+  if (Vvd.Size() > 0) WriteText(base + ".vvd", Vvd.Bytes());
+  if (Ani.Size() > 0) WriteText(base + ".ani", Ani.Bytes());
+  return base + ".mdl";
+}
+
+ModelFiles ModelBuilder::Build() const {
+  ModelFiles files;
+  FileBuilder& mdl = files.Mdl;
+  const auto header = mdl.Reserve<decompiler::StudioHeader>(1, "header");
+  std::copy_n("IDST", 4, header[0].Id);
+  header[0].Version = Version;
+  Name.copy(header[0].Name, sizeof(header[0].Name) - 1);
+  header[0].EyePosition = EyePosition;
+  header[0].IllumPosition = IllumPosition;
+
+  WriteBones(*this, mdl);
+  WriteMaterials(*this, mdl);
+  WriteBodyParts(*this, mdl);
+  WriteFace(*this, mdl);
+  WriteAnimations(*this, mdl, files.Ani);
+  WriteSequences(*this, mdl);
+  WriteScriptRecords(*this, mdl);
+  header[0].Length = static_cast<int32_t>(mdl.Size());
+
+  if (!BodyParts.empty()) {
+    WriteVtx(*this, files.Vtx);
+    WriteVvd(*this, files.Vvd);
+  }
+  return files;
+}
+
+}  // namespace tarnwick::tests

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "decompiler/animation_records.h"
+#include "decompiler/face_records.h"
+#include "decompiler/script_records.h"
+#include "decompiler/studio_records.h"
+#include "support/model_builder.h"
+
+namespace tarnwick::tests {
+
+// The parts of the model writer. Each adds its records behind what the file holds already and enters them in the
+// header, which stands at the file's start.
+
+/// The header of a file that begins with one.
+inline decompiler::StudioHeader& HeaderOf(FileBuilder& file) {
+  return file.Record<decompiler::StudioHeader>("header");
+}
+
+void WriteBones(const ModelBuilder& model, FileBuilder& mdl);
+void WriteBodyParts(const ModelBuilder& model, FileBuilder& mdl);
+/// The faces of one model, whose records stand in the tables "models b" and "meshes b.m" already.
+void WriteModelFace(const ModelDescription& model, size_t bodyPartIndex, size_t modelIndex, FileBuilder& mdl);
+void WriteFace(const ModelBuilder& model, FileBuilder& mdl);
+void WriteMaterials(const ModelBuilder& model, FileBuilder& mdl);
+void WriteScriptRecords(const ModelBuilder& model, FileBuilder& mdl);
+void WriteAnimations(const ModelBuilder& model, FileBuilder& mdl, FileBuilder& ani);
+void WriteSequences(const ModelBuilder& model, FileBuilder& mdl);
+void WriteVtx(const ModelBuilder& model, FileBuilder& vtx);
+void WriteVvd(const ModelBuilder& model, FileBuilder& vvd);
+
+/// Adds the chain of an animation's data and gives its place.
+int32_t WriteAnimData(const AnimDataDescription& data, FileBuilder& file);
+
+/// The half-float nearest to `value`; its sign and 65504 for what lies beyond.
+uint16_t HalfFloat(float value);
+
+/// Adds a table of offsets, from the file's start, of `texts`; gives its place.
+int32_t WriteTextTable(const std::vector<std::string>& texts, const std::string& name, FileBuilder& mdl);
+
+}  // namespace tarnwick::tests
