@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+
 namespace tarnwick::decompiler {
 
 // The value types of bone mathematics, laid out as compiled models hold them; packed, since a model may hold them at
@@ -35,8 +37,24 @@ struct Matrix3x4 {
   float& operator()(int row, int column) { return m[4 * row + column]; }
 };
 
+/// A rotation in 48 bits: x and y in 16 bits each, z in 15, the sign of w in the top bit of the last word.
+struct PackedQuat48 {
+  uint16_t Words[3];
+};
+
+/// A rotation in 64 bits: x, y and z in 21 bits each from the lowest bit on, the sign of w in the top bit.
+struct PackedQuat64 {
+  uint64_t Bits;
+};
+
+/// Three half-floats.
+struct PackedVec48 {
+  uint16_t Words[3];
+};
+
 #pragma pack(pop)
 
+static_assert(sizeof(PackedQuat48) == 6 && sizeof(PackedQuat64) == 8 && sizeof(PackedVec48) == 6);
 static_assert(sizeof(Vec3) == 12 && sizeof(Quat) == 16 && sizeof(EulerAngles) == 12 && sizeof(Matrix3x4) == 48);
 
 }  // namespace tarnwick::decompiler
