@@ -9,6 +9,7 @@
 #include "core/output_file.h"
 #include "core/report.h"
 #include "core/text_writer.h"
+#include "decompiler/animation_files.h"
 #include "decompiler/decompile_job.h"
 #include "decompiler/file_batch.h"
 #include "decompiler/loaded_model.h"
@@ -43,6 +44,8 @@ class JobContext {
   /// Which delta reference file the job has; empty until the first delta animation.
   std::string DeltaReference;
   bool DeltaWritten = false;
+  /// The animations that are exported so far.
+  AnimationFiles Animations;
 
   /// Appends to the job's log. Lines carry their own \r\n.
   void Log(std::string_view text) { m_report.Log(text); }

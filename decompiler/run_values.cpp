@@ -1,0 +1,70 @@
+#include "decompiler/run_values.h"
+
+namespace tarnwick::decompiler {
+
+namespace {
+
+struct Run {
+  core::Record<StudioRunHead> Head;
+  core::RecordArray<StudioShort> Values;
+};
+
+/// The run at `offset`; nothing if it does not lie inside the image, or covers
+/// frames but has no value. A run that ends the stream has no values.
+std::optional<Run> ReadRun(const core::ImageView& image, int64_t offset) {
+  const auto head = image.At<StudioRunHead>(offset);
+  if (!head) return std::nullopt;
+  if ((*head)->Total == 0) return Run{*head, {}};
+  if ((*head)->Valid == 0) return std::nullopt;
+  const auto values = image.Array<StudioShort>(offset + int64_t{sizeof(StudioRunHead)}, (*head)->Valid);
+  if (!values) return std::nullopt;
+  return Run{*head, *values};
+}
+
+int64_t Behind(const Run& run) {
+  return run.Values.Offset() + run.Values.Count() * int64_t{sizeof(StudioShort)};
+}
+
+}  // namespace
+
+float DecodeRunValue(int32_t frame, const std::optional<RunStream>& stream, float scale) {
+  if (!stream) return 0.0f;
+  int32_t k = frame;
+  auto run = ReadRun(stream->Image, stream->Offset);
+  while (run && run->Head->Total != 0 && run->Head->Total <= k) {
+    k -= run->Head->Total;
+    run = ReadRun(stream->Image, Behind(*run));
+  }
+  if (!run || run->Head->Total == 0) return 0.0f;
+  const int64_t number = k < run->Head->Valid ? k : run->Head->Valid - 1;
+  return static_cast<float>(run->Values[number]->Value) * scale;
+}
+
+void RunCursor::NextRun(const core::ImageView& image) {
+  const auto run = ReadRun(image, m_next);
+  if (!run) {
+    m_damagedAt = m_next;
+    End();
+    return;
+  }
+  const int32_t total = run->Head->Total;
+  if (total == 0) {
+    End();
+    return;
+  }
+  m_values = &*run->Values[0];
+  m_valid = run->Head->Valid;
+  m_held = run->Values[m_valid - 1]->Value;
+  m_start = m_end;
+  m_end = total < Forever - m_start ? m_start + total : Forever;
+  m_next = Behind(*run);
+}
+
+void RunCursor::End() {
+  m_start = m_end;
+  m_end = Forever;
+  m_valid = 0;
+  m_held = 0;
+}
+
+}  // namespace tarnwick::decompiler

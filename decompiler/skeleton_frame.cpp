@@ -1,0 +1,99 @@
+#include "decompiler/skeleton_frame.h"
+
+#include <cstring>
+#include <utility>
+
+#include "core/number_text.h"
+
+namespace tarnwick::decompiler {
+
+namespace {
+
+/// A bone's number, six floats with their blanks, and the end of the line.
+constexpr size_t LongestLine = 7 * core::LongestNumberText;
+
+char* WriteThree(char* out, float x, float y, float z) {
+  *out++ = ' ';
+  out = core::WriteFixed<6>(out, x);
+  *out++ = ' ';
+  out = core::WriteFixed<6>(out, y);
+  *out++ = ' ';
+  return core::WriteFixed<6>(out, z);
+}
+
+uint8_t CountNonFinite(float x, float y, float z) {
+  if (x * 0 + y * 0 + z * 0 == 0) return 0;
+  uint8_t count = 0;
+  for (const float value : {x, y, z}) count = static_cast<uint8_t>(count + (value - value == 0 ? 0 : 1));
+  return count;
+}
+
+}  // namespace
+
+SkeletonFrame::SkeletonFrame(size_t boneCount)
+    : m_places(boneCount + 1),
+      m_text(std::make_unique_for_overwrite<char[]>(boneCount * LongestLine)),
+      m_previous(std::make_unique_for_overwrite<char[]>(boneCount * LongestLine)) {}
+
+void SkeletonFrame::Begin() {
+  std::swap(m_text, m_previous);
+  m_bone = 0;
+  m_firstKept = 0;
+  m_length = 0;
+}
+
+void SkeletonFrame::Line(const Vec3* position, const EulerAngles* rotation) {
+  CopyKept();
+  Place& place = m_places[m_bone];
+  const Place before = place;
+  char* out = m_text.get() + m_length;
+  place.Line = m_length;
+  if (position != nullptr) {
+    out = core::WriteIntegerWide(out, static_cast<int64_t>(m_bone), 3);
+    out = WriteThree(out, position->x, position->y, position->z);
+    place.OddPositions = CountNonFinite(position->x, position->y, position->z);
+  } else {
+    const size_t size = before.Rotation - before.Line;
+    std::memcpy(out, m_previous.get() + before.Line, size);
+    out += size;
+  }
+  place.Rotation = static_cast<size_t>(out - m_text.get());
+  if (rotation != nullptr) {
+    out = WriteThree(out, rotation->x, rotation->y, rotation->z);
+    std::memcpy(out, core::PlatformLineEnd.data(), core::PlatformLineEnd.size());
+    out += core::PlatformLineEnd.size();
+    place.OddRotations = CountNonFinite(rotation->x, rotation->y, rotation->z);
+  } else {
+    const size_t size = m_places[m_bone + 1].Line - before.Rotation;
+    std::memcpy(out, m_previous.get() + before.Rotation, size);
+    out += size;
+  }
+  m_nonFinite += static_cast<size_t>(place.OddPositions) + place.OddRotations;
+  m_nonFinite -= static_cast<size_t>(before.OddPositions) + before.OddRotations;
+  m_length = static_cast<size_t>(out - m_text.get());
+  m_firstKept = ++m_bone;
+}
+
+void SkeletonFrame::CopyKept() {
+  if (m_firstKept == m_bone) return;
+  const size_t from = m_places[m_firstKept].Line;
+  const size_t size = m_places[m_bone].Line - from;
+  std::memcpy(m_text.get() + m_length, m_previous.get() + from, size);
+  if (m_length != from) {
+    for (size_t i = m_firstKept; i < m_bone; ++i) {
+      m_places[i].Line += m_length - from;
+      m_places[i].Rotation += m_length - from;
+    }
+  }
+  m_length += size;
+  m_firstKept = m_bone;
+}
+
+void SkeletonFrame::Write(core::TextWriter& writer) {
+  CopyKept();
+  m_places[m_bone].Line = m_length;
+  writer.Raw({m_text.get(), m_length});
+  writer.CountNonFinite(m_nonFinite);
+}
+
+}  // namespace tarnwick::decompiler
