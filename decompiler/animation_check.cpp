@@ -14,13 +14,16 @@ struct Problem {
   std::string Text;
 };
 
+/// Damaged animations that are told in a box each.
+constexpr int MostBoxes = 3;
+
 constexpr std::string_view PastTheEnd = "runs past the end of the file";
 
 /// Checks the three streams whose offsets stand at `triple`, up to `lastFrame`.
 std::optional<Problem> CheckRuns(const core::ImageView& image, int64_t triple, int32_t lastFrame) {
   if (!image.At<StudioRunOffsets>(triple)) return Problem{"offsets of the runs", triple, std::string(PastTheEnd)};
   for (int axis = 0; axis < 3; ++axis) {
-    const auto stream = AxisRuns(image, triple, axis);
+    const auto stream = RunsOfAxis(image, triple, axis);
     if (!stream) continue;
     RunCursor cursor(stream->Offset);
     cursor.At(image, lastFrame);
@@ -156,7 +159,7 @@ class Checker {
   }
 
   bool Fail(const core::FileImage& file, const Problem& problem) {
-    m_job.Damaged(file.Path(), problem.What + " of animation " + std::string(m_name), problem.Offset, problem.Text);
+    TellAnimationDamage(m_job, file.Path(), m_name, problem.What, problem.Offset, problem.Text);
     return false;
   }
 
@@ -172,6 +175,16 @@ std::optional<AnimData> CheckedAnimation::Find(int32_t& frame) const {
   const Section& section = Sections[static_cast<size_t>(SectionOfFrame(*Description, frame))];
   if (section.Data && section.Stands) frame = Description->SectionFrames - 1;
   return section.Data;
+}
+
+void TellAnimationDamage(JobContext& job, const std::string& path, std::string_view name, std::string_view what,
+                         int64_t offset, std::string_view problem) {
+  const std::string subject = std::string(what) + " of animation " + std::string(name);
+  if (job.Animations.DamageTold++ < MostBoxes) {
+    job.Damaged(path, subject, offset, problem);
+  } else {
+    job.LogError(path + ": the " + subject + " at byte " + std::to_string(offset) + " " + std::string(problem));
+  }
 }
 
 std::optional<CheckedAnimation> CheckAnimation(JobContext& job, const core::Record<StudioAnimDesc>& animation,

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -26,6 +27,11 @@ struct CheckedAnimation {
   /// The same as FindAnimData.
   std::optional<AnimData> Find(int32_t& frame) const;
 };
+
+/// Tells that `what` of animation `name`, at byte `offset` of the file at `path`, cannot be. The first few of a job are
+/// told in boxes, the others as lines of the log, since a damaged block file spoils animations by the hundred.
+void TellAnimationDamage(JobContext& job, const std::string& path, std::string_view name, std::string_view what,
+                         int64_t offset, std::string_view problem);
 
 /// Finds the data of `animation` (called `name`) for all its frames, of which there is at least one, and checks every
 /// record and run that playing them will touch. Nothing, told as damage, if something does not fit. Loads the block

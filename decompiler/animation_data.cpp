@@ -33,7 +33,7 @@ int64_t AnimRecord::PositionRuns() const {
   return (Anim->Flags & AnimRunRotation) != 0 ? Payload() + int64_t{sizeof(StudioRunOffsets)} : Payload();
 }
 
-std::optional<RunStream> AxisRuns(const core::ImageView& image, int64_t triple, int axis) {
+std::optional<RunStream> RunsOfAxis(const core::ImageView& image, int64_t triple, int axis) {
   const auto offsets = image.At<StudioRunOffsets>(triple);
   if (!offsets || (*offsets)->Axis[axis] < 1) return std::nullopt;
   return RunStream{image, triple + (*offsets)->Axis[axis]};

@@ -27,7 +27,7 @@ struct AnimRecord {
 
 /// The run stream of axis 0 to 2 whose offsets stand at `triple`; nothing if the axis has no runs or if the offsets do
 /// not lie inside the image.
-std::optional<RunStream> AxisRuns(const core::ImageView& image, int64_t triple, int axis);
+std::optional<RunStream> RunsOfAxis(const core::ImageView& image, int64_t triple, int axis);
 
 /// The record at `data`; nothing if it does not lie inside its file.
 std::optional<AnimRecord> AnimRecordAt(const AnimData& data);

@@ -14,9 +14,9 @@ bool IsDelta(const AnimRecord& anim) {
 
 /// The values of the three axes whose runs stand at `triple`.
 Vec3 RunValues(const AnimRecord& anim, int64_t triple, int32_t frame, const float (&scale)[3]) {
-  return {DecodeRunValue(frame, AxisRuns(anim.Image, triple, 0), scale[0]),
-          DecodeRunValue(frame, AxisRuns(anim.Image, triple, 1), scale[1]),
-          DecodeRunValue(frame, AxisRuns(anim.Image, triple, 2), scale[2])};
+  return {DecodeRunValue(frame, RunsOfAxis(anim.Image, triple, 0), scale[0]),
+          DecodeRunValue(frame, RunsOfAxis(anim.Image, triple, 1), scale[1]),
+          DecodeRunValue(frame, RunsOfAxis(anim.Image, triple, 2), scale[2])};
 }
 
 }  // namespace

@@ -72,7 +72,7 @@ void PosePlayer::AddTrack(const AnimRecord& anim, int64_t triple, bool isRotatio
   track.IsRotation = isRotation;
   track.IsDelta = (anim->Flags & AnimIsDelta) != 0;
   for (int axis = 0; axis < 3; ++axis) {
-    if (const auto stream = AxisRuns(m_image, triple, axis)) track.Cursors[axis] = RunCursor(stream->Offset);
+    if (const auto stream = RunsOfAxis(m_image, triple, axis)) track.Cursors[axis] = RunCursor(stream->Offset);
   }
   Read(track, frame);
   Store(track);

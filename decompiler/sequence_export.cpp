@@ -91,7 +91,7 @@ class AnimationExport {
   }
 
   void TellDamage(std::string_view problem) {
-    m_job.Damaged(m_job.Model.Mdl.Path(), "record of animation " + std::string(m_name), m_animation.Offset(), problem);
+    TellAnimationDamage(m_job, m_job.Model.Mdl.Path(), m_name, "record", m_animation.Offset(), problem);
   }
 
   const AnimationSmdModel* Model() {
@@ -152,8 +152,8 @@ class AnimationExport {
       writer->second = number;
       DecompileLog(m_job, "Creating " + name + "\r\n");
     } else {
-      DecompileLog(m_job, "Unable to open file " + name);
       m_job.LogError(m_job.OutputPath(name) + ": " + reason);
+      DecompileLog(m_job, "Unable to open file " + name);
     }
     return file;
   }
