@@ -4,10 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <sstream>
 #include <vector>
 
-#include "sdk/tool_console.h"
+#include "sdk/tool_run.h"
 #include "sdk/vtf_builder.h"
 #include "support/real_files.h"
 #include "support/scratch_folder.h"
@@ -20,20 +19,12 @@ using ::testing::IsSupersetOf;
 using tests::ReadText;
 using tests::RealFilesFolder;
 using tests::ScratchFolder;
+using tests::ToolRun;
 using tests::VtfBuilder;
 using tests::WriteText;
 
-struct ToolRun {
-  int Code;
-  std::string Out;
-  std::string Err;
-};
-
 ToolRun Call(const std::vector<std::string>& arguments) {
-  std::ostringstream out;
-  std::ostringstream err;
-  const int code = Vtf2Tga(arguments, out, err);
-  return {code, out.str(), err.str()};
+  return tests::CallTool(Vtf2Tga, arguments);
 }
 
 TEST(Vtf2Tga, PrintsTheFactsOfATextureInAStableForm) {
