@@ -34,6 +34,7 @@ namespace setting {
 
 inline constexpr TextSetting SdkDirectory{MainSection, "SDKDirectory"};
 inline constexpr TextSetting GameDirectory{MainSection, "GameDirectory"};
+inline constexpr TextSetting WineProgram{MainSection, "Wine Program"};  // runs Windows programs; empty: looked for
 inline constexpr IntSetting TabSelect{MainSection, "TabSelect"};
 inline constexpr IntSetting CompileMode{MainSection, "Compile Mode"};
 
@@ -97,6 +98,7 @@ inline constexpr TextSetting RecentDirectories{DecompilerSection, "Recent Direct
 inline constexpr const TextSetting* TextValues[] = {
     &SdkDirectory,
     &GameDirectory,
+    &WineProgram,
     &Scale,
     &Mass,
     &SurfaceProp,
