@@ -6,6 +6,7 @@
 #include <memory>
 #include <thread>
 
+#include "cli/console_report.h"
 #include "cli/decompile_batch.h"
 #include "cli/decompile_plan.h"
 #include "cli/decompile_summary.h"
@@ -38,19 +39,6 @@ struct Options {
   }
 };
 
-/// Prints a job's log lines as they come.
-class LiveReport : public core::Report {
- public:
-  explicit LiveReport(std::ostream& out) : m_out(out) {}
-  void Log(std::string_view text) override { m_out << PlainLines(text) << std::flush; }
-  void Box(core::BoxIcon, std::string_view text, std::string_view caption) override {
-    m_out << caption << ": " << text.substr(0, text.find_last_not_of("\r\n") + 1) << std::endl;
-  }
-
- private:
-  std::ostream& m_out;
-};
-
 /// A model's errors and warnings, each with the model's path before it.
 void PrintTroubles(std::ostream& out, const ModelOutcome& outcome) {
   for (const std::string& error : outcome.Result.Errors) {
@@ -68,7 +56,7 @@ int Decompile(const Options& options, Invocation& invocation) {
 
   const bool single = plan.Models.size() == 1;
   const bool terminal = ErrorIsTerminal();
-  LiveReport live(invocation.Err);
+  ConsoleReport live(invocation.Err);
   ProgressLine progress(invocation.Err, terminal && !single && !options.Quiet);
   DecompileSummary summary;
   RunDecompileBatch(plan.Models, options.Bits(), options.Jobs, single && !options.Quiet ? &live : nullptr,

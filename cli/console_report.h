@@ -1,0 +1,24 @@
+#pragma once
+
+#include <ostream>
+#include <string_view>
+
+#include "cli/terminal.h"
+#include "core/report.h"
+
+namespace tarnwick::cli {
+
+/// Prints what a room tells the user as it comes: log lines, and boxes as one line of caption and text.
+class ConsoleReport : public core::Report {
+ public:
+  explicit ConsoleReport(std::ostream& out) : m_out(out) {}
+  void Log(std::string_view text) override { m_out << PlainLines(text) << std::flush; }
+  void Box(core::BoxIcon, std::string_view text, std::string_view caption) override {
+    m_out << caption << ": " << text.substr(0, text.find_last_not_of("\r\n") + 1) << std::endl;
+  }
+
+ private:
+  std::ostream& m_out;
+};
+
+}  // namespace tarnwick::cli
