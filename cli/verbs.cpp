@@ -1,6 +1,8 @@
 #include "cli/verbs.h"
 
+#include "cli/compile_verb.h"
 #include "cli/decompile_verb.h"
+#include "cli/view_verb.h"
 
 namespace tarnwick::cli {
 
@@ -8,6 +10,8 @@ namespace {
 
 constexpr AddVerb VerbTable[] = {
     AddDecompileVerb,
+    AddCompileVerb,
+    AddViewVerb,
 };
 
 }  // namespace

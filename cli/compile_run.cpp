@@ -1,0 +1,54 @@
+#include "cli/compile_run.h"
+
+#include "tools/line_splitter.h"
+#include "tools/qc_model_name.h"
+#include "tools/run_checks.h"
+#include "tools/studiomdl_command.h"
+
+namespace tarnwick::cli {
+
+namespace {
+
+void JudgeModel(CompileOutcome& outcome, const tools::ModelFileWatch& model) {
+  outcome.ModelPath = model.Path();
+  outcome.ModelWritten = model.WasWritten();
+  if (!outcome.ModelWritten) {
+    outcome.Warnings.push_back("the script names no model, so whether one was written is not known");
+  } else if (!*outcome.ModelWritten && outcome.Errors.empty()) {
+    outcome.Errors.push_back("no newer model at " + outcome.ModelPath);
+  }
+}
+
+}  // namespace
+
+CompileOutcome RunCompile(const CompileInput& input, const std::string& sdkDirectory, const std::string& gameDirectory,
+                          const tools::ToolRunOptions& options, const CompileCalls& calls) {
+  CompileOutcome outcome;
+  outcome.Input = input;
+  outcome.CommandLine = tools::StudiomdlCommandLine(sdkDirectory, gameDirectory, input.QcPath, input.Options);
+  for (const std::string& warning : tools::CheckStudiomdlRun(gameDirectory, input.QcPath)) calls.OnWarning(warning);
+  const tools::ModelFileWatch model(gameDirectory, input.QcPath);
+  tools::LineSplitter lines([&](const std::string& line) {
+    const tools::LineKind kind = tools::ClassifyLine(line);
+    if (kind == tools::LineKind::Error) outcome.Errors.push_back(line);
+    if (kind == tools::LineKind::Warning) outcome.Warnings.push_back(line);
+    calls.OnLine(line, kind);
+  });
+  tools::ToolRunOptions runOptions = options;
+  runOptions.OnText = [&](std::string_view piece) { lines.Feed(piece); };
+  calls.OnStart(outcome.CommandLine);
+  outcome.Run = tools::RunTool(tools::ToolRun::StudiomdlForm, outcome.CommandLine, runOptions).Outcome;
+  lines.Finish();
+  if (outcome.Run.Failure) {
+    outcome.Errors.push_back(outcome.Run.Failure->Text());
+    return outcome;
+  }
+  if (outcome.Run.Stopped) return outcome;
+  if (outcome.Run.End && outcome.Run.End->Signal != 0) {
+    outcome.Errors.push_back("the tool crashed: it was ended by signal " + std::to_string(outcome.Run.End->Signal));
+  }
+  JudgeModel(outcome, model);
+  return outcome;
+}
+
+}  // namespace tarnwick::cli

@@ -1,0 +1,41 @@
+#include "cli/tool_directories.h"
+
+#include <CLI/CLI.hpp>
+
+#include "core/settings_table.h"
+#ifdef TARNWICK_HAS_SETTINGS
+#include "settings/qt_settings_store.h"
+#endif
+
+namespace tarnwick::cli {
+
+std::unique_ptr<core::AppSettings> OpenSettings([[maybe_unused]] std::ostream& err) {
+#ifdef TARNWICK_HAS_SETTINGS
+  return std::make_unique<settings::QtSettingsStore>(
+      [&err](const std::string& text) { err << "Warning: " << text << '\n'; });
+#else
+  return nullptr;
+#endif
+}
+
+void ToolDirectories::AddOptions(CLI::App& verb) {
+  verb.add_option("--sdk", Sdk, "The folder of the SDK's tools; without it the one that is set in the window");
+  verb.add_option("--game", Game,
+                  "The game directory, with gameinfo.txt; without it the one that is set in the window");
+#ifndef _WIN32
+  verb.add_option("--wine", Wine, "The program that runs Windows tools; without it wine, then wine64");
+#endif
+}
+
+void ToolDirectories::FillFromSettings(std::ostream& err) {
+  const auto settings = OpenSettings(err);
+  if (!settings) return;
+  const auto fill = [&](std::string& directory, const core::TextSetting& setting) {
+    if (directory.empty()) directory = setting.Read(*settings);
+  };
+  fill(Sdk, core::setting::SdkDirectory);
+  fill(Game, core::setting::GameDirectory);
+  fill(Wine, core::setting::WineProgram);
+}
+
+}  // namespace tarnwick::cli

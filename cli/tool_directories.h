@@ -1,0 +1,37 @@
+#pragma once
+
+#include <memory>
+#include <ostream>
+#include <string>
+
+#include "core/app_settings.h"
+#include "tools/child_process.h"
+#include "tools/sdk_tools.h"
+
+namespace CLI {
+class App;
+}
+
+namespace tarnwick::cli {
+
+/// The user's settings, which the window keeps too; null in a build that has no store. A damaged store is told on
+/// `err`.
+std::unique_ptr<core::AppSettings> OpenSettings(std::ostream& err);
+
+/// Where tools and game lie, as the options of a verb say: --sdk, --game, --wine. What is not given comes from the
+/// user's settings.
+struct ToolDirectories {
+  std::string Sdk;
+  std::string Game;
+  std::string Wine;
+
+  /// Adds the options to `verb`. The object outlives the parsing.
+  void AddOptions(CLI::App& verb);
+  /// Fills what was not given from the settings.
+  void FillFromSettings(std::ostream& err);
+  /// The folder to take `tool` from: the SDK's, or where none is set the program's own tools.
+  std::string SdkFor(const tools::SdkTool& tool) const { return tools::SdkDirectoryOrBundled(Sdk, tool); }
+  tools::StartSettings Start() const { return {Wine}; }
+};
+
+}  // namespace tarnwick::cli

@@ -1,0 +1,51 @@
+#include "cli/view_verb.h"
+
+#include <CLI/CLI.hpp>
+#include <memory>
+
+#include "cli/tool_directories.h"
+#include "core/paths.h"
+#include "tools/hlmv_command.h"
+
+namespace tarnwick::cli {
+
+namespace {
+
+constexpr const char* Examples = R"(Examples:
+  tarnwick-cli view props/crate.mdl
+  tarnwick-cli view --game ~/games/mod ~/games/mod/models/props/crate.mdl)";
+
+struct Options {
+  std::string Model;
+  ToolDirectories Directories;
+};
+
+int View(Options options, Invocation& invocation) {
+  options.Directories.FillFromSettings(invocation.Err);
+  const std::string& game = options.Directories.Game;
+  const std::string modelFile = tools::ModelFileOf(game, options.Model);
+  const std::string path = game + "/models/" + modelFile;
+  if (!core::FindIgnoringCase(path)) invocation.Err << "Warning: there is no model " << path << '\n';
+  const tools::HlmvCommand command = tools::BuildHlmvCommand(options.Directories.Sdk, game, modelFile);
+  if (const auto error = tools::StartHlmv(command, options.Directories.Start())) {
+    invocation.Err << command.ErrorText() << ": " << error->Message << '\n';
+    return ExitFailure;
+  }
+  invocation.Out << command.Program << ' ' << command.Parameters << '\n';
+  return ExitSuccess;
+}
+
+}  // namespace
+
+void AddViewVerb(CLI::App& program, Invocation& invocation) {
+  CLI::App* verb = program.add_subcommand("view", "Show a compiled model in the SDK's model viewer, hlmv");
+  auto options = std::make_shared<Options>();
+  verb->add_option("MODEL", options->Model, "A model of the game: its path, or that below the game's models folder")
+      ->required();
+  options->Directories.AddOptions(*verb);
+  verb->footer(Examples);
+  verb->callback(
+      [options, &invocation] { invocation.Run = [options, &invocation] { return View(*options, invocation); }; });
+}
+
+}  // namespace tarnwick::cli

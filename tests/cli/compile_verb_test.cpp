@@ -1,0 +1,111 @@
+// The tool of these tests is a shell script.
+#ifndef _WIN32
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <sstream>
+#include <thread>
+
+#include "cli/invocation.h"
+#include "support/scratch_folder.h"
+#include "tools/tool_file.h"
+
+namespace tarnwick::cli {
+namespace {
+
+namespace fs = std::filesystem;
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
+
+/// A game with a studiomdl that prints its script's text, and that writes the model that the script names on its last
+/// line unless that line says otherwise.
+class CompileVerb : public ::testing::Test {
+ protected:
+  CompileVerb() {
+    tests::WriteText(m_sdk + "/studiomdl.exe",
+                     "#!/bin/sh\n"
+                     "printf 'args %s\\r\\n' \"$*\"\n"
+                     "cat \"$3\"\n"
+                     "grep -q nothing \"$3\" || { mkdir -p \"$2/models\"; echo x > \"$2/models/box.mdl\"; }\n"
+                     "grep -q forever \"$3\" && exec sleep 60\n"
+                     "exit 7\n");
+    fs::permissions(m_sdk + "/studiomdl.exe", fs::perms::owner_all);
+    tests::WriteText(m_game + "/gameinfo.txt", "");
+  }
+
+  std::string Script(const std::string& name, const std::string& text) {
+    tests::WriteText(m_folder.Path(name), "$modelname box.mdl\n" + text);
+    return m_folder.Path(name);
+  }
+
+  int Run(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), {"tarnwick-cli", "compile", "--sdk", m_sdk, "--game", m_game});
+    std::vector<const char*> pointers;
+    for (const std::string& argument : arguments) pointers.push_back(argument.c_str());
+    m_out.str("");
+    m_err.str("");
+    return RunProgram(static_cast<int>(pointers.size()), pointers.data(), m_out, m_err);
+  }
+
+  tests::ScratchFolder m_folder;
+  std::string m_sdk = m_folder.Path("sdk bin");
+  std::string m_game = m_folder.Path("my game");
+  std::ostringstream m_out;
+  std::ostringstream m_err;
+};
+
+TEST_F(CompileVerb, PrintsTheCommandLineAndTheToolsOwnLines) {
+  const std::string qc = Script("a.qc", "all is well");
+  EXPECT_EQ(Run({qc, "--perf", "--flip-triangles"}), ExitSuccess);
+  const std::string switches = " -perf -f";
+  EXPECT_EQ(m_out.str(), m_sdk + "/studiomdl.exe -game \"" + m_game + "\" \"" + qc + "\"" + switches + "\nargs -game " +
+                             m_game + " " + qc + switches + "\n$modelname box.mdl\nall is well\n");
+  EXPECT_EQ(m_err.str(), "");
+}
+
+TEST_F(CompileVerb, FailsOnAnErrorLineOrWithoutANewerModel) {
+  EXPECT_EQ(Run({Script("a.qc", "ERROR: no bones\n")}), ExitFailure);
+  EXPECT_THAT(m_err.str(), EndsWith("a.qc: Error: ERROR: no bones\n"));
+  // The model of the first run is there, but the second does not write it.
+  EXPECT_EQ(Run({Script("b.qc", "nothing\n")}), ExitFailure);
+  EXPECT_THAT(m_err.str(), HasSubstr("b.qc: Error: no newer model at " + m_game + "/models/box.mdl"));
+}
+
+TEST_F(CompileVerb, RunsSeveralFilesAndSumsUp) {
+  EXPECT_EQ(Run({"--quiet", Script("a.qc", "WARNING: odd\n"), Script("b.qc", "fine\n")}), ExitSuccess);
+  EXPECT_EQ(m_out.str(), "");
+  EXPECT_EQ(m_err.str(), "WARNING: odd\n");
+  EXPECT_EQ(Run({"--json", Script("a.qc", "Error: bad\n"), Script("b.qc", "fine\n")}), ExitFailure);
+  EXPECT_THAT(m_err.str(), EndsWith("1 of 2 compiled\n"));
+  EXPECT_THAT(m_out.str(), HasSubstr(R"("outcome":"failed")"));
+  EXPECT_THAT(m_out.str(), HasSubstr(R"("errors":["Error: bad"])"));
+  EXPECT_THAT(m_out.str(), HasSubstr(R"("outcome":"ok")"));
+}
+
+TEST_F(CompileVerb, TellsAMissingToolAndAProjectThatCannotBeRead) {
+  EXPECT_EQ(Run({m_folder.Path("none.sc")}), ExitFailure);
+  EXPECT_THAT(m_err.str(), HasSubstr("none.sc"));
+  fs::remove(m_sdk + "/studiomdl.exe");
+  EXPECT_EQ(Run({Script("a.qc", "")}), ExitFailure);
+  EXPECT_THAT(m_err.str(), HasSubstr("STUDIOMDL ERROR: Command " + m_sdk + "/studiomdl.exe not found."));
+}
+
+TEST_F(CompileVerb, AnInterruptEndsTheToolAndTheRest) {
+  std::thread interrupter([] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    kill(getpid(), SIGINT);
+  });
+  EXPECT_EQ(Run({Script("a.qc", "forever\n"), Script("b.qc", "")}), ExitFailure);
+  interrupter.join();
+  EXPECT_THAT(m_err.str(), HasSubstr("a.qc: stopped\n"));
+  EXPECT_THAT(m_err.str(), EndsWith("0 of 2 compiled\n"));
+}
+
+}  // namespace
+}  // namespace tarnwick::cli
+
+#endif
