@@ -1,0 +1,56 @@
+#include "app/game_config_dialog.h"
+
+#include "core/settings_table.h"
+#include "platform/bitmap_button.h"
+#include "platform/text.h"
+#include "ui_game_config_dialog.h"
+
+namespace tarnwick::app {
+
+namespace setting = core::setting;
+
+CGameConfigDialog::CGameConfigDialog(core::AppSettings& settings, platform::Desktop& desktop, QWidget* parent)
+    : CDialog(desktop, parent), m_settings(settings), m_ui(std::make_unique<Ui::GameConfigDialog>()) {
+  m_ui->setupUi(this);
+  connect(m_ui->browseGameButton, &QAbstractButton::clicked, this, &CGameConfigDialog::OnBrowseGame);
+  connect(m_ui->browseSdkButton, &QAbstractButton::clicked, this, &CGameConfigDialog::OnBrowseSdk);
+  connect(m_ui->buttonBox, &QDialogButtonBox::accepted, this, &QDialog::accept);
+  connect(m_ui->buttonBox, &QDialogButtonBox::rejected, this, &QDialog::reject);
+}
+
+CGameConfigDialog::~CGameConfigDialog() = default;
+
+void CGameConfigDialog::OnInitDialog() {
+  m_sdkDirectory = setting::SdkDirectory.Read(m_settings);
+  m_gameDirectory = setting::GameDirectory.Read(m_settings);
+  CDialog::OnInitDialog();
+  platform::LoadAllCaptionBitmaps(*this);
+}
+
+void CGameConfigDialog::DoDataExchange(platform::CDataExchange& exchange) {
+  DDX_Text(exchange, *m_ui->gameEdit, m_gameDirectory);
+  DDX_Text(exchange, *m_ui->sdkEdit, m_sdkDirectory);
+}
+
+void CGameConfigDialog::OnBrowseGame() {
+  const auto chosen = DesktopSeam().ChooseFolder(this, {}, setting::GameDirectory.Read(m_settings));
+  if (!chosen) return;
+  m_ui->gameEdit->setText(platform::ToQt(*chosen));
+  setting::GameDirectory.Write(m_settings, *chosen);
+}
+
+void CGameConfigDialog::OnBrowseSdk() {
+  const auto chosen = DesktopSeam().ChooseFolder(this, {}, platform::FromQt(m_ui->sdkEdit->text()));
+  if (!chosen) return;
+  m_ui->sdkEdit->setText(platform::ToQt(*chosen));
+  setting::SdkDirectory.Write(m_settings, *chosen);
+}
+
+void CGameConfigDialog::OnOK() {
+  UpdateData(true);
+  setting::GameDirectory.Write(m_settings, m_gameDirectory);
+  setting::SdkDirectory.Write(m_settings, m_sdkDirectory);
+  EndDialog(Accepted);
+}
+
+}  // namespace tarnwick::app

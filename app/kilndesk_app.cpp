@@ -1,0 +1,19 @@
+#include "app/kilndesk_app.h"
+
+#include "app/kilndesk_dlg.h"
+
+namespace tarnwick::app {
+
+CKilndeskApp::CKilndeskApp(int& argumentCount, char** arguments, StartMode mode)
+    : CWinApp(argumentCount, arguments), m_mode(mode), m_settings([this](const std::string& text) {
+        m_desktop.Box(QApplication::activeWindow(), platform::BoxIcon::Exclamation, text, "Warning");
+      }) {}
+
+bool CKilndeskApp::InitInstance() {
+  if (m_mode == StartMode::Embedded) return true;
+  CKilndeskDlg dialog(m_settings, m_desktop);
+  dialog.DoModal();
+  return false;
+}
+
+}  // namespace tarnwick::app

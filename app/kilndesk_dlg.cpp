@@ -1,0 +1,156 @@
+#include "app/kilndesk_dlg.h"
+
+#include <QContextMenuEvent>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QScrollArea>
+#include <QShortcut>
+
+#include "app/about_dlg.h"
+#include "app/game_config_dialog.h"
+#include "app/game_directory_help_dialog.h"
+#include "app/web_addresses.h"
+#include "core/settings_table.h"
+#include "platform/bitmap_button.h"
+#include "platform/dropped_files.h"
+#include "platform/job_runner.h"
+#include "platform/text.h"
+#include "project/project_store.h"
+#include "ui_kilndesk_dlg.h"
+
+namespace tarnwick::app {
+
+namespace setting = core::setting;
+using platform::JobRunner;
+using platform::ToQt;
+
+CKilndeskDlg::CKilndeskDlg(core::AppSettings& settings, platform::Desktop& desktop)
+    : CDialog(desktop),
+      m_settings(settings),
+      m_ui(std::make_unique<Ui::KilndeskDlg>()),
+      m_modelPage({settings, desktop, m_modelOptions}),
+      m_materialPage({settings, desktop, m_modelOptions}),
+      m_decompilerPage({settings, desktop, m_modelOptions}),
+      m_texturePage({settings, desktop, m_modelOptions}),
+      m_pages{&m_modelPage, &m_materialPage, &m_decompilerPage, &m_texturePage} {
+  m_ui->setupUi(this);
+  setWindowFlags(Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
+                 Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint);
+  connect(m_ui->exitButton, &QAbstractButton::clicked, this, &QDialog::reject);
+  connect(m_ui->aboutButton, &QAbstractButton::clicked, this, &CKilndeskDlg::OnAbout);
+  connect(m_ui->updatesButton, &QAbstractButton::clicked, this, &CKilndeskDlg::OnCheckForUpdates);
+  connect(m_ui->helpButton, &QAbstractButton::clicked, this, &CKilndeskDlg::OnHelp);
+  connect(m_ui->configureButton, &QAbstractButton::clicked, this, &CKilndeskDlg::OnConfigure);
+  connect(m_ui->gameDirectoryHelpButton, &QAbstractButton::clicked, this, &CKilndeskDlg::OnGameDirectoryHelp);
+  connect(new QShortcut(QKeySequence::HelpContents, this), &QShortcut::activated, this, &CKilndeskDlg::OnHelp);
+}
+
+CKilndeskDlg::~CKilndeskDlg() = default;
+
+void CKilndeskDlg::OnInitDialog() {
+  CDialog::OnInitDialog();
+  platform::LoadCaptionBitmaps(*m_ui->gameDirectoryHelpButton);
+  ShowGameDirectory();
+  project::LoadOptionsFromSettings(m_settings, m_modelOptions);
+  // The order counts: the material page pushes its directory into the model page's form as it starts.
+  AddPage(m_modelPage, "Model Compile");
+  AddPage(m_materialPage, "Material Compile");
+  AddPage(m_decompilerPage, "Model Decompile");
+  AddPage(m_texturePage, "VTF Export");
+  m_ui->tabs->setCurrentIndex(setting::TabSelect.Read(m_settings));  // no such tab: the first one stays
+  AcceptFiles();
+  RestoreGeometry();
+}
+
+void CKilndeskDlg::AddPage(pages::CPage& page, const char* tabText) {
+  page.Create();
+  // A page that is taller than a small screen is scrolled; nothing of it is cut off.
+  auto* area = new QScrollArea(m_ui->tabs);
+  area->setFrameShape(QFrame::NoFrame);
+  area->setWidgetResizable(true);
+  area->setWidget(&page);
+  page.show();
+  m_ui->tabs->addTab(area, tabText);
+}
+
+void CKilndeskDlg::OnDropFiles(const platform::DroppedFiles& drop) {
+  pages::CPage& page = *m_pages[static_cast<size_t>(m_ui->tabs->currentIndex())];
+  if (page.isEnabled()) page.OnDropFiles(drop);
+}
+
+void CKilndeskDlg::OnCancel() {
+  if (!MayClose()) return;
+  m_modelPage.SaveSettings();
+  m_materialPage.SaveSettings();
+  m_texturePage.SaveSettings();
+  setting::TabSelect.Write(m_settings, m_ui->tabs->currentIndex());
+  SaveGeometry();
+  CDialog::OnCancel();
+}
+
+bool CKilndeskDlg::MayClose() {
+  bool isRunning = false;
+  for (const JobRunner* jobs : findChildren<JobRunner*>()) isRunning = isRunning || jobs->IsRunning();
+  if (!isRunning) return true;
+  const platform::BoxAnswer answer =
+      DesktopSeam().ShowBox(this, {"A job is still running.\nStop it and close Tarnwick?",
+                                   {},
+                                   platform::BoxIcon::Question,
+                                   platform::BoxButtons::YesNo});
+  return answer == platform::BoxAnswer::Yes;  // the runners stop their jobs as they go
+}
+
+void CKilndeskDlg::OnAbout() {
+  CAboutDlg(DesktopSeam(), this).DoModal();
+}
+
+void CKilndeskDlg::OnGameDirectoryHelp() {
+  CGameDirectoryHelpDialog(DesktopSeam(), this).DoModal();
+}
+
+void CKilndeskDlg::OnConfigure() {
+  CGameConfigDialog(m_settings, DesktopSeam(), this).DoModal();
+  ShowGameDirectory();  // also after Cancel: a browse button stores at once
+}
+
+void CKilndeskDlg::OnHelp() {
+  OpenPage(HelpPage);
+}
+
+void CKilndeskDlg::OnCheckForUpdates() {
+  OpenPage(UpdatePage);
+}
+
+void CKilndeskDlg::OpenPage(const char* address) {
+  if (!DesktopSeam().Open(address)) DesktopSeam().Box(this, platform::BoxIcon::None, "Error starting Explorer");
+}
+
+void CKilndeskDlg::ShowGameDirectory() {
+  const QString directory = ToQt(setting::GameDirectory.Read(m_settings));
+  m_ui->gameDirectoryLabel->setText(directory);
+  m_ui->gameDirectoryLabel->setCursorPosition(0);
+  m_ui->gameDirectoryLabel->setToolTip(directory);
+}
+
+void CKilndeskDlg::RestoreGeometry() {
+  restoreGeometry(QByteArray::fromBase64(QByteArray::fromStdString(setting::WindowGeometry.Read(m_settings))));
+  m_startGeometry = saveGeometry();
+}
+
+void CKilndeskDlg::SaveGeometry() {
+  const QByteArray geometry = saveGeometry();
+  if (geometry != m_startGeometry) setting::WindowGeometry.Write(m_settings, geometry.toBase64().toStdString());
+}
+
+void CKilndeskDlg::keyPressEvent(QKeyEvent* event) {
+  if (event->key() == Qt::Key_Escape) return event->accept();  // a key pressed by mistake does not end the program
+  CDialog::keyPressEvent(event);
+}
+
+void CKilndeskDlg::contextMenuEvent(QContextMenuEvent* event) {
+  QMenu menu(this);
+  connect(menu.addAction("&About Tarnwick..."), &QAction::triggered, this, &CKilndeskDlg::OnAbout);
+  menu.exec(event->globalPos());
+}
+
+}  // namespace tarnwick::app

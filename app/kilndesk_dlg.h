@@ -1,0 +1,67 @@
+#pragma once
+
+#include <array>
+#include <memory>
+
+#include "core/app_settings.h"
+#include "pages/decompiler_dialog.h"
+#include "pages/mat_dialog.h"
+#include "pages/mdl_sel_dialog.h"
+#include "pages/vtf_dialog.h"
+#include "platform/dialog.h"
+#include "project/model_options.h"
+
+namespace Ui {
+class KilndeskDlg;
+}
+
+namespace tarnwick::app {
+
+/// The main dialog: the game directory, the four pages behind their tabs, and what belongs to the program as a whole.
+/// The pages exist for the dialog's whole life; changing tabs only hides and shows them.
+class CKilndeskDlg : public platform::CDialog {
+  Q_OBJECT
+
+ public:
+  CKilndeskDlg(core::AppSettings& settings, platform::Desktop& desktop);
+  ~CKilndeskDlg() override;
+
+  /// Hands the files to the page of the selected tab, unless a job keeps that busy.
+  void OnDropFiles(const platform::DroppedFiles& drop) override;
+
+ protected:
+  void OnInitDialog() override;
+  /// "Exit" and the close box: saves the pages' values and ends the dialog. Asks first while a job is running.
+  void OnCancel() override;
+  /// Opens the maker's page that tells whether there is a newer version.
+  virtual void OnCheckForUpdates();
+
+  void keyPressEvent(QKeyEvent* event) override;
+  void contextMenuEvent(QContextMenuEvent* event) override;
+
+ private:
+  static constexpr int PageCount = 4;
+
+  void AddPage(pages::CPage& page, const char* tabText);
+  void OnAbout();
+  void OnConfigure();
+  void OnGameDirectoryHelp();
+  void OnHelp();
+  void OpenPage(const char* address);
+  void ShowGameDirectory();
+  bool MayClose();
+  void RestoreGeometry();
+  void SaveGeometry();
+
+  core::AppSettings& m_settings;
+  std::unique_ptr<Ui::KilndeskDlg> m_ui;
+  project::ModelOptions m_modelOptions;
+  pages::CMDLSelDialog m_modelPage;
+  pages::CMatDialog m_materialPage;
+  pages::CDecompilerDialog m_decompilerPage;
+  pages::CVTFDialog m_texturePage;
+  std::array<pages::CPage*, PageCount> m_pages;  // by tab
+  QByteArray m_startGeometry;
+};
+
+}  // namespace tarnwick::app

@@ -1,0 +1,40 @@
+#include "app/start_switches.h"
+
+#include <string_view>
+
+#include "core/paths.h"
+
+namespace tarnwick::app {
+
+namespace {
+
+constexpr std::string_view SwitchMarks = "-/";
+
+bool IsRegistration(std::string_view line) {
+  for (size_t mark = line.find_first_of(SwitchMarks); mark != std::string_view::npos;
+       mark = line.find_first_of(SwitchMarks, mark + 1)) {
+    const std::string_view token = line.substr(mark + 1);  // to the end of the line: nothing may follow the word
+    if (core::EqualIgnoringCase(token, "UnregServer") || core::EqualIgnoringCase(token, "RegServer")) return true;
+  }
+  return false;
+}
+
+bool IsEmbedded(std::string_view argument) {
+  if (argument.empty() || SwitchMarks.find(argument.front()) == std::string_view::npos) return false;
+  argument.remove_prefix(1);
+  return core::EqualIgnoringCase(argument, "Embedding") || core::EqualIgnoringCase(argument, "Automation");
+}
+
+}  // namespace
+
+StartMode ReadStartSwitches(const std::vector<std::string>& arguments) {
+  std::string line;
+  for (const std::string& argument : arguments) line += (line.empty() ? "" : " ") + argument;
+  if (IsRegistration(line)) return StartMode::Registration;
+  for (const std::string& argument : arguments) {
+    if (IsEmbedded(argument)) return StartMode::Embedded;
+  }
+  return StartMode::Window;
+}
+
+}  // namespace tarnwick::app

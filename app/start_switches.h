@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace tarnwick::app {
+
+/// What the command line asks for.
+enum class StartMode {
+  Window,        // the main dialog
+  Registration,  // nothing to register on this platform: the run ends at once
+  Embedded,      // the event loop runs without a window
+};
+
+/// Understands the command line, which is given without the program's own name. Case plays no part:
+/// - "RegServer" or "UnregServer" behind a "-" or "/", when nothing follows it on the line, is a registration run;
+/// - an argument Embedding or Automation behind a "-" or "/" is an embedded run;
+/// - anything else is passed over.
+StartMode ReadStartSwitches(const std::vector<std::string>& arguments);
+
+}  // namespace tarnwick::app

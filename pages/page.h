@@ -1,0 +1,39 @@
+#pragma once
+
+#include "core/app_settings.h"
+#include "platform/dialog.h"
+
+namespace tarnwick::project {
+struct ModelOptions;
+}
+
+namespace tarnwick::pages {
+
+/// What every page works with; all of it outlives the pages.
+struct PageContext {
+  core::AppSettings& Settings;
+  platform::Desktop& Desktop;
+  project::ModelOptions& Options;  // the program's one record, filled from the settings before a page is created
+};
+
+/// A page of the main dialog. Its OnDropFiles is called with the files that are dropped on the main dialog while its
+/// tab is showing; what runs on a platform::JobRunner of the page is found and asked about when the window closes.
+class CPage : public platform::CDialog {
+  Q_OBJECT
+
+ public:
+  CPage(const PageContext& context, QWidget* parent);
+
+  /// Writes what is kept for the next run; called when the main dialog closes. Does nothing here.
+  virtual void SaveSettings();
+
+ protected:
+  core::AppSettings& Settings() const { return m_context.Settings; }
+  project::ModelOptions& Options() const { return m_context.Options; }
+  const PageContext& Context() const { return m_context; }
+
+ private:
+  PageContext m_context;
+};
+
+}  // namespace tarnwick::pages
