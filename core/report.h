@@ -7,6 +7,9 @@ namespace tarnwick::core {
 /// The icon of a message box: a failure, a warning, plain information, or none.
 enum class BoxIcon { Stop, Exclamation, Information, None };
 
+/// The caption of a box that has none of its own.
+inline constexpr std::string_view DefaultCaption = "Tarnwick";
+
 /// Where a logic room tells the user something. A window shows boxes and appends to its log, the command line prints
 /// lines, a test records; all of them get the same words.
 ///

@@ -6,7 +6,7 @@ namespace tarnwick::project {
 
 namespace {
 
-constexpr std::string_view LineBreaks = "\r\n";
+constexpr char LineBreak = '\n';
 
 Refusal Error(std::string text, std::string_view field) {
   return {core::BoxIcon::Stop, std::move(text), "Error", std::string(field)};
@@ -31,7 +31,7 @@ Verdict CheckText(std::string_view label, std::string_view text) {
   if (text.find('"') != std::string_view::npos) {
     return Error(FieldNamed(label) + "holds a double quote, which a project file cannot hold", label);
   }
-  if (text.find_first_of(LineBreaks) != std::string_view::npos) {
+  if (text.find(LineBreak) != std::string_view::npos) {
     return Error(FieldNamed(label) + "holds a line break, which a project file cannot hold", label);
   }
   return std::nullopt;
@@ -43,7 +43,7 @@ Verdict CheckCommand(std::string_view text, char standIn) {
                      ", which a project file keeps for the double quote: it would come back as one",
                  "Command");
   }
-  if (text.find_first_of(LineBreaks) != std::string_view::npos) {
+  if (text.find(LineBreak) != std::string_view::npos) {
     return Error("The command holds a line break, which a project file cannot hold", "Command");
   }
   return std::nullopt;

@@ -71,7 +71,7 @@ std::optional<Line> ReadLine(Text line) {
 }
 
 bool FitsFile(Text text) {
-  return text.find_first_of("\"\r\n") == Text::npos;
+  return text.find_first_of("\"\n") == Text::npos;
 }
 
 }  // namespace

@@ -82,7 +82,7 @@ TEST(ProfileStore, LosesNothingWhenAFileFails) {
   EXPECT_FALSE(store.LoadFile(folder.Path(), &reason));
   EXPECT_EQ(store.GetString("a", "b", ""), "kept");
   WriteText(folder.Path("a.sc"), "good");
-  for (const char* bad : {"quo\"te", "line\nbreak", "return\r"}) {
+  for (const char* bad : {"quo\"te", "line\nbreak"}) {
     store.SetString("a", "bad", bad);
     EXPECT_FALSE(store.SaveFile(folder.Path("a.sc"), &reason));
     EXPECT_THAT(reason, HasSubstr("a/bad"));
