@@ -7,6 +7,7 @@
 #include "decompiler/companion_files.h"
 #include "decompiler/job_context.h"
 #include "decompiler/mesh_export.h"
+#include "decompiler/script_statements.h"
 
 namespace tarnwick::decompiler {
 
@@ -61,6 +62,8 @@ void WriteScript(JobContext& job, core::TextWriter& script) {
   script.Format("$cd \"%s\"\n", job.Job().OutputDirectory);
   script.Format("$modelname \"%s\"\n", core::FixedText(header->Name));
   if (header->BodyPartCount != 0) WriteModelMeshes(job);
+  // A model without sequences has materials and hit boxes all the same; the plain form leaves them out.
+  if (header->SequenceCount != 0 || job.ReadyToCompile()) WriteQcStatements(job);
 }
 
 }  // namespace

@@ -54,6 +54,8 @@ class JobContext {
   /// A line "Error: ...\r\n" in the log, and an entry in the result: something is missing that the user should know of,
   /// but no box stops the work.
   void LogError(std::string text);
+  /// An entry among the result's errors for something that the log has told in words of its own.
+  void RecordError(std::string text) { m_result.Errors.push_back(std::move(text)); }
   /// A box with the stop icon, and an entry in the result.
   void Error(std::string_view text, std::string_view caption);
   /// Tells that something in the file at `path` cannot be: which record, at which byte, and what is wrong with it.

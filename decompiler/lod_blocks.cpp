@@ -1,24 +1,14 @@
 #include "decompiler/lod_blocks.h"
 
-#include <limits>
+#include "decompiler/script_text.h"
 
 namespace tarnwick::decompiler {
-
-namespace {
-
-/// Truncates towards zero. What no int32 holds becomes the lowest one, as the processor's own conversion gives it.
-int32_t Truncate(float value) {
-  constexpr float Limit = 2147483648.0f;
-  return value > -Limit && value < Limit ? static_cast<int32_t>(value) : std::numeric_limits<int32_t>::min();
-}
-
-}  // namespace
 
 void WriteLodOpening(core::TextWriter& script, float switchDistance) {
   if (switchDistance == -1.0f) {
     script.Text("$shadowlod\n{\n");
   } else {
-    script.Format("$lod %d\n {\n", Truncate(switchDistance));
+    script.Format("$lod %d\n {\n", TruncateToInt(switchDistance));
   }
 }
 

@@ -1,0 +1,178 @@
+#include "decompiler/vta_file.h"
+
+#include <memory>
+#include <utility>
+
+#include "decompiler/bone_math.h"
+
+namespace tarnwick::decompiler {
+
+namespace {
+
+/// Bytes of a vertex line, at the least.
+constexpr int64_t LineCost = 60;
+
+/// The changed vertices that one flex has on one mesh, checked.
+struct FramePiece {
+  MeshVertexData Vertices;
+  int64_t FirstVertex = 0;  // the mesh's, in the model
+  core::RecordArray<StudioVertAnim> Changes;
+};
+
+struct Frame {
+  int32_t Number = 0;
+  std::string_view Name;
+  std::vector<FramePiece> Pieces;
+};
+
+/// What the file holds, gathered and checked before it is formatted.
+struct VtaContent {
+  std::string BoneLines;  // of one skeleton frame
+  std::string NodeLines;
+  uint64_t BoneNonFinite = 0;  // infinities and not-a-numbers in BoneLines
+  int32_t FrameCount = 0;
+  core::RecordArray<VvdVertex> Vertices;  // of the model; none if they could not be had
+  bool HasVertices = false;
+  std::vector<Frame> Frames;
+};
+
+void FormatBones(const Skeleton& skeleton, VtaContent& content) {
+  core::TextWriter nodes(content.NodeLines);
+  core::TextWriter bones(content.BoneLines);
+  for (int64_t i = 0; i < skeleton.Count(); ++i) {
+    const StudioBone& bone = *skeleton.Bones[i];
+    nodes.Format("  %d \"%s\" %d\n", i, skeleton.Names[static_cast<size_t>(i)], int32_t{bone.Parent});
+    bones.Format("  %d %2.6f %2.6f %2.6f %2.6f %2.6f %2.6f\n", i, float{bone.Position.x}, float{bone.Position.y},
+                 float{bone.Position.z}, float{bone.Angles.x}, float{bone.Angles.y}, float{bone.Angles.z});
+  }
+  content.BoneNonFinite = bones.NonFiniteCount();
+}
+
+/// Adds one flex's changes to `frame`. False if the mesh's vertices cannot be reached: the frame ends there.
+bool GatherPiece(JobContext& job, const core::Record<StudioMesh>& mesh, const core::Record<StudioFlex>& flex,
+                 Frame& frame) {
+  const auto changes =
+      job.Table<StudioVertAnim>("vertex animation table", flex.Offset() + flex->VertAnimOffset, flex->VertAnimCount);
+  if (!changes || !job.Spend(changes->Count() * LineCost)) return false;
+  const auto vertices = GetMeshVertexData(job, mesh);
+  if (!vertices) {
+    job.Warn("Frame " + std::to_string(frame.Number) + " (" + std::string(frame.Name) +
+             ") is not complete: the vertices of a mesh cannot be reached");
+    return false;
+  }
+  for (const auto change : *changes) {
+    if (GetMeshVertex(*vertices, change->Vertex) != nullptr) continue;
+    job.Damaged(job.Model.Mdl.Path(), "vertex animation", change.Offset(),
+                "names vertex " + std::to_string(change->Vertex) + ", which the vertex file does not hold");
+    return false;
+  }
+  frame.Pieces.push_back({*vertices, mesh->FirstVertex, *changes});
+  return true;
+}
+
+void GatherFrames(JobContext& job, const ModelFlexes& flexes, const FlexTables& tables, VtaContent& content) {
+  for (size_t d = 0; d < tables.Frame.size(); ++d) {
+    if (tables.Frame[d] == 0) continue;
+    Frame frame{tables.Frame[d], tables.Names[d], {}};
+    for (const MeshFlex& entry : flexes.ByDescriptor[d]) {
+      if (!GatherPiece(job, flexes.Meshes[entry.Mesh], entry.Flex, frame)) break;
+    }
+    content.Frames.push_back(std::move(frame));
+  }
+}
+
+/// Puts the model's vertices into `content`; they stay away if the vertex file does not hold them.
+void GatherVertices(JobContext& job, const core::Record<StudioModel>& model, VtaContent& content) {
+  const auto data = GetModelVertexData(job, model);
+  if (!data || !job.Spend(int64_t{model->VertexCount} * LineCost)) return;
+  const int64_t count = model->VertexCount;
+  if (count < 0 || (count > 0 && GetMeshVertex(*data, count - 1) == nullptr)) {
+    job.Damaged(job.Model.Mdl.Path(), "model", model.Offset(),
+                "has " + std::to_string(count) + " vertices, which the vertex file does not hold");
+    return;
+  }
+  content.HasVertices = true;
+  if (count > 0) content.Vertices = {&*data->Vertices[data->First], 0, count};
+}
+
+Vec3 Decode(const uint16_t (&halfFloats)[3]) {
+  return {DecodeHalfFloat(halfFloats[0]), DecodeHalfFloat(halfFloats[1]), DecodeHalfFloat(halfFloats[2])};
+}
+
+Vec3 Add(const Vec3& a, const Vec3& b) {
+  return {a.x + b.x, a.y + b.y, a.z + b.z};
+}
+
+void WriteVertex(core::TextWriter& writer, int64_t number, const Vec3& position, const Vec3& normal) {
+  writer.Raw("    ");
+  writer.Integer(number);
+  for (const float value : {position.x, position.y, position.z, normal.x, normal.y, normal.z}) {
+    writer.Char(' ');
+    writer.Float6(value);
+  }
+  writer.Raw(core::PlatformLineEnd);
+}
+
+void WritePiece(core::TextWriter& writer, const FramePiece& piece) {
+  for (const auto change : piece.Changes) {
+    const VvdVertex& vertex = *GetMeshVertex(piece.Vertices, change->Vertex);
+    WriteVertex(writer, change->Vertex + piece.FirstVertex, Add(vertex.Position, Decode(change->PositionDelta)),
+                Add(vertex.Normal, Decode(change->NormalDelta)));
+  }
+}
+
+void WriteContent(core::TextWriter& writer, const VtaContent& content) {
+  writer.Text("version 1\nnodes\n");
+  writer.Raw(content.NodeLines);
+  writer.Text("end\nskeleton\n");
+  for (int32_t t = 0; t <= content.FrameCount; ++t) {
+    writer.Format("time %d\n", t);
+    writer.Raw(content.BoneLines);
+    writer.CountNonFinite(content.BoneNonFinite);
+  }
+  writer.Text("end\nvertexanimation\n");
+  if (!content.HasVertices) return;
+  writer.Text("time 0\n");
+  for (int64_t v = 0; v < content.Vertices.Count(); ++v) {
+    WriteVertex(writer, v, content.Vertices[v]->Position, content.Vertices[v]->Normal);
+  }
+  for (const Frame& frame : content.Frames) {
+    writer.Format("time %d // %s\n", frame.Number, frame.Name);
+    for (const FramePiece& piece : frame.Pieces) WritePiece(writer, piece);
+  }
+  writer.Text("end\n");
+}
+
+}  // namespace
+
+bool WriteVtaFile(JobContext& job, const core::Record<StudioModel>& model, const ModelFlexes& flexes,
+                  const FlexTables& tables, int32_t frameCount) {
+  auto file = job.Create(tables.VtaName);
+  if (!file) {
+    job.Log("Unable to open " + tables.VtaName + "\r\n");
+    job.RecordError("File Error: Unable to open " + tables.VtaName);
+    return false;
+  }
+  job.Log("Creating " + tables.VtaName + "\r\n");
+  const Skeleton* skeleton = GetSkeleton(job);
+  if (skeleton == nullptr) return false;
+  auto content = std::make_shared<VtaContent>();
+  content->FrameCount = frameCount;
+  FormatBones(*skeleton, *content);
+  const auto frameSize = static_cast<int64_t>(content->BoneLines.size());
+  if (!job.Spend(FileCost + (int64_t{frameCount} + 1) * (frameSize + LineCost))) return false;
+  GatherVertices(job, model, *content);
+  if (content->HasVertices) GatherFrames(job, flexes, tables, *content);
+  const bool complete = content->HasVertices;
+  if (!complete) {
+    job.LogError(tables.VtaName + " is not complete: the model's vertices cannot be reached");
+    if (job.ReadyToCompile()) return false;
+  }
+  job.WriteFile(std::move(*file), [content = std::move(content)](core::TextWriter& writer) {
+    WriteContent(writer, *content);
+    return true;
+  });
+  return complete;
+}
+
+}  // namespace tarnwick::decompiler
