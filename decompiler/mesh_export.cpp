@@ -38,8 +38,8 @@ class MeshExport {
     const auto parts =
         m_job.Table<StudioBodyPart>("body part table", m_header->BodyPartOffset, m_header->BodyPartCount);
     if (!parts) return;
-    m_head = FormatReferenceHead(m_job);
-    if (m_head == nullptr) return;
+    m_skeleton = FormatReferenceSkeleton(m_job);
+    if (m_skeleton == nullptr) return;
     if (m_job.ReadyToCompile()) FindFaces(*parts);
     for (int64_t b = 0; b < parts->Count() && ExportBodyPart((*parts)[b], b); ++b) {
     }
@@ -171,7 +171,9 @@ class MeshExport {
 
   bool WriteMeshFile(const std::string& name, const core::Record<StudioModel>& model,
                      const core::Record<VtxModelLod>& lod) {
-    if (m_job.Stopped() || !m_job.Spend(FileCost + static_cast<int64_t>(m_head->Text.size()))) return false;
+    if (m_job.Stopped() ||
+        !m_job.Spend(FileCost + static_cast<int64_t>(m_skeleton->NodeLines.size() + m_skeleton->BoneLines.size())))
+      return false;
     const std::string path = m_job.OutputPath(name);
     std::string reason;
     auto file = m_job.Create(name, &reason);
@@ -186,9 +188,8 @@ class MeshExport {
     // A source that a compiler is to take is whole or not there; the plain form keeps what could be had.
     if (!pieces->Complete && m_job.ReadyToCompile()) return false;
     m_job.WriteFile(std::move(*file),
-                    [head = m_head, pieces, unweighted = m_job.Unweighted()](core::TextWriter& writer) {
-                      writer.Raw(head->Text);
-                      writer.CountNonFinite(head->NonFinite);
+                    [skeleton = m_skeleton, pieces, unweighted = m_job.Unweighted()](core::TextWriter& writer) {
+                      WriteReferenceHead(writer, *skeleton);
                       WriteTriangles(writer, *pieces, unweighted);
                       if (pieces->Complete) writer.Text("end\n");
                       return true;
@@ -198,7 +199,7 @@ class MeshExport {
 
   JobContext& m_job;
   core::Record<StudioHeader> m_header;
-  std::shared_ptr<const FormattedText> m_head;
+  std::shared_ptr<const ReferenceSkeleton> m_skeleton;
   LodBlocks m_lodBlocks;
   bool m_anyFace = false;
 };

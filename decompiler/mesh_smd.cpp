@@ -11,9 +11,6 @@ namespace tarnwick::decompiler {
 
 namespace {
 
-/// Bytes of a line of the nodes and of the skeleton, at the least.
-constexpr int64_t BoneCost = 80;
-
 bool IsFinite(float value) {
   return value - value == 0;
 }
@@ -76,29 +73,13 @@ class LineCache {
 
 }  // namespace
 
-std::shared_ptr<const FormattedText> FormatReferenceHead(JobContext& job) {
-  const Skeleton* skeleton = GetSkeleton(job);
-  if (skeleton == nullptr) return nullptr;
-  int64_t size = 0;
-  for (const std::string_view name : skeleton->Names) size += static_cast<int64_t>(name.size()) + BoneCost;
-  if (!job.Spend(size)) return nullptr;
-
-  auto head = std::make_shared<FormattedText>();
-  core::TextWriter writer(head->Text);
+void WriteReferenceHead(core::TextWriter& writer, const ReferenceSkeleton& skeleton) {
   writer.Text("version 1\nnodes\n");
-  for (int64_t i = 0; i < skeleton->Count(); ++i) {
-    writer.Format("  %d \"%s\" %d\n", i, skeleton->Names[static_cast<size_t>(i)], skeleton->Bones[i]->Parent);
-  }
+  writer.Raw(skeleton.NodeLines);
   writer.Text("end\nskeleton\ntime 0\n");
-  for (int64_t i = 0; i < skeleton->Count(); ++i) {
-    const StudioBone& bone = *skeleton->Bones[i];
-    writer.Format("  %d %2.6f %2.6f %2.6f %2.6f %2.6f %2.6f\n", i, float{bone.Position.x}, float{bone.Position.y},
-                  float{bone.Position.z}, float{bone.Angles.x}, float{bone.Angles.y}, float{bone.Angles.z});
-  }
+  writer.Raw(skeleton.BoneLines);
+  writer.CountNonFinite(skeleton.BoneNonFinite);
   writer.Text("end\ntriangles\n");
-  writer.Flush();
-  head->NonFinite = writer.NonFiniteCount();
-  return head;
 }
 
 int MainBone(const VvdVertex& vertex) {

@@ -1,25 +1,16 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
-#include <optional>
-#include <string>
 
 #include "core/text_writer.h"
-#include "decompiler/job_context.h"
 #include "decompiler/mesh_pieces.h"
+#include "decompiler/reference_skeleton.h"
 
 namespace tarnwick::decompiler {
 
-/// Text that many files of a job begin with, formatted once.
-struct FormattedText {
-  std::string Text;        // with the platform's line ends
-  uint64_t NonFinite = 0;  // infinities and not-a-numbers in it
-};
-
-/// The head of every reference and LOD file of a model: nodes, the skeleton at rest, and the line that begins the
-/// triangles. Nothing if the model's bones are damaged or their names too much (told).
-std::shared_ptr<const FormattedText> FormatReferenceHead(JobContext& job);
+/// Writes what every reference and LOD file begins with: nodes, the skeleton at rest, and the line that begins the
+/// triangles.
+void WriteReferenceHead(core::TextWriter& writer, const ReferenceSkeleton& skeleton);
 
 /// Writes the triangles: a material line and three vertex lines each, with weights unless `unweighted`.
 void WriteTriangles(core::TextWriter& writer, const MeshPieces& pieces, bool unweighted);

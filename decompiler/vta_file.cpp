@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "decompiler/bone_math.h"
+#include "decompiler/reference_skeleton.h"
 
 namespace tarnwick::decompiler {
 
@@ -27,26 +28,12 @@ struct Frame {
 
 /// What the file holds, gathered and checked before it is formatted.
 struct VtaContent {
-  std::string BoneLines;  // of one skeleton frame
-  std::string NodeLines;
-  uint64_t BoneNonFinite = 0;  // infinities and not-a-numbers in BoneLines
+  std::shared_ptr<const ReferenceSkeleton> Skeleton;
   int32_t FrameCount = 0;
   core::RecordArray<VvdVertex> Vertices;  // of the model; none if they could not be had
   bool HasVertices = false;
   std::vector<Frame> Frames;
 };
-
-void FormatBones(const Skeleton& skeleton, VtaContent& content) {
-  core::TextWriter nodes(content.NodeLines);
-  core::TextWriter bones(content.BoneLines);
-  for (int64_t i = 0; i < skeleton.Count(); ++i) {
-    const StudioBone& bone = *skeleton.Bones[i];
-    nodes.Format("  %d \"%s\" %d\n", i, skeleton.Names[static_cast<size_t>(i)], int32_t{bone.Parent});
-    bones.Format("  %d %2.6f %2.6f %2.6f %2.6f %2.6f %2.6f\n", i, float{bone.Position.x}, float{bone.Position.y},
-                 float{bone.Position.z}, float{bone.Angles.x}, float{bone.Angles.y}, float{bone.Angles.z});
-  }
-  content.BoneNonFinite = bones.NonFiniteCount();
-}
 
 /// Adds one flex's changes to `frame`. False if the mesh's vertices cannot be reached: the frame ends there.
 bool GatherPiece(JobContext& job, const core::Record<StudioMesh>& mesh, const core::Record<StudioFlex>& flex,
@@ -123,12 +110,12 @@ void WritePiece(core::TextWriter& writer, const FramePiece& piece) {
 
 void WriteContent(core::TextWriter& writer, const VtaContent& content) {
   writer.Text("version 1\nnodes\n");
-  writer.Raw(content.NodeLines);
+  writer.Raw(content.Skeleton->NodeLines);
   writer.Text("end\nskeleton\n");
   for (int32_t t = 0; t <= content.FrameCount; ++t) {
     writer.Format("time %d\n", t);
-    writer.Raw(content.BoneLines);
-    writer.CountNonFinite(content.BoneNonFinite);
+    writer.Raw(content.Skeleton->BoneLines);
+    writer.CountNonFinite(content.Skeleton->BoneNonFinite);
   }
   writer.Text("end\nvertexanimation\n");
   if (!content.HasVertices) return;
@@ -154,12 +141,11 @@ bool WriteVtaFile(JobContext& job, const core::Record<StudioModel>& model, const
     return false;
   }
   job.Log("Creating " + tables.VtaName + "\r\n");
-  const Skeleton* skeleton = GetSkeleton(job);
-  if (skeleton == nullptr) return false;
   auto content = std::make_shared<VtaContent>();
+  content->Skeleton = FormatReferenceSkeleton(job);
+  if (content->Skeleton == nullptr) return false;
   content->FrameCount = frameCount;
-  FormatBones(*skeleton, *content);
-  const auto frameSize = static_cast<int64_t>(content->BoneLines.size());
+  const auto frameSize = static_cast<int64_t>(content->Skeleton->BoneLines.size());
   if (!job.Spend(FileCost + (int64_t{frameCount} + 1) * (frameSize + LineCost))) return false;
   GatherVertices(job, model, *content);
   if (content->HasVertices) GatherFrames(job, flexes, tables, *content);
