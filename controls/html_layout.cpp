@@ -14,6 +14,7 @@ constexpr int Unlimited = 1 << 24;
 /// A line is full 2 pixels before the right edge.
 constexpr int RightMargin = 3;
 constexpr int LargestFontHeight = 500;
+constexpr int FirstRuleSize = 2;
 
 void Count(uint32_t& counter, bool up) {
   if (up) {
@@ -64,8 +65,9 @@ class Layouter {
   ColorValue m_backgroundColor;
   bool m_sizeChanged = false;
   int m_lastDescent = 0;
-  int m_anchors = 0;      // seen so far
-  int m_lastLinked = -1;  // the anchor of the last rectangle; -1: none yet
+  int m_ruleSize = FirstRuleSize;  // holds for the rules that follow, too
+  int m_anchors = 0;               // seen so far
+  int m_lastLinked = -1;           // the anchor of the last rectangle; -1: none yet
 };
 
 void Layouter::Take(const HtmlToken& token) {
@@ -75,7 +77,7 @@ void Layouter::Take(const HtmlToken& token) {
     case HtmlPart::LineBreak:
       return Run("\r\n", true);
     case HtmlPart::Rule:
-      m_state.RuleSize = token.RuleSize.value_or(m_state.RuleSize);
+      m_ruleSize = token.RuleSize.value_or(m_ruleSize);
       ++m_state.RulesPending;
       return Run("\r\n", true);
     case HtmlPart::Bold:
@@ -167,11 +169,11 @@ void Layouter::Run(std::string_view text, bool isBreak) {
 }
 
 void Layouter::DrawRule() {
-  const int thickness = std::max(1, m_state.RuleSize);
+  const int thickness = std::max(1, m_ruleSize);
   const Rect box = {m_area.Left, m_area.Top, m_area.Right, std::min(m_area.Top + thickness, m_area.Bottom)};
   if (box.Height() > 0) m_layout.Rules.push_back({box, m_textColor});
-  m_currentY = std::min(m_currentY + m_state.RuleSize, m_area.Bottom);
-  m_area.Top = std::min(m_area.Top + m_state.RuleSize, m_area.Bottom);
+  m_currentY = std::min(m_currentY + m_ruleSize, m_area.Bottom);
+  m_area.Top = std::min(m_area.Top + m_ruleSize, m_area.Bottom);
   m_x = 0;
   --m_state.RulesPending;
 }
@@ -195,26 +197,39 @@ Extent HtmlLayout::Size() const {
 
 HtmlLayout LayoutHtml(const std::vector<HtmlToken>& tokens, const HtmlStart& start, const Rect& area,
                       const TextMeasure& measure, HtmlState& state) {
-  Layouter layouter(start, area, measure, state);
-  for (const HtmlToken& token : tokens) layouter.Take(token);
-  return std::move(layouter).Result();
+  const HtmlState before = state;
+  const auto layOut = [&](const Rect& place) {
+    state = before;
+    Layouter layouter(start, place, measure, state);
+    for (const HtmlToken& token : tokens) layouter.Take(token);
+    return std::move(layouter).Result();
+  };
+  HtmlLayout layout = layOut(area);
+  int top = area.Top;
+  for (const HtmlFragment& fragment : layout.Fragments) top = std::min(top, fragment.Box.Top);
+  if (top == area.Top) return layout;
+  HtmlLayout lower = layOut({area.Left, 2 * area.Top - top, area.Right, area.Bottom});
+  const bool allFits = lower.Fragments.size() == layout.Fragments.size() && lower.Rules.size() == layout.Rules.size();
+  return allFits ? lower : layout;
 }
 
-Extent NaturalSize(const std::vector<HtmlToken>& tokens, const HtmlStart& start, const TextMeasure& measure) {
-  HtmlState state;
-  const Extent text = LayoutHtml(tokens, start, {0, 0, Unlimited, Unlimited}, measure, state).Size();
+Extent NaturalSize(const std::vector<HtmlToken>& tokens, const HtmlStart& start, const TextMeasure& measure,
+                   const HtmlState& state) {
+  HtmlState after = state;
+  const Extent text = LayoutHtml(tokens, start, {0, 0, Unlimited, Unlimited}, measure, after).Size();
   return {text.Width + RightMargin, text.Height};
 }
 
-int WidestWord(const std::vector<HtmlToken>& tokens, const HtmlStart& start, const TextMeasure& measure) {
-  HtmlState state;
-  return LayoutHtml(tokens, start, {0, 0, 0, Unlimited}, measure, state).Size().Width;
+int WidestWord(const std::vector<HtmlToken>& tokens, const HtmlStart& start, const TextMeasure& measure,
+               const HtmlState& state) {
+  HtmlState after = state;
+  return LayoutHtml(tokens, start, {0, 0, 0, Unlimited}, measure, after).Size().Width;
 }
 
-int HeightForWidth(const std::vector<HtmlToken>& tokens, const HtmlStart& start, int width,
-                   const TextMeasure& measure) {
-  HtmlState state;
-  return LayoutHtml(tokens, start, {0, 0, width, Unlimited}, measure, state).Size().Height;
+int HeightForWidth(const std::vector<HtmlToken>& tokens, const HtmlStart& start, int width, const TextMeasure& measure,
+                   const HtmlState& state) {
+  HtmlState after = state;
+  return LayoutHtml(tokens, start, {0, 0, width, Unlimited}, measure, after).Size().Height;
 }
 
 }  // namespace tarnwick::controls

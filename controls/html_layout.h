@@ -21,7 +21,6 @@ struct HtmlState {
   uint32_t Subscript = 0;
   uint32_t Superscript = 0;
   uint32_t RulesPending = 0;  // rules to be drawn behind the next line break
-  int RuleSize = 2;           // thickness of a rule in pixels
   bool InAnchor = false;
   std::string Address;  // of the anchor
 
@@ -67,17 +66,21 @@ struct HtmlLayout {
 };
 
 /// Lays `tokens` out in `area`, with `state` as the last time left it. Fonts of different size on a line share their
-/// top, not their foot; nothing is placed below `area`.
+/// top, not their foot; nothing is placed below `area`. Where there is room the text starts lower, so that a
+/// superscript of the first line is not cut off.
 HtmlLayout LayoutHtml(const std::vector<HtmlToken>& tokens, const HtmlStart& start, const Rect& area,
                       const TextMeasure& measure, HtmlState& state);
 
 /// The smallest extent in which `tokens` break no line that they do not break themselves.
-Extent NaturalSize(const std::vector<HtmlToken>& tokens, const HtmlStart& start, const TextMeasure& measure);
+Extent NaturalSize(const std::vector<HtmlToken>& tokens, const HtmlStart& start, const TextMeasure& measure,
+                   const HtmlState& state = {});
 
 /// The width below which a word of `tokens` is cut off.
-int WidestWord(const std::vector<HtmlToken>& tokens, const HtmlStart& start, const TextMeasure& measure);
+int WidestWord(const std::vector<HtmlToken>& tokens, const HtmlStart& start, const TextMeasure& measure,
+               const HtmlState& state = {});
 
 /// The height that `tokens` need in an area `width` pixels wide.
-int HeightForWidth(const std::vector<HtmlToken>& tokens, const HtmlStart& start, int width, const TextMeasure& measure);
+int HeightForWidth(const std::vector<HtmlToken>& tokens, const HtmlStart& start, int width, const TextMeasure& measure,
+                   const HtmlState& state = {});
 
 }  // namespace tarnwick::controls

@@ -30,20 +30,20 @@ QSize SizeAround(const QWidget& widget) {
 
 QSize CXHTMLStatic::sizeHint() const {
   const QSize around = SizeAround(*this);
-  const Extent natural = NaturalSize(m_tokens, Start(), m_measure);
+  const Extent natural = NaturalSize(m_tokens, Start(), m_measure, m_state);
   const int comfortable = fontMetrics().averageCharWidth() * ComfortableCharacters;
   if (natural.Width <= comfortable) return QSize(natural.Width, natural.Height) + around;
-  return QSize(comfortable, HeightForWidth(m_tokens, Start(), comfortable, m_measure)) + around;
+  return QSize(comfortable, HeightForWidth(m_tokens, Start(), comfortable, m_measure, m_state)) + around;
 }
 
 QSize CXHTMLStatic::minimumSizeHint() const {
   const QSize around = SizeAround(*this);
-  return QSize(WidestWord(m_tokens, Start(), m_measure), fontMetrics().height()) + around;
+  return QSize(WidestWord(m_tokens, Start(), m_measure, m_state), fontMetrics().height()) + around;
 }
 
 int CXHTMLStatic::heightForWidth(int width) const {
   const QSize around = SizeAround(*this);
-  return HeightForWidth(m_tokens, Start(), width - around.width(), m_measure) + around.height();
+  return HeightForWidth(m_tokens, Start(), width - around.width(), m_measure, m_state) + around.height();
 }
 
 void CXHTMLStatic::resizeEvent(QResizeEvent* event) {
@@ -63,7 +63,10 @@ void CXHTMLStatic::paintEvent(QPaintEvent*) {
   painter.setClipRect(contentsRect());
   if (m_backgroundColor) painter.fillRect(contentsRect(), ToQt(*m_backgroundColor));
 
+  const bool untouched = m_state == HtmlState();
   m_layout = MakeLayout(m_state);
+  // A tag left open makes the text look different from now on.
+  if (untouched && m_state != HtmlState()) updateGeometry();
   const HtmlStart start = Start();
   const auto readable = [&](ColorValue color, ColorValue background) {
     if (!isEnabled()) return ToQt(start.TextColor);

@@ -94,6 +94,8 @@ TEST(HtmlLayout, StepsTheHeightAndChangesTheFace) {
 TEST(HtmlLayout, ShiftsSubscriptsAndSuperscripts) {
   EXPECT_THAT(Placed(Layout("<br>a<sub>b</sub><sup>c</sup><sub><sup>d</sup></sub>e")),
               ElementsAre("0,20 a", "10,29 b", "20,11 c", "30,20 d", "40,20 e"));
+  EXPECT_THAT(Placed(Layout("a<sup>2</sup>")), ElementsAre("0,9 a", "10,0 2"));
+  EXPECT_THAT(Placed(Layout("a<sup>2</sup>", {0, 0, 100, 21})), ElementsAre("0,0 a", "10,-9 2")) << "no room";
 }
 
 TEST(HtmlLayout, DrawsARuleBelowTheLine) {
@@ -102,6 +104,10 @@ TEST(HtmlLayout, DrawsARuleBelowTheLine) {
   ASSERT_EQ(layout.Rules.size(), 2u);
   EXPECT_EQ(layout.Rules[0].Box, (Rect{3, 20, 50, 26}));
   EXPECT_EQ(layout.Rules[1].Box, (Rect{3, 46, 50, 52})) << "the size holds for the rules that follow";
+  HtmlState state;
+  for (int painting = 0; painting < 2; ++painting) {
+    EXPECT_EQ(Layout("a<hr>b<hr size=6>", Wide, state).Rules[0].Box.Height(), 2) << painting;
+  }
   EXPECT_TRUE(Layout("a<hr size=99999><hr size=99999>", {0, 0, 50, 20}).Rules.empty());
 }
 
