@@ -1,5 +1,7 @@
 #include "app/about_dlg.h"
 
+#include <QPushButton>
+
 #include "app/web_addresses.h"
 #include "ui_about_dlg.h"
 
@@ -18,6 +20,8 @@ CAboutDlg::CAboutDlg(platform::Desktop& desktop, QWidget* parent) : CDialog(desk
   ui.setupUi(this);
   ui.pageLink->SetWindowText(Link(MakerPage));
   ui.mailLink->SetWindowText(Link(QString("mailto:") + MailBox));
+  // Enter closes the box at first; Tab goes to the links.
+  ui.buttonBox->button(QDialogButtonBox::Ok)->setFocus();
   connect(ui.buttonBox, &QDialogButtonBox::accepted, this, &QDialog::accept);
 }
 

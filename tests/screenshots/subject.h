@@ -27,6 +27,7 @@ struct Subject {
 };
 
 // One list for each area; a new one is also named in the program's main.
+std::vector<Subject> ControlsSubjects();
 std::vector<Subject> ShellSubjects();
 
 }  // namespace tarnwick::screenshots
