@@ -92,7 +92,7 @@ const VertexImage* LoadVvdFile(JobContext& job) {
 std::optional<MeshVertexData> GetModelVertexData(JobContext& job, const core::Record<StudioModel>& model) {
   const VertexImage* image = LoadVvdFile(job);
   if (image == nullptr || !image->HasVertices) return std::nullopt;
-  const int64_t first = static_cast<uint32_t>(model->VertexByteOffset) / sizeof(VvdVertex);
+  const auto first = static_cast<int64_t>(static_cast<uint32_t>(model->VertexByteOffset) / sizeof(VvdVertex));
   return MeshVertexData{image->Vertices, first};
 }
 
