@@ -2,6 +2,10 @@
 
 #include "cli/compile_verb.h"
 #include "cli/decompile_verb.h"
+#ifdef TARNWICK_HAS_IMAGES
+#include "cli/material_verb.h"
+#include "cli/vtf_verb.h"
+#endif
 #include "cli/view_verb.h"
 
 namespace tarnwick::cli {
@@ -9,8 +13,10 @@ namespace tarnwick::cli {
 namespace {
 
 constexpr AddVerb VerbTable[] = {
-    AddDecompileVerb,
-    AddCompileVerb,
+    AddDecompileVerb, AddCompileVerb,
+#ifdef TARNWICK_HAS_IMAGES
+    AddMaterialVerb,  AddVtfVerb,
+#endif
     AddViewVerb,
 };
 
