@@ -142,8 +142,10 @@ TEST(FlexExport, AVtaFileThatCannotBeOpenedIsLogged) {
   const ScratchFolder output;
   std::filesystem::create_directory(output.Path("ravelback_expressions.vta"));
   RecordingReport report;
-  const auto result =
-      DecompileModel({.ModelPath = model.Write(input.Path()), .OutputDirectory = output.Path()}, report);
+  DecompileJob job;
+  job.ModelPath = model.Write(input.Path());
+  job.OutputDirectory = output.Path();
+  const DecompileResult result = DecompileModel(job, report);
   EXPECT_THAT(report.LogText, HasSubstr("Unable to open ravelback_expressions.vta\r\n"));
   EXPECT_THAT(ReadText(output.Path("ravelback.qc")), HasSubstr("flex \"d4\" frame 1\n     }\n     mouth"));
   EXPECT_FALSE(result.Succeeded());

@@ -102,13 +102,13 @@ TEST(SequenceScript, RateAndLastFrameWeighTheAnimationsRoundTheRestPose) {
   model.Sequences[0].PoseEnd = {25, 0};
   EXPECT_THAT(Sequences(model), HasSubstr("fps 20.00 {\n  { event 5 30 }"));
 
-  // A parameter that wraps brings 0 round to the middle of 0 to 360 less its half.
+  // A parameter that wraps brings 0 round to 360, past the end of the axis.
   model.PoseParameters = {{"turn", 90, 450, 360}};
   model.Sequences[0].Blends = {0, 1};
   model.Sequences[0].BlendSize = {2, 1};
   model.Sequences[0].PoseStart = {90, 0};
   model.Sequences[0].PoseEnd = {450, 0};
-  EXPECT_THAT(Sequences(model), HasSubstr("$sequence idle \"a\" fps "));
+  EXPECT_THAT(Sequences(model), HasSubstr("fps 30.00 {\n  { event 5 50 }"));
 }
 
 TEST(SequenceScript, QuotesWhatTheCompilerWouldBreakApart) {
