@@ -1,6 +1,9 @@
 #include "cli/verbs.h"
 
 #include "cli/compile_verb.h"
+#ifdef TARNWICK_HAS_SETTINGS
+#include "cli/config_verb.h"
+#endif
 #include "cli/decompile_verb.h"
 #ifdef TARNWICK_HAS_IMAGES
 #include "cli/material_verb.h"
@@ -18,6 +21,9 @@ constexpr AddVerb VerbTable[] = {
     AddMaterialVerb,  AddVtfVerb,
 #endif
     AddViewVerb,
+#ifdef TARNWICK_HAS_SETTINGS
+    AddConfigVerb,
+#endif
 };
 
 }  // namespace
