@@ -35,7 +35,7 @@ struct DecompileJob {
   /// Helps with formatting and writing the job's files; nothing: the calling thread does all.
   core::WorkQueue* Helpers = nullptr;
   /// Told of each file begun and done, from the job's own thread; may be empty.
-  std::function<void(const DecompileProgress&)> Progress;
+  std::function<void(const DecompileProgress&)> Progress = {};
   /// Set by the caller to end the job at the next file; nothing more is begun then. May be nothing.
   const std::atomic<bool>* StopRequested = nullptr;
   /// Bytes that the job may write, so that a damaged model cannot fill a disk; 0 for the ordinary bound (see

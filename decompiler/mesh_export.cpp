@@ -1,5 +1,6 @@
 #include "decompiler/mesh_export.h"
 
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <utility>
@@ -102,15 +103,16 @@ class MeshExport {
       names.File = m_job.Names.Take(FileStem(names.Base), ".smd");
     }
     const int64_t lodCount = m_job.Model.Vtx->View().At<VtxHeader>(0).value()->LodCount;
+    const int64_t lodOffset = vtxModel.Offset() + vtxModel->LodOffset;
+    const auto lods = m_job.Model.Vtx->View().Array<VtxModelLod>(lodOffset, std::max<int64_t>(lodCount, 0));
+    if (!lods) {
+      m_job.DamagedTable(m_job.Model.Vtx->Path(), "LOD table", lodOffset, lodCount, m_job.Model.Vtx->View().Size());
+      return false;
+    }
     for (int64_t l = 0; l < lodCount; ++l) {
-      const auto lod = VtxLodAt(m_job.Model.Vtx->View(), vtxModel, l);
-      if (!lod) {
-        m_job.DamagedTable(m_job.Model.Vtx->Path(), "LOD table", vtxModel.Offset() + vtxModel->LodOffset, lodCount,
-                           m_job.Model.Vtx->View().Size());
-        return false;
-      }
-      const bool goOn = l == 0 ? ExportReference(partName, model, *lod, names, grouped)
-                               : ExportLod(model, *lod, names, static_cast<int>(l));
+      const auto lod = (*lods)[l];
+      const bool goOn = l == 0 ? ExportReference(partName, model, lod, names, grouped)
+                               : ExportLod(model, lod, names, static_cast<int>(l));
       if (!goOn) return false;
     }
     return true;
