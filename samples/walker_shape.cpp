@@ -108,7 +108,7 @@ std::vector<Tube> ClothTubes() {
     const uint8_t foot = right ? RightFoot : LeftFoot, arm = right ? RightArm : LeftArm;
     const uint8_t forearm = right ? RightForearm : LeftForearm;
     const auto hip = static_cast<float>(3.2 * side);
-    const auto shoulder = static_cast<float>(9.5 * side);
+    const auto shoulder = static_cast<float>(8.7 * side);
     tubes.push_back({{{0, hip, 36}, 3.5f, 3, Between(Pelvis, thigh)},
                      {{0, hip, 32}, 3.3f, 2.9f, Only(thigh)},
                      {{0, hip, 19}, 2.5f, 2.3f, Between(thigh, calf)},
@@ -133,7 +133,7 @@ std::vector<Tube> SkinTubes() {
                               {{0.6f, 0, 59}, 2.4f, 2, Only(Head)}}};
   for (const int side : {-1, 1}) {
     const uint8_t forearm = side < 0 ? RightForearm : LeftForearm;
-    const auto shoulder = static_cast<float>(9.5 * side);
+    const auto shoulder = static_cast<float>(8.7 * side);
     tubes.push_back({{{0, shoulder, 36}, 1.1f, 0.9f, Only(forearm)},
                      {{0, shoulder, 33.5f}, 1.7f, 0.9f, Only(forearm)},
                      {{0, shoulder, 31}, 1, 0.7f, Only(forearm)}});
@@ -180,9 +180,9 @@ std::vector<tests::BoneDescription> WalkerBones() {
       {.Name = "pelvis", .Parent = -1, .Position = {0, 0, 36}},
       {.Name = "spine", .Parent = Pelvis, .Position = {0, 0, 6}},
       {.Name = "head", .Parent = Spine, .Position = {0, 0, 16}},
-      {.Name = "arm_R", .Parent = Spine, .Position = {0, -9.5f, 13}},
+      {.Name = "arm_R", .Parent = Spine, .Position = {0, -8.7f, 13}},
       {.Name = "forearm_R", .Parent = RightArm, .Position = {0, 0, -11}},
-      {.Name = "arm_L", .Parent = Spine, .Position = {0, 9.5f, 13}},
+      {.Name = "arm_L", .Parent = Spine, .Position = {0, 8.7f, 13}},
       {.Name = "forearm_L", .Parent = LeftArm, .Position = {0, 0, -11}},
       {.Name = "thigh_R", .Parent = Pelvis, .Position = {0, -3.2f, -1}},
       {.Name = "calf_R", .Parent = RightThigh, .Position = {0, 0, -16}},
