@@ -1,4 +1,4 @@
-#include "images/test_image.h"
+#include "test_image.h"
 
 #include <FreeImage.h>
 #include <gtest/gtest.h>

@@ -1,0 +1,160 @@
+#include "decompiler/decompile_job.h"
+
+#include <gmock/gmock.h>
+
+#include <atomic>
+#include <filesystem>
+#include <thread>
+
+#include "decompiled_model.h"
+
+namespace tarnwick::decompiler {
+namespace {
+
+using namespace tests;
+using core::BoxIcon;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+ModelBuilder WithoutBody() {
+  ModelBuilder model;
+  model.BodyParts.clear();
+  return model;
+}
+
+/// A job from the folder "in" to the folder "out" of a scratch folder, whose files a test arranges as it wants.
+struct LooseJob {
+  LooseJob() { std::filesystem::create_directory(Job.OutputDirectory = Folder.Path("out")); }
+  DecompileResult Run() { return DecompileModel(Job, Report); }
+
+  ScratchFolder Folder;
+  DecompileJob Job;
+  RecordingReport Report;
+};
+
+TEST(DecompileJob, WritesTheHeadOfTheScriptAndTellsItsSteps) {
+  const DecompiledModel job(ModelBuilder{.Name = "props\\cube.mdl"});
+  EXPECT_EQ(job.File("ravelback.qc").substr(0, job.File("ravelback.qc").find("$model ")),
+            "$cd \"" + job.Out("").substr(0, job.Out("").size() - 1) + "\"\n$modelname \"props\\cube.mdl\"\n");
+  EXPECT_EQ(job.Report.LogText, "Loaded model " + job.In("cube.mdl") + "\r\nLoaded Vertices " +
+                                    job.In("cube.dx90.vtx") + "\r\nCreating " + job.Out("ravelback.qc") +
+                                    "\r\nCreating " + job.Out("cube.smd") + "\r\n\r\nCompleted Dumping Model!\r\n");
+  EXPECT_THAT(job.Report.Boxes, IsEmpty());
+  EXPECT_TRUE(job.Result.Succeeded());
+  ASSERT_EQ(job.Result.Files.size(), 2u);
+  for (const WrittenFile& file : job.Result.Files) EXPECT_EQ(file.Size, std::filesystem::file_size(file.Path));
+}
+
+TEST(DecompileJob, NeedsNoCompanionsForAModelWithoutBodyParts) {
+  const DecompiledModel job(WithoutBody());
+  EXPECT_EQ(job.MeshCommands(), "");
+  EXPECT_THAT(job.Files(), ElementsAre("ravelback.qc"));
+  EXPECT_THAT(job.Report.LogText, testing::EndsWith("\r\nCompleted Dumping Model!\r\n"));
+}
+
+TEST(DecompileJob, EndsWithABoxWhereAFileCannotBeHad) {
+  LooseJob missing;
+  missing.Job.ModelPath = missing.Folder.Path("none.mdl");
+  EXPECT_FALSE(missing.Run().Completed);
+  EXPECT_THAT(missing.Report.Boxes, ElementsAre(RecordedBox{BoxIcon::Stop, "Unable to load model", "Error"}));
+
+  LooseJob shortFile;
+  WriteText(shortFile.Job.ModelPath = shortFile.Folder.Path("a.mdl"), "IDST");
+  shortFile.Run();
+  EXPECT_THAT(shortFile.Report.Boxes, ElementsAre(RecordedBox{BoxIcon::Stop, "Unable to load model", "Error"}));
+
+  LooseJob noVertices;
+  WriteText(noVertices.Job.ModelPath = noVertices.Folder.Path("a.mdl"), ModelBuilder().Build().Mdl.Bytes());
+  noVertices.Run();
+  EXPECT_THAT(noVertices.Report.Boxes,
+              ElementsAre(RecordedBox{BoxIcon::Stop, "Unable to load vertices file: " + noVertices.Folder.Path("a.vtx"),
+                                      "Error"}));
+  EXPECT_THAT(noVertices.Report.LogText,
+              HasSubstr("a.dx80.vtx, a.vtx, a.dx90.vtx, a.sw.vtx in " + noVertices.Folder.Path("")));
+
+  LooseJob unreadable;
+  unreadable.Job.ModelPath = ModelBuilder().Write(unreadable.Folder.Path(), "a");
+  const std::string noFile = unreadable.Folder.Path("a.dx80.vtx");
+  std::filesystem::create_symlink("/dev/null", noFile);
+  unreadable.Run();
+  EXPECT_THAT(unreadable.Report.Boxes,
+              ElementsAre(RecordedBox{BoxIcon::Stop, "Unable to load vertices file: " + noFile, "Error"}));
+
+  LooseJob noFolder;
+  noFolder.Job.ModelPath = ModelBuilder().Write(noFolder.Folder.Path(), "a");
+  noFolder.Job.OutputDirectory = noFolder.Folder.Path("none");
+  noFolder.Run();
+  EXPECT_THAT(
+      noFolder.Report.Boxes,
+      ElementsAre(RecordedBox{
+          BoxIcon::Stop, "Unable to open qc file\"" + noFolder.Folder.Path("none/ravelback.qc") + "\"", "File Error"}));
+  EXPECT_THAT(noFolder.Report.LogText, Not(HasSubstr("Completed")));
+  EXPECT_THAT(missing.Folder.Files(), IsEmpty());
+}
+
+TEST(DecompileJob, TakesTheFirstOfTheNamesThatAVertexIndexFileMayHave) {
+  const std::vector<std::string> extensions = {".dx80.vtx", ".vtx", ".dx90.vtx", ".sw.vtx"};
+  for (size_t first = 0; first < extensions.size(); ++first) {
+    LooseJob job;
+    const ModelFiles files = ModelBuilder().Build();
+    // The four characters at the path's end are dropped, whatever they are.
+    WriteText(job.Job.ModelPath = job.Folder.Path("a.bak"), files.Mdl.Bytes());
+    WriteText(job.Folder.Path("a.vvd"), files.Vvd.Bytes());
+    for (size_t i = first; i < extensions.size(); ++i)
+      WriteText(job.Folder.Path("a" + extensions[i]), files.Vtx.Bytes());
+    EXPECT_TRUE(job.Run().Succeeded());
+    EXPECT_THAT(job.Report.LogText, HasSubstr("Loaded Vertices " + job.Folder.Path("a" + extensions[first]) + "\r\n"));
+  }
+}
+
+TEST(DecompileJob, FindsCompanionsWhoseNamesDifferInCaseIfThereIsJustOne) {
+  LooseJob job;
+  const ModelFiles files = ModelBuilder().Build();
+  WriteText(job.Job.ModelPath = job.Folder.Path("Hair.mdl"), files.Mdl.Bytes());
+  WriteText(job.Folder.Path("hair.DX90.vtx"), files.Vtx.Bytes());
+  WriteText(job.Folder.Path("HAIR.vvd"), files.Vvd.Bytes());
+  EXPECT_TRUE(job.Run().Succeeded()) << job.Report.LogText;
+  EXPECT_THAT(job.Report.LogText, HasSubstr(job.Folder.Path("hair.DX90.vtx")));
+  EXPECT_THAT(job.Report.LogText, HasSubstr("Using " + job.Folder.Path("HAIR.vvd") + " for Hair.vvd\r\n"));
+
+  WriteText(job.Folder.Path("hair.vvd"), files.Vvd.Bytes());
+  EXPECT_FALSE(job.Run().Succeeded());
+}
+
+TEST(DecompileJob, KeepsJobsThatRunSideBySideApart) {
+  const auto model = [](const std::string& name) {
+    ModelBuilder builder{.Name = name + ".mdl"};
+    builder.BodyParts[0].Models.assign(30, {.Name = name + ".smd"});
+    return builder;
+  };
+  std::vector<std::thread> threads;
+  for (const std::string name : {"first", "second"}) {
+    threads.emplace_back([&model, name] {
+      for (int round = 0; round < 5; ++round) {
+        const DecompiledModel job(model(name), DecompileOptionReadyToCompile);
+        EXPECT_TRUE(job.Result.Succeeded());
+        EXPECT_EQ(job.Files().size(), 31u);
+        for (const std::string& file : job.Files()) EXPECT_TRUE(file == "ravelback.qc" || file.starts_with(name));
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+}
+
+TEST(DecompileJob, LeavesNothingHalfDoneWhenItIsStopped) {
+  LooseJob job;
+  job.Job.ModelPath = ModelBuilder{.BodyParts = {{}, {}, {}}}.Write(job.Folder.Path("in"));
+  job.Job.Options = DecompileOptionReadyToCompile;
+  std::atomic<bool> stop = false;
+  job.Job.StopRequested = &stop;
+  job.Job.Progress = [&](const DecompileProgress& progress) { stop = stop || progress.File == "cube.smd"; };
+  EXPECT_FALSE(job.Run().Completed);
+  for (const std::string& file : job.Folder.Files()) {
+    EXPECT_TRUE(file.starts_with("in/") || file == "out/cube.smd") << file;
+  }
+}
+
+}  // namespace
+}  // namespace tarnwick::decompiler

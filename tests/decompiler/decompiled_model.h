@@ -1,0 +1,56 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "decompiler/decompile_job.h"
+#include "support/model_builder.h"
+#include "support/recording_report.h"
+#include "support/scratch_folder.h"
+
+namespace tarnwick::tests {
+
+/// A whole job over a built model: its files stand in the folder "in", what it writes in "out".
+class DecompiledModel {
+ public:
+  explicit DecompiledModel(const ModelFiles& files, uint32_t options = 0) {
+    m_job.ModelPath = files.Write(m_folder.Path("in"), "cube");
+    Run(options);
+  }
+  explicit DecompiledModel(const ModelBuilder& model, uint32_t options = 0) : DecompiledModel(model.Build(), options) {}
+
+  /// The script from behind its `$modelname` line up to the first statement that is not about meshes.
+  std::string MeshCommands() const {
+    const std::string script = File("ravelback.qc");
+    const size_t begin = script.find('\n', script.find('\n') + 1) + 1;
+    return script.substr(begin, script.find("$cdmaterials ") - begin);
+  }
+  std::string File(const std::string& name) const { return ReadText(Out(name)); }
+  std::string Out(const std::string& name) const { return m_folder.Path("out/" + name); }
+  /// The path of a file beside the model.
+  std::string In(const std::string& name) const { return m_folder.Path("in/" + name); }
+  /// The files that were written, sorted.
+  std::vector<std::string> Files() const {
+    std::vector<std::string> files;
+    for (const std::string& file : m_folder.Files()) {
+      if (file.starts_with("out/")) files.push_back(file.substr(4));
+    }
+    return files;
+  }
+
+  RecordingReport Report;
+  decompiler::DecompileResult Result;
+
+ private:
+  void Run(uint32_t options) {
+    m_job.OutputDirectory = m_folder.Path("out");
+    m_job.Options = options;
+    std::filesystem::create_directory(m_job.OutputDirectory);
+    Result = decompiler::DecompileModel(m_job, Report);
+  }
+
+  ScratchFolder m_folder;
+  decompiler::DecompileJob m_job;
+};
+
+}  // namespace tarnwick::tests
