@@ -2,24 +2,17 @@
 
 #include <QPushButton>
 
-#include "app/web_addresses.h"
+#include "pages/web_addresses.h"
+#include "platform/text.h"
 #include "ui_about_dlg.h"
 
 namespace tarnwick::app {
 
-namespace {
-
-QString Link(const QString& address) {
-  return QString("<u><font color=\"#0000ff\"><a href=%1>%1</a></font></u>").arg(address);
-}
-
-}  // namespace
-
 CAboutDlg::CAboutDlg(platform::Desktop& desktop, QWidget* parent) : CDialog(desktop, parent) {
   Ui::AboutDlg ui;
   ui.setupUi(this);
-  ui.pageLink->SetWindowText(Link(MakerPage));
-  ui.mailLink->SetWindowText(Link(QString("mailto:") + MailBox));
+  ui.pageLink->SetWindowText(platform::ToQt(pages::LinkText(pages::MakerPage)));
+  ui.mailLink->SetWindowText(platform::ToQt(pages::LinkText(std::string("mailto:") + pages::MailBox)));
   // Enter closes the box at first; Tab goes to the links.
   ui.buttonBox->button(QDialogButtonBox::Ok)->setFocus();
   connect(ui.buttonBox, &QDialogButtonBox::accepted, this, &QDialog::accept);

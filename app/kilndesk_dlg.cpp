@@ -9,8 +9,8 @@
 #include "app/about_dlg.h"
 #include "app/game_config_dialog.h"
 #include "app/game_directory_help_dialog.h"
-#include "app/web_addresses.h"
 #include "core/settings_table.h"
+#include "pages/web_addresses.h"
 #include "platform/bitmap_button.h"
 #include "platform/dropped_files.h"
 #include "platform/job_runner.h"
@@ -36,6 +36,9 @@ CKilndeskDlg::CKilndeskDlg(core::AppSettings& settings, platform::Desktop& deskt
   m_ui->setupUi(this);
   setWindowFlags(Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
                  Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint);
+  QPalette plain;  // a text to read, not a field to type into
+  plain.setColor(QPalette::Base, Qt::transparent);
+  m_ui->gameDirectoryLabel->setPalette(plain);
   connect(m_ui->exitButton, &QAbstractButton::clicked, this, &QDialog::reject);
   connect(m_ui->aboutButton, &QAbstractButton::clicked, this, &CKilndeskDlg::OnAbout);
   connect(m_ui->updatesButton, &QAbstractButton::clicked, this, &CKilndeskDlg::OnCheckForUpdates);
@@ -114,11 +117,11 @@ void CKilndeskDlg::OnConfigure() {
 }
 
 void CKilndeskDlg::OnHelp() {
-  OpenPage(HelpPage);
+  OpenPage(pages::HelpPage);
 }
 
 void CKilndeskDlg::OnCheckForUpdates() {
-  OpenPage(UpdatePage);
+  OpenPage(pages::UpdatePage);
 }
 
 void CKilndeskDlg::OpenPage(const char* address) {

@@ -43,10 +43,16 @@ void CDecompilerStatus::Append(const std::string& text) {
   if (followsEnd) scroll.setValue(scroll.maximum());
 }
 
+/// A file's path as it stands below the output directory, which is too long to be shown each time.
+QString CDecompilerStatus::BelowOutput(const std::string& path) const {
+  if (!path.starts_with(m_outputDirectory)) return platform::ToQt(path);
+  const size_t name = path.find_first_not_of("/\\", m_outputDirectory.size());
+  return name == std::string::npos ? platform::ToQt(path) : platform::ToQt(path.substr(name));
+}
+
 void CDecompilerStatus::ShowProgress(const decompiler::DecompileProgress& progress) {
   if (progress.FilesBegun == 0) return;
-  m_ui->fileLabel->setText(
-      QString("%1, writing %2").arg(FilesWritten(progress.FilesDone), platform::ToQt(progress.File)));
+  m_ui->fileLabel->setText(QString("%1, writing %2").arg(FilesWritten(progress.FilesDone), BelowOutput(progress.File)));
 }
 
 void CDecompilerStatus::End(const decompiler::DecompileProgress& progress) {

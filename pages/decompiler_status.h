@@ -34,6 +34,7 @@ class CDecompilerStatus : public platform::CDialog {
 
  private:
   void OnOpenFolder();
+  QString BelowOutput(const std::string& path) const;
 
   std::unique_ptr<Ui::DecompilerStatus> m_ui;
   std::string m_outputDirectory;

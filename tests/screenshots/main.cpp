@@ -4,6 +4,7 @@
 #include <QTest>
 #include <cstdio>
 
+#include "platform/look.h"
 #include "screenshots/subject.h"
 
 namespace {
@@ -49,7 +50,7 @@ int main(int argumentCount, char** arguments) {
   QStandardPaths::setTestModeEnabled(true);
   QApplication::setApplicationDisplayName("Tarnwick");
   QApplication::setQuitOnLastWindowClosed(false);
-  QApplication::setStyle("Fusion");
+  tarnwick::platform::ApplyLook("Fusion");
   if (words[2] == "dark") QApplication::setPalette(DarkPalette());
 
   int failures = 0;

@@ -3,6 +3,7 @@
 #include "app/game_directory_help_dialog.h"
 #include "app/kilndesk_dlg.h"
 #include "core/settings_table.h"
+#include "pages/collision_help_dialog.h"
 #include "pages/decompiler_status.h"
 #include "screenshots/subject.h"
 
@@ -62,6 +63,8 @@ std::vector<Subject> ShellSubjects() {
        }},
       {"game-directory-help",
        [](Stage& stage) { return Created(std::make_unique<app::CGameDirectoryHelpDialog>(stage.Desktop, nullptr)); }},
+      {"collision-help",
+       [](Stage& stage) { return Created(std::make_unique<pages::CCollisionHelpDialog>(stage.Desktop, nullptr)); }},
       {"about", [](Stage& stage) { return Created(std::make_unique<app::CAboutDlg>(stage.Desktop, nullptr)); }},
   };
 }

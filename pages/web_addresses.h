@@ -1,14 +1,22 @@
 #pragma once
 
+#include <string>
+
 /// Addresses on the maker's host. The host is set at deployment.
 #define TARNWICK_WEB_HOST "https://www.fennelworks.example"
 
-namespace tarnwick::app {
+namespace tarnwick::pages {
 
 inline constexpr const char* MakerPage = TARNWICK_WEB_HOST "/mossgate.htm";
 inline constexpr const char* HelpPage = TARNWICK_WEB_HOST "/mossgate.php?program=Tarnwick_help";
 inline constexpr const char* UpdatePage =
     TARNWICK_WEB_HOST "/mossgate.php?program=checkversion&name=tarnwick&version=0.3.1a/";
+inline constexpr const char* CollisionModelPage = TARNWICK_WEB_HOST "/physics-models.htm";
 inline constexpr const char* MailBox = "tarnwick@fennelworks.example";
 
-}  // namespace tarnwick::app
+/// The text of a CXHTMLStatic that shows `address` as a blue underlined link.
+inline std::string LinkText(const std::string& address) {
+  return "<u><font color=\"#0000ff\"><a href=" + address + ">" + address + "</a></font></u>";
+}
+
+}  // namespace tarnwick::pages
