@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "bench/plain_texture.h"
+#include "sdk/picture_encode.h"
 #include "sdk/pixel_rows.h"
 #include "sdk/tga_writer.h"
 
@@ -101,6 +102,18 @@ void Copy(benchmark::State& state, PixelFormat format) {
   }
   CountBytes(state, subject);
 }
+
+void Encode(benchmark::State& state, sdk::FitEffort effort) {
+  sdk::Picture picture{256, 256, {}};
+  std::mt19937 random(7);
+  for (int i = 0; i < picture.Width * picture.Height; ++i) {
+    const auto channel = [&](int base) { return static_cast<uint8_t>(base + static_cast<int>(random() & 31)); };
+    picture.Pixels.push_back({channel(i % 220), channel(i / 300), channel(100), 255});
+  }
+  for (auto _ : state) benchmark::DoNotOptimize(sdk::EncodePicture(picture, PixelFormat::Dxt1, effort));
+}
+BENCHMARK_CAPTURE(Encode, Best, sdk::FitEffort::Best)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK_CAPTURE(Encode, Quick, sdk::FitEffort::Quick)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 #define TEXTURE_BENCHMARKS(name, format)                                  \
   BENCHMARK_CAPTURE(Plain, name, format)->Unit(benchmark::kMillisecond);  \

@@ -1,5 +1,7 @@
 #include "cli/terminal.h"
 
+#include <algorithm>
+
 #ifdef _WIN32
 #include <io.h>
 #else
@@ -22,6 +24,19 @@ std::string PlainLines(std::string_view text) {
     if (text[i] != '\r' || i + 1 == text.size() || text[i + 1] != '\n') plain += text[i];
   }
   return plain;
+}
+
+std::string OneLine(std::string_view text) {
+  std::string line = PlainLines(text.substr(0, text.find_last_not_of("\r\n ") + 1));
+  std::replace(line.begin(), line.end(), '\n', ' ');
+  return line;
+}
+
+std::string LastLine(std::string_view text) {
+  const size_t end = text.find_last_not_of("\r\n ");
+  if (end == std::string_view::npos) return {};
+  const size_t start = text.find_last_of("\r\n", end);  // npos + 1 is the start of the text
+  return std::string(text.substr(start + 1, end - start));
 }
 
 void ProgressLine::Show(size_t done, size_t all, std::string_view name) {

@@ -12,6 +12,12 @@ bool ErrorIsTerminal();
 /// `text` with its \r\n as this platform's streams want line ends.
 std::string PlainLines(std::string_view text);
 
+/// `text` in one line: its line ends as blanks, none at the end.
+std::string OneLine(std::string_view text);
+
+/// The last line of `text` that holds anything, without its line end.
+std::string LastLine(std::string_view text);
+
 /// A line at the bottom of a terminal that is drawn over and over; nothing where there is no terminal.
 class ProgressLine {
  public:

@@ -18,13 +18,17 @@ std::unique_ptr<core::AppSettings> OpenSettings([[maybe_unused]] std::ostream& e
 #endif
 }
 
-void ToolDirectories::AddOptions(CLI::App& verb) {
+void ToolDirectories::AddSdkOptions(CLI::App& verb) {
   verb.add_option("--sdk", Sdk, "The folder of the SDK's tools; without it the one that is set in the window");
-  verb.add_option("--game", Game,
-                  "The game directory, with gameinfo.txt; without it the one that is set in the window");
 #ifndef _WIN32
   verb.add_option("--wine", Wine, "The program that runs Windows tools; without it wine, then wine64");
 #endif
+}
+
+void ToolDirectories::AddOptions(CLI::App& verb) {
+  AddSdkOptions(verb);
+  verb.add_option("--game", Game,
+                  "The game directory, with gameinfo.txt; without it the one that is set in the window");
 }
 
 void ToolDirectories::FillFromSettings(std::ostream& err) {

@@ -27,6 +27,8 @@ struct ToolDirectories {
 
   /// Adds the options to `verb`. The object outlives the parsing.
   void AddOptions(CLI::App& verb);
+  /// Adds them to a verb that needs no game: all but --game.
+  void AddSdkOptions(CLI::App& verb);
   /// Fills what was not given from the settings.
   void FillFromSettings(std::ostream& err);
   /// The folder to take `tool` from: the SDK's, or where none is set the program's own tools.

@@ -1,7 +1,14 @@
 #include "cli/verbs.h"
 
 #include "cli/compile_verb.h"
+#ifdef TARNWICK_HAS_SETTINGS
+#include "cli/config_verb.h"
+#endif
 #include "cli/decompile_verb.h"
+#ifdef TARNWICK_HAS_IMAGES
+#include "cli/material_verb.h"
+#include "cli/vtf_verb.h"
+#endif
 #include "cli/view_verb.h"
 
 namespace tarnwick::cli {
@@ -9,9 +16,14 @@ namespace tarnwick::cli {
 namespace {
 
 constexpr AddVerb VerbTable[] = {
-    AddDecompileVerb,
-    AddCompileVerb,
+    AddDecompileVerb, AddCompileVerb,
+#ifdef TARNWICK_HAS_IMAGES
+    AddMaterialVerb,  AddVtfVerb,
+#endif
     AddViewVerb,
+#ifdef TARNWICK_HAS_SETTINGS
+    AddConfigVerb,
+#endif
 };
 
 }  // namespace

@@ -26,7 +26,4 @@ struct ChildResult {
 ChildResult RunChild(const std::string& program, const std::vector<std::string>& arguments, size_t mostOutput,
                      int seconds);
 
-/// The directory of the running program, without a separator at its end; empty if the system does not tell.
-std::string ProgramDirectory();
-
 }  // namespace tarnwick::images

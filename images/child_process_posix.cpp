@@ -8,7 +8,6 @@
 #include <chrono>
 #include <csignal>
 #include <cstring>
-#include <filesystem>
 #include <optional>
 #include <thread>
 #include <utility>
@@ -142,12 +141,6 @@ ChildResult RunChild(const std::string& program, const std::vector<std::string>&
     result.Ending = ChildResult::End::Exited;
   }
   return result;
-}
-
-std::string ProgramDirectory() {
-  std::error_code error;
-  const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
-  return error ? std::string() : core::PathText(program.parent_path());
 }
 
 }  // namespace tarnwick::images

@@ -100,10 +100,4 @@ ChildResult RunChild(const std::string& program, const std::vector<std::string>&
   return result;
 }
 
-std::string ProgramDirectory() {
-  std::wstring path(32768, L'\0');
-  path.resize(GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size())));
-  return core::PathText(std::filesystem::path(path).parent_path());
-}
-
 }  // namespace tarnwick::images

@@ -1,6 +1,7 @@
 #include "images/image_worker.h"
 
 #include "core/paths.h"
+#include "core/program_directory.h"
 #include "images/child_process.h"
 #include "images/limits.h"
 
@@ -34,7 +35,7 @@ std::string Reason(const ChildResult& child, const std::string& program) {
 
 }  // namespace
 
-ImageWorker::ImageWorker() : m_path(ProgramDirectory() + core::PathSeparator + std::string(WorkerName)) {}
+ImageWorker::ImageWorker() : m_path(core::ProgramDirectory() + core::PathSeparator + std::string(WorkerName)) {}
 
 WorkerAnswer ImageWorker::Run(const WorkerRequest& request) const {
   WorkerRequest native = request;

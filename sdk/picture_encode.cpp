@@ -28,10 +28,11 @@ int GatherBlock(const Picture& picture, int x, int y, bool opaque, uint8_t (&rgb
   return mask;
 }
 
-std::string EncodeBlocks(const Picture& picture, PixelFormat format) {
+std::string EncodeBlocks(const Picture& picture, PixelFormat format, FitEffort effort) {
   const bool dxt5 = format == PixelFormat::Dxt5;
   const bool opaque = format == PixelFormat::Dxt1;
-  const int flags = (dxt5 ? squish::kDxt5 : squish::kDxt1) | squish::kColourClusterFit;
+  const int fit = effort == FitEffort::Best ? squish::kColourClusterFit : squish::kColourRangeFit;
+  const int flags = (dxt5 ? squish::kDxt5 : squish::kDxt1) | fit;
   const size_t blockBytes = dxt5 ? 16 : 8;
   const int blocksWide = (picture.Width + 3) / 4;
   const int blocksHigh = (picture.Height + 3) / 4;
@@ -64,10 +65,10 @@ bool CanEncode(PixelFormat format) {
          format == PixelFormat::Dxt1OneBitAlpha || format == PixelFormat::Dxt5;
 }
 
-std::string EncodePicture(const Picture& picture, PixelFormat format) {
+std::string EncodePicture(const Picture& picture, PixelFormat format, FitEffort effort) {
   const char* pixels = reinterpret_cast<const char*>(picture.Pixels.data());
   if (format == PixelFormat::Bgra8888) return std::string(pixels, picture.Pixels.size() * sizeof(Bgra));
-  if (format != PixelFormat::Bgr888) return EncodeBlocks(picture, format);
+  if (format != PixelFormat::Bgr888) return EncodeBlocks(picture, format, effort);
   std::string bytes;
   bytes.reserve(picture.Pixels.size() * 3);
   for (const Bgra& pixel : picture.Pixels) bytes.append(reinterpret_cast<const char*>(&pixel), 3);

@@ -8,6 +8,7 @@
 #include "core/file_image.h"
 #include "core/output_file.h"
 #include "core/paths.h"
+#include "sdk/frame_number.h"
 #include "sdk/tga_reader.h"
 
 namespace tarnwick::sdk {
@@ -28,9 +29,7 @@ bool HasExtension(std::string_view path, std::string_view extension) {
 }
 
 std::string FramePath(const std::string& stem, int frame) {
-  std::string number = std::to_string(frame);
-  if (number.size() < 3) number.insert(size_t{0}, 3 - number.size(), '0');
-  return stem + number + ".tga";
+  return stem + FrameNumber(frame) + ".tga";
 }
 
 /// The TGA files of all frames. The first frame may also have the plain name, as vtf2tga writes it.

@@ -2,6 +2,7 @@
 
 #include "core/output_file.h"
 #include "core/paths.h"
+#include "sdk/frame_number.h"
 #include "sdk/pixel_rows.h"
 #include "sdk/tga_writer.h"
 
@@ -9,10 +10,7 @@ namespace tarnwick::sdk {
 
 std::string ExportPath(const std::string& path, const VtfImagePlace& place) {
   std::string number;
-  if (place.Frame > 0) {
-    number = std::to_string(place.Frame);
-    if (number.size() < 3) number.insert(size_t{0}, 3 - number.size(), '0');
-  }
+  if (place.Frame > 0) number = FrameNumber(place.Frame);
   if (place.Face > 0) number.append("_face").append(std::to_string(place.Face));
   if (place.Slice > 0) number.append("_slice").append(std::to_string(place.Slice));
   const size_t dot = core::LastComponent(path).rfind('.');

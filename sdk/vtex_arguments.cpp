@@ -82,6 +82,8 @@ std::optional<VtexRequest> ReadVtexArguments(std::span<const std::string> argume
       arguments = arguments.subspan(1);
     } else if (IsSwitch(argument, "-quiet")) {
       request.Quiet = true;
+    } else if (IsSwitch(argument, "-fast")) {
+      request.Fast = true;
     } else if (IsSwitch(argument, "-nopause") || IsSwitch(argument, "-mkdir")) {
       continue;  // the one is heeded where the tool ends, the other is done in any case
     } else if (LooksLikeSwitch(argument)) {

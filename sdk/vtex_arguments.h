@@ -15,6 +15,7 @@ struct VtexRequest {
   std::vector<std::pair<std::string, std::string>> Parameters;  // -vmtparam, in order
   std::string OutputFolder;                                     // empty: by the path of each input
   bool Quiet = false;
+  bool Fast = false;  // quick fit of DXT blocks
 };
 
 /// Reads the arguments. A parameter's value is the next word. A value that is a number takes the numbers that follow

@@ -16,7 +16,7 @@ namespace tarnwick::sdk {
 namespace {
 
 constexpr std::string_view Help =
-    R"(Usage: vtex [-nopause] [-quiet] [-outdir DIR] [-shader NAME] [-vmtparam KEY VALUE]... INPUT.tga...
+    R"(Usage: vtex [-nopause] [-quiet] [-fast] [-outdir DIR] [-shader NAME] [-vmtparam KEY VALUE]... INPUT.tga...
 
 Makes a texture of each TGA file, for <game>/materialsrc/PATH.tga at <game>/materials/PATH.vtf, and with -shader or
 -vmtparam the material PATH.vmt beside it. An input that a parameter names, such as the normal map of $bumpmap, gets no
@@ -26,6 +26,7 @@ material of its own. Folders are made.
                          LightmappedGeneric)
   -vmtparam KEY VALUE    a parameter of the material; may be given many times
   -outdir DIR            write everything to DIR instead
+  -fast                  compress quickly, a little less well, for a first look
   -quiet                 print errors and warnings only
   -nopause               do not wait for the Enter key at the end
   -help                  print this
@@ -103,8 +104,9 @@ class Compiler {
     if (!options) return false;
 
     const bool isNormalMap = references.AsNormalMap || core::LowerAscii(place->Stem).ends_with("_normal");
-    const auto source = MakeTexture(input, *options, isNormalMap, reason);
+    auto source = MakeTexture(input, *options, isNormalMap, reason);
     if (!source) return Fail("", reason);
+    source->Effort = m_request.Fast ? FitEffort::Quick : FitEffort::Best;
     const std::string texture = place->Folder + place->Stem + ".vtf";
     uint64_t bytes = 0;
     if (!WriteTexture(*source, texture, bytes, reason)) return Fail(texture, reason);

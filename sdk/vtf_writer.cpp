@@ -60,10 +60,10 @@ int WrittenMipLevels(const VtfSource& source) {
 bool WriteVtf(const VtfSource& source, const std::function<bool(std::string_view)>& write) {
   const VtfHeader header = MakeHeader(source);
   if (!write({reinterpret_cast<const char*>(&header), sizeof header})) return false;
-  if (!write(EncodePicture(LowImage(source), PixelFormat::Dxt1))) return false;
+  if (!write(EncodePicture(LowImage(source), PixelFormat::Dxt1, source.Effort))) return false;
   for (int level = WrittenMipLevels(source) - 1; level >= 0; --level) {
     for (const auto& frame : source.Frames) {
-      if (!write(EncodePicture(frame[static_cast<size_t>(level)], source.Format))) return false;
+      if (!write(EncodePicture(frame[static_cast<size_t>(level)], source.Format, source.Effort))) return false;
     }
   }
   return true;

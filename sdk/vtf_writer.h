@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "sdk/picture.h"
+#include "sdk/picture_encode.h"
 
 namespace tarnwick::sdk {
 
@@ -14,6 +15,7 @@ struct VtfSource {
   PixelFormat Format = PixelFormat::Dxt1;    // one that EncodePicture can write
   uint32_t Flags = 0;                        // VtfFlag; with VtfNoMips only the largest level is written
   float BumpScale = 1;
+  FitEffort Effort = FitEffort::Best;
 };
 
 /// The mip levels that are written of `source`.

@@ -7,8 +7,16 @@
 
 namespace tarnwick::tools {
 
+// GCC 12 takes the enumerators, which are scoped, for ones that hide the tools of the same names.
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wshadow"
+#endif
 /// The runs of console tools that the program makes.
 enum class ToolRun { StudiomdlForm, StudiomdlExistingQc, Vtex, Vtf2tga };
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC diagnostic pop
+#endif
 
 /// How a run's output is captured and shown.
 struct ToolRunRule {

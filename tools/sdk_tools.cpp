@@ -1,37 +1,16 @@
 #include "tools/sdk_tools.h"
 
 #include <algorithm>
-#include <filesystem>
-
-#ifdef _WIN32
-#include <windows.h>
-#endif
 
 #include "core/paths.h"
+#include "core/program_directory.h"
 #include "tools/tool_file.h"
 
 namespace tarnwick::tools {
 
-namespace fs = std::filesystem;
-
 namespace {
 
 constexpr const char* BundledFolder = "sdk";
-
-/// The file of the running program; empty if the system does not tell.
-fs::path OwnProgram() {
-#ifdef _WIN32
-  std::wstring name(MAX_PATH, 0);
-  while (true) {
-    const DWORD size = GetModuleFileNameW(nullptr, name.data(), static_cast<DWORD>(name.size()));
-    if (size < name.size()) return fs::path(name.substr(0, size));
-    name.resize(name.size() * 2);
-  }
-#else
-  std::error_code error;
-  return fs::read_symlink("/proc/self/exe", error);
-#endif
-}
 
 }  // namespace
 
@@ -52,7 +31,7 @@ bool RequireTool(const std::string& toolPath, const SdkTool& tool, core::Report&
 }
 
 std::optional<std::string> BundledSdkDirectory() {
-  const std::string folder = core::PathText(OwnProgram().parent_path() / BundledFolder);
+  const std::string folder = core::ProgramDirectory() + core::PathSeparator + BundledFolder;
   if (!ToolExists(SdkToolPath(folder, Vtex)) || !ToolExists(SdkToolPath(folder, Vtf2tga))) return std::nullopt;
   return folder;
 }

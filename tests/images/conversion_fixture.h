@@ -4,9 +4,9 @@
 #include <gtest/gtest.h>
 
 #include "images/conversion.h"
+#include "images/test_image.h"
 #include "support/recording_report.h"
 #include "support/scratch_folder.h"
-#include "test_image.h"
 
 namespace tarnwick::tests {
 

@@ -1,7 +1,6 @@
-#include <sstream>
-
 #include "conversion_fixture.h"
 #include "images/image_format.h"
+#include "images/known_formats.h"
 
 namespace tarnwick::tests {
 
@@ -149,25 +148,20 @@ TEST_F(ConversionTest, ConvertsNothingToTga) {
 }
 
 TEST_F(ConversionTest, KnowsTheNamedFormatsAsTheWorkerDoes) {
-  images::WorkerRequest request;
-  request.Task = images::WorkerRequest::Job::Formats;
-  std::istringstream lines(Worker.Run(request).Payload);
-  std::vector<std::string> endings;  // of each format, by its number
-  for (std::string name, list, use;
-       std::getline(lines, name, '\t') && std::getline(lines, list, '\t') && std::getline(lines, use);) {
-    endings.push_back(list);
-  }
-  size_t named = 0;
-  for (size_t number = 0; number < endings.size(); ++number) {
-    std::istringstream list(endings[number]);
-    for (std::string ending; std::getline(list, ending, ',');) {
+  const auto formats = images::KnownFormats(Worker);
+  int named = 0;
+  for (size_t number = 0; number < formats.size(); ++number) {
+    for (const std::string& ending : formats[number].Endings) {
       const images::ImageFormat* format = images::FormatOfFileName(ending);
       if (format == nullptr) continue;
       EXPECT_EQ(format->Number, static_cast<int>(number)) << ending;
       ++named;
     }
   }
-  EXPECT_EQ(named, 15u) << "every ending of a named format is known";
+  EXPECT_EQ(named, 15) << "every ending of a named format is known";
+  std::string reason;
+  EXPECT_THAT(images::KnownFormats(images::ImageWorker("/nowhere"), &reason), testing::IsEmpty());
+  EXPECT_THAT(reason, HasSubstr("/nowhere cannot be started"));
 }
 
 }  // namespace

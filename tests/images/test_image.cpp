@@ -1,4 +1,4 @@
-#include "test_image.h"
+#include "images/test_image.h"
 
 #include <FreeImage.h>
 #include <gtest/gtest.h>

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tarnwick::cli {
+
+/// A file that a command line names, itself or through a folder.
+struct InputFile {
+  std::string Path;
+  std::string Name;  // of a named file its last part; of one in a folder its path below that folder
+};
+
+/// Files that were found, and what could not be.
+struct InputFiles {
+  std::vector<InputFile> Files;
+  std::vector<std::string> Problems;
+};
+
+/// The files that `inputs` name: files as they stand, and of folders every file with `extension` (".vtf", in any case)
+/// in them or, with `recursive`, below them, sorted.
+InputFiles FindInputFiles(const std::vector<std::string>& inputs, std::string_view extension, bool recursive);
+
+/// `name` less `extension`, in any case, if it ends so.
+std::string WithoutExtension(std::string name, std::string_view extension);
+
+/// Gives out names, each once in any case: the later of two gets "_2", "_3", ...
+class UniqueNames {
+ public:
+  std::string Take(const std::string& name);
+
+ private:
+  std::set<std::string> m_taken;
+};
+
+}  // namespace tarnwick::cli

@@ -1,0 +1,36 @@
+#include "cli/vtf_info.h"
+
+#include "cli/terminal.h"
+#include "core/program_directory.h"
+#include "tools/sdk_tools.h"
+#include "tools/tool_run.h"
+
+namespace tarnwick::cli {
+
+int PrintVtfInfo(const std::vector<std::string>& files, bool json, Invocation& invocation) {
+  // Only the program's own tool can tell the facts of a texture, so the SDK's is not asked.
+  const std::string folder = tools::SdkDirectoryOrBundled("", tools::Vtf2tga);
+  if (folder.empty()) {
+    invocation.Err << "Error: the program's own vtf2tga.exe is not in " << core::ProgramDirectory() << "/sdk\n";
+    return ExitFailure;
+  }
+  int exitCode = ExitSuccess;
+  tools::ToolRunOptions options;
+  options.AnnounceStart = false;
+  for (const std::string& file : files) {
+    const std::string commandLine =
+        tools::SdkToolPath(folder, tools::Vtf2tga) + " -nopause " + (json ? "-json" : "-info") + " -i \"" + file + "\"";
+    const auto run = tools::RunTool(tools::ToolRun::Vtf2tga, commandLine, options);
+    const std::string said = run.Outcome.Log.Text();
+    const bool good = !run.Outcome.Failure && run.Outcome.End && run.Outcome.End->ExitCode == 0;
+    if (!good) {
+      exitCode = ExitFailure;
+      invocation.Err << (run.Outcome.Failure ? file + ": " + run.Outcome.Failure->Text() : OneLine(said)) << '\n';
+      continue;
+    }
+    invocation.Out << (&file == &files.front() || json ? "" : "\n") << PlainLines(said);
+  }
+  return exitCode;
+}
+
+}  // namespace tarnwick::cli

@@ -1,0 +1,180 @@
+#include "app/kilndesk_dlg.h"
+
+#include <gmock/gmock.h>
+
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTabWidget>
+#include <QTest>
+#include <semaphore>
+
+#include "controls/html_static.h"
+#include "platform/job_runner.h"
+#include "window_support/memory_settings.h"
+#include "window_support/scripted_desktop.h"
+#include "window_support/window_actions.h"
+
+namespace tarnwick::app {
+
+namespace {
+
+using platform::BoxAnswer;
+using platform::BoxButtons;
+using platform::BoxIcon;
+using testing::ElementsAre;
+using testing::EndsWith;
+using tests::Click;
+using tests::ControlOf;
+using tests::ShownBox;
+
+class MainDialog : public testing::Test {
+ protected:
+  void Open() {
+    m_dialog = std::make_unique<CKilndeskDlg>(m_settings, m_desktop);
+    m_dialog->Create();
+    m_dialog->show();
+  }
+  QTabWidget& Tabs() { return ControlOf<QTabWidget>(*m_dialog, "tabs"); }
+  std::string GameDirectory() { return ControlOf<QLineEdit>(*m_dialog, "gameDirectoryLabel").text().toStdString(); }
+  std::string Value(const std::string& key) {
+    const auto found = m_settings.Values.find(key);
+    return found == m_settings.Values.end() ? "(not there)" : found->second;
+  }
+
+  tests::MemorySettings m_settings;
+  tests::ScriptedDesktop m_desktop;
+  std::unique_ptr<CKilndeskDlg> m_dialog;
+};
+
+TEST_F(MainDialog, OpensOnTheFirstTabAndWritesNothingByStarting) {
+  Open();
+  EXPECT_EQ(m_dialog->windowTitle(), "Brackenhall's Tarnwick");
+  QStringList tabs;
+  for (int i = 0; i < Tabs().count(); ++i) tabs << Tabs().tabText(i);
+  EXPECT_EQ(tabs, QStringList({"Model Compile", "Material Compile", "Model Decompile", "VTF Export"}));
+  EXPECT_EQ(Tabs().currentIndex(), 0);
+  EXPECT_EQ(GameDirectory(), "");
+  EXPECT_TRUE(ControlOf<QPushButton>(*m_dialog, "aboutButton").isDefault());
+  EXPECT_TRUE(m_settings.Values.empty());
+}
+
+TEST_F(MainDialog, RemembersItsTabWhetherLeftByExitOrByTheCloseBox) {
+  Open();
+  Tabs().setCurrentIndex(3);
+  Click(*m_dialog, "exitButton");
+  EXPECT_FALSE(m_dialog->isVisible());
+  const auto saved = m_settings.Values;
+  EXPECT_EQ(Value("Tarnwick/TabSelect"), "3");
+  EXPECT_EQ(Value("Tarnwick/Scale"), "(not there)");
+  EXPECT_EQ(Value("Tarnwick/Mass"), "(not there)");
+  m_settings.Values.clear();
+  Open();
+  Tabs().setCurrentIndex(3);
+  m_dialog->close();
+  EXPECT_EQ(m_settings.Values, saved);
+  Open();
+  EXPECT_EQ(Tabs().currentIndex(), 3);
+  m_settings.Values["Tarnwick/TabSelect"] = "9";
+  Open();
+  EXPECT_EQ(Tabs().currentIndex(), 0);
+}
+
+TEST_F(MainDialog, HandsDropsToTheShowingPageOnlyAndPagesKeepTheirText) {
+  Open();
+  auto& modelBox = ControlOf<QLineEdit>(*m_dialog, "modelEdit");
+  tests::Drop(*m_dialog, {"/m/a.mdl"});
+  EXPECT_EQ(modelBox.text(), "") << "another tab is showing";
+  Tabs().setCurrentIndex(2);
+  tests::Drop(modelBox, {"/m/b.mdl"});
+  EXPECT_EQ(modelBox.text(), "/m/b.mdl");
+  Tabs().setCurrentIndex(3);
+  Tabs().setCurrentIndex(2);
+  EXPECT_EQ(modelBox.text(), "/m/b.mdl");
+}
+
+TEST_F(MainDialog, ConfiguringStoresABrowsedDirectoryAtOnceAndTheRestOnOk) {
+  Open();
+  m_desktop.Choices = {"/games/hl2"};
+  tests::WhenModalOpens([](QWidget& dialog) {
+    EXPECT_EQ(dialog.windowTitle(), "Configure Game Directory");
+    ControlOf<QLineEdit>(dialog, "sdkEdit").setText("/typed");
+    Click(dialog, "browseGameButton");
+    QTest::keyClick(&dialog, Qt::Key_Escape);
+  });
+  Click(*m_dialog, "configureButton");
+  EXPECT_EQ(Value("Tarnwick/GameDirectory"), "/games/hl2");
+  EXPECT_EQ(Value("Tarnwick/SDKDirectory"), "(not there)");
+  EXPECT_EQ(GameDirectory(), "/games/hl2");
+
+  tests::WhenModalOpens([](QWidget& dialog) {
+    ControlOf<QLineEdit>(dialog, "gameEdit").setText("/games/räv/");
+    ControlOf<QLineEdit>(dialog, "sdkEdit").clear();
+    QTest::keyClick(&ControlOf<QLineEdit>(dialog, "sdkEdit"), Qt::Key_Return);
+  });
+  Click(*m_dialog, "configureButton");
+  EXPECT_EQ(GameDirectory(), "/games/räv/");
+  EXPECT_EQ(Value("Tarnwick/GameDirectory"), "/games/räv/");
+  EXPECT_EQ(Value("Tarnwick/SDKDirectory"), "");
+}
+
+TEST_F(MainDialog, OpensTheMakersPagesAndSaysWhenThatFails) {
+  Open();
+  Click(*m_dialog, "helpButton");
+  Click(*m_dialog, "updatesButton");
+  EXPECT_THAT(m_desktop.Opened,
+              ElementsAre(EndsWith("/mossgate.php?program=Tarnwick_help"),
+                          EndsWith("/mossgate.php?program=checkversion&name=tarnwick&version=0.3.1a/")));
+  m_desktop.OpenSucceeds = false;
+  Click(*m_dialog, "helpButton");
+  EXPECT_THAT(m_desktop.Boxes, ElementsAre(ShownBox{BoxIcon::None, "Error starting Explorer", ""}));
+}
+
+TEST_F(MainDialog, ShowsItsSmallDialogs) {
+  Open();
+  tests::WhenModalOpens([&](QWidget& dialog) {
+    EXPECT_EQ(dialog.windowTitle(), "About Tarnwick");
+    auto& link = ControlOf<controls::CXHTMLStatic>(dialog, "pageLink");
+    QApplication::processEvents();
+    ASSERT_FALSE(link.Layout().LinkRects.empty());
+    const controls::Rect box = link.Layout().LinkRects.front();
+    QTest::mouseClick(&link, Qt::LeftButton, {}, QPoint(box.Left + 3, (box.Top + box.Bottom) / 2));
+    EXPECT_THAT(m_desktop.Opened, ElementsAre(EndsWith("/mossgate.htm")));
+    EXPECT_TRUE(dialog.isVisible()) << "a link leaves the dialog open";
+    QTest::keyClick(&dialog, Qt::Key_Return);
+  });
+  Click(*m_dialog, "aboutButton");
+  tests::WhenModalOpens([](QWidget& dialog) {
+    EXPECT_EQ(dialog.windowTitle(), "Game Directory Help");
+    QTest::keyClick(&dialog, Qt::Key_Escape);
+  });
+  Click(*m_dialog, "gameDirectoryHelpButton");
+  QTest::keyClick(m_dialog.get(), Qt::Key_Escape);
+  EXPECT_TRUE(m_dialog->isVisible()) << "Esc does not end the program";
+}
+
+TEST_F(MainDialog, AsksBeforeItClosesOnARunningJob) {
+  Open();
+  auto* page = m_dialog->findChild<pages::CDecompilerDialog*>();
+  auto* jobs = page->findChild<platform::JobRunner*>();
+  jobs->Start(
+      [](core::Report&, const std::stop_token& stop) {
+        while (!stop.stop_requested()) std::this_thread::yield();
+      },
+      {});
+  Tabs().setCurrentIndex(2);
+  tests::Drop(*m_dialog, {"/m/late.mdl"});
+  EXPECT_EQ(ControlOf<QLineEdit>(*m_dialog, "modelEdit").text(), "") << "the page is busy";
+  m_desktop.BoxAnswers = {BoxAnswer::No};
+  m_dialog->close();
+  EXPECT_TRUE(m_dialog->isVisible());
+  EXPECT_TRUE(jobs->IsRunning());
+  m_dialog->close();
+  EXPECT_FALSE(m_dialog->isVisible());
+  ASSERT_EQ(m_desktop.Boxes.size(), 2u);
+  EXPECT_EQ(m_desktop.Boxes.front().Buttons, BoxButtons::YesNo);
+  m_dialog.reset();  // ends, since the job is told to stop
+}
+
+}  // namespace
+
+}  // namespace tarnwick::app

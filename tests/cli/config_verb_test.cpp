@@ -1,0 +1,63 @@
+#include "cli/config_verb.h"
+
+#include <gmock/gmock.h>
+
+#include <sstream>
+
+#include "support/scratch_folder.h"
+
+namespace tarnwick::cli {
+
+namespace {
+
+using ::testing::AllOf;
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+class ConfigVerb : public ::testing::Test {
+ protected:
+  int Run(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), {"tarnwick-cli", "config", "--file", m_folder.Path("s.conf")});
+    std::vector<const char*> pointers;
+    for (const std::string& argument : arguments) pointers.push_back(argument.c_str());
+    m_out.str("");
+    m_err.str("");
+    return RunProgram(static_cast<int>(pointers.size()), pointers.data(), m_out, m_err);
+  }
+
+  tests::ScratchFolder m_folder;
+  std::ostringstream m_out;
+  std::ostringstream m_err;
+};
+
+TEST_F(ConfigVerb, SetsGetsAndLists) {
+  EXPECT_EQ(Run({"get", "surfaceprop"}), ExitSuccess);
+  EXPECT_EQ(m_out.str(), "metal\n");
+  EXPECT_EQ(Run({"set", "tarnwick/gamedirectory", "/games/räv, 2"}), ExitSuccess);
+  EXPECT_EQ(Run({"set", "TabSelect", "-1"}), ExitSuccess);
+  EXPECT_EQ(Run({"get", "GameDirectory"}), ExitSuccess);
+  EXPECT_EQ(m_out.str(), "/games/räv, 2\n");
+  EXPECT_EQ(Run({"list", "--stored"}), ExitSuccess);
+  EXPECT_EQ(m_out.str(), "Tarnwick/GameDirectory=/games/räv, 2\nTarnwick/TabSelect=-1\n");
+  EXPECT_EQ(Run({"list"}), ExitSuccess);
+  EXPECT_THAT(m_out.str(), AllOf(HasSubstr("Tarnwick/Shader=VertexLitGeneric\n"),
+                                 HasSubstr("Ravelback/CheckBoxSettings=1\n"), Not(HasSubstr("OutputDirectory=\n"))));
+  EXPECT_EQ(Run({"list", "--json", "--stored"}), ExitSuccess);
+  EXPECT_THAT(m_out.str(), AllOf(HasSubstr("\"value\": -1"), HasSubstr("\"stored\": true")));
+}
+
+TEST_F(ConfigVerb, RefusesWhatIsNoSettingOrNoNumber) {
+  EXPECT_EQ(Run({"set", "TabSelect", "2nd"}), ExitUsage);
+  EXPECT_THAT(m_err.str(), HasSubstr("Tarnwick/TabSelect is a whole number, not \"2nd\""));
+  EXPECT_EQ(Run({"get", "Nothing"}), ExitUsage);
+  EXPECT_THAT(m_err.str(), HasSubstr("there is no setting Nothing"));
+  EXPECT_EQ(Run({"set", "TabSelect"}), ExitUsage);
+  EXPECT_TRUE(m_folder.Files().empty());
+  tests::WriteText(m_folder.Path("s.conf") + "/in the way", "");
+  EXPECT_EQ(Run({"set", "TabSelect", "2"}), ExitFailure);
+  EXPECT_THAT(m_err.str(), HasSubstr("cannot be saved"));
+}
+
+}  // namespace
+
+}  // namespace tarnwick::cli

@@ -1,0 +1,114 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+
+#include "command_line.h"
+#include "images/test_image.h"
+
+namespace tarnwick::tests {
+
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+/// A texture of version 7.2 in RGB888 without smaller levels, each frame 4 by 2 pixels of one colour.
+std::string PlainTexture(const std::vector<Rgba>& frames) {
+  std::string bytes(80, '\0');
+  const auto put = [&](size_t at, int value) {
+    bytes[at] = static_cast<char>(value);
+    bytes[at + 1] = static_cast<char>(value >> 8);
+  };
+  bytes.replace(0, 3, "VTF");
+  put(4, 7);
+  put(8, 2);
+  put(12, 80);
+  put(16, 4);
+  put(18, 2);
+  put(24, static_cast<int>(frames.size()));
+  put(52, 2);
+  put(56, 1);
+  for (size_t at = 57; at < 61; ++at) bytes[at] = '\xFF';
+  put(63, 1);
+  for (const Rgba& colour : frames) {
+    for (int pixel = 0; pixel < 8; ++pixel) {
+      for (const uint8_t channel : {colour.Red, colour.Green, colour.Blue}) bytes += static_cast<char>(channel);
+    }
+  }
+  return bytes;
+}
+
+class VtfVerbTest : public testing::Test {
+ protected:
+  ScratchFolder Folder;
+};
+
+TEST_F(VtfVerbTest, WritesEveryFrameInTheFormatOfTheName) {
+  WriteText(Folder.Path("a b.vtf"), PlainTexture({{250, 20, 30}, {1, 2, 240}}));
+  for (const char* name : {"new/x.y.png", "new/x.y.tga"}) {
+    SCOPED_TRACE(name);
+    const auto result = RunCommand({"vtf", "-o", Folder.Path(name), Folder.Path("a b.vtf")});
+    EXPECT_EQ(result.ExitCode, 0) << result.Err;
+    std::string second = Folder.Path(name);
+    second.insert(second.size() - 4, "001");
+    EXPECT_EQ(result.Out, Folder.Path(name) + "\n" + second + "\n");
+    const TestImage first = ReadImage(Folder.Path(name));
+    EXPECT_EQ(first.Width, 4);
+    EXPECT_EQ(first.Height, 2);
+    EXPECT_EQ(first.At(3, 1), (Rgba{250, 20, 30}));
+    EXPECT_EQ(ReadImage(second).At(0, 0), (Rgba{1, 2, 240}));
+  }
+  EXPECT_THAT(Folder.Files(), ElementsAre("a b.vtf", "new/x.y.png", "new/x.y.tga", "new/x.y001.png", "new/x.y001.tga"));
+}
+
+TEST_F(VtfVerbTest, GoesOnPastATextureThatIsDamaged) {
+  WriteText(Folder.Path("in/red.vtf"), PlainTexture({{255, 0, 0}}));
+  WriteText(Folder.Path("in/sub/red.VTF"), PlainTexture({{128, 0, 0}}));
+  WriteText(Folder.Path("in/sub/bad.vtf"), PlainTexture({{0, 0, 0}}).substr(0, 90));
+  WriteText(Folder.Path("out/sub/bad.bmp"), "an older image");
+  const auto result =
+      RunCommand({"vtf", "-o", Folder.Path("out"), "-f", "bmp", "-j", "2", "-r", "--json", Folder.Path("in")});
+  EXPECT_EQ(result.ExitCode, 1);
+  EXPECT_THAT(result.Err, HasSubstr("in/sub/bad.vtf: vtf2tga: Error: "));
+  EXPECT_EQ(ReadText(Folder.Path("out/sub/bad.bmp")), "an older image");
+  EXPECT_EQ(ReadImage(Folder.Path("out/red.bmp")).At(0, 0).Red, 255);
+  EXPECT_EQ(ReadImage(Folder.Path("out/sub/red.bmp")).At(0, 0).Red, 128);
+  EXPECT_THAT(Folder.Files(), ElementsAre("in/red.vtf", "in/sub/bad.vtf", "in/sub/red.VTF", "out/red.bmp",
+                                          "out/sub/bad.bmp", "out/sub/red.bmp"));
+  std::istringstream lines(result.Out);
+  int good = 0;
+  int bad = 0;
+  for (std::string line; std::getline(lines, line);) {
+    const auto json = nlohmann::json::parse(line);
+    ++(json["outcome"] == "ok" && json["files"].size() == 1 ? good : bad);
+  }
+  EXPECT_EQ(good, 2);
+  EXPECT_EQ(bad, 1);
+}
+
+TEST_F(VtfVerbTest, RefusesAFormatThatCannotBeWrittenBeforeItStarts) {
+  WriteText(Folder.Path("a.vtf"), PlainTexture({{255, 0, 0}}));
+  const auto result = RunCommand({"vtf", "-o", Folder.Path("new/a.vmt"), Folder.Path("a.vtf")});
+  EXPECT_EQ(result.ExitCode, 2);
+  EXPECT_THAT(result.Err, HasSubstr("images cannot be written as .vmt; choose one of bmp "));
+  EXPECT_EQ(RunCommand({"vtf"}).ExitCode, 2);
+  EXPECT_EQ(RunCommand({"vtf", "-o", Folder.Path("x"), Folder.Path()}).ExitCode, 0);
+  EXPECT_THAT(Folder.Files(), ElementsAre("a.vtf", "x/a.tga"));
+}
+
+TEST_F(VtfVerbTest, TellsWhatATextureHolds) {
+  WriteText(Folder.Path("a.vtf"), PlainTexture({{255, 0, 0}, {0, 0, 0}}));
+  auto result = RunCommand({"vtf", "info", Folder.Path("a.vtf")});
+  EXPECT_EQ(result.ExitCode, 0) << result.Err;
+  EXPECT_THAT(result.Out, HasSubstr("version: 7.2\nwidth: 4\nheight: 2\n"));
+  result = RunCommand({"vtf", "info", "--json", Folder.Path("a.vtf"), Folder.Path("gone.vtf")});
+  EXPECT_EQ(result.ExitCode, 1);
+  EXPECT_EQ(nlohmann::json::parse(result.Out)["frames"], 2);
+  EXPECT_THAT(result.Err, HasSubstr("gone.vtf"));
+}
+
+}  // namespace
+
+}  // namespace tarnwick::tests

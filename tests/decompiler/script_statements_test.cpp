@@ -1,0 +1,99 @@
+#include "decompiler/script_statements.h"
+
+#include <gmock/gmock.h>
+
+#include "decompiler/script_records.h"
+#include "support/decompile_run.h"
+
+namespace tarnwick::decompiler {
+namespace {
+
+using namespace tests;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+/// A model without meshes, with one animation and one sequence.
+ModelBuilder Bare() {
+  ModelBuilder model;
+  model.BodyParts.clear();
+  model.Animations = {AnimationDescription{}};
+  model.Sequences = {SequenceDescription{}};
+  return model;
+}
+
+TEST(ScriptStatements, StandInTheirOrderToTheByte) {
+  ModelBuilder model = Bare();
+  model.Bones = {{.Name = "root"}, {.Name = "knee", .Parent = 0}, {.Name = "foot", .Parent = 1}};
+  model.PoseParameters = {{"move_x", -1, 1, 0}, {"move_yaw", -180, 180, 360}};
+  model.MaterialDirectories = {"models/a\\", ""};
+  model.HitboxSets = {{"default", {{2, 7, {-1, -2, -3}, {1, 2.0005f, 3}}}}, {"empty", {}}};
+  model.Attachments = {{"muzzle", 1, {{0, -1, 0, 1.5f, 1, 0, 0, -2, 0, 0, 1, 3}}}};
+  model.IncludedModels = {"models/m_anm.mdl", "short"};
+  model.SurfaceProp = "";
+  model.KeyValues = "mdlkeyvalue\n{\nprop_data { }\n}\n";
+  model.EyePosition = {0, 0, 65.5f};
+  model.IllumPosition = {-0.0f, 0, 0};
+  model.IkChains = {{"rfoot", {{0, {0.5f, 0, 1}}, {1, {}}, {2, {}}}}, {"two", {{0, {}}, {1, {}}}}};
+  const DecompileRun run(model);
+  EXPECT_EQ(run.Script(),
+            "$poseparameter move_x -1.00 1.00\n"
+            "$poseparameter move_yaw -180.00 180.00 360.00\n"
+            "$cdmaterials \"models/a\\\"\n"
+            "$cdmaterials \"\"\n"
+            "$hboxset \"default\"\n"
+            "$hbox 7 \"foot\" -1.000  -2.000  -3.000  1.000  2.000  3.000\n"
+            "$hboxset \"empty\"\n"
+            "$attachment \"muzzle\" \"knee\" 1.50 -2.00 3.00 rotate -0.00 90.00 0.00\n"
+            "$includemodel \"m_anm.mdl\"\n"
+            "$includemodel \"\"\n"
+            "$surfaceprop \"\"\n"
+            "$keyvalues  { prop_data { } } \n"
+            "$eyeposition 0.000 0.000 65.500\n"
+            "$sequence idle \"idle\" fps 30.00\n"
+            "$ikchain rfoot foot knee  0.500 0.000 1.000\n");
+  EXPECT_TRUE(run.Result.Succeeded());
+}
+
+TEST(ScriptStatements, SkinFamiliesHaveTwoShapes) {
+  ModelBuilder model = Bare();
+  model.Textures = {"a", "b", "c", "d", "e"};
+  model.MaterialDirectories = {};
+  model.SkinFamilies = {{0, 1}, {2, 1}};
+  EXPECT_EQ(DecompileRun(model).Script("$texturegroup"),
+            "$texturegroup skinfamilies\n{\n\t{ \"a.vmt\" }\n\t{ \"c.vmt\" }\n}\n");
+  // Five references in two families: three entries each.
+  model.SkinFamilies = {{0, 1, 2, 3, 4}, {4, 3, 2, 1, 0}};
+  EXPECT_EQ(DecompileRun(model).Script("$texturegroup"),
+            "$texturegroup skinfamilies\n{\n\t{\"a.vmt\"\n \"b.vmt\"\n \"c.vmt\"\n}\n "
+            "\t{\"e.vmt\"\n \"d.vmt\"\n \"c.vmt\"\n}\n }\n");
+  model.SkinFamilies = {{0, 1, 2, 3, 4}};
+  EXPECT_EQ(DecompileRun(model).Script("$texturegroup"), "");
+}
+
+TEST(ScriptStatements, KeepKeyValuesOfAnyLength) {
+  ModelBuilder model = Bare();
+  model.KeyValues = "other { " + std::string(10'000, 'x') + "\n}";
+  EXPECT_EQ(DecompileRun(model).Script("other", "$sequence"), "other { " + std::string(10'000, 'x') + " }\n");
+}
+
+TEST(ScriptStatements, AModelWithoutSequencesHasThemOnlyReadyToCompile) {
+  ModelBuilder model = Bare();
+  model.Sequences.clear();
+  EXPECT_EQ(DecompileRun(model).Script(), "");
+  EXPECT_EQ(DecompileRun(model, DecompileOptionReadyToCompile).Script(),
+            "$cdmaterials \"models/props/\"\n$surfaceprop \"metal\"\n");
+}
+
+TEST(ScriptStatements, ADamagedTableCostsItsStatementsOnly) {
+  ModelBuilder model = Bare();
+  model.HitboxSets = {HitboxSetDescription{}};
+  ModelFiles files = model.Build();
+  files.Mdl.Record<StudioHitbox>("hitboxes 0", 0).Bone = 1;
+  const DecompileRun run(files);
+  EXPECT_THAT(run.Result.Errors, ElementsAre(HasSubstr("names bone 1 of 1")));
+  EXPECT_EQ(run.Script("$hboxset"), "$hboxset \"default\"\n");
+  EXPECT_EQ(run.Script("$surfaceprop", "-"), "$surfaceprop \"metal\"\n$sequence idle \"idle\" fps 30.00\n");
+}
+
+}  // namespace
+}  // namespace tarnwick::decompiler

@@ -1,0 +1,173 @@
+#include "pages/decompiler_dialog.h"
+
+#include <gmock/gmock.h>
+
+#include <QCheckBox>
+#include <QCompleter>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QProgressBar>
+#include <QPushButton>
+
+#include "project/model_options.h"
+#include "settings/documents_folder.h"
+#include "support/model_builder.h"
+#include "support/scratch_folder.h"
+#include "window_support/memory_settings.h"
+#include "window_support/scripted_desktop.h"
+#include "window_support/window_actions.h"
+
+namespace tarnwick::pages {
+
+namespace {
+
+using platform::BoxIcon;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::HasSubstr;
+using tests::Click;
+using tests::ControlOf;
+using tests::ShownBox;
+
+/// The page in a window of its own that takes drops, as in the main dialog.
+class DecompilePage : public testing::Test {
+ protected:
+  void Open() {
+    m_page = std::make_unique<CDecompilerDialog>(PageContext{m_settings, m_desktop, m_options}, nullptr);
+    m_page->Create();
+    m_page->AcceptFiles();
+    m_page->show();
+  }
+
+  std::string Model() { return ControlOf<QLineEdit>(*m_page, "modelEdit").text().toStdString(); }
+  std::string Output() { return ControlOf<QLineEdit>(*m_page, "outputEdit").text().toStdString(); }
+  QCheckBox& Box(const char* name) { return ControlOf<QCheckBox>(*m_page, name); }
+  CDecompilerStatus& Status() { return *m_page->findChild<CDecompilerStatus*>(); }
+  std::string Log() { return ControlOf<QPlainTextEdit>(Status(), "logEdit").toPlainText().toStdString(); }
+  bool WaitForJob() {
+    return tests::WaitUntil([this] { return m_page->isEnabled(); });
+  }
+
+  tests::ScratchFolder m_folder;
+  tests::MemorySettings m_settings;
+  tests::ScriptedDesktop m_desktop;
+  project::ModelOptions m_options;
+  std::unique_ptr<CDecompilerDialog> m_page;
+};
+
+TEST_F(DecompilePage, StartsEmptyWithTheDocumentsFolderAndWritesNothing) {
+  Open();
+  EXPECT_EQ(Model(), "");
+  EXPECT_EQ(Output(), settings::DocumentsFolder());
+  EXPECT_FALSE(Box("unweightedCheck").isChecked());
+  EXPECT_FALSE(Box("rotationsCheck").isChecked());
+  EXPECT_TRUE(Box("readyCheck").isChecked());
+  EXPECT_FALSE(Status().isVisible());
+  EXPECT_TRUE(m_settings.Values.empty());
+}
+
+TEST_F(DecompilePage, StartsWithWhatIsKept) {
+  m_settings.Values = {{"Ravelback/LastMDLFile", "/m/a.mdl"},
+                       {"Ravelback/OutputDirectory", "/out"},
+                       {"Ravelback/CheckBoxSettings", "4"},
+                       {"Ravelback/ReadyToCompile", "0"}};
+  Open();
+  EXPECT_EQ(Model(), "/m/a.mdl");
+  EXPECT_EQ(Output(), "/out");
+  EXPECT_FALSE(Box("unweightedCheck").isChecked());
+  EXPECT_TRUE(Box("rotationsCheck").isChecked());
+  EXPECT_FALSE(Box("readyCheck").isChecked());
+}
+
+TEST_F(DecompilePage, BrowsingStoresAChoiceAndComplainsOnlyOfEmptyBoxes) {
+  Open();
+  m_desktop.Choices = {"/m/walker.mdl", "/out"};
+  Click(*m_page, "browseModelButton");
+  Click(*m_page, "browseOutputButton");
+  EXPECT_EQ(m_desktop.FileRequests.front().Title, "Name of MDL File");
+  EXPECT_EQ(m_desktop.FileRequests.front().Filter, "MDL Files (*.mdl)|*.mdl|");
+  EXPECT_THAT(m_desktop.FolderRequests, ElementsAre(std::pair<std::string, std::string>("Name of Output Directory",
+                                                                                        settings::DocumentsFolder())));
+  EXPECT_EQ(m_settings.Values["Ravelback/LastMDLFile"], "/m/walker.mdl");
+  EXPECT_EQ(m_settings.Values["Ravelback/OutputDirectory"], "/out");
+
+  ControlOf<QLineEdit>(*m_page, "modelEdit").setText("typed");
+  Click(*m_page, "browseModelButton");  // cancelled; the box shows the last chosen file again
+  Click(*m_page, "browseOutputButton");
+  EXPECT_EQ(Model(), "/m/walker.mdl");
+  EXPECT_EQ(Output(), "/out");
+  EXPECT_TRUE(m_desktop.Boxes.empty());
+
+  m_settings.Values.clear();
+  ControlOf<QLineEdit>(*m_page, "outputEdit").clear();
+  Click(*m_page, "browseModelButton");
+  Click(*m_page, "browseOutputButton");
+  EXPECT_THAT(m_desktop.Boxes, ElementsAre(ShownBox{BoxIcon::Exclamation, "No MDL File Selected!", ""},
+                                           ShownBox{BoxIcon::Exclamation, "No Output Folder Selected!", ""}));
+}
+
+TEST_F(DecompilePage, TakesDropsByTheirPoint) {
+  Open();
+  auto& modelBox = ControlOf<QLineEdit>(*m_page, "modelEdit");
+  tests::Drop(modelBox, {"/m/first.txt", "/m/second.mdl"});
+  EXPECT_EQ(Model(), "/m/first.txt") << "on the box the first file counts, whatever it is";
+  EXPECT_EQ(m_settings.Values["Ravelback/LastMDLFile"], "/m/first.txt");
+  tests::Drop(ControlOf<QLabel>(*m_page, "resultLabel"), {"/m/third.txt", "/m/fourth.MDL"});
+  EXPECT_EQ(Model(), "/m/fourth.MDL") << "elsewhere a model is looked for";
+  auto& outputBox = ControlOf<QLineEdit>(*m_page, "outputEdit");
+  tests::Drop(outputBox, {"/m/fifth.mdl"});
+  EXPECT_EQ(Model(), "/m/fourth.MDL");
+  EXPECT_EQ(Output(), settings::DocumentsFolder());
+  tests::Drop(outputBox, {m_folder.Path()});
+  EXPECT_EQ(Output(), m_folder.Path());
+}
+
+TEST_F(DecompilePage, RunsAWholeJobFromClickToFinishedLog) {
+  Open();
+  const std::string model = tests::ModelBuilder{}.Write(m_folder.Path());
+  const std::string output = m_folder.Path("out");
+  std::filesystem::create_directory(output);
+  ControlOf<QLineEdit>(*m_page, "modelEdit").setText(QString::fromStdString(model));
+  ControlOf<QLineEdit>(*m_page, "outputEdit").setText(QString::fromStdString(output));
+  Box("unweightedCheck").setChecked(true);
+  Box("rotationsCheck").setChecked(true);
+  for (int run = 0; run < 2; ++run) {  // the second replaces the first one's log in the same window
+    Click(*m_page, "extractButton");
+    EXPECT_FALSE(m_page->isEnabled());
+    EXPECT_TRUE(Status().isVisible() && Status().isEnabled());
+    ASSERT_TRUE(WaitForJob());
+    EXPECT_THAT(Log(), testing::StartsWith("Loaded model " + model + "\n"));
+    EXPECT_EQ(Log().find("Loaded model", 1), std::string::npos);
+    EXPECT_THAT(Log(), EndsWith("\nCompleted Dumping Model!\n"));
+    EXPECT_EQ(ControlOf<QProgressBar>(Status(), "progressBar").value(), 100);
+    EXPECT_THAT(ControlOf<QLabel>(Status(), "fileLabel").text().toStdString(), HasSubstr("written"));
+    Click(Status(), "okButton");
+    EXPECT_FALSE(Status().isVisible());
+  }
+  EXPECT_THAT(m_folder.Files(), Contains("out/ravelback.qc"));
+  EXPECT_TRUE(m_desktop.Boxes.empty());
+  EXPECT_EQ(m_settings.Values["Ravelback/CheckBoxSettings"], "6");
+  EXPECT_EQ(m_settings.Values["Ravelback/ReadyToCompile"], "1");
+  EXPECT_NE(ControlOf<QLineEdit>(*m_page, "modelEdit").completer()->model()->rowCount(), 0);
+  EXPECT_EQ(m_settings.Values.count("Ravelback/OutputDirectory"), 0u) << "only a picked directory is kept";
+  Click(Status(), "openFolderButton");
+  EXPECT_THAT(m_desktop.Opened, ElementsAre(output));
+}
+
+TEST_F(DecompilePage, ShowsWhyAJobFailed) {
+  Open();
+  ControlOf<QLineEdit>(*m_page, "outputEdit").setText(QString::fromStdString(m_folder.Path()));
+  Click(*m_page, "extractButton");
+  ASSERT_TRUE(WaitForJob());
+  ASSERT_EQ(m_desktop.Boxes.size(), 1u);
+  EXPECT_EQ(m_desktop.Boxes.front().Icon, BoxIcon::Stop);
+  EXPECT_EQ(m_desktop.Boxes.front().Caption, "Error");
+  EXPECT_THAT(m_desktop.Boxes.front().Text, testing::StartsWith("Unable to load model"));
+  EXPECT_TRUE(m_folder.Files().empty());
+}
+
+}  // namespace
+
+}  // namespace tarnwick::pages
