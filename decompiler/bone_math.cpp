@@ -134,9 +134,9 @@ void ConcatMatrix(const Matrix3x4& a, const Matrix3x4& b, Matrix3x4& result) {
   for (int row = 0; row < 3; ++row) {
     const double a0 = a(row, 0), a1 = a(row, 1), a2 = a(row, 2);
     for (int column = 0; column < 3; ++column) {
-      product(row, column) = Stored(a0 * b(0, column) + a1 * b(1, column) + a2 * b(2, column));
+      product.Set(row, column, Stored(a0 * b(0, column) + a1 * b(1, column) + a2 * b(2, column)));
     }
-    product(row, 3) = Stored(a0 * b(0, 3) + a1 * b(1, 3) + a2 * b(2, 3) + a(row, 3));
+    product.Set(row, 3, Stored(a0 * b(0, 3) + a1 * b(1, 3) + a2 * b(2, 3) + a(row, 3)));
   }
   result = product;
 }
@@ -152,9 +152,9 @@ void GetMatrixColumn(const Matrix3x4& m, int column, Vec3& result) {
 }
 
 void SetMatrixColumn(Matrix3x4& m, int column, const Vec3& value) {
-  m(0, column) = value.x;
-  m(1, column) = value.y;
-  m(2, column) = value.z;
+  m.Set(0, column, value.x);
+  m.Set(1, column, value.y);
+  m.Set(2, column, value.z);
 }
 
 void DecodeQuat48(const PackedQuat48& packed, Quat& result) {

@@ -34,7 +34,8 @@ struct Matrix3x4 {
   float m[12];
 
   float operator()(int row, int column) const { return m[4 * row + column]; }
-  float& operator()(int row, int column) { return m[4 * row + column]; }
+  /// A record may lie at any byte, so no reference to an element is given out.
+  void Set(int row, int column, float value) { m[4 * row + column] = value; }
 };
 
 /// A rotation in 48 bits: x and y in 16 bits each, z in 15, the sign of w in the top bit of the last word.

@@ -30,9 +30,9 @@ Matrix3x4 Product(const Matrix3x4& a, const Matrix3x4& b) {
   Matrix3x4 product{};
   for (int row = 0; row < 3; ++row) {
     for (int column = 0; column < 4; ++column) {
-      for (int k = 0; k < 3; ++k) product(row, column) += a(row, k) * b(k, column);
+      for (int k = 0; k < 3; ++k) product.Set(row, column, product(row, column) + a(row, k) * b(k, column));
     }
-    product(row, 3) += a(row, 3);
+    product.Set(row, 3, product(row, 3) + a(row, 3));
   }
   return product;
 }
@@ -42,8 +42,8 @@ Matrix3x4 Inverse(const Matrix3x4& m) {
   Matrix3x4 inverse{};
   for (int row = 0; row < 3; ++row) {
     for (int column = 0; column < 3; ++column) {
-      inverse(row, column) = m(column, row);
-      inverse(row, 3) -= m(column, row) * m(column, 3);
+      inverse.Set(row, column, m(column, row));
+      inverse.Set(row, 3, inverse(row, 3) - m(column, row) * m(column, 3));
     }
   }
   return inverse;
