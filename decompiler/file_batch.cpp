@@ -40,6 +40,11 @@ struct FileBatch::Task {
     Done.wait(lock, [this] { return Finished; });
   }
 
+  bool IsFinished() {
+    const std::lock_guard lock(Lock);
+    return Finished;
+  }
+
  private:
   void Run() {
     Outcome.Path = File.Path();
@@ -74,6 +79,11 @@ void FileBatch::FinishOldest() {
   const std::shared_ptr<Task> task = std::move(m_underWay.front());
   m_underWay.pop_front();
   task->RunOnce(*m_doneCount);
+  // While a helper is busy with it, the next ones are written here instead of waiting.
+  for (const auto& next : m_underWay) {
+    if (task->IsFinished()) break;
+    next->RunOnce(*m_doneCount);
+  }
   task->Wait();
   m_outcomes.push_back(std::move(task->Outcome));
 }
