@@ -53,7 +53,7 @@ TEST(NumberText, RoundsExactHalvesToEven) {
 
 TEST(NumberText, PrintsRandomBitPatternsAsPrintfDoes) {
   std::mt19937 random(20240607);
-  for (int i = 0; i < 1'000'000 && !::testing::Test::HasFailure(); ++i) ExpectAsPrintf(static_cast<uint32_t>(random()));
+  for (int i = 0; i < 3'000'000 && !::testing::Test::HasFailure(); ++i) ExpectAsPrintf(static_cast<uint32_t>(random()));
   // Most random patterns are far from the sizes that models hold; these are not.
   std::uniform_real_distribution<float> ordinary(-200.0f, 200.0f);
   for (int i = 0; i < 1'000'000 && !::testing::Test::HasFailure(); ++i) {

@@ -19,11 +19,24 @@ class DecompiledModel {
   }
   explicit DecompiledModel(const ModelBuilder& model, uint32_t options = 0) : DecompiledModel(model.Build(), options) {}
 
+  /// The script behind its first two lines.
+  std::string Script() const {
+    const std::string script = File("ravelback.qc");
+    return script.substr(script.find('\n', script.find('\n') + 1) + 1);
+  }
+  /// The part of it from the first line that begins with `first` up to the first line that begins with `behind`, or to
+  /// the end; "" if there is no such line.
+  std::string Script(const std::string& first, const std::string& behind = "$surfaceprop") const {
+    const std::string script = "\n" + Script();
+    const size_t begin = script.find("\n" + first);
+    if (begin == std::string::npos) return "";
+    const size_t end = script.find("\n" + behind, begin + 1);
+    return script.substr(begin + 1, end == std::string::npos ? end : end - begin);
+  }
   /// The script from behind its `$modelname` line up to the first statement that is not about meshes.
   std::string MeshCommands() const {
-    const std::string script = File("ravelback.qc");
-    const size_t begin = script.find('\n', script.find('\n') + 1) + 1;
-    return script.substr(begin, script.find("$cdmaterials ") - begin);
+    const std::string script = Script();
+    return script.substr(0, script.find("$cdmaterials "));
   }
   std::string File(const std::string& name) const { return ReadText(Out(name)); }
   std::string Out(const std::string& name) const { return m_folder.Path("out/" + name); }

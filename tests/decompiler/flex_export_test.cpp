@@ -4,7 +4,7 @@
 
 #include <filesystem>
 
-#include "support/decompile_run.h"
+#include "decompiled_model.h"
 
 namespace tarnwick::decompiler {
 namespace {
@@ -26,7 +26,7 @@ std::vector<MeshDescription>& Meshes(ModelBuilder& model) {
   return model.BodyParts[0].Models[0].Meshes;
 }
 
-std::string Block(const DecompileRun& run) {
+std::string Block(const DecompiledModel& run) {
   return run.Script("$model", "$cdmaterials");
 }
 
@@ -36,7 +36,7 @@ TEST(FlexExport, CountsFramesByDescriptorsEyelidsFirst) {
   // Descriptor 1 has its frame from the lids; only the first mesh is still asked for it.
   Meshes(model)[0].Flexes = {{.FlexDesc = 2, .Partner = 3}};
   Meshes(model)[1].Flexes = {{.FlexDesc = 1}, {.FlexDesc = 4}, {.FlexDesc = 4}, {.FlexDesc = 2}};
-  const DecompileRun run(model);
+  const DecompiledModel run(model);
   EXPECT_THAT(Block(run), HasSubstr("     flexfile \"ravelback_expressions.vta\" {\n"
                                     "          flexpair \"smile\" 1.0 frame 3\n"
                                     "          flex \"d4\" frame 4\n"
@@ -44,7 +44,7 @@ TEST(FlexExport, CountsFramesByDescriptorsEyelidsFirst) {
   EXPECT_THAT(Block(run), HasSubstr("upper_right \"ravelback_expressions.vta\" lowerer 2 -0.500000"));
 
   Meshes(model)[0].Flexes = {{.FlexDesc = 1}};
-  EXPECT_THAT(Block(DecompileRun(model)), HasSubstr("          flex \"d1\" frame 3\n"));
+  EXPECT_THAT(Block(DecompiledModel(model)), HasSubstr("          flex \"d1\" frame 3\n"));
 }
 
 TEST(FlexExport, WritesTheVertexAnimation) {
@@ -52,7 +52,7 @@ TEST(FlexExport, WritesTheVertexAnimation) {
   model.Bones = {{.Name = "root"}, {.Name = "head", .Parent = 0, .Position = {0, 0, 2}, .Angles = {0, 0, 1}}};
   Meshes(model)[0].Flexes = {{.FlexDesc = 4, .VertAnims = {{.Vertex = 2, .PositionDelta = {0.5f, 0, -1}}}}};
   Meshes(model)[1].Flexes = {{.FlexDesc = 4, .VertAnims = {{.Vertex = 1, .NormalDelta = {0, 0, -0.5f}}}}};
-  const DecompileRun run(model);
+  const DecompiledModel run(model);
   const std::string bones =
       "  0 0.000000 0.000000 0.000000 0.000000 0.000000 0.000000\n"
       "  1 0.000000 0.000000 2.000000 0.000000 0.000000 1.000000\n";
@@ -85,7 +85,7 @@ TEST(FlexExport, TheFirstEyeIsTheRightOneAndAllOthersAreLeft) {
                                   .LowerLidFlexDesc = 4};
   model.BodyParts[0].Models[0].Eyeballs = {eye, eye, eye};
   EXPECT_THAT(
-      Block(DecompileRun(model)),
+      Block(DecompiledModel(model)),
       HasSubstr(
           "     eyeball righteye root 1.000 2.000 3.000 eyeball_r 1.500  45.000 eye 0.250\n"
           "     eyeball lefteye root 1.000 2.000 3.000 eyeball_l 1.500  45.000 eye 0.250\n"
@@ -107,7 +107,7 @@ TEST(FlexExport, WritesMouthsControllersAndRules) {
                      {1, {{FlexOpController, 9}}},
                      {0, {}},
                      {4, {{FlexOpAdd, 0}, {99, 0}}}};
-  const DecompileRun run(model);
+  const DecompiledModel run(model);
   EXPECT_THAT(Block(run), HasSubstr("     mouth 0 \"d4\"  root 0.000 1.000 0.000\n"
                                     "     flexcontroller mouth smile \"range\" 0.000 1.000\n"
                                     "     flexcontroller eyelid d1 \"range\" -1.000 0.500\n"
@@ -123,12 +123,12 @@ TEST(FlexExport, WritesMouthsControllersAndRules) {
 TEST(FlexExport, WithoutFramesOrVerticesNoControllersFollow) {
   ModelBuilder model = Face();
   model.FlexControllers = {FlexControllerDescription{}};
-  EXPECT_EQ(Block(DecompileRun(model)).find("flexcontroller"), std::string::npos);
+  EXPECT_EQ(Block(DecompiledModel(model)).find("flexcontroller"), std::string::npos);
 
   Meshes(model)[0].Flexes = {{.FlexDesc = 4}};
   ModelFiles files = model.Build();
   files.Vvd.Record<VvdHeader>("header", 0).Id = 0;
-  const DecompileRun run(files);
+  const DecompiledModel run(files);
   EXPECT_EQ(Block(run).find("flexcontroller"), std::string::npos);
   EXPECT_THAT(Block(run), HasSubstr("     mouth 0 "));
   EXPECT_TRUE(run.File("ravelback_expressions.vta").ends_with("end\nvertexanimation\n"));
@@ -157,17 +157,17 @@ TEST(FlexExport, EachFaceHasItsOwnFileToCompile) {
   BodyPartDescription face = model.BodyParts[0];
   face.Models[0].Meshes[0].Flexes = {{.FlexDesc = 4}};
   model.BodyParts = {face, BodyPartDescription{}, face};
-  const DecompileRun run(model, DecompileOptionReadyToCompile);
+  const DecompiledModel run(model, DecompileOptionReadyToCompile);
   EXPECT_THAT(run.Script(), HasSubstr("$model \"body\" \"cube.smd\" {\n     flexfile \"ravelback_expressions.vta\""));
   EXPECT_THAT(run.Script(), HasSubstr("$model \"body\" \"cube_2.smd\"\n\n"));
   EXPECT_THAT(run.Script(), HasSubstr("     flexfile \"ravelback_expressions_2.vta\""));
-  EXPECT_THAT(run.Output.Files(), testing::IsSupersetOf({"ravelback_expressions.vta", "ravelback_expressions_2.vta"}));
+  EXPECT_THAT(run.Files(), testing::IsSupersetOf({"ravelback_expressions.vta", "ravelback_expressions_2.vta"}));
 }
 
 TEST(FlexExport, AFrameEndsAtAVertexThatIsNotThere) {
   ModelBuilder model = Face();
   Meshes(model)[0].Flexes = {{.FlexDesc = 4, .VertAnims = {{.Vertex = 500}}}};
-  const DecompileRun run(model);
+  const DecompiledModel run(model);
   EXPECT_THAT(run.Result.Errors, ElementsAre(HasSubstr("names vertex 500")));
   EXPECT_TRUE(run.File("ravelback_expressions.vta").ends_with("time 1 // d4\nend\n"));
 }

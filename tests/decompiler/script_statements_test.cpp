@@ -2,8 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include "decompiled_model.h"
 #include "decompiler/script_records.h"
-#include "support/decompile_run.h"
 
 namespace tarnwick::decompiler {
 namespace {
@@ -34,7 +34,7 @@ TEST(ScriptStatements, StandInTheirOrderToTheByte) {
   model.EyePosition = {0, 0, 65.5f};
   model.IllumPosition = {-0.0f, 0, 0};
   model.IkChains = {{"rfoot", {{0, {0.5f, 0, 1}}, {1, {}}, {2, {}}}}, {"two", {{0, {}}, {1, {}}}}};
-  const DecompileRun run(model);
+  const DecompiledModel run(model);
   EXPECT_EQ(run.Script(),
             "$poseparameter move_x -1.00 1.00\n"
             "$poseparameter move_yaw -180.00 180.00 360.00\n"
@@ -59,28 +59,28 @@ TEST(ScriptStatements, SkinFamiliesHaveTwoShapes) {
   model.Textures = {"a", "b", "c", "d", "e"};
   model.MaterialDirectories = {};
   model.SkinFamilies = {{0, 1}, {2, 1}};
-  EXPECT_EQ(DecompileRun(model).Script("$texturegroup"),
+  EXPECT_EQ(DecompiledModel(model).Script("$texturegroup"),
             "$texturegroup skinfamilies\n{\n\t{ \"a.vmt\" }\n\t{ \"c.vmt\" }\n}\n");
   // Five references in two families: three entries each.
   model.SkinFamilies = {{0, 1, 2, 3, 4}, {4, 3, 2, 1, 0}};
-  EXPECT_EQ(DecompileRun(model).Script("$texturegroup"),
+  EXPECT_EQ(DecompiledModel(model).Script("$texturegroup"),
             "$texturegroup skinfamilies\n{\n\t{\"a.vmt\"\n \"b.vmt\"\n \"c.vmt\"\n}\n "
             "\t{\"e.vmt\"\n \"d.vmt\"\n \"c.vmt\"\n}\n }\n");
   model.SkinFamilies = {{0, 1, 2, 3, 4}};
-  EXPECT_EQ(DecompileRun(model).Script("$texturegroup"), "");
+  EXPECT_EQ(DecompiledModel(model).Script("$texturegroup"), "");
 }
 
 TEST(ScriptStatements, KeepKeyValuesOfAnyLength) {
   ModelBuilder model = Bare();
   model.KeyValues = "other { " + std::string(10'000, 'x') + "\n}";
-  EXPECT_EQ(DecompileRun(model).Script("other", "$sequence"), "other { " + std::string(10'000, 'x') + " }\n");
+  EXPECT_EQ(DecompiledModel(model).Script("other", "$sequence"), "other { " + std::string(10'000, 'x') + " }\n");
 }
 
 TEST(ScriptStatements, AModelWithoutSequencesHasThemOnlyReadyToCompile) {
   ModelBuilder model = Bare();
   model.Sequences.clear();
-  EXPECT_EQ(DecompileRun(model).Script(), "");
-  EXPECT_EQ(DecompileRun(model, DecompileOptionReadyToCompile).Script(),
+  EXPECT_EQ(DecompiledModel(model).Script(), "");
+  EXPECT_EQ(DecompiledModel(model, DecompileOptionReadyToCompile).Script(),
             "$cdmaterials \"models/props/\"\n$surfaceprop \"metal\"\n");
 }
 
@@ -89,7 +89,7 @@ TEST(ScriptStatements, ADamagedTableCostsItsStatementsOnly) {
   model.HitboxSets = {HitboxSetDescription{}};
   ModelFiles files = model.Build();
   files.Mdl.Record<StudioHitbox>("hitboxes 0", 0).Bone = 1;
-  const DecompileRun run(files);
+  const DecompiledModel run(files);
   EXPECT_THAT(run.Result.Errors, ElementsAre(HasSubstr("names bone 1 of 1")));
   EXPECT_EQ(run.Script("$hboxset"), "$hboxset \"default\"\n");
   EXPECT_EQ(run.Script("$surfaceprop", "-"), "$surfaceprop \"metal\"\n$sequence idle \"idle\" fps 30.00\n");

@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include "support/decompile_run.h"
+#include "decompiled_model.h"
 
 namespace tarnwick::decompiler {
 namespace {
@@ -20,7 +20,7 @@ ModelBuilder Model(std::vector<AnimationDescription> animations, std::vector<Seq
 }
 
 std::string Sequences(const ModelBuilder& model, uint32_t options = 0) {
-  return DecompileRun(model, options).Script("$sequence", "-");
+  return DecompiledModel(model, options).Script("$sequence", "-");
 }
 
 TEST(SequenceScript, ClausesStandInTheirOrder) {
@@ -114,19 +114,19 @@ TEST(SequenceScript, RateAndLastFrameWeighTheAnimationsRoundTheRestPose) {
 TEST(SequenceScript, QuotesWhatTheCompilerWouldBreakApart) {
   ModelBuilder model = Model({{.Name = "Big Walk"}, {.Name = "@run fast"}},
                              {{.Label = "my walk", .Blends = {0, 1}, .BlendSize = {2, 1}}});
-  EXPECT_EQ(DecompileRun(model, DecompileOptionReadyToCompile).Script("$animation", "-"),
+  EXPECT_EQ(DecompiledModel(model, DecompileOptionReadyToCompile).Script("$animation", "-"),
             "$animation \"Big Walk\" \"Big Walk\" fps 30.000000\n"
             "$sequence \"my walk\" \"Big Walk\" fps 30.00 {\n  blendwidth 2\n \"Big Walk\" \"run fast\"\n}\n");
-  EXPECT_THAT(DecompileRun(model).Script("$animation", "-"), HasSubstr("$sequence my walk \"Big Walk\""));
+  EXPECT_THAT(DecompiledModel(model).Script("$animation", "-"), HasSubstr("$sequence my walk \"Big Walk\""));
 }
 
 TEST(SequenceScript, DamageIsTold) {
   ModelBuilder model = Model({AnimationDescription{}}, {{.EntryNode = 9, .ExitNode = 9}});
-  EXPECT_THAT(DecompileRun(model).Result.Errors, ElementsAre(HasSubstr("names transition node 9")));
+  EXPECT_THAT(DecompiledModel(model).Result.Errors, ElementsAre(HasSubstr("names transition node 9")));
   model = Model({AnimationDescription{}}, {{.Blends = {0, 0}, .BlendSize = {2, 1}, .PoseParameter = {3, -1}}});
-  EXPECT_THAT(DecompileRun(model).Result.Errors, ElementsAre(HasSubstr("names pose parameter 3 of 0")));
+  EXPECT_THAT(DecompiledModel(model).Result.Errors, ElementsAre(HasSubstr("names pose parameter 3 of 0")));
   model = Model({}, {SequenceDescription{}});
-  EXPECT_THAT(DecompileRun(model).Result.Errors, ElementsAre(HasSubstr("names no animation")));
+  EXPECT_THAT(DecompiledModel(model).Result.Errors, ElementsAre(HasSubstr("names no animation")));
 }
 
 }  // namespace

@@ -1,0 +1,114 @@
+#include "cli/decompile_verb.h"
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+#include "command_line.h"
+#include "support/model_builder.h"
+#include "support/scratch_folder.h"
+
+namespace tarnwick::cli {
+namespace {
+
+using namespace tests;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+class DecompileVerb : public testing::Test {
+ protected:
+  int Run(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), "decompile");
+    const CommandResult result = RunCommand(arguments);
+    m_out = result.Out;
+    m_err = result.Err;
+    return result.ExitCode;
+  }
+
+  ScratchFolder m_models;
+  ScratchFolder m_output;
+  std::string m_out;
+  std::string m_err;
+};
+
+TEST_F(DecompileVerb, OneModelGoesStraightIntoTheFolderThatIsMade) {
+  const std::string model = ModelBuilder{}.Write(m_models.Path());
+  EXPECT_EQ(Run({model, "-o", m_output.Path("new/deep")}), ExitSuccess);
+  EXPECT_THAT(m_output.Files(), ElementsAre("new/deep/cube.smd", "new/deep/ravelback.qc"));
+  EXPECT_THAT(m_err, HasSubstr("Completed Dumping Model!\n1 model, 2 files"));
+  EXPECT_EQ(m_out, "");
+}
+
+TEST_F(DecompileVerb, SeveralModelsGetFoldersOfTheirOwn) {
+  ModelBuilder{}.Write(m_models.Path("a"), "cube");
+  ModelBuilder{}.Write(m_models.Path("a/deep"), "cube");
+  ModelBuilder{}.Write(m_models.Path("b"), "CUBE");
+  EXPECT_EQ(Run({m_models.Path("a/cube.mdl"), m_models.Path("b/CUBE.mdl"), "-q", "-o", m_output.Path()}), ExitSuccess);
+  EXPECT_THAT(m_output.Files(),
+              ElementsAre("CUBE_2/cube.smd", "CUBE_2/ravelback.qc", "cube/cube.smd", "cube/ravelback.qc"));
+  EXPECT_EQ(m_err, "");
+
+  EXPECT_EQ(Run({m_models.Path("a"), "-r", "-j", "3", "-o", m_output.Path("tree")}), ExitSuccess);
+  EXPECT_TRUE(std::filesystem::exists(m_output.Path("tree/cube/cube.smd")));
+  EXPECT_TRUE(std::filesystem::exists(m_output.Path("tree/deep/cube/cube.smd")));
+
+  EXPECT_EQ(Run({m_models.Path("a"), "-o", m_output.Path("flat")}), ExitSuccess);
+  EXPECT_FALSE(std::filesystem::exists(m_output.Path("flat/deep")));
+}
+
+TEST_F(DecompileVerb, AFailureStopsNoOtherModelAndIsCountedByReason) {
+  for (const char* name : {"a", "b", "good"}) ModelBuilder{}.Write(m_models.Path(), name);
+  std::filesystem::remove(m_models.Path("a.dx90.vtx"));
+  std::filesystem::remove(m_models.Path("b.dx90.vtx"));
+  EXPECT_EQ(Run({m_models.Path(), "-o", m_output.Path()}), ExitFailure);
+  EXPECT_TRUE(std::filesystem::exists(m_output.Path("good/cube.smd")));
+  EXPECT_THAT(m_err, HasSubstr("3 models, 2 files"));
+  EXPECT_THAT(m_err, HasSubstr("2 failed:\n  2 x Error: Unable to load vertices file: MODEL.vtx\n"));
+  EXPECT_EQ(m_out, m_output.Path("good") + "\n");
+}
+
+TEST_F(DecompileVerb, PrintsAJsonObjectForEachModel) {
+  const std::string good = ModelBuilder{}.Write(m_models.Path(), "good");
+  EXPECT_EQ(Run({good, m_models.Path("none.mdl"), "--json", "-j", "1", "-o", m_output.Path()}), ExitFailure);
+  std::istringstream lines(m_out);
+  std::string line;
+  std::getline(lines, line);
+  const auto first = nlohmann::json::parse(line);
+  EXPECT_EQ(first["model"], good);
+  EXPECT_EQ(first["outcome"], "ok");
+  EXPECT_EQ(first["output"], m_output.Path("good"));
+  EXPECT_EQ(first["files"][0]["path"], m_output.Path("good/ravelback.qc"));
+  EXPECT_EQ(first["bytes"], first["files"][0]["bytes"].get<int>() + first["files"][1]["bytes"].get<int>());
+  EXPECT_THAT(first["errors"], IsEmpty());
+  std::getline(lines, line);
+  const auto second = nlohmann::json::parse(line);
+  EXPECT_EQ(second["outcome"], "failed");
+  EXPECT_THAT(second["errors"], ElementsAre("Error: Unable to load model"));
+  EXPECT_FALSE(std::getline(lines, line));
+}
+
+TEST_F(DecompileVerb, OptionsReachTheJob) {
+  ModelBuilder model;
+  model.BodyParts[0].Models[0].Name = "folder\\cube.smd";
+  const std::string path = model.Write(m_models.Path());
+  EXPECT_EQ(Run({path, "--unweighted", "-o", m_output.Path()}), ExitSuccess);
+  EXPECT_THAT(ReadText(m_output.Path("cube.smd")),
+              HasSubstr("\n0 0.000000 0.000000 0.000000 0.000000 0.000000 1.000000 "
+                        "0.000000 0.000000\n"));
+  EXPECT_EQ(Run({path, "--plain", "-o", m_output.Path()}), ExitFailure);
+  EXPECT_THAT(m_err, HasSubstr("File Error: Error opening " + m_output.Path("folder/cube.smd")));
+}
+
+TEST_F(DecompileVerb, AWrongCommandLineIsToldFromFailedWork) {
+  EXPECT_EQ(Run({}), ExitUsage);
+  EXPECT_EQ(Run({"a.mdl", "--no-such-option"}), ExitUsage);
+  EXPECT_EQ(Run({"a.mdl", "-j", "0"}), ExitUsage);
+  EXPECT_EQ(Run({m_models.Path(), "-o", m_output.Path()}), ExitFailure);
+  EXPECT_THAT(m_err, HasSubstr("the folder holds no .mdl file"));
+}
+
+}  // namespace
+}  // namespace tarnwick::cli
