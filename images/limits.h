@@ -10,7 +10,7 @@ inline constexpr int64_t LargestSide = 16'384;                           // pixe
 inline constexpr int64_t LargestPixelBytes = int64_t{1} << 30;           // of all images of the conversion together
 inline constexpr int64_t LargestMemory = LargestPixelBytes * 2;          // of the process: pixels, decoder, code
 inline constexpr int64_t LargestOutput = LargestPixelBytes + (1 << 20);  // bytes of the file that is written
-inline constexpr int64_t LongestProcessorTime = 120;                     // seconds of computing
+inline constexpr int64_t LongestProcessorTime = 60;                      // seconds of computing
 inline constexpr int64_t LongestRun = 300;                               // seconds on the clock
 
 }  // namespace tarnwick::images

@@ -17,8 +17,8 @@ namespace tarnwick::images {
 
 namespace {
 
-bool Limit(__rlimit_resource_t resource, int64_t value, std::string& reason) {
-  const rlimit limit{static_cast<rlim_t>(value), static_cast<rlim_t>(value)};
+bool Limit(__rlimit_resource_t resource, int64_t value, std::string& reason, int64_t beyond = 0) {
+  const rlimit limit{static_cast<rlim_t>(value), static_cast<rlim_t>(value + beyond)};
   if (setrlimit(resource, &limit) == 0) return true;
   reason = std::string("a limit could not be set: ") + std::strerror(errno);
   return false;
@@ -41,8 +41,8 @@ int AddRules(scmp_filter_ctx filter) {
     if (const int error = seccomp_rule_add(filter, SCMP_ACT_ALLOW, call, 0); error != 0) return error;
   }
   // Memory of no file, and none of it ever executable.
-  const scmp_arg_cmp notExecutable = SCMP_A2(SCMP_CMP_MASKED_EQ, PROT_EXEC, 0);
-  const scmp_arg_cmp anonymous = SCMP_A3(SCMP_CMP_MASKED_EQ, MAP_ANONYMOUS, MAP_ANONYMOUS);
+  const scmp_arg_cmp notExecutable{2, SCMP_CMP_MASKED_EQ, PROT_EXEC, 0};
+  const scmp_arg_cmp anonymous{3, SCMP_CMP_MASKED_EQ, MAP_ANONYMOUS, MAP_ANONYMOUS};
   const int error = seccomp_rule_add(filter, SCMP_ACT_ALLOW, SCMP_SYS(mmap), 2, notExecutable, anonymous);
   return error != 0 ? error : seccomp_rule_add(filter, SCMP_ACT_ALLOW, SCMP_SYS(mprotect), 1, notExecutable);
 }
@@ -53,7 +53,9 @@ bool LimitResources(std::string& reason) {
   close_range(STDERR_FILENO + 1, ~0u, 0);
   prctl(PR_SET_PDEATHSIG, SIGKILL);
   return Limit(RLIMIT_CORE, 0, reason) && Limit(RLIMIT_FSIZE, LargestOutput, reason) &&
-         Limit(RLIMIT_CPU, LongestProcessorTime, reason) && (!LimitsMemory || Limit(RLIMIT_AS, LargestMemory, reason));
+         // Where both limits are the same the signal does not tell what for.
+         Limit(RLIMIT_CPU, LongestProcessorTime, reason, 5) &&
+         (!LimitsMemory || Limit(RLIMIT_AS, LargestMemory, reason));
 }
 
 bool EnterJail(std::string& reason) {
