@@ -1,5 +1,6 @@
 #include "cli/decompile_summary.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <nlohmann/json.hpp>
 
@@ -9,11 +10,31 @@ namespace tarnwick::cli {
 
 namespace {
 
-void ReplaceAll(std::string& text, const std::string& from, std::string_view to) {
-  if (from.empty()) return;
-  for (size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size())) {
-    text.replace(at, from.size(), to);
+/// Replaces `path` where it stands as a path of its own (at the start or behind a blank or a quote, before `behind`)
+/// by `word`, and with `wholeName` what follows it up to ": ", a quote or the end of the line.
+void ReplacePath(std::string& text, const std::string& path, std::string_view behind, std::string_view word,
+                 bool wholeName) {
+  if (path.empty()) return;
+  for (size_t at = text.find(path); at != std::string::npos; at = text.find(path, at + 1)) {
+    const size_t next = at + path.size();
+    const bool begins = at == 0 || text[at - 1] == ' ' || text[at - 1] == '"';
+    if (!begins || next == text.size() || behind.find(text[next]) == std::string_view::npos) continue;
+    const size_t end = wholeName ? std::min({text.find(": ", next), text.find('"', next), text.find('\n', next),
+                                             text.find(" is not complete", next), text.size()})
+                                 : next;
+    text.replace(at, end - at, word);
   }
+}
+
+/// Each number becomes N: models that are damaged alike differ in them.
+std::string WithoutNumbers(const std::string& text) {
+  std::string plain;
+  for (const char c : text) {
+    const bool digit = c >= '0' && c <= '9';
+    if (!digit) plain += c;
+    if (digit && (plain.empty() || plain.back() != 'N')) plain += 'N';
+  }
+  return plain;
 }
 
 std::string Decimal(double value, const char* unit) {
@@ -51,8 +72,9 @@ std::string FailureReason(const ModelOutcome& outcome) {
   if (outcome.Result.Errors.empty()) return "it did not come to its end";
   std::string reason = outcome.Result.Errors.front();
   const std::string& path = outcome.Model.ModelPath;
-  ReplaceAll(reason, outcome.Model.OutputDirectory, "OUTPUT");
-  ReplaceAll(reason, path.substr(0, path.find_last_of('.')), "MODEL");
+  ReplacePath(reason, outcome.Model.OutputDirectory, "/\\", "FILE", true);
+  ReplacePath(reason, path.substr(0, path.find_last_of('.')), ".", "MODEL", false);
+  reason = WithoutNumbers(reason);
   for (char& c : reason) {
     if (c == '\n' || c == '\r') c = ' ';
   }

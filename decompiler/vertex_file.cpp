@@ -48,11 +48,14 @@ bool RebuildVertices(JobContext& job, const VvdHeader& header, VertexImage& imag
 std::optional<VertexImage> ReadVertexImage(JobContext& job) {
   const std::string path = VvdPath(job.Model.Mdl.Path());
   const auto found = FindCompanion(job, {&path, 1});
-  if (!found) return std::nullopt;
+  if (!found) {
+    job.LogError("No vertex file: " + path);
+    return std::nullopt;
+  }
   std::string reason;
   auto file = core::FileImage::Read(*found, &reason);
   if (!file) {
-    job.Log("Unable to read " + *found + ": " + reason + "\r\n");
+    job.LogError("Unable to read " + *found + ": " + reason);
     return std::nullopt;
   }
   VertexImage image{std::move(*file), {}, {}, false};
@@ -64,7 +67,7 @@ std::optional<VertexImage> ReadVertexImage(JobContext& job) {
   }
   image.HasVertices = (*header)->Id == VvdId && (*header)->VertexOffset != 0;
   if (!image.HasVertices) {
-    job.Log(image.File.Path() + " holds no vertex data\r\n");
+    job.LogError(image.File.Path() + " holds no vertex data");
     return image;
   }
   if ((*header)->FixupCount != 0) {

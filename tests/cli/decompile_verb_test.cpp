@@ -60,13 +60,18 @@ TEST_F(DecompileVerb, SeveralModelsGetFoldersOfTheirOwn) {
 }
 
 TEST_F(DecompileVerb, AFailureStopsNoOtherModelAndIsCountedByReason) {
-  for (const char* name : {"a", "b", "good"}) ModelBuilder{}.Write(m_models.Path(), name);
+  for (const char* name : {"a", "b", "c", "d", "good"}) ModelBuilder{}.Write(m_models.Path(), name);
+  std::filesystem::remove(m_models.Path("c.vvd"));
+  std::filesystem::create_directories(m_output.Path("d/cube.smd"));
   std::filesystem::remove(m_models.Path("a.dx90.vtx"));
   std::filesystem::remove(m_models.Path("b.dx90.vtx"));
   EXPECT_EQ(Run({m_models.Path(), "-o", m_output.Path()}), ExitFailure);
   EXPECT_TRUE(std::filesystem::exists(m_output.Path("good/cube.smd")));
-  EXPECT_THAT(m_err, HasSubstr("3 models, 2 files"));
-  EXPECT_THAT(m_err, HasSubstr("2 failed:\n  2 x Error: Unable to load vertices file: MODEL.vtx\n"));
+  EXPECT_THAT(m_err, HasSubstr("5 models, 4 files"));
+  EXPECT_THAT(m_err, HasSubstr("4 failed:\n"
+                               "  2 x Error: Unable to load vertices file: MODEL.vtx\n"
+                               "  1 x File Error: Error opening FILE\n"
+                               "  1 x No vertex file: MODEL.vvd\n"));
   EXPECT_EQ(m_out, m_output.Path("good") + "\n");
 }
 
