@@ -24,6 +24,8 @@ struct MessageBoxRequest {
   std::string Caption;  // empty: the program's name
   BoxIcon Icon = BoxIcon::None;
   BoxButtons Buttons = BoxButtons::Ok;
+  std::string Details = {};  // a second, quieter paragraph; may be empty
+  std::string OkLabel = {};  // for the OK button; empty: the platform's
 };
 
 /// One file chooser.

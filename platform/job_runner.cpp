@@ -18,7 +18,7 @@ namespace {
 constexpr int TickMilliseconds = 10;
 
 /// A worker's sink. It keeps what the worker says until the user-interface thread fetches it.
-class WorkerReport : public core::Report {
+class WorkerReport : public JobReport {
  public:
   void Log(std::string_view text) override {
     const std::lock_guard lock(m_mutex);
@@ -26,10 +26,15 @@ class WorkerReport : public core::Report {
   }
 
   void Box(core::BoxIcon icon, std::string_view text, std::string_view caption) override {
+    Ask(BoxOf(icon, text, caption));
+  }
+
+  BoxAnswer Ask(const MessageBoxRequest& request) override {
     std::unique_lock lock(m_mutex);
-    if (m_abandoned) return;
-    m_box = BoxOf(icon, text, caption);
+    if (m_abandoned) return BoxAnswer::Cancel;
+    m_box = request;
     m_answered.wait(lock, [this] { return !m_box || m_abandoned; });
+    return m_abandoned ? BoxAnswer::Cancel : m_answer;
   }
 
   std::string TakeLog() {
@@ -42,8 +47,9 @@ class WorkerReport : public core::Report {
     return m_box;
   }
 
-  void AnswerBox() {
+  void AnswerBox(BoxAnswer answer) {
     const std::lock_guard lock(m_mutex);
+    m_answer = answer;
     m_box.reset();
     m_answered.notify_all();
   }
@@ -60,6 +66,7 @@ class WorkerReport : public core::Report {
   std::condition_variable m_answered;
   std::string m_grown;
   std::optional<MessageBoxRequest> m_box;
+  BoxAnswer m_answer = BoxAnswer::Cancel;
   bool m_abandoned = false;
 };
 
@@ -128,10 +135,10 @@ void JobRunner::ShowWaitingBox() {
   if (!box) return;
   m_showingBox = true;
   const QPointer<JobRunner> alive(this);
-  m_page.DesktopSeam().ShowBox(&m_page, *box);
+  const BoxAnswer answer = m_page.DesktopSeam().ShowBox(&m_page, *box);
   if (!alive) return;
   m_showingBox = false;
-  m_job->Report.AnswerBox();
+  m_job->Report.AnswerBox(answer);
 }
 
 void JobRunner::Finish() {

@@ -7,7 +7,7 @@
 #include <stop_token>
 #include <string>
 
-#include "core/report.h"
+#include "platform/job_report.h"
 
 class QProgressBar;
 class QWidget;
@@ -31,12 +31,12 @@ struct JobView {
 ///                  {.Bar = ui->progress, .LogGrew = [this](const std::string& text) { Append(text); }});
 ///
 /// A box that the work shows through the report appears on the user-interface thread, owned by the page, and the work
-/// waits for its answer. The work must not touch a widget.
+/// waits for its answer; so does a question. The work must not touch a widget.
 class JobRunner : public QObject {
   Q_OBJECT
 
  public:
-  using Work = std::function<void(core::Report& report, const std::stop_token& stop)>;
+  using Work = std::function<void(JobReport& report, const std::stop_token& stop)>;
 
   /// A runner for `page`, which becomes its parent.
   explicit JobRunner(CDialog& page);

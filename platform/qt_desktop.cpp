@@ -4,6 +4,7 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QUrl>
 
 #ifdef _WIN32
@@ -100,6 +101,8 @@ BoxAnswer QtDesktop::ShowBox(QWidget* owner, const MessageBoxRequest& request) {
   box.setWindowTitle(ToQt(request.Caption));
   box.setIcon(QtIcon(request.Icon));
   box.setStandardButtons(QtButtons(request.Buttons));
+  box.setInformativeText(ToQt(request.Details));
+  if (!request.OkLabel.empty()) box.button(QMessageBox::Ok)->setText(ToQt(request.OkLabel));
   box.setTextInteractionFlags(Qt::TextSelectableByMouse);
   switch (box.exec()) {
     case QMessageBox::Ok:

@@ -64,6 +64,25 @@ TEST_F(JobRunnerTest, KeepsTheWindowAliveAndThePageDisabled) {
   EXPECT_TRUE(m_page.isEnabled());
 }
 
+TEST_F(JobRunnerTest, AsksForTheWorkerAndAnswersCancelAtTheEnd) {
+  m_desktop.BoxAnswers = {BoxAnswer::Ok, BoxAnswer::Cancel};
+  std::vector<BoxAnswer> answers;
+  const MessageBoxRequest question{"Go on?", "Warning", BoxIcon::Exclamation, BoxButtons::OkCancel};
+  m_jobs->Start(
+      [&](JobReport& report, const std::stop_token&) {
+        answers = {report.Ask(question), report.Ask(question)};
+      },
+      View());
+  ASSERT_TRUE(tests::WaitUntil([&] { return m_done == 1; }));
+  EXPECT_THAT(answers, ElementsAre(BoxAnswer::Ok, BoxAnswer::Cancel));
+  EXPECT_EQ(m_desktop.Boxes.front(), (ShownBox{BoxIcon::Exclamation, "Go on?", "Warning", BoxButtons::OkCancel}));
+
+  m_jobs->Start([&](JobReport& report, const std::stop_token&) { answers = {report.Ask(question)}; }, View());
+  m_jobs.reset();  // the window is gone before anybody could be asked
+  EXPECT_THAT(answers, ElementsAre(BoxAnswer::Cancel));
+  EXPECT_EQ(m_desktop.Boxes.size(), 2u);
+}
+
 TEST_F(JobRunnerTest, ShowsTheWorkersBoxesOnTheUserInterfaceThreadAndWaits) {
   m_jobs->Start(
       [](core::Report& report, const std::stop_token&) {
