@@ -3,6 +3,7 @@
 #include "core/settings_table.h"
 #include "platform/bitmap_button.h"
 #include "platform/text.h"
+#include "tools/sdk_tools.h"
 #include "ui_game_config_dialog.h"
 
 namespace tarnwick::app {
@@ -14,6 +15,7 @@ CGameConfigDialog::CGameConfigDialog(core::AppSettings& settings, platform::Desk
   m_ui->setupUi(this);
   connect(m_ui->browseGameButton, &QAbstractButton::clicked, this, &CGameConfigDialog::OnBrowseGame);
   connect(m_ui->browseSdkButton, &QAbstractButton::clicked, this, &CGameConfigDialog::OnBrowseSdk);
+  connect(m_ui->ownToolsButton, &QAbstractButton::clicked, this, &CGameConfigDialog::OnOwnTools);
   connect(m_ui->buttonBox, &QDialogButtonBox::accepted, this, &QDialog::accept);
   connect(m_ui->buttonBox, &QDialogButtonBox::rejected, this, &QDialog::reject);
 }
@@ -44,6 +46,15 @@ void CGameConfigDialog::OnBrowseSdk() {
   if (!chosen) return;
   m_ui->sdkEdit->setText(platform::ToQt(*chosen));
   setting::SdkDirectory.Write(m_settings, *chosen);
+}
+
+void CGameConfigDialog::OnOwnTools() {
+  if (const auto directory = tools::BundledSdkDirectory()) {
+    m_ui->sdkEdit->setText(platform::ToQt(*directory));  // stored on OK, as if typed
+  } else {
+    DesktopSeam().Box(this, platform::BoxIcon::Exclamation,
+                      "The tools vtex and vtf2tga are not in the directory sdk beside the program.", "Warning");
+  }
 }
 
 void CGameConfigDialog::OnOK() {

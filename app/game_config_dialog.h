@@ -28,6 +28,7 @@ class CGameConfigDialog : public platform::CDialog {
  private:
   void OnBrowseGame();
   void OnBrowseSdk();
+  void OnOwnTools();
 
   core::AppSettings& m_settings;
   std::unique_ptr<Ui::GameConfigDialog> m_ui;

@@ -92,6 +92,18 @@ TEST_F(MainDialog, HandsDropsToTheShowingPageOnlyAndPagesKeepTheirText) {
   EXPECT_EQ(modelBox.text(), "/m/b.mdl");
 }
 
+TEST_F(MainDialog, ConfiguringOffersTheProgramsOwnTextureTools) {
+  Open();
+  tests::WhenModalOpens([this](QWidget& dialog) {
+    Click(dialog, "ownToolsButton");
+    EXPECT_THAT(ControlOf<QLineEdit>(dialog, "sdkEdit").text().toStdString(), EndsWith("/bin/sdk"));
+    EXPECT_EQ(Value("Tarnwick/SDKDirectory"), "(not there)") << "stored on OK only";
+    static_cast<QDialog&>(dialog).accept();
+  });
+  Click(*m_dialog, "configureButton");
+  EXPECT_THAT(Value("Tarnwick/SDKDirectory"), EndsWith("/bin/sdk"));
+}
+
 TEST_F(MainDialog, ConfiguringStoresABrowsedDirectoryAtOnceAndTheRestOnOk) {
   Open();
   m_desktop.Choices = {"/games/hl2"};
