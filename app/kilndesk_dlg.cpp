@@ -28,10 +28,10 @@ CKilndeskDlg::CKilndeskDlg(core::AppSettings& settings, platform::Desktop& deskt
     : CDialog(desktop),
       m_settings(settings),
       m_ui(std::make_unique<Ui::KilndeskDlg>()),
-      m_modelPage({settings, desktop, m_modelOptions}),
-      m_materialPage({settings, desktop, m_modelOptions}),
-      m_decompilerPage({settings, desktop, m_modelOptions}),
-      m_texturePage({settings, desktop, m_modelOptions}),
+      m_modelPage({settings, desktop, m_modelOptions, &m_pageLog}),
+      m_materialPage({settings, desktop, m_modelOptions, &m_pageLog}),
+      m_decompilerPage({settings, desktop, m_modelOptions, &m_pageLog}),
+      m_texturePage({settings, desktop, m_modelOptions, &m_pageLog}),
       m_pages{&m_modelPage, &m_materialPage, &m_decompilerPage, &m_texturePage} {
   m_ui->setupUi(this);
   setWindowFlags(Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
@@ -45,6 +45,8 @@ CKilndeskDlg::CKilndeskDlg(core::AppSettings& settings, platform::Desktop& deskt
   connect(m_ui->helpButton, &QAbstractButton::clicked, this, &CKilndeskDlg::OnHelp);
   connect(m_ui->configureButton, &QAbstractButton::clicked, this, &CKilndeskDlg::OnConfigure);
   connect(m_ui->gameDirectoryHelpButton, &QAbstractButton::clicked, this, &CKilndeskDlg::OnGameDirectoryHelp);
+  connect(&m_materialPage, &pages::CMatDialog::MaterialDirectoryChanged, &m_modelPage,
+          &pages::CMDLSelDialog::SetMaterialDirectory);
   connect(new QShortcut(QKeySequence::HelpContents, this), &QShortcut::activated, this, &CKilndeskDlg::OnHelp);
 }
 

@@ -56,6 +56,7 @@ class CKilndeskDlg : public platform::CDialog {
   core::AppSettings& m_settings;
   std::unique_ptr<Ui::KilndeskDlg> m_ui;
   project::ModelOptions m_modelOptions;
+  tools::PageLog m_pageLog;
   pages::CMDLSelDialog m_modelPage;
   pages::CMatDialog m_materialPage;
   pages::CDecompilerDialog m_decompilerPage;

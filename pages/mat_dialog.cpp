@@ -1,11 +1,197 @@
 #include "pages/mat_dialog.h"
 
-#include "pages/coming_page.h"
+#include <QShortcut>
+
+#include "core/paths.h"
+#include "core/settings_table.h"
+#include "pages/map_chooser.h"
+#include "pages/material_settings.h"
+#include "platform/bitmap_button.h"
+#include "platform/dropped_files.h"
+#include "platform/text.h"
+#include "platform/window_placing.h"
+#include "project/model_options.h"
+#include "ui_mat_dialog.h"
 
 namespace tarnwick::pages {
 
-CMatDialog::CMatDialog(const PageContext& context, QWidget* parent) : CPage(context, parent) {
-  ShowComingLater(*this, "Compiling materials");
+namespace setting = core::setting;
+using platform::FromQt;
+using platform::ToQt;
+
+CMatDialog::CMatDialog(const PageContext& context, QWidget* parent)
+    : CPage(context, parent),
+      m_ui(std::make_unique<Ui::MatDialog>()),
+      m_envmap(context.Desktop, this),
+      m_status(context.Desktop, this, [this] { m_jobs.RequestStop(); }),
+      m_jobs(*this) {
+  m_ui->setupUi(this);
+  connect(m_ui->modelPathRadio, &QAbstractButton::clicked, this, [this] { Options().modelPath = true; });
+  connect(m_ui->mapPathRadio, &QAbstractButton::clicked, this, [this] { Options().modelPath = false; });
+  connect(m_ui->normalCheck, &QAbstractButton::clicked, m_ui->normalEdit, &QWidget::setEnabled);
+  connect(m_ui->normalCheck, &QAbstractButton::toggled, m_ui->browseNormalButton, &QWidget::setEnabled);
+  connect(m_ui->glowCheck, &QAbstractButton::clicked, this, &CMatDialog::OnGlowMap);
+  connect(m_ui->glowCheck, &QAbstractButton::toggled, m_ui->browseGlowButton, &QWidget::setEnabled);
+  connect(m_ui->translucentCheck, &QAbstractButton::clicked, this, &CMatDialog::OnTranslucent);
+  connect(m_ui->envmapCheck, &QAbstractButton::toggled, m_ui->envmapButton, &QWidget::setEnabled);
+  connect(m_ui->envmapButton, &QAbstractButton::clicked, this, &CMatDialog::OnEnvMapSettings);
+  connect(m_ui->directoryEdit, &QLineEdit::textChanged, this,
+          [this](const QString& text) { emit MaterialDirectoryChanged(FromQt(text)); });
+  connect(m_ui->browseNormalButton, &QAbstractButton::clicked, this,
+          [this] { BrowseForMap(*this, *m_ui->normalEdit, "Name of Normal MAP TGA"); });
+  connect(m_ui->browseGlowButton, &QAbstractButton::clicked, this,
+          [this] { BrowseForMap(*this, *m_ui->glowEdit, "Name of Illum MAP TGA"); });
+  connect(m_ui->addButton, &QAbstractButton::clicked, this, &CMatDialog::OnAdd);
+  connect(m_ui->clearButton, &QAbstractButton::clicked, this, &CMatDialog::OnClear);
+  connect(m_ui->clearAllButton, &QAbstractButton::clicked, m_ui->materialList, &QTreeWidget::clear);
+  connect(m_ui->compileButton, &QAbstractButton::clicked, this, &CMatDialog::CompileMaterials);
+  auto* removeKey = new QShortcut(QKeySequence::Delete, m_ui->materialList, nullptr, nullptr, Qt::WidgetShortcut);
+  connect(removeKey, &QShortcut::activated, m_ui->materialList, &CMaterialList::RemoveSelected);
+}
+
+CMatDialog::~CMatDialog() = default;
+
+void CMatDialog::OnInitDialog() {
+  CPage::OnInitDialog();
+  m_ui->materialList->InsertColumns();
+  platform::LoadAllCaptionBitmaps(*this);
+  m_ui->shaderCombo->addItems({"LightmappedGeneric", "UnlitGeneric", "VertexLitGeneric"});
+
+  const tools::MaterialCompile kept = ReadMaterialSettings(Settings());
+  m_ui->directoryEdit->setText(ToQt(kept.Directory));
+  (kept.ModelPath ? m_ui->modelPathRadio : m_ui->mapPathRadio)->setChecked(true);
+  m_ui->translucentCheck->setChecked(kept.Translucent);
+  m_ui->glowCheck->setChecked(kept.HasGlowMap);
+  m_ui->selfIllumTextureCheck->setChecked(kept.UseSelfIllumTexture);
+  m_ui->normalCheck->setChecked(kept.HasNormalMap);
+  m_ui->glowEdit->setEnabled(kept.HasGlowMap);
+  m_ui->browseGlowButton->setEnabled(kept.HasGlowMap);
+  m_ui->normalEdit->setEnabled(kept.HasNormalMap);
+  m_ui->browseNormalButton->setEnabled(kept.HasNormalMap);
+  m_ui->shaderCombo->setEditText(ToQt(kept.Shader));
+  LoadMaterials(core::MainSection);
+  m_ui->normalEdit->setText(ToQt(kept.NormalMap));
+  m_ui->glowEdit->setText(ToQt(kept.GlowMap));
+  m_envmap.Create();
+  m_ui->envmapCheck->setChecked(kept.EnvMap);
+  m_ui->envmapButton->setEnabled(kept.EnvMap);
+  m_envmap.Show(kept);
+}
+
+void CMatDialog::LoadMaterials(std::string_view section) {
+  for (const core::TextSetting* kept :
+       {&setting::Material0, &setting::Material1, &setting::Material2, &setting::Material3}) {
+    const std::string path = Settings().GetString(section, kept->Name);
+    if (!path.empty() && core::FileExists(path)) m_ui->materialList->AddFile(path);
+  }
+  m_ui->materialList->FitColumns();
+}
+
+tools::MaterialCompile CMatDialog::Values() const {
+  tools::MaterialCompile values;
+  values.Images = m_ui->materialList->Files();
+  values.Directory = FromQt(m_ui->directoryEdit->text());
+  values.ModelPath = Options().modelPath;
+  values.Shader = FromQt(m_ui->shaderCombo->currentText());
+  values.Translucent = m_ui->translucentCheck->isChecked();
+  values.HasNormalMap = m_ui->normalCheck->isChecked();
+  values.NormalMap = FromQt(m_ui->normalEdit->text());
+  values.HasGlowMap = m_ui->glowCheck->isChecked();
+  values.GlowMap = FromQt(m_ui->glowEdit->text());
+  values.UseSelfIllumTexture = m_ui->selfIllumTextureCheck->isChecked();
+  values.EnvMap = m_ui->envmapCheck->isChecked();
+  m_envmap.ReadInto(values);
+  return values;
+}
+
+void CMatDialog::SaveSettings() {
+  SaveMaterialSettings(Options());
+}
+
+void CMatDialog::SaveMaterialSettings(const project::ModelOptions& options) {
+  tools::MaterialCompile values = Values();
+  values.ModelPath = options.modelPath;
+  WriteMaterialSettings(Settings(), values);
+}
+
+void CMatDialog::OnGlowMap() {
+  const bool isOn = m_ui->glowCheck->isChecked();
+  m_ui->glowEdit->setEnabled(isOn);
+  if (isOn) m_ui->translucentCheck->setChecked(false);
+}
+
+void CMatDialog::OnTranslucent() {
+  if (m_ui->translucentCheck->isChecked()) m_ui->glowCheck->setChecked(false);
+}
+
+void CMatDialog::OnEnvMapSettings() {
+  platform::CenterOver(*this, m_envmap);
+  m_envmap.show();
+  m_envmap.activateWindow();
+}
+
+void CMatDialog::OnAdd() {
+  const auto chosen =
+      DesktopSeam().ChooseFilesToOpen(this, {.Title = "Name of TGA File",
+                                             .Filter = "TGA/LST Files (*.tga,*lst)|*.tga;*.lst|All Supported "
+                                                       "Files|*.tga;*.jpg;*.gif;*.bmp;*.png;*.dds|",
+                                             .StartName = {},
+                                             .StartDirectory = {}});
+  if (!chosen) return;
+  for (const std::string& path : *chosen) m_ui->materialList->AddFile(path);
+}
+
+void CMatDialog::OnClear() {
+  if (m_ui->materialList->selectedItems().isEmpty()) {
+    return DesktopSeam().Box(this, platform::BoxIcon::Exclamation, "No items were selected!", "Warning");
+  }
+  m_ui->materialList->RemoveSelected();
+}
+
+void CMatDialog::OnDropFiles(const platform::DroppedFiles& drop) {
+  if (drop.IsOver(*m_ui->normalEdit)) m_ui->normalEdit->setText(ToQt(drop.Paths.front()));
+  if (drop.IsOver(*m_ui->glowEdit)) m_ui->glowEdit->setText(ToQt(drop.Paths.front()));
+  CMaterialList& list = *m_ui->materialList;
+  if (!drop.IsOver(list)) return;
+  for (const std::string& path : drop.Paths) {
+    if (!list.HasFile(path)) list.AddFile(path);
+  }
+  list.FitColumns();
+  if (list.topLevelItemCount() > 0) list.scrollToItem(list.topLevelItem(list.topLevelItemCount() - 1));
+}
+
+void CMatDialog::CompileMaterials() {
+  SaveMaterialSettings(Options());
+  m_status.Create();
+  const MaterialJob job{Values(), setting::SdkDirectory.Read(Settings()), setting::GameDirectory.Read(Settings()),
+                        setting::WineProgram.Read(Settings())};
+  const auto events = std::make_shared<MaterialEvents>();
+  const auto work = [job, events](platform::JobReport& report, const std::stop_token& stop) {
+    RunMaterialJob(job, report, stop, *events);
+  };
+  m_status.Begin();
+  m_jobs.Start(work, {.Bar = &m_status.Bar(),
+                      .LogGrew =
+                          [this](const std::string& text) {
+                            if (Context().Log != nullptr) Context().Log->AppendPageLog(text);
+                          },
+                      .Tick = [this, events] { ShowEvents(*events); },
+                      .Done =
+                          [this, events] {
+                            ShowEvents(*events);
+                            m_status.End();
+                          }});
+}
+
+void CMatDialog::ShowEvents(MaterialEvents& events) {
+  for (const JobEvent<MaterialOutcome>& event : events.Take()) {
+    const bool isFirst = event.Told == JobEvent<MaterialOutcome>::Kind::Started && event.Index == 0;
+    if (isFirst) {
+      platform::CenterOver(*this, m_status);
+      m_status.show();
+    }
+    m_status.Show(event);
+  }
 }
 
 }  // namespace tarnwick::pages

@@ -1,15 +1,58 @@
 #pragma once
 
+#include <memory>
+#include <string_view>
+
+#include "pages/envmap_dialog.h"
 #include "pages/page.h"
+#include "pages/vtex_status_dialog.h"
+#include "platform/job_runner.h"
+
+namespace Ui {
+class MatDialog;
+}
 
 namespace tarnwick::pages {
 
-/// The tab "Material Compile".
+/// The tab "Material Compile": a list of images and the options of their materials; runs vtex on each.
 class CMatDialog : public CPage {
   Q_OBJECT
 
  public:
   explicit CMatDialog(const PageContext& context, QWidget* parent = nullptr);
+  ~CMatDialog() override;
+
+  void OnDropFiles(const platform::DroppedFiles& drop) override;
+  void SaveSettings() override;
+
+  /// Writes everything that is kept of the page.
+  void SaveMaterialSettings(const project::ModelOptions& options);
+
+  /// Saves the page's values and compiles the list; the status window shows how it goes on.
+  void CompileMaterials();
+
+ signals:
+  /// The compiled material directory has changed; also sent when the page starts with one.
+  void MaterialDirectoryChanged(const std::string& directory);
+
+ protected:
+  void OnInitDialog() override;
+  /// Fills the list with the images that `section` of the settings keeps, without those that are gone.
+  virtual void LoadMaterials(std::string_view section);
+
+ private:
+  tools::MaterialCompile Values() const;
+  void OnGlowMap();
+  void OnTranslucent();
+  void OnEnvMapSettings();
+  void OnAdd();
+  void OnClear();
+  void ShowEvents(MaterialEvents& events);
+
+  std::unique_ptr<Ui::MatDialog> m_ui;
+  CEnvmapDialog m_envmap;
+  CVtexStatusDialog m_status;
+  platform::JobRunner m_jobs;  // behind the window that it writes to
 };
 
 }  // namespace tarnwick::pages

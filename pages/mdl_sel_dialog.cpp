@@ -8,4 +8,6 @@ CMDLSelDialog::CMDLSelDialog(const PageContext& context, QWidget* parent) : CPag
   ShowComingLater(*this, "Compiling models");
 }
 
+void CMDLSelDialog::SetMaterialDirectory(const std::string& /*directory*/) {}  // the form comes with a later version
+
 }  // namespace tarnwick::pages

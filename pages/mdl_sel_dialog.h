@@ -10,6 +10,9 @@ class CMDLSelDialog : public CPage {
 
  public:
   explicit CMDLSelDialog(const PageContext& context, QWidget* parent = nullptr);
+
+  /// Shows the compiled material directory, which the Material Compile page edits.
+  void SetMaterialDirectory(const std::string& directory);
 };
 
 }  // namespace tarnwick::pages

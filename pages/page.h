@@ -2,6 +2,7 @@
 
 #include "core/app_settings.h"
 #include "platform/dialog.h"
+#include "tools/page_log.h"
 
 namespace tarnwick::project {
 struct ModelOptions;
@@ -14,6 +15,7 @@ struct PageContext {
   core::AppSettings& Settings;
   platform::Desktop& Desktop;
   project::ModelOptions& Options;  // the program's one record, filled from the settings before a page is created
+  tools::PageLog* Log = nullptr;   // the compile pages' one channel; may be missing
 };
 
 /// A page of the main dialog. Its OnDropFiles is called with the files that are dropped on the main dialog while its

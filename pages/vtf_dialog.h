@@ -1,15 +1,50 @@
 #pragma once
 
+#include <memory>
+#include <string>
+
 #include "pages/page.h"
+#include "pages/vtf_job.h"
+#include "platform/job_runner.h"
+
+namespace Ui {
+class VtfDialog;
+}
 
 namespace tarnwick::pages {
 
-/// The tab "VTF Export".
+/// The tab "VTF Export": writes textures as images by means of vtf2tga and shows what became of them.
 class CVTFDialog : public CPage {
   Q_OBJECT
 
  public:
   explicit CVTFDialog(const PageContext& context, QWidget* parent = nullptr);
+  ~CVTFDialog() override;
+
+  void OnDropFiles(const platform::DroppedFiles& drop) override;
+  void SaveSettings() override;
+
+  void OnBrowseInput();
+  void OnBrowseOutput();
+  /// Exports the texture that is named.
+  void ExtractVtf();
+
+ protected:
+  void OnInitDialog() override;
+
+ private:
+  void SuggestOutputName(const std::string& input);
+  void SetOutput(const std::string& path);
+  void ExtractAll(const std::vector<std::string>& inputs);
+  void OfferMissingDirectory(const std::string& output);
+  void Start(std::vector<tools::VtfExport> exports);
+  void ShowEvents(VtfEvents& events, const std::vector<tools::VtfExport>& exports);
+  void ShowLog(const std::string& text);
+
+  std::unique_ptr<Ui::VtfDialog> m_ui;
+  std::string m_finishedLog;  // of the textures of this job that are done
+  std::string m_runningLog;   // of the one at hand
+  platform::JobRunner m_jobs;
 };
 
 }  // namespace tarnwick::pages

@@ -1,0 +1,186 @@
+#include "pages/vtf_dialog.h"
+
+#include <gmock/gmock.h>
+
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPushButton>
+
+#include "pages/picture_view.h"
+#include "project/model_options.h"
+#include "settings/documents_folder.h"
+#include "support/file_builder.h"
+#include "support/scratch_folder.h"
+#include "tools/sdk_tools.h"
+#include "window_support/memory_settings.h"
+#include "window_support/scripted_desktop.h"
+#include "window_support/window_actions.h"
+
+namespace tarnwick::pages {
+
+namespace {
+
+using platform::BoxAnswer;
+using platform::BoxButtons;
+using platform::BoxIcon;
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::StartsWith;
+using tests::Click;
+using tests::ControlOf;
+using tests::ShownBox;
+
+/// A texture of 4 by 4 pixels of one colour, three bytes each.
+std::string Texture(uint8_t red, uint8_t green, uint8_t blue) {
+  tests::FileBuilder file;
+  file.Append(std::string_view("VTF\0", 4));
+  for (const uint32_t number : {7u, 2u, 80u}) file.AppendValue(number);  // version, size of the header
+  file.AppendValue<uint32_t>(4 | 4 << 16);                               // width and height
+  file.AppendValue<uint32_t>(0);                                         // flags
+  file.AppendValue<uint32_t>(1);                                         // one frame, the first
+  file.Append(std::string(24, '\0'));                                    // reflectivity, bump scale
+  file.AppendValue<uint32_t>(3);                                         // BGR888
+  file.Append(std::string_view("\1\377\377\377\377\0\0\1\0", 9));        // one level, no small image, depth 1
+  file.Bytes().resize(80);
+  for (int i = 0; i < 16; ++i) {
+    for (const uint8_t value : {blue, green, red}) file.AppendValue(value);
+  }
+  return file.Bytes();
+}
+
+/// The page in a window of its own that takes drops, as in the main dialog.
+class VtfPage : public testing::Test {
+ protected:
+  void Open() {
+    m_settings.Values["Tarnwick/SDKDirectory"] = tools::BundledSdkDirectory().value_or("");
+    m_page = std::make_unique<CVTFDialog>(PageContext{m_settings, m_desktop, m_options});
+    m_page->Create();
+    m_page->AcceptFiles();
+    m_page->show();
+  }
+  std::string WriteTexture(const std::string& name, uint8_t red, uint8_t green, uint8_t blue) {
+    tests::WriteText(m_folder.Path(name), Texture(red, green, blue));
+    return m_folder.Path(name);
+  }
+  QLineEdit& Input() { return ControlOf<QLineEdit>(*m_page, "inputEdit"); }
+  QLineEdit& Output() { return ControlOf<QLineEdit>(*m_page, "outputEdit"); }
+  std::string Log() { return ControlOf<QPlainTextEdit>(*m_page, "logEdit").toPlainText().toStdString(); }
+  const QImage& Picture() { return m_page->findChild<CPictureView*>()->Picture(); }
+  bool WaitForJob() {
+    return tests::WaitUntil([this] { return ControlOf<QWidget>(*m_page, "controls").isEnabled(); });
+  }
+  void Export(const std::string& input, const std::string& output) {
+    Input().setText(QString::fromStdString(input));
+    Output().setText(QString::fromStdString(output));
+    Click(*m_page, "extractButton");
+    ASSERT_TRUE(WaitForJob());
+  }
+  std::string Kept(const std::string& name) { return m_settings.GetString("Tarnwick", name, "(not there)"); }
+
+  tests::ScratchFolder m_folder;
+  tests::MemorySettings m_settings;
+  tests::ScriptedDesktop m_desktop;
+  project::ModelOptions m_options;
+  std::unique_ptr<CVTFDialog> m_page;
+};
+
+TEST_F(VtfPage, BrowsingStoresBothNames) {
+  Open();
+  m_desktop.Choices = {"/t/wall.v2.vtf", "", "/t/wall.png"};
+  Click(*m_page, "browseInputButton");
+  EXPECT_EQ(Input().text(), "/t/wall.v2.vtf");
+  EXPECT_EQ(Output().text(), "/t/wall.v2.tga");
+  EXPECT_EQ(Kept("VTFExportFile"), "/t/wall.v2.vtf");
+  EXPECT_EQ(Kept("TGAExportFile"), "/t/wall.v2.tga");
+  Output().clear();
+  Click(*m_page, "browseOutputButton");  // cancelled
+  Click(*m_page, "browseOutputButton");
+  EXPECT_EQ(Kept("TGAExportFile"), "/t/wall.png");
+  EXPECT_EQ(m_desktop.FileRequests[0].Title, "Name of Input File");
+  EXPECT_EQ(m_desktop.FileRequests[0].Filter, "VTF Files (*.vtf)|*.vtf|");
+  EXPECT_EQ(m_desktop.FileRequests[1].Title, "Name of TGA or VMT Output File");
+  EXPECT_EQ(m_desktop.FileRequests[1].StartDirectory, settings::DocumentsFolder());
+}
+
+TEST_F(VtfPage, TakesADropByItsPointAndSavesAtTheEnd) {
+  Open();
+  tests::Drop(Input(), {"/t/wall.vtf", "/t/notes.txt"});
+  EXPECT_EQ(Output().text(), "/t/wall.tga");
+  EXPECT_EQ(Kept("TGAExportFile"), "/t/wall.tga");
+  EXPECT_EQ(Kept("VTFExportFile"), "(not there)");
+  tests::Drop(Output(), {"/t/door.png", "/t/wall.vtf"});
+  tests::Drop(ControlOf<QLabel>(*m_page, "hintLabel"), {"/t/floor.vtf"});
+  EXPECT_EQ(Input().text(), "/t/wall.vtf");
+  EXPECT_EQ(Output().text(), "/t/door.png");
+  m_page->SaveSettings();
+  EXPECT_EQ(Kept("VTFExportFile"), "/t/wall.vtf");
+  EXPECT_EQ(Kept("TGAExportFile"), "/t/door.png");
+  Open();
+  EXPECT_EQ(Output().text(), "/t/door.png");
+}
+
+TEST_F(VtfPage, WritesTheImageAndShowsIt) {
+  Open();
+  const std::string texture = WriteTexture("My Wall.vtf", 200, 100, 50);
+  Export(texture, m_folder.Path("wall.png"));
+  EXPECT_EQ(QImage(QString::fromStdString(m_folder.Path("wall.png"))).pixelColor(1, 1), QColor(200, 100, 50));
+  EXPECT_EQ(Picture().pixelColor(1, 1), QColor(200, 100, 50));
+  EXPECT_THAT(m_folder.Files(), ElementsAre("My Wall.vtf", "wall.png", "wall.tga"));
+  EXPECT_THAT(Log(), AllOf(StartsWith(Kept("SDKDirectory") + "/vtf2tga.exe -nopause -i \"" + texture + "\" -o \"" +
+                                      m_folder.Path("wall.tga") + "\"\n"),
+                           HasSubstr("Converting wall.tga from TGA to PNG\n")));
+  EXPECT_TRUE(m_desktop.Boxes.empty());
+
+  Export(m_folder.Path("gone.vtf"), m_folder.Path("wall.tga"));
+  EXPECT_TRUE(Picture().isNull()) << "the older image is not taken for the new one";
+  EXPECT_THAT(Log(), HasSubstr("gone.vtf"));
+  Export(texture, m_folder.Path("wall.vmt"));
+  EXPECT_THAT(m_desktop.Boxes,
+              ElementsAre(ShownBox{BoxIcon::Stop, "Unable to create TGA file " + m_folder.Path("wall.vmt") + "\n",
+                                   "TGA Error"}));
+}
+
+TEST_F(VtfPage, ExportsSeveralDroppedTexturesOneAfterTheOther) {
+  Open();
+  Output().setText("/anywhere/x.png");
+  const std::vector<std::string> textures = {WriteTexture("a.vtf", 1, 2, 3), WriteTexture("b.VTF", 4, 5, 6)};
+  tests::Drop(Input(), textures);
+  ASSERT_TRUE(WaitForJob());
+  EXPECT_THAT(m_folder.Files(), ElementsAre("a.png", "a.tga", "a.vtf", "b.VTF", "b.png", "b.tga"));
+  EXPECT_EQ(Output().text().toStdString(), m_folder.Path("b.png"));
+  EXPECT_THAT(Log(), AllOf(HasSubstr("Converting a.tga"), HasSubstr("Converting b.tga")));
+  EXPECT_EQ(Picture().pixelColor(0, 0), QColor(4, 5, 6));
+
+  tests::WriteText(m_folder.Path("a.png"), "mine");
+  m_desktop.BoxAnswers = {BoxAnswer::Cancel};
+  tests::Drop(ControlOf<QLabel>(*m_page, "hintLabel"), textures);
+  EXPECT_THAT(m_desktop.Boxes.back().Text, StartsWith("2 of 2 textures"));
+  EXPECT_EQ(tests::ReadText(m_folder.Path("a.png")), "mine");
+}
+
+TEST_F(VtfPage, OffersToCreateTheOutputDirectory) {
+  Open();
+  const std::string texture = WriteTexture("a.vtf", 1, 2, 3);
+  Export(texture, m_folder.Path("new/deep/a.png"));
+  ASSERT_EQ(m_desktop.Boxes.size(), 1u);
+  EXPECT_EQ(m_desktop.Boxes[0].Buttons, BoxButtons::OkCancel);
+  EXPECT_THAT(m_folder.Files(), testing::Contains("new/deep/a.png"));
+}
+
+TEST_F(VtfPage, TellsOfAMissingTool) {
+  Open();
+  m_settings.Values["Tarnwick/SDKDirectory"].clear();
+  Export(WriteTexture("a.vtf", 1, 2, 3), m_folder.Path("a.tga"));
+  EXPECT_THAT(
+      m_desktop.Boxes,
+      ElementsAre(ShownBox{BoxIcon::Stop,
+                           "Command /vtf2tga.exe not found.\r\nPlease set correct HL2 SDK path using configure button",
+                           "VTF2TGA ERROR"}));
+  EXPECT_EQ(m_folder.Files().size(), 1u);
+}
+
+}  // namespace
+
+}  // namespace tarnwick::pages
