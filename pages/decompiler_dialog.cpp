@@ -3,8 +3,10 @@
 #include <QCompleter>
 #include <QFileInfo>
 #include <QStringListModel>
+#include <algorithm>
 #include <atomic>
 #include <mutex>
+#include <thread>
 
 #include "core/paths.h"
 #include "core/settings_table.h"
@@ -172,7 +174,10 @@ void CDecompilerDialog::OnExtract() {
     const std::stop_callback onStop(stop, [&stopRequested] { stopRequested = true; });
     job.StopRequested = &stopRequested;
     job.Progress = [&progress](const DecompileProgress& now) { progress->Set(now); };
+    core::WorkQueue helpers(static_cast<int>(std::max(std::thread::hardware_concurrency(), 2u)) - 1);
+    job.Helpers = &helpers;
     decompiler::DecompileModel(job, report);
+    helpers.Close();
   };
   m_jobs.Start(work, {.Bar = &m_status.Bar(),
                       .LogGrew = [this](const std::string& text) { m_status.Append(text); },

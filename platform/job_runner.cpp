@@ -103,7 +103,11 @@ bool JobRunner::Start(Work work, JobView view) {
   }
   m_job = std::make_unique<Job>();
   m_job->Thread = std::jthread([job = m_job.get(), work = std::move(work)](const std::stop_token& stop) {
-    work(job->Report, stop);
+    try {
+      work(job->Report, stop);
+    } catch (const std::exception& error) {  // memory ran out, at the latest
+      job->Report.ErrorBox(error.what(), "Error");
+    }
     job->Ended = true;
   });
   m_timer = startTimer(TickMilliseconds);

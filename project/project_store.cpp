@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "core/number_parse.h"
+#include "core/settings_table.h"
 #include "project/project_keys.h"
 #include "project/project_values.h"
 
@@ -117,17 +118,17 @@ void SaveProjectToStore(const ModelProject& project, ProfileStore& store) {
 void SaveProjectToStore(const ModelProject& project, ProfileStore& store, core::AppSettings& settings) {
   SaveProjectToStore(project, store);
   const ModelOptions& options = project.options;
-  settings.WriteString(core::MainSection, "Config File", project.configFile);
-  settings.WriteString(core::MainSection, "Model File", project.modelFile);
-  settings.WriteString(core::MainSection, "Reference SMD", project.referenceSmd);
-  settings.WriteString(core::MainSection, "Collision SMD", project.collisionFile);
-  settings.WriteInt(core::MainSection, "Anim SMD Check", project.useReferenceAsSequence);
-  settings.WriteInt(core::MainSection, "Phy SMD Check", project.useReferenceAsCollision);
-  settings.WriteInt(core::MainSection, "Prop Type", project.propType);
-  settings.WriteString(core::MainSection, "SurfaceProp", options.surfaceProp);
-  settings.WriteString(core::MainSection, "PropPhysics Type", options.propPhysicsType);
-  settings.WriteString(core::MainSection, "Additional QC", options.additionalQc);
-  settings.WriteInt(core::MainSection, "StudioMDLOptions", options.studioMdlOptions);
+  core::setting::ConfigFile.Write(settings, project.configFile);
+  core::setting::ModelFile.Write(settings, project.modelFile);
+  core::setting::ReferenceSmd.Write(settings, project.referenceSmd);
+  core::setting::CollisionSmd.Write(settings, project.collisionFile);
+  core::setting::AnimSmdCheck.Write(settings, project.useReferenceAsSequence);
+  core::setting::PhySmdCheck.Write(settings, project.useReferenceAsCollision);
+  core::setting::PropType.Write(settings, project.propType);
+  core::setting::SurfaceProp.Write(settings, options.surfaceProp);
+  core::setting::PropPhysicsType.Write(settings, options.propPhysicsType);
+  core::setting::AdditionalQc.Write(settings, options.additionalQc);
+  core::setting::StudioMdlOptions.Write(settings, options.studioMdlOptions);
 }
 
 void LoadProjectFromStore(const ProfileStore& store, ModelProject& project, std::vector<std::string>* notes) {
@@ -149,23 +150,23 @@ void LoadProjectFromStore(const ProfileStore& store, ModelProject& project, std:
 }
 
 void LoadFormFromSettings(const core::AppSettings& settings, ModelProject& project) {
-  project.modelFile = settings.GetString(core::MainSection, "Model File");
-  project.referenceSmd = settings.GetString(core::MainSection, "Reference SMD");
-  project.collisionFile = settings.GetString(core::MainSection, "Collision SMD");
-  project.useReferenceAsSequence = settings.GetInt(core::MainSection, "Anim SMD Check", 0) != 0;
-  project.useReferenceAsCollision = settings.GetInt(core::MainSection, "Phy SMD Check", 0) != 0;
-  project.propType = settings.GetInt(core::MainSection, "Prop Type", 0);
-  project.configFile = settings.GetString(core::MainSection, "Config File");
+  project.modelFile = core::setting::ModelFile.Read(settings);
+  project.referenceSmd = core::setting::ReferenceSmd.Read(settings);
+  project.collisionFile = core::setting::CollisionSmd.Read(settings);
+  project.useReferenceAsSequence = core::setting::AnimSmdCheck.Read(settings) != 0;
+  project.useReferenceAsCollision = core::setting::PhySmdCheck.Read(settings) != 0;
+  project.propType = core::setting::PropType.Read(settings);
+  project.configFile = core::setting::ConfigFile.Read(settings);
 }
 
 void LoadOptionsFromSettings(const core::AppSettings& settings, ModelOptions& options) {
-  options.modelPath = settings.GetInt(core::MainSection, "Model Path", 1) != 0;
-  options.scale = core::ParseReal(settings.GetString(core::MainSection, "Scale", "1.0"));
-  options.mass = core::ParseReal(settings.GetString(core::MainSection, "Mass", "100.0"));
-  options.surfaceProp = settings.GetString(core::MainSection, "SurfaceProp", "metal");
-  options.propPhysicsType = settings.GetString(core::MainSection, "PropPhysics Type", "metal.small");
-  options.additionalQc = settings.GetString(core::MainSection, "Additional QC");
-  options.studioMdlOptions = settings.GetInt(core::MainSection, "StudioMDLOptions", 0);
+  options.modelPath = core::setting::ModelPath.Read(settings) != 0;
+  options.scale = core::ParseReal(core::setting::Scale.Read(settings));
+  options.mass = core::ParseReal(core::setting::Mass.Read(settings));
+  options.surfaceProp = core::setting::SurfaceProp.Read(settings);
+  options.propPhysicsType = core::setting::PropPhysicsType.Read(settings);
+  options.additionalQc = core::setting::AdditionalQc.Read(settings);
+  options.studioMdlOptions = core::setting::StudioMdlOptions.Read(settings);
 }
 
 }  // namespace tarnwick::project

@@ -58,6 +58,21 @@ TEST_F(MainDialog, OpensOnTheFirstTabAndWritesNothingByStarting) {
   EXPECT_TRUE(m_settings.Values.empty());
 }
 
+TEST_F(MainDialog, GivesEveryIconButtonADrawingATooltipAndAName) {
+  Open();
+  int icons = 0;
+  for (const QAbstractButton* button : m_dialog->findChildren<QAbstractButton*>()) {
+    const std::string name = button->objectName().toStdString();
+    EXPECT_FALSE(button->text().startsWith("IDB_")) << name;
+    if (!button->property("stem").isValid()) continue;
+    ++icons;
+    EXPECT_FALSE(button->icon().isNull()) << name;
+    EXPECT_FALSE(button->toolTip().isEmpty()) << name;
+    EXPECT_FALSE(button->accessibleName().isEmpty()) << name;
+  }
+  EXPECT_GE(icons, 3);
+}
+
 TEST_F(MainDialog, RemembersItsTabWhetherLeftByExitOrByTheCloseBox) {
   Open();
   Tabs().setCurrentIndex(3);

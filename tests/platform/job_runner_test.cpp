@@ -5,6 +5,7 @@
 #include <QProgressBar>
 #include <QTest>
 #include <memory>
+#include <new>
 #include <semaphore>
 #include <thread>
 
@@ -95,6 +96,12 @@ TEST_F(JobRunnerTest, ShowsTheWorkersBoxesOnTheUserInterfaceThreadAndWaits) {
   EXPECT_THAT(m_desktop.Boxes, ElementsAre(ShownBox{BoxIcon::Stop, "Unable to load model", "Error"},
                                            ShownBox{BoxIcon::Exclamation, "Odd", "Warning"}));
   EXPECT_EQ(m_log, "after");
+}
+
+TEST_F(JobRunnerTest, SaysWhenTheWorkRanOutOfMemory) {
+  m_jobs->Start([](core::Report&, const std::stop_token&) { throw std::bad_alloc(); }, View());
+  EXPECT_TRUE(tests::WaitUntil([&] { return m_done == 1; }));
+  EXPECT_EQ(m_desktop.Boxes.size(), 1u);
 }
 
 TEST_F(JobRunnerTest, EndsWithItsPageAlsoWhileTheWorkWaitsForAnAnswer) {
