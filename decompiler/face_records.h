@@ -59,8 +59,8 @@ struct StudioVertAnim {
   int16_t Vertex;             // 0x00 within the mesh
   uint8_t Speed;              // 0x02
   uint8_t Side;               // 0x03
-  uint16_t PositionDelta[3];  // 0x04 half-floats
-  uint16_t NormalDelta[3];    // 0x0A half-floats
+  PackedVec48 PositionDelta;  // 0x04
+  PackedVec48 NormalDelta;    // 0x0A
 };
 static_assert(sizeof(StudioVertAnim) == 16);
 

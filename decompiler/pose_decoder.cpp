@@ -13,10 +13,10 @@ bool IsDelta(const AnimRecord& anim) {
 }
 
 /// The values of the three axes whose runs stand at `triple`.
-Vec3 RunValues(const AnimRecord& anim, int64_t triple, int32_t frame, const float (&scale)[3]) {
-  return {DecodeRunValue(frame, RunsOfAxis(anim.Image, triple, 0), scale[0]),
-          DecodeRunValue(frame, RunsOfAxis(anim.Image, triple, 1), scale[1]),
-          DecodeRunValue(frame, RunsOfAxis(anim.Image, triple, 2), scale[2])};
+Vec3 RunValues(const AnimRecord& anim, int64_t triple, int32_t frame, const Vec3& scale) {
+  return {DecodeRunValue(frame, RunsOfAxis(anim.Image, triple, 0), scale.x),
+          DecodeRunValue(frame, RunsOfAxis(anim.Image, triple, 1), scale.y),
+          DecodeRunValue(frame, RunsOfAxis(anim.Image, triple, 2), scale.z)};
 }
 
 }  // namespace

@@ -104,9 +104,9 @@ bool PosePlayer::Read(RunTrack& track, int32_t frame) {
 
 void PosePlayer::Store(const RunTrack& track) {
   const StudioBone& bone = *m_bones[track.Bone];
-  const float(&scale)[3] = track.IsRotation ? bone.RotationScale : bone.PositionScale;
-  const Vec3 value{static_cast<float>(track.Values[0]) * scale[0], static_cast<float>(track.Values[1]) * scale[1],
-                   static_cast<float>(track.Values[2]) * scale[2]};
+  const Vec3& scale = track.IsRotation ? bone.RotationScale : bone.PositionScale;
+  const Vec3 value{static_cast<float>(track.Values[0]) * scale.x, static_cast<float>(track.Values[1]) * scale.y,
+                   static_cast<float>(track.Values[2]) * scale.z};
   const auto at = static_cast<size_t>(track.Bone);
   if (!track.IsRotation) {
     SetPosition(at, track.IsDelta

@@ -87,14 +87,14 @@ struct StudioBone {
   int32_t NameOffset;  // 0x00
   int32_t Parent;      // 0x04 -1 for a root
   char Unread08[0x20 - 0x08];
-  Vec3 Position;           // 0x20 default, in the parent's space
-  Quat Rotation;           // 0x2C default
-  EulerAngles Angles;      // 0x3C default, radians
-  float PositionScale[3];  // 0x48 worth of one run value of a position axis
-  float RotationScale[3];  // 0x54 the same for a rotation axis, radians
-  Matrix3x4 PoseToBone;    // 0x60 from the model's pose space to the bone's space
-  Quat Alignment;          // 0x90
-  uint32_t Flags;          // 0xA0
+  Vec3 Position;         // 0x20 default, in the parent's space
+  Quat Rotation;         // 0x2C default
+  EulerAngles Angles;    // 0x3C default, radians
+  Vec3 PositionScale;    // 0x48 worth of one run value of a position axis
+  Vec3 RotationScale;    // 0x54 the same for a rotation axis, radians
+  Matrix3x4 PoseToBone;  // 0x60 from the model's pose space to the bone's space
+  Quat Alignment;        // 0x90
+  uint32_t Flags;        // 0xA0
   char UnreadA4[0xD8 - 0xA4];
 };
 /// Decoded rotations of the bone are aligned to `Alignment`.

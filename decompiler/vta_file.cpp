@@ -82,8 +82,10 @@ void GatherVertices(JobContext& job, const core::Record<StudioModel>& model, Vta
   if (count > 0) content.Vertices = {&*data->Vertices[data->First], 0, count};
 }
 
-Vec3 Decode(const uint16_t (&halfFloats)[3]) {
-  return {DecodeHalfFloat(halfFloats[0]), DecodeHalfFloat(halfFloats[1]), DecodeHalfFloat(halfFloats[2])};
+Vec3 Decode(const PackedVec48& packed) {
+  Vec3 value;
+  DecodeVec48(packed, value);
+  return value;
 }
 
 Vec3 Add(const Vec3& a, const Vec3& b) {

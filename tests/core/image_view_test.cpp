@@ -34,7 +34,7 @@ TEST_F(ImageViewTest, GivesRecordsThatLieInside) {
   const auto pairs = m_view.Array<Pair>(1, 3);
   ASSERT_TRUE(pairs);
   EXPECT_EQ(pairs->Count(), 3);
-  EXPECT_EQ((*pairs)[2]->First, 0x0807);
+  EXPECT_EQ(int16_t{(*pairs)[2]->First}, 0x0807);
   EXPECT_EQ((*pairs)[2].Offset(), 7);
   int64_t sum = 0;
   for (const auto pair : *pairs) sum += pair->Second;

@@ -70,10 +70,8 @@ void WriteBones(const ModelBuilder& model, FileBuilder& mdl) {
     record.Position = bone.Position;
     record.Angles = bone.Angles;
     record.Rotation = ToQuat(bone.Angles);
-    for (size_t axis = 0; axis < 3; ++axis) {
-      record.PositionScale[axis] = bone.PositionScale[axis];
-      record.RotationScale[axis] = bone.RotationScale[axis];
-    }
+    record.PositionScale = {bone.PositionScale[0], bone.PositionScale[1], bone.PositionScale[2]};
+    record.RotationScale = {bone.RotationScale[0], bone.RotationScale[1], bone.RotationScale[2]};
     record.PoseToBone = Inverse(placements.back());
     record.Alignment = bone.Alignment;
     record.Flags = bone.Flags;

@@ -15,8 +15,8 @@ StudioVertAnim ToRecord(const VertAnimDescription& anim) {
   const float position[] = {anim.PositionDelta.x, anim.PositionDelta.y, anim.PositionDelta.z};
   const float normal[] = {anim.NormalDelta.x, anim.NormalDelta.y, anim.NormalDelta.z};
   for (size_t axis = 0; axis < 3; ++axis) {
-    record.PositionDelta[axis] = HalfFloat(position[axis]);
-    record.NormalDelta[axis] = HalfFloat(normal[axis]);
+    record.PositionDelta.Words[axis] = HalfFloat(position[axis]);
+    record.NormalDelta.Words[axis] = HalfFloat(normal[axis]);
   }
   return record;
 }
