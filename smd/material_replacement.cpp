@@ -53,6 +53,7 @@ std::optional<uint64_t> ReplaceMaterial(const MaterialReplacement& replacement, 
   if (replacer.Count() == 0) return 0;
   replacer.Finish();
   writer.Flush();
+  input.reset();  // Windows gives an open file's name to no other
   if (!output->Commit()) return Fail(report, "Unable to write", path, output->Error());
   return replacer.Count();
 }

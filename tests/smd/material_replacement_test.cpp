@@ -66,10 +66,15 @@ class MaterialReplacementFile : public testing::Test {
 
 TEST_F(MaterialReplacementFile, ReplacesEveryOccurrenceInPlaceAndKeepsThePermissions) {
   WriteText(path, "wood\r\nwoodwork woo\nWood wood");
-  fs::permissions(path, fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_write);
+#ifdef _WIN32
+  const fs::perms permissions = fs::status(path).permissions();
+#else
+  const fs::perms permissions = fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_write;
+#endif
+  fs::permissions(path, permissions);
   EXPECT_EQ(Replace("wood", "plywood"), 3u);
-  EXPECT_EQ(ReadText(path), "plywood\r\nplywoodwork woo\nWood plywood");
-  EXPECT_EQ(fs::status(path).permissions(), fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_write);
+  EXPECT_EQ(ReadText(path), tests::WithLineFeeds("plywood\r\nplywoodwork woo\nWood plywood"));
+  EXPECT_EQ(fs::status(path).permissions(), permissions);
   EXPECT_THAT(folder.Files(), ElementsAre("a.smd"));
   EXPECT_THAT(report.Boxes, IsEmpty());
 }
