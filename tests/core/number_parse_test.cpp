@@ -22,7 +22,8 @@ TEST(NumberParse, ReadsRealNumbersAsTheCLibraryDoes) {
     size_t length = 99;
     const double value = ParseReal(text, &length);
     EXPECT_EQ(value, expected) << text;
-    EXPECT_EQ(std::signbit(value), std::signbit(expected)) << text;
+    // What is no number is zero; libraries differ in its sign.
+    EXPECT_TRUE(end == text.c_str() || std::signbit(value) == std::signbit(expected)) << text;
     EXPECT_EQ(length, static_cast<size_t>(end - text.c_str())) << text;
   }
   EXPECT_TRUE(std::isnan(ParseReal("nan")));

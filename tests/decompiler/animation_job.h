@@ -44,7 +44,7 @@ class AnimationJob {
     }
     Context().FinishFiles();
     m_script.Flush();
-    return Script;
+    return WithLineFeeds(Script);
   }
 
   /// The text of an animation's file; the reason why there is none for damaged data.
@@ -57,7 +57,7 @@ class AnimationJob {
                                   !Context().DeltaReference.empty());
     writer.Flush();
     NonFinite = writer.NonFiniteCount();
-    return text;
+    return WithLineFeeds(text);
   }
 
   ScratchFolder Folder;

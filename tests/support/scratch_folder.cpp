@@ -35,7 +35,19 @@ std::vector<std::string> ScratchFolder::Files() const {
 std::string ReadText(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   EXPECT_TRUE(file) << path << " cannot be read";
-  return std::string(std::istreambuf_iterator<char>(file), {});
+  return WithLineFeeds(std::string(std::istreambuf_iterator<char>(file), {}));
+}
+
+std::string WithLineFeeds(std::string text) {
+#ifdef _WIN32
+  std::string lines;
+  for (size_t i = 0; i < text.size(); ++i) {
+    if (text[i] != '\r' || i + 1 == text.size() || text[i + 1] != '\n') lines += text[i];
+  }
+  return lines;
+#else
+  return text;
+#endif
 }
 
 void WriteText(const std::string& path, std::string_view text) {

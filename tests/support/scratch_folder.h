@@ -16,9 +16,9 @@ class ScratchFolder {
   ScratchFolder& operator=(const ScratchFolder&) = delete;
 
   /// The folder, without a separator at its end.
-  std::string Path() const { return m_path.string(); }
+  std::string Path() const { return m_path.generic_string(); }
   /// The path of `name` in the folder.
-  std::string Path(const std::string& name) const { return (m_path / name).string(); }
+  std::string Path(const std::string& name) const { return (m_path / name).generic_string(); }
   /// The names of the files in the folder and below it ("sub/name"), sorted.
   std::vector<std::string> Files() const;
 
@@ -26,8 +26,11 @@ class ScratchFolder {
   std::filesystem::path m_path;
 };
 
-/// The whole file at `path` as text; a test failure and "" if it cannot be read.
+/// The whole file at `path` as text, with "\n" for this platform's line end; a test failure and "" if it cannot be
+/// read.
 std::string ReadText(const std::string& path);
+/// `text` with "\n" for this platform's line end, which is what written files are compared by.
+std::string WithLineFeeds(std::string text);
 /// Writes `text` to `path`, over an older file; makes the folders that are missing.
 void WriteText(const std::string& path, std::string_view text);
 

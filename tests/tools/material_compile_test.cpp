@@ -8,6 +8,7 @@
 #include "support/recording_report.h"
 #include "support/scratch_folder.h"
 #include "tools/probe_run.h"
+#include "tools/sdk_tools.h"
 
 namespace tarnwick::tools {
 namespace {
@@ -63,8 +64,8 @@ TEST_F(MaterialCompileTest, ConvertsAndRunsOneImageAfterTheOther) {
             "Material Output Dir: props\r\nRunning VTEX on a.png\r\nVTEX COMPLETED !\r\nRunning VTEX on "
             "bad.png\r\nVTEX COMPLETED !\r\n\r\n");
   ASSERT_EQ(results.size(), 2u);
-  const std::string line = m_folder.Path("vtex.exe") + " -nopause -shader VertexLitGeneric -vmtparam $model 1 \"" +
-                           destination + "/a.png.tga\"";
+  const std::string line = SdkToolPath(m_folder.Path(), Vtex) +
+                           " -nopause -shader VertexLitGeneric -vmtparam $model 1 \"" + destination + "/a.png.tga\"";
   EXPECT_THAT(results[0].Log, ::testing::StartsWith("converted a.png\r\n" + line + "\r\n"));
   // A conversion that failed is told by the conversion; the tool gets what there is.
   EXPECT_THAT(results[1].Run.CommandLine, ::testing::EndsWith(" \"\""));

@@ -8,6 +8,7 @@
 #include "support/recording_report.h"
 #include "support/scratch_folder.h"
 #include "tools/probe_run.h"
+#include "tools/sdk_tools.h"
 
 namespace tarnwick::tools {
 namespace {
@@ -36,7 +37,7 @@ TEST(VtfExport, RunsTheToolOnTheStemAndConvertsWhatItMade) {
     };
     const auto result = ExtractVtf({folder.Path(), "in.vtf", c.Output}, convert, QuietOptions(), report);
     EXPECT_EQ(result.Run.CommandLine,
-              folder.Path("vtf2tga.exe") + " -nopause -i \"in.vtf\" -o \"" + std::string(c.Tga) + "\"");
+              SdkToolPath(folder.Path(), Vtf2tga) + " -nopause -i \"in.vtf\" -o \"" + std::string(c.Tga) + "\"");
     EXPECT_EQ(converted, std::string(c.Tga) + " " + c.Image);
     EXPECT_THAT(result.Log, ::testing::StartsWith(result.Run.CommandLine + "\r\n"));
     EXPECT_THAT(result.Log, ::testing::EndsWith("\r\nWarning: the VTF file in.vtf does not exist\r\ndone"));
