@@ -5,7 +5,7 @@
 set -euo pipefail
 
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
-if ! ./scripts/ensure_packages.sh build windows; then
+if ! timeout 300 ./scripts/ensure_packages.sh build windows; then
   [ "${1:-}" = --if-installable ] || exit 1
   echo "Skipped the Windows tests: their packages cannot be installed here."
   exit 0
@@ -32,10 +32,12 @@ for tests in "$bin"/*_tests.exe; do
   fi
 done
 
-native=build/windows-cross/native windows=build/windows-cross/windows
+# Each in a folder of its own under the same relative path, since the script names where it lies.
+top=$PWD native=build/windows-cross/native windows=build/windows-cross/windows
 rm -rf "$native" "$windows"
-build/release/bin/tarnwick-cli decompile --quiet --output "$native" samples/walker.mdl
-"$wine" "$bin/tarnwick-cli.exe" decompile --quiet --output "$windows" samples/walker.mdl
+mkdir -p "$native" "$windows"
+(cd "$native" && "$top/build/release/bin/tarnwick-cli" decompile --quiet --output out "$top/samples/walker.mdl")
+(cd "$windows" && "$wine" "$top/$bin/tarnwick-cli.exe" decompile --quiet --output out "$top/samples/walker.mdl")
 # The same files but for the platform's line ends.
 find "$windows" -type f -exec sed -i 's/\r$//' {} +
 if diff -r "$native" "$windows"; then

@@ -79,7 +79,9 @@ TEST(AnimBlockFile, IsFoundBesideTheModelAndReadOnce) {
   AnimationJob other(ModelWithBlocks());
   std::filesystem::rename(other.Folder.Path("in.ani"), other.Folder.Path("In.ANI"));
   EXPECT_TRUE(GetAnimBlockBase(other.Context(), 1));
+#ifndef _WIN32  // there the two are one name
   EXPECT_THAT(other.Report.LogText, HasSubstr("In.ANI for in.ani\r\n"));
+#endif
 }
 
 TEST(AnimBlockFile, IsMissedInOneWarning) {

@@ -75,7 +75,7 @@ TEST(AnimationSmd, WritesTheBindPoseAsItIs) {
   const std::string pose =
       "  0 1.000000 2.000000 3.000000 0.000000 -0.000000 0.000000\n"
       "  1 0.000000 0.000000 8.000000 0.000000 -0.000000 0.000000\n";
-  EXPECT_EQ(text, Nodes + ("time 0\n" + pose) + "time 1\n" + pose + "end\n");
+  EXPECT_EQ(tests::WithLineFeeds(text), Nodes + ("time 0\n" + pose) + "time 1\n" + pose + "end\n");
 }
 
 TEST(AnimationSmd, CountsNumbersThatAreNotFiniteOnEveryLine) {
@@ -168,6 +168,14 @@ class RandomModel {
   std::mt19937 m_random;
 };
 
+/// `text` for a comparison; the mathematics library of Windows gives what is no number either sign.
+std::string Comparable(std::string text) {
+#ifdef _WIN32
+  for (size_t at = text.find("-nan"); at != std::string::npos; at = text.find("-nan", at)) text.erase(at, 1);
+#endif
+  return text;
+}
+
 TEST(AnimationSmd, AgreesWithThePlainWayForModelsOfEveryKind) {
   for (uint32_t seed = 0; seed < 60; ++seed) {
     const ModelBuilder model = RandomModel(seed).Make();
@@ -177,7 +185,8 @@ TEST(AnimationSmd, AgreesWithThePlainWayForModelsOfEveryKind) {
     if (seed % 3 != 0) job.Context().DeltaReference = "ravelback_delta.smd";
     for (size_t i = 0; i < model.Animations.size(); ++i) {
       const auto index = static_cast<int64_t>(i);
-      ASSERT_EQ(job.Text(index), PlainAnimationText(job.Context(), job.Animation(index))) << seed << ", " << i;
+      ASSERT_EQ(Comparable(job.Text(index)), Comparable(PlainAnimationText(job.Context(), job.Animation(index))))
+          << seed << ", " << i;
     }
   }
 }
