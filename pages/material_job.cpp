@@ -5,6 +5,7 @@
 #include "core/text_report.h"
 #include "images/conversion.h"
 #include "pages/create_directory_box.h"
+#include "pages/whole_text.h"
 
 namespace tarnwick::pages {
 
@@ -58,7 +59,11 @@ void RunMaterialJob(const MaterialJob& job, platform::JobReport& report, const s
   };
   calls.OnToolStart = [&](const std::string& text) { events.Add({Event::Kind::Text, text}); };
   calls.OnResult = [&](const tools::MaterialResult& result) {
-    events.Add({Event::Kind::Finished, result.Log, 0, 0, {HasSucceeded(job.Compile, result)}});
+    events.Add({Event::Kind::Finished,
+                result.Log,
+                0,
+                0,
+                {HasSucceeded(job.Compile, result), WholeText(result.Log, result.Run)}});
   };
   tools::CompileMaterials(job.Compile, calls);
 }

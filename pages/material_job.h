@@ -19,6 +19,7 @@ struct MaterialJob {
 /// What became of one image.
 struct MaterialOutcome {
   bool Succeeded = false;  // converted, and vtex ran and ended without an error
+  std::string WholeLog;    // with everything that vtex printed
 };
 
 using MaterialEvents = JobEvents<MaterialOutcome>;

@@ -25,6 +25,9 @@ class CMaterialList : public QTreeWidget {
   void RemoveSelected();
   void FitColumns();
 
+  /// Three rows: on a small screen the page leaves it no more.
+  QSize sizeHint() const override { return {256, 100}; }
+
  private:
   void ShowPicture(const QString& path, const QImage& picture);
 

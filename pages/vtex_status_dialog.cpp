@@ -25,7 +25,8 @@ CVtexStatusDialog::CVtexStatusDialog(platform::Desktop& desktop, QWidget* parent
   m_ui->logEdit->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
   connect(m_ui->okButton, &QAbstractButton::clicked, this, &QDialog::accept);
   connect(m_ui->stopButton, &QAbstractButton::clicked, this, std::move(stop));
-  connect(m_ui->materialCombo, &QComboBox::currentIndexChanged, this, &CVtexStatusDialog::OnMaterialChosen);
+  connect(m_ui->materialCombo, &QComboBox::currentIndexChanged, this, &CVtexStatusDialog::ShowLog);
+  connect(m_ui->wholeLogButton, &QAbstractButton::toggled, this, &CVtexStatusDialog::ShowLog);
 }
 
 CVtexStatusDialog::~CVtexStatusDialog() = default;
@@ -62,9 +63,9 @@ void CVtexStatusDialog::Show(const JobEvent<MaterialOutcome>& event) {
   }
   const bool isShown = shown == static_cast<int>(m_logs.size()) - 1;
   if (event.Told == Kind::Text) {
-    m_logs.back() += ShownText(event.Text);
+    m_logs.back().Shown += ShownText(event.Text);
   } else {
-    m_logs.back() = ShownText(event.Text);
+    m_logs.back() = {ShownText(event.Text), ShownText(event.What.WholeLog)};
     m_ui->countBar->setValue(static_cast<int>(++m_done));
     if (!event.What.Succeeded) {
       ++m_failed;
@@ -72,10 +73,9 @@ void CVtexStatusDialog::Show(const JobEvent<MaterialOutcome>& event) {
       m_ui->materialCombo->setItemText(row, m_ui->materialCombo->itemText(row) + " (failed)");
     }
   }
-  if (isShown) {
-    m_ui->logEdit->setPlainText(m_logs.back());
-    m_ui->logEdit->verticalScrollBar()->setValue(m_ui->logEdit->verticalScrollBar()->maximum());
-  }
+  if (!isShown) return;
+  ShowLog();
+  m_ui->logEdit->verticalScrollBar()->setValue(m_ui->logEdit->verticalScrollBar()->maximum());
 }
 
 void CVtexStatusDialog::End() {
@@ -85,9 +85,11 @@ void CVtexStatusDialog::End() {
   m_ui->stateLabel->setText(text);
 }
 
-void CVtexStatusDialog::OnMaterialChosen() {
+void CVtexStatusDialog::ShowLog() {
   const int row = m_ui->materialCombo->currentIndex();
-  m_ui->logEdit->setPlainText(row < 0 ? QString() : m_logs[static_cast<size_t>(row)]);
+  const MaterialLog log = row < 0 ? MaterialLog() : m_logs[static_cast<size_t>(row)];
+  const bool wantsWhole = m_ui->wholeLogButton->isChecked() && !log.Whole.isEmpty();
+  m_ui->logEdit->setPlainText(wantsWhole ? log.Whole : log.Shown);
 }
 
 }  // namespace tarnwick::pages

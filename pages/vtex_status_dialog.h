@@ -35,10 +35,15 @@ class CVtexStatusDialog : public platform::CDialog {
   QProgressBar& Bar() const;
 
  private:
-  void OnMaterialChosen();
+  void ShowLog();
 
   std::unique_ptr<Ui::VtexStatusDialog> m_ui;
-  std::vector<QString> m_logs;  // one for each material so far
+  /// What a material's run has printed so far; `Whole` is there at its end.
+  struct MaterialLog {
+    QString Shown;
+    QString Whole;
+  };
+  std::vector<MaterialLog> m_logs;  // one for each material so far
   size_t m_count = 0;
   size_t m_done = 0;
   size_t m_failed = 0;

@@ -45,6 +45,7 @@ CVTFDialog::CVTFDialog(const PageContext& context, QWidget* parent)
   connect(m_ui->browseInputButton, &QAbstractButton::clicked, this, &CVTFDialog::OnBrowseInput);
   connect(m_ui->browseOutputButton, &QAbstractButton::clicked, this, &CVTFDialog::OnBrowseOutput);
   connect(m_ui->extractButton, &QAbstractButton::clicked, this, &CVTFDialog::ExtractVtf);
+  connect(m_ui->wholeLogButton, &QAbstractButton::toggled, this, &CVTFDialog::ShowLog);
   connect(m_ui->stopButton, &QAbstractButton::clicked, this, [this] { m_jobs.RequestStop(); });
 }
 
@@ -144,6 +145,7 @@ void CVTFDialog::Start(std::vector<tools::VtfExport> exports) {
     RunVtfJob(job, report, stop, *events);
   };
   m_finishedLog.clear();
+  m_wholeLog.clear();
   m_runningLog.clear();
   m_ui->logEdit->clear();
   m_ui->progressLabel->setText("Progress:");
@@ -172,12 +174,13 @@ void CVTFDialog::ShowEvents(VtfEvents& events, const std::vector<tools::VtfExpor
       m_ui->progressLabel->setText(QString("Texture %1 of %2:").arg(event.Index + 1).arg(event.Count));
     } else if (event.Told == Kind::Text) {
       m_runningLog += event.Text;
-      ShowLog(m_finishedLog + m_runningLog);
+      ShowLog();
     } else if (event.Told == Kind::Finished) {
       m_runningLog.clear();
-      m_finishedLog += event.Text;
-      ShowLog(m_finishedLog);
-      if (event.Count > 1) m_finishedLog += "\r\n";
+      const std::string end = event.Count > 1 ? "\r\n" : "";
+      m_finishedLog += event.Text + end;
+      m_wholeLog += event.What.WholeLog + end;
+      ShowLog();
       if (event.What.Picture) {
         m_ui->picture->ShowPicture(ToQtImage(*event.What.Picture), ToQt(event.What.File));
       } else {
@@ -187,8 +190,9 @@ void CVTFDialog::ShowEvents(VtfEvents& events, const std::vector<tools::VtfExpor
   }
 }
 
-void CVTFDialog::ShowLog(const std::string& text) {
-  m_ui->logEdit->setPlainText(ToQt(text).remove('\r'));
+void CVTFDialog::ShowLog() {
+  const std::string& finished = m_ui->wholeLogButton->isChecked() ? m_wholeLog : m_finishedLog;
+  m_ui->logEdit->setPlainText(ToQt(finished + m_runningLog).remove('\r'));
   m_ui->logEdit->verticalScrollBar()->setValue(m_ui->logEdit->verticalScrollBar()->maximum());
 }
 

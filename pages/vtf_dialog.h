@@ -39,10 +39,11 @@ class CVTFDialog : public CPage {
   void OfferMissingDirectory(const std::string& output);
   void Start(std::vector<tools::VtfExport> exports);
   void ShowEvents(VtfEvents& events, const std::vector<tools::VtfExport>& exports);
-  void ShowLog(const std::string& text);
+  void ShowLog();
 
   std::unique_ptr<Ui::VtfDialog> m_ui;
   std::string m_finishedLog;  // of the textures of this job that are done
+  std::string m_wholeLog;     // the same, with everything that the tool printed
   std::string m_runningLog;   // of the one at hand
   platform::JobRunner m_jobs;
 };

@@ -8,6 +8,7 @@
 #include "core/text_report.h"
 #include "images/conversion.h"
 #include "pages/create_directory_box.h"
+#include "pages/whole_text.h"
 
 namespace tarnwick::pages {
 
@@ -31,6 +32,7 @@ VtfOutcome OutcomeOf(const tools::VtfExportResult& result, std::optional<fs::fil
                      const images::ImageWorker& worker) {
   VtfOutcome outcome;
   outcome.File = result.TgaPath;
+  outcome.WholeLog = WholeText(result.Log, result.Run);
   const auto now = WriteTime(result.TgaPath);
   if (!result.ToolFound || !now || now == before) {
     outcome.Trouble = "No texture was exported";

@@ -24,6 +24,7 @@ struct VtfOutcome {
   std::string File;                             // that the picture shows
   std::optional<images::PreviewImage> Picture;  // of the texture, if it was written
   std::string Trouble;                          // why there is no picture
+  std::string WholeLog;                         // with everything that the tool printed
 };
 
 using VtfEvents = JobEvents<VtfOutcome>;

@@ -6,6 +6,7 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <filesystem>
 
 #include "pages/picture_view.h"
 #include "project/model_options.h"
@@ -167,6 +168,26 @@ TEST_F(VtfPage, OffersToCreateTheOutputDirectory) {
   ASSERT_EQ(m_desktop.Boxes.size(), 1u);
   EXPECT_EQ(m_desktop.Boxes[0].Buttons, BoxButtons::OkCancel);
   EXPECT_THAT(m_folder.Files(), testing::Contains("new/deep/a.png"));
+}
+
+TEST_F(VtfPage, StopsAToolThatDoesNotEndAndHasItsWholeLog) {
+  Open();
+  m_settings.Values["Tarnwick/SDKDirectory"] = m_folder.Path();
+  tests::WriteText(m_folder.Path("vtf2tga.exe"),
+                   "#!/bin/sh\nfor i in 1 2 3 4 5 6; do printf '%0900d\\n' $i; done\necho waiting\nsleep 60\n");
+  std::filesystem::permissions(m_folder.Path("vtf2tga.exe"), std::filesystem::perms::owner_all);
+  Input().setText("a.vtf");
+  Output().setText(QString::fromStdString(m_folder.Path("a.png")));
+  Click(*m_page, "extractButton");
+  EXPECT_TRUE(tests::WaitUntil([this] { return Log().ends_with("waiting\n"); })) << "text shows as it is printed";
+  EXPECT_FALSE(Input().isEnabled());
+  Click(*m_page, "stopButton");
+  ASSERT_TRUE(WaitForJob());
+  EXPECT_THAT(Log(),
+              AllOf(testing::Not(HasSubstr("waiting")), HasSubstr("\"Whole log\" has them"), HasSubstr("[Stopped.")));
+  Click(*m_page, "wholeLogButton");
+  EXPECT_THAT(Log(), AllOf(HasSubstr("0006\nwaiting\n"), HasSubstr("[Stopped.")));
+  EXPECT_TRUE(m_desktop.Boxes.empty());
 }
 
 TEST_F(VtfPage, TellsOfAMissingTool) {

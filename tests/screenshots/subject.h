@@ -29,5 +29,6 @@ struct Subject {
 // One list for each area; a new one is also named in the program's main.
 std::vector<Subject> ControlsSubjects();
 std::vector<Subject> ShellSubjects();
+std::vector<Subject> TextureSubjects();
 
 }  // namespace tarnwick::screenshots

@@ -1,0 +1,120 @@
+#include <QImage>
+#include <QLineEdit>
+#include <QPainter>
+#include <QPlainTextEdit>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include "app/kilndesk_dlg.h"
+#include "core/settings_table.h"
+#include "pages/material_list.h"
+#include "pages/picture_view.h"
+#include "screenshots/subject.h"
+
+namespace tarnwick::screenshots {
+
+namespace {
+
+namespace setting = core::setting;
+
+/// A texture that can be told from others by its colours; half of it shows through.
+QImage Texture(const QColor& color, int side) {
+  QImage image(side, side, QImage::Format_ARGB32);
+  image.fill(color);
+  QPainter painter(&image);
+  painter.setCompositionMode(QPainter::CompositionMode_Source);
+  QLinearGradient fade(0, 0, side, side);
+  fade.setColorAt(0, color.lighter());
+  fade.setColorAt(1, QColor(color.red(), color.green(), color.blue(), 60));
+  painter.fillRect(QRect(side / 8, side / 8, side * 3 / 4, side * 3 / 4), fade);
+  return image;
+}
+
+/// Images on the disk, as long as the program runs.
+std::string ImageFile(const char* name, const QColor& color, int side) {
+  static const QTemporaryDir folder;
+  const QString path = folder.filePath(name);
+  Texture(color, side).save(path);
+  return path.toStdString();
+}
+
+std::unique_ptr<QWidget> MainWindow(Stage& stage, int tab) {
+  setting::GameDirectory.Write(stage.Settings, "/home/ada/.steam/steam/steamapps/common/Half-Life 2/hl2");
+  setting::TabSelect.Write(stage.Settings, tab);
+  auto dialog = std::make_unique<app::CKilndeskDlg>(stage.Settings, stage.Desktop);
+  dialog->Create();
+  return dialog;
+}
+
+void FillMaterials(Stage& stage) {
+  setting::MaterialsDir.Write(stage.Settings, "props/workshop");
+  setting::HasNormal.Write(stage.Settings, 1);
+  setting::NormalMap.Write(stage.Settings, "/home/ada/textures/crate_n.png");
+  setting::EnvMap.Write(stage.Settings, 1);
+  setting::EnvMapNormalMask.Write(stage.Settings, 1);
+  setting::EnvmapContrast.Write(stage.Settings, "0.5");
+  setting::EnvmapTint.Write(stage.Settings, "1 0.9 0.8");
+  setting::EnvmapSpecularMap.Write(stage.Settings, "/home/ada/textures/crate_s.png");
+  setting::Material0.Write(stage.Settings, ImageFile("Crate.png", QColor(170, 110, 50), 256));
+  setting::Material1.Write(stage.Settings, ImageFile("barrel rusty.png", QColor(60, 120, 90), 128));
+  setting::Material2.Write(stage.Settings, ImageFile("lamp.bmp", QColor(220, 200, 90), 64));
+}
+
+std::unique_ptr<QWidget> Materials(Stage& stage) {
+  FillMaterials(stage);
+  auto window = MainWindow(stage, 1);
+  QTest::qWait(1500);  // for the list's small pictures
+  return window;
+}
+
+std::unique_ptr<QWidget> Envmap(Stage& stage) {
+  auto dialog = std::make_unique<pages::CEnvmapDialog>(stage.Desktop, nullptr);
+  tools::MaterialCompile values;
+  values.MaskInNormalAlpha = true;
+  values.EnvMapContrast = "0.5";
+  values.EnvMapTint = "1 0.9 0.8";
+  values.SpecularMap = "/home/ada/textures/crate_s.png";
+  dialog->Show(values);
+  dialog->Create();
+  return dialog;
+}
+
+std::unique_ptr<QWidget> RunningCompile(Stage& stage) {
+  using Event = pages::JobEvent<pages::MaterialOutcome>;
+  auto status = std::make_unique<pages::CVtexStatusDialog>(stage.Desktop, nullptr, [] {});
+  status->Create();
+  status->Begin();
+  status->Show({Event::Kind::Started, "/home/ada/textures/Crate.png", 0, 3, {}});
+  status->Show({Event::Kind::Finished, "", 0, 3, {true, ""}});
+  status->Show({Event::Kind::Started, "/home/ada/textures/barrel rusty.png", 1, 3, {}});
+  status->Show({Event::Kind::Text,
+                "Converting barrel rusty.png from PNG to TGA\r\n/home/ada/sdk/bin/vtex.exe -nopause -shader "
+                "VertexLitGeneric -vmtparam $model 1 \"/home/ada/game/materialsrc/models/props/barrel rusty.tga\"\r\n",
+                0,
+                0,
+                {}});
+  return status;
+}
+
+std::unique_ptr<QWidget> ExportedTexture(Stage& stage) {
+  setting::VtfExportFile.Write(stage.Settings, "/home/ada/game/materials/props/crate.vtf");
+  setting::TgaExportFile.Write(stage.Settings, "/home/ada/game/materials/props/crate.png");
+  auto window = MainWindow(stage, 3);
+  window->findChild<pages::CPictureView*>()->ShowPicture(Texture(QColor(170, 110, 50), 256), "crate.tga");
+  window->findChild<pages::CVTFDialog*>()->findChild<QPlainTextEdit*>("logEdit")->setPlainText(
+      "/home/ada/sdk/bin/vtf2tga.exe -nopause -i \"/home/ada/game/materials/props/crate.vtf\" -o "
+      "\"/home/ada/game/materials/props/crate.tga\"\nvtf width: 256\nvtf height: 256\nConverting crate.tga from TGA to "
+      "PNG\n");
+  return window;
+}
+
+}  // namespace
+
+std::vector<Subject> TextureSubjects() {
+  return {{"materials", Materials},
+          {"envmap-settings", Envmap},
+          {"vtex-status", RunningCompile},
+          {"vtf-exported", ExportedTexture}};
+}
+
+}  // namespace tarnwick::screenshots
