@@ -14,7 +14,7 @@ class ConsoleReport : public core::Report {
   explicit ConsoleReport(std::ostream& out) : m_out(out) {}
   void Log(std::string_view text) override { m_out << PlainLines(text) << std::flush; }
   void Box(core::BoxIcon, std::string_view text, std::string_view caption) override {
-    m_out << caption << ": " << text.substr(0, text.find_last_not_of("\r\n") + 1) << std::endl;
+    m_out << caption << ": " << OneLine(text) << std::endl;
   }
 
  private:

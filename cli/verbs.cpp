@@ -9,6 +9,9 @@
 #include "cli/material_verb.h"
 #include "cli/vtf_verb.h"
 #endif
+#include "cli/project_verb.h"
+#include "cli/qc_verb.h"
+#include "cli/smd_verb.h"
 #include "cli/view_verb.h"
 
 namespace tarnwick::cli {
@@ -16,7 +19,7 @@ namespace tarnwick::cli {
 namespace {
 
 constexpr AddVerb VerbTable[] = {
-    AddDecompileVerb, AddCompileVerb,
+    AddDecompileVerb, AddCompileVerb, AddQcVerb, AddProjectVerb, AddSmdVerb,
 #ifdef TARNWICK_HAS_IMAGES
     AddMaterialVerb,  AddVtfVerb,
 #endif

@@ -41,7 +41,7 @@ std::optional<uint64_t> ReplaceMaterial(const MaterialReplacement& replacement, 
   std::optional<core::InputFile> input = core::InputFile::Open(path, &reason);
   if (!input) return Fail(report, "Unable to read", path, reason);
   if (input->Size() == 0) {
-    report.WarningBox("Bad size for SMD file " + path, core::DefaultCaption);
+    report.PlainBox("Bad size for SMD file " + path, core::DefaultCaption);
     return std::nullopt;
   }
   std::optional<core::OutputFile> output = core::OutputFile::Create(path, &reason);

@@ -115,8 +115,7 @@ TEST_F(MaterialReplacementFile, SaysWhichFileItCouldNotHandle) {
   report.Boxes.clear();
   WriteText(path, "");
   EXPECT_EQ(Replace("a", "b"), std::nullopt);
-  EXPECT_THAT(report.Boxes,
-              ElementsAre(RecordedBox{BoxIcon::Exclamation, "Bad size for SMD file " + path, "Tarnwick"}));
+  EXPECT_THAT(report.Boxes, ElementsAre(RecordedBox{BoxIcon::None, "Bad size for SMD file " + path, "Tarnwick"}));
 }
 
 }  // namespace

@@ -1,0 +1,53 @@
+#include <gmock/gmock.h>
+
+#include "command_line.h"
+#include "support/scratch_folder.h"
+
+namespace tarnwick::cli {
+namespace {
+
+using testing::HasSubstr;
+using tests::ReadText;
+using tests::RunCommand;
+using tests::WriteText;
+
+TEST(ProjectVerb, BuildsAProjectAndItsScript) {
+  tests::ScratchFolder folder;
+  const std::string path = folder.Path("crate.sc");
+  EXPECT_EQ(RunCommand({"project", "set", path, "Model File", "a.mdl"}).ExitCode, ExitFailure);
+  auto result = RunCommand({"project", "set", "--new", path, "Model File", "a.mdl", "Reference SMD",
+                            folder.Path("crate.smd"), "Phy SMD Check", "1", "Model Options/Prop Type", "1",
+                            "Animation0/Name", "spin", "Animation0/Command0", "fade \"1\""});
+  EXPECT_EQ(result.ExitCode, ExitSuccess) << result.Err;
+  EXPECT_EQ(RunCommand({"project", "get", path, "Animation0/Name", "Animation0/Command0"}).Out, "spin\nfade \"1\"\n");
+  EXPECT_THAT(RunCommand({"project", "show", "--json", path}).Out, HasSubstr("\"Animation0/FPS\": \"30.00\""));
+  result = RunCommand({"qc", "-m", "props", path});
+  EXPECT_EQ(result.Out, folder.Path("crate.qc") + "\n");
+  EXPECT_EQ(result.Err, "");
+  EXPECT_THAT(ReadText(folder.Path("crate.qc")), HasSubstr("     fade \"1\"\n"));
+
+  const std::string before = ReadText(path);
+  result = RunCommand({"project", "set", path, "Model File", "b.mdl", "Animation7/Name", "x"});
+  EXPECT_EQ(result.ExitCode, ExitFailure);
+  EXPECT_THAT(result.Err, HasSubstr(path));
+  EXPECT_EQ(ReadText(path), before);
+  EXPECT_EQ(RunCommand({"project", "set", path, "Model File"}).ExitCode, ExitUsage);
+  EXPECT_EQ(RunCommand({"project", "remove", path, "Animation0"}).ExitCode, ExitSuccess);
+  EXPECT_THAT(RunCommand({"qc", path}).Err, HasSubstr("No Sequences Specified"));
+}
+
+TEST(SmdVerb, ShowsFiguresAndReplaces) {
+  tests::ScratchFolder folder;
+  const std::string path = folder.Path("a.smd");
+  WriteText(path, "nodes\n0 root -1\nend\ntriangles\nwood\nshort\n");
+  auto result = RunCommand({"smd", "info", "--json", path});
+  EXPECT_EQ(result.ExitCode, ExitFailure);
+  EXPECT_THAT(result.Out, HasSubstr(R"("materials":[{"name":"wood","faces":1}],"badLine":6})"));
+  EXPECT_THAT(result.Err, HasSubstr("line 6"));
+  result = RunCommand({"smd", "replace", path, "wood", "oak", "--yes"});
+  EXPECT_EQ(result.Out, path + ": 1 replaced\n");
+  EXPECT_THAT(ReadText(path), HasSubstr("\noak\n"));
+}
+
+}  // namespace
+}  // namespace tarnwick::cli
