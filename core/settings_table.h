@@ -56,6 +56,7 @@ inline constexpr IntSetting AnimSmdCheck{MainSection, "Anim SMD Check"};
 inline constexpr IntSetting PhySmdCheck{MainSection, "Phy SMD Check"};
 inline constexpr IntSetting PropType{MainSection, "Prop Type"};
 inline constexpr TextSetting QcFile{MainSection, "QC File"};
+inline constexpr IntSetting ModelOptionsTab{MainSection, "Model Options Tab"};  // of the dialog of that name
 
 // Export of textures.
 inline constexpr TextSetting VtfExportFile{MainSection, "VTFExportFile"};
@@ -132,9 +133,9 @@ inline constexpr const TextSetting* TextValues[] = {
 
 /// All numbers, likewise.
 inline constexpr const IntSetting* IntValues[] = {
-    &TabSelect,        &CompileMode,     &StudioMdlOptions, &ModelPath,          &AnimSmdCheck,   &PhySmdCheck,
-    &PropType,         &Transparency,    &SelfIllum,        &SelfIllumBaseAlpha, &HasNormal,      &EnvMap,
-    &EnvMapNormalMask, &EnvMapIllumMask, &EnvMapBaseMask,   &CheckBoxSettings,   &ReadyToCompile,
+    &TabSelect, &CompileMode,      &StudioMdlOptions, &ModelPath,      &AnimSmdCheck,       &PhySmdCheck,
+    &PropType,  &ModelOptionsTab,  &Transparency,     &SelfIllum,      &SelfIllumBaseAlpha, &HasNormal,
+    &EnvMap,    &EnvMapNormalMask, &EnvMapIllumMask,  &EnvMapBaseMask, &CheckBoxSettings,   &ReadyToCompile,
 };
 
 }  // namespace setting

@@ -96,9 +96,10 @@ bool JobRunner::Start(Work work, JobView view) {
     m_view.Bar->setValue(0);
   }
   m_focus = QApplication::focusWidget();
-  m_page.setEnabled(false);
+  if (m_view.Disabled == nullptr) m_view.Disabled = &m_page;
+  m_view.Disabled->setEnabled(false);
   // A page's status windows are disabled with it; they are what the user looks at meanwhile.
-  for (QWidget* child : m_page.findChildren<QWidget*>()) {
+  for (QWidget* child : m_view.Disabled->findChildren<QWidget*>()) {
     if (child->isWindow()) child->setEnabled(true);
   }
   m_job = std::make_unique<Job>();
@@ -148,7 +149,7 @@ void JobRunner::ShowWaitingBox() {
 void JobRunner::Finish() {
   killTimer(m_timer);
   m_job.reset();
-  m_page.setEnabled(true);
+  m_view.Disabled->setEnabled(true);
   if (m_focus && QApplication::focusWidget() == nullptr) m_focus->setFocus();
   if (m_view.Bar != nullptr) m_view.Bar->setValue(100);
   const JobView view = std::exchange(m_view, {});

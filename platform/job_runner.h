@@ -19,6 +19,7 @@ class CDialog;
 /// What is done on the user-interface thread while a job runs; every member may be left out.
 struct JobView {
   QProgressBar* Bar = nullptr;                      // sweeps from 0 to 100 about once a second, ends at 100
+  QWidget* Disabled = nullptr;                      // what cannot be used meanwhile; null for the whole page
   std::function<void(const std::string&)> LogGrew;  // gets the text that was added to the log since the last call
   std::function<void()> Tick;                       // every 10 ms
   std::function<void()> Done;                       // once, after the last LogGrew; the page is enabled again

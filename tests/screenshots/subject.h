@@ -28,6 +28,7 @@ struct Subject {
 
 // One list for each area; a new one is also named in the program's main.
 std::vector<Subject> ControlsSubjects();
+std::vector<Subject> ModelSubjects();
 std::vector<Subject> ShellSubjects();
 std::vector<Subject> TextureSubjects();
 

@@ -1,0 +1,226 @@
+#include "pages/mdl_dialog.h"
+
+#include "core/settings_table.h"
+#include "pages/animation_dialog.h"
+#include "pages/collision_help_dialog.h"
+#include "pages/help_dialogs.h"
+#include "pages/model_options_dialog.h"
+#include "pages/ref_smd_info.h"
+#include "pages/studiomdl_run.h"
+#include "platform/bitmap_button.h"
+#include "platform/dropped_files.h"
+#include "platform/page_report.h"
+#include "platform/text.h"
+#include "platform/window_placing.h"
+#include "project/field_rules.h"
+#include "project/project_file.h"
+#include "project/project_store.h"
+#include "project/qc_generator.h"
+#include "tools/hlmv_command.h"
+#include "ui_mdl_dialog.h"
+
+namespace tarnwick::pages {
+
+namespace setting = core::setting;
+using platform::FromQt;
+using platform::PageReport;
+using platform::ToQt;
+
+CMDLDialog::CMDLDialog(const PageContext& context, QWidget* parent)
+    : CPage(context, parent),
+      m_ui(std::make_unique<Ui::MdlDialog>()),
+      m_project(context.Options),
+      m_status(context.Desktop, this),
+      m_runner(*this, m_status.Controls()) {
+  m_ui->setupUi(this);
+  for (const std::string_view type : project::ModelTypes) m_ui->modelTypeCombo->addItem(ToQt(type));
+  m_sequences = std::make_unique<RowList>(
+      *this, RowListControls{m_ui->list, m_ui->addButton, m_ui->removeButton, m_ui->editButton},
+      QStringList{"Name    ", "SMD File"},
+      RowListEntries{.Count = [this] { return static_cast<int>(m_project.Sequences.Count()); },
+                     .Texts =
+                         [this](int row) {
+                           const project::SequenceEntry& entry = m_project.Sequences.At(row);
+                           return QStringList{ToQt(entry.name), ToQt(entry.smdFile)};
+                         },
+                     .Add = [this] { return AddSequence({}); },
+                     .Edit = [this](int row) { EditSequence(row); },
+                     .Remove = [this](int row) { m_project.Sequences.RemoveAt(row); }});
+  ConnectButtons();
+}
+
+CMDLDialog::~CMDLDialog() = default;
+
+void CMDLDialog::ConnectButtons() {
+  const auto onClick = [this](QAbstractButton* button, auto handler) {
+    connect(button, &QAbstractButton::clicked, this, handler);
+  };
+  onClick(m_ui->optionsButton, &CMDLDialog::OnModelOptions);
+  onClick(m_ui->inspectButton, &CMDLDialog::OnInspect);
+  onClick(m_ui->loadButton, &CMDLDialog::OnLoad);
+  onClick(m_ui->saveButton, &CMDLDialog::OnSave);
+  onClick(m_ui->viewButton, &CMDLDialog::OnView);
+  onClick(m_ui->compileButton, &CMDLDialog::CompileModel);
+  onClick(m_ui->browseReferenceButton, [this] { OnBrowse(*m_ui->browseReferenceButton); });
+  onClick(m_ui->browseCollisionButton, [this] { OnBrowse(*m_ui->browseCollisionButton); });
+  onClick(m_ui->collisionHelpButton, [this] { CCollisionHelpDialog(DesktopSeam(), this).DoModal(); });
+  onClick(m_ui->materialHelpButton, [this] { CMdlMatDialog(DesktopSeam(), this).DoModal(); });
+  onClick(m_ui->referenceSequenceCheck, &CMDLDialog::FollowSequenceRule);
+  onClick(m_ui->referenceCollisionCheck, &CMDLDialog::FollowCollisionCheck);
+  connect(m_ui->modelTypeCombo, &QComboBox::activated, this, &CMDLDialog::FollowSequenceRule);
+}
+
+void CMDLDialog::OnInitDialog() {
+  project::LoadFormFromSettings(Settings(), m_project);
+  CPage::OnInitDialog();
+  platform::LoadAllCaptionBitmaps(*this);
+  m_sequences->Refresh();
+  FollowSequenceRule();
+  FollowCollisionCheck();
+}
+
+void CMDLDialog::DoDataExchange(platform::CDataExchange& exchange) {
+  DDX_Text(exchange, *m_ui->modelFileEdit, m_project.modelFile);
+  DDX_CBIndex(exchange, *m_ui->modelTypeCombo, m_project.propType);
+  DDX_Text(exchange, *m_ui->referenceEdit, m_project.referenceSmd);
+  DDX_Check(exchange, *m_ui->referenceSequenceCheck, m_project.useReferenceAsSequence);
+  DDX_Check(exchange, *m_ui->referenceCollisionCheck, m_project.useReferenceAsCollision);
+  DDX_Text(exchange, *m_ui->collisionEdit, m_project.collisionFile);
+  DDX_Text(exchange, *m_ui->materialEdit, m_project.materialDirectory);
+}
+
+const project::ModelProject& CMDLDialog::Project() {
+  UpdateData(true);
+  return m_project;
+}
+
+void CMDLDialog::SetMaterialDirectory(const std::string& directory) {
+  m_ui->materialEdit->setText(ToQt(directory));
+}
+
+void CMDLDialog::SaveSettings() {
+  UpdateData(true);
+  project::SaveProjectToStore(m_project, m_store, Settings());
+}
+
+void CMDLDialog::FollowSequenceRule() {
+  const project::SequenceControls controls =
+      project::SequenceControlsFor(m_ui->modelTypeCombo->currentIndex(), m_ui->referenceSequenceCheck->isChecked());
+  m_ui->referenceSequenceCheck->setChecked(controls.UseReferenceChecked);
+  m_ui->referenceSequenceCheck->setEnabled(controls.UseReferenceEnabled);
+  for (QWidget* control :
+       std::initializer_list<QWidget*>{m_ui->list, m_ui->addButton, m_ui->removeButton, m_ui->editButton}) {
+    control->setEnabled(controls.ListEnabled);
+  }
+}
+
+void CMDLDialog::FollowCollisionCheck() {
+  const bool hasFile = !m_ui->referenceCollisionCheck->isChecked();
+  m_ui->collisionEdit->setEnabled(hasFile);
+  m_ui->browseCollisionButton->setEnabled(hasFile);
+}
+
+void CMDLDialog::OnBrowse(QWidget& button) {
+  const bool isReference = &button == m_ui->browseReferenceButton;
+  QLineEdit& field = isReference ? *m_ui->referenceEdit : *m_ui->collisionEdit;
+  const auto chosen = DesktopSeam().ChooseFileToOpen(
+      this, {.Title = isReference ? "Name of Reference SMD File" : "Name of Collision SMD or QC File",
+             .Filter = isReference ? "All Files (*.smd)|*.smd|" : "HL2 Files (*.smd,*.qc, *.qci)|*.smd;*.qc;*.qci|",
+             .StartName = FromQt(field.text()),
+             .StartDirectory = {}});
+  if (chosen) field.setText(ToQt(*chosen));
+}
+
+void CMDLDialog::OnDropFiles(const platform::DroppedFiles& drop) {
+  const std::string& path = drop.Paths.front();
+  if (drop.IsOver(*m_ui->referenceEdit)) return m_ui->referenceEdit->setText(ToQt(path));
+  if (drop.IsOver(*m_ui->list)) {
+    // Once the drop is over: the program that the file comes from waits for its end, and the editor takes its time.
+    QMetaObject::invokeMethod(
+        this,
+        [this, path] {
+          if (AddSequence(path)) m_sequences->Refresh();
+        },
+        Qt::QueuedConnection);
+    return;
+  }
+  if (drop.IsOver(*m_ui->collisionEdit)) m_ui->collisionEdit->setText(ToQt(path));
+}
+
+bool CMDLDialog::AddSequence(const std::string& smdFile) {
+  project::SequenceEntry entry;
+  entry.smdFile = smdFile;
+  if (CAnimationDialog(DesktopSeam(), this, entry).DoModal() != Accepted) return false;
+  m_project.Sequences.Add(entry);
+  return true;
+}
+
+void CMDLDialog::EditSequence(int row) {
+  CAnimationDialog(DesktopSeam(), this, m_project.Sequences.At(row)).DoModal();
+}
+
+void CMDLDialog::OnLoad() {
+  UpdateData(true);
+  const auto chosen = DesktopSeam().ChooseFileToOpen(this, {.Title = project::ProjectFileTitle,
+                                                            .Filter = project::ProjectFileFilter,
+                                                            .StartName = m_project.configFile,
+                                                            .StartDirectory = {}});
+  if (!chosen) return;
+  PageReport report(DesktopSeam(), this);
+  if (!project::OpenProjectFile(*chosen, m_project, m_store, report)) return;
+  UpdateData(false);
+  m_sequences->Refresh();
+  FollowSequenceRule();
+  FollowCollisionCheck();
+}
+
+void CMDLDialog::OnSave() {
+  SaveSettings();
+  const auto chosen = DesktopSeam().ChooseFileToSave(this, {.Title = project::ProjectFileTitle,
+                                                            .Filter = project::ProjectFileFilter,
+                                                            .StartName = m_project.configFile,
+                                                            .StartDirectory = {}});
+  if (!chosen) return;
+  PageReport report(DesktopSeam(), this);
+  project::SaveProjectFile(*chosen, m_project, m_store, report);
+}
+
+void CMDLDialog::OnView() {
+  UpdateData(true);
+  const std::string gameDirectory = setting::GameDirectory.Read(Settings());
+  const tools::HlmvCommand command = tools::BuildHlmvCommand(setting::SdkDirectory.Read(Settings()), gameDirectory,
+                                                             tools::ModelFileOf(gameDirectory, m_project.modelFile));
+  if (!tools::StartHlmv(command, {setting::WineProgram.Read(Settings())})) return;
+  DesktopSeam().Box(this, platform::BoxIcon::None, command.ErrorText());
+}
+
+void CMDLDialog::OnInspect() {
+  CRefSMDInfo dialog(DesktopSeam(), this);
+  dialog.SmdPath = FromQt(m_ui->referenceEdit->text());
+  dialog.DoModal();
+}
+
+void CMDLDialog::OnModelOptions() {
+  CModelOptionsDialog(Context(), this, m_project).DoModal();
+}
+
+void CMDLDialog::CompileModel() {
+  if (m_runner.IsRunning()) return;
+  UpdateData(true);
+  m_status.Clear();
+  PageReport report(DesktopSeam(), this);
+  std::string qcPath;
+  if (!project::GenerateQc(m_project, m_store, Settings(), report, qcPath)) return;
+  const auto job = PrepareStudiomdlRun(*this, Settings(), tools::ToolRun::StudiomdlForm, qcPath,
+                                       static_cast<uint32_t>(m_project.options.studioMdlOptions));
+  if (!job) return;
+  if (m_statusDialogPending) {
+    m_status.Create();
+    m_statusDialogPending = false;
+  }
+  platform::CenterOver(*this, m_status);
+  m_status.show();
+  m_runner.Start(*job, m_status.Log());
+}
+
+}  // namespace tarnwick::pages

@@ -1,0 +1,68 @@
+#include "pages/qc_compile_dialog.h"
+
+#include "core/settings_table.h"
+#include "pages/studiomdl_run.h"
+#include "platform/bitmap_button.h"
+#include "platform/dropped_files.h"
+#include "platform/text.h"
+#include "ui_qc_compile_dialog.h"
+
+namespace tarnwick::pages {
+
+namespace setting = core::setting;
+using platform::FromQt;
+using platform::ToQt;
+
+CQCCompileDialog::CQCCompileDialog(const PageContext& context, QWidget* parent)
+    : CPage(context, parent), m_ui(std::make_unique<Ui::QcCompileDialog>()) {
+  m_ui->setupUi(this);
+  m_runner =
+      std::make_unique<ToolRunner>(*this, ToolRunControls{m_ui->progressBar, m_ui->stopButton, m_ui->copyCommandButton,
+                                                          m_ui->wholeLogButton, m_ui->inputs});
+  connect(m_ui->browseButton, &QAbstractButton::clicked, this, &CQCCompileDialog::OnBrowse);
+  connect(m_ui->editButton, &QAbstractButton::clicked, this, &CQCCompileDialog::OnEdit);
+  connect(m_ui->compileButton, &QAbstractButton::clicked, this, &CQCCompileDialog::OnCompile);
+}
+
+CQCCompileDialog::~CQCCompileDialog() = default;
+
+void CQCCompileDialog::OnInitDialog() {
+  CPage::OnInitDialog();
+  platform::LoadAllCaptionBitmaps(*this);
+  m_ui->qcFileEdit->setText(ToQt(setting::QcFile.Read(Settings())));
+}
+
+void CQCCompileDialog::SaveSettings() {
+  setting::QcFile.Write(Settings(), FromQt(m_ui->qcFileEdit->text()));
+}
+
+void CQCCompileDialog::OnCompile() {
+  m_outputText.clear();
+  m_log.SetTarget(&m_outputText, [this] { m_ui->outputEdit->ShowText(m_outputText); });
+  m_ui->outputEdit->Clear();
+  const std::string qcPath = FromQt(m_ui->qcFileEdit->text());
+  setting::QcFile.Write(Settings(), qcPath);
+  const auto job = PrepareStudiomdlRun(*this, Settings(), tools::ToolRun::StudiomdlExistingQc, qcPath, 0);
+  if (!job) return;
+  m_runner->Start(*job, m_log, [this] { m_log.AppendPageLog("\r\nStudioMDL Thread complete\r\n"); });
+}
+
+void CQCCompileDialog::OnEdit() {
+  if (DesktopSeam().Edit(FromQt(m_ui->qcFileEdit->text()))) return;
+  DesktopSeam().Box(this, platform::BoxIcon::Stop,
+                    "No editor Association for the file type. \r\nPlease set one up in windows filemanager", "Error");
+}
+
+void CQCCompileDialog::OnBrowse() {
+  const auto chosen = DesktopSeam().ChooseFileToOpen(this, {.Title = "Name of QC File",
+                                                            .Filter = "All Files (*.qc)|*.qc|",
+                                                            .StartName = FromQt(m_ui->qcFileEdit->text()),
+                                                            .StartDirectory = {}});
+  if (chosen) m_ui->qcFileEdit->setText(ToQt(*chosen));
+}
+
+void CQCCompileDialog::OnDropFiles(const platform::DroppedFiles& drop) {
+  if (m_ui->inputs->isEnabled() && drop.IsOver(*m_ui->qcFileEdit)) m_ui->qcFileEdit->setText(ToQt(drop.Paths.front()));
+}
+
+}  // namespace tarnwick::pages

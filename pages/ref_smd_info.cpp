@@ -1,0 +1,77 @@
+#include "pages/ref_smd_info.h"
+
+#include <QFontMetrics>
+#include <QPushButton>
+
+#include "platform/page_report.h"
+#include "platform/text.h"
+#include "smd/material_replacement.h"
+#include "smd/smd_info.h"
+#include "ui_ref_smd_info.h"
+
+namespace tarnwick::pages {
+
+using platform::FromQt;
+using platform::ToQt;
+
+namespace {
+
+constexpr int TabStop = 20;  // quarters of an average character
+
+}  // namespace
+
+CRefSMDInfo::CRefSMDInfo(platform::Desktop& desktop, QWidget* parent)
+    : CDialog(desktop, parent), m_ui(std::make_unique<Ui::RefSmdInfo>()) {
+  m_ui->setupUi(this);
+  m_ui->infoEdit->setTabStopDistance(QFontMetrics(m_ui->infoEdit->font()).averageCharWidth() * TabStop / 4.0);
+  m_ui->buttonBox->button(QDialogButtonBox::Ok)->setFocus();
+  connect(m_ui->replaceButton, &QAbstractButton::clicked, this, &CRefSMDInfo::OnReplaceAll);
+  connect(m_ui->buttonBox, &QDialogButtonBox::accepted, this, &QDialog::accept);
+}
+
+CRefSMDInfo::~CRefSMDInfo() = default;
+
+void CRefSMDInfo::OnInitDialog() {
+  CDialog::OnInitDialog();
+  m_ui->resultLabel->clear();
+  ShowFigures();
+}
+
+void CRefSMDInfo::ShowFigures() {
+  const smd::SmdInfo info = smd::InspectSmd(SmdPath);
+  m_infoText = info.Text;
+  m_ui->infoEdit->setPlainText(ToQt(m_infoText).remove('\r'));
+  m_ui->materialCombo->clear();
+  for (const smd::SmdMaterialCount& material : info.Summary.Materials) {
+    m_ui->materialCombo->addItem(ToQt(material.Name));
+  }
+  if (info.BadLine != 0) {
+    m_ui->resultLabel->setText(QString("Line %1 is bad; the figures are those up to there.").arg(info.BadLine));
+  } else if (info.Opened && !info.Error.empty()) {
+    m_ui->resultLabel->setText(ToQt("The file could not be read to its end: " + info.Error));
+  }
+}
+
+void CRefSMDInfo::OnReplaceAll() {
+  const smd::MaterialReplacement replacement{SmdPath, FromQt(m_ui->materialCombo->currentText()),
+                                             FromQt(m_ui->replaceEdit->text())};
+  std::string reasons;
+  platform::PageReport report(DesktopSeam(), this, [&reasons](std::string_view text) { reasons += text; });
+  m_ui->resultLabel->clear();
+  if (!smd::CheckReplacement(replacement, report)) return;
+  const platform::BoxAnswer answer =
+      DesktopSeam().ShowBox(this, {smd::ReplacementQuestion(replacement), std::string(smd::ReplacementCaption),
+                                   platform::BoxIcon::Question, platform::BoxButtons::OkCancel});
+  if (answer != platform::BoxAnswer::Ok) return;
+  const std::optional<uint64_t> count = smd::ReplaceMaterial(replacement, report);
+  if (!count) {
+    m_ui->resultLabel->setText(ToQt(reasons).trimmed());
+    return;
+  }
+  ShowFigures();
+  m_ui->materialCombo->setEditText(ToQt(*count == 0 ? replacement.OldName : replacement.NewName));
+  m_ui->resultLabel->setText(*count == 1 ? QString("1 occurrence replaced.")
+                                         : QString("%1 occurrences replaced.").arg(*count));
+}
+
+}  // namespace tarnwick::pages

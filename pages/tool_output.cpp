@@ -1,0 +1,70 @@
+#include "pages/tool_output.h"
+
+#include <QFontDatabase>
+#include <QScrollBar>
+#include <QSyntaxHighlighter>
+
+#include "controls/painting.h"
+#include "controls/readable_color.h"
+#include "platform/text.h"
+#include "tools/output_lines.h"
+
+namespace tarnwick::pages {
+
+namespace {
+
+/// Colours each line by what it tells.
+class LineColors : public QSyntaxHighlighter {
+ public:
+  explicit LineColors(QPlainTextEdit& box) : QSyntaxHighlighter(box.document()), m_box(box) {}
+
+ protected:
+  void highlightBlock(const QString& text) override {
+    if (currentBlock().blockNumber() == 0) return;  // the command line, which may have such words in its paths
+    const tools::LineKind kind = tools::ClassifyLine(platform::FromQt(text));
+    if (kind == tools::LineKind::Plain) return;
+    QTextCharFormat format;
+    format.setForeground(Readable(kind == tools::LineKind::Error ? QColor(192, 0, 0) : QColor(150, 90, 0)));
+    if (kind == tools::LineKind::Error) format.setFontWeight(QFont::Bold);
+    setFormat(0, static_cast<int>(text.size()), format);
+  }
+
+ private:
+  QColor Readable(const QColor& color) const {
+    const QColor background = m_box.palette().color(QPalette::Base);
+    return controls::ToQt(controls::ReadableOn(controls::FromQt(color), controls::FromQt(background)));
+  }
+
+  QPlainTextEdit& m_box;
+};
+
+}  // namespace
+
+CToolOutput::CToolOutput(QWidget* parent) : QPlainTextEdit(parent) {
+  setReadOnly(true);
+  setLineWrapMode(NoWrap);
+  setTabChangesFocus(true);
+  setUndoRedoEnabled(false);
+  setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+  new LineColors(*this);
+}
+
+void CToolOutput::ShowText(const std::string& text) {
+  if (text.size() <= m_shown) return;
+  QScrollBar& scroll = *verticalScrollBar();
+  const bool followsEnd = scroll.value() == scroll.maximum();
+  QString added = m_decoder(QByteArrayView(text.data() + m_shown, static_cast<qsizetype>(text.size() - m_shown)));
+  m_shown = text.size();
+  QTextCursor end(document());
+  end.movePosition(QTextCursor::End);
+  end.insertText(added.remove('\r'));
+  if (followsEnd) scroll.setValue(scroll.maximum());
+}
+
+void CToolOutput::Clear() {
+  m_shown = 0;
+  m_decoder.resetState();
+  clear();
+}
+
+}  // namespace tarnwick::pages
