@@ -12,8 +12,8 @@ std::string SlashedPath(std::string_view path);
 /// named after it.
 bool HasStem(std::string_view referenceSmd);
 
-/// The script's path: the slashed path up to its last full stop, and "qc" behind it. "C:\work\crate.smd" gives
-/// "C:/work/crate.qc". `HasStem` must hold.
+/// The script's path: the slashed path up to its last full stop, and "qc" behind it. "C:\mods\crate.smd" gives
+/// "C:/mods/crate.qc". `HasStem` must hold.
 std::string QcPathOf(std::string_view referenceSmd);
 
 /// The file name of the reference SMD: the slashed path behind its last slash. A slash at the very start does not
