@@ -20,7 +20,11 @@ struct CommandResult {
 /// Calls the program with these arguments, as a user does whose settings are empty.
 inline CommandResult RunCommand(const std::vector<std::string>& arguments) {
   const ScratchFolder settings;
+#ifdef _WIN32
+  _putenv_s("XDG_CONFIG_HOME", settings.Path().c_str());
+#else
   setenv("XDG_CONFIG_HOME", settings.Path().c_str(), 1);
+#endif
   std::vector<const char*> pointers{"tarnwick-cli"};
   for (const std::string& argument : arguments) pointers.push_back(argument.c_str());
   std::ostringstream out;
