@@ -2,13 +2,6 @@
 
 namespace tarnwick::decompiler {
 
-namespace {
-
-/// What looking at one more record costs the job, so that tables that overlap cannot hold it for ever.
-constexpr int64_t RecordCost = 64;
-
-}  // namespace
-
 std::optional<FlexTables> MakeFlexTables(JobContext& job) {
   const auto header = job.Model.Header();
   const auto descriptors =

@@ -126,6 +126,8 @@ class JobContext {
 
 /// What each file costs a job (see Spend) on top of its bytes.
 inline constexpr int64_t FileCost = int64_t{64} << 10;
+/// What looking at one more record costs it, so that tables that overlap cannot hold it for ever.
+inline constexpr int64_t RecordCost = 64;
 
 /// Appends `text` to the job's log.
 inline void DecompileLog(JobContext& job, std::string_view text) {

@@ -9,8 +9,6 @@ namespace tarnwick::decompiler {
 
 namespace {
 
-/// What looking at one more record costs the job, so that tables that overlap cannot hold it for ever.
-constexpr int64_t RecordCost = 64;
 /// Bytes of a vertex line's numbers, at the least.
 constexpr int64_t LineCost = 80;
 

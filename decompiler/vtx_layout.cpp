@@ -12,9 +12,6 @@ namespace {
 /// Layouts that files were found to have.
 constexpr VtxLayout KnownLayouts[] = {{25, 27}, {33, 35}, {25, 35}};
 
-/// What looking at one more record costs the job, so that tables that overlap cannot hold it for ever.
-constexpr int64_t RecordCost = 64;
-
 /// Whether the strips of each group of `mesh` follow one another and together hold the group's indices.
 bool MeshFits(JobContext& job, const core::ImageView& vtx, const VtxLayout& layout, const core::Record<VtxMesh>& mesh) {
   for (int64_t g = 0; g < mesh->StripGroupCount; ++g) {
