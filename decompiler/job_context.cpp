@@ -91,7 +91,14 @@ std::optional<core::OutputFile> JobContext::Create(std::string_view name, std::s
     if (reason != nullptr) *reason = "the name leads out of the output directory";
     return std::nullopt;
   }
-  auto file = core::OutputFile::Create(OutputPath(name), reason);
+  std::string path = OutputPath(name);
+  std::string key = core::LowerAscii(name);
+  std::replace(key.begin(), key.end(), '\\', '/');
+  if (!m_begunNames.insert(std::move(key)).second) {
+    FinishFiles();
+    m_rewrittenPaths.insert(path);
+  }
+  auto file = core::OutputFile::Create(std::move(path), reason);
   if (file) {
     m_progress.File = name;
     ++m_progress.FilesBegun;
@@ -113,6 +120,13 @@ void JobContext::FinishScript(core::OutputFile& script) {
   m_result.Files.insert(m_result.Files.begin(), {script.Path(), script.Size()});
 }
 
+void JobContext::Record(FileOutcome& outcome) {
+  if (m_rewrittenPaths.count(outcome.Path) != 0) {
+    std::erase_if(m_result.Files, [&](const WrittenFile& file) { return file.Path == outcome.Path; });
+  }
+  m_result.Files.push_back({std::move(outcome.Path), outcome.Size});
+}
+
 void JobContext::FinishFiles() {
   for (FileOutcome& outcome : m_files.Finish()) {
     if (!outcome.Error.empty()) {
@@ -122,7 +136,7 @@ void JobContext::FinishFiles() {
         Warn(outcome.Path + " holds " + std::to_string(outcome.NonFinite) +
              (outcome.NonFinite == 1 ? " number that is not finite" : " numbers that are not finite"));
       }
-      m_result.Files.push_back({std::move(outcome.Path), outcome.Size});
+      Record(outcome);
     }
   }
   m_progress.FilesDone = m_files.DoneCount();

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 
@@ -96,7 +97,8 @@ class JobContext {
   std::string OutputPath(std::string_view name) const;
 
   /// Begins the file `name` (with its extension) in the output directory. Nothing, with `reason`, if it cannot be
-  /// created or if its name leads out of the output directory.
+  /// created or if its name leads out of the output directory. In the plain form two files can have one name: then the
+  /// earlier one is finished first, so that the later one stays.
   std::optional<core::OutputFile> Create(std::string_view name, std::string* reason = nullptr);
 
   /// Fills the file with `write` and gives it its name, now or on another thread before the stage ends. Failures of
@@ -115,7 +117,11 @@ class JobContext {
   const DecompileJob& m_job;
   core::Report& m_report;
   core::TextWriter* m_script = nullptr;
+  void Record(FileOutcome& outcome);
+
   FileBatch m_files;
+  std::set<std::string> m_begunNames;      // of the files in small letters, with slashes for backslashes
+  std::set<std::string> m_rewrittenPaths;  // of files that were begun more than once
   DecompileResult m_result;
   DecompileProgress m_progress;
   int64_t m_spent = 0;

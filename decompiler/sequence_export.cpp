@@ -143,13 +143,10 @@ class AnimationExport {
 
   /// Begins a file and tells so in the log. Nothing if it cannot be opened.
   std::optional<core::OutputFile> Open(const std::string& name, int64_t number) {
-    const auto [writer, isNew] = m_files.LastWriters.try_emplace(WriterKey(name), number);
-    // The file of that name must not be finished behind this one.
-    if (!isNew) m_job.FinishFiles();
     std::string reason;
     auto file = m_job.Create(name, &reason);
     if (file) {
-      writer->second = number;
+      m_files.LastWriters[WriterKey(name)] = number;
       DecompileLog(m_job, "Creating " + name + "\r\n");
     } else {
       m_job.LogError(m_job.OutputPath(name) + ": " + reason);

@@ -143,6 +143,23 @@ TEST(DecompileJob, KeepsJobsThatRunSideBySideApart) {
   for (std::thread& thread : threads) thread.join();
 }
 
+TEST(DecompileJob, LeavesTheLastOfFilesOfOneNameInThePlainForm) {
+  MeshDescription large{.Lods = {Triangles({})}, .Flexes = {{}}};
+  for (int i = 0; i < 20'000; ++i) large.Lods[0][0][0].Vertices.insert(large.Lods[0][0][0].Vertices.end(), {0, 1, 2});
+  ModelBuilder model{.FlexDescs = {"lid"}, .Mouths = {{}}};
+  model.BodyParts = {{.Models = {{.Name = "", .Meshes = {large, large}}, {.Name = ""}}}};
+  core::WorkQueue helpers(2);
+  LooseJob job;
+  job.Job.ModelPath = model.Write(job.Folder.Path("in"));
+  job.Job.Helpers = &helpers;
+  const DecompileResult result = job.Run();
+  EXPECT_EQ(result.Files.size(), 3u);
+  for (const WrittenFile& file : result.Files) {
+    EXPECT_LT(file.Size, 1000u) << file.Path;
+    EXPECT_EQ(file.Size, std::filesystem::file_size(file.Path)) << file.Path;
+  }
+}
+
 TEST(DecompileJob, LeavesNothingHalfDoneWhenItIsStopped) {
   LooseJob job;
   job.Job.ModelPath = ModelBuilder{.BodyParts = {{}, {}, {}}}.Write(job.Folder.Path("in"));
