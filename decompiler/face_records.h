@@ -67,7 +67,7 @@ static_assert(sizeof(StudioVertAnim) == 16);
 struct StudioEyeball {
   int32_t NameOffset;   // 0x00
   int32_t Bone;         // 0x04
-  Vec3 Origin;          // 0x08 in pose space
+  Vec3 Origin;          // 0x08 in the bone's space; the script wants it in the model's
   float ForwardOffset;  // 0x14 its arctangent is the eye's angle
   float Radius;         // 0x18
   char Unread1C[0x38 - 0x1C];

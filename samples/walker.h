@@ -34,6 +34,8 @@ inline constexpr float MouthHeight = 61.5f;
 inline constexpr float EyeHeight = 65;
 inline constexpr float EyeForward = 4.2f;
 inline constexpr float EyeSide = 1.7f;
+/// Where the head's bone begins; it is not turned.
+inline constexpr float HeadBoneHeight = 58;
 
 std::vector<tests::BoneDescription> WalkerBones();
 /// Body, head and eyes, each with a LOD for near, for far, and for the shadow. The vertices of each mesh stand LOD

@@ -24,9 +24,10 @@ FlexDescription MakeFlex(const MeshDescription& mesh, int32_t nearCount, int32_t
   return made;
 }
 
+/// An eye; compiled models place it in its bone's space.
 tests::EyeballDescription MakeEye(float side, int32_t texture, int32_t upperLid, int32_t lowerLid) {
   return {.Bone = Head,
-          .Origin = {EyeForward - 0.8f, side, EyeHeight},
+          .Origin = {EyeForward - 0.8f, side, EyeHeight - HeadBoneHeight},
           .ForwardOffset = 0.05f,
           .Radius = 1,
           .Texture = texture,
