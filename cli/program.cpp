@@ -1,10 +1,52 @@
 #include <CLI/CLI.hpp>
 #include <exception>
+#include <string>
+#include <vector>
 
 #include "cli/invocation.h"
 #include "cli/verbs.h"
 
 namespace tarnwick::cli {
+
+namespace {
+
+/// Stands in front of an argument in square brackets while it is parsed. The parser would take "[a,b]" for a list of
+/// two, but it may be the name of a folder or a project's value.
+constexpr char WholeArgument = '\x01';
+
+std::string Marked(std::string argument) {
+  if (argument.starts_with('[') && argument.ends_with(']')) argument.insert(argument.begin(), WholeArgument);
+  return argument;
+}
+
+std::string Unmarked(std::string argument) {
+  if (argument.starts_with(WholeArgument)) argument.erase(0, 1);
+  return argument;
+}
+
+/// Lets every option of `app` and of its subcommands see its arguments without the mark.
+void UnmarkArguments(CLI::App& app) {
+  for (CLI::Option* option : app.get_options({})) {
+    if (option->get_items_expected_max() > 0) option->transform(Unmarked);
+  }
+  for (CLI::App* subcommand : app.get_subcommands({})) UnmarkArguments(*subcommand);
+}
+
+/// Tells a wrong command line. The parser says that a verb is missing where there is none and where there is an unknown
+/// one; then the verbs there are help more.
+int Refuse(CLI::App& program, const CLI::ParseError& error, std::ostream& out, std::ostream& err) {
+  CLI::App* chosen = &program;
+  while (!chosen->get_subcommands().empty()) chosen = chosen->get_subcommands().front();
+  const bool lacksVerb =
+      error.get_exit_code() == static_cast<int>(CLI::ExitCodes::RequiredError) && !chosen->get_subcommands({}).empty();
+  if (!lacksVerb) return program.exit(error, out, err) == 0 ? ExitSuccess : ExitUsage;
+  err << program.help();
+  const std::vector<std::string> unknown = program.remaining(true);
+  if (!unknown.empty()) err << "\nError: there is no \"" << Unmarked(unknown.front()) << "\" here\n";
+  return ExitUsage;
+}
+
+}  // namespace
 
 int RunProgram(int argumentCount, const char* const* arguments, std::ostream& out, std::ostream& err) {
   CLI::App program("Tools for people who make content for games on the Source engine.", "tarnwick-cli");
@@ -13,11 +55,14 @@ int RunProgram(int argumentCount, const char* const* arguments, std::ostream& ou
   program.require_subcommand(1);
   Invocation invocation{out, err, {}};
   for (const AddVerb addVerb : Verbs) addVerb(program, invocation);
+  UnmarkArguments(program);
+  std::vector<std::string> reversed;  // as the parser wants them
+  for (int i = argumentCount - 1; i > 0; --i) reversed.push_back(Marked(arguments[i]));
   try {
-    program.parse(argumentCount, arguments);
+    program.parse(std::move(reversed));
     return invocation.Run ? invocation.Run() : ExitUsage;
   } catch (const CLI::ParseError& error) {
-    return program.exit(error, out, err) == 0 ? ExitSuccess : ExitUsage;
+    return Refuse(program, error, out, err);
   } catch (const std::exception& error) {  // memory ran out, at the latest
     err << "Error: " << error.what() << '\n';
     return ExitFailure;
