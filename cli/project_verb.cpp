@@ -17,22 +17,25 @@ namespace {
 constexpr const char* Examples = R"(Examples:
   tarnwick-cli project show crate.sc
   tarnwick-cli project set --new crate.sc "Model File" props/crate.mdl "Reference SMD" crate.smd
-  tarnwick-cli project set crate.sc Animation0/Name spin Animation0/FPS 24
+  tarnwick-cli project set crate.sc "Model Options/Prop Type" prop_physics "Phy SMD Check" 1
+  tarnwick-cli project set crate.sc Animation0/Name spin "Animation0/SMD Name" spin.smd Animation0/FPS 24
   tarnwick-cli project get crate.sc "Model Options/Scale"
-  tarnwick-cli project remove crate.sc Animation0)";
+  tarnwick-cli project remove crate.sc Animation0
+  tarnwick-cli project keys)";
 
 struct Options {
   std::string Path;
   std::vector<std::string> Words;  // keys, keys with values, or entries
   bool Json = false;
   bool New = false;
+  bool Force = false;
 };
 
 /// A project file with what it needs around it.
 struct OpenProject {
   explicit OpenProject(std::ostream& err) : Report(err) {}
 
-  bool Open(const std::string& path) { return project::OpenProjectFile(path, Model, Store, Report); }
+  bool Open(const std::string& path) { return project::OpenProjectFile(path, Model, Store, Report, &Whole); }
   int Save(const std::string& path) {
     return project::SaveProjectFile(path, Model, Store, Report) ? ExitSuccess : ExitFailure;
   }
@@ -41,11 +44,23 @@ struct OpenProject {
   project::ModelOptions ModelOptions;
   project::ModelProject Model{ModelOptions};
   project::ProfileStore Store;
+  bool Whole = true;  // whether all of the file was loaded
 };
 
 int Fail(Invocation& invocation, const std::string& path, const std::string& reason) {
   invocation.Err << "Error: " << path << ": " << reason << '\n';
   return ExitFailure;
+}
+
+/// Opens a project to change it. One of which a part could not be loaded, which saving would lose, is not opened
+/// without
+/// --force.
+bool OpenToChange(OpenProject& open, const Options& options, Invocation& invocation) {
+  if (!open.Open(options.Path)) return false;
+  if (open.Whole || options.Force) return true;
+  Fail(invocation, options.Path,
+       "saving it would lose what was not loaded. Nothing was changed; --force saves all the same");
+  return false;
 }
 
 int Show(const Options& options, Invocation& invocation) {
@@ -86,24 +101,58 @@ int Set(const Options& options, Invocation& invocation) {
   }
   OpenProject open(invocation.Err);
   const bool create = options.New && !core::FileExists(options.Path);
-  if (!create && !open.Open(options.Path)) return ExitFailure;
-  for (size_t i = 0; i < options.Words.size(); i += 2) {
-    if (const auto problem = project::SetProjectValue(open.Model, options.Words[i], options.Words[i + 1])) {
-      return Fail(invocation, options.Path, *problem + ". Nothing was changed");
-    }
+  if (!options.New && !core::FileExists(options.Path)) {
+    return Fail(invocation, options.Path, "there is no such file; --new makes one");
+  }
+  if (!create && !OpenToChange(open, options, invocation)) return ExitFailure;
+  std::vector<project::ProjectChange> changes;
+  for (size_t i = 0; i < options.Words.size(); i += 2) changes.push_back({options.Words[i], options.Words[i + 1]});
+  if (const auto problem = project::SetProjectValues(open.Model, changes)) {
+    return Fail(invocation, options.Path, *problem + ". Nothing was changed");
   }
   return open.Save(options.Path);
 }
 
 int Remove(const Options& options, Invocation& invocation) {
   OpenProject open(invocation.Err);
-  if (!open.Open(options.Path)) return ExitFailure;
+  if (!OpenToChange(open, options, invocation)) return ExitFailure;
   for (const std::string& entry : options.Words) {
     if (const auto problem = project::RemoveProjectEntry(open.Model, entry)) {
       return Fail(invocation, options.Path, *problem + ". Nothing was changed");
     }
   }
   return open.Save(options.Path);
+}
+
+/// What a value of a key is: "number, 30.0 unless given".
+std::string KindText(const project::KeyDescription& key) {
+  std::string text;
+  if (!key.Names.empty()) {
+    for (const std::string_view name : key.Names) text.append(text.empty() ? "" : " | ").append(name);
+    return text;
+  }
+  switch (key.Kind) {
+    case project::ValueKind::Text:
+      text = "text";
+      break;
+    case project::ValueKind::Whole:
+      text = "whole number";
+      break;
+    case project::ValueKind::Real:
+      text = "number";
+      break;
+    case project::ValueKind::Check:
+      text = "0 | 1";
+      break;
+  }
+  return key.Default.empty() ? text : text + ", " + std::string(key.Default) + " unless given";
+}
+
+int ShowKeys(Invocation& invocation) {
+  for (const project::KeyDescription& key : project::DescribeProjectKeys()) {
+    invocation.Out << key.Key << ": " << key.Label << " (" << KindText(key) << ")\n";
+  }
+  return ExitSuccess;
 }
 
 }  // namespace
@@ -128,9 +177,14 @@ void AddProjectVerb(CLI::App& program, Invocation& invocation) {
   CLI::App* set = add("set", "Set values; the number behind a list's last entry makes a new one", Set);
   set->add_option("KEY VALUE", options->Words, "Keys, each with its value behind it")->required();
   set->add_flag("--new", options->New, "Make the file if there is none");
-  add("remove", "Remove entries of lists; the ones behind move up", Remove)
-      ->add_option("ENTRY", options->Words, "Entries such as Animation0, Gib1 or Animation0/Command2")
-      ->required();
+  CLI::App* remove = add("remove", "Remove entries of lists; the ones behind move up", Remove);
+  remove->add_option("ENTRY", options->Words, "Entries such as Animation0, Gib1 or Animation0/Command2")->required();
+  for (CLI::App* change : {set, remove}) {
+    change->add_flag("--force", options->Force, "Save also what could not all be loaded");
+  }
+  verb->add_subcommand("keys", "All keys that a project can have, with what they are")->callback([&invocation] {
+    invocation.Run = [&invocation] { return ShowKeys(invocation); };
+  });
 }
 
 }  // namespace tarnwick::cli

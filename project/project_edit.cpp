@@ -1,9 +1,12 @@
 #include "project/project_edit.h"
 
 #include <algorithm>
+#include <cmath>
 #include <vector>
 
 #include "core/number_parse.h"
+#include "core/paths.h"
+#include "project/entry_editors.h"
 #include "project/field_rules.h"
 #include "project/profile_store.h"
 #include "project/project_keys.h"
@@ -21,6 +24,31 @@ std::string Quoted(std::string_view text) {
   return quoted.append(text).append(1, '"');
 }
 
+/// The number of a value that has a name; other text as it is.
+std::string NumberOf(const ProjectKey& key, const std::string& value) {
+  const auto named =
+      std::ranges::find_if(key.Names, [&](std::string_view name) { return core::EqualIgnoringCase(name, value); });
+  return named == key.Names.end() ? value : std::to_string(named - key.Names.begin());
+}
+
+/// "one of prop_static (0), prop_dynamic (1)".
+std::string OneOf(std::span<const std::string_view> names) {
+  std::string text = "one of ";
+  for (size_t i = 0; i < names.size(); ++i) {
+    text.append(i == 0 ? "" : ", ").append(names[i]).append(" (" + std::to_string(i) + ")");
+  }
+  return text;
+}
+
+Problem CheckWhole(const ProjectKey& key, std::string_view name, std::string_view value) {
+  size_t length = 0;
+  const int32_t number = core::ParseWhole(value, &length);
+  const bool isWhole = length == value.size() && length != 0;
+  if (key.Names.empty() && !isWhole) return std::string(name) + " is a whole number, not " + Quoted(value);
+  if (key.Names.empty() || (isWhole && number >= 0 && static_cast<size_t>(number) < key.Names.size())) return {};
+  return std::string(name) + " is " + OneOf(key.Names) + ", not " + Quoted(value);
+}
+
 Problem CheckKind(const ProjectKey& key, std::string_view name, std::string_view value) {
   size_t length = 0;
   switch (key.Kind) {
@@ -32,19 +60,17 @@ Problem CheckKind(const ProjectKey& key, std::string_view name, std::string_view
       if (value == "0" || value == "1") return std::nullopt;
       return std::string(name) + " is 0 or 1, not " + Quoted(value);
     case ValueKind::Whole:
-      core::ParseWhole(value, &length);
-      if (length == value.size() && length != 0) return std::nullopt;
-      return std::string(name) + " is a whole number, not " + Quoted(value);
+      return CheckWhole(key, name, value);
     case ValueKind::Real:
-      core::ParseReal(value, &length);
-      if (length == value.size() && length != 0) return std::nullopt;
+      if (std::isfinite(core::ParseReal(value, &length)) && length == value.size() && length != 0) return std::nullopt;
       return std::string(name) + " is a number, not " + Quoted(value);
   }
   return std::nullopt;
 }
 
 /// Why a value did not become part of the project although it is good in itself.
-std::string WhyLost(const ProjectKey& key, std::string_view name) {
+std::string WhyLost(std::string_view name) {
+  const ProjectKey key = ReadProjectKey(name).value_or(ProjectKey());
   if (key.Sub == CommandKey && key.SubEntry >= MaximumCommands) {
     return "A sequence can hold " + std::to_string(MaximumCommands) + " commands";
   }
@@ -52,9 +78,29 @@ std::string WhyLost(const ProjectKey& key, std::string_view name) {
     return "A sequence can hold " + std::to_string(MaximumEvents) + " events";
   }
   return std::string(name) +
-         " cannot be set so: entries are numbered from 0 without a gap, a new one begins with its first field, and "
-         "that "
-         "field is not empty";
+         " cannot be set so: entries are numbered from 0 without a gap, and the first field of each (a name, in most "
+         "lists) must have a value";
+}
+
+/// The key of a change that would not come back from the file, or of one that makes other values not come back.
+std::optional<std::string> FirstLost(const ProfileStore& wanted, const ProfileStore& kept,
+                                     std::span<const ProjectChange> changes) {
+  const auto isKept = [&kept](const std::string& key) { return kept.Entries().contains(key); };
+  for (const ProjectChange& change : changes) {
+    const std::string key(WithoutSection(change.Key));
+    if (!isKept(std::string(ProjectSection) + '/' + key)) return key;
+  }
+  const auto lost = std::ranges::find_if(wanted.Entries(), [&](const auto& entry) { return !isKept(entry.first); });
+  if (lost == wanted.Entries().end()) return std::nullopt;
+  return std::string(WithoutSection(lost->first));
+}
+
+/// What the attachment's editor does on OK.
+void FillChangedAttachments(ModelProject& project, std::span<const ProjectChange> changes) {
+  for (const ProjectChange& change : changes) {
+    const auto key = ReadProjectKey(WithoutSection(change.Key));
+    if (key && key->List == AttachmentGroup) FillAttachment(project.Attachments.At(key->Entry));
+  }
 }
 
 /// The entries of one list as `RemoveAt` sees them.
@@ -102,21 +148,23 @@ std::optional<ProjectKey> ReadEntryName(std::string_view name) {
 std::optional<std::string> GetProjectValue(const ModelProject& project, std::string_view key) {
   std::optional<std::string> text;
   ForEachProjectValue(project, [&](const ProjectValue& value) {
-    if (value.Key == key) text = value.Text;
+    if (value.Key == WithoutSection(key)) text = value.Text;
   });
   return text;
 }
 
-Problem SetProjectValue(ModelProject& project, std::string_view key, std::string_view value) {
-  const std::optional<ProjectKey> known = ReadProjectKey(key);
-  if (!known) return "A project has no key " + Quoted(key);
-  if (Problem problem = CheckKind(*known, key, value)) return problem;
-
+Problem SetProjectValues(ModelProject& project, std::span<const ProjectChange> changes) {
   ProfileStore store;
   SaveProjectToStore(project, store);
-  std::string text(value);
-  if (known->QuoteStandIn != 0) std::replace(text.begin(), text.end(), '"', known->QuoteStandIn);
-  store.SetString(ProjectSection, key, text);
+  for (const ProjectChange& change : changes) {
+    const std::string_view name = WithoutSection(change.Key);
+    const std::optional<ProjectKey> key = ReadProjectKey(name);
+    if (!key) return "A project has no key " + Quoted(change.Key);
+    std::string text = NumberOf(*key, change.Value);
+    if (Problem problem = CheckKind(*key, name, text)) return problem;
+    if (key->QuoteStandIn != 0) std::replace(text.begin(), text.end(), '"', key->QuoteStandIn);
+    store.SetString(ProjectSection, name, text);
+  }
 
   // Nothing may get lost on the way back from the store.
   ModelOptions options;
@@ -124,15 +172,14 @@ Problem SetProjectValue(ModelProject& project, std::string_view key, std::string
   LoadProjectFromStore(store, changed);
   ProfileStore kept;
   SaveProjectToStore(changed, kept);
-  for (const auto& entry : store.Entries()) {
-    if (!kept.Entries().contains(entry.first)) return WhyLost(*known, key);
-  }
+  if (const auto lost = FirstLost(store, kept, changes)) return WhyLost(*lost);
   LoadProjectFromStore(store, project);
+  FillChangedAttachments(project, changes);
   return std::nullopt;
 }
 
 Problem RemoveProjectEntry(ModelProject& project, std::string_view entry) {
-  const std::optional<ProjectKey> key = ReadEntryName(entry);
+  const std::optional<ProjectKey> key = ReadEntryName(WithoutSection(entry));
   if (!key) return Quoted(entry) + " is no entry of a list";
   if (!key->Sub.empty()) return RemoveFromSequence(project.Sequences, *key, entry);
   if (key->List == SequenceGroup) return RemoveFrom(project.Sequences, key->Entry, entry);

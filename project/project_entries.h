@@ -4,12 +4,16 @@
 #include <cstdint>
 #include <span>
 #include <string>
+#include <string_view>
 
 namespace tarnwick::project {
 
 /// Commands, and events, that one sequence can hold.
 inline constexpr int32_t MaximumCommands = 20;
 inline constexpr int32_t MaximumEvents = 20;
+
+/// The directions of `SequenceEntry::rotateDirection`.
+inline constexpr std::array<std::string_view, 2> RotateDirections = {"NONE", "RZ"};
 
 /// One event of a sequence.
 struct EventEntry {
@@ -24,7 +28,7 @@ struct EventEntry {
 struct SequenceEntry {
   std::string name;
   std::string smdFile;
-  int32_t rotateDirection = 0;  // 0 is "NONE", 1 is "RZ"
+  int32_t rotateDirection = 0;  // index into RotateDirections
   double rotateAmount = 0.0;    // printed while rotateDirection is not 0
   std::string activity;         // such as "ACT_IDLE"
   int32_t activityStrength = 0;

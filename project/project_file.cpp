@@ -47,10 +47,8 @@ std::vector<std::string> KeysLeftOut(const ProfileStore& store, const ModelProje
   SaveProjectToStore(project, taken);
   std::vector<std::string> keys;
   for (const auto& entry : store.Entries()) {
-    std::string key = entry.first;
-    if (taken.Entries().contains(key)) continue;
-    if (key.starts_with(SectionPrefix())) key.erase(0, SectionPrefix().size());
-    if (!IsSurplus(key)) keys.push_back(std::move(key));
+    const std::string_view key = WithoutSection(entry.first);
+    if (!taken.Entries().contains(entry.first) && !IsSurplus(key)) keys.emplace_back(key);
   }
   return keys;
 }
@@ -75,7 +73,8 @@ bool Fail(core::Report& report, const std::string& text) {
 
 }  // namespace
 
-bool OpenProjectFile(const std::string& path, ModelProject& project, ProfileStore& store, core::Report& report) {
+bool OpenProjectFile(const std::string& path, ModelProject& project, ProfileStore& store, core::Report& report,
+                     bool* whole) {
   project.configFile = path;
   ProfileStore loaded;
   ProfileLoadNotes found;
@@ -94,6 +93,7 @@ bool OpenProjectFile(const std::string& path, ModelProject& project, ProfileStor
     notes.push_back(
         "Entries that no project has, or that stand behind a gap in the numbers, not loaded: " + Listed(keys) + ".");
   }
+  if (whole != nullptr) *whole = notes.empty();
   if (!notes.empty()) {
     std::string text = "Not all of the project file \"" + path + "\" was loaded.";
     for (const std::string& note : notes) text += "\r\n" + note;

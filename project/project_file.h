@@ -18,8 +18,10 @@ inline constexpr const char* ProjectFileTitle = "Name of Config File";
 /// A file that cannot be read, or in which no line belongs to a project, is shown as an error box that names it and the
 /// reason; project and store then stay as they were, and false is returned. What a sound project leaves out of a
 /// damaged file (commands beyond the limit, lines behind an empty one or behind a gap in the numbers, damaged lines) is
-/// shown as one warning box.
-bool OpenProjectFile(const std::string& path, ModelProject& project, ProfileStore& store, core::Report& report);
+/// shown as one warning box, and `whole`, if given, tells whether there is none: saving over the file would then lose
+/// nothing.
+bool OpenProjectFile(const std::string& path, ModelProject& project, ProfileStore& store, core::Report& report,
+                     bool* whole = nullptr);
 
 /// What the save button does once a file is chosen (and the project is saved into the settings): `configFile` takes the
 /// path, and the project goes through the store into the file, in one step over an older file.

@@ -7,11 +7,14 @@ namespace tarnwick::project {
 
 namespace {
 
-/// The kind of the field of that key in one of the tables, or nothing.
+/// Finds the field of that key in one of the tables and puts what it is into `result`.
 template <typename Record, size_t Size>
-std::optional<ValueKind> FindKind(const std::array<KeyedField<Record>, Size>& fields, std::string_view key) {
+bool FindField(const std::array<KeyedField<Record>, Size>& fields, std::string_view key, ProjectKey& result) {
   const auto found = std::ranges::find(fields, key, &KeyedField<Record>::Key);
-  return found == fields.end() ? std::nullopt : std::optional(KindOf(*found));
+  if (found == fields.end()) return false;
+  result.Kind = KindOf(*found);
+  result.Names = found->Names;
+  return true;
 }
 
 /// The number of `name` if it is `group` and a number as the file writes it (digits, no leading zero); else -1.
@@ -25,29 +28,29 @@ int32_t NumberBehind(std::string_view name, std::string_view group) {
 }
 
 /// Understands what stands below one sequence.
-std::optional<ValueKind> ReadSequenceKey(std::string_view key, ProjectKey& result) {
-  if (const auto kind = FindKind(SequenceKeys, key)) return kind;
+bool ReadSequenceKey(std::string_view key, ProjectKey& result) {
+  if (FindField(SequenceKeys, key, result)) return true;
   result.SubEntry = NumberBehind(key, CommandKey);
   if (result.SubEntry >= 0) {
     result.Sub = CommandKey;
     result.QuoteStandIn = SequenceCommandQuote;
-    return ValueKind::Text;
+    return true;
   }
   const size_t slash = key.find('/');
-  if (slash == std::string_view::npos) return std::nullopt;
+  if (slash == std::string_view::npos) return false;
   result.Sub = EventGroup;
   result.SubEntry = NumberBehind(key.substr(0, slash), EventGroup);
-  return result.SubEntry < 0 ? std::nullopt : FindKind(EventKeys, key.substr(slash + 1));
+  return result.SubEntry >= 0 && FindField(EventKeys, key.substr(slash + 1), result);
 }
 
-std::optional<ValueKind> ReadListKey(std::string_view list, std::string_view key, ProjectKey& result) {
+bool ReadListKey(std::string_view list, std::string_view key, ProjectKey& result) {
   if (list == SequenceGroup) return ReadSequenceKey(key, result);
-  if (list == AttachmentGroup) return FindKind(AttachmentKeys, key);
-  if (list == GibGroup) return FindKind(GibKeys, key);
-  if (list == LodGroup) return FindKind(LodKeys, key);
-  if (list == SkinGroup) return FindKind(SkinKeys, key);
+  if (list == AttachmentGroup) return FindField(AttachmentKeys, key, result);
+  if (list == GibGroup) return FindField(GibKeys, key, result);
+  if (list == LodGroup) return FindField(LodKeys, key, result);
+  if (list == SkinGroup) return FindField(SkinKeys, key, result);
   result.QuoteStandIn = QcCommandQuote;
-  return FindKind(QcCommandKeys, key);
+  return FindField(QcCommandKeys, key, result);
 }
 
 }  // namespace
@@ -56,28 +59,53 @@ std::string Numbered(std::string_view group, int32_t number) {
   return std::string(group) + std::to_string(number);
 }
 
+std::string_view WithoutSection(std::string_view key) {
+  if (key.starts_with(ProjectSection) && key.substr(ProjectSection.size()).starts_with('/')) {
+    key.remove_prefix(ProjectSection.size() + 1);
+  }
+  return key;
+}
+
 std::optional<ProjectKey> ReadProjectKey(std::string_view key) {
   ProjectKey result;
-  const auto finish = [&](std::optional<ValueKind> kind) -> std::optional<ProjectKey> {
-    if (!kind) return std::nullopt;
-    result.Kind = *kind;
-    return result;
-  };
+  const auto found = [&result](bool known) { return known ? std::optional(result) : std::nullopt; };
   const size_t slash = key.find('/');
-  if (slash == std::string_view::npos) return finish(FindKind(FormKeys, key));
+  if (slash == std::string_view::npos) return found(FindField(FormKeys, key, result));
   const std::string_view group = key.substr(0, slash);
   const std::string_view below = key.substr(slash + 1);
   if (group == OptionsGroup) {
-    const auto kind = FindKind(OptionKeys, below);
-    return finish(kind ? kind : FindKind(FormOptionKeys, below));
+    return found(FindField(OptionKeys, below, result) || FindField(FormOptionKeys, below, result));
   }
   for (const std::string_view list : {SequenceGroup, AttachmentGroup, GibGroup, QcCommandGroup, LodGroup, SkinGroup}) {
     result.Entry = NumberBehind(group, list);
     if (result.Entry < 0) continue;
     result.List = list;
-    return finish(ReadListKey(list, below, result));
+    return found(ReadListKey(list, below, result));
   }
   return std::nullopt;
+}
+
+std::vector<KeyDescription> DescribeProjectKeys() {
+  std::vector<KeyDescription> keys;
+  const auto add = [&keys](const std::string& prefix, const auto& fields) {
+    for (const auto& field : fields) {
+      keys.push_back({prefix + std::string(field.Key), field.Label, KindOf(field), field.Default, field.Names});
+    }
+  };
+  const auto entry = [](std::string_view group) { return std::string(group) + "<i>/"; };
+  const std::string options = std::string(OptionsGroup) + '/';
+  add("", FormKeys);
+  add(options, FormOptionKeys);
+  add(options, OptionKeys);
+  add(entry(SequenceGroup), SequenceKeys);
+  keys.push_back({entry(SequenceGroup) + std::string(CommandKey) + "<j>", "Command", ValueKind::Text, {}, {}});
+  add(entry(SequenceGroup) + std::string(EventGroup) + "<j>/", EventKeys);
+  add(entry(AttachmentGroup), AttachmentKeys);
+  add(entry(GibGroup), GibKeys);
+  add(entry(QcCommandGroup), QcCommandKeys);
+  add(entry(LodGroup), LodKeys);
+  add(entry(SkinGroup), SkinKeys);
+  return keys;
 }
 
 }  // namespace tarnwick::project

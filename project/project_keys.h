@@ -3,9 +3,11 @@
 #include <array>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <variant>
+#include <vector>
 
 #include "project/model_project.h"
 
@@ -24,7 +26,8 @@ struct KeyedField {
   std::string_view Key;
   std::string_view Label;  // as the form or the editor calls the field
   std::variant<std::string Record::*, int32_t Record::*, double Record::*, bool Record::*> Field;
-  std::string_view Default = {};  // what a file without the key means, as text
+  std::string_view Default = {};                 // what a file without the key means, as text
+  std::span<const std::string_view> Names = {};  // of the values of a whole number that is an index
 };
 
 template <typename Record>
@@ -45,7 +48,7 @@ inline constexpr std::array<KeyedField<ModelProject>, 5> FormKeys = {{
 /// The group of the model's options, and its fields, one of which belongs to the form.
 inline constexpr std::string_view OptionsGroup = "Model Options";
 inline constexpr std::array<KeyedField<ModelProject>, 1> FormOptionKeys = {{
-    {"Prop Type", "Model Type", &ModelProject::propType},
+    {"Prop Type", "Model Type", &ModelProject::propType, {}, ModelTypes},
 }};
 inline constexpr std::array<KeyedField<ModelOptions>, 6> OptionKeys = {{
     {"Scale", "Scale", &ModelOptions::scale, "1.0"},
@@ -75,7 +78,7 @@ inline constexpr std::array<KeyedField<SequenceEntry>, 8> SequenceKeys = {{
     {"Loop", "Loop Animation", &SequenceEntry::loop},
     {"Activity", "Activity Name", &SequenceEntry::activity},
     {"Activity Strength", "Strength", &SequenceEntry::activityStrength},
-    {"Rotation", "Direction", &SequenceEntry::rotateDirection},
+    {"Rotation", "Direction", &SequenceEntry::rotateDirection, {}, RotateDirections},
     {"Rotation Amount", "Amount", &SequenceEntry::rotateAmount, "0"},
 }};
 inline constexpr std::array<KeyedField<EventEntry>, 3> EventKeys = {{
@@ -116,14 +119,30 @@ std::string Numbered(std::string_view group, int32_t number);
 /// A key of a project file, understood.
 struct ProjectKey {
   ValueKind Kind = ValueKind::Text;
-  char QuoteStandIn = 0;  // what stands for a double quote in the file; 0 if the value can hold none
-  std::string_view List;  // the group of its list, or empty
-  int32_t Entry = -1;     // the number of the list's entry
-  std::string_view Sub;   // CommandKey or EventGroup below a sequence, or empty
-  int32_t SubEntry = -1;  // the number of the command or event
+  std::span<const std::string_view> Names;  // of the values of an index
+  char QuoteStandIn = 0;                    // what stands for a double quote in the file; 0 if the value can hold none
+  std::string_view List;                    // the group of its list, or empty
+  int32_t Entry = -1;                       // the number of the list's entry
+  std::string_view Sub;                     // CommandKey or EventGroup below a sequence, or empty
+  int32_t SubEntry = -1;                    // the number of the command or event
 };
+
+/// `key` without the section, if it stands in front as it does in the file.
+std::string_view WithoutSection(std::string_view key);
 
 /// Understands a key told without its section; nothing if a project has no such key.
 std::optional<ProjectKey> ReadProjectKey(std::string_view key);
+
+/// A key that a project may have, for the user: "Animation<i>/FPS".
+struct KeyDescription {
+  std::string Key;
+  std::string_view Label;
+  ValueKind Kind;
+  std::string_view Default;
+  std::span<const std::string_view> Names;
+};
+
+/// All keys that there are, from the form's top to its lists.
+std::vector<KeyDescription> DescribeProjectKeys();
 
 }  // namespace tarnwick::project

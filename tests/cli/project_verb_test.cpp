@@ -1,5 +1,7 @@
 #include <gmock/gmock.h>
 
+#include <sstream>
+
 #include "command_line.h"
 #include "support/scratch_folder.h"
 
@@ -34,6 +36,35 @@ TEST(ProjectVerb, BuildsAProjectAndItsScript) {
   EXPECT_EQ(RunCommand({"project", "set", path, "Model File"}).ExitCode, ExitUsage);
   EXPECT_EQ(RunCommand({"project", "remove", path, "Animation0"}).ExitCode, ExitSuccess);
   EXPECT_THAT(RunCommand({"qc", path}).Err, HasSubstr("No Sequences Specified"));
+}
+
+TEST(ProjectVerb, DoesNotSaveOverWhatItCouldNotLoad) {
+  tests::ScratchFolder folder;
+  const std::string path = folder.Path("old.sc");
+  const std::string text = "\"Model Compiler/Model File\" \"a.mdl\"\n\n\"Model Compiler/Skin0/Skin Name\" \"s\"\n";
+  WriteText(path, text);
+  for (const std::vector<std::string>& change :
+       {std::vector<std::string>{"set", path, "Model File", "b.mdl"}, {"remove", path, "Skin0"}}) {
+    std::vector<std::string> words{"project"};
+    words.insert(words.end(), change.begin(), change.end());
+    EXPECT_EQ(RunCommand(words).ExitCode, ExitFailure);
+    EXPECT_EQ(ReadText(path), text);
+  }
+  EXPECT_EQ(RunCommand({"project", "set", "--force", path, "Model File", "b.mdl"}).ExitCode, ExitSuccess);
+  EXPECT_EQ(RunCommand({"project", "get", path, "Model File"}).Out, "b.mdl\n");
+}
+
+TEST(ProjectVerb, NamesOnlyKeysThatCanBeSet) {
+  tests::ScratchFolder folder;
+  std::istringstream keys(RunCommand({"project", "keys"}).Out);
+  std::vector<std::string> words{"project", "set", "--new", folder.Path("a.sc")};
+  for (std::string line; std::getline(keys, line);) {
+    std::string key = line.substr(0, line.find(": "));
+    for (size_t at = key.find('<'); at != std::string::npos; at = key.find('<')) key.replace(at, 3, "0");
+    words.insert(words.end(), {key, "1"});
+  }
+  EXPECT_EQ(words.size(), 4u + 2 * 35);
+  EXPECT_EQ(RunCommand(words).Err, "");
 }
 
 TEST(SmdVerb, ShowsFiguresAndReplaces) {
