@@ -1,5 +1,6 @@
 #include "cli/compile_run.h"
 
+#include "core/paths.h"
 #include "tools/line_splitter.h"
 #include "tools/qc_model_name.h"
 #include "tools/run_checks.h"
@@ -9,11 +10,14 @@ namespace tarnwick::cli {
 
 namespace {
 
-void JudgeModel(CompileOutcome& outcome, const tools::ModelFileWatch& model) {
+void JudgeModel(CompileOutcome& outcome, const tools::ModelFileWatch& model, const CompileCalls& calls) {
   outcome.ModelPath = model.Path();
   outcome.ModelWritten = model.WasWritten();
-  if (!outcome.ModelWritten) {
+  if (!outcome.ModelWritten && !core::FileExists(outcome.Input.QcPath)) {
+    outcome.Errors.push_back("there is no script " + outcome.Input.QcPath);
+  } else if (!outcome.ModelWritten) {
     outcome.Warnings.push_back("the script names no model, so whether one was written is not known");
+    calls.OnWarning("Warning: " + outcome.Warnings.back());
   } else if (!*outcome.ModelWritten && outcome.Errors.empty()) {
     outcome.Errors.push_back("no newer model at " + outcome.ModelPath);
   }
@@ -47,7 +51,7 @@ CompileOutcome RunCompile(const CompileInput& input, const std::string& sdkDirec
   if (outcome.Run.End && outcome.Run.End->Signal != 0) {
     outcome.Errors.push_back("the tool crashed: it was ended by signal " + std::to_string(outcome.Run.End->Signal));
   }
-  JudgeModel(outcome, model);
+  JudgeModel(outcome, model, calls);
   return outcome;
 }
 

@@ -7,10 +7,9 @@
 #include "cli/compile_run.h"
 #include "cli/console_report.h"
 #include "cli/interrupt.h"
+#include "cli/project_script.h"
 #include "cli/tool_directories.h"
 #include "core/paths.h"
-#include "project/project_file.h"
-#include "project/qc_generator.h"
 #include "tools/studiomdl_command.h"
 #include "tools/tool_file.h"
 
@@ -20,12 +19,13 @@ namespace {
 
 constexpr const char* Examples = R"(Examples:
   tarnwick-cli compile --game ~/games/mod crate.qc
-  tarnwick-cli compile crate.sc barrel.sc
+  tarnwick-cli compile --materials props crate.sc barrel.sc
   tarnwick-cli compile --sdk "/opt/sdk bin" --wine wine64 --fullcollide crate.qc)";
 
 struct Options {
   std::vector<std::string> Inputs;
   ToolDirectories Directories;
+  ProjectScripts Scripts;
   uint32_t Switches = 0;
   bool Json = false;
   bool Quiet = false;
@@ -42,19 +42,6 @@ std::string OptionName(std::string_view caption) {
 
 bool IsProject(const std::string& path) {
   return core::EqualIgnoringCase(core::NativePath(path).extension().string(), ".sc");
-}
-
-/// The script of `path`: the file itself, or the one that its project writes. Nothing if that failed, which is told.
-std::optional<CompileInput> PrepareInput(const std::string& path, uint32_t switches, core::Report& report) {
-  if (!IsProject(path)) return CompileInput{path, path, switches};
-  project::ModelOptions modelOptions;
-  project::ModelProject model(modelOptions);
-  project::ProfileStore store;
-  CompileInput input{path, {}, 0};
-  if (!project::OpenProjectFile(path, model, store, report)) return std::nullopt;
-  if (!project::WriteQcScript(model, report, input.QcPath)) return std::nullopt;
-  input.Options = switches | static_cast<uint32_t>(modelOptions.studioMdlOptions);
-  return input;
 }
 
 std::string OutcomeJson(const CompileOutcome& outcome) {
@@ -79,16 +66,21 @@ class Compile {
 
   int Run() {
     m_options.Directories.FillFromSettings(m_err);
+    m_options.Scripts.FillFromSettings(m_err);
     const std::string tool = tools::SdkToolPath(m_options.Directories.Sdk, tools::Studiomdl);
+    bool isThere = true;
     for (const std::string& path : m_options.Inputs) {
-      const auto input = PrepareInput(path, m_options.Switches, m_report);
-      if (!tools::RequireTool(tool, tools::Studiomdl, m_report)) return ExitFailure;
-      if (input) {
+      const auto input = isThere ? PrepareInput(path) : std::nullopt;
+      if (isThere && !tools::RequireTool(tool, tools::Studiomdl, m_report)) {
+        isThere = false;
+        m_err << SdkAdvice << '\n';
+      }
+      if (input && isThere) {
         RunOne(*input);
       } else {
         CompileOutcome failed;
         failed.Input.Name = path;
-        failed.Errors.push_back("no script could be made of the project");
+        failed.Errors.push_back(isThere ? "no script could be made of the project" : tool + " was not found");
         m_outcomes.push_back(failed);
       }
       Tell(m_outcomes.back());
@@ -98,6 +90,14 @@ class Compile {
   }
 
  private:
+  /// The script of `path`: the file itself, or the one that its project writes. Nothing if that failed, which is told.
+  std::optional<CompileInput> PrepareInput(const std::string& path) {
+    if (!IsProject(path)) return CompileInput{path, path, m_options.Switches};
+    const auto script = m_options.Scripts.Write(path, m_report);
+    if (!script) return std::nullopt;
+    return CompileInput{path, script->Path, script->Options | m_options.Switches};
+  }
+
   void RunOne(const CompileInput& input) {
     tools::ToolRunOptions run;
     run.Start = m_options.Directories.Start();
@@ -158,6 +158,7 @@ void AddCompileVerb(CLI::App& program, Invocation& invocation) {
   verb->add_option("PROJECT.sc|FILE.qc", options->Inputs, "Model projects, or scripts; one is run after the other")
       ->required();
   options->Directories.AddOptions(*verb);
+  options->Scripts.AddOptions(*verb);
   for (const tools::StudiomdlOption& option : tools::StudiomdlOptions) {
     if (option.Switch.empty()) continue;
     verb->add_flag_callback(

@@ -127,7 +127,7 @@ void AddConfigVerb(CLI::App& program, Invocation& invocation) {
   verb->footer(Examples);
   verb->add_option("--file", options->File, "A settings file in place of the user's own");
   const auto add = [&](const char* name, const char* what, int (*run)(const Options&, Invocation&)) {
-    CLI::App* action = verb->add_subcommand(name, what);
+    CLI::App* action = verb->add_subcommand(name, what)->fallthrough();  // --file may stand behind it too
     action->callback([options, &invocation, run] {
       invocation.Run = [options, &invocation, run] { return run(*options, invocation); };
     });

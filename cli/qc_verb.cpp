@@ -4,8 +4,7 @@
 #include <memory>
 
 #include "cli/console_report.h"
-#include "project/project_file.h"
-#include "project/qc_generator.h"
+#include "cli/project_script.h"
 
 namespace tarnwick::cli {
 
@@ -16,25 +15,19 @@ constexpr const char* Examples = R"(Example:
 
 struct Options {
   std::vector<std::string> Projects;
-  std::string Materials;
+  ProjectScripts Scripts;
 };
 
-int WriteScripts(const Options& options, Invocation& invocation) {
+int WriteScripts(Options options, Invocation& invocation) {
   ConsoleReport report(invocation.Err);
+  options.Scripts.FillFromSettings(invocation.Err);
   int exitCode = ExitSuccess;
   for (const std::string& path : options.Projects) {
-    project::ModelOptions modelOptions;
-    project::ModelProject model(modelOptions);
-    project::ProfileStore store;
-    std::string script;
-    model.materialDirectory = options.Materials;
-    if (!project::OpenProjectFile(path, model, store, report)) {
-      exitCode = ExitFailure;
-    } else if (!project::WriteQcScript(model, report, script)) {
+    if (const auto script = options.Scripts.Write(path, report)) {
+      invocation.Out << script->Path << '\n';
+    } else {
       invocation.Err << path << ": no script was written\n";
       exitCode = ExitFailure;
-    } else {
-      invocation.Out << script << '\n';
     }
   }
   return exitCode;
@@ -46,7 +39,7 @@ void AddQcVerb(CLI::App& program, Invocation& invocation) {
   CLI::App* verb = program.add_subcommand("qc", "Write the QC script of a model project beside its reference SMD");
   auto options = std::make_shared<Options>();
   verb->add_option("PROJECT", options->Projects, "Project files (.sc)")->required();
-  verb->add_option("-m,--materials", options->Materials, "Material directory, relative to materials/models");
+  options->Scripts.AddOptions(*verb);
   verb->footer(Examples);
   verb->callback([options, &invocation] {
     invocation.Run = [options, &invocation] { return WriteScripts(*options, invocation); };

@@ -9,6 +9,14 @@
 
 namespace tarnwick::cli {
 
+#ifdef TARNWICK_HAS_SETTINGS
+const char* const SdkAdvice =
+    "Name the folder of the SDK's tools with --sdk, or store it: tarnwick-cli config set "
+    "SDKDirectory DIR";
+#else
+const char* const SdkAdvice = "Name the folder of the SDK's tools with --sdk";
+#endif
+
 std::unique_ptr<core::AppSettings> OpenSettings([[maybe_unused]] std::ostream& err) {
 #ifdef TARNWICK_HAS_SETTINGS
   return std::make_unique<settings::QtSettingsStore>(

@@ -18,6 +18,9 @@ namespace tarnwick::cli {
 /// `err`.
 std::unique_ptr<core::AppSettings> OpenSettings(std::ostream& err);
 
+/// What to do about a tool that is not found.
+extern const char* const SdkAdvice;
+
 /// Where tools and game lie, as the options of a verb say: --sdk, --game, --wine. What is not given comes from the
 /// user's settings.
 struct ToolDirectories {

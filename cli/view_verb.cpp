@@ -6,6 +6,7 @@
 #include "cli/tool_directories.h"
 #include "core/paths.h"
 #include "tools/hlmv_command.h"
+#include "tools/tool_file.h"
 
 namespace tarnwick::cli {
 
@@ -25,10 +26,15 @@ int View(Options options, Invocation& invocation) {
   const std::string& game = options.Directories.Game;
   const std::string modelFile = tools::ModelFileOf(game, options.Model);
   const std::string path = game + "/models/" + modelFile;
-  if (!core::FindIgnoringCase(path)) invocation.Err << "Warning: there is no model " << path << '\n';
+  if (game.empty()) {
+    invocation.Err << "Warning: no game directory is set\n";
+  } else if (!core::FindIgnoringCase(path)) {
+    invocation.Err << "Warning: there is no model " << path << '\n';
+  }
   const tools::HlmvCommand command = tools::BuildHlmvCommand(options.Directories.Sdk, game, modelFile);
   if (const auto error = tools::StartHlmv(command, options.Directories.Start())) {
     invocation.Err << command.ErrorText() << ": " << error->Message << '\n';
+    if (!tools::ToolExists(command.Program)) invocation.Err << SdkAdvice << '\n';
     return ExitFailure;
   }
   invocation.Out << command.Program << ' ' << command.Parameters << '\n';

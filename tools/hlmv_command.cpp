@@ -1,10 +1,30 @@
 #include "tools/hlmv_command.h"
 
 #include <algorithm>
+#include <filesystem>
 
 #include "core/paths.h"
 
 namespace tarnwick::tools {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// The path of the file `model`, which is named from the current folder, below `models`; empty if it does not lie
+/// there.
+std::string PathBelow(const std::string& models, std::string_view model) {
+  std::error_code error;
+  const fs::path file = fs::canonical(core::NativePath(model), error);
+  if (error) return {};
+  const fs::path folder = fs::canonical(core::NativePath(models), error);
+  if (error) return {};
+  const fs::path below = file.lexically_relative(folder);
+  const bool isBelow = !below.empty() && below != "." && *below.begin() != "..";
+  return isBelow ? core::PathText(below) : std::string();
+}
+
+}  // namespace
 
 HlmvCommand BuildHlmvCommand(std::string_view sdkDirectory, std::string_view gameDirectory,
                              std::string_view modelFile) {
@@ -29,7 +49,11 @@ std::string ModelFileOf(std::string_view gameDirectory, std::string_view model) 
   while (!models.empty() && models.back() == '/') models.pop_back();
   models += "/models/";
   const bool below = model.size() > models.size() && comparable(model.substr(0, models.size())) == models;
-  return std::string(below ? model.substr(models.size()) : model);
+  if (below) return std::string(model.substr(models.size()));
+  const std::string folder = std::string(gameDirectory) + "/models/";
+  if (core::FindIgnoringCase(folder + std::string(model))) return std::string(model);
+  const std::string found = PathBelow(folder, model);
+  return found.empty() ? std::string(model) : found;
 }
 
 }  // namespace tarnwick::tools

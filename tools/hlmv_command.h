@@ -24,7 +24,7 @@ HlmvCommand BuildHlmvCommand(std::string_view sdkDirectory, std::string_view gam
 std::optional<SystemError> StartHlmv(const HlmvCommand& command, const StartSettings& settings);
 
 /// The path of `model` below the models directory of `gameDirectory`: a path that lies in that directory (either slash,
-/// any case) loses the directory; any other text stays.
+/// any case), or a file that does by way of the current folder or of links, loses the directory; any other text stays.
 std::string ModelFileOf(std::string_view gameDirectory, std::string_view model);
 
 }  // namespace tarnwick::tools

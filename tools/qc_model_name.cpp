@@ -81,7 +81,9 @@ std::optional<std::string> FindModelName(const std::string& qcPath) {
 ModelFileWatch::ModelFileWatch(const std::string& gameDirectory, const std::string& qcPath) {
   const auto model = FindModelName(qcPath);
   if (!model || model->empty()) return;
-  m_path = gameDirectory + "/models/" + *model;
+  std::string_view game = gameDirectory;
+  while (game.ends_with('/') || game.ends_with('\\')) game.remove_suffix(1);
+  m_path = std::string(game) + "/models/" + *model;
   if (!core::EqualIgnoringCase(fs::path(*model).extension().string(), ".mdl")) m_path += ".mdl";
   m_before = TimeOf(m_path);
 }

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <filesystem>
@@ -73,6 +74,23 @@ TEST_F(CompileVerb, FailsOnAnErrorLineOrWithoutANewerModel) {
   // The model of the first run is there, but the second does not write it.
   EXPECT_EQ(Run({Script("b.qc", "nothing\n")}), ExitFailure);
   EXPECT_THAT(m_err.str(), HasSubstr("b.qc: Error: no newer model at " + m_game + "/models/box.mdl"));
+  EXPECT_EQ(Run({m_folder.Path("none.qc")}), ExitFailure);
+  EXPECT_THAT(m_err.str(), EndsWith("Error: there is no script " + m_folder.Path("none.qc") + "\n"));
+  tests::WriteText(m_folder.Path("c.qc"), "all is well\n");
+  EXPECT_EQ(Run({m_folder.Path("c.qc")}), ExitSuccess);
+  EXPECT_THAT(m_err.str(), HasSubstr("Warning: the script names no model"));
+}
+
+TEST_F(CompileVerb, CompilesAProjectFromAnotherFolder) {
+  const std::string path = m_folder.Path("crate.sc");
+  tests::WriteText(path,
+                   "\"Model Compiler/Model File\" \"box.mdl\"\n\"Model Compiler/Reference SMD\" \"crate.smd\"\n"
+                   "\"Model Compiler/Phy SMD Check\" \"1\"\n\"Model Compiler/Model Options/StudioMDLOptions\" \"8\"\n");
+  tests::WriteText(m_folder.Path("crate.smd"), "");
+  EXPECT_EQ(Run({"--materials", "props", "--flip-triangles", path}), ExitSuccess) << m_err.str();
+  EXPECT_THAT(m_out.str(), HasSubstr('"' + m_folder.Path("crate.qc") + "\" -perf -f\n"));
+  EXPECT_THAT(m_out.str(), HasSubstr("$cdmaterials \"models/props\"\n"));
+  EXPECT_THAT(m_out.str(), HasSubstr("$collisionmodel \"" + m_folder.Path("crate.smd") + "\""));
 }
 
 TEST_F(CompileVerb, RunsSeveralFilesAndSumsUp) {
@@ -92,6 +110,9 @@ TEST_F(CompileVerb, TellsAMissingToolAndAProjectThatCannotBeRead) {
   fs::remove(m_sdk + "/studiomdl.exe");
   EXPECT_EQ(Run({Script("a.qc", "")}), ExitFailure);
   EXPECT_THAT(m_err.str(), HasSubstr("STUDIOMDL ERROR: Command " + m_sdk + "/studiomdl.exe not found."));
+  EXPECT_EQ(Run({"--json", Script("a.qc", ""), m_folder.Path("none.sc")}), ExitFailure);
+  EXPECT_EQ(std::ranges::count(m_out.str(), '\n'), 2);
+  EXPECT_THAT(m_err.str(), EndsWith("0 of 2 compiled\n"));
 }
 
 TEST_F(CompileVerb, AnInterruptEndsTheToolAndTheRest) {

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 
+#include "core/paths.h"
 #include "support/recording_report.h"
+#include "support/scratch_folder.h"
 #include "tools/hlmv_command.h"
 #include "tools/sdk_tools.h"
 #include "tools/studiomdl_command.h"
@@ -27,6 +29,15 @@ TEST(HlmvCommand, NamesTheModelBelowTheGamesModels) {
   EXPECT_EQ(command.ErrorText(), R"(Error starting C:\sdk\hlmv.exe)");
   EXPECT_EQ(ModelFileOf(R"(C:\Game\)", R"(c:/game/models/props\box.mdl)"), R"(props\box.mdl)");
   EXPECT_EQ(ModelFileOf("/game", "/other/models/box.mdl"), "/other/models/box.mdl");
+}
+
+TEST(HlmvCommand, FindsAFileOfTheModelsFolderByAnyPath) {
+  tests::ScratchFolder folder;
+  tests::WriteText(folder.Path("game/models/props/box.mdl"), "");
+  tests::WriteText(folder.Path("game/other.mdl"), "");
+  const std::string byDetour = folder.Path("game/../game/models/./props/box.mdl");
+  EXPECT_EQ(core::NativePath(ModelFileOf(folder.Path("game/"), byDetour)), core::NativePath("props/box.mdl"));
+  EXPECT_EQ(ModelFileOf(folder.Path("game"), folder.Path("game/other.mdl")), folder.Path("game/other.mdl"));
 }
 
 TEST(SdkTools, AMissingToolIsToldWithItsPath) {
