@@ -84,9 +84,8 @@ std::optional<core::FileImage> LoadAnimBlockFile(JobContext& job, std::string_vi
   const auto version = image->View().Value<int32_t>(offsetof(StudioHeader, Version));
   if (version == CurrentVersion) return image;
   std::vector<std::byte> bytes(image->Bytes().begin(), image->Bytes().end());
-  if (!UpgradeAnimBlockHeader(bytes)) {
-    return Missing(job, file, folder, "its header or its animation table does not lie inside the file");
-  }
+  // Only blocks are read from the file, so tables of its own that are beyond an upgrade do no harm.
+  if (!UpgradeAnimBlockHeader(bytes)) return image;
   return core::FileImage::FromBytes(path, bytes);
 }
 

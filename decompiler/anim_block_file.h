@@ -21,7 +21,7 @@ struct AnimData {
 
 /// Reads the animation block file that a model calls `name` (its folder is ignored) from the model's folder, under a
 /// name that differs in case only if there is none of that very name, and upgrades it. Nothing, with one line in the
-/// log, if there is no such file, if it calls itself a model file, or if it is too damaged for the upgrade.
+/// log, if there is no such file or if it calls itself a model file.
 std::optional<core::FileImage> LoadAnimBlockFile(JobContext& job, std::string_view name);
 
 /// Brings a block file of any version to version 48: clears what older versions mean differently. False, with nothing

@@ -15,7 +15,7 @@ struct AnimationFiles {
   enum class Outcome {
     Written,  // begun; what becomes of it is told at the end of its stage
     NotOpened,
-    Damaged,  // its data do not fit; told
+    NoFile,  // it has no frames, or its data do not fit; told
   };
   struct Export {
     std::string File;  // with its extension

@@ -40,4 +40,10 @@ std::optional<std::string> FindVtxFile(JobContext& job, const std::string& model
   return FindCompanion(job, paths);
 }
 
+void CheckChecksum(JobContext& job, const std::string& path, int32_t checksum) {
+  if (checksum == job.Model.Header()->Checksum) return;
+  job.Advise(path + " was not made together with " + job.Model.Mdl.Path() +
+             " (they have different checksums); the meshes may be wrong");
+}
+
 }  // namespace tarnwick::decompiler

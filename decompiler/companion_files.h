@@ -17,4 +17,7 @@ std::optional<std::string> FindCompanion(JobContext& job, std::span<const std::s
 /// last four characters of the path.
 std::optional<std::string> FindVtxFile(JobContext& job, const std::string& modelPath);
 
+/// Warns if the file at `path` was made together with another model: its `checksum` is not that of the job's model.
+void CheckChecksum(JobContext& job, const std::string& path, int32_t checksum);
+
 }  // namespace tarnwick::decompiler

@@ -8,12 +8,14 @@
 #include "decompiler/job_context.h"
 #include "decompiler/mesh_export.h"
 #include "decompiler/script_statements.h"
+#include "decompiler/vtx_records.h"
 
 namespace tarnwick::decompiler {
 
 namespace {
 
 constexpr std::string_view ScriptName = "ravelback.qc";
+constexpr std::string_view ModelId = "IDST";
 
 /// Loads the .mdl file. False, told, if there is none or it is shorter than its header.
 bool LoadModel(JobContext& job) {
@@ -31,6 +33,9 @@ bool LoadModel(JobContext& job) {
   }
   job.Model.Mdl = std::move(*model);
   DecompileLog(job, "Loaded model " + path + "\r\n");
+  if (std::string_view(job.Model.Header()->Id, 4) != ModelId) {
+    job.Advise(path + " does not begin with " + std::string(ModelId) + " as compiled models do");
+  }
   return true;
 }
 
@@ -52,6 +57,7 @@ bool LoadVertices(JobContext& job) {
     return false;
   }
   DecompileLog(job, "Loaded Vertices " + *path + "\r\n");
+  if (const auto header = job.Model.Vtx->View().At<VtxHeader>(0)) CheckChecksum(job, *path, (*header)->Checksum);
   return true;
 }
 

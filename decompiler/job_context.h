@@ -6,6 +6,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "core/output_file.h"
 #include "core/report.h"
@@ -52,6 +53,10 @@ class JobContext {
   void Log(std::string_view text) { m_report.Log(text); }
   /// A line "Warning: ...\r\n" in the log, and an entry in the result.
   void Warn(std::string text);
+  /// A warning of what is odd but no failure; the plain form passes over it in silence.
+  void Advise(std::string text) {
+    if (ReadyToCompile()) Warn(std::move(text));
+  }
   /// A line "Error: ...\r\n" in the log, and an entry in the result: something is missing that the user should know of,
   /// but no box stops the work.
   void LogError(std::string text);

@@ -186,6 +186,11 @@ class MeshExport {
     }
     DecompileLog(m_job, "Creating " + path + "\r\n");
     auto pieces = std::make_shared<MeshPieces>(GatherMeshPieces(m_job, model, lod));
+    if (pieces->LeftOut > 0) {
+      m_job.Advise(path + " is without " + std::to_string(pieces->LeftOut) +
+                   (pieces->LeftOut == 1 ? " triangle strip" : " triangle strips") +
+                   "; only triangle lists are written");
+    }
     if (!pieces->Complete) m_job.LogError(path + " is not complete, and no further mesh is written");
     // A source that a compiler is to take is whole or not there; the plain form keeps what could be had.
     if (!pieces->Complete && m_job.ReadyToCompile()) return false;

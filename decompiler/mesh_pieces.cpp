@@ -55,7 +55,6 @@ bool GatherMesh(JobContext& job, const core::Record<StudioMesh>& mesh, const cor
   const core::FileImage& file = *job.Model.Vtx;
   MeshPiece* piece = nullptr;
   for (int64_t g = 0; g < vtxMesh->StripGroupCount; ++g) {
-    pieces.HasStripGroups = true;
     const auto group = StripGroupAt(file.View(), job.Model.Layout, vtxMesh, g);
     if (!group) {
       job.DamagedTable(file.Path(), "strip group table", vtxMesh.Offset() + vtxMesh->StripGroupOffset,
@@ -71,7 +70,11 @@ bool GatherMesh(JobContext& job, const core::Record<StudioMesh>& mesh, const cor
         return false;
       }
       if (!job.Spend(RecordCost)) return false;
-      if (((*strip)->Flags & StripFlagTriangleStrip) != 0 || (*strip)->IndexCount <= 0) continue;
+      if ((*strip)->IndexCount <= 0) continue;
+      if (((*strip)->Flags & StripFlagTriangleStrip) != 0) {
+        ++pieces.LeftOut;
+        continue;
+      }
       if (piece == nullptr) {
         const auto vertices = GetMeshVertexData(job, mesh);
         if (!vertices) return false;

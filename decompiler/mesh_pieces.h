@@ -27,7 +27,7 @@ struct MeshPiece {
 struct MeshPieces {
   std::vector<MeshPiece> Meshes;
   bool Complete = true;  // false: the rest could not be had, and the stage ends with this file
-  bool HasStripGroups = false;
+  int64_t LeftOut = 0;   // triangle strips, which are not exported
 };
 
 /// The place in its strip of the index that line number `k` prints: each triple goes first, third, second, since the

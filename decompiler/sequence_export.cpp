@@ -47,7 +47,11 @@ class AnimationExport {
     m_name = *name;
     if (!SpendForLines()) return false;
     if (IsDelta() && !m_job.DeltaWritten && !WriteDeltaReference()) return false;
-    if (m_animation->FrameCount == 0) return true;
+    if (m_animation->FrameCount == 0) {
+      m_job.Advise("Animation " + std::string(m_name) +
+                   " has no frames: there is no file for it, though sequences name it");
+      return Refuse({});
+    }
     if (m_animation->FrameCount < 0) {
       TellDamage("has a negative number of frames");
       return Refuse({});
@@ -84,9 +88,9 @@ class AnimationExport {
     return true;
   }
 
-  /// Notes that the animation is damaged and must not be tried again.
+  /// Notes that the animation has no file and must not be tried again.
   bool Refuse(std::string file) {
-    m_files.Exports[m_number] = {std::move(file), AnimationFiles::Outcome::Damaged};
+    m_files.Exports[m_number] = {std::move(file), AnimationFiles::Outcome::NoFile};
     return true;
   }
 

@@ -14,9 +14,9 @@ namespace tarnwick::decompiler {
 
 /// At the start of the file.
 struct StudioHeader {
-  char Id[4];       // 0x00 "IDST"
-  int32_t Version;  // 0x04 44 to 49 in files seen
-  int32_t Unread08;
+  char Id[4];          // 0x00 "IDST"
+  int32_t Version;     // 0x04 44 to 49 in files seen
+  int32_t Checksum;    // 0x08 that of the model's other files too
   char Name[64];       // 0x0C the model's own name
   int32_t Length;      // 0x4C bytes of the file
   Vec3 EyePosition;    // 0x50

@@ -70,6 +70,7 @@ std::optional<VertexImage> ReadVertexImage(JobContext& job) {
     job.LogError(image.File.Path() + " holds no vertex data");
     return image;
   }
+  CheckChecksum(job, image.File.Path(), (*header)->Checksum);
   if ((*header)->FixupCount != 0) {
     if (!RebuildVertices(job, **header, image)) return std::nullopt;
     return image;

@@ -12,7 +12,8 @@ namespace tarnwick::decompiler {
 
 struct VtxHeader {
   int32_t Version;  // 0x00 up to 7
-  char Unread04[0x14 - 0x04];
+  char Unread04[0x10 - 0x04];
+  int32_t Checksum;  // 0x10 that of the .mdl file
   int32_t LodCount;  // 0x14 of every model
   int32_t Unread18;
   int32_t BodyPartCount;   // 0x1C

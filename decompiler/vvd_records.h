@@ -13,7 +13,7 @@ namespace tarnwick::decompiler {
 struct VvdHeader {
   uint32_t Id;                // 0x00 "IDSV"
   int32_t Version;            // 0x04
-  int32_t Checksum;           // 0x08
+  int32_t Checksum;           // 0x08 that of the .mdl file
   int32_t LodCount;           // 0x0C
   int32_t LodVertexCount[8];  // 0x10 vertices of each LOD
   int32_t FixupCount;         // 0x30

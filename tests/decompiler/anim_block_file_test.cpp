@@ -85,6 +85,12 @@ TEST(AnimBlockFile, IsFoundBesideTheModelAndReadOnce) {
 }
 
 TEST(AnimBlockFile, IsMissedInOneWarning) {
+  // Its own tables are not needed.
+  ModelFiles files = ModelWithBlocks().Build();
+  files.Ani.Record<StudioHeader>("header").Version = 45;
+  files.Ani.Record<StudioHeader>("header").AnimCount = 1'000'000;
+  AnimationJob odd(files);
+  EXPECT_TRUE(GetAnimBlockBase(odd.Context(), 1));
   for (const char* name : {"gone.ani", "in.mDl", "folder/", ""}) {
     ModelBuilder model = ModelWithBlocks();
     model.AnimBlockName = name;

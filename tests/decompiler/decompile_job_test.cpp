@@ -7,6 +7,9 @@
 #include <thread>
 
 #include "decompiled_model.h"
+#include "decompiler/studio_records.h"
+#include "decompiler/vtx_records.h"
+#include "decompiler/vvd_records.h"
 
 namespace tarnwick::decompiler {
 namespace {
@@ -121,6 +124,19 @@ TEST(DecompileJob, FindsCompanionsWhoseNamesDifferInCaseIfThereIsJustOne) {
 
   WriteText(job.Folder.Path("hair.vvd"), files.Vvd.Bytes());
   EXPECT_FALSE(job.Run().Succeeded());
+}
+
+TEST(DecompileJob, WarnsOfFilesThatDoNotBelongTogether) {
+  ModelFiles files = ModelBuilder().Build();
+  files.Mdl.Record<StudioHeader>("header").Id[0] = 'X';
+  files.Vtx.Record<VtxHeader>("header").Checksum = 1;
+  files.Vvd.Record<VvdHeader>("header").Checksum = 2;
+  const DecompiledModel job(files, DecompileOptionReadyToCompile);
+  EXPECT_TRUE(job.Result.Succeeded());
+  EXPECT_THAT(DecompiledModel(files).Result.Warnings, IsEmpty());
+  EXPECT_THAT(job.Result.Warnings, ElementsAre(HasSubstr("cube.mdl does not begin with IDST"),
+                                               HasSubstr("cube.dx90.vtx was not made together with"),
+                                               HasSubstr("cube.vvd was not made together with")));
 }
 
 TEST(DecompileJob, KeepsJobsThatRunSideBySideApart) {

@@ -74,8 +74,10 @@ TEST(MeshExport, TakesTheFirstBoneOfTheHighestWeightAboveNothing) {
 
 TEST(MeshExport, LeavesTriangleStripsOut) {
   const MeshDescription mesh{.Lods = {{{{{0, 1, 2}, true}, {{2, 1, 0}, false}}, {{{1, 1, 1}, true}}}}};
-  const std::string text = TrianglesOf(DecompiledModel(WithMesh(mesh)));
+  const DecompiledModel job(WithMesh(mesh), DecompileOptionReadyToCompile);
+  const std::string text = TrianglesOf(job);
   EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 5);
+  EXPECT_THAT(job.Result.Warnings, ElementsAre(HasSubstr("cube.smd is without 2 triangle strips")));
   EXPECT_EQ(TrianglesOf(DecompiledModel(WithMesh({.Lods = {{{{{0, 1, 2}, true}}}}}))), "end\n");
 }
 

@@ -65,6 +65,7 @@ TEST(SequenceExport, GivesEachAnimationAFileOfItsOwnToCompile) {
   EXPECT_EQ(AnimationScriptName(job.Context(), 1), "walk_2");
   EXPECT_EQ(AnimationScriptName(job.Context(), 3), "_ul");
   EXPECT_EQ(AnimationScriptName(job.Context(), 4), "still");
+  EXPECT_THAT(job.Context().Result().Warnings, ElementsAre(HasSubstr("@still has no frames")));
 }
 
 TEST(SequenceExport, LeavesTheLastOfAnimationsOfOneNameInThePlainForm) {
