@@ -98,7 +98,7 @@ BoxAnswer QtDesktop::ShowBox(QWidget* owner, const MessageBoxRequest& request) {
   QMessageBox box(owner);
   box.setTextFormat(Qt::PlainText);
   box.setText(ToQt(request.Text).replace("\r\n", "\n"));
-  box.setWindowTitle(ToQt(request.Caption));
+  box.setWindowTitle(request.Caption.empty() ? "Tarnwick" : ToQt(request.Caption));
   box.setIcon(QtIcon(request.Icon));
   box.setStandardButtons(QtButtons(request.Buttons));
   box.setInformativeText(ToQt(request.Details));

@@ -7,7 +7,6 @@ namespace tarnwick::platform {
 
 CWinApp::CWinApp(int& argumentCount, char** arguments) : m_application(argumentCount, arguments) {
   ApplyLook();
-  QApplication::setApplicationDisplayName("Tarnwick");
   QApplication::setWindowIcon(IconOf("tarnwick"));
   // The main window is a modal dialog whose end is the program's end; a job may still be finishing behind it.
   QApplication::setQuitOnLastWindowClosed(false);

@@ -48,7 +48,6 @@ int main(int argumentCount, char** arguments) {
     return 2;
   }
   QStandardPaths::setTestModeEnabled(true);
-  QApplication::setApplicationDisplayName("Tarnwick");
   QApplication::setQuitOnLastWindowClosed(false);
   tarnwick::platform::ApplyLook("Fusion");
   if (words[2] == "dark") QApplication::setPalette(DarkPalette());
