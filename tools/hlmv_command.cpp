@@ -29,7 +29,7 @@ std::string PathBelow(const std::string& models, std::string_view model) {
 HlmvCommand BuildHlmvCommand(std::string_view sdkDirectory, std::string_view gameDirectory,
                              std::string_view modelFile) {
   HlmvCommand command;
-  command.Program = std::string(sdkDirectory) + "\\hlmv.exe";
+  command.Program = std::string(sdkDirectory) + core::PathSeparator + "hlmv.exe";
   command.Parameters = "-game \"" + std::string(gameDirectory) + "\" \"" + std::string(gameDirectory) + "/models/" +
                        std::string(modelFile) + "\"";
   return command;

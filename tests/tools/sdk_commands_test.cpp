@@ -24,9 +24,10 @@ TEST(StudiomdlCommand, PutsSlashesIntoTheToolsPathOnlyAndSwitchesInTheirOrder) {
 
 TEST(HlmvCommand, NamesTheModelBelowTheGamesModels) {
   const HlmvCommand command = BuildHlmvCommand(R"(C:\sdk)", R"(C:\game)", R"(props\box.mdl)");
-  EXPECT_EQ(command.Program, R"(C:\sdk\hlmv.exe)");
+  const std::string program = std::string(R"(C:\sdk)") + core::PathSeparator + "hlmv.exe";
+  EXPECT_EQ(command.Program, program);
   EXPECT_EQ(command.Parameters, R"(-game "C:\game" "C:\game/models/props\box.mdl")");
-  EXPECT_EQ(command.ErrorText(), R"(Error starting C:\sdk\hlmv.exe)");
+  EXPECT_EQ(command.ErrorText(), "Error starting " + program);
   EXPECT_EQ(ModelFileOf(R"(C:\Game\)", R"(c:/game/models/props\box.mdl)"), R"(props\box.mdl)");
   EXPECT_EQ(ModelFileOf("/game", "/other/models/box.mdl"), "/other/models/box.mdl");
 }
