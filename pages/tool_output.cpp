@@ -20,7 +20,6 @@ class LineColors : public QSyntaxHighlighter {
 
  protected:
   void highlightBlock(const QString& text) override {
-    if (currentBlock().blockNumber() == 0) return;  // the command line, which may have such words in its paths
     const tools::LineKind kind = tools::ClassifyLine(platform::FromQt(text));
     if (kind == tools::LineKind::Plain) return;
     QTextCharFormat format;

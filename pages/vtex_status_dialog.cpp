@@ -1,6 +1,5 @@
 #include "pages/vtex_status_dialog.h"
 
-#include <QFontDatabase>
 #include <QScrollBar>
 
 #include "core/paths.h"
@@ -22,7 +21,6 @@ QString ShownText(const std::string& text) {
 CVtexStatusDialog::CVtexStatusDialog(platform::Desktop& desktop, QWidget* parent, std::function<void()> stop)
     : CDialog(desktop, parent), m_ui(std::make_unique<Ui::VtexStatusDialog>()) {
   m_ui->setupUi(this);
-  m_ui->logEdit->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
   connect(m_ui->okButton, &QAbstractButton::clicked, this, &QDialog::accept);
   connect(m_ui->stopButton, &QAbstractButton::clicked, this, std::move(stop));
   connect(m_ui->materialCombo, &QComboBox::currentIndexChanged, this, &CVtexStatusDialog::ShowLog);

@@ -1,6 +1,5 @@
 #include "pages/vtf_dialog.h"
 
-#include <QFontDatabase>
 #include <QScrollBar>
 #include <algorithm>
 #include <filesystem>
@@ -39,7 +38,6 @@ std::vector<std::string> TexturesOf(const platform::DroppedFiles& drop) {
 CVTFDialog::CVTFDialog(const PageContext& context, QWidget* parent)
     : CPage(context, parent), m_ui(std::make_unique<Ui::VtfDialog>()), m_jobs(*this) {
   m_ui->setupUi(this);
-  m_ui->logEdit->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
   m_ui->picture->ShowText("The exported texture is shown here");
   m_ui->progressRow->hide();
   connect(m_ui->browseInputButton, &QAbstractButton::clicked, this, &CVTFDialog::OnBrowseInput);

@@ -1,5 +1,7 @@
 #include "tools/output_lines.h"
 
+#include <algorithm>
+#include <iterator>
 #include <string>
 
 #include "core/paths.h"
@@ -26,6 +28,15 @@ constexpr std::string_view ErrorStarts[] = {"can't ",     "cannot ",  "could not
 
 bool IsWordCharacter(char c) {
   return (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '_' || c == '-' || c == '/' || c == '\\' || c == '$';
+}
+
+/// How the switches of the tools' command lines begin, behind the program. Such a line stands above the tool's own, and
+/// its paths may hold any word.
+constexpr std::string_view CommandLineParts[] = {".exe -game \"", ".exe -nopause "};
+
+bool IsCommandLine(std::string_view line) {
+  return std::any_of(std::begin(CommandLineParts), std::end(CommandLineParts),
+                     [line](std::string_view part) { return line.find(part) != std::string_view::npos; });
 }
 
 /// Whether the text in front of a word says that there are none of it: "0 errors", "no errors".
@@ -71,6 +82,7 @@ std::string_view Complaint(std::string_view line) {
 
 LineKind ClassifyLine(std::string_view line) {
   const std::string lower = core::LowerAscii(line);
+  if (IsCommandLine(lower)) return LineKind::Plain;
   for (const TellingWord& word : Words) {
     if (HoldsWord(lower, word.Word)) return word.Kind;
   }

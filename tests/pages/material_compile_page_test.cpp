@@ -147,20 +147,24 @@ TEST_F(MaterialCompilePage, TellsOfAMissingToolForEachMaterial) {
 
 TEST_F(MaterialCompilePage, StopsBeforeTheNextMaterial) {
   Kept("SDKDirectory") = m_folder.Path();
-  tests::WriteText(m_folder.Path("vtex.exe"), "#!/bin/sh\nfor i in $(seq 999); do echo $i; done\necho go\nsleep 60\n");
+  tests::WriteText(m_folder.Path("vtex.exe"),
+                   "#!/bin/sh\nfor i in $(seq 999); do echo $i; done\necho Error: none here\necho go\nsleep 60\n");
   std::filesystem::permissions(m_folder.Path("vtex.exe"), std::filesystem::perms::owner_all);
   Kept("Material0") = Image("a.png");
   Kept("Material1") = Image("b.png");
   Open();
   Click(*m_page, "compileButton");
   ASSERT_TRUE(tests::WaitUntil([this] { return StatusLog().ends_with("go\n"); }));
+  const auto& log = ControlOf<QPlainTextEdit>(Status(), "logEdit");
+  EXPECT_TRUE(tests::ColorOfLine(log, "Error:").isValid());
+  EXPECT_FALSE(tests::ColorOfLine(log, "998").isValid());
   Click(Status(), "stopButton");
   ASSERT_TRUE(tests::WaitUntil([this] { return m_page->isEnabled(); }));
   EXPECT_EQ(State(), "0 of 2 compiled, 1 failed");
   EXPECT_FALSE(std::filesystem::exists(Source() + "/b.tga"));
   EXPECT_THAT(StatusLog(), HasSubstr("[Stopped."));
   Click(Status(), "wholeLogButton");
-  EXPECT_THAT(StatusLog(), AllOf(HasSubstr("999\ngo\n"), HasSubstr("Converting a.png")));
+  EXPECT_THAT(StatusLog(), AllOf(HasSubstr("999\nError: none here\ngo\n"), HasSubstr("Converting a.png")));
 }
 
 TEST_F(MaterialCompilePage, DoesNotRunOnAnEmptyList) {

@@ -15,9 +15,11 @@ TEST(OutputLines, TellsErrorsAndWarningsFromNamesAndCounts) {
   for (const char* line : {"WARNING: no gameinfo.txt", "box.qc(1): warning, x", "3 warnings", "0 errors, 2 warnings"}) {
     EXPECT_EQ(ClassifyLine(line), LineKind::Warning) << line;
   }
-  for (const char* line : {"", "Working on \"error.qc\"", "writing models/props/error.mdl:", "SMD MODEL error_sign",
-                           "0 errors", "no errors, no warnings", "Errors: 0", "0 error(s), 0 warning(s)",
-                           "qdir: \"c:\\errors\\\"", "terror", "Completed \"box.qc\""}) {
+  for (const char* line :
+       {"", "Working on \"error.qc\"", "writing models/props/error.mdl:", "SMD MODEL error_sign", "0 errors",
+        "no errors, no warnings", "Errors: 0", "0 error(s), 0 warning(s)", "qdir: \"c:\\errors\\\"", "terror",
+        "Completed \"box.qc\"", "/fatal error/vtex.exe -nopause -shader X \"/an error/a.tga\"",
+        "Z:/warning /studiomdl.exe -game \"Z:/g\" \"an error .qc\""}) {
     EXPECT_EQ(ClassifyLine(line), LineKind::Plain) << line;
   }
 }

@@ -5,6 +5,8 @@
 #include <QDropEvent>
 #include <QMimeData>
 #include <QTest>
+#include <QTextBlock>
+#include <QTextLayout>
 #include <QTimer>
 #include <QUrl>
 
@@ -35,6 +37,16 @@ void WhenModalOpens(const std::function<void(QWidget& dialog)>& answer) {
     if (QWidget* dialog = QApplication::activeModalWidget()) return answer(*dialog);
     ADD_FAILURE() << "no dialog opened";
   });
+}
+
+QColor ColorOfLine(const QPlainTextEdit& box, const char* start) {
+  for (QTextBlock block = box.document()->begin(); block.isValid(); block = block.next()) {
+    if (!block.text().startsWith(start)) continue;
+    const auto formats = block.layout()->formats();
+    return formats.empty() ? QColor() : formats.front().format.foreground().color();
+  }
+  ADD_FAILURE() << "no line begins with " << start;
+  return {};
 }
 
 }  // namespace tarnwick::tests

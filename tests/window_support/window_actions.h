@@ -2,7 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <QWidget>
+#include <QColor>
+#include <QPlainTextEdit>
 #include <functional>
 #include <string>
 #include <vector>
@@ -31,5 +32,8 @@ bool WaitUntil(const std::function<bool()>& condition);
 
 /// Has `answer` called with the modal dialog that the next action opens. `answer` must close it.
 void WhenModalOpens(const std::function<void(QWidget& dialog)>& answer);
+
+/// The colour of the first line in the box that begins with `start`; invalid if it has none of its own.
+QColor ColorOfLine(const QPlainTextEdit& box, const char* start);
 
 }  // namespace tarnwick::tests
