@@ -16,6 +16,10 @@ CGameConfigDialog::CGameConfigDialog(core::AppSettings& settings, platform::Desk
   connect(m_ui->browseGameButton, &QAbstractButton::clicked, this, &CGameConfigDialog::OnBrowseGame);
   connect(m_ui->browseSdkButton, &QAbstractButton::clicked, this, &CGameConfigDialog::OnBrowseSdk);
   connect(m_ui->ownToolsButton, &QAbstractButton::clicked, this, &CGameConfigDialog::OnOwnTools);
+  connect(m_ui->browseWineButton, &QAbstractButton::clicked, this, &CGameConfigDialog::OnBrowseWine);
+#ifdef _WIN32
+  m_ui->wineGroup->hide();
+#endif
   connect(m_ui->buttonBox, &QDialogButtonBox::accepted, this, &QDialog::accept);
   connect(m_ui->buttonBox, &QDialogButtonBox::rejected, this, &QDialog::reject);
 }
@@ -25,6 +29,7 @@ CGameConfigDialog::~CGameConfigDialog() = default;
 void CGameConfigDialog::OnInitDialog() {
   m_sdkDirectory = setting::SdkDirectory.Read(m_settings);
   m_gameDirectory = setting::GameDirectory.Read(m_settings);
+  m_wineProgram = setting::WineProgram.Read(m_settings);
   CDialog::OnInitDialog();
   platform::LoadAllCaptionBitmaps(*this);
 }
@@ -32,6 +37,7 @@ void CGameConfigDialog::OnInitDialog() {
 void CGameConfigDialog::DoDataExchange(platform::CDataExchange& exchange) {
   DDX_Text(exchange, *m_ui->gameEdit, m_gameDirectory);
   DDX_Text(exchange, *m_ui->sdkEdit, m_sdkDirectory);
+  DDX_Text(exchange, *m_ui->wineEdit, m_wineProgram);
 }
 
 void CGameConfigDialog::OnBrowseGame() {
@@ -57,10 +63,19 @@ void CGameConfigDialog::OnOwnTools() {
   }
 }
 
+void CGameConfigDialog::OnBrowseWine() {
+  const auto chosen = DesktopSeam().ChooseFileToOpen(this, {.Title = "Name of Wine Program",
+                                                            .Filter = "All Files (*)|*|",
+                                                            .StartName = platform::FromQt(m_ui->wineEdit->text()),
+                                                            .StartDirectory = "/usr/bin"});
+  if (chosen) m_ui->wineEdit->setText(platform::ToQt(*chosen));
+}
+
 void CGameConfigDialog::OnOK() {
   UpdateData(true);
   setting::GameDirectory.Write(m_settings, m_gameDirectory);
   setting::SdkDirectory.Write(m_settings, m_sdkDirectory);
+  if (m_wineProgram != setting::WineProgram.Read(m_settings)) setting::WineProgram.Write(m_settings, m_wineProgram);
   EndDialog(Accepted);
 }
 

@@ -11,8 +11,9 @@ class GameConfigDialog;
 
 namespace tarnwick::app {
 
-/// Sets the Steam game directory and the SDK tools directory. A directory that is picked with a browse button is stored
-/// at once, one that is typed on OK. Nothing is checked: a wrong one shows when a tool is not found.
+/// Sets the Steam game directory, the SDK tools directory and, where Windows programs need it, the Wine that runs them.
+/// A directory that is picked with a browse button is stored at once, all else on OK. Nothing is checked: a wrong one
+/// shows when a tool is not found.
 class CGameConfigDialog : public platform::CDialog {
   Q_OBJECT
 
@@ -29,11 +30,13 @@ class CGameConfigDialog : public platform::CDialog {
   void OnBrowseGame();
   void OnBrowseSdk();
   void OnOwnTools();
+  void OnBrowseWine();
 
   core::AppSettings& m_settings;
   std::unique_ptr<Ui::GameConfigDialog> m_ui;
   std::string m_gameDirectory;
   std::string m_sdkDirectory;
+  std::string m_wineProgram;
 };
 
 }  // namespace tarnwick::app

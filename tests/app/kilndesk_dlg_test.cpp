@@ -125,23 +125,28 @@ TEST_F(MainDialog, ConfiguringStoresABrowsedDirectoryAtOnceAndTheRestOnOk) {
   tests::WhenModalOpens([](QWidget& dialog) {
     EXPECT_EQ(dialog.windowTitle(), "Configure Game Directory");
     ControlOf<QLineEdit>(dialog, "sdkEdit").setText("/typed");
+    ControlOf<QLineEdit>(dialog, "wineEdit").setText("/typed");
     Click(dialog, "browseGameButton");
     QTest::keyClick(&dialog, Qt::Key_Escape);
   });
   Click(*m_dialog, "configureButton");
   EXPECT_EQ(Value("Tarnwick/GameDirectory"), "/games/hl2");
   EXPECT_EQ(Value("Tarnwick/SDKDirectory"), "(not there)");
+  EXPECT_EQ(Value("Tarnwick/Wine Program"), "(not there)");
   EXPECT_EQ(GameDirectory(), "/games/hl2");
 
+  m_desktop.Choices = {"/opt/wine/bin/wine"};
   tests::WhenModalOpens([](QWidget& dialog) {
     ControlOf<QLineEdit>(dialog, "gameEdit").setText("/games/räv/");
     ControlOf<QLineEdit>(dialog, "sdkEdit").clear();
+    Click(dialog, "browseWineButton");
     QTest::keyClick(&ControlOf<QLineEdit>(dialog, "sdkEdit"), Qt::Key_Return);
   });
   Click(*m_dialog, "configureButton");
   EXPECT_EQ(GameDirectory(), "/games/räv/");
   EXPECT_EQ(Value("Tarnwick/GameDirectory"), "/games/räv/");
   EXPECT_EQ(Value("Tarnwick/SDKDirectory"), "");
+  EXPECT_EQ(Value("Tarnwick/Wine Program"), "/opt/wine/bin/wine");
 }
 
 TEST_F(MainDialog, OpensTheMakersPagesAndSaysWhenThatFails) {
