@@ -207,7 +207,6 @@ void CMDLDialog::OnModelOptions() {
 void CMDLDialog::CompileModel() {
   if (m_runner.IsRunning()) return;
   UpdateData(true);
-  m_status.Clear();
   PageReport report(DesktopSeam(), this);
   std::string qcPath;
   if (!project::GenerateQc(m_project, m_store, Settings(), report, qcPath)) return;
@@ -220,6 +219,7 @@ void CMDLDialog::CompileModel() {
   }
   platform::CenterOver(*this, m_status);
   m_status.show();
+  m_status.Clear();
   m_runner.Start(*job, m_status.Log());
 }
 
