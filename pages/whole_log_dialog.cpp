@@ -1,5 +1,7 @@
 #include "pages/whole_log_dialog.h"
 
+#include <QScrollBar>
+
 #include "core/output_file.h"
 #include "ui_whole_log_dialog.h"
 
@@ -19,6 +21,7 @@ CWholeLogDialog::CWholeLogDialog(platform::Desktop& desktop, QWidget* parent, co
   tools::WholeLog shown(ShownBytes);
   shown.Append(m_log.Text());
   m_ui->outputEdit->ShowText(m_commandLine + "\r\n" + shown.Text());
+  m_ui->outputEdit->verticalScrollBar()->setValue(0);
   m_ui->noteLabel->setVisible(m_log.Size() > ShownBytes);
   m_ui->noteLabel->setText("Only the beginning and the end are shown here; a saved file has more.");
   connect(m_ui->saveButton, &QAbstractButton::clicked, this, &CWholeLogDialog::OnSave);

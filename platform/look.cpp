@@ -2,10 +2,14 @@
 
 #include <QApplication>
 #include <QProxyStyle>
+#include <QStyleOptionButton>
+#include <algorithm>
 
 namespace tarnwick::platform {
 
 namespace {
+
+constexpr int CaptionMargin = 12;  // beside a button's text; some styles leave next to none
 
 class PlainButtons : public QProxyStyle {
  public:
@@ -15,6 +19,15 @@ class PlainButtons : public QProxyStyle {
                 QStyleHintReturn* result) const override {
     if (hint == SH_DialogButtonBox_ButtonsHaveIcons) return 0;
     return QProxyStyle::styleHint(hint, option, widget, result);
+  }
+
+  QSize sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& contents,
+                         const QWidget* widget) const override {
+    QSize size = QProxyStyle::sizeFromContents(type, option, contents, widget);
+    if (type == CT_PushButton && !static_cast<const QStyleOptionButton*>(option)->text.isEmpty()) {
+      size.setWidth(std::max(size.width(), contents.width() + 2 * CaptionMargin));
+    }
+    return size;
   }
 };
 

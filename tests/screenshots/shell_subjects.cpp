@@ -51,7 +51,6 @@ std::vector<Subject> ShellSubjects() {
   return {
       {"main-first-start",
        [](Stage& stage) { return Created(std::make_unique<app::CKilndeskDlg>(stage.Settings, stage.Desktop)); }},
-      MainWindow("main-model-compile", 0),
       MainWindow("main-material-compile", 1),
       MainWindow("main-model-decompile", 2),
       MainWindow("main-vtf-export", 3),

@@ -89,7 +89,9 @@ std::unique_ptr<QWidget> RunningCompile(Stage& stage) {
   status->Show({Event::Kind::Started, "/home/ada/textures/barrel rusty.png", 1, 3, {}});
   status->Show({Event::Kind::Text,
                 "Converting barrel rusty.png from PNG to TGA\r\n/home/ada/sdk/bin/vtex.exe -nopause -shader "
-                "VertexLitGeneric -vmtparam $model 1 \"/home/ada/game/materialsrc/models/props/barrel rusty.tga\"\r\n",
+                "VertexLitGeneric -vmtparam $model 1 \"/home/ada/game/materialsrc/models/props/barrel "
+                "rusty.tga\"\r\nWarning: no mip maps for an image of this size\r\n"
+                "Error opening \"barrel rusty.txt\"\r\n",
                 0,
                 0,
                 {}});
