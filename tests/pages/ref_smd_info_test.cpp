@@ -53,11 +53,18 @@ TEST(RefSmdInfo, ReplacesAMaterialAndShowsTheNewFigures) {
   EXPECT_FALSE(dialog.isVisible());
 }
 
-TEST(RefSmdInfo, TellsThatNoFileIsNamed) {
+TEST(RefSmdInfo, TellsThatNoFileIsNamedAndClosesByItsCloseBox) {
   tests::ScriptedDesktop desktop;
   CRefSMDInfo dialog(desktop, nullptr);
   dialog.Create();
-  EXPECT_THAT(dialog.InfoText(), StartsWith("No Reference SMD File Specified"));
+  dialog.show();
+  EXPECT_EQ(dialog.InfoText(), "No Reference SMD File Specified\r\n");
+  Click(dialog, "replaceButton");
+  EXPECT_THAT(desktop.Boxes, testing::ElementsAre(tests::ShownBox{platform::BoxIcon::Exclamation,
+                                                                  "No Reference SMD File Specified", "SMD ERROR"}));
+  dialog.close();
+  EXPECT_FALSE(dialog.isVisible());
+  EXPECT_EQ(desktop.Boxes.size(), 1u) << "closing replaces nothing";
 }
 
 }  // namespace
