@@ -6,10 +6,9 @@
 
 namespace tarnwick::platform {
 
-/// UTF-8 text as Qt holds it.
-inline QString ToQt(std::string_view text) {
-  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
+/// UTF-8 text as Qt holds it. Bytes that are no UTF-8 are taken for letters of Windows-1252, in which older programs on
+/// Windows write their project files and tools their words; so they stay readable, and saving loses none.
+QString ToQt(std::string_view text);
 
 /// Qt's text as UTF-8.
 inline std::string FromQt(const QString& text) {
