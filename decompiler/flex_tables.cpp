@@ -1,6 +1,49 @@
 #include "decompiler/flex_tables.h"
 
+#include <algorithm>
+#include <array>
+#include <utility>
+
 namespace tarnwick::decompiler {
+
+namespace {
+
+/// Sizes of a vertex animation: the ordinary one, then those that longer forms of it may have.
+constexpr int64_t VertAnimSizes[] = {sizeof(StudioVertAnim), 18, 20};
+
+/// Finds out how far vertex animations stand apart. The tables of a mesh's flexes follow one another, so the distances
+/// between them tell.
+class SizeFinder {
+ public:
+  SizeFinder() { m_fits.fill(true); }
+
+  void AddMesh(const core::RecordArray<StudioFlex>& flexes) {
+    std::vector<std::pair<int64_t, int64_t>> tables;
+    for (const auto flex : flexes) {
+      if (flex->VertAnimCount > 0) tables.emplace_back(flex.Offset() + flex->VertAnimOffset, flex->VertAnimCount);
+    }
+    std::sort(tables.begin(), tables.end());
+    for (size_t i = 0; i + 1 < tables.size(); ++i) {
+      for (size_t size = 0; size < m_fits.size(); ++size) {
+        const int64_t free = tables[i + 1].first - tables[i].first - tables[i].second * VertAnimSizes[size];
+        m_fits[size] = m_fits[size] && free >= 0 && free < Alignment;
+      }
+    }
+  }
+
+  /// The first size that all meshes fit; the ordinary one where none does.
+  int64_t Size() const {
+    const auto fit = std::find(m_fits.begin(), m_fits.end(), true);
+    return VertAnimSizes[fit == m_fits.end() ? 0 : fit - m_fits.begin()];
+  }
+
+ private:
+  static constexpr int64_t Alignment = 4;
+
+  std::array<bool, std::size(VertAnimSizes)> m_fits;
+};
+
+}  // namespace
 
 std::optional<FlexTables> MakeFlexTables(JobContext& job) {
   const auto header = job.Model.Header();
@@ -24,15 +67,21 @@ std::optional<ModelFlexes> GatherFlexes(JobContext& job, const core::Record<Stud
   if (!meshes) return std::nullopt;
   ModelFlexes flexes{*meshes, {}};
   flexes.ByDescriptor.resize(descriptorCount);
+  SizeFinder size;
   for (int64_t i = 0; i < meshes->Count(); ++i) {
     const auto mesh = (*meshes)[i];
     const auto table = job.Table<StudioFlex>("flex table", mesh.Offset() + mesh->FlexOffset, mesh->FlexCount);
     if (!table || !job.Spend(RecordCost * (table->Count() + 1))) return std::nullopt;
+    size.AddMesh(*table);
     for (const auto flex : *table) {
       // A flex of a descriptor that the model does not have is named by nothing and left out.
       if (flex->FlexDesc < 0 || static_cast<size_t>(flex->FlexDesc) >= descriptorCount) continue;
       flexes.ByDescriptor[static_cast<size_t>(flex->FlexDesc)].push_back({i, flex});
     }
+  }
+  flexes.VertAnimSize = size.Size();
+  if (flexes.VertAnimSize != VertAnimSizes[0]) {
+    job.Log("Reading vertex animations of " + std::to_string(flexes.VertAnimSize) + " bytes\r\n");
   }
   return flexes;
 }

@@ -29,6 +29,8 @@ struct MeshFlex {
 struct ModelFlexes {
   core::RecordArray<StudioMesh> Meshes;
   std::vector<std::vector<MeshFlex>> ByDescriptor;
+  /// Bytes from one StudioVertAnim to the next: its own size, unless the file says otherwise.
+  int64_t VertAnimSize = sizeof(StudioVertAnim);
 };
 
 /// Empty tables with the descriptors' names. Nothing, told, if the descriptor table is damaged.

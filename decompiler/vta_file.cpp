@@ -18,6 +18,7 @@ struct FramePiece {
   MeshVertexData Vertices;
   int64_t FirstVertex = 0;  // the mesh's, in the model
   core::RecordArray<StudioVertAnim> Changes;
+  std::vector<StudioVertAnim> Gathered;  // what Changes is of, where the file holds them farther apart
 };
 
 struct Frame {
@@ -35,25 +36,47 @@ struct VtaContent {
   std::vector<Frame> Frames;
 };
 
+/// Finds the changes of one flex, which stand `size` bytes apart. False, told, if they do not lie inside the file.
+bool FindChanges(JobContext& job, const core::Record<StudioFlex>& flex, int64_t size, FramePiece& piece) {
+  const int64_t offset = flex.Offset() + flex->VertAnimOffset;
+  const int64_t count = flex->VertAnimCount;
+  if (!job.Model.View().Fits(offset, count, size)) {
+    job.DamagedTable(job.Model.Mdl.Path(), "vertex animation table", offset, count, job.Model.View().Size());
+    return false;
+  }
+  if (!job.Spend(count * LineCost)) return false;
+  if (size == int64_t{sizeof(StudioVertAnim)}) {
+    piece.Changes = *job.Model.View().Array<StudioVertAnim>(offset, count);
+    return true;
+  }
+  piece.Gathered.reserve(static_cast<size_t>(count));
+  for (int64_t i = 0; i < count; ++i) {
+    piece.Gathered.push_back(**job.Model.View().At<StudioVertAnim>(offset + i * size));
+  }
+  piece.Changes = {piece.Gathered.data(), offset, count};
+  return true;
+}
+
 /// Adds one flex's changes to `frame`. False if the mesh's vertices cannot be reached: the frame ends there.
 bool GatherPiece(JobContext& job, const core::Record<StudioMesh>& mesh, const core::Record<StudioFlex>& flex,
-                 Frame& frame) {
-  const auto changes =
-      job.Table<StudioVertAnim>("vertex animation table", flex.Offset() + flex->VertAnimOffset, flex->VertAnimCount);
-  if (!changes || !job.Spend(changes->Count() * LineCost)) return false;
+                 int64_t vertAnimSize, Frame& frame) {
+  FramePiece piece;
+  if (!FindChanges(job, flex, vertAnimSize, piece)) return false;
   const auto vertices = GetMeshVertexData(job, mesh);
   if (!vertices) {
     job.Warn("Frame " + std::to_string(frame.Number) + " (" + std::string(frame.Name) +
              ") is not complete: the vertices of a mesh cannot be reached");
     return false;
   }
-  for (const auto change : *changes) {
+  for (const auto change : piece.Changes) {
     if (GetMeshVertex(*vertices, change->Vertex) != nullptr) continue;
     job.Damaged(job.Model.Mdl.Path(), "vertex animation", change.Offset(),
                 "names vertex " + std::to_string(change->Vertex) + ", which the vertex file does not hold");
     return false;
   }
-  frame.Pieces.push_back({*vertices, mesh->FirstVertex, *changes});
+  piece.Vertices = *vertices;
+  piece.FirstVertex = mesh->FirstVertex;
+  frame.Pieces.push_back(std::move(piece));
   return true;
 }
 
@@ -62,7 +85,7 @@ void GatherFrames(JobContext& job, const ModelFlexes& flexes, const FlexTables& 
     if (tables.Frame[d] == 0) continue;
     Frame frame{tables.Frame[d], tables.Names[d], {}};
     for (const MeshFlex& entry : flexes.ByDescriptor[d]) {
-      if (!GatherPiece(job, flexes.Meshes[entry.Mesh], entry.Flex, frame)) break;
+      if (!GatherPiece(job, flexes.Meshes[entry.Mesh], entry.Flex, flexes.VertAnimSize, frame)) break;
     }
     content.Frames.push_back(std::move(frame));
   }

@@ -164,6 +164,30 @@ TEST(FlexExport, EachFaceHasItsOwnFileToCompile) {
   EXPECT_THAT(run.Files(), testing::IsSupersetOf({"ravelback_expressions.vta", "ravelback_expressions_2.vta"}));
 }
 
+TEST(FlexExport, ReadsVertexAnimationsThatStandFartherApart) {
+  // Eight wide records take the room of nine.
+  const auto model = [](size_t count) {
+    ModelBuilder face = Face();
+    std::vector<VertAnimDescription> anims;
+    for (size_t i = 0; i < count; ++i) {
+      anims.push_back({.Vertex = static_cast<int16_t>(i % 3), .PositionDelta = {static_cast<float>(i), 0, 0}});
+    }
+    Meshes(face)[1].Flexes = {{.FlexDesc = 0, .VertAnims = anims}, {.FlexDesc = 4}};
+    return face;
+  };
+  ModelFiles wide = model(9).Build();
+  wide.Mdl.Record<StudioFlex>("flexes 0.0.1").VertAnimCount = 8;
+  const auto place = static_cast<size_t>(wide.Mdl.Place("vert anims 0.0.1.0"));
+  const std::string records = wide.Mdl.Bytes().substr(place, 8 * sizeof(StudioVertAnim));
+  for (size_t i = 0; i < 8; ++i) {
+    wide.Mdl.Bytes().replace(place + 18 * i, 18, records.substr(16 * i, 16) + "xy");
+  }
+  const DecompiledModel run(wide);
+  EXPECT_TRUE(run.Result.Succeeded());
+  EXPECT_EQ(run.File("ravelback_expressions.vta"), DecompiledModel(model(8)).File("ravelback_expressions.vta"));
+  EXPECT_THAT(run.Report.LogText, HasSubstr("Reading vertex animations of 18 bytes\r\n"));
+}
+
 TEST(FlexExport, AFrameEndsAtAVertexThatIsNotThere) {
   ModelBuilder model = Face();
   Meshes(model)[0].Flexes = {{.FlexDesc = 4, .VertAnims = {{.Vertex = 500}}}};
