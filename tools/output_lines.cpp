@@ -78,10 +78,17 @@ std::string_view Complaint(std::string_view line) {
   return place == std::string_view::npos ? line : line.substr(place + 3);
 }
 
+/// Whether a line says itself that it is a warning, so that an "error" in its text makes it none.
+bool CallsItselfWarning(std::string_view complaint) {
+  constexpr std::string_view Word = "warning";
+  return complaint.starts_with(Word) && complaint.size() > Word.size() && complaint[Word.size()] == ':';
+}
+
 }  // namespace
 
 LineKind ClassifyLine(std::string_view line) {
   const std::string lower = core::LowerAscii(line);
+  if (CallsItselfWarning(Complaint(lower))) return LineKind::Warning;
   if (IsCommandLine(lower)) return LineKind::Plain;
   for (const TellingWord& word : Words) {
     if (HoldsWord(lower, word.Word)) return word.Kind;

@@ -12,7 +12,9 @@ TEST(OutputLines, TellsErrorsAndWarningsFromNamesAndCounts) {
         "box.qc(3): Couldn't open box.smd", "Unable to load x.tga", "2 errors, 0 warnings"}) {
     EXPECT_EQ(ClassifyLine(line), LineKind::Error) << line;
   }
-  for (const char* line : {"WARNING: no gameinfo.txt", "box.qc(1): warning, x", "3 warnings", "0 errors, 2 warnings"}) {
+  for (const char* line :
+       {"WARNING: no gameinfo.txt", "box.qc(1): warning, x", "WARNING: error in the bone table ignored",
+        "a.qc(3): warning: error-prone", "3 warnings", "0 errors, 2 warnings"}) {
     EXPECT_EQ(ClassifyLine(line), LineKind::Warning) << line;
   }
   for (const char* line :
