@@ -98,6 +98,7 @@ bool JobRunner::Start(Work work, JobView view) {
   m_focus = QApplication::focusWidget();
   if (m_view.Disabled == nullptr) m_view.Disabled = &m_page;
   m_view.Disabled->setEnabled(false);
+  qApp->installEventFilter(this);  // a disabled button keeps a click from the page
   // A page's status windows are disabled with it; they are what the user looks at meanwhile.
   for (QWidget* child : m_view.Disabled->findChildren<QWidget*>()) {
     if (child->isWindow()) child->setEnabled(true);
@@ -121,6 +122,18 @@ void JobRunner::RequestStop() {
 
 void JobRunner::timerEvent(QTimerEvent*) {
   OnTick();
+}
+
+bool JobRunner::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() != QEvent::MouseButtonPress || m_view.Bar == nullptr) return false;
+  const auto* clicked = qobject_cast<const QWidget*>(watched);
+  QWidget* status = m_view.Bar->window();
+  if (clicked == nullptr || status == m_view.Disabled->window()) return false;
+  if (clicked != m_view.Disabled && !m_view.Disabled->isAncestorOf(clicked)) return false;
+  status->show();
+  status->raise();
+  status->activateWindow();
+  return true;
 }
 
 void JobRunner::OnTick() {
@@ -149,6 +162,7 @@ void JobRunner::ShowWaitingBox() {
 void JobRunner::Finish() {
   killTimer(m_timer);
   m_job.reset();
+  qApp->removeEventFilter(this);
   m_view.Disabled->setEnabled(true);
   if (m_focus && QApplication::focusWidget() == nullptr) m_focus->setFocus();
   if (m_view.Bar != nullptr) m_view.Bar->setValue(100);

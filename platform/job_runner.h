@@ -26,7 +26,9 @@ struct JobView {
 };
 
 /// Runs the long work of one page on a thread of its own. Start returns at once and the window stays alive; the page is
-/// disabled until the work has ended. One job at a time for each runner; runners of different pages work side by side.
+/// disabled until the work has ended; a click on it brings back the status window, if the bar stands in one, in case
+/// the user has closed it and wants to stop the job after all. One job at a time for each runner; runners of different
+/// pages work side by side.
 ///
 ///     m_jobs.Start([path](core::Report& report, const std::stop_token&) { DoWork(path, report); },
 ///                  {.Bar = ui->progress, .LogGrew = [this](const std::string& text) { Append(text); }});
@@ -68,6 +70,7 @@ class JobRunner : public QObject {
 
  protected:
   void timerEvent(QTimerEvent* event) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
 };
 
 }  // namespace tarnwick::platform

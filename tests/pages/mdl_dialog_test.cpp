@@ -162,6 +162,10 @@ TEST_F(ModelPages, CompileTwiceAndStop) {
   ASSERT_TRUE(tests::WaitUntil([&] { return status.Text().find("compiled") != std::string::npos; }))
       << "the text comes while the tool runs";
   EXPECT_FALSE(page->isEnabled());
+  Click(status, "okButton");
+  EXPECT_FALSE(status.isVisible());
+  Click(*page, "compileButton");  // it is disabled, but somebody wants something of the page
+  EXPECT_TRUE(status.isVisible());
   Click(status, "stopButton");
   ASSERT_TRUE(tests::WaitUntil([&] { return page->isEnabled(); }));
   EXPECT_THAT(status.Text(), HasSubstr("[Stopped."));
