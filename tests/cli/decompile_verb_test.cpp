@@ -72,7 +72,7 @@ TEST_F(DecompileVerb, AFailureStopsNoOtherModelAndIsCountedByReason) {
                                "  2 x Error: Unable to load vertices file: MODEL.vtx\n"
                                "  1 x File Error: Error opening FILE\n"
                                "  1 x No vertex file: MODEL.vvd\n"));
-  EXPECT_EQ(m_out, m_output.Path("good") + "\n");
+  EXPECT_EQ(m_out, m_output.Joined("good") + "\n");
 }
 
 TEST_F(DecompileVerb, PrintsAJsonObjectForEachModel) {
@@ -84,8 +84,8 @@ TEST_F(DecompileVerb, PrintsAJsonObjectForEachModel) {
   const auto first = nlohmann::json::parse(line);
   EXPECT_EQ(first["model"], good);
   EXPECT_EQ(first["outcome"], "ok");
-  EXPECT_EQ(first["output"], m_output.Path("good"));
-  EXPECT_EQ(first["files"][0]["path"], m_output.Path("good/ravelback.qc"));
+  EXPECT_EQ(first["output"], m_output.Joined("good"));
+  EXPECT_EQ(first["files"][0]["path"], m_output.Joined("good") + core::PathSeparator + "ravelback.qc");
   EXPECT_EQ(first["bytes"], first["files"][0]["bytes"].get<int>() + first["files"][1]["bytes"].get<int>());
   EXPECT_THAT(first["errors"], IsEmpty());
   std::getline(lines, line);
@@ -104,7 +104,7 @@ TEST_F(DecompileVerb, OptionsReachTheJob) {
               HasSubstr("\n0 0.000000 0.000000 0.000000 0.000000 0.000000 1.000000 "
                         "0.000000 0.000000\n"));
   EXPECT_EQ(Run({path, "--plain", "-o", m_output.Path()}), ExitFailure);
-  EXPECT_THAT(m_err, HasSubstr("File Error: Error opening " + m_output.Path("folder/cube.smd")));
+  EXPECT_THAT(m_err, HasSubstr("File Error: Error opening " + m_output.Joined("folder/cube.smd")));
 }
 
 TEST_F(DecompileVerb, AWrongCommandLineIsToldFromFailedWork) {

@@ -39,7 +39,8 @@ class DecompiledModel {
     return script.substr(0, script.find("$cdmaterials "));
   }
   std::string File(const std::string& name) const { return ReadText(Out(name)); }
-  std::string Out(const std::string& name) const { return m_folder.Path("out/" + name); }
+  /// The path of a file that is written, as the job tells it.
+  std::string Out(const std::string& name) const { return m_job.OutputDirectory + core::PathSeparator + name; }
   /// The path of a file beside the model.
   std::string In(const std::string& name) const { return m_folder.Path("in/" + name); }
   /// The files that were written, sorted.

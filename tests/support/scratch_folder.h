@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#include "core/paths.h"
+
 namespace tarnwick::tests {
 
 /// A new empty folder for one test, removed with everything in it at the end.
@@ -19,6 +21,8 @@ class ScratchFolder {
   std::string Path() const { return m_path.generic_string(); }
   /// The path of `name` in the folder.
   std::string Path(const std::string& name) const { return (m_path / name).generic_string(); }
+  /// The path of `name` in the folder as the program makes it: joined by its own separator.
+  std::string Joined(const std::string& name) const { return Path() + core::PathSeparator + name; }
   /// The names of the files in the folder and below it ("sub/name"), sorted.
   std::vector<std::string> Files() const;
 
