@@ -1,5 +1,7 @@
 #include "tools/tool_run.h"
 
+#include <cstdint>
+#include <cstdio>
 #include <utility>
 
 namespace tarnwick::tools {
@@ -11,6 +13,18 @@ std::string Note(std::string_view text) {
   return "\r\n" + std::string(text);
 }
 
+/// What ended a program that did not end by itself; "" for one that did.
+std::string CrashCause(const ProcessEnd& end) {
+  // On Windows a process that an exception ends exits with the exception's code: the first four bits are 0xC for one of
+  // the system's, 0xE for one of the program's own. The exit codes of other systems are small, -1 begins with 0xF.
+  if (end.Signal != 0) return "signal " + std::to_string(end.Signal);
+  const auto code = static_cast<uint32_t>(end.ExitCode);
+  if (code >> 28 != 0xC && code >> 28 != 0xE) return "";
+  char text[11];
+  std::snprintf(text, sizeof text, "0x%08X", static_cast<unsigned>(code));
+  return std::string("exception ") + text;
+}
+
 std::string NotesOf(const ToolRunOutcome& outcome, size_t shown, const std::vector<std::string>& warnings) {
   std::string notes;
   if (outcome.OutputBytes > shown) {
@@ -19,9 +33,8 @@ std::string NotesOf(const ToolRunOutcome& outcome, size_t shown, const std::vect
   }
   if (outcome.Failure) notes += Note(outcome.Failure->Text());
   if (outcome.Stopped) notes += Note("[Stopped. The tool and everything that it started were ended]");
-  if (outcome.End && outcome.End->Signal != 0 && !outcome.Stopped) {
-    notes += Note("[The tool crashed: it was ended by signal " + std::to_string(outcome.End->Signal) + "]");
-  }
+  const std::string crash = outcome.End && !outcome.Stopped ? CrashCause(*outcome.End) : "";
+  if (!crash.empty()) notes += Note("[The tool crashed: it was ended by " + crash + "]");
   if (outcome.OutputAbandoned && !outcome.Stopped) {
     notes += Note("[The tool has ended; a program that it started still runs]");
   }

@@ -8,6 +8,7 @@
 #include "support/recording_report.h"
 #include "support/scratch_folder.h"
 #include "tools/probe_run.h"
+#include "tools/tool_run.h"
 
 namespace tarnwick::tools {
 namespace {
@@ -86,8 +87,8 @@ TEST(ConsoleCapture, WaitsForAGrandchildThatStillPrintsButNotForOneThatIsSilent)
   ToolRunOptions options = QuietOptions();
   options.QuietAfterEnd = std::chrono::milliseconds(100);
   const auto start = std::chrono::steady_clock::now();
-  const ProbeRun run = RunProbe("leave 3000", options);
-  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(2900));
+  const ProbeRun run = RunProbe("leave 10000", options);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(9000));
   EXPECT_TRUE(run.Outcome.OutputAbandoned);
   EXPECT_THAT(run.Text, StartsWith("process "));
 }
@@ -106,6 +107,19 @@ TEST(ConsoleCapture, ReportsAToolThatCannotBeStartedAndGoesOn) {
     EXPECT_EQ(report.Boxes[0].Icon, core::BoxIcon::None);
     EXPECT_THAT(report.Boxes[0].Text, StartsWith("CreateProcess failed with error "));
   }
+}
+
+TEST(ToolRunNotes, TellOfACrashButNotOfAFailure) {
+#ifdef _WIN32
+  const std::string cause = "exception 0xC0000005";
+#else
+  const std::string cause = "signal 6";
+#endif
+  const auto notes = [](const std::string& mode) {
+    return RunTool(ToolRun::Vtex, std::string(CONSOLE_PROBE) + " " + mode, QuietOptions()).Notes;
+  };
+  EXPECT_EQ(notes("crash"), "\r\n[The tool crashed: it was ended by " + cause + "]\r\n");
+  for (const char* failure : {"exit 3", "exit -1"}) EXPECT_EQ(notes(failure), "");
 }
 
 TEST(WholeLog, KeepsTheFirstAndTheLastHalfOfItsLimit) {
