@@ -6,6 +6,10 @@
 #include <sstream>
 #include <thread>
 
+#ifdef _WIN32
+#include <windows.h>
+#endif
+
 #include "tools/probe_run.h"
 #include "tools/tool_run.h"
 
@@ -29,14 +33,22 @@ ProbeRun RunAndStop(const std::string& arguments, int processes) {
   return RunProbe(arguments, options);
 }
 
-#ifndef _WIN32
 /// Whether the process named in `line` ("process 123") runs, in the sense that it can still do something.
 bool Runs(const std::string& line) {
-  std::ifstream file("/proc/" + line.substr(line.find(' ') + 1) + "/stat");
+  const std::string number = line.substr(line.find(' ') + 1);
+#ifdef _WIN32
+  const HANDLE process = OpenProcess(SYNCHRONIZE, FALSE, std::stoul(number));
+  if (process == nullptr) return false;
+  const bool runs = WaitForSingleObject(process, 0) == WAIT_TIMEOUT;
+  CloseHandle(process);
+  return runs;
+#else
+  std::ifstream file("/proc/" + number + "/stat");
   std::string stat;
   std::getline(file, stat);
   const size_t name = stat.rfind(')');
   return name != std::string::npos && stat[name + 2] != 'Z' && stat[name + 2] != 'X';
+#endif
 }
 
 /// Whether every process that the text names ends within a second.
@@ -49,11 +61,6 @@ bool AllEnd(const std::string& text) {
   }
   return true;
 }
-#else
-bool AllEnd(const std::string&) {
-  return true;
-}
-#endif
 
 TEST(ConsoleStop, EndsAToolThatWaits) {
   const auto start = std::chrono::steady_clock::now();
