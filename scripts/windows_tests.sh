@@ -1,15 +1,19 @@
 #!/usr/bin/env bash
 # windows_tests.sh [--if-installable]: cross-compiles the logic rooms and tarnwick-cli for Windows, runs their tests and
 # a decompile of the bundled sample under Wine, and compares the decompiled sources with those of the native program.
-# With --if-installable it ends in success, and says so, where the packages cannot be installed.
+# With --if-installable it ends in success, and says so, where the packages cannot be installed or Wine does not start.
 set -euo pipefail
 
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
-if ! timeout 300 ./scripts/ensure_packages.sh build windows; then
-  [ "${1:-}" = --if-installable ] || exit 1
-  echo "Skipped the Windows tests: their packages cannot be installed here."
+mode=${1:-}
+# Ends the script where the tests cannot be run for the reason `$1`.
+cannot_run() {
+  [ "$mode" = --if-installable ] || { echo "$1" >&2; exit 1; }
+  echo "Skipped the Windows tests: $1"
   exit 0
-fi
+}
+
+timeout 300 ./scripts/ensure_packages.sh build windows || cannot_run "Their packages cannot be installed here."
 ./scripts/build.sh windows-cross
 ./scripts/build.sh release tarnwick-cli
 
@@ -18,7 +22,7 @@ bin=build/windows-cross/bin
 # A Windows folder of its own, and no words of Wine's.
 export WINEPREFIX=$PWD/build/windows-cross/wineprefix WINEDEBUG=-all
 unset DISPLAY
-"$wine" cmd /c exit >/dev/null 2>&1
+timeout 120 "$wine" cmd /c exit >/dev/null 2>&1 || cannot_run "Wine does not start here."
 
 failed=()
 for tests in "$bin"/*_tests.exe; do
