@@ -8,6 +8,7 @@ namespace tarnwick::decompiler {
 namespace {
 
 using namespace tests;
+using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
@@ -118,6 +119,9 @@ TEST(SequenceScript, QuotesWhatTheCompilerWouldBreakApart) {
             "$animation \"Big Walk\" \"Big Walk\" fps 30.000000\n"
             "$sequence \"my walk\" \"Big Walk\" fps 30.00 {\n  blendwidth 2\n \"Big Walk\" \"run fast\"\n}\n");
   EXPECT_THAT(DecompiledModel(model).Script("$animation", "-"), HasSubstr("$sequence my walk \"Big Walk\""));
+  model = Model({{.Name = "a//b"}}, {{.Label = ""}});
+  EXPECT_THAT(DecompiledModel(model, DecompileOptionReadyToCompile).Script("$animation", "-"),
+              AllOf(HasSubstr("$animation \"a//b\" \"b\""), HasSubstr("$sequence \"\" \"a//b\"")));
 }
 
 TEST(SequenceScript, DamageIsTold) {
