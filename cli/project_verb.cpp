@@ -126,25 +126,10 @@ int Remove(const Options& options, Invocation& invocation) {
 
 /// What a value of a key is: "number, 30.0 unless given".
 std::string KindText(const project::KeyDescription& key) {
+  constexpr const char* KindNames[] = {"text", "whole number", "number", "0 | 1"};  // in the order of ValueKind
   std::string text;
-  if (!key.Names.empty()) {
-    for (const std::string_view name : key.Names) text.append(text.empty() ? "" : " | ").append(name);
-    return text;
-  }
-  switch (key.Kind) {
-    case project::ValueKind::Text:
-      text = "text";
-      break;
-    case project::ValueKind::Whole:
-      text = "whole number";
-      break;
-    case project::ValueKind::Real:
-      text = "number";
-      break;
-    case project::ValueKind::Check:
-      text = "0 | 1";
-      break;
-  }
+  for (const std::string_view name : key.Names) text.append(text.empty() ? "" : " | ").append(name);
+  if (text.empty()) text = KindNames[static_cast<size_t>(key.Kind)];
   return key.Default.empty() ? text : text + ", " + std::string(key.Default) + " unless given";
 }
 

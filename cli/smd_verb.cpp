@@ -7,6 +7,7 @@
 
 #include "cli/console_report.h"
 #include "cli/terminal.h"
+#include "core/paths.h"
 #include "smd/material_replacement.h"
 #include "smd/smd_info.h"
 
@@ -65,7 +66,7 @@ bool Agreed(const smd::MaterialReplacement& replacement, std::ostream& out) {
   out << PlainLines(smd::ReplacementQuestion(replacement)) << " [y/N] " << std::flush;
   std::string answer;
   std::getline(std::cin, answer);
-  return answer == "y" || answer == "Y" || answer == "yes";
+  return core::EqualIgnoringCase(answer, "y") || core::EqualIgnoringCase(answer, "yes");
 }
 
 int Replace(const Options& options, Invocation& invocation) {
