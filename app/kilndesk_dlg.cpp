@@ -14,6 +14,7 @@
 #include "platform/bitmap_button.h"
 #include "platform/dropped_files.h"
 #include "platform/job_runner.h"
+#include "platform/look.h"
 #include "platform/text.h"
 #include "project/project_store.h"
 #include "ui_kilndesk_dlg.h"
@@ -36,9 +37,7 @@ CKilndeskDlg::CKilndeskDlg(core::AppSettings& settings, platform::Desktop& deskt
   m_ui->setupUi(this);
   setWindowFlags(Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
                  Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint);
-  QPalette plain;  // a text to read, not a field to type into
-  plain.setColor(QPalette::Base, Qt::transparent);
-  m_ui->gameDirectoryLabel->setPalette(plain);
+  platform::ShowAsReadOnly(*m_ui->gameDirectoryLabel);
   connect(m_ui->exitButton, &QAbstractButton::clicked, this, &QDialog::reject);
   connect(m_ui->aboutButton, &QAbstractButton::clicked, this, &CKilndeskDlg::OnAbout);
   connect(m_ui->updatesButton, &QAbstractButton::clicked, this, &CKilndeskDlg::OnCheckForUpdates);

@@ -9,6 +9,7 @@
 #include "pages/studiomdl_run.h"
 #include "platform/bitmap_button.h"
 #include "platform/dropped_files.h"
+#include "platform/look.h"
 #include "platform/page_report.h"
 #include "platform/text.h"
 #include "platform/window_placing.h"
@@ -33,6 +34,7 @@ CMDLDialog::CMDLDialog(const PageContext& context, QWidget* parent)
       m_status(context.Desktop, this),
       m_runner(*this, m_status.Controls()) {
   m_ui->setupUi(this);
+  platform::ShowAsReadOnly(*m_ui->materialEdit);
   for (const std::string_view type : project::ModelTypes) m_ui->modelTypeCombo->addItem(ToQt(type));
   m_sequences = std::make_unique<RowList>(
       *this, RowListControls{m_ui->list, m_ui->addButton, m_ui->removeButton, m_ui->editButton},

@@ -37,4 +37,10 @@ void ApplyLook(const QString& style) {
   QApplication::setStyle(style.isEmpty() ? new PlainButtons : new PlainButtons(style));
 }
 
+void ShowAsReadOnly(QWidget& field) {
+  QPalette plain;
+  plain.setColor(QPalette::Base, Qt::transparent);
+  field.setPalette(plain);
+}
+
 }  // namespace tarnwick::platform

@@ -2,10 +2,13 @@
 
 #include <gmock/gmock.h>
 
+#include <QKeySequence>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTabWidget>
 #include <QTest>
+#include <algorithm>
+#include <cctype>
 #include <semaphore>
 
 #include "controls/html_static.h"
@@ -71,6 +74,35 @@ TEST_F(MainDialog, GivesEveryIconButtonADrawingATooltipAndAName) {
     EXPECT_FALSE(button->accessibleName().isEmpty()) << name;
   }
   EXPECT_GE(icons, 3);
+}
+
+/// The letters that Alt goes with among what is seen of `window`; one that stands twice stands in capitals.
+std::string Mnemonics(QWidget& window) {
+  std::string letters;
+  for (QWidget* control : window.findChildren<QWidget*>()) {
+    const char* property = control->inherits("QGroupBox") ? "title" : "text";
+    const bool hasOne =
+        control->inherits("QGroupBox") || control->inherits("QLabel") || control->inherits("QAbstractButton");
+    const QKeySequence keys = QKeySequence::mnemonic(control->property(property).toString());
+    if (!hasOne || keys.isEmpty() || !control->isVisible()) continue;
+    const auto letter = static_cast<char>(keys[0].key());
+    const bool isNew = letters.find(static_cast<char>(std::tolower(letter))) == std::string::npos;
+    letters += isNew ? static_cast<char>(std::tolower(letter)) : letter;
+  }
+  return letters;
+}
+
+TEST_F(MainDialog, GivesNoLetterToTwoControlsOfAPage) {
+  Open();
+  auto& innerTabs = ControlOf<QTabWidget>(*m_dialog->findChild<pages::CMDLSelDialog*>(), "tabs");
+  for (const auto& [tab, inner] : {std::pair(0, 0), {0, 1}, {1, 0}, {2, 0}, {3, 0}}) {
+    Tabs().setCurrentIndex(tab);
+    innerTabs.setCurrentIndex(inner);
+    const std::string letters = Mnemonics(*m_dialog);
+    EXPECT_GT(letters.size(), 7u);
+    EXPECT_TRUE(std::none_of(letters.begin(), letters.end(), [](char c) { return c >= 'A' && c <= 'Z'; }))
+        << letters << " on tab " << tab << ", " << inner;
+  }
 }
 
 TEST_F(MainDialog, RemembersItsTabWhetherLeftByExitOrByTheCloseBox) {

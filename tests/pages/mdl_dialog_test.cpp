@@ -15,6 +15,7 @@
 
 #include "pages/mdl_sel_dialog.h"
 #include "pages/qc_compile_dialog.h"
+#include "pages/ref_smd_info.h"
 #include "pages/tool_output.h"
 #include "support/scratch_folder.h"
 #include "window_support/memory_settings.h"
@@ -247,6 +248,34 @@ TEST_F(ModelPages, BrowseForFiles) {
   m_desktop.OpenSucceeds = false;
   Click(*script, "editButton");
   EXPECT_THAT(m_desktop.Boxes.back().Text, StartsWith("No editor Association for the file type. \r\n"));
+}
+
+TEST_F(ModelPages, OpenTheirDialogs) {
+  const auto selector = Open<CMDLSelDialog>();
+  const std::pair<const char*, const char*> dialogs[] = {{"optionsButton", "Model Options"},
+                                                         {"inspectButton", "Reference SMD Info"},
+                                                         {"collisionHelpButton", "Collision Model Help"},
+                                                         {"materialHelpButton", "Material Path Help"}};
+  auto& form = *selector->findChild<CMDLDialog*>();
+  ControlOf<QLineEdit>(form, "referenceEdit").setText("/no/such.smd");
+  const auto expect = [](QWidget& page, const char* button, const char* title) {
+    tests::WhenModalOpens([title](QWidget& dialog) {
+      EXPECT_EQ(dialog.windowTitle(), title);
+      const auto* info = qobject_cast<CRefSMDInfo*>(&dialog);
+      EXPECT_TRUE(info == nullptr || info->InfoText() == "Unable to open /no/such.smd\r\n");
+      static_cast<QDialog&>(dialog).reject();
+    });
+    Click(page, button);
+  };
+  for (const auto& [button, title] : dialogs) expect(form, button, title);
+  tests::WhenModalOpens([](QWidget& dialog) {
+    EXPECT_EQ(dialog.windowTitle(), "StudioMdl Options");
+    dialog.findChild<QCheckBox*>()->click();
+    static_cast<QDialog&>(dialog).accept();
+  });
+  m_options.studioMdlOptions = 0;
+  selector->findChild<QPushButton*>("optionsButton", Qt::FindDirectChildrenOnly)->click();
+  EXPECT_EQ(m_options.studioMdlOptions, 1);
 }
 
 TEST_F(ModelPages, RememberTheInnerTabAndTheScript) {
