@@ -9,6 +9,9 @@ namespace tarnwick::core {
 
 namespace {
 
+/// Larger copies are made by an instruction that takes long to begin, on many machines.
+constexpr size_t CopyAtOnce = 1024;
+
 /// A place for an argument in a pattern, as in "%2.3f".
 struct Place {
   int Width = 0;
@@ -61,7 +64,7 @@ void TextWriter::Flush() {
 void TextWriter::Raw(std::string_view bytes) {
   while (!bytes.empty()) {
     if (m_next == m_end) Flush();
-    const size_t part = std::min(bytes.size(), static_cast<size_t>(m_end - m_next));
+    const size_t part = std::min({bytes.size(), static_cast<size_t>(m_end - m_next), CopyAtOnce});
     std::memcpy(m_next, bytes.data(), part);
     m_next += part;
     bytes.remove_prefix(part);

@@ -25,31 +25,50 @@ class AnimationText {
       : m_model(model),
         m_onDefaultPose(onDefaultPose && animation.IsDelta()),
         m_player(model.Bones, animation),
-        m_frame(static_cast<size_t>(model.Bones.Count())) {}
+        m_frame(static_cast<size_t>(model.Bones.Count())),
+        m_positions(static_cast<size_t>(model.Bones.Count())) {}
 
   void WriteBlock(core::TextWriter& writer, int64_t number, int32_t frame) {
     WriteTime(writer, number);
     if (m_player.GoTo(frame)) {
-      m_frame.Begin();
-      const auto count = static_cast<size_t>(m_model.Bones.Count());
-      for (size_t bone = 0; bone < count; ++bone) m_player.Changed(bone) ? Line(bone) : m_frame.Keep();
+      Turn();
+      WriteLines();
     }
     m_frame.Write(writer);
   }
 
  private:
+  /// Brings the bones that changed into the form of the file.
+  //
   // The turns and the composition give a position that depends on the position alone, and likewise for the rotation,
-  // so each part of the line stands as long as its own input does.
-  void Line(size_t bone) {
-    Vec3 position = m_player.Positions()[bone];
-    Quat rotation = m_player.Rotations()[bone];
-    const bool root = m_model.TurnRoots && m_model.Bones[static_cast<int64_t>(bone)]->Parent == -1;
-    if (m_onDefaultPose) Apply(m_model.DefaultPoses[bone], rotation, position);
-    if (root) Apply(m_model.RootTurn, rotation, position);
-    EulerAngles angles;
-    const bool turned = m_player.RotationChanged(bone);
-    if (turned) QuickQuatToEuler(rotation, angles);
-    m_frame.Line(m_player.PositionChanged(bone) ? &position : nullptr, turned ? &angles : nullptr);
+  // so each part of a line stands as long as its own input does.
+  void Turn() {
+    m_rotations.clear();
+    for (size_t bone = 0; bone < m_positions.size(); ++bone) {
+      if (!m_player.Changed(bone)) continue;
+      m_positions[bone] = m_player.Positions()[bone];
+      Quat rotation = m_player.Rotations()[bone];
+      if (m_onDefaultPose) Apply(m_model.DefaultPoses[bone], rotation, m_positions[bone]);
+      if (m_model.TurnRoots && m_model.Bones[static_cast<int64_t>(bone)]->Parent == -1) {
+        Apply(m_model.RootTurn, rotation, m_positions[bone]);
+      }
+      if (m_player.RotationChanged(bone)) m_rotations.push_back(rotation);
+    }
+    m_angles.resize(m_rotations.size());
+    QuickQuatToEuler(m_rotations, m_angles);
+  }
+
+  void WriteLines() {
+    m_frame.Begin();
+    const EulerAngles* angles = m_angles.data();
+    for (size_t bone = 0; bone < m_positions.size(); ++bone) {
+      if (m_player.Changed(bone)) {
+        m_frame.Line(m_player.PositionChanged(bone) ? &m_positions[bone] : nullptr,
+                     m_player.RotationChanged(bone) ? angles++ : nullptr);
+      } else {
+        m_frame.Keep();
+      }
+    }
   }
 
   static void Apply(const Matrix3x4& left, Quat& rotation, Vec3& position) {
@@ -63,6 +82,9 @@ class AnimationText {
   bool m_onDefaultPose;
   PosePlayer m_player;
   SkeletonFrame m_frame;
+  std::vector<Vec3> m_positions;      // of each bone, as the file has it
+  std::vector<Quat> m_rotations;      // of the bones whose rotation changed
+  std::vector<EulerAngles> m_angles;  // of those
 };
 
 }  // namespace
@@ -100,7 +122,7 @@ void WriteBindPoseSmd(core::TextWriter& writer, const AnimationSmdModel& model) 
   for (const auto bone : model.Bones) {
     const Vec3 position = bone->Position;
     EulerAngles angles;
-    QuickQuatToEuler(bone->Rotation, angles);
+    QuatToEuler(bone->Rotation, angles);
     frame.Line(&position, &angles);
   }
   writer.Raw(model.Head);

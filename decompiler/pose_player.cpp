@@ -28,6 +28,7 @@ bool PosePlayer::GoTo(int32_t frame) {
   } else if (frame >= m_heldUntil) {
     Advance(frame);
   }
+  TurnAngles();
   m_frame = frame;
   m_changed |= first;
   return m_changed;
@@ -71,55 +72,66 @@ void PosePlayer::AddTrack(const AnimRecord& anim, int64_t triple, bool isRotatio
   track.Bone = anim->Bone;
   track.IsRotation = isRotation;
   track.IsDelta = (anim->Flags & AnimIsDelta) != 0;
-  for (int axis = 0; axis < 3; ++axis) {
-    if (const auto stream = RunsOfAxis(m_image, triple, axis)) track.Cursors[axis] = RunCursor(stream->Offset);
+  const StudioBone& bone = *m_bones[track.Bone];
+  track.IsAligned = !track.IsDelta && (bone.Flags & BoneFlagFixedAlignment) != 0;
+  const Vec3 scale = isRotation ? bone.RotationScale : bone.PositionScale;
+  const EulerAngles angles = bone.Angles;
+  track.Scales = {scale.x, scale.y, scale.z};
+  if (isRotation) {
+    track.Defaults = {angles.x, angles.y, angles.z};
+  } else {
+    track.Defaults = {bone.Position.x, bone.Position.y, bone.Position.z};
   }
-  Read(track, frame);
-  Store(track);
+  for (size_t axis = 0; axis < 3; ++axis) {
+    if (const auto stream = RunsOfAxis(m_image, triple, static_cast<int>(axis)))
+      track.Cursors[axis] = RunCursor(stream->Offset);
+  }
+  Read(track, frame, true);
 }
 
 void PosePlayer::Advance(int32_t frame) {
   m_heldUntil = std::numeric_limits<int32_t>::max();
   for (RunTrack& track : m_tracks) {
-    if (frame >= track.HeldUntil && Read(track, frame)) {
-      Store(track);
+    if (frame >= track.HeldUntil) {
+      Read(track, frame, false);
     } else {
       m_heldUntil = std::min(m_heldUntil, track.HeldUntil);
     }
   }
 }
 
-bool PosePlayer::Read(RunTrack& track, int32_t frame) {
-  bool changed = false;
+void PosePlayer::Read(RunTrack& track, int32_t frame, bool first) {
+  std::array<int32_t, 3> stored;
+  std::array<float, 3> values;
   track.HeldUntil = std::numeric_limits<int32_t>::max();
-  for (int axis = 0; axis < 3; ++axis) {
-    const int32_t value = track.Cursors[axis].At(m_image, frame);
-    changed |= value != track.Values[axis];
-    track.Values[axis] = value;
+  for (size_t axis = 0; axis < 3; ++axis) {
+    stored[axis] = track.Cursors[axis].At(m_image, frame);
+    values[axis] = static_cast<float>(stored[axis]) * track.Scales[axis];
+    if (!track.IsDelta) values[axis] += track.Defaults[axis];
     track.HeldUntil = std::min(track.HeldUntil, track.Cursors[axis].HeldUntil(frame));
   }
   m_heldUntil = std::min(m_heldUntil, track.HeldUntil);
-  return changed;
+  if (!first && stored == track.Stored) return;
+  track.Stored = stored;
+  if (track.IsRotation) {
+    m_turning.push_back({track.Bone, track.IsAligned});
+    m_angles.push_back({values[0], values[1], values[2]});
+  } else {
+    SetPosition(static_cast<size_t>(track.Bone), {values[0], values[1], values[2]});
+  }
 }
 
-void PosePlayer::Store(const RunTrack& track) {
-  const StudioBone& bone = *m_bones[track.Bone];
-  const Vec3& scale = track.IsRotation ? bone.RotationScale : bone.PositionScale;
-  const Vec3 value{static_cast<float>(track.Values[0]) * scale.x, static_cast<float>(track.Values[1]) * scale.y,
-                   static_cast<float>(track.Values[2]) * scale.z};
-  const auto at = static_cast<size_t>(track.Bone);
-  if (!track.IsRotation) {
-    SetPosition(at, track.IsDelta
-                        ? value
-                        : Vec3{value.x + bone.Position.x, value.y + bone.Position.y, value.z + bone.Position.z});
-    return;
+void PosePlayer::TurnAngles() {
+  if (m_angles.empty()) return;
+  m_turned.resize(m_angles.size());
+  QuickEulerToQuat(m_angles, m_turned);
+  for (size_t i = 0; i < m_angles.size(); ++i) {
+    Quat rotation = m_turned[i];
+    if (m_turning[i].IsAligned) AlignQuat(m_bones[m_turning[i].Bone]->Alignment, rotation, rotation);
+    SetRotation(static_cast<size_t>(m_turning[i].Bone), rotation);
   }
-  EulerAngles angles{value.x, value.y, value.z};
-  if (!track.IsDelta) angles = {angles.x + bone.Angles.x, angles.y + bone.Angles.y, angles.z + bone.Angles.z};
-  Quat rotation;
-  QuickEulerToQuat(angles, rotation);
-  if (!track.IsDelta && (bone.Flags & BoneFlagFixedAlignment) != 0) AlignQuat(bone.Alignment, rotation, rotation);
-  SetRotation(at, rotation);
+  m_turning.clear();
+  m_angles.clear();
 }
 
 // Compared bit by bit: a not-a-number equals itself, and zeros of both signs, which print differently, do not.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -38,18 +39,27 @@ class PosePlayer {
     int32_t Bone;
     bool IsRotation;
     bool IsDelta;
-    int32_t HeldUntil;  // first frame at which a value can differ
-    int32_t Values[3];
-    RunCursor Cursors[3];
+    bool IsAligned;                 // the rotation is to lie near that of the bone's alignment
+    std::array<float, 3> Scales;    // of the stored values
+    std::array<float, 3> Defaults;  // what they are added to, if this is no delta
+    int32_t HeldUntil;              // first frame at which a value can differ
+    std::array<int32_t, 3> Stored;
+    std::array<RunCursor, 3> Cursors;
+  };
+
+  struct Turn {
+    int32_t Bone;
+    bool IsAligned;
   };
 
   void Open(const std::optional<AnimData>& data, int32_t frame);
   void OpenBone(const AnimRecord& anim, int32_t frame);
   void AddTrack(const AnimRecord& anim, int64_t triple, bool isRotation, int32_t frame);
   void Advance(int32_t frame);
-  /// Moves the track's cursors; whether a value differs.
-  bool Read(RunTrack& track, int32_t frame);
-  void Store(const RunTrack& track);
+  /// Moves the track's cursors. Takes the values if they differ, or come first.
+  void Read(RunTrack& track, int32_t frame, bool first);
+  /// Turns the angles that Read has put aside into rotations, all at a time.
+  void TurnAngles();
   void SetRotation(size_t bone, const Quat& rotation);
   void SetPosition(size_t bone, const Vec3& position);
 
@@ -61,6 +71,9 @@ class PosePlayer {
   int32_t m_heldUntil = 0;  // first frame at which any value can differ
   bool m_changed = false;
   std::vector<RunTrack> m_tracks;
+  std::vector<Turn> m_turning;        // the bones whose new angles wait to become rotations
+  std::vector<EulerAngles> m_angles;  // of each of them
+  std::vector<Quat> m_turned;
   std::vector<Vec3> m_positions;
   std::vector<Quat> m_rotations;
   std::vector<uint8_t> m_changes;

@@ -1,16 +1,16 @@
 #pragma once
 
+#include <span>
+
 #include "decompiler/bone_math_types.h"
 
 namespace tarnwick::decompiler {
 
-// QuatToEuler and EulerToQuat of bone_math.h, the same to the last bit, several times as fast. Sines, cosines and
-// arctangents come from short series around points of a table, in double precision. What is stored is a float: it can
-// only differ from the one that the standard library's function leads to if the value lies within the series' error of
-// the middle between two floats. That is seen, happens about once in a million values, and such a value is computed the
-// plain way.
-
-void QuickQuatToEuler(const Quat& q, EulerAngles& result);
-void QuickEulerToQuat(const EulerAngles& e, Quat& result);
+/// EulerToQuat and QuatToEuler for many rotations at a time, to the last bit and several times as fast. Results are
+/// formed side by side with short series; where their error could reach the stored float, and for angles and
+/// quaternions out of the ordinary, the plain functions decide. `result` is as long as the input and does not overlap
+/// it.
+void QuickEulerToQuat(std::span<const EulerAngles> angles, std::span<Quat> result);
+void QuickQuatToEuler(std::span<const Quat> rotations, std::span<EulerAngles> result);
 
 }  // namespace tarnwick::decompiler
