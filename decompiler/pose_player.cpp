@@ -100,19 +100,36 @@ void PosePlayer::Advance(int32_t frame) {
   }
 }
 
-void PosePlayer::Read(RunTrack& track, int32_t frame, bool first) {
-  std::array<int32_t, 3> stored;
-  std::array<float, 3> values;
+void PosePlayer::FillBlock(RunTrack& track, int32_t frame) {
+  track.BlockFirst = frame;
+  const int32_t last = frame + BlockFrames - 1;
   track.HeldUntil = std::numeric_limits<int32_t>::max();
+  bool holds = true;
   for (size_t axis = 0; axis < 3; ++axis) {
-    stored[axis] = track.Cursors[axis].At(m_image, frame);
-    values[axis] = static_cast<float>(stored[axis]) * track.Scales[axis];
-    if (!track.IsDelta) values[axis] += track.Defaults[axis];
-    track.HeldUntil = std::min(track.HeldUntil, track.Cursors[axis].HeldUntil(frame));
+    auto& block = track.Block[axis];
+    track.Cursors[axis].Fill(m_image, frame, block);
+    track.HeldUntil = std::min(track.HeldUntil, track.Cursors[axis].HeldUntil(last));
+    holds &= std::equal(block.begin() + 1, block.end(), block.begin());
+  }
+  if (!holds) track.HeldUntil = frame + 1;
+}
+
+void PosePlayer::Read(RunTrack& track, int32_t frame, bool first) {
+  if (first || frame - track.BlockFirst >= BlockFrames) {
+    FillBlock(track, frame);
+  } else {
+    track.HeldUntil = frame + 1;
   }
   m_heldUntil = std::min(m_heldUntil, track.HeldUntil);
+  const auto place = static_cast<size_t>(frame - track.BlockFirst);
+  const std::array<int16_t, 3> stored = {track.Block[0][place], track.Block[1][place], track.Block[2][place]};
   if (!first && stored == track.Stored) return;
   track.Stored = stored;
+  std::array<float, 3> values;
+  for (size_t axis = 0; axis < 3; ++axis) {
+    values[axis] = static_cast<float>(stored[axis]) * track.Scales[axis];
+    if (!track.IsDelta) values[axis] += track.Defaults[axis];
+  }
   if (track.IsRotation) {
     m_turning.push_back({track.Bone, track.IsAligned});
     m_angles.push_back({values[0], values[1], values[2]});

@@ -34,6 +34,10 @@ class PosePlayer {
   static constexpr uint8_t RotationBit = 1;
   static constexpr uint8_t PositionBit = 2;
 
+  /// Values are taken from their runs for this many frames at a time: going through many runs by single frames is
+  /// slower.
+  static constexpr int32_t BlockFrames = 16;
+
   /// The runs of the three axes of one bone's rotation or position.
   struct RunTrack {
     int32_t Bone;
@@ -43,7 +47,9 @@ class PosePlayer {
     std::array<float, 3> Scales;    // of the stored values
     std::array<float, 3> Defaults;  // what they are added to, if this is no delta
     int32_t HeldUntil;              // first frame at which a value can differ
-    std::array<int32_t, 3> Stored;
+    int32_t BlockFirst;             // the frame of each axis's first value in Block
+    std::array<int16_t, 3> Stored;
+    std::array<std::array<int16_t, BlockFrames>, 3> Block;
     std::array<RunCursor, 3> Cursors;
   };
 
@@ -56,7 +62,9 @@ class PosePlayer {
   void OpenBone(const AnimRecord& anim, int32_t frame);
   void AddTrack(const AnimRecord& anim, int64_t triple, bool isRotation, int32_t frame);
   void Advance(int32_t frame);
-  /// Moves the track's cursors. Takes the values if they differ, or come first.
+  /// Fills the track's block from `frame` on.
+  void FillBlock(RunTrack& track, int32_t frame);
+  /// Goes to `frame`. Takes the values if they differ, or come first.
   void Read(RunTrack& track, int32_t frame, bool first);
   /// Turns the angles that Read has put aside into rotations, all at a time.
   void TurnAngles();

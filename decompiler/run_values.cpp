@@ -1,5 +1,8 @@
 #include "decompiler/run_values.h"
 
+#include <algorithm>
+#include <cstring>
+
 namespace tarnwick::decompiler {
 
 namespace {
@@ -38,6 +41,20 @@ float DecodeRunValue(int32_t frame, const std::optional<RunStream>& stream, floa
   if (!run || run->Head->Total == 0) return 0.0f;
   const int64_t number = k < run->Head->Valid ? k : run->Head->Valid - 1;
   return static_cast<float>(run->Values[number]->Value) * scale;
+}
+
+void RunCursor::Fill(const core::ImageView& image, int32_t frame, std::span<int16_t> values) {
+  while (!values.empty()) {
+    while (frame >= m_end) NextRun(image);
+    const int32_t k = frame - m_start;
+    const auto count = std::min(values.size(), static_cast<size_t>(m_end - frame));
+    const auto valid = std::min(count, static_cast<size_t>(std::max(m_valid - k, 0)));
+    if (valid > 0) std::memcpy(values.data(), m_values + k, valid * sizeof(int16_t));
+    std::fill(values.begin() + static_cast<ptrdiff_t>(valid), values.begin() + static_cast<ptrdiff_t>(count),
+              static_cast<int16_t>(m_held));
+    values = values.subspan(count);
+    frame += static_cast<int32_t>(count);
+  }
 }
 
 void RunCursor::NextRun(const core::ImageView& image) {

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <limits>
 #include <optional>
+#include <span>
 
 #include "core/image_view.h"
 #include "decompiler/animation_records.h"
@@ -34,6 +35,10 @@ class RunCursor {
     const int32_t k = frame - m_start;
     return k < m_valid ? m_values[k].Value : m_held;
   }
+
+  /// The stored values of the frames from `frame` on, which is at or behind the one asked for before; the cursor is
+  /// then at the last of them.
+  void Fill(const core::ImageView& image, int32_t frame, std::span<int16_t> values);
 
   /// The first frame behind `frame` (the one asked for last) that can have another value.
   int32_t HeldUntil(int32_t frame) const { return frame - m_start < m_valid - 1 ? frame + 1 : m_end; }

@@ -21,6 +21,17 @@ char* WriteThree(char* out, float x, float y, float z) {
   return core::WriteFixed<6>(out, z);
 }
 
+/// Copies a part of a line and perhaps some bytes behind it; a line's room is far longer than its parts.
+char* CopyPart(char* out, const char* part, size_t size) {
+  constexpr size_t Usual = 64;
+  if (size <= Usual) {
+    std::memcpy(out, part, Usual);
+  } else {
+    std::memcpy(out, part, size);
+  }
+  return out + size;
+}
+
 uint8_t CountNonFinite(float x, float y, float z) {
   if (x * 0 + y * 0 + z * 0 == 0) return 0;
   uint8_t count = 0;
@@ -53,9 +64,7 @@ void SkeletonFrame::Line(const Vec3* position, const EulerAngles* rotation) {
     out = WriteThree(out, position->x, position->y, position->z);
     place.OddPositions = CountNonFinite(position->x, position->y, position->z);
   } else {
-    const size_t size = before.Rotation - before.Line;
-    std::memcpy(out, m_previous.get() + before.Line, size);
-    out += size;
+    out = CopyPart(out, m_previous.get() + before.Line, before.Rotation - before.Line);
   }
   place.Rotation = static_cast<size_t>(out - m_text.get());
   if (rotation != nullptr) {
@@ -64,9 +73,7 @@ void SkeletonFrame::Line(const Vec3* position, const EulerAngles* rotation) {
     out += core::PlatformLineEnd.size();
     place.OddRotations = CountNonFinite(rotation->x, rotation->y, rotation->z);
   } else {
-    const size_t size = m_places[m_bone + 1].Line - before.Rotation;
-    std::memcpy(out, m_previous.get() + before.Rotation, size);
-    out += size;
+    out = CopyPart(out, m_previous.get() + before.Rotation, m_places[m_bone + 1].Line - before.Rotation);
   }
   m_nonFinite += static_cast<size_t>(place.OddPositions) + place.OddRotations;
   m_nonFinite -= static_cast<size_t>(before.OddPositions) + before.OddRotations;
