@@ -20,7 +20,8 @@ class SizeFinder {
   void AddMesh(const core::RecordArray<StudioFlex>& flexes) {
     std::vector<std::pair<int64_t, int64_t>> tables;
     for (const auto flex : flexes) {
-      if (flex->VertAnimCount > 0) tables.emplace_back(flex.Offset() + flex->VertAnimOffset, flex->VertAnimCount);
+      if (flex->VertAnimCount > 0)
+        tables.emplace_back(flex.Offset() + flex->VertAnimOffset, int64_t{flex->VertAnimCount});
     }
     std::sort(tables.begin(), tables.end());
     for (size_t i = 0; i + 1 < tables.size(); ++i) {
