@@ -86,15 +86,17 @@ std::optional<OutputFile> OutputFile::Create(std::string path, std::string* reas
   if (LastComponent(path).empty()) return refuse("the file has no name");
   fs::path native = NativePath(path);
   std::error_code error;
-  const auto status = fs::status(native, error);
+  auto status = fs::symlink_status(native, error);
+  if (fs::is_symlink(status)) {
+    status = fs::status(native, error);
+    std::error_code dangling;
+    const fs::path target = fs::canonical(native, dangling);
+    if (!dangling) native = target;
+  }
   if (fs::is_directory(status)) return refuse("a folder of that name exists");
   if (fs::exists(status) && !MayBeWritten(native)) return refuse(std::strerror(errno));
   // A name that is too long or otherwise impossible must fail here, not when the finished file is to get it.
   if (error && !fs::exists(status) && status.type() != fs::file_type::not_found) return refuse(error.message());
-  if (fs::is_symlink(fs::symlink_status(native, error))) {
-    const fs::path target = fs::canonical(native, error);
-    if (!error) native = target;
-  }
 
   OutputFile file;
   for (int attempt = 0; attempt < 100 && file.m_descriptor < 0; ++attempt) {
