@@ -30,27 +30,6 @@ class ErrorKeeper : public core::Report {
   std::vector<std::string> m_errors;
 };
 
-/// The two conversions, with their log where the caller wants it and, beside the box of a failure, the reason kept.
-tools::ImageConversions Conversions(ErrorKeeper& report, const images::ImageWorker& worker) {
-  const auto with = [&report, &worker](std::string& log, const auto& convert) {
-    core::TextReport text(log, report);
-    const std::string tga =
-        convert(images::ConversionContext{text, worker, [](const images::MissingDirectory&) { return true; }});
-    if (tga.empty()) report.Keep(LastLine(log));
-    return tga;
-  };
-  tools::ImageConversions conversions;
-  conversions.ConvertToTga = [with](const std::string& source, const std::string& directory, std::string& log) {
-    return with(log, [&](const auto& context) { return images::ConvertToTga(source, directory, context); });
-  };
-  conversions.ConvertToTgaWithAlpha = [with](const std::string& source, const std::string& alpha,
-                                             const std::string& directory, std::string& log) {
-    return with(log,
-                [&](const auto& context) { return images::ConvertToTgaWithAlpha(source, alpha, directory, context); });
-  };
-  return conversions;
-}
-
 /// The file that vtex makes of the TGA file at `tga`, with another extension: it stands below "materials" where the TGA
 /// file stands below "materialsrc".
 std::string CompiledPath(const tools::MaterialCompile& job, const std::string& game, const std::string& tga,
@@ -95,7 +74,14 @@ void RunMaterials(const tools::MaterialCompile& job, const ToolDirectories& dire
   tools::MaterialCompileCalls calls{keeper, log, {}, {}, {}, {}, {}, {}, {}, {}};
   calls.SdkDirectory = [&] { return directories.SdkFor(tools::Vtex); };
   calls.GameDirectory = [&] { return directories.Game; };
-  calls.Images = Conversions(keeper, worker);
+  calls.ConvertToTga = [&](const std::string& source, const std::optional<std::string>& alpha,
+                           const std::string& directory, std::string& text) {
+    core::TextReport conversionReport(text, keeper);
+    const auto mayCreate = [](const images::MissingDirectory&) { return true; };
+    const std::string tga = images::ConvertMapToTga(source, alpha, directory, {conversionReport, worker, mayCreate});
+    if (tga.empty()) keeper.Keep(LastLine(text));  // the reason, beside the box
+    return tga;
+  };
   calls.Run = run;
   calls.OnResult = [&](const tools::MaterialResult& result) {
     report.Log(result.Log);

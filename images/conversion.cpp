@@ -110,6 +110,11 @@ std::string ConvertToTgaWithAlpha(const std::string& source, const std::string& 
                {"WARNING, Source and destination files are the same, file is unmodified\r\n", true}, context);
 }
 
+std::string ConvertMapToTga(const std::string& source, const std::optional<std::string>& alpha,
+                            const std::string& directory, const ConversionContext& context) {
+  return alpha ? ConvertToTgaWithAlpha(source, *alpha, directory, context) : ConvertToTga(source, directory, context);
+}
+
 bool ConvertTgaToImage(const std::string& tga, const std::string& destination, const ConversionContext& context) {
   const ImageFormat* format = FormatOfFileName(destination);
   if (format != nullptr && format->Number == FormatTga) return false;

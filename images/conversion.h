@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "core/report.h"
@@ -39,6 +40,10 @@ std::string ConvertToTga(const std::string& source, const std::string& directory
 /// empty, the source's own alpha stays, with no message.
 std::string ConvertToTgaWithAlpha(const std::string& source, const std::string& alpha, const std::string& directory,
                                   const ConversionContext& context);
+
+/// `ConvertToTgaWithAlpha` if an image for the alpha channel is named, else `ConvertToTga`.
+std::string ConvertMapToTga(const std::string& source, const std::optional<std::string>& alpha,
+                            const std::string& directory, const ConversionContext& context);
 
 /// Writes the TGA file at `tga` to `destination` in the format that the destination's name asks for, in its own size.
 /// True if a file was written. A destination that is a TGA file by its name gives false and no word: there is nothing

@@ -38,14 +38,10 @@ void RunMaterialJob(const MaterialJob& job, platform::JobReport& report, const s
   tools::MaterialCompileCalls calls{report, pageLog, {}, {}, {}, {}, {}, {}, {}, {}};
   calls.SdkDirectory = [&] { return job.SdkDirectory; };
   calls.GameDirectory = [&] { return job.GameDirectory; };
-  calls.Images.ConvertToTga = [&](const std::string& source, const std::string& directory, std::string& log) {
+  calls.ConvertToTga = [&](const std::string& source, const std::optional<std::string>& alpha,
+                           const std::string& directory, std::string& log) {
     core::TextReport text(log, report);
-    return images::ConvertToTga(source, directory, {text, worker, mayCreate});
-  };
-  calls.Images.ConvertToTgaWithAlpha = [&](const std::string& source, const std::string& alpha,
-                                           const std::string& directory, std::string& log) {
-    core::TextReport text(log, report);
-    return images::ConvertToTgaWithAlpha(source, alpha, directory, {text, worker, mayCreate});
+    return images::ConvertMapToTga(source, alpha, directory, {text, worker, mayCreate});
   };
   calls.Run.Start.WineProgram = job.WineProgram;
   calls.Run.Stop = &stopRequested;

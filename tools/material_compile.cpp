@@ -41,11 +41,10 @@ VtexRun RunOf(const MaterialCompile& job, size_t index) {
 }
 
 /// The companion maps first, then the image itself, each with the map that its alpha is to take.
-ConvertedMaps ConvertImages(const VtexRun& run, const std::string& directory, const ImageConversions& images,
+ConvertedMaps ConvertImages(const VtexRun& run, const std::string& directory, const ImageToTga& convertToTga,
                             std::string& log) {
   const auto convert = [&](const std::string& source, bool withAlpha, const std::string& alpha) {
-    return withAlpha ? images.ConvertToTgaWithAlpha(source, alpha, directory, log)
-                     : images.ConvertToTga(source, directory, log);
+    return convertToTga(source, withAlpha ? std::optional(alpha) : std::nullopt, directory, log);
   };
   ConvertedMaps maps;
   if (!run.NormalMap.empty()) maps.Normal = convert(run.NormalMap, run.Has(VtexMaskInNormalAlpha), run.SpecularMap);
@@ -76,7 +75,7 @@ MaterialResult RunVtex(const MaterialCompile& job, size_t index, const MaterialC
   const std::string gameDirectory = calls.GameDirectory();
   MaterialResult result;
   result.Image = run.SourceImage;
-  result.Maps = ConvertImages(run, gameDirectory + run.OutputSubdirectory, calls.Images, result.Log);
+  result.Maps = ConvertImages(run, gameDirectory + run.OutputSubdirectory, calls.ConvertToTga, result.Log);
   result.ToolFound = RequireTool(SdkToolPath(sdkDirectory, Vtex), Vtex, calls.Report);
   if (!result.ToolFound) return result;
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -33,14 +34,11 @@ struct MaterialCompile {
   std::string SpecularMap;
 };
 
-/// The two conversions to TGA, which the caller has. Each gives the path of the TGA file, empty on failure, and appends
-/// its progress to `log`; failures are theirs to tell.
-struct ImageConversions {
-  std::function<std::string(const std::string& source, const std::string& directory, std::string& log)> ConvertToTga;
-  std::function<std::string(const std::string& source, const std::string& alpha, const std::string& directory,
-                            std::string& log)>
-      ConvertToTgaWithAlpha;
-};
+/// The conversion to TGA, which the caller has; the image `alpha`, where there is one (its name may be empty), becomes
+/// the alpha channel. Gives the path of the TGA file, empty on failure, and appends its progress to `log`; failures are
+/// its own to tell.
+using ImageToTga = std::function<std::string(const std::string& source, const std::optional<std::string>& alpha,
+                                             const std::string& directory, std::string& log)>;
 
 /// What became of one image.
 struct MaterialResult {
@@ -58,7 +56,7 @@ struct MaterialCompileCalls {
   /// The directories, asked for anew before each image.
   std::function<std::string()> SdkDirectory;
   std::function<std::string()> GameDirectory;
-  ImageConversions Images;
+  ImageToTga ConvertToTga;
   ToolRunOptions Run;
   /// Asks a question in a warning box with the buttons OK and Cancel; true for OK. Without it the answer is OK.
   std::function<bool(const std::string& text, const std::string& caption)> Confirm;

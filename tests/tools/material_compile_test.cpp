@@ -27,16 +27,11 @@ class MaterialCompileTest : public ::testing::Test {
     MaterialCompileCalls calls{m_report, m_log, [this] { return m_folder.Path(); }, [] { return "G:"; }, {}, {}, {}, {},
                                {},       {}};
     calls.Run = QuietOptions();
-    calls.Images.ConvertToTga = [this](const std::string& source, const std::string& directory, std::string& log) {
-      m_conversions.push_back(source + " > " + directory);
-      log += "converted " + source + "\r\n";
+    calls.ConvertToTga = [this](const std::string& source, const std::optional<std::string>& alpha,
+                                const std::string& directory, std::string& log) {
+      m_conversions.push_back(source + (alpha ? " + " + *alpha : "") + " > " + directory);
+      log += (alpha ? "merged " : "converted ") + source + "\r\n";
       return source == "bad.png" ? std::string() : directory + "/" + source + ".tga";
-    };
-    calls.Images.ConvertToTgaWithAlpha = [this](const std::string& source, const std::string& alpha,
-                                                const std::string& directory, std::string& log) {
-      m_conversions.push_back(source + " + " + alpha + " > " + directory);
-      log += "merged " + source + "\r\n";
-      return directory + "/" + source + ".tga";
     };
     return calls;
   }
