@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace tarnwick::tools {
 
@@ -21,7 +22,12 @@ class PipeEnd {
   PipeEnd() = default;
   explicit PipeEnd(intptr_t handle) : m_handle(handle) {}
   PipeEnd(PipeEnd&& other) noexcept : m_handle(other.m_handle) { other.m_handle = None; }
-  PipeEnd& operator=(PipeEnd&& other) noexcept;
+  /// Closes the end that it was before.
+  PipeEnd& operator=(PipeEnd&& other) noexcept {
+    PipeEnd taken(std::move(other));
+    std::swap(m_handle, taken.m_handle);
+    return *this;
+  }
   ~PipeEnd() { Close(); }
 
   bool IsOpen() const { return m_handle != None; }

@@ -12,7 +12,6 @@
 #include <string_view>
 #include <system_error>
 #include <thread>
-#include <utility>
 #include <vector>
 
 #include "tools/child_process.h"
@@ -106,14 +105,6 @@ std::vector<std::string> WineAdditions(const ProgramStart& start) {
 }
 
 }  // namespace
-
-PipeEnd& PipeEnd::operator=(PipeEnd&& other) noexcept {
-  if (this != &other) {
-    Close();
-    m_handle = std::exchange(other.m_handle, None);
-  }
-  return *this;
-}
 
 std::optional<SystemError> PipeEnd::Close() {
   if (!IsOpen()) return std::nullopt;

@@ -75,14 +75,6 @@ class InheritedHandles {
 
 }  // namespace
 
-PipeEnd& PipeEnd::operator=(PipeEnd&& other) noexcept {
-  if (this != &other) {
-    Close();
-    m_handle = std::exchange(other.m_handle, None);
-  }
-  return *this;
-}
-
 std::optional<SystemError> PipeEnd::Close() {
   if (!IsOpen()) return std::nullopt;
   HANDLE handle = AsHandle(*this);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <cstdlib>
 #include <sstream>
 #include <string>
@@ -32,5 +34,21 @@ inline CommandResult RunCommand(const std::vector<std::string>& arguments) {
   const int exitCode = cli::RunProgram(static_cast<int>(pointers.size()), pointers.data(), out, err);
   return {exitCode, out.str(), err.str()};
 }
+
+/// Tests of one verb: keep what its last call printed.
+class VerbTest : public testing::Test {
+ protected:
+  /// Calls the program with `verb`, which may hold options too, in front of `arguments`; gives the exit code.
+  int RunVerb(std::vector<std::string> verb, const std::vector<std::string>& arguments) {
+    verb.insert(verb.end(), arguments.begin(), arguments.end());
+    CommandResult result = RunCommand(verb);
+    m_out = std::move(result.Out);
+    m_err = std::move(result.Err);
+    return result.ExitCode;
+  }
+
+  std::string m_out;
+  std::string m_err;
+};
 
 }  // namespace tarnwick::tests

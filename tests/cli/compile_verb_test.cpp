@@ -8,10 +8,9 @@
 #include <chrono>
 #include <csignal>
 #include <filesystem>
-#include <sstream>
 #include <thread>
 
-#include "cli/invocation.h"
+#include "command_line.h"
 #include "support/scratch_folder.h"
 #include "tools/tool_file.h"
 
@@ -24,7 +23,7 @@ using ::testing::HasSubstr;
 
 /// A game with a studiomdl that prints its script's text, and that writes the model that the script names on its last
 /// line unless that line says otherwise.
-class CompileVerb : public ::testing::Test {
+class CompileVerb : public tests::VerbTest {
  protected:
   CompileVerb() {
     tests::WriteText(m_sdk + "/studiomdl.exe",
@@ -43,42 +42,35 @@ class CompileVerb : public ::testing::Test {
     return m_folder.Path(name);
   }
 
-  int Run(std::vector<std::string> arguments) {
-    arguments.insert(arguments.begin(), {"tarnwick-cli", "compile", "--sdk", m_sdk, "--game", m_game});
-    std::vector<const char*> pointers;
-    for (const std::string& argument : arguments) pointers.push_back(argument.c_str());
-    m_out.str("");
-    m_err.str("");
-    return RunProgram(static_cast<int>(pointers.size()), pointers.data(), m_out, m_err);
+  int Run(const std::vector<std::string>& arguments) {
+    return RunVerb({"compile", "--sdk", m_sdk, "--game", m_game}, arguments);
   }
 
   tests::ScratchFolder m_folder;
   std::string m_sdk = m_folder.Path("sdk bin");
   std::string m_game = m_folder.Path("my game");
-  std::ostringstream m_out;
-  std::ostringstream m_err;
 };
 
 TEST_F(CompileVerb, PrintsTheCommandLineAndTheToolsOwnLines) {
   const std::string qc = Script("a.qc", "all is well");
   EXPECT_EQ(Run({qc, "--perf", "--flip-triangles"}), ExitSuccess);
   const std::string switches = " -perf -f";
-  EXPECT_EQ(m_out.str(), m_sdk + "/studiomdl.exe -game \"" + m_game + "\" \"" + qc + "\"" + switches + "\nargs -game " +
-                             m_game + " " + qc + switches + "\n$modelname box.mdl\nall is well\n");
-  EXPECT_EQ(m_err.str(), "");
+  EXPECT_EQ(m_out, m_sdk + "/studiomdl.exe -game \"" + m_game + "\" \"" + qc + "\"" + switches + "\nargs -game " +
+                       m_game + " " + qc + switches + "\n$modelname box.mdl\nall is well\n");
+  EXPECT_EQ(m_err, "");
 }
 
 TEST_F(CompileVerb, FailsOnAnErrorLineOrWithoutANewerModel) {
   EXPECT_EQ(Run({Script("a.qc", "ERROR: no bones\n")}), ExitFailure);
-  EXPECT_THAT(m_err.str(), EndsWith("a.qc: Error: ERROR: no bones\n"));
+  EXPECT_THAT(m_err, EndsWith("a.qc: Error: ERROR: no bones\n"));
   // The model of the first run is there, but the second does not write it.
   EXPECT_EQ(Run({Script("b.qc", "nothing\n")}), ExitFailure);
-  EXPECT_THAT(m_err.str(), HasSubstr("b.qc: Error: no newer model at " + m_game + "/models/box.mdl"));
+  EXPECT_THAT(m_err, HasSubstr("b.qc: Error: no newer model at " + m_game + "/models/box.mdl"));
   EXPECT_EQ(Run({m_folder.Path("none.qc")}), ExitFailure);
-  EXPECT_THAT(m_err.str(), EndsWith("Error: there is no script " + m_folder.Path("none.qc") + "\n"));
+  EXPECT_THAT(m_err, EndsWith("Error: there is no script " + m_folder.Path("none.qc") + "\n"));
   tests::WriteText(m_folder.Path("c.qc"), "all is well\n");
   EXPECT_EQ(Run({m_folder.Path("c.qc")}), ExitSuccess);
-  EXPECT_THAT(m_err.str(), HasSubstr("Warning: the script names no model"));
+  EXPECT_THAT(m_err, HasSubstr("Warning: the script names no model"));
 }
 
 TEST_F(CompileVerb, CompilesAProjectFromAnotherFolder) {
@@ -87,32 +79,32 @@ TEST_F(CompileVerb, CompilesAProjectFromAnotherFolder) {
                    "\"Model Compiler/Model File\" \"box.mdl\"\n\"Model Compiler/Reference SMD\" \"crate.smd\"\n"
                    "\"Model Compiler/Phy SMD Check\" \"1\"\n\"Model Compiler/Model Options/StudioMDLOptions\" \"8\"\n");
   tests::WriteText(m_folder.Path("crate.smd"), "");
-  EXPECT_EQ(Run({"--materials", "props", "--flip-triangles", path}), ExitSuccess) << m_err.str();
-  EXPECT_THAT(m_out.str(), HasSubstr('"' + m_folder.Path("crate.qc") + "\" -perf -f\n"));
-  EXPECT_THAT(m_out.str(), HasSubstr("$cdmaterials \"models/props\"\n"));
-  EXPECT_THAT(m_out.str(), HasSubstr("$collisionmodel \"" + m_folder.Path("crate.smd") + "\""));
+  EXPECT_EQ(Run({"--materials", "props", "--flip-triangles", path}), ExitSuccess) << m_err;
+  EXPECT_THAT(m_out, HasSubstr('"' + m_folder.Path("crate.qc") + "\" -perf -f\n"));
+  EXPECT_THAT(m_out, HasSubstr("$cdmaterials \"models/props\"\n"));
+  EXPECT_THAT(m_out, HasSubstr("$collisionmodel \"" + m_folder.Path("crate.smd") + "\""));
 }
 
 TEST_F(CompileVerb, RunsSeveralFilesAndSumsUp) {
   EXPECT_EQ(Run({"--quiet", Script("a.qc", "WARNING: odd\n"), Script("b.qc", "fine\n")}), ExitSuccess);
-  EXPECT_EQ(m_out.str(), "");
-  EXPECT_EQ(m_err.str(), "WARNING: odd\n");
+  EXPECT_EQ(m_out, "");
+  EXPECT_EQ(m_err, "WARNING: odd\n");
   EXPECT_EQ(Run({"--json", Script("a.qc", "Error: bad\n"), Script("b.qc", "fine\n")}), ExitFailure);
-  EXPECT_THAT(m_err.str(), EndsWith("1 of 2 compiled\n"));
-  EXPECT_THAT(m_out.str(), HasSubstr(R"("outcome":"failed")"));
-  EXPECT_THAT(m_out.str(), HasSubstr(R"("errors":["Error: bad"])"));
-  EXPECT_THAT(m_out.str(), HasSubstr(R"("outcome":"ok")"));
+  EXPECT_THAT(m_err, EndsWith("1 of 2 compiled\n"));
+  EXPECT_THAT(m_out, HasSubstr(R"("outcome":"failed")"));
+  EXPECT_THAT(m_out, HasSubstr(R"("errors":["Error: bad"])"));
+  EXPECT_THAT(m_out, HasSubstr(R"("outcome":"ok")"));
 }
 
 TEST_F(CompileVerb, TellsAMissingToolAndAProjectThatCannotBeRead) {
   EXPECT_EQ(Run({m_folder.Path("none.sc")}), ExitFailure);
-  EXPECT_THAT(m_err.str(), HasSubstr("none.sc"));
+  EXPECT_THAT(m_err, HasSubstr("none.sc"));
   fs::remove(m_sdk + "/studiomdl.exe");
   EXPECT_EQ(Run({Script("a.qc", "")}), ExitFailure);
-  EXPECT_THAT(m_err.str(), HasSubstr("STUDIOMDL ERROR: Command " + m_sdk + "/studiomdl.exe not found."));
+  EXPECT_THAT(m_err, HasSubstr("STUDIOMDL ERROR: Command " + m_sdk + "/studiomdl.exe not found."));
   EXPECT_EQ(Run({"--json", Script("a.qc", ""), m_folder.Path("none.sc")}), ExitFailure);
-  EXPECT_EQ(std::ranges::count(m_out.str(), '\n'), 2);
-  EXPECT_THAT(m_err.str(), EndsWith("0 of 2 compiled\n"));
+  EXPECT_EQ(std::ranges::count(m_out, '\n'), 2);
+  EXPECT_THAT(m_err, EndsWith("0 of 2 compiled\n"));
 }
 
 TEST_F(CompileVerb, AnInterruptEndsTheToolAndTheRest) {
@@ -122,8 +114,8 @@ TEST_F(CompileVerb, AnInterruptEndsTheToolAndTheRest) {
   });
   EXPECT_EQ(Run({Script("a.qc", "forever\n"), Script("b.qc", "")}), ExitFailure);
   interrupter.join();
-  EXPECT_THAT(m_err.str(), HasSubstr("a.qc: stopped\n"));
-  EXPECT_THAT(m_err.str(), EndsWith("0 of 2 compiled\n"));
+  EXPECT_THAT(m_err, HasSubstr("a.qc: stopped\n"));
+  EXPECT_THAT(m_err, EndsWith("0 of 2 compiled\n"));
 }
 
 }  // namespace

@@ -2,8 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include <sstream>
-
+#include "command_line.h"
 #include "support/scratch_folder.h"
 
 namespace tarnwick::cli {
@@ -14,48 +13,41 @@ using ::testing::AllOf;
 using ::testing::HasSubstr;
 using ::testing::Not;
 
-class ConfigVerb : public ::testing::Test {
+class ConfigVerb : public tests::VerbTest {
  protected:
-  int Run(std::vector<std::string> arguments) {
-    arguments.insert(arguments.begin(), {"tarnwick-cli", "config", "--file", m_folder.Path("s.conf")});
-    std::vector<const char*> pointers;
-    for (const std::string& argument : arguments) pointers.push_back(argument.c_str());
-    m_out.str("");
-    m_err.str("");
-    return RunProgram(static_cast<int>(pointers.size()), pointers.data(), m_out, m_err);
+  int Run(const std::vector<std::string>& arguments) {
+    return RunVerb({"config", "--file", m_folder.Path("s.conf")}, arguments);
   }
 
   tests::ScratchFolder m_folder;
-  std::ostringstream m_out;
-  std::ostringstream m_err;
 };
 
 TEST_F(ConfigVerb, SetsGetsAndLists) {
   EXPECT_EQ(Run({"get", "surfaceprop"}), ExitSuccess);
-  EXPECT_EQ(m_out.str(), "metal\n");
+  EXPECT_EQ(m_out, "metal\n");
   EXPECT_EQ(Run({"set", "tarnwick/gamedirectory", "/games/räv, 2"}), ExitSuccess);
   EXPECT_EQ(Run({"set", "TabSelect", "-1"}), ExitSuccess);
   EXPECT_EQ(Run({"get", "GameDirectory"}), ExitSuccess);
-  EXPECT_EQ(m_out.str(), "/games/räv, 2\n");
+  EXPECT_EQ(m_out, "/games/räv, 2\n");
   EXPECT_EQ(Run({"list", "--stored"}), ExitSuccess);
-  EXPECT_EQ(m_out.str(), "Tarnwick/GameDirectory=/games/räv, 2\nTarnwick/TabSelect=-1\n");
+  EXPECT_EQ(m_out, "Tarnwick/GameDirectory=/games/räv, 2\nTarnwick/TabSelect=-1\n");
   EXPECT_EQ(Run({"list"}), ExitSuccess);
-  EXPECT_THAT(m_out.str(), AllOf(HasSubstr("Tarnwick/Shader=VertexLitGeneric\n"),
-                                 HasSubstr("Ravelback/CheckBoxSettings=1\n"), Not(HasSubstr("OutputDirectory=\n"))));
+  EXPECT_THAT(m_out, AllOf(HasSubstr("Tarnwick/Shader=VertexLitGeneric\n"), HasSubstr("Ravelback/CheckBoxSettings=1\n"),
+                           Not(HasSubstr("OutputDirectory=\n"))));
   EXPECT_EQ(Run({"list", "--json", "--stored"}), ExitSuccess);
-  EXPECT_THAT(m_out.str(), AllOf(HasSubstr("\"value\": -1"), HasSubstr("\"stored\": true")));
+  EXPECT_THAT(m_out, AllOf(HasSubstr("\"value\": -1"), HasSubstr("\"stored\": true")));
 }
 
 TEST_F(ConfigVerb, RefusesWhatIsNoSettingOrNoNumber) {
   EXPECT_EQ(Run({"set", "TabSelect", "2nd"}), ExitUsage);
-  EXPECT_THAT(m_err.str(), HasSubstr("Tarnwick/TabSelect is a whole number, not \"2nd\""));
+  EXPECT_THAT(m_err, HasSubstr("Tarnwick/TabSelect is a whole number, not \"2nd\""));
   EXPECT_EQ(Run({"get", "Nothing"}), ExitUsage);
-  EXPECT_THAT(m_err.str(), HasSubstr("there is no setting Nothing"));
+  EXPECT_THAT(m_err, HasSubstr("there is no setting Nothing"));
   EXPECT_EQ(Run({"set", "TabSelect"}), ExitUsage);
   EXPECT_TRUE(m_folder.Files().empty());
   tests::WriteText(m_folder.Path("s.conf") + "/in the way", "");
   EXPECT_EQ(Run({"set", "TabSelect", "2"}), ExitFailure);
-  EXPECT_THAT(m_err.str(), HasSubstr("cannot be saved"));
+  EXPECT_THAT(m_err, HasSubstr("cannot be saved"));
 }
 
 }  // namespace

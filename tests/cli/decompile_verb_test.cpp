@@ -18,20 +18,12 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-class DecompileVerb : public testing::Test {
+class DecompileVerb : public VerbTest {
  protected:
-  int Run(std::vector<std::string> arguments) {
-    arguments.insert(arguments.begin(), "decompile");
-    const CommandResult result = RunCommand(arguments);
-    m_out = result.Out;
-    m_err = result.Err;
-    return result.ExitCode;
-  }
+  int Run(const std::vector<std::string>& arguments) { return RunVerb({"decompile"}, arguments); }
 
   ScratchFolder m_models;
   ScratchFolder m_output;
-  std::string m_out;
-  std::string m_err;
 };
 
 TEST_F(DecompileVerb, OneModelGoesStraightIntoTheFolderThatIsMade) {
