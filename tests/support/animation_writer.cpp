@@ -149,9 +149,8 @@ int32_t WriteAnimData(const AnimDataDescription& data, FileBuilder& file) {
 }
 
 void WriteAnimations(const ModelBuilder& model, FileBuilder& mdl, FileBuilder& ani) {
-  const auto anims = mdl.Reserve<StudioAnimDesc>(static_cast<int64_t>(model.Animations.size()), "anims");
-  HeaderOf(mdl).AnimCount = static_cast<int32_t>(anims.Count);
-  HeaderOf(mdl).AnimOffset = anims.At(0);
+  const auto anims = ReserveInHeader<StudioAnimDesc>(model.Animations, "anims", mdl, &StudioHeader::AnimCount,
+                                                     &StudioHeader::AnimOffset);
   if (HasBlocks(model)) {
     WriteBlockFileHead(model, ani);
     const int32_t name = mdl.Text(model.AnimBlockName);

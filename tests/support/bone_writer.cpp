@@ -9,6 +9,7 @@ namespace {
 using decompiler::EulerAngles;
 using decompiler::Matrix3x4;
 using decompiler::Quat;
+using decompiler::StudioHeader;
 
 Quat ToQuat(const EulerAngles& angles) {
   const double sr = std::sin(angles.x / 2.0), cr = std::cos(angles.x / 2.0);
@@ -52,10 +53,9 @@ Matrix3x4 Inverse(const Matrix3x4& m) {
 }  // namespace
 
 void WriteBones(const ModelBuilder& model, FileBuilder& mdl) {
-  const auto count = static_cast<int64_t>(model.Bones.size());
-  const auto bones = mdl.Reserve<decompiler::StudioBone>(count, "bones");
-  HeaderOf(mdl).BoneCount = static_cast<int32_t>(count);
-  HeaderOf(mdl).BoneOffset = bones.At(0);
+  const auto bones = ReserveInHeader<decompiler::StudioBone>(model.Bones, "bones", mdl, &StudioHeader::BoneCount,
+                                                             &StudioHeader::BoneOffset);
+  const int64_t count = bones.Count;
   std::vector<Matrix3x4> placements;
   for (int64_t i = 0; i < count; ++i) {
     const BoneDescription& bone = model.Bones[static_cast<size_t>(i)];

@@ -58,7 +58,8 @@ void WriteFlexes(const MeshDescription& mesh, size_t b, size_t m, size_t k, File
 }
 
 void WriteFlexRules(const ModelBuilder& model, FileBuilder& mdl) {
-  const auto rules = mdl.Reserve<StudioFlexRule>(static_cast<int64_t>(model.FlexRules.size()), "flex rules");
+  const auto rules = ReserveInHeader<StudioFlexRule>(model.FlexRules, "flex rules", mdl, &StudioHeader::FlexRuleCount,
+                                                     &StudioHeader::FlexRuleOffset);
   for (int64_t i = 0; i < rules.Count; ++i) {
     const FlexRuleDescription& rule = model.FlexRules[static_cast<size_t>(i)];
     const auto ops = mdl.Reserve<StudioFlexOp>(static_cast<int64_t>(rule.Ops.size()),
@@ -68,13 +69,12 @@ void WriteFlexRules(const ModelBuilder& model, FileBuilder& mdl) {
     rules[i].OpCount = static_cast<int32_t>(ops.Count);
     rules[i].OpOffset = rules.To(ops.Offset, i);
   }
-  HeaderOf(mdl).FlexRuleCount = static_cast<int32_t>(rules.Count);
-  HeaderOf(mdl).FlexRuleOffset = rules.At(0);
 }
 
 void WriteFlexControllers(const ModelBuilder& model, FileBuilder& mdl) {
   const auto controllers =
-      mdl.Reserve<StudioFlexController>(static_cast<int64_t>(model.FlexControllers.size()), "flex controllers");
+      ReserveInHeader<StudioFlexController>(model.FlexControllers, "flex controllers", mdl,
+                                            &StudioHeader::FlexControllerCount, &StudioHeader::FlexControllerOffset);
   for (int64_t i = 0; i < controllers.Count; ++i) {
     const FlexControllerDescription& controller = model.FlexControllers[static_cast<size_t>(i)];
     const int32_t type = mdl.Text(controller.Type);
@@ -84,8 +84,6 @@ void WriteFlexControllers(const ModelBuilder& model, FileBuilder& mdl) {
     controllers[i].Minimum = controller.Minimum;
     controllers[i].Maximum = controller.Maximum;
   }
-  HeaderOf(mdl).FlexControllerCount = static_cast<int32_t>(controllers.Count);
-  HeaderOf(mdl).FlexControllerOffset = controllers.At(0);
 }
 
 }  // namespace
@@ -113,24 +111,22 @@ void WriteModelFace(const ModelDescription& model, size_t bodyPartIndex, size_t 
 }
 
 void WriteFace(const ModelBuilder& model, FileBuilder& mdl) {
-  const auto descs = mdl.Reserve<StudioFlexDesc>(static_cast<int64_t>(model.FlexDescs.size()), "flex descs");
+  const auto descs = ReserveInHeader<StudioFlexDesc>(model.FlexDescs, "flex descs", mdl, &StudioHeader::FlexDescCount,
+                                                     &StudioHeader::FlexDescOffset);
   for (int64_t i = 0; i < descs.Count; ++i) {
     const int32_t name = mdl.Text(model.FlexDescs[static_cast<size_t>(i)]);
     descs[i].NameOffset = descs.To(name, i);
   }
-  HeaderOf(mdl).FlexDescCount = static_cast<int32_t>(descs.Count);
-  HeaderOf(mdl).FlexDescOffset = descs.At(0);
   mdl.Align(4);
   WriteFlexControllers(model, mdl);
   mdl.Align(4);
   WriteFlexRules(model, mdl);
-  const auto mouths = mdl.Reserve<StudioMouth>(static_cast<int64_t>(model.Mouths.size()), "mouths");
+  const auto mouths =
+      ReserveInHeader<StudioMouth>(model.Mouths, "mouths", mdl, &StudioHeader::MouthCount, &StudioHeader::MouthOffset);
   for (int64_t i = 0; i < mouths.Count; ++i) {
     const MouthDescription& mouth = model.Mouths[static_cast<size_t>(i)];
     mouths[i] = StudioMouth{mouth.Bone, mouth.Forward, mouth.FlexDesc};
   }
-  HeaderOf(mdl).MouthCount = static_cast<int32_t>(mouths.Count);
-  HeaderOf(mdl).MouthOffset = mouths.At(0);
 }
 
 }  // namespace tarnwick::tests

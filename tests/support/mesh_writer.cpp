@@ -64,10 +64,9 @@ std::vector<VvdVertex> Scattered(const std::vector<VvdVertex>& vertices,
 }  // namespace
 
 void WriteBodyParts(const ModelBuilder& model, FileBuilder& mdl) {
-  const auto parts =
-      mdl.Reserve<decompiler::StudioBodyPart>(static_cast<int64_t>(model.BodyParts.size()), "body parts");
-  HeaderOf(mdl).BodyPartCount = static_cast<int32_t>(parts.Count);
-  HeaderOf(mdl).BodyPartOffset = parts.At(0);
+  const auto parts = ReserveInHeader<decompiler::StudioBodyPart>(model.BodyParts, "body parts", mdl,
+                                                                 &decompiler::StudioHeader::BodyPartCount,
+                                                                 &decompiler::StudioHeader::BodyPartOffset);
   int32_t firstVertex = 0;
   for (int64_t b = 0; b < parts.Count; ++b) {
     const auto bodyPart = static_cast<size_t>(b);

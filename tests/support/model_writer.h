@@ -19,6 +19,17 @@ inline decompiler::StudioHeader& HeaderOf(FileBuilder& file) {
   return file.Record<decompiler::StudioHeader>("header");
 }
 
+/// Adds a table with a record for each of `described` and enters it in the header, in the two fields that are named.
+template <core::PackedRecord T, typename D>
+FileBuilder::Table<T> ReserveInHeader(const std::vector<D>& described, const std::string& name, FileBuilder& file,
+                                      int32_t decompiler::StudioHeader::*count,
+                                      int32_t decompiler::StudioHeader::*offset) {
+  const auto table = file.Reserve<T>(static_cast<int64_t>(described.size()), name);
+  HeaderOf(file).*count = static_cast<int32_t>(table.Count);
+  HeaderOf(file).*offset = table.At(0);
+  return table;
+}
+
 void WriteBones(const ModelBuilder& model, FileBuilder& mdl);
 void WriteBodyParts(const ModelBuilder& model, FileBuilder& mdl);
 /// The faces of one model, whose records stand in the tables "models b" and "meshes b.m" already.

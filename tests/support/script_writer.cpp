@@ -7,9 +7,8 @@ namespace {
 using namespace decompiler;
 
 void WriteHitboxes(const ModelBuilder& model, FileBuilder& mdl) {
-  const auto sets = mdl.Reserve<StudioHitboxSet>(static_cast<int64_t>(model.HitboxSets.size()), "hitbox sets");
-  HeaderOf(mdl).HitboxSetCount = static_cast<int32_t>(sets.Count);
-  HeaderOf(mdl).HitboxSetOffset = sets.At(0);
+  const auto sets = ReserveInHeader<StudioHitboxSet>(model.HitboxSets, "hitbox sets", mdl,
+                                                     &StudioHeader::HitboxSetCount, &StudioHeader::HitboxSetOffset);
   for (int64_t i = 0; i < sets.Count; ++i) {
     const HitboxSetDescription& set = model.HitboxSets[static_cast<size_t>(i)];
     const auto boxes = mdl.Reserve<StudioHitbox>(static_cast<int64_t>(set.Hitboxes.size()),
@@ -28,9 +27,8 @@ void WriteHitboxes(const ModelBuilder& model, FileBuilder& mdl) {
 }
 
 void WriteAttachments(const ModelBuilder& model, FileBuilder& mdl) {
-  const auto table = mdl.Reserve<StudioAttachment>(static_cast<int64_t>(model.Attachments.size()), "attachments");
-  HeaderOf(mdl).AttachmentCount = static_cast<int32_t>(table.Count);
-  HeaderOf(mdl).AttachmentOffset = table.At(0);
+  const auto table = ReserveInHeader<StudioAttachment>(model.Attachments, "attachments", mdl,
+                                                       &StudioHeader::AttachmentCount, &StudioHeader::AttachmentOffset);
   for (int64_t i = 0; i < table.Count; ++i) {
     const AttachmentDescription& attachment = model.Attachments[static_cast<size_t>(i)];
     const int32_t name = mdl.Text(attachment.Name);
@@ -42,9 +40,8 @@ void WriteAttachments(const ModelBuilder& model, FileBuilder& mdl) {
 }
 
 void WriteIkChains(const ModelBuilder& model, FileBuilder& mdl) {
-  const auto chains = mdl.Reserve<StudioIkChain>(static_cast<int64_t>(model.IkChains.size()), "ik chains");
-  HeaderOf(mdl).IkChainCount = static_cast<int32_t>(chains.Count);
-  HeaderOf(mdl).IkChainOffset = chains.At(0);
+  const auto chains = ReserveInHeader<StudioIkChain>(model.IkChains, "ik chains", mdl, &StudioHeader::IkChainCount,
+                                                     &StudioHeader::IkChainOffset);
   for (int64_t i = 0; i < chains.Count; ++i) {
     const IkChainDescription& chain = model.IkChains[static_cast<size_t>(i)];
     const auto links = mdl.Reserve<StudioIkLink>(static_cast<int64_t>(chain.Links.size()),
@@ -61,9 +58,8 @@ void WriteIkChains(const ModelBuilder& model, FileBuilder& mdl) {
 
 void WritePoseParameters(const ModelBuilder& model, FileBuilder& mdl) {
   const auto table =
-      mdl.Reserve<StudioPoseParameter>(static_cast<int64_t>(model.PoseParameters.size()), "pose parameters");
-  HeaderOf(mdl).PoseParameterCount = static_cast<int32_t>(table.Count);
-  HeaderOf(mdl).PoseParameterOffset = table.At(0);
+      ReserveInHeader<StudioPoseParameter>(model.PoseParameters, "pose parameters", mdl,
+                                           &StudioHeader::PoseParameterCount, &StudioHeader::PoseParameterOffset);
   for (int64_t i = 0; i < table.Count; ++i) {
     const PoseParameterDescription& pose = model.PoseParameters[static_cast<size_t>(i)];
     const int32_t name = mdl.Text(pose.Name);
@@ -73,9 +69,8 @@ void WritePoseParameters(const ModelBuilder& model, FileBuilder& mdl) {
 }
 
 void WriteIncludes(const ModelBuilder& model, FileBuilder& mdl) {
-  const auto table = mdl.Reserve<StudioIncludeModel>(static_cast<int64_t>(model.IncludedModels.size()), "includes");
-  HeaderOf(mdl).IncludeModelCount = static_cast<int32_t>(table.Count);
-  HeaderOf(mdl).IncludeModelOffset = table.At(0);
+  const auto table = ReserveInHeader<StudioIncludeModel>(
+      model.IncludedModels, "includes", mdl, &StudioHeader::IncludeModelCount, &StudioHeader::IncludeModelOffset);
   for (int64_t i = 0; i < table.Count; ++i) {
     const int32_t name = mdl.Text(model.IncludedModels[static_cast<size_t>(i)]);
     table[i].NameOffset = table.To(name, i);
@@ -96,9 +91,8 @@ int32_t WriteTextTable(const std::vector<std::string>& texts, const std::string&
 }
 
 void WriteMaterials(const ModelBuilder& model, FileBuilder& mdl) {
-  const auto textures = mdl.Reserve<StudioTexture>(static_cast<int64_t>(model.Textures.size()), "textures");
-  HeaderOf(mdl).TextureCount = static_cast<int32_t>(textures.Count);
-  HeaderOf(mdl).TextureOffset = textures.At(0);
+  const auto textures = ReserveInHeader<StudioTexture>(model.Textures, "textures", mdl, &StudioHeader::TextureCount,
+                                                       &StudioHeader::TextureOffset);
   for (int64_t i = 0; i < textures.Count; ++i) {
     const int32_t name = mdl.Text(model.Textures[static_cast<size_t>(i)]);
     textures[i].NameOffset = textures.To(name, i);

@@ -45,9 +45,8 @@ void WriteBlends(const SequenceDescription& sequence, const Sequences& sequences
 }  // namespace
 
 void WriteSequences(const ModelBuilder& model, FileBuilder& mdl) {
-  const auto sequences = mdl.Reserve<StudioSeqDesc>(static_cast<int64_t>(model.Sequences.size()), "sequences");
-  HeaderOf(mdl).SequenceCount = static_cast<int32_t>(sequences.Count);
-  HeaderOf(mdl).SequenceOffset = sequences.At(0);
+  const auto sequences = ReserveInHeader<StudioSeqDesc>(model.Sequences, "sequences", mdl, &StudioHeader::SequenceCount,
+                                                        &StudioHeader::SequenceOffset);
   for (int64_t i = 0; i < sequences.Count; ++i) {
     const SequenceDescription& sequence = model.Sequences[static_cast<size_t>(i)];
     const int32_t label = mdl.Text(sequence.Label);
