@@ -8,11 +8,13 @@ namespace tarnwick::decompiler {
 
 namespace {
 
-/// Sizes of a vertex animation: the ordinary one, then those that longer forms of it may have.
-constexpr int64_t VertAnimSizes[] = {sizeof(StudioVertAnim), 18, 20};
+/// Distances between vertex animations that are tried: from the ordinary one on, up to twice as much, by whole words.
+constexpr int64_t SmallestVertAnim = sizeof(StudioVertAnim);
+constexpr int64_t VertAnimStep = sizeof(int16_t);
+constexpr size_t VertAnimSizes = SmallestVertAnim / VertAnimStep + 1;
 
 /// Finds out how far vertex animations stand apart. The tables of a mesh's flexes follow one another, so the distances
-/// between them tell.
+/// between them tell: they are the counts times one size, up to the alignment of the tables.
 class SizeFinder {
  public:
   SizeFinder() { m_fits.fill(true); }
@@ -26,7 +28,7 @@ class SizeFinder {
     std::sort(tables.begin(), tables.end());
     for (size_t i = 0; i + 1 < tables.size(); ++i) {
       for (size_t size = 0; size < m_fits.size(); ++size) {
-        const int64_t free = tables[i + 1].first - tables[i].first - tables[i].second * VertAnimSizes[size];
+        const int64_t free = tables[i + 1].first - tables[i].first - tables[i].second * SizeAt(size);
         m_fits[size] = m_fits[size] && free >= 0 && free < Alignment;
       }
     }
@@ -35,13 +37,17 @@ class SizeFinder {
   /// The first size that all meshes fit; the ordinary one where none does.
   int64_t Size() const {
     const auto fit = std::find(m_fits.begin(), m_fits.end(), true);
-    return VertAnimSizes[fit == m_fits.end() ? 0 : fit - m_fits.begin()];
+    return SizeAt(fit == m_fits.end() ? 0 : static_cast<size_t>(fit - m_fits.begin()));
   }
 
  private:
   static constexpr int64_t Alignment = 4;
 
-  std::array<bool, std::size(VertAnimSizes)> m_fits;
+  static constexpr int64_t SizeAt(size_t number) {
+    return SmallestVertAnim + VertAnimStep * static_cast<int64_t>(number);
+  }
+
+  std::array<bool, VertAnimSizes> m_fits;
 };
 
 }  // namespace
@@ -81,7 +87,7 @@ std::optional<ModelFlexes> GatherFlexes(JobContext& job, const core::Record<Stud
     }
   }
   flexes.VertAnimSize = size.Size();
-  if (flexes.VertAnimSize != VertAnimSizes[0]) {
+  if (flexes.VertAnimSize != SmallestVertAnim) {
     job.Log("Reading vertex animations of " + std::to_string(flexes.VertAnimSize) + " bytes\r\n");
   }
   return flexes;
