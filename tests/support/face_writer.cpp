@@ -111,13 +111,8 @@ void WriteModelFace(const ModelDescription& model, size_t bodyPartIndex, size_t 
 }
 
 void WriteFace(const ModelBuilder& model, FileBuilder& mdl) {
-  const auto descs = ReserveInHeader<StudioFlexDesc>(model.FlexDescs, "flex descs", mdl, &StudioHeader::FlexDescCount,
-                                                     &StudioHeader::FlexDescOffset);
-  for (int64_t i = 0; i < descs.Count; ++i) {
-    const int32_t name = mdl.Text(model.FlexDescs[static_cast<size_t>(i)]);
-    descs[i].NameOffset = descs.To(name, i);
-  }
-  mdl.Align(4);
+  WriteNamesInHeader<StudioFlexDesc>(model.FlexDescs, "flex descs", mdl, &StudioHeader::FlexDescCount,
+                                     &StudioHeader::FlexDescOffset);
   WriteFlexControllers(model, mdl);
   mdl.Align(4);
   WriteFlexRules(model, mdl);

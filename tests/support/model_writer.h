@@ -30,6 +30,18 @@ FileBuilder::Table<T> ReserveInHeader(const std::vector<D>& described, const std
   return table;
 }
 
+/// The same for records that hold no more than a name.
+template <core::PackedRecord T>
+void WriteNamesInHeader(const std::vector<std::string>& names, const std::string& table, FileBuilder& file,
+                        int32_t decompiler::StudioHeader::*count, int32_t decompiler::StudioHeader::*offset) {
+  const auto records = ReserveInHeader<T>(names, table, file, count, offset);
+  for (int64_t i = 0; i < records.Count; ++i) {
+    const int32_t name = file.Text(names[static_cast<size_t>(i)]);
+    records[i].NameOffset = records.To(name, i);
+  }
+  file.Align(4);
+}
+
 void WriteBones(const ModelBuilder& model, FileBuilder& mdl);
 void WriteBodyParts(const ModelBuilder& model, FileBuilder& mdl);
 /// The faces of one model, whose records stand in the tables "models b" and "meshes b.m" already.

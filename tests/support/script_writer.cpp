@@ -69,13 +69,8 @@ void WritePoseParameters(const ModelBuilder& model, FileBuilder& mdl) {
 }
 
 void WriteIncludes(const ModelBuilder& model, FileBuilder& mdl) {
-  const auto table = ReserveInHeader<StudioIncludeModel>(
-      model.IncludedModels, "includes", mdl, &StudioHeader::IncludeModelCount, &StudioHeader::IncludeModelOffset);
-  for (int64_t i = 0; i < table.Count; ++i) {
-    const int32_t name = mdl.Text(model.IncludedModels[static_cast<size_t>(i)]);
-    table[i].NameOffset = table.To(name, i);
-  }
-  mdl.Align(4);
+  WriteNamesInHeader<StudioIncludeModel>(model.IncludedModels, "includes", mdl, &StudioHeader::IncludeModelCount,
+                                         &StudioHeader::IncludeModelOffset);
 }
 
 }  // namespace
@@ -91,13 +86,8 @@ int32_t WriteTextTable(const std::vector<std::string>& texts, const std::string&
 }
 
 void WriteMaterials(const ModelBuilder& model, FileBuilder& mdl) {
-  const auto textures = ReserveInHeader<StudioTexture>(model.Textures, "textures", mdl, &StudioHeader::TextureCount,
-                                                       &StudioHeader::TextureOffset);
-  for (int64_t i = 0; i < textures.Count; ++i) {
-    const int32_t name = mdl.Text(model.Textures[static_cast<size_t>(i)]);
-    textures[i].NameOffset = textures.To(name, i);
-  }
-  mdl.Align(4);
+  WriteNamesInHeader<StudioTexture>(model.Textures, "textures", mdl, &StudioHeader::TextureCount,
+                                    &StudioHeader::TextureOffset);
 
   HeaderOf(mdl).MaterialDirectoryCount = static_cast<int32_t>(model.MaterialDirectories.size());
   const int32_t directories = WriteTextTable(model.MaterialDirectories, "material directories", mdl);
