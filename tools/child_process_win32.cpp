@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <system_error>
 #include <utility>
 #include <vector>
@@ -19,15 +20,30 @@ namespace tarnwick::tools {
 
 namespace {
 
+std::string InUtf8(std::wstring_view text) {
+  const auto convert = [&](char* target, int size) {
+    return WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), target, size, nullptr, nullptr);
+  };
+  std::string converted(static_cast<size_t>(convert(nullptr, 0)), 0);
+  convert(converted.data(), static_cast<int>(converted.size()));
+  return converted;
+}
+
 SystemError LastError(DWORD code) {
-  char* text = nullptr;
-  FormatMessageA(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
-                 code, MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT), reinterpret_cast<char*>(&text), 0, nullptr);
-  SystemError error{static_cast<int>(code), text == nullptr ? "" : text};
-  LocalFree(text);
-  while (!error.Message.empty() && (error.Message.back() == '\n' || error.Message.back() == '\r')) {
-    error.Message.pop_back();
+  // Not every system has its messages in its default language; without one it searches for itself.
+  constexpr DWORD Searched = 0;
+  SystemError error{static_cast<int>(code), {}};
+  for (const DWORD language : {DWORD{LANG_SYSTEM_DEFAULT}, Searched}) {
+    wchar_t* text = nullptr;
+    const DWORD size =
+        FormatMessageW(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
+                       nullptr, code, language, reinterpret_cast<wchar_t*>(&text), 0, nullptr);
+    if (size == 0) continue;
+    error.Message = InUtf8({text, size});
+    LocalFree(text);
+    break;
   }
+  while (error.Message.ends_with('\n') || error.Message.ends_with('\r')) error.Message.pop_back();
   return error;
 }
 

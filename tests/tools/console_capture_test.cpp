@@ -106,6 +106,7 @@ TEST(ConsoleCapture, ReportsAToolThatCannotBeStartedAndGoesOn) {
     EXPECT_EQ(report.Boxes[0].Caption, "Error");
     EXPECT_EQ(report.Boxes[0].Icon, core::BoxIcon::None);
     EXPECT_THAT(report.Boxes[0].Text, StartsWith("CreateProcess failed with error "));
+    EXPECT_NE(run.Outcome.Failure->Error.Message, "");
   }
 }
 
