@@ -15,7 +15,11 @@ PosePlayer::PosePlayer(const core::RecordArray<StudioBone>& bones, const Checked
       m_animation(animation),
       m_positions(static_cast<size_t>(bones.Count())),
       m_rotations(static_cast<size_t>(bones.Count())),
-      m_changes(static_cast<size_t>(bones.Count())) {}
+      m_changes(static_cast<size_t>(bones.Count())) {
+  m_tracks.reserve(2 * m_positions.size());
+  m_turning.reserve(m_positions.size());
+  m_angles.reserve(m_positions.size());
+}
 
 bool PosePlayer::GoTo(int32_t frame) {
   const auto data = m_animation.Find(frame);
