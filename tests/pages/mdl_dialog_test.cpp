@@ -3,87 +3,28 @@
 #include <gmock/gmock.h>
 
 #include <QCheckBox>
-#include <QClipboard>
 #include <QComboBox>
-#include <QGuiApplication>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTabWidget>
 #include <QTreeWidget>
-#include <algorithm>
-#include <filesystem>
 
+#include "model_page.h"
 #include "pages/mdl_sel_dialog.h"
 #include "pages/qc_compile_dialog.h"
 #include "pages/ref_smd_info.h"
-#include "pages/tool_output.h"
-#include "support/scratch_folder.h"
-#include "window_support/memory_settings.h"
-#include "window_support/scripted_desktop.h"
-#include "window_support/window_actions.h"
 
 namespace tarnwick::pages {
 
 namespace {
 
 using platform::BoxIcon;
-using testing::AllOf;
-using testing::EndsWith;
-using testing::HasSubstr;
 using testing::StartsWith;
 using tests::Click;
 using tests::ControlOf;
 using tests::ShownBox;
 
 const ShownBox NothingSelected{BoxIcon::Exclamation, "No items were selected!", "Warning"};
-
-/// A page in a window of its own, and a folder with a stand-in for studiomdl.
-class ModelPages : public testing::Test {
- protected:
-  template <typename Page>
-  std::unique_ptr<Page> Open() {
-    auto page = std::make_unique<Page>(PageContext{m_settings, m_desktop, m_options}, nullptr);
-    page->Create();
-    page->AcceptFiles();
-    page->show();
-    return page;
-  }
-
-  /// Makes a tool of the SDK a shell script.
-  void Tool(const char* name, const std::string& script) {
-    const std::string path = m_folder.Path(name);
-    tests::WriteText(path, "#!/bin/sh\n" + script);
-    std::filesystem::permissions(path, std::filesystem::perms::owner_all);
-    m_settings.Values["Tarnwick/SDKDirectory"] = m_folder.Path();
-    m_settings.Values["Tarnwick/GameDirectory"] = "/no/game";
-  }
-
-  /// A form that is filled in as far as a compile needs it.
-  std::unique_ptr<CMDLDialog> OpenCrate() {
-    auto page = Open<CMDLDialog>();
-    ControlOf<QLineEdit>(*page, "modelFileEdit").setText("props/crate.mdl");
-    ControlOf<QLineEdit>(*page, "referenceEdit").setText(QString::fromStdString(m_folder.Path("crate.smd")));
-    ControlOf<QCheckBox>(*page, "referenceCollisionCheck").click();
-    page->SetMaterialDirectory("props");
-    return page;
-  }
-
-  /// Answers the sequence editor with a name and OK.
-  static void NameSequence(const char* name) {
-    tests::WhenModalOpens([name](QWidget& dialog) {
-      ControlOf<QLineEdit>(dialog, "nameEdit").setText(name);
-      if (ControlOf<QLineEdit>(dialog, "smdEdit").text().isEmpty()) {
-        ControlOf<QLineEdit>(dialog, "smdEdit").setText("a.smd");
-      }
-      static_cast<QDialog&>(dialog).accept();
-    });
-  }
-
-  tests::ScratchFolder m_folder;
-  tests::MemorySettings m_settings;
-  tests::ScriptedDesktop m_desktop;
-  project::ModelOptions m_options;
-};
 
 TEST_F(ModelPages, FollowTheSequenceRule) {
   const auto page = Open<CMDLDialog>();
@@ -143,88 +84,6 @@ TEST_F(ModelPages, SaveAndLoadAProject) {
   EXPECT_TRUE(page->Project().useReferenceAsCollision);
   EXPECT_FALSE(ControlOf<QLineEdit>(*page, "collisionEdit").isEnabled());
   EXPECT_TRUE(m_desktop.Boxes.empty());
-}
-
-TEST_F(ModelPages, CompileTwiceAndStop) {
-  Tool("studiomdl.exe", "echo compiled\nif [ -e \"$0.slow\" ]; then sleep 30; fi\n");
-  const auto page = OpenCrate();
-  auto& status = *page->findChild<CStudioMDLStatusDialog*>();
-  const std::string command =
-      m_folder.Path() + "/studiomdl.exe -game \"/no/game\" \"" + m_folder.Path("crate.qc") + "\"";
-  for (int run = 0; run < 2; ++run) {
-    Click(*page, "compileButton");
-    EXPECT_TRUE(status.isVisible() && !page->isEnabled());
-    ASSERT_TRUE(tests::WaitUntil([&] { return page->isEnabled(); }));
-    EXPECT_THAT(status.Text(), StartsWith(command + "\r\ncompiled\n"));
-    EXPECT_THAT(status.Text(), HasSubstr("\r\nWarning: ")) << "there is no such game directory";
-  }
-  tests::WriteText(m_folder.Path("studiomdl.exe.slow"), "");
-  Click(*page, "compileButton");
-  ASSERT_TRUE(tests::WaitUntil([&] { return status.Text().find("compiled") != std::string::npos; }))
-      << "the text comes while the tool runs";
-  EXPECT_FALSE(page->isEnabled());
-  Click(status, "okButton");
-  EXPECT_FALSE(status.isVisible());
-  Click(*page, "compileButton");  // it is disabled, but somebody wants something of the page
-  EXPECT_TRUE(status.isVisible());
-  Click(status, "stopButton");
-  ASSERT_TRUE(tests::WaitUntil([&] { return page->isEnabled(); }));
-  EXPECT_THAT(status.Text(), HasSubstr("[Stopped."));
-
-  m_settings.Values["Tarnwick/SDKDirectory"] = "/no/sdk";
-  const std::string before = status.Text();
-  Click(*page, "compileButton");
-  EXPECT_EQ(m_desktop.Boxes.back().Caption, "STUDIOMDL ERROR");
-  EXPECT_EQ(status.Text(), before) << "no run began";
-  status.reject();
-  EXPECT_FALSE(status.isVisible());
-}
-
-TEST_F(ModelPages, ShowARunInColoursCopyItsCommandAndKeepItWhole) {
-  Tool("studiomdl.exe",
-       "echo 'WARNING: thin'\necho 'ERROR: gone'\necho 'Working on \"error.smd\"'\nyes 0123456789 | head -n 7000\n");
-  const auto page = OpenCrate();
-  auto& status = *page->findChild<CStudioMDLStatusDialog*>();
-  EXPECT_FALSE(ControlOf<QPushButton>(status, "wholeLogButton").isEnabled());
-  Click(*page, "compileButton");
-  ASSERT_TRUE(tests::WaitUntil([&] { return page->isEnabled(); }));
-  auto& output = ControlOf<CToolOutput>(status, "outputEdit");
-  const QColor error = tests::ColorOfLine(output, "ERROR: gone");
-  const QColor warning = tests::ColorOfLine(output, "WARNING: thin");
-  EXPECT_TRUE(error.isValid() && warning.isValid() && error != warning);
-  EXPECT_FALSE(tests::ColorOfLine(output, "Working on").isValid());
-  EXPECT_FALSE(tests::ColorOfLine(output, "/").isValid()) << "the command line";
-  Click(status, "copyCommandButton");
-  const std::string command = QGuiApplication::clipboard()->text().toStdString();
-  EXPECT_EQ(command, m_folder.Path() + "/studiomdl.exe -game \"/no/game\" \"" + m_folder.Path("crate.qc") + "\"");
-
-  EXPECT_LT(status.Text().size(), 70'000u) << "77,000 bytes were printed";
-  m_desktop.Choices = {m_folder.Path("log.txt"), m_folder.Path("no such folder/log.txt")};
-  tests::WhenModalOpens([&](QWidget& dialog) {
-    const std::string shown = ControlOf<CToolOutput>(dialog, "outputEdit").toPlainText().toStdString();
-    EXPECT_THAT(shown, StartsWith(command + "\nWARNING: thin\n"));
-    EXPECT_EQ(std::count(shown.begin(), shown.end(), '0'), 7000 + std::count(command.begin(), command.end(), '0'));
-    Click(dialog, "saveButton");
-    EXPECT_TRUE(m_desktop.Boxes.empty());
-    Click(dialog, "saveButton");
-    Click(dialog, "okButton");
-  });
-  Click(status, "wholeLogButton");
-  EXPECT_THAT(tests::ReadText(m_folder.Path("log.txt")), AllOf(StartsWith(command), EndsWith("\n0123456789\n")));
-  ASSERT_EQ(m_desktop.Boxes.size(), 1u);
-  EXPECT_THAT(m_desktop.Boxes.front().Text, StartsWith("Unable to write " + m_folder.Path("no such folder/log.txt: ")));
-}
-
-TEST_F(ModelPages, ViewTheCompiledModel) {
-  Tool("hlmv.exe", "for word; do echo \"$word\"; done > \"$0.new\"\nmv \"$0.new\" \"$0.words\"\n");
-  const auto page = OpenCrate();
-  Click(*page, "viewButton");
-  ASSERT_TRUE(tests::WaitUntil([&] { return std::filesystem::exists(m_folder.Path("hlmv.exe.words")); }));
-  EXPECT_EQ(tests::ReadText(m_folder.Path("hlmv.exe.words")), "-game\n/no/game\n/no/game/models/props/crate.mdl\n");
-  EXPECT_TRUE(m_desktop.Boxes.empty());
-  m_settings.Values["Tarnwick/SDKDirectory"] = "/no/sdk";
-  Click(*page, "viewButton");
-  EXPECT_THAT(m_desktop.Boxes, testing::ElementsAre(ShownBox{BoxIcon::None, "Error starting /no/sdk/hlmv.exe", ""}));
 }
 
 TEST_F(ModelPages, BrowseForFiles) {
@@ -288,25 +147,6 @@ TEST_F(ModelPages, RememberTheInnerTabAndTheScript) {
   EXPECT_EQ(ControlOf<QTabWidget>(*page, "tabs").currentIndex(), 1);
   EXPECT_EQ(ControlOf<QLineEdit>(*page, "qcFileEdit").text(), "/m/a.qc");
   EXPECT_EQ(ControlOf<QLineEdit>(*page, "referenceEdit").text(), "") << "that page was not showing";
-}
-
-TEST_F(ModelPages, CompileAReadyMadeScript) {
-  const auto page = Open<CQCCompileDialog>();
-  tests::Drop(ControlOf<QLineEdit>(*page, "qcFileEdit"), {"/m/a.qc", "/m/b.qc"});
-  m_settings.Values["Tarnwick/SDKDirectory"] = "/no/sdk";
-  Click(*page, "compileButton");
-  ASSERT_EQ(m_desktop.Boxes.size(), 1u);
-  EXPECT_EQ(m_desktop.Boxes.front().Caption, "STUDIOMDL ERROR");
-  EXPECT_EQ(page->OutputText(), "");
-  EXPECT_EQ(m_settings.Values["Tarnwick/QC File"], "/m/a.qc");
-  Tool("studiomdl.exe", "echo read\n");
-  m_options.studioMdlOptions = 1;
-  Click(*page, "compileButton");
-  EXPECT_TRUE(page->isEnabled()) << "its output can be read meanwhile";
-  ASSERT_TRUE(tests::WaitUntil([&] { return page->OutputText().find("complete") != std::string::npos; }));
-  EXPECT_THAT(page->OutputText(),
-              StartsWith(m_folder.Path() + "/studiomdl.exe -game \"/no/game\" \"/m/a.qc\"\r\nread\n"));
-  EXPECT_THAT(page->OutputText(), EndsWith("\r\nStudioMDL Thread complete\r\n"));
 }
 
 }  // namespace
