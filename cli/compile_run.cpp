@@ -48,9 +48,8 @@ CompileOutcome RunCompile(const CompileInput& input, const std::string& sdkDirec
     return outcome;
   }
   if (outcome.Run.Stopped) return outcome;
-  if (outcome.Run.End && outcome.Run.End->Signal != 0) {
-    outcome.Errors.push_back("the tool crashed: it was ended by signal " + std::to_string(outcome.Run.End->Signal));
-  }
+  const std::string crash = outcome.Run.End ? tools::CrashCause(*outcome.Run.End) : "";
+  if (!crash.empty()) outcome.Errors.push_back("the tool crashed: it was ended by " + crash);
   JudgeModel(outcome, model, calls);
   return outcome;
 }

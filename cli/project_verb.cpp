@@ -53,8 +53,7 @@ int Fail(Invocation& invocation, const std::string& path, const std::string& rea
 }
 
 /// Opens a project to change it. One of which a part could not be loaded, which saving would lose, is not opened
-/// without
-/// --force.
+/// without --force.
 bool OpenToChange(OpenProject& open, const Options& options, Invocation& invocation) {
   if (!open.Open(options.Path)) return false;
   if (open.Whole || options.Force) return true;

@@ -23,8 +23,8 @@ struct AnimationFiles {
   };
 
   std::unordered_map<int64_t, Export> Exports;  // by number of the animation
-  /// The animation that was written last under each name, in small letters with slashes for backslashes: in the plain
-  /// form one file can stand for several animations, and the last one is to stay.
+  /// The animation that was written last under each name, as FileKey has it: in the plain form one file can stand for
+  /// several animations, and the last one is to stay.
   std::map<std::string, int64_t> LastWriters;
 
   std::shared_ptr<const AnimationSmdModel> Model;  // made at first need

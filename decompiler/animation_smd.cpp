@@ -38,10 +38,9 @@ class AnimationText {
   }
 
  private:
-  /// Brings the bones that changed into the form of the file.
-  //
-  // The turns and the composition give a position that depends on the position alone, and likewise for the rotation,
-  // so each part of a line stands as long as its own input does.
+  /// Brings the bones that changed into the form of the file. The turns and the composition give a position that
+  /// depends on the position alone, and likewise for the rotation, so each part of a line stands as long as its own
+  /// input does.
   void Turn() {
     m_rotations.clear();
     for (size_t bone = 0; bone < m_positions.size(); ++bone) {

@@ -92,9 +92,7 @@ std::optional<core::OutputFile> JobContext::Create(std::string_view name, std::s
     return std::nullopt;
   }
   std::string path = OutputPath(name);
-  std::string key = core::LowerAscii(name);
-  std::replace(key.begin(), key.end(), '\\', '/');
-  if (!m_begunNames.insert(std::move(key)).second) {
+  if (!m_begunNames.insert(FileKey(name)).second) {
     FinishFiles();
     m_rewrittenPaths.insert(path);
   }

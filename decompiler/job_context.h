@@ -119,13 +119,14 @@ class JobContext {
   DecompileResult& Result() { return m_result; }
 
  private:
+  /// Puts a file that is finished into the result; what stood under its path before is no more.
+  void Record(FileOutcome& outcome);
+
   const DecompileJob& m_job;
   core::Report& m_report;
   core::TextWriter* m_script = nullptr;
-  void Record(FileOutcome& outcome);
-
   FileBatch m_files;
-  std::set<std::string> m_begunNames;      // of the files in small letters, with slashes for backslashes
+  std::set<std::string> m_begunNames;      // of the files, as FileKey has them
   std::set<std::string> m_rewrittenPaths;  // of files that were begun more than once
   DecompileResult m_result;
   DecompileProgress m_progress;

@@ -47,6 +47,12 @@ std::string CleanFileName(std::string_view name) {
   return clean;
 }
 
+std::string FileKey(std::string_view name) {
+  std::string key = core::LowerAscii(name);
+  std::replace(key.begin(), key.end(), '\\', '/');
+  return key;
+}
+
 std::string OutputNames::Take(std::string_view stem, std::string_view extension) {
   // Names of files end at 255 bytes; room is kept for the number that may follow the stem.
   constexpr size_t LongestStem = 200;

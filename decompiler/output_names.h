@@ -15,6 +15,10 @@ bool StaysInside(std::string_view name);
 /// Windows (con, nul, com1, ...). "_" for an empty name. Bytes above 127 stay.
 std::string CleanFileName(std::string_view name);
 
+/// What two names in the output directory have in common if they may mean one file: small letters, since the files go
+/// to Windows too, and slashes for backslashes.
+std::string FileKey(std::string_view name);
+
 /// The file names that a job has given out. Two names that differ in case only are the same, since the files go to
 /// Windows too.
 class OutputNames {

@@ -79,16 +79,12 @@ void PosePlayer::AddTrack(const AnimRecord& anim, int64_t triple, bool isRotatio
   const StudioBone& bone = *m_bones[track.Bone];
   track.IsAligned = !track.IsDelta && (bone.Flags & BoneFlagFixedAlignment) != 0;
   const Vec3 scale = isRotation ? bone.RotationScale : bone.PositionScale;
-  const EulerAngles angles = bone.Angles;
+  const Vec3 base = isRotation ? Vec3{bone.Angles.x, bone.Angles.y, bone.Angles.z} : bone.Position;
   track.Scales = {scale.x, scale.y, scale.z};
-  if (isRotation) {
-    track.Defaults = {angles.x, angles.y, angles.z};
-  } else {
-    track.Defaults = {bone.Position.x, bone.Position.y, bone.Position.z};
-  }
+  track.Defaults = {base.x, base.y, base.z};
   for (size_t axis = 0; axis < 3; ++axis) {
-    if (const auto stream = RunsOfAxis(m_image, triple, static_cast<int>(axis)))
-      track.Cursors[axis] = RunCursor(stream->Offset);
+    const auto stream = RunsOfAxis(m_image, triple, static_cast<int>(axis));
+    if (stream) track.Cursors[axis] = RunCursor(stream->Offset);
   }
   Read(track, frame, true);
 }

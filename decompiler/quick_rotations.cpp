@@ -81,8 +81,7 @@ inline uint64_t Bits(double value) {
 }
 
 /// `value` as a float; `doubt` is raised if not every value within `error` (relative) is stored as the same float.
-template <typename Doubt>
-inline float Round(double value, double error, Doubt& doubt) {
+inline float Round(double value, double error, float& doubt) {
   const auto low = static_cast<float>(value * (1 - error)), high = static_cast<float>(value * (1 + error));
   doubt += low == high ? 0.0f : 1.0f;  // also for not-a-numbers
   return high;

@@ -75,8 +75,7 @@ class AnimationExport {
     if (!SpendForLines()) return false;
     if (m_job.ReadyToCompile() || earlier.File.empty()) return true;
     if (earlier.State == AnimationFiles::Outcome::Written) {
-      const std::string key = WriterKey(earlier.File);
-      if (m_files.LastWriters[key] != m_number) {
+      if (m_files.LastWriters[FileKey(earlier.File)] != m_number) {
         if (!WriteAnimation(earlier.File)) return false;
       } else {
         DecompileLog(m_job, "Creating " + earlier.File + "\r\n");
@@ -139,18 +138,12 @@ class AnimationExport {
     return true;
   }
 
-  static std::string WriterKey(std::string_view file) {
-    std::string key = core::LowerAscii(file);
-    std::replace(key.begin(), key.end(), '\\', '/');
-    return key;
-  }
-
   /// Begins a file and tells so in the log. Nothing if it cannot be opened.
   std::optional<core::OutputFile> Open(const std::string& name, int64_t number) {
     std::string reason;
     auto file = m_job.Create(name, &reason);
     if (file) {
-      m_files.LastWriters[WriterKey(name)] = number;
+      m_files.LastWriters[FileKey(name)] = number;
       DecompileLog(m_job, "Creating " + name + "\r\n");
     } else {
       m_job.LogError(m_job.OutputPath(name) + ": " + reason);

@@ -13,18 +13,6 @@ std::string Note(std::string_view text) {
   return "\r\n" + std::string(text);
 }
 
-/// What ended a program that did not end by itself; "" for one that did.
-std::string CrashCause(const ProcessEnd& end) {
-  // On Windows a process that an exception ends exits with the exception's code: the first four bits are 0xC for one of
-  // the system's, 0xE for one of the program's own. The exit codes of other systems are small, -1 begins with 0xF.
-  if (end.Signal != 0) return "signal " + std::to_string(end.Signal);
-  const auto code = static_cast<uint32_t>(end.ExitCode);
-  if (code >> 28 != 0xC && code >> 28 != 0xE) return "";
-  char text[11];
-  std::snprintf(text, sizeof text, "0x%08X", static_cast<unsigned>(code));
-  return std::string("exception ") + text;
-}
-
 std::string NotesOf(const ToolRunOutcome& outcome, size_t shown, const std::vector<std::string>& warnings) {
   std::string notes;
   if (outcome.OutputBytes > shown) {
@@ -44,6 +32,17 @@ std::string NotesOf(const ToolRunOutcome& outcome, size_t shown, const std::vect
 }
 
 }  // namespace
+
+std::string CrashCause(const ProcessEnd& end) {
+  // On Windows a process that an exception ends exits with the exception's code: the first four bits are 0xC for one of
+  // the system's, 0xE for one of the program's own. The exit codes of other systems are small, -1 begins with 0xF.
+  if (end.Signal != 0) return "signal " + std::to_string(end.Signal);
+  const auto code = static_cast<uint32_t>(end.ExitCode);
+  if (code >> 28 != 0xC && code >> 28 != 0xE) return "";
+  char text[11];
+  std::snprintf(text, sizeof text, "0x%08X", static_cast<unsigned>(code));
+  return std::string("exception ") + text;
+}
 
 FinishedRun RunTool(const ToolRunRule& rule, const ToolRunRequest& request, const ToolRunOptions& options,
                     const std::vector<std::string>& warnings) {

@@ -20,6 +20,9 @@ struct FinishedRun {
   std::string TextWithNotes() const { return Text + Notes; }
 };
 
+/// What ended a program that did not end by itself, such as "signal 11" or "exception 0xC0000005"; "" for one that did.
+std::string CrashCause(const ProcessEnd& end);
+
 /// Runs the tool that `commandLine` begins with and returns when its output has ended. Called on a worker thread by a
 /// window, whose own thread goes on; `options` says how to follow the run and how to stop it. `warnings` are what the
 /// checks before the run found; they come back at the end of the notes. A tool that cannot be started is told in
