@@ -41,7 +41,9 @@ top=$PWD native=build/windows-cross/native windows=build/windows-cross/windows
 rm -rf "$native" "$windows"
 mkdir -p "$native" "$windows"
 (cd "$native" && "$top/build/release/bin/tarnwick-cli" decompile --quiet --output out "$top/samples/walker.mdl")
-(cd "$windows" && "$wine" "$top/$bin/tarnwick-cli.exe" decompile --quiet --output out "$top/samples/walker.mdl")
+if ! (cd "$windows" && "$wine" "$top/$bin/tarnwick-cli.exe" decompile --quiet --output out "$top/samples/walker.mdl"); then
+  failed+=("the sample does not decompile")
+fi
 # The same files but for the platform's line ends.
 find "$windows" -type f -exec sed -i 's/\r$//' {} +
 if diff -r "$native" "$windows"; then

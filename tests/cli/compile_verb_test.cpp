@@ -26,14 +26,12 @@ using ::testing::HasSubstr;
 class CompileVerb : public tests::VerbTest {
  protected:
   CompileVerb() {
-    tests::WriteText(m_sdk + "/studiomdl.exe",
-                     "#!/bin/sh\n"
-                     "printf 'args %s\\r\\n' \"$*\"\n"
-                     "cat \"$3\"\n"
-                     "grep -q nothing \"$3\" || { mkdir -p \"$2/models\"; echo x > \"$2/models/box.mdl\"; }\n"
-                     "grep -q forever \"$3\" && exec sleep 60\n"
-                     "exit 7\n");
-    fs::permissions(m_sdk + "/studiomdl.exe", fs::perms::owner_all);
+    tests::WriteShellProgram(m_sdk + "/studiomdl.exe",
+                             "printf 'args %s\\r\\n' \"$*\"\n"
+                             "cat \"$3\"\n"
+                             "grep -q nothing \"$3\" || { mkdir -p \"$2/models\"; echo x > \"$2/models/box.mdl\"; }\n"
+                             "grep -q forever \"$3\" && exec sleep 60\n"
+                             "exit 7\n");
     tests::WriteText(m_game + "/gameinfo.txt", "");
   }
 

@@ -1,6 +1,5 @@
 #include <gmock/gmock.h>
 
-#include <iostream>
 #include <sstream>
 
 #include "command_line.h"
@@ -44,10 +43,8 @@ TEST(ProjectVerb, DoesNotSaveOverWhatItCouldNotLoad) {
   const std::string path = folder.Path("old.sc");
   const std::string text = "\"Model Compiler/Model File\" \"a.mdl\"\n\n\"Model Compiler/Skin0/Skin Name\" \"s\"\n";
   WriteText(path, text);
-  for (const std::vector<std::string>& change :
-       {std::vector<std::string>{"set", path, "Model File", "b.mdl"}, {"remove", path, "Skin0"}}) {
-    std::vector<std::string> words{"project"};
-    words.insert(words.end(), change.begin(), change.end());
+  for (const std::vector<std::string>& words : {std::vector<std::string>{"project", "set", path, "Model File", "b.mdl"},
+                                                {"project", "remove", path, "Skin0"}}) {
     EXPECT_EQ(RunCommand(words).ExitCode, ExitFailure);
     EXPECT_EQ(ReadText(path), text);
   }
@@ -66,49 +63,6 @@ TEST(ProjectVerb, NamesOnlyKeysThatCanBeSet) {
   }
   EXPECT_EQ(words.size(), 4u + 2 * 35);
   EXPECT_EQ(RunCommand(words).Err, "");
-}
-
-TEST(SmdVerb, ShowsFiguresAndReplaces) {
-  tests::ScratchFolder folder;
-  const std::string path = folder.Path("a.smd");
-  WriteText(path, "nodes\n0 root -1\nend\ntriangles\nwood\nshort\n");
-  auto result = RunCommand({"smd", "info", "--json", path});
-  EXPECT_EQ(result.ExitCode, ExitFailure);
-  EXPECT_THAT(result.Out, HasSubstr(R"("materials":[{"name":"wood","faces":1}],"badLine":6})"));
-  EXPECT_THAT(result.Err, HasSubstr("line 6"));
-  result = RunCommand({"smd", "replace", path, "wood", "oak", "--yes"});
-  EXPECT_EQ(result.Out, path + ": 1 replaced\n");
-  EXPECT_THAT(ReadText(path), HasSubstr("\noak\n"));
-}
-
-/// What `smd replace` does with what the user answers to its question.
-tests::CommandResult ReplaceWith(const std::string& path, const std::string& answer) {
-  std::istringstream input(answer);
-  std::streambuf* const console = std::cin.rdbuf(input.rdbuf());
-  std::cin.clear();
-  const auto result = RunCommand({"smd", "replace", path, "wood", "oak"});
-  std::cin.rdbuf(console);
-  std::cin.clear();
-  return result;
-}
-
-TEST(SmdVerb, AsksBeforeItReplaces) {
-  tests::ScratchFolder folder;
-  const std::string path = folder.Path("a.smd");
-  WriteText(path, "triangles\nwood\n");
-  for (const char* answer : {"n\n", "\n", "", "maybe\n", "yn\n"}) {
-    const auto result = ReplaceWith(path, answer);
-    EXPECT_EQ(result.ExitCode, ExitFailure) << answer;
-    EXPECT_EQ(result.Out, "");
-    EXPECT_THAT(result.Err, testing::AllOf(testing::StartsWith("Replace \"wood\" with \"oak\" in "), HasSubstr(path),
-                                           HasSubstr(" [y/N] "), HasSubstr("Nothing was changed\n")));
-    EXPECT_EQ(ReadText(path), "triangles\nwood\n") << answer;
-  }
-  for (const char* answer : {"y\n", "Y\n", "yes\n", "y"}) {
-    WriteText(path, "triangles\nwood\n");
-    EXPECT_EQ(ReplaceWith(path, answer).ExitCode, ExitSuccess) << answer;
-    EXPECT_EQ(ReadText(path), "triangles\noak\n") << answer;
-  }
 }
 
 }  // namespace

@@ -26,10 +26,6 @@ std::vector<MeshDescription>& Meshes(ModelBuilder& model) {
   return model.BodyParts[0].Models[0].Meshes;
 }
 
-std::string Block(const DecompiledModel& run) {
-  return run.Script("$model", "$cdmaterials");
-}
-
 TEST(FlexExport, CountsFramesByDescriptorsEyelidsFirst) {
   ModelBuilder model = Face();
   model.BodyParts[0].Models[0].Eyeballs = {{.UpperLidFlexDesc = 1, .LowerLidFlexDesc = 1}};
@@ -37,14 +33,14 @@ TEST(FlexExport, CountsFramesByDescriptorsEyelidsFirst) {
   Meshes(model)[0].Flexes = {{.FlexDesc = 2, .Partner = 3}};
   Meshes(model)[1].Flexes = {{.FlexDesc = 1}, {.FlexDesc = 4}, {.FlexDesc = 4}, {.FlexDesc = 2}};
   const DecompiledModel run(model);
-  EXPECT_THAT(Block(run), HasSubstr("     flexfile \"ravelback_expressions.vta\" {\n"
-                                    "          flexpair \"smile\" 1.0 frame 3\n"
-                                    "          flex \"d4\" frame 4\n"
-                                    "     }\n"));
-  EXPECT_THAT(Block(run), HasSubstr("upper_right \"ravelback_expressions.vta\" lowerer 2 -0.500000"));
+  EXPECT_THAT(run.MeshCommands(), HasSubstr("     flexfile \"ravelback_expressions.vta\" {\n"
+                                            "          flexpair \"smile\" 1.0 frame 3\n"
+                                            "          flex \"d4\" frame 4\n"
+                                            "     }\n"));
+  EXPECT_THAT(run.MeshCommands(), HasSubstr("upper_right \"ravelback_expressions.vta\" lowerer 2 -0.500000"));
 
   Meshes(model)[0].Flexes = {{.FlexDesc = 1}};
-  EXPECT_THAT(Block(DecompiledModel(model)), HasSubstr("          flex \"d1\" frame 3\n"));
+  EXPECT_THAT(DecompiledModel(model).MeshCommands(), HasSubstr("          flex \"d1\" frame 3\n"));
 }
 
 TEST(FlexExport, WritesTheVertexAnimation) {
@@ -85,7 +81,7 @@ TEST(FlexExport, TheFirstEyeIsTheRightOneAndAllOthersAreLeft) {
                                   .LowerLidFlexDesc = 4};
   model.BodyParts[0].Models[0].Eyeballs = {eye, eye, eye};
   EXPECT_THAT(
-      Block(DecompiledModel(model)),
+      DecompiledModel(model).MeshCommands(),
       HasSubstr(
           "     eyeball righteye root 1.000 2.000 3.000 eyeball_r 1.500  45.000 eye 0.250\n"
           "     eyeball lefteye root 1.000 2.000 3.000 eyeball_l 1.500  45.000 eye 0.250\n"
@@ -108,29 +104,31 @@ TEST(FlexExport, WritesMouthsControllersAndRules) {
                      {0, {}},
                      {4, {{FlexOpAdd, 0}, {99, 0}}}};
   const DecompiledModel run(model);
-  EXPECT_THAT(Block(run), HasSubstr("     mouth 0 \"d4\"  root 0.000 1.000 0.000\n"
-                                    "     flexcontroller mouth smile \"range\" 0.000 1.000\n"
-                                    "     flexcontroller eyelid d1 \"range\" -1.000 0.500\n"
-                                    "    %smileR = ( smile *  0.250)\n"
-                                    "    %smileL =  %smileR\n"
-                                    "    %d1 =  unKnownFlexController!\n"
-                                    "    localvar d0\n    %d0 = \n"
-                                    "    localvar d4\n    %d4 = BADSTACK\n"
-                                    "}\n"));
+  EXPECT_THAT(run.MeshCommands(), HasSubstr("     mouth 0 \"d4\"  root 0.000 1.000 0.000\n"
+                                            "     flexcontroller mouth smile \"range\" 0.000 1.000\n"
+                                            "     flexcontroller eyelid d1 \"range\" -1.000 0.500\n"
+                                            "    %smileR = ( smile *  0.250)\n"
+                                            "    %smileL =  %smileR\n"
+                                            "    %d1 =  unKnownFlexController!\n"
+                                            "    localvar d0\n    %d0 = \n"
+                                            "    localvar d4\n    %d4 = BADSTACK\n"
+                                            "}\n"));
   EXPECT_THAT(run.Result.Warnings, ElementsAre(HasSubstr("The rule of d4 holds 1 operation that")));
 }
 
 TEST(FlexExport, WithoutFramesOrVerticesNoControllersFollow) {
   ModelBuilder model = Face();
   model.FlexControllers = {FlexControllerDescription{}};
-  EXPECT_EQ(Block(DecompiledModel(model)).find("flexcontroller"), std::string::npos);
+  const std::string commands = DecompiledModel(model).MeshCommands();
+  EXPECT_THAT(commands, HasSubstr("$model "));
+  EXPECT_EQ(commands.find("flexcontroller"), std::string::npos);
 
   Meshes(model)[0].Flexes = {{.FlexDesc = 4}};
   ModelFiles files = model.Build();
   files.Vvd.Record<VvdHeader>("header", 0).Id = 0;
   const DecompiledModel run(files);
-  EXPECT_EQ(Block(run).find("flexcontroller"), std::string::npos);
-  EXPECT_THAT(Block(run), HasSubstr("     mouth 0 "));
+  EXPECT_EQ(run.MeshCommands().find("flexcontroller"), std::string::npos);
+  EXPECT_THAT(run.MeshCommands(), HasSubstr("     mouth 0 "));
   EXPECT_TRUE(run.File("ravelback_expressions.vta").ends_with("end\nvertexanimation\n"));
   EXPECT_FALSE(run.Result.Succeeded());
 }

@@ -47,7 +47,6 @@ TEST_F(MaterialPage, KeepsEveryControlForTheNextStart) {
   tests::Drop(*List().viewport(), images);
   m_page->SaveSettings();
 
-  using testing::Pair;
   const std::vector<std::pair<std::string, std::string>> expected = {{"Materials DIR", "props/new"},
                                                                      {"Shader", "My Shader"},
                                                                      {"Model Path", "0"},

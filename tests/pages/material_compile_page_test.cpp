@@ -147,9 +147,8 @@ TEST_F(MaterialCompilePage, TellsOfAMissingToolForEachMaterial) {
 
 TEST_F(MaterialCompilePage, StopsBeforeTheNextMaterial) {
   Kept("SDKDirectory") = m_folder.Path();
-  tests::WriteText(m_folder.Path("vtex.exe"),
-                   "#!/bin/sh\nfor i in $(seq 999); do echo $i; done\necho Error: none here\necho go\nsleep 60\n");
-  std::filesystem::permissions(m_folder.Path("vtex.exe"), std::filesystem::perms::owner_all);
+  tests::WriteShellProgram(m_folder.Path("vtex.exe"),
+                           "for i in $(seq 999); do echo $i; done\necho Error: none here\necho go\nsleep 60\n");
   Kept("Material0") = Image("a.png");
   Kept("Material1") = Image("b.png");
   Open();

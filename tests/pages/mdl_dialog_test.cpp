@@ -117,16 +117,15 @@ TEST_F(ModelPages, OpenTheirDialogs) {
                                                          {"materialHelpButton", "Material Path Help"}};
   auto& form = *selector->findChild<CMDLDialog*>();
   ControlOf<QLineEdit>(form, "referenceEdit").setText("/no/such.smd");
-  const auto expect = [](QWidget& page, const char* button, const char* title) {
-    tests::WhenModalOpens([title](QWidget& dialog) {
-      EXPECT_EQ(dialog.windowTitle(), title);
+  for (const auto& [button, title] : dialogs) {
+    tests::WhenModalOpens([expected = title](QWidget& dialog) {
+      EXPECT_EQ(dialog.windowTitle(), expected);
       const auto* info = qobject_cast<CRefSMDInfo*>(&dialog);
       EXPECT_TRUE(info == nullptr || info->InfoText() == "Unable to open /no/such.smd\r\n");
       static_cast<QDialog&>(dialog).reject();
     });
-    Click(page, button);
-  };
-  for (const auto& [button, title] : dialogs) expect(form, button, title);
+    Click(form, button);
+  }
   tests::WhenModalOpens([](QWidget& dialog) {
     EXPECT_EQ(dialog.windowTitle(), "StudioMdl Options");
     dialog.findChild<QCheckBox*>()->click();

@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 
 #include <QLineEdit>
-#include <QPushButton>
 #include <QTabWidget>
 #include <QTreeWidget>
 

@@ -5,7 +5,6 @@
 #include <QCheckBox>
 #include <QDialog>
 #include <QLineEdit>
-#include <filesystem>
 #include <memory>
 #include <string>
 
@@ -32,9 +31,7 @@ class ModelPages : public testing::Test {
 
   /// Makes a tool of the SDK a shell script.
   void Tool(const char* name, const std::string& script) {
-    const std::string path = m_folder.Path(name);
-    tests::WriteText(path, "#!/bin/sh\n" + script);
-    std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+    tests::WriteShellProgram(m_folder.Path(name), script);
     m_settings.Values["Tarnwick/SDKDirectory"] = m_folder.Path();
     m_settings.Values["Tarnwick/GameDirectory"] = "/no/game";
   }

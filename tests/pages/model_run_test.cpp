@@ -37,6 +37,7 @@ TEST_F(ModelPages, CompileTwiceAndStop) {
     EXPECT_TRUE(status.isVisible() && !page->isEnabled());
     ASSERT_TRUE(tests::WaitUntil([&] { return page->isEnabled(); }));
     EXPECT_THAT(status.Text(), StartsWith(command + "\r\ncompiled\n"));
+    EXPECT_EQ(status.Text().rfind(command), 0u) << "each run begins its text anew";
     EXPECT_THAT(status.Text(), HasSubstr("\r\nWarning: ")) << "there is no such game directory";
   }
   tests::WriteText(m_folder.Path("studiomdl.exe.slow"), "");

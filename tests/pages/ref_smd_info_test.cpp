@@ -5,8 +5,6 @@
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPlainTextEdit>
-#include <QPushButton>
 #include <QTest>
 
 #include "support/scratch_folder.h"
@@ -17,7 +15,6 @@ namespace tarnwick::pages {
 namespace {
 
 using testing::HasSubstr;
-using testing::StartsWith;
 using tests::Click;
 using tests::ControlOf;
 

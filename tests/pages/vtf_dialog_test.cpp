@@ -5,8 +5,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
-#include <QPushButton>
-#include <filesystem>
 
 #include "pages/picture_view.h"
 #include "project/model_options.h"
@@ -173,9 +171,8 @@ TEST_F(VtfPage, OffersToCreateTheOutputDirectory) {
 TEST_F(VtfPage, StopsAToolThatDoesNotEndAndHasItsWholeLog) {
   Open();
   m_settings.Values["Tarnwick/SDKDirectory"] = m_folder.Path();
-  tests::WriteText(m_folder.Path("vtf2tga.exe"),
-                   "#!/bin/sh\nfor i in 1 2 3 4 5 6; do printf '%0900d\\n' $i; done\necho waiting\nsleep 60\n");
-  std::filesystem::permissions(m_folder.Path("vtf2tga.exe"), std::filesystem::perms::owner_all);
+  tests::WriteShellProgram(m_folder.Path("vtf2tga.exe"),
+                           "for i in 1 2 3 4 5 6; do printf '%0900d\\n' $i; done\necho waiting\nsleep 60\n");
   Input().setText("a.vtf");
   Output().setText(QString::fromStdString(m_folder.Path("a.png")));
   Click(*m_page, "extractButton");

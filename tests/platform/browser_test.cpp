@@ -23,9 +23,8 @@ TEST(Browser, StartsTheFirstThatIsInstalled) {
   const tests::ScratchFolder folder;
   const std::string script = folder.Path("my browser");
   const std::string seen = folder.Path("seen");
-  tests::WriteText(script,
-                   "#!/bin/sh\nprintf '%s|' \"$@\" > '" + seen + ".part'\nmv '" + seen + ".part' '" + seen + "'\n");
-  QFile::setPermissions(QString::fromStdString(script), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+  tests::WriteShellProgram(script,
+                           "printf '%s|' \"$@\" > '" + seen + ".part'\nmv '" + seen + ".part' '" + seen + "'\n");
   const QByteArray before = qgetenv("BROWSER");
   qputenv("BROWSER", ("no-such-browser:\"" + script + "\" -w %s").c_str());
   EXPECT_TRUE(StartBrowser("http://x/?a=1 &b"));

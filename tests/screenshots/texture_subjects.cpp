@@ -1,5 +1,4 @@
 #include <QImage>
-#include <QLineEdit>
 #include <QPainter>
 #include <QPlainTextEdit>
 #include <QTemporaryDir>

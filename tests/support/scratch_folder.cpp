@@ -58,4 +58,9 @@ void WriteText(const std::string& path, std::string_view text) {
   EXPECT_TRUE(file.flush()) << path << " cannot be written";
 }
 
+void WriteShellProgram(const std::string& path, std::string_view commands) {
+  WriteText(path, "#!/bin/sh\n" + std::string(commands));
+  std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+}
+
 }  // namespace tarnwick::tests

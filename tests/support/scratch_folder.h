@@ -37,5 +37,7 @@ std::string ReadText(const std::string& path);
 std::string WithLineFeeds(std::string text);
 /// Writes `text` to `path`, over an older file; makes the folders that are missing.
 void WriteText(const std::string& path, std::string_view text);
+/// Writes a program: a shell script of these commands.
+void WriteShellProgram(const std::string& path, std::string_view commands);
 
 }  // namespace tarnwick::tests

@@ -30,8 +30,7 @@ class StandInWine : public ::testing::Test {
     head.replace(0x80, 2, "PE");
     head.replace(0x84, 2, "\x64\x86");
     tests::WriteText(m_tool, head);
-    tests::WriteText(m_wine, "#!/bin/sh\nprintf '%s\\n' \"$WINEDEBUG\"\nprintf '[%s]\\n' \"$@\"\n");
-    fs::permissions(m_wine, fs::perms::owner_all);
+    tests::WriteShellProgram(m_wine, "printf '%s\\n' \"$WINEDEBUG\"\nprintf '[%s]\\n' \"$@\"\n");
   }
 
   tests::ScratchFolder m_folder;
