@@ -1,5 +1,6 @@
 #include "pages/animation_dialog.h"
 
+#include "pages/file_chooser.h"
 #include "pages/refusal_box.h"
 #include "platform/bitmap_button.h"
 #include "platform/dropped_files.h"
@@ -50,11 +51,7 @@ void CAnimationDialog::OnOK() {
 }
 
 void CAnimationDialog::OnBrowse() {
-  const auto chosen = DesktopSeam().ChooseFileToOpen(this, {.Title = "Name of Animation SMD File",
-                                                            .Filter = "All Files (*.smd)|*.smd|",
-                                                            .StartName = platform::FromQt(m_ui->smdEdit->text()),
-                                                            .StartDirectory = {}});
-  if (chosen) m_ui->smdEdit->setText(platform::ToQt(*chosen));
+  BrowseForFile(*this, *m_ui->smdEdit, "Name of Animation SMD File", "All Files (*.smd)|*.smd|");
 }
 
 void CAnimationDialog::OnDropFiles(const platform::DroppedFiles& drop) {

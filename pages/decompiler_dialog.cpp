@@ -177,7 +177,6 @@ void CDecompilerDialog::OnExtract() {
     core::WorkQueue helpers(static_cast<int>(std::max(std::thread::hardware_concurrency(), 2u)) - 1);
     job.Helpers = &helpers;
     decompiler::DecompileModel(job, report);
-    helpers.Close();
   };
   m_jobs.Start(work, {.Bar = &m_status.Bar(),
                       .LogGrew = [this](const std::string& text) { m_status.Append(text); },

@@ -1,5 +1,6 @@
 #include "pages/entry_dialogs.h"
 
+#include "pages/file_chooser.h"
 #include "pages/refusal_box.h"
 #include "platform/bitmap_button.h"
 #include "platform/dropped_files.h"
@@ -116,11 +117,7 @@ void CLodDialog::OnOK() {
 }
 
 void CLodDialog::OnBrowse() {
-  const auto chosen = DesktopSeam().ChooseFileToOpen(this, {.Title = "Name of LOD SMD File",
-                                                            .Filter = "All Files (*.smd)|*.smd|",
-                                                            .StartName = FromQt(m_ui->smdEdit->text()),
-                                                            .StartDirectory = {}});
-  if (chosen) m_ui->smdEdit->setText(ToQt(*chosen));
+  BrowseForFile(*this, *m_ui->smdEdit, "Name of LOD SMD File", "All Files (*.smd)|*.smd|");
 }
 
 void CLodDialog::OnDropFiles(const platform::DroppedFiles& drop) {

@@ -1,6 +1,6 @@
 #include "pages/envmap_dialog.h"
 
-#include "pages/map_chooser.h"
+#include "pages/file_chooser.h"
 #include "platform/bitmap_button.h"
 #include "platform/dropped_files.h"
 #include "platform/text.h"

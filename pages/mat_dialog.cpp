@@ -4,7 +4,7 @@
 
 #include "core/paths.h"
 #include "core/settings_table.h"
-#include "pages/map_chooser.h"
+#include "pages/file_chooser.h"
 #include "pages/material_settings.h"
 #include "platform/bitmap_button.h"
 #include "platform/dropped_files.h"
@@ -69,22 +69,16 @@ void CMatDialog::OnInitDialog() {
   m_ui->normalEdit->setEnabled(kept.HasNormalMap);
   m_ui->browseNormalButton->setEnabled(kept.HasNormalMap);
   m_ui->shaderCombo->setEditText(ToQt(kept.Shader));
-  LoadMaterials(core::MainSection);
+  for (const std::string& path : kept.Images) {
+    if (core::FileExists(path)) m_ui->materialList->AddFile(path);
+  }
+  m_ui->materialList->FitColumns();
   m_ui->normalEdit->setText(ToQt(kept.NormalMap));
   m_ui->glowEdit->setText(ToQt(kept.GlowMap));
   m_envmap.Create();
   m_ui->envmapCheck->setChecked(kept.EnvMap);
   m_ui->envmapButton->setEnabled(kept.EnvMap);
   m_envmap.Show(kept);
-}
-
-void CMatDialog::LoadMaterials(std::string_view section) {
-  for (const core::TextSetting* kept :
-       {&setting::Material0, &setting::Material1, &setting::Material2, &setting::Material3}) {
-    const std::string path = Settings().GetString(section, kept->Name);
-    if (!path.empty() && core::FileExists(path)) m_ui->materialList->AddFile(path);
-  }
-  m_ui->materialList->FitColumns();
 }
 
 tools::MaterialCompile CMatDialog::Values() const {
@@ -105,13 +99,7 @@ tools::MaterialCompile CMatDialog::Values() const {
 }
 
 void CMatDialog::SaveSettings() {
-  SaveMaterialSettings(Options());
-}
-
-void CMatDialog::SaveMaterialSettings(const project::ModelOptions& options) {
-  tools::MaterialCompile values = Values();
-  values.ModelPath = options.modelPath;
-  WriteMaterialSettings(Settings(), values);
+  WriteMaterialSettings(Settings(), Values());
 }
 
 void CMatDialog::OnGlowMap() {
@@ -161,7 +149,7 @@ void CMatDialog::OnDropFiles(const platform::DroppedFiles& drop) {
 }
 
 void CMatDialog::CompileMaterials() {
-  SaveMaterialSettings(Options());
+  SaveSettings();
   m_status.Create();
   const MaterialJob job{Values(), setting::SdkDirectory.Read(Settings()), setting::GameDirectory.Read(Settings()),
                         setting::WineProgram.Read(Settings())};

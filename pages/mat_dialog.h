@@ -1,7 +1,7 @@
 #pragma once
 
 #include <memory>
-#include <string_view>
+#include <string>
 
 #include "pages/envmap_dialog.h"
 #include "pages/page.h"
@@ -25,9 +25,6 @@ class CMatDialog : public CPage {
   void OnDropFiles(const platform::DroppedFiles& drop) override;
   void SaveSettings() override;
 
-  /// Writes everything that is kept of the page.
-  void SaveMaterialSettings(const project::ModelOptions& options);
-
   /// Saves the page's values and compiles the list; the status window shows how it goes on.
   void CompileMaterials();
 
@@ -37,8 +34,6 @@ class CMatDialog : public CPage {
 
  protected:
   void OnInitDialog() override;
-  /// Fills the list with the images that `section` of the settings keeps, without those that are gone.
-  virtual void LoadMaterials(std::string_view section);
 
  private:
   tools::MaterialCompile Values() const;

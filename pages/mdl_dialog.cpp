@@ -3,6 +3,7 @@
 #include "core/settings_table.h"
 #include "pages/animation_dialog.h"
 #include "pages/collision_help_dialog.h"
+#include "pages/file_chooser.h"
 #include "pages/help_dialogs.h"
 #include "pages/model_options_dialog.h"
 #include "pages/ref_smd_info.h"
@@ -63,8 +64,8 @@ void CMDLDialog::ConnectButtons() {
   onClick(m_ui->saveButton, &CMDLDialog::OnSave);
   onClick(m_ui->viewButton, &CMDLDialog::OnView);
   onClick(m_ui->compileButton, &CMDLDialog::CompileModel);
-  onClick(m_ui->browseReferenceButton, [this] { OnBrowse(*m_ui->browseReferenceButton); });
-  onClick(m_ui->browseCollisionButton, [this] { OnBrowse(*m_ui->browseCollisionButton); });
+  onClick(m_ui->browseReferenceButton, [this] { OnBrowseReference(); });
+  onClick(m_ui->browseCollisionButton, [this] { OnBrowseCollision(); });
   onClick(m_ui->collisionHelpButton, [this] { CCollisionHelpDialog(DesktopSeam(), this).DoModal(); });
   onClick(m_ui->materialHelpButton, [this] { CMdlMatDialog(DesktopSeam(), this).DoModal(); });
   onClick(m_ui->referenceSequenceCheck, &CMDLDialog::FollowSequenceRule);
@@ -122,15 +123,13 @@ void CMDLDialog::FollowCollisionCheck() {
   m_ui->browseCollisionButton->setEnabled(hasFile);
 }
 
-void CMDLDialog::OnBrowse(QWidget& button) {
-  const bool isReference = &button == m_ui->browseReferenceButton;
-  QLineEdit& field = isReference ? *m_ui->referenceEdit : *m_ui->collisionEdit;
-  const auto chosen = DesktopSeam().ChooseFileToOpen(
-      this, {.Title = isReference ? "Name of Reference SMD File" : "Name of Collision SMD or QC File",
-             .Filter = isReference ? "All Files (*.smd)|*.smd|" : "HL2 Files (*.smd,*.qc, *.qci)|*.smd;*.qc;*.qci|",
-             .StartName = FromQt(field.text()),
-             .StartDirectory = {}});
-  if (chosen) field.setText(ToQt(*chosen));
+void CMDLDialog::OnBrowseReference() {
+  BrowseForFile(*this, *m_ui->referenceEdit, "Name of Reference SMD File", "All Files (*.smd)|*.smd|");
+}
+
+void CMDLDialog::OnBrowseCollision() {
+  BrowseForFile(*this, *m_ui->collisionEdit, "Name of Collision SMD or QC File",
+                "HL2 Files (*.smd,*.qc, *.qci)|*.smd;*.qc;*.qci|");
 }
 
 void CMDLDialog::OnDropFiles(const platform::DroppedFiles& drop) {
@@ -215,10 +214,7 @@ void CMDLDialog::CompileModel() {
   const auto job = PrepareStudiomdlRun(*this, Settings(), tools::ToolRun::StudiomdlForm, qcPath,
                                        static_cast<uint32_t>(m_project.options.studioMdlOptions));
   if (!job) return;
-  if (m_statusDialogPending) {
-    m_status.Create();
-    m_statusDialogPending = false;
-  }
+  m_status.Create();
   platform::CenterOver(*this, m_status);
   m_status.show();
   m_status.Clear();

@@ -39,7 +39,8 @@ class CMDLDialog : public CPage {
 
  private:
   void ConnectButtons();
-  void OnBrowse(QWidget& button);
+  void OnBrowseReference();
+  void OnBrowseCollision();
   bool AddSequence(const std::string& smdFile);
   void EditSequence(int row);
   void FollowSequenceRule();
@@ -56,7 +57,6 @@ class CMDLDialog : public CPage {
   project::ModelProject m_project;
   project::ProfileStore m_store;
   std::unique_ptr<RowList> m_sequences;
-  bool m_statusDialogPending = true;
   CStudioMDLStatusDialog m_status;
   ToolRunner m_runner;  // behind the window that it writes to
 };

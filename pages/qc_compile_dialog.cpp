@@ -1,6 +1,7 @@
 #include "pages/qc_compile_dialog.h"
 
 #include "core/settings_table.h"
+#include "pages/file_chooser.h"
 #include "pages/studiomdl_run.h"
 #include "platform/bitmap_button.h"
 #include "platform/dropped_files.h"
@@ -54,11 +55,7 @@ void CQCCompileDialog::OnEdit() {
 }
 
 void CQCCompileDialog::OnBrowse() {
-  const auto chosen = DesktopSeam().ChooseFileToOpen(this, {.Title = "Name of QC File",
-                                                            .Filter = "All Files (*.qc)|*.qc|",
-                                                            .StartName = FromQt(m_ui->qcFileEdit->text()),
-                                                            .StartDirectory = {}});
-  if (chosen) m_ui->qcFileEdit->setText(ToQt(*chosen));
+  BrowseForFile(*this, *m_ui->qcFileEdit, "Name of QC File", "All Files (*.qc)|*.qc|");
 }
 
 void CQCCompileDialog::OnDropFiles(const platform::DroppedFiles& drop) {

@@ -37,7 +37,7 @@ class ToolRunner : public QObject {
   Q_OBJECT
 
  public:
-  /// `page` is disabled during a run, owns the boxes, and becomes the parent.
+  /// `page` owns the boxes and becomes the parent; during a run it, or the controls' `Inputs`, is disabled.
   ToolRunner(platform::CDialog& page, const ToolRunControls& controls);
   /// Stops a run that is going on.
   ~ToolRunner() override = default;

@@ -148,23 +148,20 @@ void CVTFDialog::Start(std::vector<tools::VtfExport> exports) {
   m_ui->logEdit->clear();
   m_ui->progressLabel->setText("Progress:");
   m_ui->progressRow->show();
-  const bool started =
-      m_jobs.Start(work, {.Bar = m_ui->progressBar,
-                          .LogGrew = {},
-                          .Tick = [this, events, exported = job.Exports] { ShowEvents(*events, exported); },
-                          .Done =
-                              [this, events, exported = job.Exports] {
-                                ShowEvents(*events, exported);
-                                m_ui->controls->setEnabled(true);
-                                m_ui->progressRow->hide();
-                              }});
-  if (!started) return;
-  setEnabled(true);  // all but the controls: the user can stop the job
-  m_ui->controls->setEnabled(false);
+  m_jobs.Start(work, {.Bar = m_ui->progressBar,
+                      .Disabled = m_ui->controls,  // not the rest: the user can stop the job
+                      .LogGrew = {},
+                      .Tick = [this, events, exported = job.Exports] { ShowEvents(*events, exported); },
+                      .Done =
+                          [this, events, exported = job.Exports] {
+                            ShowEvents(*events, exported);
+                            m_ui->progressRow->hide();
+                          }});
 }
 
 void CVTFDialog::ShowEvents(VtfEvents& events, const std::vector<tools::VtfExport>& exports) {
   using Kind = JobEvent<VtfOutcome>::Kind;
+  bool logChanged = false;
   for (const JobEvent<VtfOutcome>& event : events.Take()) {
     if (event.Told == Kind::Started && event.Count > 1) {
       m_ui->inputEdit->setText(ToQt(event.Text));
@@ -172,13 +169,13 @@ void CVTFDialog::ShowEvents(VtfEvents& events, const std::vector<tools::VtfExpor
       m_ui->progressLabel->setText(QString("Texture %1 of %2:").arg(event.Index + 1).arg(event.Count));
     } else if (event.Told == Kind::Text) {
       m_runningLog += event.Text;
-      ShowLog();
+      logChanged = true;
     } else if (event.Told == Kind::Finished) {
       m_runningLog.clear();
       const std::string end = event.Count > 1 ? "\r\n" : "";
       m_finishedLog += event.Text + end;
       m_wholeLog += event.What.WholeLog + end;
-      ShowLog();
+      logChanged = true;
       if (event.What.Picture) {
         m_ui->picture->ShowPicture(ToQtImage(*event.What.Picture), ToQt(event.What.File));
       } else {
@@ -186,6 +183,7 @@ void CVTFDialog::ShowEvents(VtfEvents& events, const std::vector<tools::VtfExpor
       }
     }
   }
+  if (logChanged) ShowLog();
 }
 
 void CVTFDialog::ShowLog() {

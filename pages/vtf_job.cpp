@@ -63,8 +63,7 @@ void RunVtfJob(const VtfJob& job, platform::JobReport& report, const std::stop_t
   for (size_t i = 0; i < job.Exports.size() && !stopRequested; ++i) {
     const tools::VtfExport& each = job.Exports[i];
     events.Add({Event::Kind::Started, each.Input, i, job.Exports.size()});
-    const auto before =
-        WriteTime(tools::SuggestOutputName(each.Output.empty() ? tools::SuggestOutputName(each.Input) : each.Output));
+    const auto before = WriteTime(tools::TgaPathOf(each));
     const tools::VtfExportResult result = tools::ExtractVtf(each, convert, options, report);
     events.Add({Event::Kind::Finished, result.Log, i, job.Exports.size(), OutcomeOf(result, before, worker)});
     if (!result.ToolFound) return;
@@ -89,7 +88,7 @@ std::vector<tools::VtfExport> PlanExports(const std::vector<std::string>& inputs
 
 size_t CountOverwriting(const std::vector<tools::VtfExport>& exports) {
   return static_cast<size_t>(std::count_if(exports.begin(), exports.end(), [](const tools::VtfExport& each) {
-    return core::FileExists(each.Output) || core::FileExists(tools::SuggestOutputName(each.Output));
+    return core::FileExists(each.Output) || core::FileExists(tools::TgaPathOf(each));
   }));
 }
 

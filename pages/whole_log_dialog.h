@@ -13,7 +13,7 @@ class WholeLogDialog;
 namespace tarnwick::pages {
 
 /// Shows everything that a tool has printed, as it printed it, and writes it to a file. Of a very long log the window
-/// shows the beginning and the end; the file gets all.
+/// shows the beginning and the end; the file gets all that the log has kept.
 class CWholeLogDialog : public platform::CDialog {
   Q_OBJECT
 

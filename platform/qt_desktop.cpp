@@ -14,6 +14,7 @@
 #endif
 
 #include "core/paths.h"
+#include "core/report.h"
 #include "platform/text.h"
 
 namespace tarnwick::platform {
@@ -98,7 +99,7 @@ BoxAnswer QtDesktop::ShowBox(QWidget* owner, const MessageBoxRequest& request) {
   QMessageBox box(owner);
   box.setTextFormat(Qt::PlainText);
   box.setText(ToQt(request.Text).replace("\r\n", "\n"));
-  box.setWindowTitle(request.Caption.empty() ? "Tarnwick" : ToQt(request.Caption));
+  box.setWindowTitle(ToQt(request.Caption.empty() ? core::DefaultCaption : std::string_view(request.Caption)));
   box.setIcon(QtIcon(request.Icon));
   box.setStandardButtons(QtButtons(request.Buttons));
   box.setInformativeText(ToQt(request.Details));

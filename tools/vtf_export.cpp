@@ -23,6 +23,10 @@ std::string SuggestOutputName(std::string_view input) {
   return Stem(input) + std::string(TgaEnding);
 }
 
+std::string TgaPathOf(const VtfExport& job) {
+  return SuggestOutputName(job.Output.empty() ? job.Input : job.Output);
+}
+
 std::string Vtf2tgaCommandLine(std::string_view sdkDirectory, std::string_view input, std::string_view tgaPath) {
   return SdkToolPath(sdkDirectory, Vtf2tga) + " -nopause -i \"" + std::string(input) + "\" -o \"" +
          std::string(tgaPath) + "\"";
@@ -31,10 +35,9 @@ std::string Vtf2tgaCommandLine(std::string_view sdkDirectory, std::string_view i
 VtfExportResult ExtractVtf(const VtfExport& job, const TgaToImage& convert, const ToolRunOptions& options,
                            core::Report& report, const std::function<void(const std::string&)>& showLog) {
   const std::string output = job.Output.empty() ? SuggestOutputName(job.Input) : job.Output;
-  const std::string stem = Stem(output);
   VtfExportResult result;
-  result.TgaPath = stem + std::string(TgaEnding);
-  result.ImagePath = stem.size() > output.size() ? result.TgaPath : output;
+  result.TgaPath = TgaPathOf(job);
+  result.ImagePath = Stem(output).size() > output.size() ? result.TgaPath : output;
   result.ToolFound = RequireTool(SdkToolPath(job.SdkDirectory, Vtf2tga), Vtf2tga, report);
   if (!result.ToolFound) return result;
 

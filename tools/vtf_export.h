@@ -33,6 +33,9 @@ struct VtfExportResult {
 /// added.
 std::string SuggestOutputName(std::string_view input);
 
+/// The TGA file that vtf2tga writes for `job`: the output with the ending "tga", or the input so if there is no output.
+std::string TgaPathOf(const VtfExport& job);
+
 /// vtf2tga's command line.
 std::string Vtf2tgaCommandLine(std::string_view sdkDirectory, std::string_view input, std::string_view tgaPath);
 
