@@ -3,6 +3,7 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <iterator>
 #include <optional>
@@ -49,9 +50,11 @@ class RecordArray {
   /// Whether `index` names a record of the array.
   bool Holds(int64_t index) const { return index >= 0 && index < m_count; }
 
-  /// Record number `index`; the caller stays in range (see Holds).
+  /// Record number `index`; the caller stays in range (see Holds), or the program ends.
   Record<T> operator[](int64_t index) const {
-    return Record<T>(m_first + index, m_offset + index * static_cast<int64_t>(sizeof(T)));
+    if (!Holds(index)) [[unlikely]]
+      std::abort();
+    return Unchecked(index);
   }
 
   class Iterator {
@@ -63,7 +66,7 @@ class RecordArray {
     using reference = Record<T>;
 
     Iterator(const RecordArray* array, int64_t index) : m_array(array), m_index(index) {}
-    Record<T> operator*() const { return (*m_array)[m_index]; }
+    Record<T> operator*() const { return m_array->Unchecked(m_index); }
     Iterator& operator++() {
       ++m_index;
       return *this;
@@ -79,6 +82,10 @@ class RecordArray {
   Iterator end() const { return Iterator(this, m_count); }
 
  private:
+  Record<T> Unchecked(int64_t index) const {
+    return Record<T>(m_first + index, m_offset + index * static_cast<int64_t>(sizeof(T)));
+  }
+
   const T* m_first = nullptr;
   int64_t m_offset = 0;
   int64_t m_count = 0;

@@ -21,23 +21,27 @@ void WritePair(char* out, uint32_t pair) {
   std::memcpy(out, &DigitPairs[2 * pair], 2);
 }
 
+int CountDigits(uint32_t value) {
+  int digits = 1;
+  for (; value >= 10'000; value /= 10'000) digits += 4;
+  return digits + (value >= 10) + (value >= 100) + (value >= 1'000);
+}
+
+/// Writes the digits where they stay: no copy whose length the compiler would have to watch.
 char* WriteUnsigned32(char* out, uint32_t value) {
-  char digits[10];
-  char* first = digits + sizeof digits;
+  char* const end = out + CountDigits(value);
+  char* first = end;
   while (value >= 100) {
     first -= 2;
     WritePair(first, value % 100);
     value /= 100;
   }
   if (value >= 10) {
-    first -= 2;
-    WritePair(first, value);
+    WritePair(out, value);
   } else {
-    *--first = static_cast<char>('0' + value);
+    *out = static_cast<char>('0' + value);
   }
-  const size_t length = static_cast<size_t>(digits + sizeof digits - first);
-  std::memcpy(out, first, length);
-  return out + length;
+  return end;
 }
 
 /// Below this size ScaledWhole serves. Floats of this size and above have at most one binary digit behind the point and

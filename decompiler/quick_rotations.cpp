@@ -12,8 +12,10 @@
 // The loops over lanes have no branches, so that the compiler makes vector code of them; this file is compiled with
 // options that let it.
 
-#if defined(__x86_64__) && defined(__linux__) && defined(__GNUC__) && !defined(__clang__)
-// Chosen when the program is loaded, by what the processor has.
+#if defined(__x86_64__) && defined(__linux__) && defined(__GNUC__) && !defined(__clang__) && \
+    !defined(__SANITIZE_THREAD__)
+// Chosen when the program is loaded, by what the processor has: before the thread sanitizer has started, which the
+// choosing function would call.
 #define TARNWICK_VECTOR_CLONES __attribute__((target_clones("arch=x86-64-v4", "arch=x86-64-v3", "default")))
 #else
 #define TARNWICK_VECTOR_CLONES

@@ -44,7 +44,7 @@ class SpawnActions {
     posix_spawn_file_actions_init(&m_actions);
     posix_spawn_file_actions_addopen(&m_actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
     posix_spawn_file_actions_adddup2(&m_actions, output, STDOUT_FILENO);
-#if !TARNWICK_ADDRESS_SANITIZER  // a sanitizer's report is worth seeing
+#if !TARNWICK_SANITIZED  // a sanitizer's report is worth seeing
     posix_spawn_file_actions_addopen(&m_actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
 #endif
   }

@@ -7,7 +7,7 @@
 namespace tarnwick::images {
 
 /// Whether the address space of this build can be limited.
-inline constexpr bool LimitsMemory = TARNWICK_ADDRESS_SANITIZER == 0;
+inline constexpr bool LimitsMemory = TARNWICK_SANITIZED == 0;
 
 /// Closes every file but the standard ones, asks to die with the program that started this one, and sets the limits on
 /// memory, computing time and the size of files. False, with `reason`, if the system refuses.

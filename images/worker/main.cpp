@@ -11,10 +11,13 @@
 #include "images/worker/jail.h"
 #include "images/worker/job.h"
 
-#if TARNWICK_ADDRESS_SANITIZER
+#if TARNWICK_SANITIZED
 // What needs calls that the jail forbids, or more memory than an allocation can get, must not end the process.
 extern "C" const char* __asan_default_options() {
   return "detect_leaks=0:allocator_may_return_null=1:max_allocation_size_mb=1100";
+}
+extern "C" const char* __tsan_default_options() {
+  return "allocator_may_return_null=1:max_allocation_size_mb=1100";
 }
 #endif
 
