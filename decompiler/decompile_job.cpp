@@ -96,6 +96,7 @@ DecompileResult DecompileModel(const DecompileJob& jobRecord, core::Report& repo
   job.FinishFiles();
   if (job.Stopped()) return std::move(job.Result());
   job.FinishScript(*file);
+  job.TellLost();
   DecompileLog(job, "\r\nCompleted Dumping Model!\r\n");
   job.Result().Completed = true;
   return std::move(job.Result());

@@ -49,12 +49,19 @@ struct WrittenFile {
   uint64_t Size = 0;
 };
 
+/// A kind of thing that the model holds and its sources do not say, and how many of them.
+struct LostKind {
+  std::string Kind;  // in the plural, such as "unknown bone flags"
+  int64_t Count = 0;
+};
+
 /// What came of a job. The log and the boxes tell the same in words.
 struct DecompileResult {
   bool Completed = false;             // the job came to its end; stages may have failed
   std::vector<WrittenFile> Files;     // in the order in which they were begun
   std::vector<std::string> Warnings;  // the text behind "Warning: "
   std::vector<std::string> Errors;    // caption and text of each box, as "caption: text"
+  std::vector<LostKind> Lost;         // ready to compile: in the order in which they were met; empty: complete
 
   /// Everything that the model holds is written.
   bool Succeeded() const { return Completed && Errors.empty(); }

@@ -28,6 +28,22 @@ void JobContext::LogError(std::string text) {
   m_result.Errors.push_back(std::move(text));
 }
 
+void JobContext::Lose(std::string_view kind, int64_t count) {
+  if (!ReadyToCompile() || count <= 0) return;
+  for (LostKind& lost : m_result.Lost) {
+    if (lost.Kind != kind) continue;
+    lost.Count += count;
+    return;
+  }
+  m_result.Lost.push_back({std::string(kind), count});
+}
+
+void JobContext::TellLost() {
+  for (const LostKind& lost : m_result.Lost) {
+    Log("Lost: " + lost.Kind + ": " + std::to_string(lost.Count) + "\r\n");
+  }
+}
+
 void JobContext::Error(std::string_view text, std::string_view caption) {
   m_result.Errors.push_back(std::string(caption) + ": " + std::string(text));
   m_report.ErrorBox(text, caption);

@@ -62,6 +62,9 @@ class JobContext {
   void LogError(std::string text);
   /// An entry among the result's errors for something that the log has told in words of its own.
   void RecordError(std::string text) { m_result.Errors.push_back(std::move(text)); }
+  /// Counts `count` things of `kind` (in the plural) that the model holds and the sources will not say. Told once a
+  /// kind, at the end of the job. The plain form, which leaves out much by its nature, passes over it in silence.
+  void Lose(std::string_view kind, int64_t count = 1);
   /// A box with the stop icon, and an entry in the result.
   void Error(std::string_view text, std::string_view caption);
   /// Tells that something in the file at `path` cannot be: which record, at which byte, and what is wrong with it.
@@ -115,6 +118,9 @@ class JobContext {
 
   /// Gives the script, complete and flushed, its name; it stands first among the job's files.
   void FinishScript(core::OutputFile& script);
+
+  /// Tells in the log what was lost, a line a kind.
+  void TellLost();
 
   DecompileResult& Result() { return m_result; }
 
