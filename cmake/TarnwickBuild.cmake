@@ -70,7 +70,7 @@ endmacro()
 # A room with windows may keep its plain logic in a library of its own, tarnwick_<room>_text, which stands before the
 # room and sees neither Qt nor the room's own rows.
 function(tarnwick_expose_room room)
-  if(NOT TARGET tarnwick_${room})
+  if(NOT TARGET tarnwick_${room} AND NOT TARGET tarnwick_${room}_text)
     return()
   endif()
   set(door ${CMAKE_BINARY_DIR}/include/${room})

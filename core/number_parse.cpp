@@ -1,5 +1,7 @@
 #include "core/number_parse.h"
 
+#include <algorithm>
+#include <cctype>
 #include <charconv>
 #include <cmath>
 #include <limits>
@@ -29,19 +31,33 @@ void SetLength(size_t* length, size_t value) {
   if (length != nullptr) *length = value;
 }
 
-/// The value of a number whose text is sound but which no double holds: nothing or infinity, told by asking for the
-/// same digits as a long double, whose range is wider where it matters.
+/// Whether the number, which no double holds, is too large, not too small: by the place of its first digit that is not
+/// 0 and its exponent.
+bool IsTooLarge(std::string_view text, bool hexadecimal) {
+  int64_t place = 0;  // digits from the first one to the point, or less the zeros between the point and it
+  bool found = false;
+  bool behindPoint = false;
+  size_t at = 0;
+  for (; at < text.size() && text[at] != (hexadecimal ? 'p' : 'e') && text[at] != (hexadecimal ? 'P' : 'E'); ++at) {
+    if (text[at] == '.') {
+      behindPoint = true;
+      continue;
+    }
+    found = found || text[at] != '0';
+    if (found && !behindPoint) ++place;
+    if (!found && behindPoint) --place;
+  }
+  const int64_t exponent = at < text.size() ? ParseWhole(text.substr(at + 1)) : 0;
+  return (hexadecimal ? 4 * place : place) + exponent > 0;
+}
+
+/// The value of a number whose text is sound but which no double holds: nothing, infinity, or what a long double, whose
+/// range is wider, rounds to.
 double OutOfRange(const char* first, const char* last, std::chars_format format) {
   long double wide = 0;
-  const auto read = std::from_chars(first, last, wide, format);
-  if (read.ec == std::errc()) return static_cast<double>(wide);
-  // Beyond that range only the sign of the exponent is left to look at.
-  const std::string_view text(first, static_cast<size_t>(last - first));
-  return text.find(format == std::chars_format::hex ? "p-" : "e-") == std::string_view::npos &&
-                 text.find(format == std::chars_format::hex ? "P-" : "E-") == std::string_view::npos &&
-                 text.substr(0, 2) != "0."
-             ? std::numeric_limits<double>::infinity()
-             : 0.0;
+  if (std::from_chars(first, last, wide, format).ec == std::errc()) return static_cast<double>(wide);
+  const bool large = IsTooLarge({first, static_cast<size_t>(last - first)}, format == std::chars_format::hex);
+  return large ? std::numeric_limits<double>::infinity() : 0.0;
 }
 
 }  // namespace
@@ -55,9 +71,13 @@ double ParseReal(std::string_view text, size_t* length) {
   auto format = std::chars_format::general;
   double value = 0;
   std::from_chars_result read{first, std::errc::invalid_argument};
-  if (last - first > 2 && first[0] == '0' && (first[1] == 'x' || first[1] == 'X') && first[2] != '-') {
+  if (last - first > 2 && first[0] == '0' && (first[1] == 'x' || first[1] == 'X') &&
+      (first[2] == '.' || std::isxdigit(static_cast<unsigned char>(first[2])) != 0)) {
     format = std::chars_format::hex;
-    read = std::from_chars(first + 2, last, value, format);
+    // An exponent of two signs is none, which the library does not see.
+    const std::string_view digits(first + 2, static_cast<size_t>(last - first - 2));
+    const size_t twoSigns = std::min(digits.find("p+-"), digits.find("P+-"));
+    read = std::from_chars(first + 2, first + 2 + std::min(twoSigns, digits.size()), value, format);
     if (read.ec != std::errc::invalid_argument) first += 2;
   }
   if (read.ec == std::errc::invalid_argument) {  // also "0x" without a digit behind it, which is a 0

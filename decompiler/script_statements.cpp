@@ -66,14 +66,13 @@ std::optional<std::string_view> SkinTextureName(JobContext& job, const core::Rec
 void WriteSkinFamilies(JobContext& job) {
   const auto header = job.Model.Header();
   const int64_t families = header->SkinFamilyCount;
-  const int64_t references = header->SkinReferenceCount;
+  const int64_t references = std::max<int64_t>(header->SkinReferenceCount, 0);
   if (families <= 1) return;
-  const auto skins =
-      job.Table<StudioShort>("skin table", header->SkinOffset, std::max<int64_t>(references, 0) * families);
+  const auto skins = job.Table<StudioShort>("skin table", header->SkinOffset, references * families);
   if (!skins) return;
   // An equal number of both means one texture that each family replaces.
   const bool square = families == references;
-  const int64_t shown = square ? 1 : std::clamp<int64_t>((references + families - 1) / families, 0, references);
+  const int64_t shown = square ? 1 : (references + families - 1) / families;
   core::TextWriter& script = job.Script();
   script.Text("$texturegroup skinfamilies\n{\n");
   for (int64_t family = 0; family < families && job.ScriptWithinBounds(); ++family) {

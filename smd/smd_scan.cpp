@@ -46,8 +46,9 @@ bool IsVertex(std::string_view line) {
   if (PassTokens(next, end, VertexTokens) < VertexTokens) return false;
   while (next != end && *next == ' ') ++next;
   if (next == end) return true;
-  const int32_t links = core::ParseWhole({next, static_cast<size_t>(end - next)});
+  const char* const count = next;
   PassTokens(next, end, 1);
+  const int32_t links = core::ParseWhole({count, static_cast<size_t>(next - count)});
   const int needed = 2 * std::clamp(links, 0, LinksExamined);
   return PassTokens(next, end, needed) == needed;
 }

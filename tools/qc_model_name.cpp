@@ -1,5 +1,6 @@
 #include "tools/qc_model_name.h"
 
+#include <set>
 #include <string_view>
 #include <vector>
 
@@ -12,8 +13,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// Scripts that include each other end here.
-constexpr int DeepestInclude = 8;
+/// No script includes more files than this.
+constexpr size_t MostFiles = 256;
 
 bool IsBlank(char c) {
   return static_cast<unsigned char>(c) <= ' ';
@@ -50,16 +51,18 @@ std::vector<std::string_view> WordsOf(std::string_view script) {
   return words;
 }
 
-std::optional<std::string> FindModelNameIn(const std::string& qcPath, int depth) {
+/// Each file is read once: one that names no model, as one that is being read, gives nothing the next time either.
+std::optional<std::string> FindModelNameIn(const std::string& qcPath, std::set<std::string>& seen) {
+  if (seen.size() >= MostFiles || !seen.insert(qcPath).second) return std::nullopt;
   const auto file = core::FileImage::Read(qcPath);
   if (!file) return std::nullopt;
   const auto bytes = file->Bytes();
   const auto words = WordsOf({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
   for (size_t i = 0; i + 1 < words.size(); ++i) {
     if (core::EqualIgnoringCase(words[i], "$modelname")) return std::string(words[i + 1]);
-    if (!core::EqualIgnoringCase(words[i], "$include") || depth >= DeepestInclude) continue;
+    if (!core::EqualIgnoringCase(words[i], "$include")) continue;
     const std::string included = std::string(core::DirectoryWithSeparator(qcPath)) + std::string(words[i + 1]);
-    if (auto found = FindModelNameIn(included, depth + 1)) return found;
+    if (auto found = FindModelNameIn(included, seen)) return found;
   }
   return std::nullopt;
 }
@@ -75,7 +78,8 @@ std::optional<fs::file_time_type> TimeOf(const std::string& path) {
 }  // namespace
 
 std::optional<std::string> FindModelName(const std::string& qcPath) {
-  return FindModelNameIn(qcPath, 0);
+  std::set<std::string> seen;
+  return FindModelNameIn(qcPath, seen);
 }
 
 ModelFileWatch::ModelFileWatch(const std::string& gameDirectory, const std::string& qcPath) {

@@ -13,10 +13,11 @@ namespace {
 
 TEST(NumberParse, ReadsRealNumbersAsTheCLibraryDoes) {
   for (const std::string text :
-       {"",      "1.5",       "  -2.25 x", "+3",     "+-3",    "-",        ".5",       "5.",
-        "1e3",   "1e",        "1e+",       "abc",    "0x1F",   "0x",       "0x1.8p1",  "-0",
-        "inf",   "-Infinity", "1e400",     "-1e400", "1e-400", "4.9e-324", "1,5",      "12abc",
-        "\t\n7", "0x-1",      "e5",        "--1",    "0xg",    "1e99999",  "1e-99999", "0.1e-99999"}) {
+       {"",         "1.5",        "  -2.25 x",  "+3",         "+-3",       "-",        ".5",       "5.",
+        "1e3",      "1e",         "1e+",        "abc",        "0x1F",      "0x",       "0x1.8p1",  "-0",
+        "inf",      "-Infinity",  "1e400",      "-1e400",     "1e-400",    "4.9e-324", "1,5",      "12abc",
+        "\t\n7",    "0x-1",       "e5",         "--1",        "0xg",       "1e99999",  "1e-99999", "0.1e-99999",
+        "0.1e9999", "000.1e9999", "1000e-9999", "0x0.1p9999", "0x1p-9999", "0xnan",    "0xinf",    "0x3p+-1"}) {
     char* end = nullptr;
     const double expected = std::strtod(text.c_str(), &end);
     size_t length = 99;
