@@ -11,9 +11,9 @@
 #include <string>
 
 #include "core/work_queue.h"
-#include "decompiler/animation_check.h"
 #include "decompiler/animation_smd.h"
 #include "decompiler/sequence_export.h"
+#include "model/animation_check.h"
 #include "support/model_builder.h"
 #include "support/plain_animation.h"
 #include "support/recording_report.h"

@@ -8,9 +8,10 @@
 #include <string>
 
 #include "core/report.h"
-#include "decompiler/bone_math.h"
 #include "decompiler/decompile_job.h"
-#include "decompiler/vertex_file.h"
+#include "decompiler/job_context.h"
+#include "model/bone_math.h"
+#include "model/vertex_file.h"
 #include "support/model_builder.h"
 #include "support/recording_report.h"
 #include "support/scratch_folder.h"

@@ -11,8 +11,8 @@
 #include "decompiler/decompile_job.h"
 #include "decompiler/mesh_pieces.h"
 #include "decompiler/mesh_smd.h"
-#include "decompiler/vtx_layout.h"
-#include "decompiler/vtx_tree.h"
+#include "model/vtx_layout.h"
+#include "model/vtx_tree.h"
 #include "support/model_builder.h"
 #include "support/scratch_folder.h"
 

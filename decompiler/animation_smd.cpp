@@ -1,9 +1,9 @@
 #include "decompiler/animation_smd.h"
 
-#include "decompiler/bone_math.h"
-#include "decompiler/pose_player.h"
-#include "decompiler/quick_rotations.h"
 #include "decompiler/skeleton_frame.h"
+#include "model/bone_math.h"
+#include "model/pose_player.h"
+#include "model/quick_rotations.h"
 
 namespace tarnwick::decompiler {
 

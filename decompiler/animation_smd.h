@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "core/text_writer.h"
-#include "decompiler/animation_check.h"
-#include "decompiler/bone_math_types.h"
 #include "decompiler/job_context.h"
+#include "model/animation_check.h"
+#include "model/bone_math_types.h"
 
 namespace tarnwick::decompiler {
 

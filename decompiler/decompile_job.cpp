@@ -4,11 +4,11 @@
 #include <utility>
 
 #include "core/paths.h"
-#include "decompiler/companion_files.h"
 #include "decompiler/job_context.h"
 #include "decompiler/mesh_export.h"
 #include "decompiler/script_statements.h"
-#include "decompiler/vtx_records.h"
+#include "model/companion_files.h"
+#include "model/vtx_records.h"
 
 namespace tarnwick::decompiler {
 

@@ -1,8 +1,8 @@
 #include <cmath>
 
-#include "decompiler/bone_math.h"
 #include "decompiler/flex_export.h"
 #include "decompiler/script_text.h"
+#include "model/bone_math.h"
 
 namespace tarnwick::decompiler {
 

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "decompiler/face_records.h"
 #include "decompiler/job_context.h"
+#include "model/face_records.h"
 
 namespace tarnwick::decompiler {
 

@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "decompiler/face_records.h"
 #include "decompiler/job_context.h"
-#include "decompiler/vertex_file.h"
+#include "model/face_records.h"
+#include "model/vertex_file.h"
 
 namespace tarnwick::decompiler {
 

@@ -7,16 +7,21 @@
 
 namespace tarnwick::decompiler {
 
-namespace {
-
-constexpr int64_t MebiByte = int64_t{1} << 20;
-constexpr int64_t SpendBase = 256 * MebiByte;
-constexpr int64_t SpendForEachByteRead = 1024;
-
-}  // namespace
-
 JobContext::JobContext(const DecompileJob& job, core::Report& report)
-    : m_job(job), m_report(report), m_files(job.Helpers) {}
+    : ModelReader(static_cast<core::TroubleSink&>(*this)), m_job(job), m_report(report), m_files(job.Helpers) {
+  SetSpendLimit(job.OutputLimit);
+}
+
+void JobContext::Tell(const core::Trouble& trouble) {
+  switch (trouble.Level) {
+    case core::Severity::Note:
+      return Log(trouble.Text + "\r\n");
+    case core::Severity::Warning:
+      return trouble.Kind == core::TroubleKind::Mismatch ? Advise(trouble.Text) : Warn(trouble.Text);
+    case core::Severity::Error:
+      return trouble.Caption.empty() ? LogError(trouble.Text) : Error(trouble.Text, trouble.Caption);
+  }
+}
 
 void JobContext::Warn(std::string text) {
   Log("Warning: " + text + "\r\n");
@@ -47,44 +52,6 @@ void JobContext::TellLost() {
 void JobContext::Error(std::string_view text, std::string_view caption) {
   m_result.Errors.push_back(std::string(caption) + ": " + std::string(text));
   m_report.ErrorBox(text, caption);
-}
-
-void JobContext::Damaged(const std::string& path, std::string_view what, int64_t offset, std::string_view problem) {
-  Error(path + ": the " + std::string(what) + " at byte " + std::to_string(offset) + " " + std::string(problem),
-        "Damaged File");
-}
-
-void JobContext::DamagedTable(const std::string& path, std::string_view what, int64_t offset, int64_t count,
-                              int64_t size) {
-  const std::string records = " (" + std::to_string(count) + (count == 1 ? " record)" : " records)");
-  const std::string_view problem = offset < 0  ? " begins before the start of the file"
-                                   : count < 0 ? " has a negative count"
-                                               : " runs past the end of the file";
-  Error(path + ": the " + std::string(what) + " at byte " + std::to_string(offset) + records + std::string(problem) +
-            " (" + std::to_string(size) + " bytes)",
-        "Damaged File");
-}
-
-void JobContext::DamagedName(std::string_view what, int64_t offset) {
-  Damaged(Model.Mdl.Path(), what, offset,
-          "is no text inside the file of at most " + std::to_string(LongestName) + " bytes");
-}
-
-bool JobContext::Spend(int64_t bytes) {
-  const int64_t limit =
-      m_job.OutputLimit > 0
-          ? m_job.OutputLimit
-          : SpendBase + SpendForEachByteRead * (Model.View().Size() + (Model.Vtx ? Model.Vtx->View().Size() : 0) +
-                                                (Model.Vertices ? Model.Vertices->File.View().Size() : 0) +
-                                                (Model.AnimBlocks ? Model.AnimBlocks->File.View().Size() : 0));
-  m_spent = std::min(m_spent, limit) + std::clamp<int64_t>(bytes, 0, limit + 1);
-  if (m_spent <= limit) return true;
-  if (!std::exchange(m_limitTold, true)) {
-    Error(Model.Mdl.Path() + ": the model asks for more than " + std::to_string(limit / MebiByte) +
-              " MiB of output, which no sound model of its size does; the rest is left out",
-          "Damaged File");
-  }
-  return false;
 }
 
 bool JobContext::ScriptWithinBounds() {

@@ -14,14 +14,15 @@
 #include "decompiler/animation_files.h"
 #include "decompiler/decompile_job.h"
 #include "decompiler/file_batch.h"
-#include "decompiler/loaded_model.h"
+#include "decompiler/model_names.h"
 #include "decompiler/output_names.h"
+#include "model/model_reader.h"
 
 namespace tarnwick::decompiler {
 
 /// Everything that a running job knows, handed down through its stages. Stages call it from the job's own thread
 /// only; what they give to `WriteFile` runs on any thread and touches nothing but its own values and the model.
-class JobContext {
+class JobContext : private core::TroubleSink, public ModelReader {
  public:
   JobContext(const DecompileJob& job, core::Report& report);
 
@@ -29,9 +30,6 @@ class JobContext {
   bool Unweighted() const { return (m_job.Options & DecompileOptionUnweightedSmd) != 0; }
   bool KeepRotations() const { return (m_job.Options & DecompileOptionKeepRotations) != 0; }
   bool ReadyToCompile() const { return (m_job.Options & DecompileOptionReadyToCompile) != 0; }
-
-  /// The model's files; set by the driver before the first stage.
-  LoadedModel Model;
 
   /// The open QC script.
   core::TextWriter& Script() { return *m_script; }
@@ -67,37 +65,6 @@ class JobContext {
   void Lose(std::string_view kind, int64_t count = 1);
   /// A box with the stop icon, and an entry in the result.
   void Error(std::string_view text, std::string_view caption);
-  /// Tells that something in the file at `path` cannot be: which record, at which byte, and what is wrong with it.
-  ///     hair.mdl: the bone table at byte 664 (4000000 records) runs past the end of the file (2064 bytes)
-  void Damaged(const std::string& path, std::string_view what, int64_t offset, std::string_view problem);
-  /// The same for a table of `count` records that does not lie inside its file of `size` bytes.
-  void DamagedTable(const std::string& path, std::string_view what, int64_t offset, int64_t count, int64_t size);
-
-  /// The array of `count` records at `offset` from the start of the .mdl file. Nothing, told as damage of `what` (such
-  /// as "bone table"), if it does not lie inside the file.
-  template <core::PackedRecord T>
-  std::optional<core::RecordArray<T>> Table(std::string_view what, int64_t offset, int64_t count) {
-    auto table = Model.View().Array<T>(offset, count);
-    if (!table) DamagedTable(Model.Mdl.Path(), what, offset, count, Model.View().Size());
-    return table;
-  }
-  /// The name that `record` says stands `nameOffset` bytes behind its start. Nothing, told as damage of `what` (such as
-  /// "bone name"), if there is none.
-  template <core::PackedRecord T>
-  std::optional<std::string_view> NameOf(std::string_view what, const core::Record<T>& record, int32_t nameOffset) {
-    auto name = Model.NameOf(record, nameOffset);
-    if (!name) DamagedName(what, record.Offset() + nameOffset);
-    return name;
-  }
-  /// Tells that no name stands at `offset` of the .mdl file.
-  void DamagedName(std::string_view what, int64_t offset);
-
-  /// Takes `bytes` of output (or work worth as much) from what this job may spend: 256 MiB and 1,024 bytes for each
-  /// byte read. Each file costs 64 KiB on top of its bytes. No sound model comes near: a vertex line of at most 250
-  /// bytes stands for 2 bytes of index data and more, and an hour of animation for 60 bones is below 256 MiB at 15
-  /// frames a second. False, told once, when the bound is passed: the stage then ends.
-  bool Spend(int64_t bytes);
-
   /// Whether the caller wants the job to end; told in the log the first time.
   bool Stopped();
 
@@ -125,6 +92,8 @@ class JobContext {
   DecompileResult& Result() { return m_result; }
 
  private:
+  /// Sorts what reading the model tells into the log, the warnings and the boxes.
+  void Tell(const core::Trouble& trouble) override;
   /// Puts a file that is finished into the result; what stood under its path before is no more.
   void Record(FileOutcome& outcome);
 
@@ -136,16 +105,12 @@ class JobContext {
   std::set<std::string> m_rewrittenPaths;  // of files that were begun more than once
   DecompileResult m_result;
   DecompileProgress m_progress;
-  int64_t m_spent = 0;
   int64_t m_scriptCharged = 0;
-  bool m_limitTold = false;
   bool m_stopTold = false;
 };
 
 /// What each file costs a job (see Spend) on top of its bytes.
 inline constexpr int64_t FileCost = int64_t{64} << 10;
-/// What looking at one more record costs it, so that tables that overlap cannot hold it for ever.
-inline constexpr int64_t RecordCost = 64;
 
 /// Appends `text` to the job's log.
 inline void DecompileLog(JobContext& job, std::string_view text) {

@@ -11,7 +11,7 @@
 #include "decompiler/mesh_names.h"
 #include "decompiler/mesh_pieces.h"
 #include "decompiler/mesh_smd.h"
-#include "decompiler/vtx_tree.h"
+#include "model/vtx_tree.h"
 
 namespace tarnwick::decompiler {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "decompiler/vtx_tree.h"
+#include "model/vtx_tree.h"
 
 namespace tarnwick::decompiler {
 

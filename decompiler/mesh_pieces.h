@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "decompiler/job_context.h"
-#include "decompiler/vertex_file.h"
+#include "model/vertex_file.h"
 
 namespace tarnwick::decompiler {
 

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <string>
 
-#include "decompiler/bone_math.h"
-#include "decompiler/script_records.h"
 #include "decompiler/script_text.h"
 #include "decompiler/sequence_script.h"
+#include "model/bone_math.h"
+#include "model/script_records.h"
 
 namespace tarnwick::decompiler {
 

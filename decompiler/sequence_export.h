@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <string>
 
-#include "decompiler/animation_records.h"
 #include "decompiler/job_context.h"
+#include "model/animation_records.h"
 
 namespace tarnwick::decompiler {
 

@@ -2,10 +2,10 @@
 
 #include <string>
 
-#include "decompiler/script_records.h"
 #include "decompiler/script_text.h"
-#include "decompiler/sequence_blend.h"
 #include "decompiler/sequence_export.h"
+#include "model/script_records.h"
+#include "model/sequence_blend.h"
 
 namespace tarnwick::decompiler {
 

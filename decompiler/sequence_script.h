@@ -1,7 +1,7 @@
 #pragma once
 
-#include "decompiler/animation_records.h"
 #include "decompiler/job_context.h"
+#include "model/animation_records.h"
 
 namespace tarnwick::decompiler {
 

@@ -7,7 +7,8 @@
 #include <vector>
 
 #include "core/text_writer.h"
-#include "decompiler/bone_math_types.h"
+#include "decompiler/model_names.h"
+#include "model/bone_math_types.h"
 
 namespace tarnwick::decompiler {
 

@@ -3,8 +3,8 @@
 #include <memory>
 #include <utility>
 
-#include "decompiler/bone_math.h"
 #include "decompiler/reference_skeleton.h"
+#include "model/bone_math.h"
 
 namespace tarnwick::decompiler {
 

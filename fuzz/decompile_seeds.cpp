@@ -5,8 +5,8 @@
 #include <map>
 
 #include "decompile_input.h"
-#include "decompiler/animation_records.h"
 #include "decompiler/decompile_job.h"
+#include "model/animation_records.h"
 #include "support/model_builder.h"
 
 namespace {

@@ -5,8 +5,8 @@ namespace tarnwick::samples {
 namespace {
 
 /// Keeps the vertices of the farthest LOD first in the file, as an engine that leaves near LODs out reads them.
-std::vector<decompiler::VvdFixup> FarthestFirst(const std::vector<std::vector<int32_t>>& counts) {
-  std::vector<decompiler::VvdFixup> fixups;
+std::vector<model::VvdFixup> FarthestFirst(const std::vector<std::vector<int32_t>>& counts) {
+  std::vector<model::VvdFixup> fixups;
   for (size_t mesh = 0; mesh < counts.size(); ++mesh) {
     for (size_t lod = 0; lod < counts[mesh].size(); ++lod) {
       int32_t source = 0;  // behind all vertices of farther LODs, and those of this LOD in meshes before

@@ -6,7 +6,7 @@ namespace tarnwick::samples {
 
 namespace {
 
-using decompiler::Vec3;
+using model::Vec3;
 using tests::FlexDescription;
 using tests::MeshDescription;
 
@@ -57,8 +57,8 @@ void AddWalkerFace(tests::ModelBuilder& model) {
   model.FlexControllers = {{.Type = "eyelid", .Name = "blink"},
                            {.Type = "mouth", .Name = "smile"},
                            {.Type = "mouth", .Name = "jaw_drop", .Minimum = -0.2f}};
-  using decompiler::FlexOpController;
-  using decompiler::FlexOpMultiply;
+  using model::FlexOpController;
+  using model::FlexOpMultiply;
   for (const int32_t lid : {UpperLidRight, LowerLidRight, UpperLidLeft, LowerLidLeft}) {
     model.FlexRules.push_back({lid, {{FlexOpController, 0}}});
   }

@@ -4,7 +4,7 @@
 #include <functional>
 #include <numbers>
 
-#include "decompiler/animation_records.h"
+#include "model/animation_records.h"
 #include "walker.h"
 
 namespace tarnwick::samples {
@@ -57,7 +57,7 @@ AnimationDescription Walk() {
   constexpr double Half = std::numbers::pi;
   return {.Name = "walk_cycle",
           .Fps = 24,
-          .Flags = decompiler::AnimFlagLooping,
+          .Flags = model::AnimFlagLooping,
           .FrameCount = Frames,
           .Data = {.Bones = {Bob(Frames, [](double phase) { return -0.6 - 0.6 * std::cos(2 * phase); }),
                              Swing(Spine, Frames, [](double phase) { return 0.06 + 0.02 * std::cos(2 * phase); }),
@@ -72,7 +72,7 @@ AnimationDescription Idle() {
   constexpr int Frames = 31;
   return {.Name = "@idle",
           .Fps = 15,
-          .Flags = decompiler::AnimFlagLooping,
+          .Flags = model::AnimFlagLooping,
           .FrameCount = Frames,
           .Data = {.Bones = {Swing(Spine, Frames, [](double phase) { return 0.02 - 0.02 * std::cos(phase); }),
                              Swing(Head, Frames, [](double phase) { return 0.03 * std::sin(phase); })}}};
@@ -84,7 +84,7 @@ AnimationDescription Nod() {
   AnimationDescription nod{
       .Name = "@nod",
       .Fps = 24,
-      .Flags = decompiler::AnimFlagDelta,
+      .Flags = model::AnimFlagDelta,
       .FrameCount = Frames,
       .Data = {.Bones = {Swing(Head, Frames, [](double phase) { return 0.25 - 0.25 * std::cos(phase); })}}};
   nod.Data.Bones[0].IsDelta = true;
@@ -94,7 +94,7 @@ AnimationDescription Nod() {
 }  // namespace
 
 void AddWalkerMotion(tests::ModelBuilder& model) {
-  using namespace decompiler;
+  using namespace model;
   model.Animations = {Idle(), Walk(), Nod()};
   model.Sequences = {
       {.Label = "idle", .Activity = "ACT_IDLE", .ActivityWeight = 1, .Flags = SequenceFlagLooping, .Blends = {0}},

@@ -11,7 +11,7 @@ namespace tarnwick::samples {
 
 namespace {
 
-using decompiler::Vec3;
+using model::Vec3;
 using tests::BoneWeight;
 using tests::LodDescription;
 using tests::MeshDescription;

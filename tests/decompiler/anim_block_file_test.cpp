@@ -1,4 +1,4 @@
-#include "decompiler/anim_block_file.h"
+#include "model/anim_block_file.h"
 
 #include <gmock/gmock.h>
 

@@ -5,9 +5,9 @@
 #include <utility>
 
 #include "core/paths.h"
-#include "decompiler/animation_check.h"
 #include "decompiler/animation_smd.h"
 #include "decompiler/sequence_export.h"
+#include "model/animation_check.h"
 #include "support/model_builder.h"
 #include "support/recording_report.h"
 #include "support/scratch_folder.h"

@@ -6,8 +6,8 @@
 #include <random>
 
 #include "animation_job.h"
-#include "decompiler/pose_decoder.h"
-#include "decompiler/pose_player.h"
+#include "model/pose_decoder.h"
+#include "model/pose_player.h"
 #include "support/plain_animation.h"
 
 namespace tarnwick::decompiler {

@@ -4,9 +4,9 @@
 #include <limits>
 
 #include "decompiled_model.h"
-#include "decompiler/studio_records.h"
-#include "decompiler/vtx_records.h"
-#include "decompiler/vvd_records.h"
+#include "model/studio_records.h"
+#include "model/vtx_records.h"
+#include "model/vvd_records.h"
 
 // Models that no compiler writes: each ends its stage with a message, never the program.
 

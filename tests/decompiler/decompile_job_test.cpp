@@ -13,9 +13,9 @@
 #endif
 
 #include "decompiled_model.h"
-#include "decompiler/studio_records.h"
-#include "decompiler/vtx_records.h"
-#include "decompiler/vvd_records.h"
+#include "model/studio_records.h"
+#include "model/vtx_records.h"
+#include "model/vvd_records.h"
 
 namespace tarnwick::decompiler {
 namespace {

@@ -1,4 +1,4 @@
-#include "decompiler/pose_decoder.h"
+#include "model/pose_decoder.h"
 
 #include <gmock/gmock.h>
 

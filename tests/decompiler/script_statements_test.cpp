@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "decompiled_model.h"
-#include "decompiler/script_records.h"
+#include "model/script_records.h"
 
 namespace tarnwick::decompiler {
 namespace {

@@ -7,7 +7,7 @@ namespace tarnwick::tests {
 
 namespace {
 
-using namespace decompiler;
+using namespace model;
 
 /// Where the axes of a run triple are entered: the triple is written with the payload, the runs behind it.
 void WriteRuns(const std::array<AxisRuns, 3>& axes, int64_t triple, FileBuilder& file) {

@@ -6,10 +6,10 @@ namespace tarnwick::tests {
 
 namespace {
 
-using decompiler::EulerAngles;
-using decompiler::Matrix3x4;
-using decompiler::Quat;
-using decompiler::StudioHeader;
+using model::EulerAngles;
+using model::Matrix3x4;
+using model::Quat;
+using model::StudioHeader;
 
 Quat ToQuat(const EulerAngles& angles) {
   const double sr = std::sin(angles.x / 2.0), cr = std::cos(angles.x / 2.0);
@@ -53,8 +53,8 @@ Matrix3x4 Inverse(const Matrix3x4& m) {
 }  // namespace
 
 void WriteBones(const ModelBuilder& model, FileBuilder& mdl) {
-  const auto bones = ReserveInHeader<decompiler::StudioBone>(model.Bones, "bones", mdl, &StudioHeader::BoneCount,
-                                                             &StudioHeader::BoneOffset);
+  const auto bones = ReserveInHeader<model::StudioBone>(model.Bones, "bones", mdl, &StudioHeader::BoneCount,
+                                                        &StudioHeader::BoneOffset);
   const int64_t count = bones.Count;
   std::vector<Matrix3x4> placements;
   for (int64_t i = 0; i < count; ++i) {
@@ -64,7 +64,7 @@ void WriteBones(const ModelBuilder& model, FileBuilder& mdl) {
     placements.push_back(hasParent ? Product(placements[static_cast<size_t>(bone.Parent)], local) : local);
 
     const int32_t name = mdl.Text(bone.Name);
-    decompiler::StudioBone& record = bones[i];
+    model::StudioBone& record = bones[i];
     record.NameOffset = bones.To(name, i);
     record.Parent = bone.Parent;
     record.Position = bone.Position;

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "decompiler/bone_math_types.h"
-#include "decompiler/face_records.h"
+#include "model/bone_math_types.h"
+#include "model/face_records.h"
 
 namespace tarnwick::tests {
 
@@ -14,8 +14,8 @@ namespace tarnwick::tests {
 
 struct VertAnimDescription {
   int16_t Vertex = 0;  // within the mesh
-  decompiler::Vec3 PositionDelta = {0, 0, 0};
-  decompiler::Vec3 NormalDelta = {0, 0, 0};
+  model::Vec3 PositionDelta = {0, 0, 0};
+  model::Vec3 NormalDelta = {0, 0, 0};
 };
 
 struct FlexDescription {
@@ -26,7 +26,7 @@ struct FlexDescription {
 
 struct EyeballDescription {
   int32_t Bone = 0;
-  decompiler::Vec3 Origin = {0, 0, 0};
+  model::Vec3 Origin = {0, 0, 0};
   float ForwardOffset = 0;
   float Radius = 0.5f;
   int32_t Texture = 0;
@@ -39,7 +39,7 @@ struct EyeballDescription {
 
 struct MouthDescription {
   int32_t Bone = 0;
-  decompiler::Vec3 Forward = {1, 0, 0};
+  model::Vec3 Forward = {1, 0, 0};
   int32_t FlexDesc = 0;
 };
 
@@ -52,12 +52,12 @@ struct FlexControllerDescription {
 
 struct FlexRuleDescription {
   int32_t FlexDesc = 0;
-  std::vector<decompiler::StudioFlexOp> Ops = {};
+  std::vector<model::StudioFlexOp> Ops = {};
 };
 
 /// An operation that pushes a constant.
-inline decompiler::StudioFlexOp Constant(float value) {
-  return {decompiler::FlexOpConstant, std::bit_cast<int32_t>(value)};
+inline model::StudioFlexOp Constant(float value) {
+  return {model::FlexOpConstant, std::bit_cast<int32_t>(value)};
 }
 
 }  // namespace tarnwick::tests

@@ -7,7 +7,7 @@ namespace tarnwick::tests {
 
 namespace {
 
-using namespace decompiler;
+using namespace model;
 
 StudioVertAnim ToRecord(const VertAnimDescription& anim) {
   StudioVertAnim record{};

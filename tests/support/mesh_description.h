@@ -6,8 +6,8 @@
 #include <utility>
 #include <vector>
 
-#include "decompiler/bone_math_types.h"
-#include "decompiler/vvd_records.h"
+#include "model/bone_math_types.h"
+#include "model/vvd_records.h"
 #include "support/face_description.h"
 
 namespace tarnwick::tests {
@@ -17,11 +17,11 @@ namespace tarnwick::tests {
 struct BoneDescription {
   std::string Name = "root";
   int32_t Parent = -1;
-  decompiler::Vec3 Position = {0, 0, 0};
-  decompiler::EulerAngles Angles = {0, 0, 0};  // its quaternion follows from it
+  model::Vec3 Position = {0, 0, 0};
+  model::EulerAngles Angles = {0, 0, 0};  // its quaternion follows from it
   std::array<float, 3> PositionScale = {0.01f, 0.01f, 0.01f};
   std::array<float, 3> RotationScale = {0.001f, 0.001f, 0.001f};
-  decompiler::Quat Alignment = {0, 0, 0, 1};
+  model::Quat Alignment = {0, 0, 0, 1};
   uint32_t Flags = 0;
 };
 
@@ -31,8 +31,8 @@ struct BoneWeight {
 };
 
 struct VertexDescription {
-  decompiler::Vec3 Position = {0, 0, 0};
-  decompiler::Vec3 Normal = {0, 0, 1};
+  model::Vec3 Position = {0, 0, 0};
+  model::Vec3 Normal = {0, 0, 1};
   float U = 0;
   float V = 0;
   std::vector<BoneWeight> Weights = {BoneWeight{}};  // at most 3

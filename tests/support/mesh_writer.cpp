@@ -4,9 +4,9 @@ namespace tarnwick::tests {
 
 namespace {
 
-using decompiler::StudioMesh;
-using decompiler::StudioModel;
-using decompiler::VvdVertex;
+using model::StudioMesh;
+using model::StudioModel;
+using model::VvdVertex;
 
 int32_t VertexCount(const ModelDescription& model) {
   size_t count = 0;
@@ -48,8 +48,7 @@ VvdVertex ToRecord(const VertexDescription& vertex) {
 }
 
 /// The vertices as the file keeps them, so that its fix-ups bring `vertices` back.
-std::vector<VvdVertex> Scattered(const std::vector<VvdVertex>& vertices,
-                                 const std::vector<decompiler::VvdFixup>& fixups) {
+std::vector<VvdVertex> Scattered(const std::vector<VvdVertex>& vertices, const std::vector<model::VvdFixup>& fixups) {
   std::vector<VvdVertex> scattered;
   size_t next = 0;
   for (const auto& fixup : fixups) {
@@ -64,9 +63,8 @@ std::vector<VvdVertex> Scattered(const std::vector<VvdVertex>& vertices,
 }  // namespace
 
 void WriteBodyParts(const ModelBuilder& model, FileBuilder& mdl) {
-  const auto parts = ReserveInHeader<decompiler::StudioBodyPart>(model.BodyParts, "body parts", mdl,
-                                                                 &decompiler::StudioHeader::BodyPartCount,
-                                                                 &decompiler::StudioHeader::BodyPartOffset);
+  const auto parts = ReserveInHeader<model::StudioBodyPart>(
+      model.BodyParts, "body parts", mdl, &model::StudioHeader::BodyPartCount, &model::StudioHeader::BodyPartOffset);
   int32_t firstVertex = 0;
   for (int64_t b = 0; b < parts.Count; ++b) {
     const auto bodyPart = static_cast<size_t>(b);
@@ -101,12 +99,12 @@ void WriteVvd(const ModelBuilder& model, FileBuilder& vvd) {
   const auto vertexCount = static_cast<int32_t>(vertices.size());
   if (!model.Fixups.empty()) vertices = Scattered(vertices, model.Fixups);
 
-  const auto header = vvd.Reserve<decompiler::VvdHeader>(1, "header");
-  header[0].Id = decompiler::VvdId;
+  const auto header = vvd.Reserve<model::VvdHeader>(1, "header");
+  header[0].Id = model::VvdId;
   header[0].Version = 4;
   header[0].LodCount = 1;
   header[0].LodVertexCount[0] = vertexCount;
-  const auto fixups = vvd.Reserve<decompiler::VvdFixup>(static_cast<int64_t>(model.Fixups.size()), "fixups");
+  const auto fixups = vvd.Reserve<model::VvdFixup>(static_cast<int64_t>(model.Fixups.size()), "fixups");
   for (int64_t i = 0; i < fixups.Count; ++i) fixups[i] = model.Fixups[static_cast<size_t>(i)];
   header[0].FixupCount = static_cast<int32_t>(fixups.Count);
   header[0].FixupOffset = fixups.At(0);

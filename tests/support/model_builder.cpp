@@ -19,7 +19,7 @@ std::string ModelFiles::Write(const std::string& folder, const std::string& stem
 ModelFiles ModelBuilder::Build() const {
   ModelFiles files;
   FileBuilder& mdl = files.Mdl;
-  const auto header = mdl.Reserve<decompiler::StudioHeader>(1, "header");
+  const auto header = mdl.Reserve<model::StudioHeader>(1, "header");
   std::copy_n("IDST", 4, header[0].Id);
   header[0].Version = Version;
   Name.copy(header[0].Name, sizeof(header[0].Name) - 1);

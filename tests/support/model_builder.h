@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "decompiler/vtx_layout.h"
+#include "model/vtx_layout.h"
 #include "support/animation_description.h"
 #include "support/face_description.h"
 #include "support/file_builder.h"
@@ -43,7 +43,7 @@ struct ModelBuilder {
   int32_t Version = 48;
   int32_t VtxVersion = 7;
   /// Sizes of strip groups and strips; zeros: as the version has them (33 and 27 for 49, else 25 and 27).
-  decompiler::VtxLayout Layout = {0, 0};
+  model::VtxLayout Layout = {0, 0};
 
   std::vector<BoneDescription> Bones = {BoneDescription{}};
   std::vector<std::string> Textures = {"skin"};
@@ -52,7 +52,7 @@ struct ModelBuilder {
   std::vector<BodyPartDescription> BodyParts = {BodyPartDescription{}};
   /// Where the .vvd file keeps which vertices; those with a Lod of 0 and above, in order, cover all vertices. Empty: no
   /// fix-ups.
-  std::vector<decompiler::VvdFixup> Fixups = {};
+  std::vector<model::VvdFixup> Fixups = {};
 
   std::vector<AnimationDescription> Animations = {};
   std::vector<SequenceDescription> Sequences = {};
@@ -67,8 +67,8 @@ struct ModelBuilder {
   std::vector<IkChainDescription> IkChains = {};
   std::string SurfaceProp = "metal";
   std::string KeyValues = {};
-  decompiler::Vec3 EyePosition = {0, 0, 0};
-  decompiler::Vec3 IllumPosition = {0, 0, 0};
+  model::Vec3 EyePosition = {0, 0, 0};
+  model::Vec3 IllumPosition = {0, 0, 0};
 
   std::vector<std::string> FlexDescs = {};
   std::vector<FlexControllerDescription> FlexControllers = {};

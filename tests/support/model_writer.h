@@ -3,10 +3,10 @@
 #include <cstdint>
 #include <vector>
 
-#include "decompiler/animation_records.h"
-#include "decompiler/face_records.h"
-#include "decompiler/script_records.h"
-#include "decompiler/studio_records.h"
+#include "model/animation_records.h"
+#include "model/face_records.h"
+#include "model/script_records.h"
+#include "model/studio_records.h"
 #include "support/model_builder.h"
 
 namespace tarnwick::tests {
@@ -15,15 +15,14 @@ namespace tarnwick::tests {
 // header, which stands at the file's start.
 
 /// The header of a file that begins with one.
-inline decompiler::StudioHeader& HeaderOf(FileBuilder& file) {
-  return file.Record<decompiler::StudioHeader>("header");
+inline model::StudioHeader& HeaderOf(FileBuilder& file) {
+  return file.Record<model::StudioHeader>("header");
 }
 
 /// Adds a table with a record for each of `described` and enters it in the header, in the two fields that are named.
 template <core::PackedRecord T, typename D>
 FileBuilder::Table<T> ReserveInHeader(const std::vector<D>& described, const std::string& name, FileBuilder& file,
-                                      int32_t decompiler::StudioHeader::*count,
-                                      int32_t decompiler::StudioHeader::*offset) {
+                                      int32_t model::StudioHeader::*count, int32_t model::StudioHeader::*offset) {
   const auto table = file.Reserve<T>(static_cast<int64_t>(described.size()), name);
   HeaderOf(file).*count = static_cast<int32_t>(table.Count);
   HeaderOf(file).*offset = table.At(0);
@@ -33,7 +32,7 @@ FileBuilder::Table<T> ReserveInHeader(const std::vector<D>& described, const std
 /// The same for records that hold no more than a name.
 template <core::PackedRecord T>
 void WriteNamesInHeader(const std::vector<std::string>& names, const std::string& table, FileBuilder& file,
-                        int32_t decompiler::StudioHeader::*count, int32_t decompiler::StudioHeader::*offset) {
+                        int32_t model::StudioHeader::*count, int32_t model::StudioHeader::*offset) {
   const auto records = ReserveInHeader<T>(names, table, file, count, offset);
   for (int64_t i = 0; i < records.Count; ++i) {
     const int32_t name = file.Text(names[static_cast<size_t>(i)]);

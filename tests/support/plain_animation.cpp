@@ -2,8 +2,8 @@
 
 #include <vector>
 
-#include "decompiler/bone_math.h"
-#include "decompiler/pose_decoder.h"
+#include "model/bone_math.h"
+#include "model/pose_decoder.h"
 
 namespace tarnwick::tests {
 

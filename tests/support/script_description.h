@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "decompiler/bone_math_types.h"
+#include "model/bone_math_types.h"
 
 namespace tarnwick::tests {
 
@@ -20,8 +20,8 @@ struct PoseParameterDescription {
 struct HitboxDescription {
   int32_t Bone = 0;
   int32_t Group = 0;
-  decompiler::Vec3 Minimum = {-1, -1, -1};
-  decompiler::Vec3 Maximum = {1, 1, 1};
+  model::Vec3 Minimum = {-1, -1, -1};
+  model::Vec3 Maximum = {1, 1, 1};
 };
 
 struct HitboxSetDescription {
@@ -32,12 +32,12 @@ struct HitboxSetDescription {
 struct AttachmentDescription {
   std::string Name = "muzzle";
   int32_t Bone = 0;
-  decompiler::Matrix3x4 Placement = {{1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0}};
+  model::Matrix3x4 Placement = {{1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0}};
 };
 
 struct IkLinkDescription {
   int32_t Bone = 0;
-  decompiler::Vec3 KneeDirection = {0, 0, 0};
+  model::Vec3 KneeDirection = {0, 0, 0};
 };
 
 struct IkChainDescription {

@@ -4,7 +4,7 @@ namespace tarnwick::tests {
 
 namespace {
 
-using namespace decompiler;
+using namespace model;
 
 void WriteHitboxes(const ModelBuilder& model, FileBuilder& mdl) {
   const auto sets = ReserveInHeader<StudioHitboxSet>(model.HitboxSets, "hitbox sets", mdl,

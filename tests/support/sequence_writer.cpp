@@ -4,7 +4,7 @@ namespace tarnwick::tests {
 
 namespace {
 
-using namespace decompiler;
+using namespace model;
 
 using Sequences = FileBuilder::Table<StudioSeqDesc>;
 

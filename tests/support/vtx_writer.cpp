@@ -1,15 +1,15 @@
 #include <algorithm>
 
-#include "decompiler/vtx_records.h"
+#include "model/vtx_records.h"
 #include "support/model_writer.h"
 
 namespace tarnwick::tests {
 
 namespace {
 
-using decompiler::VtxLayout;
-using decompiler::VtxStrip;
-using decompiler::VtxStripGroup;
+using model::VtxLayout;
+using model::VtxStrip;
+using model::VtxStripGroup;
 
 VtxLayout LayoutOf(const ModelBuilder& model) {
   if (model.Layout.StripGroupSize != 0) return model.Layout;
@@ -41,7 +41,7 @@ void WriteStripGroup(const StripGroupDescription& group, const std::string& owne
     VtxStrip record{};
     record.IndexCount = static_cast<int32_t>(strip.Vertices.size());
     record.FirstIndex = static_cast<int32_t>(indices.size());
-    record.Flags = strip.IsTriangleStrip ? decompiler::StripFlagTriangleStrip : uint8_t{1};
+    record.Flags = strip.IsTriangleStrip ? model::StripFlagTriangleStrip : uint8_t{1};
     for (const uint16_t vertex : strip.Vertices) {
       const auto known = std::find(used.begin(), used.end(), vertex);
       indices.push_back(static_cast<uint16_t>(known - used.begin()));
@@ -60,11 +60,11 @@ void WriteStripGroup(const StripGroupDescription& group, const std::string& owne
     ReserveHead(vtx, layout.StripSize, name);
     vtx.Record<VtxStrip>(name) = strips[i];
   }
-  const auto vertices = vtx.Reserve<decompiler::VtxVertex>(static_cast<int64_t>(used.size()), "vertices " + owner);
+  const auto vertices = vtx.Reserve<model::VtxVertex>(static_cast<int64_t>(used.size()), "vertices " + owner);
   for (size_t i = 0; i < used.size(); ++i) vertices[static_cast<int64_t>(i)].MeshVertex = used[i];
   head.VertexCount = static_cast<int32_t>(used.size());
   head.VertexOffset = vertices.At(0) - groupPlace;
-  const auto table = vtx.Reserve<decompiler::VtxIndex>(static_cast<int64_t>(indices.size()), "indices " + owner);
+  const auto table = vtx.Reserve<model::VtxIndex>(static_cast<int64_t>(indices.size()), "indices " + owner);
   for (size_t i = 0; i < indices.size(); ++i) table[static_cast<int64_t>(i)].Vertex = indices[i];
   head.IndexCount = static_cast<int32_t>(indices.size());
   head.IndexOffset = table.At(0) - groupPlace;
@@ -73,7 +73,7 @@ void WriteStripGroup(const StripGroupDescription& group, const std::string& owne
 
 void WriteMeshes(const ModelDescription& model, size_t lod, const std::string& owner, const VtxLayout& layout,
                  FileBuilder& vtx) {
-  const auto meshes = vtx.Reserve<decompiler::VtxMesh>(static_cast<int64_t>(model.Meshes.size()), "meshes " + owner);
+  const auto meshes = vtx.Reserve<model::VtxMesh>(static_cast<int64_t>(model.Meshes.size()), "meshes " + owner);
   for (int64_t k = 0; k < meshes.Count; ++k) {
     const MeshDescription& mesh = model.Meshes[static_cast<size_t>(k)];
     const LodDescription groups = lod < mesh.Lods.size() ? mesh.Lods[lod] : LodDescription{};
@@ -91,7 +91,7 @@ void WriteMeshes(const ModelDescription& model, size_t lod, const std::string& o
 
 void WriteLods(const ModelDescription& model, size_t lodCount, const std::string& owner, const VtxLayout& layout,
                FileBuilder& vtx) {
-  const auto lods = vtx.Reserve<decompiler::VtxModelLod>(static_cast<int64_t>(lodCount), "lods " + owner);
+  const auto lods = vtx.Reserve<model::VtxModelLod>(static_cast<int64_t>(lodCount), "lods " + owner);
   for (int64_t l = 0; l < lods.Count; ++l) {
     const auto lod = static_cast<size_t>(l);
     lods[l].MeshCount = static_cast<int32_t>(model.Meshes.size());
@@ -105,8 +105,8 @@ void WriteLods(const ModelDescription& model, size_t lodCount, const std::string
 
 void WriteVtx(const ModelBuilder& model, FileBuilder& vtx) {
   const size_t lodCount = LodCount(model);
-  const auto header = vtx.Reserve<decompiler::VtxHeader>(1, "header");
-  const auto parts = vtx.Reserve<decompiler::VtxBodyPart>(static_cast<int64_t>(model.BodyParts.size()), "body parts");
+  const auto header = vtx.Reserve<model::VtxHeader>(1, "header");
+  const auto parts = vtx.Reserve<model::VtxBodyPart>(static_cast<int64_t>(model.BodyParts.size()), "body parts");
   header[0].Version = model.VtxVersion;
   header[0].LodCount = static_cast<int32_t>(lodCount);
   header[0].BodyPartCount = static_cast<int32_t>(parts.Count);
@@ -115,7 +115,7 @@ void WriteVtx(const ModelBuilder& model, FileBuilder& vtx) {
     const auto bodyPart = static_cast<size_t>(b);
     const std::vector<ModelDescription>& described = model.BodyParts[bodyPart].Models;
     const auto models =
-        vtx.Reserve<decompiler::VtxModel>(static_cast<int64_t>(described.size()), PlaceName("models", {bodyPart}));
+        vtx.Reserve<model::VtxModel>(static_cast<int64_t>(described.size()), PlaceName("models", {bodyPart}));
     parts[b].ModelCount = static_cast<int32_t>(models.Count);
     parts[b].ModelOffset = parts.To(models.Offset, b);
     for (int64_t m = 0; m < models.Count; ++m) {

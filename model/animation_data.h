@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "model/anim_block_file.h"
+#include "model/animation_records.h"
+#include "model/model_reader.h"
+#include "model/run_values.h"
+
+namespace tarnwick::model {
+
+/// One StudioAnim, in the file that holds it.
+struct AnimRecord {
+  core::ImageView Image;
+  core::Record<StudioAnim> Anim;
+
+  const StudioAnim* operator->() const { return &*Anim; }
+  /// Where its payload begins.
+  int64_t Payload() const { return Anim.Offset() + int64_t{sizeof(StudioAnim)}; }
+  /// Where its raw position and the offsets of its position runs lie, if its flags say that it has them.
+  int64_t RawPosition() const;
+  int64_t PositionRuns() const;
+};
+
+/// The run stream of axis 0 to 2 whose offsets stand at `triple`; nothing if the axis has no runs or if the offsets do
+/// not lie inside the image.
+std::optional<RunStream> RunsOfAxis(const core::ImageView& image, int64_t triple, int axis);
+
+/// The record at `data`; nothing if it does not lie inside its file.
+std::optional<AnimRecord> AnimRecordAt(const AnimData& data);
+/// The record behind `record` in its chain; nothing at the chain's end and outside the file.
+std::optional<AnimRecord> NextAnimRecord(const AnimRecord& record);
+
+/// The number of the section that holds `frame`, which becomes the frame within that section. 0, and `frame` stays, for
+/// an animation without sections. The last frame of an animation longer than a section has a section of its own, and
+/// one number before it stays free.
+int64_t SectionOfFrame(const StudioAnimDesc& animation, int32_t& frame);
+
+/// Where the data of `frame` begin: the first StudioAnim. `frame` becomes the frame within that data. Nothing if the
+/// animation says that it has none, or if they lie in a block file that is not there. On the reader's own thread.
+std::optional<AnimData> FindAnimData(ModelReader& reader, const core::Record<StudioAnimDesc>& animation,
+                                     int32_t& frame);
+
+}  // namespace tarnwick::model

@@ -1,0 +1,95 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "model/bone_math_types.h"
+
+namespace tarnwick::model {
+
+// The records of an .mdl file that hold a face: flexes, their controllers and rules, eyes and mouths.
+#pragma pack(push, 1)
+
+struct StudioFlexDesc {
+  int32_t NameOffset;  // 0x00
+};
+static_assert(sizeof(StudioFlexDesc) == 4);
+
+struct StudioFlexController {
+  int32_t TypeOffset;  // 0x00 string
+  int32_t NameOffset;  // 0x04 string
+  int32_t Unread08;
+  float Minimum;  // 0x0C
+  float Maximum;  // 0x10
+};
+static_assert(sizeof(StudioFlexController) == 20);
+
+struct StudioFlexRule {
+  int32_t FlexDesc;  // 0x00 descriptor that the rule drives
+  int32_t OpCount;   // 0x04
+  int32_t OpOffset;  // 0x08 StudioFlexOp
+};
+static_assert(sizeof(StudioFlexRule) == 12);
+
+struct StudioFlexOp {
+  int32_t Op;       // 0x00
+  int32_t Operand;  // 0x04 an index, or the bits of a float
+};
+inline constexpr int32_t FlexOpConstant = 1;
+inline constexpr int32_t FlexOpController = 2;
+inline constexpr int32_t FlexOpFlexDesc = 3;
+inline constexpr int32_t FlexOpAdd = 4;
+inline constexpr int32_t FlexOpSubtract = 5;
+inline constexpr int32_t FlexOpMultiply = 6;
+inline constexpr int32_t FlexOpDivide = 7;
+static_assert(sizeof(StudioFlexOp) == 8);
+
+/// The vertex animation of one flex on one mesh.
+struct StudioFlex {
+  int32_t FlexDesc;  // 0x00
+  char Unread04[0x14 - 0x04];
+  int32_t VertAnimCount;   // 0x14
+  int32_t VertAnimOffset;  // 0x18 StudioVertAnim
+  int32_t Partner;         // 0x1C descriptor of the other side's flex, 0 for none
+  char Unread20[0x3C - 0x20];
+};
+static_assert(offsetof(StudioFlex, VertAnimCount) == 0x14 && sizeof(StudioFlex) == 60);
+
+struct StudioVertAnim {
+  int16_t Vertex;             // 0x00 within the mesh
+  uint8_t Speed;              // 0x02
+  uint8_t Side;               // 0x03
+  PackedVec48 PositionDelta;  // 0x04
+  PackedVec48 NormalDelta;    // 0x0A
+};
+static_assert(sizeof(StudioVertAnim) == 16);
+
+struct StudioEyeball {
+  int32_t NameOffset;   // 0x00
+  int32_t Bone;         // 0x04
+  Vec3 Origin;          // 0x08 in the bone's space; the script wants it in the model's
+  float ForwardOffset;  // 0x14 its arctangent is the eye's angle
+  float Radius;         // 0x18
+  char Unread1C[0x38 - 0x1C];
+  int32_t Texture;  // 0x38
+  float IrisScale;  // 0x3C
+  char Unread40[0x5C - 0x40];
+  float UpperTarget[3];      // 0x5C upper lid lowered, neutral, raised
+  float LowerTarget[3];      // 0x68 lower lid lowered, neutral, raised
+  int32_t UpperLidFlexDesc;  // 0x74
+  int32_t LowerLidFlexDesc;  // 0x78
+  char Unread7C[0xAC - 0x7C];
+};
+static_assert(offsetof(StudioEyeball, Texture) == 0x38 && offsetof(StudioEyeball, UpperTarget) == 0x5C);
+static_assert(offsetof(StudioEyeball, UpperLidFlexDesc) == 0x74 && sizeof(StudioEyeball) == 172);
+
+struct StudioMouth {
+  int32_t Bone;      // 0x00
+  Vec3 Forward;      // 0x04
+  int32_t FlexDesc;  // 0x10
+};
+static_assert(sizeof(StudioMouth) == 20);
+
+#pragma pack(pop)
+
+}  // namespace tarnwick::model

@@ -1,0 +1,170 @@
+#include "model/pose_player.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+
+#include "model/bone_math.h"
+#include "model/pose_decoder.h"
+#include "model/quick_rotations.h"
+
+namespace tarnwick::model {
+
+PosePlayer::PosePlayer(const core::RecordArray<StudioBone>& bones, const CheckedAnimation& animation)
+    : m_bones(bones),
+      m_animation(animation),
+      m_positions(static_cast<size_t>(bones.Count())),
+      m_rotations(static_cast<size_t>(bones.Count())),
+      m_changes(static_cast<size_t>(bones.Count())) {
+  m_tracks.reserve(2 * m_positions.size());
+  m_turning.reserve(m_positions.size());
+  m_angles.reserve(m_positions.size());
+}
+
+bool PosePlayer::GoTo(int32_t frame) {
+  const auto data = m_animation.Find(frame);
+  const bool first = m_frame < 0;
+  if (m_changed) std::fill(m_changes.begin(), m_changes.end(), uint8_t{0});
+  m_changed = false;
+  if (first || data != m_data || frame < m_frame) {
+    if (first) std::fill(m_changes.begin(), m_changes.end(), uint8_t{RotationBit | PositionBit});
+    Open(data, frame);
+  } else if (frame >= m_heldUntil) {
+    Advance(frame);
+  }
+  TurnAngles();
+  m_frame = frame;
+  m_changed |= first;
+  return m_changed;
+}
+
+void PosePlayer::Open(const std::optional<AnimData>& data, int32_t frame) {
+  m_data = data;
+  m_image = data ? data->View() : core::ImageView();
+  m_tracks.clear();
+  m_heldUntil = std::numeric_limits<int32_t>::max();
+  const bool delta = m_animation.IsDelta();
+  auto anim = data ? AnimRecordAt(*data) : std::nullopt;
+  for (int64_t b = 0; b < m_bones.Count(); ++b) {
+    if (anim && (*anim)->Bone == b) {
+      OpenBone(*anim, frame);
+      anim = NextAnimRecord(*anim);
+    } else {
+      SetRotation(static_cast<size_t>(b), DefaultRotation(*m_bones[b], delta));
+      SetPosition(static_cast<size_t>(b), DefaultPosition(*m_bones[b], delta));
+    }
+  }
+}
+
+void PosePlayer::OpenBone(const AnimRecord& anim, int32_t frame) {
+  const uint8_t flags = anim->Flags;
+  const size_t bone = anim->Bone;
+  if ((flags & (AnimRawRotation48 | AnimRawRotation64)) == 0 && (flags & AnimRunRotation) != 0) {
+    AddTrack(anim, anim.Payload(), true, frame);
+  } else {
+    SetRotation(bone, DecodeBoneRotation(frame, *m_bones[anim->Bone], anim));
+  }
+  if ((flags & AnimRawPosition) == 0 && (flags & AnimRunPosition) != 0) {
+    AddTrack(anim, anim.PositionRuns(), false, frame);
+  } else {
+    SetPosition(bone, DecodeBonePosition(frame, *m_bones[anim->Bone], anim));
+  }
+}
+
+void PosePlayer::AddTrack(const AnimRecord& anim, int64_t triple, bool isRotation, int32_t frame) {
+  RunTrack& track = m_tracks.emplace_back();
+  track.Bone = anim->Bone;
+  track.IsRotation = isRotation;
+  track.IsDelta = (anim->Flags & AnimIsDelta) != 0;
+  const StudioBone& bone = *m_bones[track.Bone];
+  track.IsAligned = !track.IsDelta && (bone.Flags & BoneFlagFixedAlignment) != 0;
+  const Vec3 scale = isRotation ? bone.RotationScale : bone.PositionScale;
+  const Vec3 base = isRotation ? Vec3{bone.Angles.x, bone.Angles.y, bone.Angles.z} : bone.Position;
+  track.Scales = {scale.x, scale.y, scale.z};
+  track.Defaults = {base.x, base.y, base.z};
+  for (size_t axis = 0; axis < 3; ++axis) {
+    const auto stream = RunsOfAxis(m_image, triple, static_cast<int>(axis));
+    if (stream) track.Cursors[axis] = RunCursor(stream->Offset);
+  }
+  Read(track, frame, true);
+}
+
+void PosePlayer::Advance(int32_t frame) {
+  m_heldUntil = std::numeric_limits<int32_t>::max();
+  for (RunTrack& track : m_tracks) {
+    if (frame >= track.HeldUntil) {
+      Read(track, frame, false);
+    } else {
+      m_heldUntil = std::min(m_heldUntil, track.HeldUntil);
+    }
+  }
+}
+
+void PosePlayer::FillBlock(RunTrack& track, int32_t frame) {
+  track.BlockFirst = frame;
+  const int32_t last = frame + BlockFrames - 1;
+  track.HeldUntil = std::numeric_limits<int32_t>::max();
+  bool holds = true;
+  for (size_t axis = 0; axis < 3; ++axis) {
+    auto& block = track.Block[axis];
+    track.Cursors[axis].Fill(m_image, frame, block);
+    track.HeldUntil = std::min(track.HeldUntil, track.Cursors[axis].HeldUntil(last));
+    holds &= std::equal(block.begin() + 1, block.end(), block.begin());
+  }
+  if (!holds) track.HeldUntil = frame + 1;
+}
+
+void PosePlayer::Read(RunTrack& track, int32_t frame, bool first) {
+  if (first || frame - track.BlockFirst >= BlockFrames) {
+    FillBlock(track, frame);
+  } else {
+    track.HeldUntil = frame + 1;
+  }
+  m_heldUntil = std::min(m_heldUntil, track.HeldUntil);
+  const auto place = static_cast<size_t>(frame - track.BlockFirst);
+  const std::array<int16_t, 3> stored = {track.Block[0][place], track.Block[1][place], track.Block[2][place]};
+  if (!first && stored == track.Stored) return;
+  track.Stored = stored;
+  std::array<float, 3> values;
+  for (size_t axis = 0; axis < 3; ++axis) {
+    values[axis] = static_cast<float>(stored[axis]) * track.Scales[axis];
+    if (!track.IsDelta) values[axis] += track.Defaults[axis];
+  }
+  if (track.IsRotation) {
+    m_turning.push_back({track.Bone, track.IsAligned});
+    m_angles.push_back({values[0], values[1], values[2]});
+  } else {
+    SetPosition(static_cast<size_t>(track.Bone), {values[0], values[1], values[2]});
+  }
+}
+
+void PosePlayer::TurnAngles() {
+  if (m_angles.empty()) return;
+  m_turned.resize(m_angles.size());
+  QuickEulerToQuat(m_angles, m_turned);
+  for (size_t i = 0; i < m_angles.size(); ++i) {
+    Quat rotation = m_turned[i];
+    if (m_turning[i].IsAligned) AlignQuat(m_bones[m_turning[i].Bone]->Alignment, rotation, rotation);
+    SetRotation(static_cast<size_t>(m_turning[i].Bone), rotation);
+  }
+  m_turning.clear();
+  m_angles.clear();
+}
+
+// Compared bit by bit: a not-a-number equals itself, and zeros of both signs, which print differently, do not.
+
+void PosePlayer::SetRotation(size_t bone, const Quat& rotation) {
+  if (std::memcmp(&m_rotations[bone], &rotation, sizeof rotation) == 0) return;
+  m_rotations[bone] = rotation;
+  m_changes[bone] |= RotationBit;
+  m_changed = true;
+}
+
+void PosePlayer::SetPosition(size_t bone, const Vec3& position) {
+  if (std::memcmp(&m_positions[bone], &position, sizeof position) == 0) return;
+  m_positions[bone] = position;
+  m_changes[bone] |= PositionBit;
+  m_changed = true;
+}
+
+}  // namespace tarnwick::model

@@ -1,0 +1,90 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "model/animation_check.h"
+#include "model/run_values.h"
+
+namespace tarnwick::model {
+
+/// Plays a checked animation forward: the poses of DecodePoseAtFrame to the last bit, in time that grows with what
+/// really changes from frame to frame. Values that stand still are decoded once, and each run is looked at once.
+class PosePlayer {
+ public:
+  /// The bones and the animation's files must outlive the player.
+  PosePlayer(const core::RecordArray<StudioBone>& bones, const CheckedAnimation& animation);
+
+  /// Goes to `frame`, which is at or behind the one before. False if no bone has another pose than it had before;
+  /// the first call gives true.
+  bool GoTo(int32_t frame);
+
+  /// Whether the last GoTo changed the bone's rotation or position.
+  bool RotationChanged(size_t bone) const { return (m_changes[bone] & RotationBit) != 0; }
+  bool PositionChanged(size_t bone) const { return (m_changes[bone] & PositionBit) != 0; }
+  bool Changed(size_t bone) const { return m_changes[bone] != 0; }
+
+  std::span<const Vec3> Positions() const { return m_positions; }
+  std::span<const Quat> Rotations() const { return m_rotations; }
+
+ private:
+  static constexpr uint8_t RotationBit = 1;
+  static constexpr uint8_t PositionBit = 2;
+
+  /// Values are taken from their runs for this many frames at a time: going through many runs by single frames is
+  /// slower.
+  static constexpr int32_t BlockFrames = 16;
+
+  /// The runs of the three axes of one bone's rotation or position.
+  struct RunTrack {
+    int32_t Bone;
+    bool IsRotation;
+    bool IsDelta;
+    bool IsAligned;                 // the rotation is to lie near that of the bone's alignment
+    std::array<float, 3> Scales;    // of the stored values
+    std::array<float, 3> Defaults;  // what they are added to, if this is no delta
+    int32_t HeldUntil;              // first frame at which a value can differ
+    int32_t BlockFirst;             // the frame of each axis's first value in Block
+    std::array<int16_t, 3> Stored;
+    std::array<std::array<int16_t, BlockFrames>, 3> Block;
+    std::array<RunCursor, 3> Cursors;
+  };
+
+  struct Turn {
+    int32_t Bone;
+    bool IsAligned;
+  };
+
+  void Open(const std::optional<AnimData>& data, int32_t frame);
+  void OpenBone(const AnimRecord& anim, int32_t frame);
+  void AddTrack(const AnimRecord& anim, int64_t triple, bool isRotation, int32_t frame);
+  void Advance(int32_t frame);
+  /// Fills the track's block from `frame` on.
+  void FillBlock(RunTrack& track, int32_t frame);
+  /// Goes to `frame`. Takes the values if they differ, or come first.
+  void Read(RunTrack& track, int32_t frame, bool first);
+  /// Turns the angles that Read has put aside into rotations, all at a time.
+  void TurnAngles();
+  void SetRotation(size_t bone, const Quat& rotation);
+  void SetPosition(size_t bone, const Vec3& position);
+
+  core::RecordArray<StudioBone> m_bones;
+  const CheckedAnimation& m_animation;
+  std::optional<AnimData> m_data;
+  core::ImageView m_image;  // of m_data
+  int32_t m_frame = -1;     // within m_data; -1 before the first pose
+  int32_t m_heldUntil = 0;  // first frame at which any value can differ
+  bool m_changed = false;
+  std::vector<RunTrack> m_tracks;
+  std::vector<Turn> m_turning;        // the bones whose new angles wait to become rotations
+  std::vector<EulerAngles> m_angles;  // of each of them
+  std::vector<Quat> m_turned;
+  std::vector<Vec3> m_positions;
+  std::vector<Quat> m_rotations;
+  std::vector<uint8_t> m_changes;
+};
+
+}  // namespace tarnwick::model

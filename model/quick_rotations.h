@@ -1,0 +1,16 @@
+#pragma once
+
+#include <span>
+
+#include "model/bone_math_types.h"
+
+namespace tarnwick::model {
+
+/// EulerToQuat and QuatToEuler for many rotations at a time, to the last bit and several times as fast. Results are
+/// formed side by side with short series; where their error could reach the stored float, and for angles and
+/// quaternions out of the ordinary, the plain functions decide. `result` is as long as the input and does not overlap
+/// it.
+void QuickEulerToQuat(std::span<const EulerAngles> angles, std::span<Quat> result);
+void QuickQuatToEuler(std::span<const Quat> rotations, std::span<EulerAngles> result);
+
+}  // namespace tarnwick::model

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "model/bone_math_types.h"
+
+namespace tarnwick::model {
+
+// The records of an .mdl file that become plain statements of the QC script.
+#pragma pack(push, 1)
+
+struct StudioPoseParameter {
+  int32_t NameOffset;  // 0x00
+  int32_t Flags;       // 0x04
+  float Start;         // 0x08
+  float End;           // 0x0C
+  float Wrap;          // 0x10 wrap length, 0 for none
+};
+static_assert(sizeof(StudioPoseParameter) == 20);
+
+struct StudioHitboxSet {
+  int32_t NameOffset;    // 0x00
+  int32_t HitboxCount;   // 0x04
+  int32_t HitboxOffset;  // 0x08 StudioHitbox
+};
+static_assert(sizeof(StudioHitboxSet) == 12);
+
+struct StudioHitbox {
+  int32_t Bone;   // 0x00
+  int32_t Group;  // 0x04
+  Vec3 Minimum;   // 0x08
+  Vec3 Maximum;   // 0x14
+  char Unread20[0x44 - 0x20];
+};
+static_assert(sizeof(StudioHitbox) == 68);
+
+struct StudioAttachment {
+  int32_t NameOffset;   // 0x00
+  uint32_t Flags;       // 0x04
+  int32_t Bone;         // 0x08
+  Matrix3x4 Placement;  // 0x0C in the bone's space
+  char Unread3C[0x5C - 0x3C];
+};
+static_assert(offsetof(StudioAttachment, Placement) == 0x0C && sizeof(StudioAttachment) == 92);
+
+struct StudioIncludeModel {
+  int32_t LabelOffset;  // 0x00
+  int32_t NameOffset;   // 0x04 file name
+};
+static_assert(sizeof(StudioIncludeModel) == 8);
+
+struct StudioIkChain {
+  int32_t NameOffset;  // 0x00
+  int32_t Type;        // 0x04
+  int32_t LinkCount;   // 0x08
+  int32_t LinkOffset;  // 0x0C StudioIkLink
+};
+static_assert(sizeof(StudioIkChain) == 16);
+
+struct StudioIkLink {
+  int32_t Bone;        // 0x00
+  Vec3 KneeDirection;  // 0x04
+  Vec3 Unread10;
+};
+static_assert(sizeof(StudioIkLink) == 28);
+
+#pragma pack(pop)
+
+}  // namespace tarnwick::model

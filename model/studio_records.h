@@ -1,0 +1,170 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "model/bone_math_types.h"
+
+namespace tarnwick::model {
+
+// The records of an .mdl file that hold its skeleton and its meshes. All values are little-endian; an `Offset` field
+// counts bytes from the start of the record that holds it (in StudioHeader from the file's start) and may be negative.
+// Bytes that this program does not read stand as Unread.
+#pragma pack(push, 1)
+
+/// At the start of the file.
+struct StudioHeader {
+  char Id[4];          // 0x00 "IDST"
+  int32_t Version;     // 0x04 44 to 49 in files seen
+  int32_t Checksum;    // 0x08 that of the model's other files too
+  char Name[64];       // 0x0C the model's own name
+  int32_t Length;      // 0x4C bytes of the file
+  Vec3 EyePosition;    // 0x50
+  Vec3 IllumPosition;  // 0x5C
+  char Unread68[0x9C - 0x68];
+  int32_t BoneCount;   // 0x9C
+  int32_t BoneOffset;  // 0xA0 StudioBone
+  char UnreadA4[0xAC - 0xA4];
+  int32_t HitboxSetCount;   // 0xAC
+  int32_t HitboxSetOffset;  // 0xB0 StudioHitboxSet
+  int32_t AnimCount;        // 0xB4
+  int32_t AnimOffset;       // 0xB8 StudioAnimDesc
+  int32_t SequenceCount;    // 0xBC
+  int32_t SequenceOffset;   // 0xC0 StudioSeqDesc
+  char UnreadC4[0xCC - 0xC4];
+  int32_t TextureCount;             // 0xCC not needed: meshes and skins give the numbers
+  int32_t TextureOffset;            // 0xD0 StudioTexture
+  int32_t MaterialDirectoryCount;   // 0xD4
+  int32_t MaterialDirectoryOffset;  // 0xD8 int32 offsets, from the header, of strings
+  int32_t SkinReferenceCount;       // 0xDC textures a family
+  int32_t SkinFamilyCount;          // 0xE0
+  int32_t SkinOffset;               // 0xE4 int16 texture numbers, family after family
+  int32_t BodyPartCount;            // 0xE8
+  int32_t BodyPartOffset;           // 0xEC StudioBodyPart
+  int32_t AttachmentCount;          // 0xF0
+  int32_t AttachmentOffset;         // 0xF4 StudioAttachment
+  int32_t NodeCount;                // 0xF8
+  int32_t UnreadFC;
+  int32_t NodeNameOffset;        // 0x100 int32 offsets, from the header, of strings
+  int32_t FlexDescCount;         // 0x104
+  int32_t FlexDescOffset;        // 0x108 StudioFlexDesc
+  int32_t FlexControllerCount;   // 0x10C
+  int32_t FlexControllerOffset;  // 0x110 StudioFlexController
+  int32_t FlexRuleCount;         // 0x114
+  int32_t FlexRuleOffset;        // 0x118 StudioFlexRule
+  int32_t IkChainCount;          // 0x11C
+  int32_t IkChainOffset;         // 0x120 StudioIkChain
+  int32_t MouthCount;            // 0x124
+  int32_t MouthOffset;           // 0x128 StudioMouth
+  int32_t PoseParameterCount;    // 0x12C
+  int32_t PoseParameterOffset;   // 0x130 StudioPoseParameter
+  int32_t SurfacePropOffset;     // 0x134 string
+  int32_t KeyValueOffset;        // 0x138 text
+  int32_t KeyValueSize;          // 0x13C 0 for none
+  char Unread140[0x150 - 0x140];
+  int32_t IncludeModelCount;   // 0x150
+  int32_t IncludeModelOffset;  // 0x154 StudioIncludeModel
+  int32_t Unread158;
+  int32_t AnimBlockNameOffset;  // 0x15C string
+  int32_t AnimBlockCount;       // 0x160
+  int32_t AnimBlockOffset;      // 0x164 StudioAnimBlock
+  int32_t AnimBlockSlot;        // 0x168 0 in a file; what is loaded stands beside the image
+  int32_t Unread16C;
+  int32_t VertexSlot;  // 0x170 0 in a file; what is loaded stands beside the image
+  char Unread174[0x17C - 0x174];
+  int32_t ZeroFrameCacheIndex;  // 0x17C cleared when an old block file is upgraded
+  char Unread180[0x198 - 0x180];
+};
+static_assert(offsetof(StudioHeader, EyePosition) == 0x50 && offsetof(StudioHeader, BoneCount) == 0x9C);
+static_assert(offsetof(StudioHeader, TextureOffset) == 0xD0 && offsetof(StudioHeader, BodyPartCount) == 0xE8);
+static_assert(offsetof(StudioHeader, NodeNameOffset) == 0x100 && offsetof(StudioHeader, MouthCount) == 0x124);
+static_assert(offsetof(StudioHeader, KeyValueSize) == 0x13C && offsetof(StudioHeader, IncludeModelOffset) == 0x154);
+static_assert(offsetof(StudioHeader, AnimBlockNameOffset) == 0x15C && offsetof(StudioHeader, VertexSlot) == 0x170);
+static_assert(offsetof(StudioHeader, ZeroFrameCacheIndex) == 0x17C && sizeof(StudioHeader) == 0x198);
+
+/// One bone. A parent stands before its children in every sound file.
+struct StudioBone {
+  int32_t NameOffset;  // 0x00
+  int32_t Parent;      // 0x04 -1 for a root
+  char Unread08[0x20 - 0x08];
+  Vec3 Position;         // 0x20 default, in the parent's space
+  Quat Rotation;         // 0x2C default
+  EulerAngles Angles;    // 0x3C default, radians
+  Vec3 PositionScale;    // 0x48 worth of one run value of a position axis
+  Vec3 RotationScale;    // 0x54 the same for a rotation axis, radians
+  Matrix3x4 PoseToBone;  // 0x60 from the model's pose space to the bone's space
+  Quat Alignment;        // 0x90
+  uint32_t Flags;        // 0xA0
+  char UnreadA4[0xD8 - 0xA4];
+};
+/// Decoded rotations of the bone are aligned to `Alignment`.
+inline constexpr uint32_t BoneFlagFixedAlignment = 0x100000;
+static_assert(offsetof(StudioBone, Rotation) == 0x2C && offsetof(StudioBone, PoseToBone) == 0x60);
+static_assert(offsetof(StudioBone, Flags) == 0xA0 && sizeof(StudioBone) == 216);
+
+struct StudioTexture {
+  int32_t NameOffset;  // 0x00 material name, without extension
+  char Unread04[0x40 - 0x04];
+};
+static_assert(sizeof(StudioTexture) == 64);
+
+struct StudioBodyPart {
+  int32_t NameOffset;  // 0x00
+  int32_t ModelCount;  // 0x04
+  int32_t Unread08;
+  int32_t ModelOffset;  // 0x0C StudioModel
+};
+static_assert(sizeof(StudioBodyPart) == 16);
+
+struct StudioModel {
+  char Name[64];  // 0x00 usually the source file's name, possibly empty
+  char Unread40[0x48 - 0x40];
+  int32_t MeshCount;         // 0x48
+  int32_t MeshOffset;        // 0x4C StudioMesh
+  int32_t VertexCount;       // 0x50
+  int32_t VertexByteOffset;  // 0x54 of the model's first vertex in the vertex data; a multiple of 48
+  char Unread58[0x64 - 0x58];
+  int32_t EyeballCount;     // 0x64
+  int32_t EyeballOffset;    // 0x68 StudioEyeball
+  int32_t VertexDataSlot;   // 0x6C 0 in a file
+  int32_t TangentDataSlot;  // 0x70 0 in a file
+  char Unread74[0x94 - 0x74];
+};
+static_assert(offsetof(StudioModel, MeshCount) == 0x48 && offsetof(StudioModel, EyeballCount) == 0x64);
+static_assert(sizeof(StudioModel) == 148);
+
+struct StudioMesh {
+  int32_t Material;     // 0x00 index of a StudioTexture
+  int32_t ModelOffset;  // 0x04 back to the owning StudioModel (negative)
+  int32_t VertexCount;  // 0x08
+  int32_t FirstVertex;  // 0x0C relative to the model's first vertex
+  int32_t FlexCount;    // 0x10
+  int32_t FlexOffset;   // 0x14 StudioFlex
+  char Unread18[0x30 - 0x18];
+  int32_t VertexDataSlot;  // 0x30 0 in a file
+  char Unread34[0x74 - 0x34];
+};
+static_assert(offsetof(StudioMesh, FlexCount) == 0x10 && sizeof(StudioMesh) == 116);
+
+/// Where a block of animation data lies in the animation block file.
+struct StudioAnimBlock {
+  int32_t Start;  // 0x00 from the block file's start
+  int32_t End;    // 0x04
+};
+static_assert(sizeof(StudioAnimBlock) == 8);
+
+/// An entry of a table of offsets that count from the header.
+struct StudioOffset {
+  int32_t Offset;
+};
+static_assert(sizeof(StudioOffset) == 4);
+
+/// An entry of a table of texture or animation numbers.
+struct StudioShort {
+  int16_t Value;
+};
+static_assert(sizeof(StudioShort) == 2);
+
+#pragma pack(pop)
+
+}  // namespace tarnwick::model
