@@ -12,7 +12,7 @@
 namespace {
 
 using namespace tarnwick::tests;
-using namespace tarnwick::decompiler;
+using namespace tarnwick::model;
 
 ModelBuilder Meshes() {
   ModelBuilder model{.Bones = {{}, {.Name = "hand", .Parent = 0}}, .Textures = {"a", "b"}};
@@ -99,7 +99,7 @@ int main(int argumentCount, char** arguments) {
     const ModelFiles files = model.Build();
     tarnwick::fuzz::DecompileInput input;
     input.Files = {files.Mdl.Bytes(), files.Vtx.Bytes(), files.Vvd.Bytes(), files.Ani.Bytes()};
-    for (const uint32_t options : {0u, DecompileOptionReadyToCompile}) {
+    for (const uint32_t options : {0u, decompiler::DecompileOptionReadyToCompile}) {
       input.Options = static_cast<uint8_t>(options);
       const std::string path = std::string(arguments[1]) + "/" + name + (options == 0 ? "_plain" : "");
       std::ofstream(path, std::ios::binary) << input.Pack();

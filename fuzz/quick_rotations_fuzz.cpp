@@ -6,12 +6,12 @@
 #include <cstring>
 #include <vector>
 
-#include "decompiler/bone_math.h"
-#include "decompiler/quick_rotations.h"
 #include "input_values.h"
+#include "model/bone_math.h"
+#include "model/quick_rotations.h"
 
 using namespace tarnwick;
-using namespace tarnwick::decompiler;
+using namespace tarnwick::model;
 
 namespace {
 
