@@ -99,7 +99,7 @@ int main(int argumentCount, char** arguments) {
     const ModelFiles files = model.Build();
     tarnwick::fuzz::DecompileInput input;
     input.Files = {files.Mdl.Bytes(), files.Vtx.Bytes(), files.Vvd.Bytes(), files.Ani.Bytes()};
-    for (const uint32_t options : {0u, decompiler::DecompileOptionReadyToCompile}) {
+    for (const uint32_t options : {0u, tarnwick::decompiler::DecompileOptionReadyToCompile}) {
       input.Options = static_cast<uint8_t>(options);
       const std::string path = std::string(arguments[1]) + "/" + name + (options == 0 ? "_plain" : "");
       std::ofstream(path, std::ios::binary) << input.Pack();
