@@ -1,5 +1,6 @@
 #include "core/number_text.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstring>
@@ -61,8 +62,7 @@ char* WriteLargeFixed(char* out, float size) {
   if (size - size == 0) {
     return std::to_chars(out, out + LongestNumberText, size, std::chars_format::fixed, Precision).ptr;
   }
-  std::memcpy(out, size == size ? "inf" : "nan", 3);
-  return out + 3;
+  return std::copy_n(size == size ? "inf" : "nan", 3, out);
 }
 
 template char* WriteLargeFixed<2>(char* out, float size);
