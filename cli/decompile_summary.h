@@ -32,7 +32,4 @@ class DecompileSummary {
   std::map<std::string, int> m_reasons;
 };
 
-/// `bytes` in words: "812 bytes", "3.4 KB", "12.3 MB".
-std::string SizeText(uint64_t bytes);
-
 }  // namespace tarnwick::cli

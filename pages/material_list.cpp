@@ -3,8 +3,8 @@
 #include <QFileInfo>
 #include <QMimeDatabase>
 
+#include "core/byte_size.h"
 #include "core/paths.h"
-#include "pages/byte_size.h"
 #include "platform/bitmap_button.h"
 #include "platform/text.h"
 
@@ -44,7 +44,7 @@ void CMaterialList::AddFile(const std::string& path) {
   row->setText(FilenameColumn, text);
   row->setIcon(FilenameColumn, platform::IconOf("image"));
   row->setText(TypeColumn, QMimeDatabase().mimeTypeForFile(file, QMimeDatabase::MatchExtension).comment());
-  if (file.isFile()) row->setText(SizeColumn, ToQt(FormatByteSize(static_cast<uint64_t>(file.size()))));
+  if (file.isFile()) row->setText(SizeColumn, ToQt(core::FormatByteSize(static_cast<uint64_t>(file.size()))));
   row->setTextAlignment(SizeColumn, Qt::AlignRight | Qt::AlignVCenter);
   row->setToolTip(FilenameColumn, text);
   m_pictures.Load(text);

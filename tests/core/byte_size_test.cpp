@@ -1,8 +1,8 @@
-#include "pages/byte_size.h"
+#include "core/byte_size.h"
 
 #include <gtest/gtest.h>
 
-namespace tarnwick::pages {
+namespace tarnwick::core {
 
 namespace {
 
@@ -20,4 +20,4 @@ TEST(FormatByteSize, CutsOffBehindThreeDigits) {
 
 }  // namespace
 
-}  // namespace tarnwick::pages
+}  // namespace tarnwick::core

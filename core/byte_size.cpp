@@ -1,9 +1,9 @@
-#include "pages/byte_size.h"
+#include "core/byte_size.h"
 
 #include <cmath>
 #include <cstdio>
 
-namespace tarnwick::pages {
+namespace tarnwick::core {
 
 std::string FormatByteSize(uint64_t bytes) {
   constexpr const char* Units[] = {"KB", "MB", "GB", "TB", "PB", "EB"};
@@ -18,4 +18,4 @@ std::string FormatByteSize(uint64_t bytes) {
   return text;
 }
 
-}  // namespace tarnwick::pages
+}  // namespace tarnwick::core

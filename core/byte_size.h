@@ -3,12 +3,12 @@
 #include <cstdint>
 #include <string>
 
-namespace tarnwick::pages {
+namespace tarnwick::core {
 
-/// A file's size as file managers write it: three digits of the largest unit of 1,024 that fits, the rest cut off.
+/// A size as file managers write it: three digits of the largest unit of 1,024 that fits, the rest cut off.
 ///
 ///     FormatByteSize(532)    // 532 bytes
 ///     FormatByteSize(23506)  // 22.9 KB
 std::string FormatByteSize(uint64_t bytes);
 
-}  // namespace tarnwick::pages
+}  // namespace tarnwick::core
