@@ -2,6 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <QColor>
+#include <map>
+#include <set>
+#include <string>
+
 #include "controls/readable_color.h"
 
 namespace tarnwick::controls {
@@ -16,9 +21,31 @@ TEST(NamedColors, ReadsNamesAndHexadecimalFormsInAnyCase) {
   EXPECT_EQ(Color("#0000FF"), 0xFF0000u);
   EXPECT_EQ(Color("#123456"), 0x563412u);
   EXPECT_EQ(Color("ALICEBLUE"), MakeColor(0xF0, 0xF8, 0xFF));
-  EXPECT_EQ(Color("yellowgreen"), MakeColor(0x8B, 0xCD, 0x32));
   EXPECT_EQ(Color("Lightgrey"), MakeColor(0xD3, 0xD3, 0xD3));
-  EXPECT_EQ(Color("gray"), MakeColor(0x7F, 0x7F, 0x7F));
+}
+
+TEST(NamedColors, KnowsTheWebColoursButForThreeOfOtherShadeAndTheGreysOfOtherSpelling) {
+  const std::map<std::string, ColorValue> others = {{"blanchedalmond", MakeColor(0xFF, 0xFF, 0xCD)},
+                                                    {"gray", MakeColor(0x7F, 0x7F, 0x7F)},
+                                                    {"yellowgreen", MakeColor(0x8B, 0xCD, 0x32)}};
+  const std::set<std::string> unknown = {"darkgrey",  "darkslategrey",  "dimgrey",   "grey",
+                                         "lightgray", "lightslategrey", "slategrey", "transparent"};
+  int known = 0;
+  for (const QString& qtName : QColor::colorNames()) {  // Qt has a table of its own
+    const std::string name = qtName.toStdString();
+    if (unknown.count(name) > 0) {
+      EXPECT_EQ(Color(name), 0u) << name;
+      continue;
+    }
+    const QColor web(qtName);
+    const auto other = others.find(name);
+    const auto part = [](int value) { return static_cast<unsigned>(value); };
+    EXPECT_EQ(Color(name),
+              other != others.end() ? other->second : MakeColor(part(web.red()), part(web.green()), part(web.blue())))
+        << name;
+    ++known;
+  }
+  EXPECT_EQ(known, 140);
 }
 
 TEST(NamedColors, TakesWhatMeansNothingForBlack) {

@@ -2,18 +2,44 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
+#include <chrono>
+#include <semaphore>
+#include <vector>
 
 namespace tarnwick::core {
 namespace {
 
-TEST(WorkQueue, RunsEveryTaskOnceOnManyThreads) {
-  std::atomic<int> sum{0};
+constexpr std::chrono::seconds Patience{20};  // a task that waits in vain fails, it does not hang
+
+TEST(WorkQueue, ItsThreadsRunTasksSideBySideWhileTheOwnerWaits) {
+  std::binary_semaphore first(0), second(0);
+  std::counting_semaphore<2> done(0);
+  std::atomic<int> met{0};
+  WorkQueue queue(2);
+  queue.Post([&] {
+    first.release();
+    met += second.try_acquire_for(Patience);
+    done.release();
+  });
+  queue.Post([&] {
+    second.release();
+    met += first.try_acquire_for(Patience);
+    done.release();
+  });
+  EXPECT_TRUE(done.try_acquire_for(Patience));
+  EXPECT_TRUE(done.try_acquire_for(Patience));
+  EXPECT_EQ(met, 2);
+}
+
+TEST(WorkQueue, RunsEveryTaskOnceThoughItsOwnerEndsIt) {
+  std::vector<std::atomic<int>> runs(1000);
   {
     WorkQueue queue(4);
-    for (int i = 1; i <= 1000; ++i) queue.Post([&sum, i] { sum += i; });
+    for (std::atomic<int>& count : runs) queue.Post([&count] { ++count; });
   }
-  EXPECT_EQ(sum, 500'500);
+  EXPECT_EQ(std::count(runs.begin(), runs.end(), 1), 1000);
 }
 
 TEST(WorkQueue, WithoutThreadsTheCallersRunTheTasksInOrder) {

@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "animation_job.h"
-#include "support/told_texts.h"
 
 namespace tarnwick::decompiler {
 namespace {
@@ -98,7 +97,7 @@ TEST(AnimBlockFile, IsMissedInOneWarning) {
     AnimationJob job(model);
     EXPECT_FALSE(GetAnimBlockBase(job.Context(), 1));
     EXPECT_FALSE(GetAnimBlockBase(job.Context(), 2));
-    const auto warnings = TextsOf(job.Context().Result(), core::Severity::Warning);
+    const auto& warnings = job.Context().Result().Warnings;
     ASSERT_EQ(warnings.size(), 1u) << name;
     EXPECT_THAT(warnings[0], HasSubstr(core::LastComponent(name)));
     EXPECT_THAT(warnings[0], HasSubstr(job.Folder.Path()));

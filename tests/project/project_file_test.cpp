@@ -228,20 +228,22 @@ TEST(ProjectSettings, StartTheProgramWithWhatWasSaved) {
   tests::MemorySettings settings;
   ProfileStore store;
   SaveProjectToStore(crate.Project, store, settings);
-  EXPECT_EQ(settings.Values.size(), 11u);
 
   ModelOptions options;
   ModelProject project(options);
   LoadFormFromSettings(settings, project);
   LoadOptionsFromSettings(settings, options);
   EXPECT_EQ(project.configFile, "last.sc");
+  EXPECT_EQ(project.modelFile, crate.Project.modelFile);
+  EXPECT_EQ(project.referenceSmd, crate.Project.referenceSmd);
   EXPECT_EQ(project.collisionFile, "C:\\work\\crate_phy.smd");
+  EXPECT_EQ(project.useReferenceAsSequence, crate.Project.useReferenceAsSequence);
   EXPECT_TRUE(project.useReferenceAsCollision);
   EXPECT_EQ(project.propType, 2);
   EXPECT_EQ(project.Sequences.Count(), 0);
-  EXPECT_EQ(options.surfaceProp, "wood");
-  EXPECT_EQ(options.studioMdlOptions, 0x40);
-  EXPECT_EQ(options.scale, 1.0);  // kept in project files only
+  ModelOptions expected = crate.Options;
+  expected.scale = 1.0;  // kept in project files only
+  EXPECT_EQ(options, expected);
 
   ModelOptions fresh{false, 0, "", 0, 1, "", "x"};
   LoadOptionsFromSettings(tests::MemorySettings(), fresh);

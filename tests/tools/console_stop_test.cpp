@@ -63,9 +63,8 @@ bool AllEnd(const std::string& text) {
 }
 
 TEST(ConsoleStop, EndsAToolThatWaits) {
-  const auto start = std::chrono::steady_clock::now();
   const ProbeRun run = RunAndStop("wait 30000", 1);
-  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
+  EXPECT_EQ(run.Text.find("waited"), std::string::npos) << "it was not ended, it ended";
   EXPECT_TRUE(run.Outcome.Stopped);
   EXPECT_FALSE(run.Outcome.Failure);
   EXPECT_TRUE(AllEnd(run.Text)) << run.Text;
