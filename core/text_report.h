@@ -6,17 +6,17 @@
 
 namespace tarnwick::core {
 
-/// Appends the log to a text of the caller's and passes troubles on. Both outlive the object.
+/// Appends the log to a text of the caller's and passes boxes on to another report. Both outlive the object.
 class TextReport : public Report {
  public:
-  TextReport(std::string& log, TroubleSink& troubles) : m_log(log), m_troubles(troubles) {}
+  TextReport(std::string& log, Report& boxes) : m_log(log), m_boxes(boxes) {}
 
   void Log(std::string_view text) override { m_log += text; }
-  void Tell(const Trouble& trouble) override { m_troubles.Tell(trouble); }
+  void Box(BoxIcon icon, std::string_view text, std::string_view caption) override { m_boxes.Box(icon, text, caption); }
 
  private:
   std::string& m_log;
-  TroubleSink& m_troubles;
+  Report& m_boxes;
 };
 
 }  // namespace tarnwick::core

@@ -1,7 +1,6 @@
 #include "core/text_writer.h"
 
 #include <algorithm>
-#include <cassert>
 #include <cmath>
 #include <cstring>
 
@@ -11,30 +10,6 @@ namespace {
 
 /// Larger copies are made by an instruction that takes long to begin, on many machines.
 constexpr size_t CopyAtOnce = 1024;
-
-/// A place for an argument in a pattern, as in "%2.3f".
-struct Place {
-  int Width = 0;
-  int Precision = -1;
-  char Conversion = 0;
-};
-
-/// Reads the place behind the percent sign at `pattern[at - 1]` and moves `at` behind it.
-Place ReadPlace(std::string_view pattern, size_t& at) {
-  Place place;
-  const auto number = [&] {
-    int value = 0;
-    while (at < pattern.size() && pattern[at] >= '0' && pattern[at] <= '9') value = value * 10 + (pattern[at++] - '0');
-    return value;
-  };
-  place.Width = number();
-  if (at < pattern.size() && pattern[at] == '.') {
-    ++at;
-    place.Precision = number();
-  }
-  if (at < pattern.size()) place.Conversion = pattern[at++];
-  return place;
-}
 
 }  // namespace
 
@@ -93,22 +68,18 @@ void TextWriter::FormatList(std::string_view pattern, std::initializer_list<Text
     Text(pattern.substr(at, percent - at));
     if (percent == pattern.size()) break;
     at = percent + 1;
-    const Place place = ReadPlace(pattern, at);
+    const PatternPlace place = ReadPlace(pattern, at);
     if (place.Conversion == '%') {
       Char('%');
       continue;
     }
-    assert(next != arguments.end());
     const TextArgument& argument = *next++;
     if (place.Conversion == 's') {
-      assert(argument.GetKind() == TextArgument::Kind::Text);
       Text(argument.Text());
     } else if (place.Conversion == 'd') {
-      assert(argument.GetKind() == TextArgument::Kind::Integer);
       Reserve(LongestNumberText);
       m_next = WriteIntegerWide(m_next, argument.Integer(), std::min(place.Width, 32));
     } else {
-      assert(place.Conversion == 'f');
       const bool narrow = argument.GetKind() == TextArgument::Kind::Float && place.Width <= 3;
       if (narrow && (place.Precision == 6 || place.Precision < 0)) {
         Fixed<6>(argument.Float());
@@ -126,7 +97,6 @@ void TextWriter::FormatList(std::string_view pattern, std::initializer_list<Text
       }
     }
   }
-  assert(next == arguments.end());
 }
 
 }  // namespace tarnwick::core

@@ -5,9 +5,11 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <type_traits>
 
 #include "core/number_text.h"
 #include "core/output_file.h"
+#include "core/text_pattern.h"
 
 namespace tarnwick::core {
 
@@ -88,14 +90,14 @@ class TextWriter {
   void Float2(float value) { Fixed<2>(value); }
 
   /// Writes `pattern` with its arguments in the places of %s, %d and %f, width and precision as in printf, %% as a
-  /// percent sign. An argument's kind must fit its place. "\n" becomes the platform's line end, in arguments too.
+  /// percent sign. That each argument fits its place is checked at compile time. "\n" becomes the platform's line end,
+  /// in arguments too.
   ///
   ///     writer.Format("  %d \"%s\" %d\n", index, name, parent);
   template <typename... Arguments>
-  void Format(std::string_view pattern, const Arguments&... arguments) {
-    FormatList(pattern, {TextArgument(arguments)...});
+  void Format(TextPattern<std::type_identity_t<Arguments>...> pattern, const Arguments&... arguments) {
+    FormatList(pattern.Text(), {TextArgument(arguments)...});
   }
-  void Format(std::string_view pattern) { FormatList(pattern, {}); }
 
   /// Hands everything written so far to the target.
   void Flush();

@@ -166,7 +166,7 @@ void WriteKeyValues(JobContext& job) {
   job.Script().Format("%s\n", text);
 }
 
-void WritePosition(JobContext& job, std::string_view pattern, const Vec3& position) {
+void WritePosition(JobContext& job, core::TextPattern<float, float, float> pattern, const Vec3& position) {
   if (position.x == 0 && position.y == 0 && position.z == 0) return;
   job.Script().Format(pattern, float{position.x}, float{position.y}, float{position.z});
 }

@@ -36,7 +36,7 @@ bool WriteNodes(JobContext& job, const core::Record<StudioSeqDesc>& sequence) {
   }
   const auto exit = NodeName(job, sequence, sequence->ExitNode);
   if (!exit) return false;
-  job.Script().Format(sequence->NodeFlags != 0 ? " rtransition %s %s" : " transition %s %s", ScriptWord(job, *entry),
+  job.Script().Format(" %s %s %s", sequence->NodeFlags != 0 ? "rtransition" : "transition", ScriptWord(job, *entry),
                       ScriptWord(job, *exit));
   return true;
 }

@@ -4,13 +4,12 @@
 #include <string>
 #include <vector>
 
-#include "core/trouble.h"
-
 class QWidget;
 
 namespace tarnwick::platform {
 
-using core::BoxIcon;  // Stop, Exclamation and Information beep as the platform does
+/// The picture of a message box; Stop, Exclamation and Information beep as the platform does.
+enum class BoxIcon { None, Stop, Exclamation, Information, Question };
 
 /// The buttons of a message box, the first of each being the default one.
 enum class BoxButtons { Ok, OkCancel, YesNo, YesNoCancel };

@@ -2,8 +2,11 @@
 
 namespace tarnwick::platform {
 
-MessageBoxRequest BoxOf(const core::Trouble& trouble) {
-  return {trouble.Text, trouble.Caption, trouble.ShownIcon(), BoxButtons::Ok, trouble.Details};
+MessageBoxRequest BoxOf(core::BoxIcon icon, std::string_view text, std::string_view caption) {
+  BoxIcon shown = BoxIcon::Information;
+  if (icon == core::BoxIcon::Stop) shown = BoxIcon::Stop;
+  if (icon == core::BoxIcon::Exclamation) shown = BoxIcon::Exclamation;
+  return {std::string(text), std::string(caption), shown, BoxButtons::Ok};
 }
 
 PageReport::PageReport(Desktop& desktop, QWidget* owner, std::function<void(std::string_view)> log)
@@ -13,8 +16,8 @@ void PageReport::Log(std::string_view text) {
   if (m_log) m_log(text);
 }
 
-void PageReport::Tell(const core::Trouble& trouble) {
-  if (!trouble.Caption.empty()) m_desktop.ShowBox(m_owner, BoxOf(trouble));
+void PageReport::Box(core::BoxIcon icon, std::string_view text, std::string_view caption) {
+  m_desktop.ShowBox(m_owner, BoxOf(icon, text, caption));
 }
 
 }  // namespace tarnwick::platform

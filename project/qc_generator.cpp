@@ -18,10 +18,9 @@ namespace tarnwick::project {
 namespace {
 
 using core::Report;
-using core::TroubleKind;
 
-bool Refuse(Report& report, std::string_view text, std::string_view caption, TroubleKind kind = TroubleKind::Refused) {
-  report.ErrorBox(kind, text, caption);
+bool Refuse(Report& report, std::string_view text, std::string_view caption) {
+  report.ErrorBox(text, caption);
   return false;
 }
 
@@ -69,7 +68,7 @@ bool WriteQcScript(const ModelProject& project, Report& report, std::string& qcP
   std::optional<core::OutputFile> file = core::OutputFile::Create(path, &reason);
   if (!file) {
     report.Log(path + ": " + reason + "\r\n");
-    return Refuse(report, "Unable to open temp file for .qc", "QC Error", TroubleKind::Unwritable);
+    return Refuse(report, "Unable to open temp file for .qc", "QC Error");
   }
   bool complete = false;
   {
@@ -77,8 +76,7 @@ bool WriteQcScript(const ModelProject& project, Report& report, std::string& qcP
     complete = WriteQcStatements(project, qc, report);
   }
   if (!complete && core::FileExists(path)) return false;
-  if (!file->Commit())
-    return Refuse(report, "Unable to write \"" + path + "\": " + file->Error(), "QC Error", TroubleKind::Unwritable);
+  if (!file->Commit()) return Refuse(report, "Unable to write \"" + path + "\": " + file->Error(), "QC Error");
   if (complete) qcPath = std::move(path);
   return complete;
 }

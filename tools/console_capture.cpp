@@ -168,8 +168,7 @@ int ConsoleCapture::RunAndCapture(const std::string& commandLine, char* outputBu
 }
 
 void ReportFatalSystemError(const RunFailure& failure, core::Report& report) {
-  report.Tell(
-      {.Kind = core::TroubleKind::Tool, .Text = failure.Text(), .Caption = "Error", .Icon = core::BoxIcon::None});
+  report.PlainBox(failure.Text(), "Error");
 }
 
 }  // namespace tarnwick::tools
