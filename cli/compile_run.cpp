@@ -2,7 +2,7 @@
 
 #include "core/paths.h"
 #include "tools/line_splitter.h"
-#include "tools/qc_model_name.h"
+#include "tools/model_file_watch.h"
 #include "tools/run_checks.h"
 #include "tools/studiomdl_command.h"
 

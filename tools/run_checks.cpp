@@ -4,8 +4,8 @@
 #include <filesystem>
 
 #include "core/paths.h"
+#include "qc/script.h"
 #include "tools/folder_access.h"
-#include "tools/qc_model_name.h"
 
 namespace tarnwick::tools {
 
@@ -51,7 +51,7 @@ RunWarnings CheckStudiomdlRun(const std::string& gameDirectory, const std::strin
   CheckInput(qcPath, "QC file", warnings);
   if (!CheckGameDirectory(gameDirectory, warnings)) return warnings;
   std::string folder = gameDirectory + "/models/";
-  if (const auto model = FindModelName(qcPath)) folder += core::DirectoryWithSeparator(*model);
+  if (const auto model = qc::FindModelName(qcPath)) folder += core::DirectoryWithSeparator(*model);
   CheckOutputFolder(folder, warnings);
   return warnings;
 }

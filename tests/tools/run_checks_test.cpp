@@ -6,7 +6,7 @@
 #include <filesystem>
 
 #include "support/scratch_folder.h"
-#include "tools/qc_model_name.h"
+#include "tools/model_file_watch.h"
 
 namespace tarnwick::tools {
 namespace {
@@ -48,20 +48,7 @@ TEST(RunChecks, LooksAtTheImagesAndPlacesOfTheTextureTools) {
   EXPECT_THAT(CheckVtf2tgaRun(folder.Path("a.tga"), folder.Path("b.tga")), IsEmpty());
 }
 
-TEST(QcModelName, FindsTheFirstModelNameOutsideOfComments) {
-  const ScratchFolder folder;
-  WriteText(
-      folder.Path("a.qc"),
-      "// $modelname x.mdl\n# $modelname y\n/* $modelname z */ $cd \"c:\\a b\"\n$ModelName \"props\\my box.mdl\"\n");
-  EXPECT_EQ(FindModelName(folder.Path("a.qc")), "props\\my box.mdl");
-  WriteText(folder.Path("b.qc"), "$include \"sub/a.qci\" $body x");
-  WriteText(folder.Path("sub/a.qci"), "$modelname crate");
-  EXPECT_EQ(FindModelName(folder.Path("b.qc")), "crate");
-  WriteText(folder.Path("loop.qc"), "$include \"loop.qc\" \"$modelname");
-  EXPECT_EQ(FindModelName(folder.Path("loop.qc")), std::nullopt);
-}
-
-TEST(QcModelName, SeesWhetherTheRunWroteTheModel) {
+TEST(ModelFileWatch, SeesWhetherTheRunWroteTheModel) {
   const ScratchFolder folder;
   const std::string qc = folder.Path("a.qc");
   const std::string model = folder.Path("models/props/box.mdl");

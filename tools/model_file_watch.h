@@ -6,10 +6,6 @@
 
 namespace tarnwick::tools {
 
-/// The model that the QC script at `qcPath` makes: the word behind its first $modelname, with scripts that it includes
-/// before that read too. Nothing if the script cannot be read or names no model.
-std::optional<std::string> FindModelName(const std::string& qcPath);
-
 /// A compiled model's file, watched over a run.
 class ModelFileWatch {
  public:

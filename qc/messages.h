@@ -1,0 +1,64 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/trouble.h"
+#include "qc/words.h"
+
+namespace tarnwick::qc {
+
+/// One thing that a script's author should know, at a place of the script.
+struct Message {
+  core::Severity Level = core::Severity::Error;
+  core::TroubleKind Kind = core::TroubleKind::Unknown;
+  Place At;
+  std::string Text;  // one sentence, without place, line end or full stop
+};
+
+/// The messages of a reading, in script order. A script of rubbish does not tell without end: after `Most` messages one
+/// says that no more are told.
+class Messages {
+ public:
+  static constexpr size_t Most = 1000;
+
+  void Error(core::TroubleKind kind, const Place& at, std::string text);
+  void Warning(core::TroubleKind kind, const Place& at, std::string text);
+  void Note(core::TroubleKind kind, const Place& at, std::string text);
+
+  const std::vector<Message>& All() const { return m_messages; }
+  /// Errors so far, also those beyond the last that was kept.
+  size_t ErrorCount() const { return m_errors; }
+  bool Full() const { return m_messages.size() > Most; }
+
+ private:
+  void Add(Message message);
+
+  std::vector<Message> m_messages;
+  size_t m_errors = 0;
+};
+
+/// `text` in double quotes as a message shows it: of one line, and cut if it is long.
+std::string Shown(std::string_view text);
+
+/// `; did you mean "near"?`, or nothing if `near` is empty.
+std::string DidYouMean(std::string_view near);
+
+/// The name that a typing mistake may have turned into what was looked for: names are offered one by one, the nearest
+/// is kept, if it is near at all.
+class NearName {
+ public:
+  explicit NearName(std::string_view wanted);
+  void Offer(std::string_view name);
+  const std::string& Best() const { return m_best; }
+
+ private:
+  std::string m_wanted;
+  std::string m_best;
+  size_t m_distance;
+  size_t m_left = 2000;  // names that are still compared; among more the search would take too long
+};
+
+}  // namespace tarnwick::qc
