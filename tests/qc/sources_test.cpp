@@ -87,7 +87,8 @@ TEST_F(QcSources, ThatAreNotThereAreToldOnceWithTheNameThatIs) {
 TEST_F(QcSources, AnAnimationGoesAheadOfAFileAndAFileAheadOfASequence) {
   Touch("a.smd");
   Touch("idle.smd");
-  const Script script = Read("$animation a a.smd\n$sequence idle idle\n$sequence lean a\n$sequence y idle\n$sequence z LEAN");
+  const Script script =
+      Read("$animation a a.smd\n$sequence idle idle\n$sequence lean a\n$sequence y idle\n$sequence z LEAN");
   EXPECT_THAT(Told(script), IsEmpty());
   const auto source = [&](size_t statement) { return script.Statements[statement].Options[0].Arguments[0]; };
   EXPECT_EQ(source(3).Statement, 1);
