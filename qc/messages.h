@@ -18,8 +18,8 @@ struct Message {
   std::string Text;  // one sentence, without place, line end or full stop
 };
 
-/// The messages of a reading, in script order. A script of rubbish does not tell without end: after `Most` messages one
-/// says that no more are told.
+/// The messages of a reading, in the order in which they were found: names that are declared nowhere come last. A
+/// script of rubbish does not tell without end: after `Most` messages one says that no more are told.
 class Messages {
  public:
   static constexpr size_t Most = 1000;

@@ -42,6 +42,8 @@ class ScriptReader {
   void SkipStatement();
   void SkipExtraWords(const Context& context);
   void ActOnFolders(const Statement& statement);
+
+  // name_checks.cpp
   void CheckNames();
 
   // option_reader.cpp: arguments and options

@@ -1,6 +1,5 @@
-// The files that a script names, the animations that it declares, and what can be judged when all is read.
+// The files that a script names, and the animations that it declares.
 
-#include <set>
 #include <utility>
 
 #include "core/paths.h"
@@ -65,120 +64,6 @@ void ScriptReader::Declare(const Statement& statement) {
     default:
       break;
   }
-}
-
-namespace {
-
-/// The names that a script's faces give, in small letters.
-struct FaceNames {
-  std::set<std::string> Controllers;
-  std::set<std::string> Flexes;
-  std::set<std::string> Eyelids;
-  bool HasRules = false;
-  bool Complete = true;  // whether no file brings more names
-};
-
-void AddName(std::set<std::string>& names, std::string_view name) {
-  names.insert(core::LowerAscii(name));
-}
-
-void AddShapes(const Option& file, FaceNames& names) {
-  for (const Option& shape : file.Options) {
-    if (shape.Arguments.empty()) continue;
-    const std::string name(shape.Arguments[0].Text);
-    AddName(names.Flexes, name);
-    if (shape.Kind != Key::FlexPair) continue;
-    AddName(names.Flexes, name + "L");
-    AddName(names.Flexes, name + "R");
-  }
-}
-
-FaceNames NamesOf(const Script& script) {
-  FaceNames names;
-  for (const Statement& statement : script.Statements) {
-    if (statement.Kind != Command::Model) continue;
-    for (const Option& option : statement.Options) {
-      switch (option.Kind) {
-        case Key::FlexController:
-          for (size_t i = 1; i < option.Arguments.size(); ++i) AddName(names.Controllers, option.Arguments[i].Text);
-          break;
-        case Key::LocalVar:
-          for (const Argument& name : option.Arguments) AddName(names.Flexes, name.Text);
-          break;
-        case Key::FlexFile:
-          AddShapes(option, names);
-          break;
-        case Key::Mouth:
-          AddName(names.Flexes, option.Arguments[1].Text);
-          break;
-        case Key::Eyelid:
-        case Key::DmxEyelid:
-          AddName(names.Eyelids, option.Arguments[0].Text);
-          break;
-        case Key::VcaFile:
-          names.Complete = false;
-          break;
-        case Key::Rule:
-          names.HasRules = true;
-          break;
-        default:
-          break;
-      }
-    }
-  }
-  return names;
-}
-
-bool KnowsFlex(const FaceNames& names, std::string_view name) {
-  const std::string small = core::LowerAscii(name);
-  if (names.Flexes.contains(small)) return true;
-  for (const std::string& lid : names.Eyelids) {
-    if (small == lid || small.starts_with(lid + "_")) return true;
-  }
-  return false;
-}
-
-std::string NearestOf(std::string_view wanted, const std::set<std::string>& names) {
-  NearName near(wanted);
-  for (const std::string& name : names) near.Offer(name);
-  return DidYouMean(near.Best());
-}
-
-/// A rule may name what is declared behind it, so all are judged at the end.
-void CheckRules(const Script& script, Messages& told) {
-  const FaceNames names = NamesOf(script);
-  if (!names.HasRules || !names.Complete) return;
-  for (const FlexRule& rule : script.Rules) {
-    if (rule.Nodes.empty()) continue;
-    if (!KnowsFlex(names, rule.Flex)) {
-      told.Warning(TroubleKind::Missing, rule.At,
-                   "the rule is for " + Shown(rule.Flex) + ", which no flex and no localvar declares" +
-                       NearestOf(rule.Flex, names.Flexes));
-    }
-    for (const ExpressionNode& node : rule.Nodes) {
-      if (node.What == ExpressionNode::Kind::Controller && !names.Controllers.contains(core::LowerAscii(node.Name))) {
-        told.Error(TroubleKind::Missing, node.At,
-                   "there is no flexcontroller " + Shown(node.Name) + NearestOf(node.Name, names.Controllers));
-      } else if (node.What == ExpressionNode::Kind::Flex && !KnowsFlex(names, node.Name)) {
-        told.Warning(TroubleKind::Missing, node.At,
-                     "no flex and no localvar declares " + Shown(node.Name) + NearestOf(node.Name, names.Flexes));
-      }
-    }
-  }
-}
-
-}  // namespace
-
-void ScriptReader::CheckNames() {
-  if (m_script.Last(Command::ModelName) == nullptr) {
-    m_told.Error(TroubleKind::Missing, {0, 1, 1, 0}, "the script names no model; it needs a $modelname");
-  }
-  if (m_finder != nullptr && m_finder->Pushed() > 0) {
-    const Statement* push = m_script.Last(Command::PushD);
-    m_told.Warning(TroubleKind::Refused, push == nullptr ? Place{0, 1, 1, 0} : push->At,
-                   "a $pushd has no $popd that takes its folder back");
-  }
-  CheckRules(m_script, m_told);
 }
 
 }  // namespace tarnwick::qc

@@ -17,19 +17,21 @@ using tests::Told;
 
 TEST(QcSequences, TakeOptionsOnTheirLineAndInTheirBlock) {
   const Script script = ReadPlain(
-      "$animation run_n \"run_n.smd\" fps 20 frames 0 19 { LX LY\n walkframe 9 LX ly walkframe 19 lx }\n"
+      "$declaresequence lean\n$animation run_n \"run_n.smd\" fps 20 frames 0 19 { LX LY\n walkframe 9 LX ly walkframe "
+      "19 lx }\n"
       "$Sequence \"run\" { event AE_STEP 5 \"left foot\" RUN_N run_n\n run_n blendwidth 3 Blend move_x -1 1\n"
       " rotate 90 subtract run_n 0 FadeIn 0.3 align run_n X Y 0 5 ACT_RUN 2 {event 5004 3 \"a b\"}\n"
       " keyvalues { a b } activitymodifier { hurt low } blendlayer lean 0 2 8 10 spline poseparameter p local }");
   EXPECT_THAT(Told(script), IsEmpty());
   EXPECT_THAT(StatementsOf(script),
-              ElementsAre("$animation run_n|run_n.smd: fps 20, frames 0|19, LX, LY, walkframe 9|LX|ly, walkframe 19|lx",
+              ElementsAre("$declaresequence lean",
+                          "$animation run_n|run_n.smd: fps 20, frames 0|19, LX, LY, walkframe 9|LX|ly, walkframe 19|lx",
                           "$Sequence run: event AE_STEP|5|left foot, RUN_N RUN_N, run_n run_n, run_n run_n, "
                           "blendwidth 3, Blend move_x|-1|1, rotate 90, subtract run_n|0, FadeIn 0.3, "
                           "align run_n|X|Y|0|5, ACT_RUN ACT_RUN|2, event 5004|3|a b, keyvalues, "
                           "activitymodifier hurt|low, blendlayer lean|0|2|8|10 (spline, poseparameter p, local)"));
-  const auto& options = script.Statements[1].Options;
-  EXPECT_EQ(options[1].Arguments[0].Statement, 0);
+  const auto& options = script.Statements[2].Options;
+  EXPECT_EQ(options[1].Arguments[0].Statement, 1);
   EXPECT_EQ(options[10].Kind, Key::Activity);
   EXPECT_EQ(options[12].Text, 0);
 }

@@ -65,5 +65,19 @@ TEST(QcErrors, OptionsOfASequenceInAnAnimationAreTold) {
                           "a.qc:3:1: error: the sequence \"t\" names no animation and no file"));
 }
 
+TEST(QcErrors, NamesThatAreUsedAndNotDeclaredAreTold) {
+  const Script script = ReadPlain(
+      "$body b meshes\\Walker.smd\n$declaresequence lean\n$weightlist Arms a 1\n$cmdlist fix { loop }\n"
+      "$sequence walk w.smd subtract WALK 0 addlayer lean weightlist arms cmdlist fix\n"
+      "$sequence run r.smd { subtract rn 0 blendlayer jump 0 1 2 3 weightlist legs cmdlist fox }\n"
+      "$sequence jump j.smd\n$lod 5 { replacemodel \"walker\" l.smd removemodel wlker }");
+  EXPECT_THAT(Told(script),
+              ElementsAre("a.qc:6:32: error: there is no sequence or animation \"rn\"; did you mean \"run\"?",
+                          "a.qc:6:48: warning: the sequence \"jump\" stands below the line that uses it",
+                          HasSubstr("a.qc:6:72: error: there is no weight list \"legs\""),
+                          "a.qc:6:85: error: there is no command list \"fox\"; did you mean \"fix\"?",
+                          "a.qc:8:50: warning: no body has the mesh \"wlker\"; did you mean \"walker\"?"));
+}
+
 }  // namespace
 }  // namespace tarnwick::qc
