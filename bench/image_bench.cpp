@@ -7,6 +7,7 @@
 #include <string>
 
 #include "images/conversion.h"
+#include "support/silent_report.h"
 
 namespace {
 
@@ -38,20 +39,13 @@ class Images {
   std::filesystem::path m_folder;
 };
 
-class Silence : public core::Report {
- public:
-  void Log(std::string_view) override {}
-  void Box(core::BoxIcon, std::string_view, std::string_view) override { ++Boxes; }
-  int Boxes = 0;
-};
-
 void Worker(benchmark::State& state) {
   const Images images(static_cast<int>(state.range(0)));
   std::filesystem::create_directories(images.Folder());
   const images::ImageWorker worker;
-  Silence report;
+  tests::SilentReport report;
   for (auto _ : state) images::ConvertToTga(images.Source(), images.Folder(), {report, worker, {}});
-  if (report.Boxes > 0) state.SkipWithError("a conversion failed");
+  if (report.Troubles > 0) state.SkipWithError("a conversion failed");
 }
 
 void InProcess(benchmark::State& state) {

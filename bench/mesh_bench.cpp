@@ -7,7 +7,6 @@
 #include <filesystem>
 #include <string>
 
-#include "core/report.h"
 #include "decompiler/decompile_job.h"
 #include "decompiler/mesh_pieces.h"
 #include "decompiler/mesh_smd.h"
@@ -15,16 +14,11 @@
 #include "model/vtx_tree.h"
 #include "support/model_builder.h"
 #include "support/scratch_folder.h"
+#include "support/silent_report.h"
 
 namespace {
 
 using namespace tarnwick;
-
-class SilentReport : public core::Report {
- public:
-  void Log(std::string_view) override {}
-  void Box(core::BoxIcon, std::string_view, std::string_view) override {}
-};
 
 /// A hilly square of `side` times `side` vertices, each bound to two bones.
 tests::MeshDescription Grid(int side) {
@@ -73,7 +67,7 @@ void CountBytes(benchmark::State& state, const std::string& folder) {
 /// The whole job, from reading the model to the renamed files.
 void Export(benchmark::State& state) {
   const tests::ScratchFolder folder;
-  SilentReport report;
+  tests::SilentReport report;
   decompiler::DecompileJob job;
   job.ModelPath = ModelPath();
   job.OutputDirectory = folder.Path();
@@ -99,7 +93,7 @@ void PrintVertex(std::FILE* file, const decompiler::VvdVertex& vertex) {
 /// The plain way: the model is read the same way, each value goes through fprintf.
 void PlainExport(benchmark::State& state) {
   const tests::ScratchFolder folder;
-  SilentReport report;
+  tests::SilentReport report;
   decompiler::DecompileJob record;
   record.ModelPath = ModelPath();
   record.OutputDirectory = folder.Path();

@@ -8,9 +8,9 @@
 #include <iterator>
 
 #include "bench/plain_smd.h"
-#include "core/report.h"
 #include "smd/material_replacement.h"
 #include "smd/smd_scan.h"
+#include "support/silent_report.h"
 
 namespace tarnwick::bench {
 namespace {
@@ -90,14 +90,9 @@ void ReplacePlain(benchmark::State& state) {
 }
 BENCHMARK(ReplacePlain)->Unit(benchmark::kMillisecond);
 
-class NoReport : public core::Report {
-  void Log(std::string_view) override {}
-  void Box(core::BoxIcon, std::string_view, std::string_view) override {}
-};
-
 void ReplaceFast(benchmark::State& state) {
   const SampleFile& sample = Sample();
-  NoReport report;
+  tests::SilentReport report;
   for (auto _ : state) {
     if (!smd::ReplaceMaterial({sample.Path, "material_3", "material_3"}, report)) state.SkipWithError("not replaced");
   }

@@ -13,8 +13,8 @@ class ConsoleReport : public core::Report {
  public:
   explicit ConsoleReport(std::ostream& out) : m_out(out) {}
   void Log(std::string_view text) override { m_out << PlainLines(text) << std::flush; }
-  void Box(core::BoxIcon, std::string_view text, std::string_view caption) override {
-    m_out << caption << ": " << OneLine(text) << std::endl;
+  void Tell(const core::Trouble& trouble) override {
+    if (!trouble.Caption.empty()) m_out << LineOf(trouble) << std::endl;
   }
 
  private:

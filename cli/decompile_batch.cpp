@@ -7,6 +7,7 @@
 #include <mutex>
 #include <thread>
 
+#include "cli/terminal.h"
 #include "core/paths.h"
 
 namespace tarnwick::cli {
@@ -22,9 +23,9 @@ class JobReport : public core::Report {
     m_logText += text;
     if (m_live != nullptr) m_live->Log(text);
   }
-  void Box(core::BoxIcon icon, std::string_view text, std::string_view caption) override {
-    m_logText += std::string(caption) + ": " + std::string(text.substr(0, text.find_last_not_of("\r\n") + 1)) + "\r\n";
-    if (m_live != nullptr) m_live->Box(icon, text, caption);
+  void Tell(const core::Trouble& trouble) override {
+    if (!trouble.Caption.empty()) m_logText += trouble.Caption + ": " + OneLine(trouble.Text) + "\r\n";
+    if (m_live != nullptr) m_live->Tell(trouble);
   }
 
  private:
@@ -45,8 +46,8 @@ void RunOne(ModelOutcome& outcome, uint32_t options, core::WorkQueue& helpers, c
   try {
     if (const std::string problem = MakeFolder(outcome.Model.OutputDirectory); !problem.empty()) {
       const std::string text = "The output directory " + outcome.Model.OutputDirectory + " cannot be made: " + problem;
-      report.ErrorBox(text, "File Error");
-      outcome.Result.Errors.push_back("File Error: " + text);
+      report.ErrorBox(core::TroubleKind::Unwritable, text, "File Error");
+      outcome.Result.Troubles.push_back({.Kind = core::TroubleKind::Unwritable, .Text = text, .Caption = "File Error"});
     } else {
       decompiler::DecompileJob job;
       job.ModelPath = outcome.Model.ModelPath;
@@ -57,8 +58,8 @@ void RunOne(ModelOutcome& outcome, uint32_t options, core::WorkQueue& helpers, c
     }
   } catch (const std::exception& error) {  // memory ran out, at the latest
     outcome.Result = {};
-    outcome.Result.Errors.push_back(std::string("Error: ") + error.what());
-    report.ErrorBox(error.what(), "Error");
+    outcome.Result.Troubles.push_back({.Kind = core::TroubleKind::Limit, .Text = error.what(), .Caption = "Error"});
+    report.ErrorBox(core::TroubleKind::Limit, error.what(), "Error");
   }
   outcome.Seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
 }

@@ -41,11 +41,9 @@ struct Options {
 
 /// A model's errors and warnings, each with the model's path before it.
 void PrintTroubles(std::ostream& out, const ModelOutcome& outcome) {
-  for (const std::string& error : outcome.Result.Errors) {
-    out << outcome.Model.ModelPath << ": " << error.substr(0, error.find_last_not_of("\r\n") + 1) << '\n';
-  }
-  for (const std::string& warning : outcome.Result.Warnings) {
-    out << outcome.Model.ModelPath << ": Warning: " << warning << '\n';
+  for (const core::Trouble& trouble : outcome.Result.Troubles) {
+    out << outcome.Model.ModelPath << ": " << (trouble.Level == core::Severity::Warning ? "Warning: " : "")
+        << LineOf(trouble) << '\n';
   }
 }
 

@@ -16,11 +16,10 @@ class ErrorKeeper : public core::Report {
  public:
   explicit ErrorKeeper(core::Report& inner) : m_inner(inner) {}
   void Log(std::string_view text) override { m_inner.Log(text); }
-  void Box(core::BoxIcon icon, std::string_view text, std::string_view caption) override {
-    m_inner.Box(icon, text, caption);
-    if (icon == core::BoxIcon::Stop) m_errors.push_back(OneLine(std::string(caption) + ": " + std::string(text)));
+  void Tell(const core::Trouble& trouble) override {
+    m_inner.Tell(trouble);
+    if (trouble.Level == core::Severity::Error) m_errors.push_back(LineOf(trouble));
   }
-  void Keep(std::string error) { m_errors.push_back(std::move(error)); }
   std::vector<std::string> Take() { return std::exchange(m_errors, {}); }
 
  private:
@@ -76,9 +75,7 @@ void RunMaterials(const tools::MaterialCompile& job, const ToolDirectories& dire
                            const std::string& directory, std::string& text) {
     core::TextReport conversionReport(text, keeper);
     const auto mayCreate = [](const images::MissingDirectory&) { return true; };
-    std::string tga = images::ConvertMapToTga(source, alpha, directory, {conversionReport, worker, mayCreate});
-    if (tga.empty()) keeper.Keep(LastLine(text));  // the reason, beside the box
-    return tga;
+    return images::ConvertMapToTga(source, alpha, directory, {conversionReport, worker, mayCreate});
   };
   calls.Run = run;
   calls.OnResult = [&](const tools::MaterialResult& result) {

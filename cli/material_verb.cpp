@@ -81,7 +81,7 @@ class LogReport : public core::Report {
   void Log(std::string_view text) override {
     if (!m_quiet) m_err << PlainLines(text) << std::flush;
   }
-  void Box(core::BoxIcon, std::string_view, std::string_view) override {}
+  void Tell(const core::Trouble&) override {}
 
  private:
   std::ostream& m_err;
@@ -112,8 +112,7 @@ int CompileImages(Options& options, Invocation& invocation) {
   RunMaterials(job, options.Directories, images::ImageWorker(), run, report, [&](const MaterialOutcome& outcome) {
     if (outcome.Succeeded()) ++succeeded;
     for (const std::string& error : outcome.Errors) {
-      const bool namesImage = error.starts_with(std::string(core::LastComponent(outcome.Image)) + ": ");
-      invocation.Err << (namesImage ? "" : outcome.Image + ": ") << error << '\n';
+      invocation.Err << outcome.Image << ": " << error << '\n';
     }
     if (outcome.Stopped) invocation.Err << outcome.Image << ": stopped\n";
     if (options.Json) {

@@ -32,6 +32,13 @@ std::string OneLine(std::string_view text) {
   return line;
 }
 
+std::string LineOf(const core::Trouble& trouble) {
+  std::string line = trouble.Caption.empty() ? "" : trouble.Caption + ": ";
+  line += OneLine(trouble.Text);
+  if (!trouble.Details.empty()) line += ": " + OneLine(trouble.Details);
+  return line;
+}
+
 std::string LastLine(std::string_view text) {
   const size_t end = text.find_last_not_of("\r\n ");
   if (end == std::string_view::npos) return {};

@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "core/trouble.h"
+
 namespace tarnwick::cli {
 
 /// Whether the program's standard error goes to a terminal.
@@ -14,6 +16,9 @@ std::string PlainLines(std::string_view text);
 
 /// `text` in one line: its line ends as blanks, none at the end.
 std::string OneLine(std::string_view text);
+
+/// A trouble in one line: caption, text and cause.
+std::string LineOf(const core::Trouble& trouble);
 
 /// The last line of `text` that holds anything, without its line end.
 std::string LastLine(std::string_view text);

@@ -58,9 +58,7 @@ class OutcomeReport : public core::Report {
  public:
   explicit OutcomeReport(VtfOutcome& outcome) : m_outcome(outcome) {}
   void Log(std::string_view text) override { m_outcome.LogText += text; }
-  void Box(core::BoxIcon, std::string_view text, std::string_view caption) override {
-    m_outcome.Errors.push_back(OneLine(std::string(caption) + ": " + std::string(text)));
-  }
+  void Tell(const core::Trouble& trouble) override { m_outcome.Errors.push_back(LineOf(trouble)); }
 
  private:
   VtfOutcome& m_outcome;
@@ -77,10 +75,7 @@ bool PlaceImage(const fs::path& tga, const std::string& destination, const image
                 core::Report& report, VtfOutcome& outcome) {
   const images::ImageFormat* format = images::FormatOfFileName(destination);
   if (format == nullptr || format->Number != images::FormatTga) {
-    const size_t before = outcome.LogText.size();
-    if (images::ConvertTgaToImage(core::PathText(tga), destination, {report, worker, {}})) return true;
-    outcome.Errors.push_back(LastLine(std::string_view(outcome.LogText).substr(before)));
-    return false;
+    return images::ConvertTgaToImage(core::PathText(tga), destination, {report, worker, {}});
   }
   std::error_code error;
   fs::rename(tga, core::NativePath(destination), error);

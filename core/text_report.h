@@ -6,17 +6,17 @@
 
 namespace tarnwick::core {
 
-/// Appends the log to a text of the caller's and passes boxes on to another report. Both outlive the object.
+/// Appends the log to a text of the caller's and passes troubles on. Both outlive the object.
 class TextReport : public Report {
  public:
-  TextReport(std::string& log, Report& boxes) : m_log(log), m_boxes(boxes) {}
+  TextReport(std::string& log, TroubleSink& troubles) : m_log(log), m_troubles(troubles) {}
 
   void Log(std::string_view text) override { m_log += text; }
-  void Box(BoxIcon icon, std::string_view text, std::string_view caption) override { m_boxes.Box(icon, text, caption); }
+  void Tell(const Trouble& trouble) override { m_troubles.Tell(trouble); }
 
  private:
   std::string& m_log;
-  Report& m_boxes;
+  TroubleSink& m_troubles;
 };
 
 }  // namespace tarnwick::core

@@ -25,14 +25,30 @@ enum class TroubleKind {
   Stopped,     // the user ended the work
 };
 
+/// The picture of a message box.
+enum class BoxIcon { None, Stop, Exclamation, Information, Question };
+
 /// One thing that the user should know, as a value: told once, shown by each door in its own way.
 struct Trouble {
   Severity Level = Severity::Error;
   TroubleKind Kind = TroubleKind::Damaged;
-  std::string File;               // the file that it is about; empty for none
-  std::optional<int64_t> Offset;  // the byte of that file at which it was found
-  std::string Text;               // one sentence, without caption or line end
-  std::string Caption;            // of the message box that shows it; empty: no box, a log line alone
+  std::string File = {};               // the file that it is about; empty for none
+  std::optional<int64_t> Offset = {};  // the byte of that file at which it was found
+  std::string Text = {};               // one sentence, without caption or line end
+  std::string Caption = {};            // of the message box that shows it; empty: no box, a line of the log alone
+  std::optional<BoxIcon> Icon = {};    // of that box, where it does not follow from Level
+  std::string Details = {};            // the cause, behind Text and quieter; may be empty
+  std::string Alike = {};              // Text less names and numbers, to count like troubles by; empty: Text
+
+  bool operator==(const Trouble&) const = default;
+
+  BoxIcon ShownIcon() const {
+    if (Icon) return *Icon;
+    if (Level == Severity::Note) return BoxIcon::Information;
+    return Level == Severity::Warning ? BoxIcon::Exclamation : BoxIcon::Stop;
+  }
+  /// What like troubles have in common.
+  const std::string& SharedText() const { return Alike.empty() ? Text : Alike; }
 };
 
 /// Where a room that knows no job and no window tells a trouble. Calls come from the thread that does the work.

@@ -28,13 +28,14 @@ bool LoadModel(JobContext& job) {
   }
   if (!model) {
     DecompileLog(job, "Unable to read " + path + ": " + reason + "\r\n");
-    job.Error("Unable to load model", "Error");
+    job.Error("Unable to load model", "Error", core::TroubleKind::Unreadable, path);
     return false;
   }
   job.Model.Mdl = std::move(*model);
   DecompileLog(job, "Loaded model " + path + "\r\n");
   if (std::string_view(job.Model.Header()->Id, 4) != ModelId) {
-    job.Advise(path + " does not begin with " + std::string(ModelId) + " as compiled models do");
+    job.Advise(path + " does not begin with " + std::string(ModelId) + " as compiled models do",
+               core::TroubleKind::Unknown);
   }
   return true;
 }
@@ -46,14 +47,15 @@ bool LoadVertices(JobContext& job) {
   if (!path) {
     job.Error("Unable to load vertices file: " +
                   modelPath.substr(0, modelPath.size() - std::min<size_t>(4, modelPath.size())) + ".vtx",
-              "Error");
+              "Error", core::TroubleKind::Missing, modelPath, "Unable to load vertices file");
     return false;
   }
   std::string reason;
   job.Model.Vtx = LoadVtxFile(*path, &reason);
   if (!job.Model.Vtx) {
     DecompileLog(job, "Unable to read " + *path + ": " + reason + "\r\n");
-    job.Error("Unable to load vertices file: " + *path, "Error");
+    job.Error("Unable to load vertices file: " + *path, "Error", core::TroubleKind::Unreadable, *path,
+              "Unable to load vertices file");
     return false;
   }
   DecompileLog(job, "Loaded Vertices " + *path + "\r\n");
@@ -74,6 +76,13 @@ void WriteScript(JobContext& job, core::TextWriter& script) {
 
 }  // namespace
 
+std::vector<core::Trouble> DecompileResult::Told(core::Severity level) const {
+  std::vector<core::Trouble> told;
+  std::copy_if(Troubles.begin(), Troubles.end(), std::back_inserter(told),
+               [level](const core::Trouble& trouble) { return trouble.Level == level; });
+  return told;
+}
+
 DecompileResult DecompileModel(const DecompileJob& jobRecord, core::Report& report) {
   JobContext job(jobRecord, report);
   if (!LoadModel(job)) return std::move(job.Result());
@@ -85,7 +94,8 @@ DecompileResult DecompileModel(const DecompileJob& jobRecord, core::Report& repo
   auto file = jobRecord.OutputDirectory.empty() ? std::nullopt : job.Create(ScriptName, &reason);
   if (!file) {
     DecompileLog(job, "Unable to create " + path + ": " + reason + "\r\n");
-    job.Error("Unable to open qc file\"" + path + "\"", "File Error");
+    job.Error("Unable to open qc file\"" + path + "\"", "File Error", core::TroubleKind::Unwritable, path,
+              "Unable to open qc file");
     return std::move(job.Result());
   }
   DecompileLog(job, "Creating " + path + "\r\n");

@@ -8,6 +8,7 @@
 
 #include "core/report.h"
 #include "core/work_queue.h"
+#include "core/written_file.h"
 
 namespace tarnwick::decompiler {
 
@@ -43,11 +44,7 @@ struct DecompileJob {
   int64_t OutputLimit = 0;
 };
 
-/// A file that a job has written.
-struct WrittenFile {
-  std::string Path;
-  uint64_t Size = 0;
-};
+using core::WrittenFile;
 
 /// A kind of thing that the model holds and its sources do not say, and how many of them.
 struct LostKind {
@@ -57,14 +54,15 @@ struct LostKind {
 
 /// What came of a job. The log and the boxes tell the same in words.
 struct DecompileResult {
-  bool Completed = false;             // the job came to its end; stages may have failed
-  std::vector<WrittenFile> Files;     // in the order in which they were begun
-  std::vector<std::string> Warnings;  // the text behind "Warning: "
-  std::vector<std::string> Errors;    // caption and text of each box, as "caption: text"
-  std::vector<LostKind> Lost;         // ready to compile: in the order in which they were met; empty: complete
+  bool Completed = false;               // the job came to its end; stages may have failed
+  std::vector<WrittenFile> Files;       // in the order in which they were begun
+  std::vector<core::Trouble> Troubles;  // in the order in which they were told
+  std::vector<LostKind> Lost;           // ready to compile: in the order in which they were met; empty: complete
 
+  /// The troubles of one kind of severity.
+  std::vector<core::Trouble> Told(core::Severity level) const;
   /// Everything that the model holds is written.
-  bool Succeeded() const { return Completed && Errors.empty(); }
+  bool Succeeded() const { return Completed && Told(core::Severity::Error).empty(); }
 };
 
 /// Runs the whole job on the calling thread: loads the model, writes the QC script, the SMD files and the VTA files

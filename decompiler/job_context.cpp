@@ -13,24 +13,28 @@ JobContext::JobContext(const DecompileJob& job, core::Report& report)
 }
 
 void JobContext::Tell(const core::Trouble& trouble) {
-  switch (trouble.Level) {
-    case core::Severity::Note:
-      return Log(trouble.Text + "\r\n");
-    case core::Severity::Warning:
-      return trouble.Kind == core::TroubleKind::Mismatch ? Advise(trouble.Text) : Warn(trouble.Text);
-    case core::Severity::Error:
-      return trouble.Caption.empty() ? LogError(trouble.Text) : Error(trouble.Text, trouble.Caption);
-  }
+  const bool isWarning = trouble.Level == core::Severity::Warning;
+  if (trouble.Level == core::Severity::Note) return Log(trouble.Text + "\r\n");
+  if (isWarning && trouble.Kind == core::TroubleKind::Mismatch && !ReadyToCompile()) return;
+  if (trouble.Caption.empty()) Log((isWarning ? "Warning: " : "Error: ") + trouble.Text + "\r\n");
+  Keep(trouble);
 }
 
-void JobContext::Warn(std::string text) {
-  Log("Warning: " + text + "\r\n");
-  m_result.Warnings.push_back(std::move(text));
+void JobContext::Keep(core::Trouble trouble) {
+  m_report.Tell(trouble);
+  m_result.Troubles.push_back(std::move(trouble));
 }
 
-void JobContext::LogError(std::string text) {
-  Log("Error: " + text + "\r\n");
-  m_result.Errors.push_back(std::move(text));
+void JobContext::Warn(std::string text, core::TroubleKind kind) {
+  Tell({.Level = core::Severity::Warning, .Kind = kind, .Text = std::move(text)});
+}
+
+void JobContext::LogError(std::string text, core::TroubleKind kind, std::string alike) {
+  Tell({.Kind = kind, .Text = std::move(text), .Alike = std::move(alike)});
+}
+
+void JobContext::RecordError(std::string text, core::TroubleKind kind, std::string alike) {
+  Keep({.Kind = kind, .Text = std::move(text), .Alike = std::move(alike)});
 }
 
 void JobContext::Lose(std::string_view kind, int64_t count) {
@@ -49,9 +53,13 @@ void JobContext::TellLost() {
   }
 }
 
-void JobContext::Error(std::string_view text, std::string_view caption) {
-  m_result.Errors.push_back(std::string(caption) + ": " + std::string(text));
-  m_report.ErrorBox(text, caption);
+void JobContext::Error(std::string_view text, std::string_view caption, core::TroubleKind kind, std::string file,
+                       std::string alike) {
+  Tell({.Kind = kind,
+        .File = std::move(file),
+        .Text = std::string(text),
+        .Caption = std::string(caption),
+        .Alike = std::move(alike)});
 }
 
 bool JobContext::ScriptWithinBounds() {
@@ -61,7 +69,8 @@ bool JobContext::ScriptWithinBounds() {
 
 bool JobContext::Stopped() {
   if (m_job.StopRequested == nullptr || !m_job.StopRequested->load()) return false;
-  if (!std::exchange(m_stopTold, true)) Error("The job was stopped; the sources are not complete", "Stopped");
+  if (!std::exchange(m_stopTold, true))
+    Error("The job was stopped; the sources are not complete", "Stopped", core::TroubleKind::Stopped);
   return true;
 }
 
@@ -95,7 +104,8 @@ void JobContext::WriteFile(core::OutputFile file, FileBatch::WriteFunction write
 
 void JobContext::FinishScript(core::OutputFile& script) {
   if (!script.Commit()) {
-    Error("Error writing " + script.Path() + ": " + script.Error(), "File Error");
+    Error("Error writing " + script.Path() + ": " + script.Error(), "File Error", core::TroubleKind::Unwritable,
+          script.Path(), "Error writing a file: " + script.Error());
     return;
   }
   m_result.Files.insert(m_result.Files.begin(), {script.Path(), script.Size()});
@@ -111,7 +121,8 @@ void JobContext::Record(FileOutcome& outcome) {
 void JobContext::FinishFiles() {
   for (FileOutcome& outcome : m_files.Finish()) {
     if (!outcome.Error.empty()) {
-      Error("Error writing " + outcome.Path + ": " + outcome.Error, "File Error");
+      Error("Error writing " + outcome.Path + ": " + outcome.Error, "File Error", core::TroubleKind::Unwritable,
+            outcome.Path, "Error writing a file: " + outcome.Error);
     } else if (!outcome.Discarded) {
       if (outcome.NonFinite > 0) {
         Warn(outcome.Path + " holds " + std::to_string(outcome.NonFinite) +

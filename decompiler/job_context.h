@@ -49,22 +49,23 @@ class JobContext : private core::TroubleSink, public ModelReader {
 
   /// Appends to the job's log. Lines carry their own \r\n.
   void Log(std::string_view text) { m_report.Log(text); }
-  /// A line "Warning: ...\r\n" in the log, and an entry in the result.
-  void Warn(std::string text);
+  /// A line "Warning: ...\r\n" in the log, and a trouble without a box.
+  void Warn(std::string text, core::TroubleKind kind = core::TroubleKind::Lost);
   /// A warning of what is odd but no failure; the plain form passes over it in silence.
-  void Advise(std::string text) {
-    if (ReadyToCompile()) Warn(std::move(text));
+  void Advise(std::string text, core::TroubleKind kind = core::TroubleKind::Lost) {
+    if (ReadyToCompile()) Warn(std::move(text), kind);
   }
-  /// A line "Error: ...\r\n" in the log, and an entry in the result: something is missing that the user should know of,
-  /// but no box stops the work.
-  void LogError(std::string text);
-  /// An entry among the result's errors for something that the log has told in words of its own.
-  void RecordError(std::string text) { m_result.Errors.push_back(std::move(text)); }
+  /// A line "Error: ...\r\n" in the log, and a trouble without a box: something is missing that the user should know
+  /// of, but nothing stops the work.
+  void LogError(std::string text, core::TroubleKind kind, std::string alike);
+  /// An error without a box, for something that the log has told in words of its own.
+  void RecordError(std::string text, core::TroubleKind kind, std::string alike);
   /// Counts `count` things of `kind` (in the plural) that the model holds and the sources will not say. Told once a
   /// kind, at the end of the job. The plain form, which leaves out much by its nature, passes over it in silence.
   void Lose(std::string_view kind, int64_t count = 1);
-  /// A box with the stop icon, and an entry in the result.
-  void Error(std::string_view text, std::string_view caption);
+  /// A box with the stop icon.
+  void Error(std::string_view text, std::string_view caption, core::TroubleKind kind, std::string file = {},
+             std::string alike = {});
   /// Whether the caller wants the job to end; told in the log the first time.
   bool Stopped();
 
@@ -92,8 +93,10 @@ class JobContext : private core::TroubleSink, public ModelReader {
   DecompileResult& Result() { return m_result; }
 
  private:
-  /// Sorts what reading the model tells into the log, the warnings and the boxes.
+  /// Takes a trouble: a note becomes a line of the log, a warning or an error without a box a line too, and both reach
+  /// the report and the result.
   void Tell(const core::Trouble& trouble) override;
+  void Keep(core::Trouble trouble);
   /// Puts a file that is finished into the result; what stood under its path before is no more.
   void Record(FileOutcome& outcome);
 

@@ -181,7 +181,8 @@ class MeshExport {
     auto file = m_job.Create(name, &reason);
     if (!file) {
       m_job.Log("Unable to create " + path + ": " + reason + "\r\n");
-      m_job.Error("Error opening " + path + "\n", "File Error");
+      m_job.Error("Error opening " + path + "\n", "File Error", core::TroubleKind::Unwritable, path,
+                  "Error opening a mesh file");
       return false;
     }
     DecompileLog(m_job, "Creating " + path + "\r\n");
@@ -191,7 +192,9 @@ class MeshExport {
                    (pieces->LeftOut == 1 ? " triangle strip" : " triangle strips") +
                    "; only triangle lists are written");
     }
-    if (!pieces->Complete) m_job.LogError(path + " is not complete, and no further mesh is written");
+    if (!pieces->Complete)
+      m_job.LogError(path + " is not complete, and no further mesh is written", core::TroubleKind::Lost,
+                     "a mesh is not complete");
     // A source that a compiler is to take is whole or not there; the plain form keeps what could be had.
     if (!pieces->Complete && m_job.ReadyToCompile()) return false;
     m_job.WriteFile(std::move(*file),
@@ -220,7 +223,7 @@ void WriteModelMeshes(JobContext& job) {
     return;
   }
   if ((*vtxHeader)->Version > HighestVtxVersion) {
-    job.Error("Unknown vertex file format", "Vertex File Error");
+    job.Error("Unknown vertex file format", "Vertex File Error", core::TroubleKind::Unknown);
     return;
   }
   job.Model.Layout = FindVtxLayout(job);

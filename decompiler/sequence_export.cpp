@@ -146,7 +146,7 @@ class AnimationExport {
       m_files.LastWriters[FileKey(name)] = number;
       DecompileLog(m_job, "Creating " + name + "\r\n");
     } else {
-      m_job.LogError(m_job.OutputPath(name) + ": " + reason);
+      m_job.LogError(m_job.OutputPath(name) + ": " + reason, core::TroubleKind::Unwritable, reason);
       DecompileLog(m_job, "Unable to open file " + name);
     }
     return file;

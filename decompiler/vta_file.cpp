@@ -162,7 +162,7 @@ bool WriteVtaFile(JobContext& job, const core::Record<StudioModel>& model, const
   auto file = job.Create(tables.VtaName);
   if (!file) {
     job.Log("Unable to open " + tables.VtaName + "\r\n");
-    job.RecordError("File Error: Unable to open " + tables.VtaName);
+    job.RecordError("Unable to open " + tables.VtaName, core::TroubleKind::Unwritable, "Unable to open a VTA file");
     return false;
   }
   job.Log("Creating " + tables.VtaName + "\r\n");
@@ -176,7 +176,8 @@ bool WriteVtaFile(JobContext& job, const core::Record<StudioModel>& model, const
   if (content->HasVertices) GatherFrames(job, flexes, tables, *content);
   const bool complete = content->HasVertices;
   if (!complete) {
-    job.LogError(tables.VtaName + " is not complete: the model's vertices cannot be reached");
+    job.LogError(tables.VtaName + " is not complete: the model's vertices cannot be reached", core::TroubleKind::Lost,
+                 "a VTA file is not complete");
     if (job.ReadyToCompile()) return false;
   }
   job.WriteFile(std::move(*file), [content = std::move(content)](core::TextWriter& writer) {

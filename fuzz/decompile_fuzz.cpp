@@ -10,9 +10,9 @@
 #include <fstream>
 #include <random>
 
-#include "core/report.h"
 #include "decompile_input.h"
 #include "decompiler/decompile_job.h"
+#include "support/silent_report.h"
 
 extern "C" size_t LLVMFuzzerMutate(uint8_t* data, size_t size, size_t maxSize);
 
@@ -23,12 +23,6 @@ using tarnwick::fuzz::DecompileInput;
 
 /// What a job may write here; an input that asks for more is not looked at for longer.
 constexpr int64_t OutputLimit = 1 << 20;
-
-class SilentReport : public tarnwick::core::Report {
- public:
-  void Log(std::string_view) override {}
-  void Box(tarnwick::core::BoxIcon, std::string_view, std::string_view) override {}
-};
 
 /// A folder of this process, removed at its end.
 class JobFolder {
@@ -78,7 +72,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   job.OutputDirectory = folder.Out().string();
   job.Options = input.Options & 7u;
   job.OutputLimit = OutputLimit;
-  SilentReport report;
+  tarnwick::tests::SilentReport report;
   tarnwick::decompiler::DecompileModel(job, report);
   folder.Clear();
   return 0;

@@ -11,16 +11,12 @@
 #include "project/project_edit.h"
 #include "project/project_store.h"
 #include "project/qc_statements.h"
+#include "support/silent_report.h"
 
 using namespace tarnwick;
 using namespace tarnwick::project;
 
 namespace {
-
-class NoReport : public core::Report {
-  void Log(std::string_view) override {}
-  void Box(core::BoxIcon, std::string_view, std::string_view) override {}
-};
 
 ProfileStore Saved(const ModelProject& project) {
   ProfileStore store;
@@ -48,7 +44,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
 
   std::string script;
   {
-    NoReport report;
+    tests::SilentReport report;
     core::TextWriter writer(script);
     WriteQcStatements(project, writer, report);
   }

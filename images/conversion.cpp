@@ -29,11 +29,18 @@ bool LogConversion(const std::string& path, const ImageFormat* format, bool toTg
   return false;
 }
 
-/// The box of a failed conversion, with the reason in the log. `lineOpen`: the log's last line has no end yet.
-void ReportFailure(const std::string& source, const std::string& destination, const std::string& reason, bool lineOpen,
-                   core::Report& report) {
-  report.Log((lineOpen ? "\r\n" : "") + std::string(ImageFileName(source)) + ": " + reason + "\r\n");
-  report.ErrorBox(FailureText(destination), FailureCaption);
+/// The box of a failed conversion, with the reason in its details and in the log. `lineOpen`: the log's last line has
+/// no end yet.
+void ReportFailure(core::TroubleKind kind, const std::string& source, const std::string& destination,
+                   const std::string& reason, bool lineOpen, core::Report& report) {
+  const std::string cause = std::string(ImageFileName(source)) + ": " + reason;
+  report.Log((lineOpen ? "\r\n" : "") + cause + "\r\n");
+  report.Tell({.Kind = kind,
+               .File = source,
+               .Text = FailureText(destination),
+               .Caption = std::string(FailureCaption),
+               .Details = cause,
+               .Alike = reason});
 }
 
 /// The directory that `path` lies in, if it does not exist and may be made.
@@ -52,6 +59,7 @@ bool CreateDirectoryOf(const std::string& path, const ConversionContext& context
 
 /// Runs the worker on `request` and gives its result the name `destination`. On failure everything is told.
 bool Convert(WorkerRequest request, const std::string& destination, bool lineOpen, const ConversionContext& context) {
+  core::TroubleKind kind = core::TroubleKind::Unwritable;
   std::string reason;
   auto output = core::OutputFile::Create(destination, &reason);
   if (!output && CreateDirectoryOf(destination, context, reason)) {
@@ -62,11 +70,12 @@ bool Convert(WorkerRequest request, const std::string& destination, bool lineOpe
     request.Output = core::PathText(output->TemporaryPath());
     const WorkerAnswer answer = context.Worker.Run(request);
     if (answer.Done && output->Commit()) return true;
+    if (!answer.Done) kind = core::TroubleKind::Unreadable;
     reason = answer.Done ? output->Error() : answer.Reason;
   } else {
     reason = destination + " cannot be created: " + reason;
   }
-  ReportFailure(request.Source, destination, reason, lineOpen, context.Report);
+  ReportFailure(kind, request.Source, destination, reason, lineOpen, context.Report);
   return false;
 }
 

@@ -17,12 +17,13 @@ constexpr int MostAnimationBoxes = 3;
 constexpr std::string_view DamageCaption = "Damaged File";
 
 core::Trouble Damage(const std::string& path, std::string_view what, int64_t offset, const std::string& rest) {
-  return {core::Severity::Error,
-          core::TroubleKind::Damaged,
-          path,
-          offset,
-          path + ": the " + std::string(what) + " at byte " + std::to_string(offset) + rest,
-          std::string(DamageCaption)};
+  const std::string subject = "the " + std::string(what);
+  return {.Kind = core::TroubleKind::Damaged,
+          .File = path,
+          .Offset = offset,
+          .Text = path + ": " + subject + " at byte " + std::to_string(offset) + rest,
+          .Caption = std::string(DamageCaption),
+          .Alike = subject + " is damaged"};
 }
 
 int64_t SizeOf(const LoadedModel& model) {
@@ -54,6 +55,7 @@ void ModelReader::DamagedName(std::string_view what, int64_t offset) {
 void ModelReader::DamagedAnimation(const std::string& path, std::string_view what, int64_t offset,
                                    std::string_view problem) {
   core::Trouble trouble = Damage(path, what, offset, " " + std::string(problem));
+  trouble.Alike = "an animation is damaged";
   if (m_animationsTold++ >= MostAnimationBoxes) trouble.Caption.clear();
   Tell(trouble);
 }
@@ -63,10 +65,12 @@ bool ModelReader::Spend(int64_t bytes) {
   m_spent = std::min(m_spent, limit) + std::clamp<int64_t>(bytes, 0, limit + 1);
   if (m_spent <= limit) return true;
   if (!std::exchange(m_limitTold, true)) {
-    Tell({core::Severity::Error, core::TroubleKind::Limit, Model.Mdl.Path(), std::nullopt,
-          Model.Mdl.Path() + ": the model asks for more than " + std::to_string(limit / MebiByte) +
-              " MiB of output, which no sound model of its size does; the rest is left out",
-          std::string(DamageCaption)});
+    Tell({.Kind = core::TroubleKind::Limit,
+          .File = Model.Mdl.Path(),
+          .Text = Model.Mdl.Path() + ": the model asks for more than " + std::to_string(limit / MebiByte) +
+                  " MiB of output, which no sound model of its size does; the rest is left out",
+          .Caption = std::string(DamageCaption),
+          .Alike = "the model asks for too much output"});
   }
   return false;
 }

@@ -13,8 +13,9 @@ std::string VvdPath(const std::string& modelPath) {
   return modelPath.substr(0, modelPath.find_last_of('.') + 1) + "vvd";
 }
 
-void TellNoVertices(ModelReader& reader, core::TroubleKind kind, const std::string& path, std::string text) {
-  reader.Tell({core::Severity::Error, kind, path, std::nullopt, std::move(text), {}});
+void TellNoVertices(ModelReader& reader, core::TroubleKind kind, const std::string& path, std::string text,
+                    std::string alike) {
+  reader.Tell({.Kind = kind, .File = path, .Text = std::move(text), .Alike = std::move(alike)});
 }
 
 /// Puts the vertices of a file with fix-ups in the order in which the meshes number them: the runs in table order, one
@@ -53,13 +54,14 @@ std::optional<VertexImage> ReadVertexImage(ModelReader& reader) {
   const std::string path = VvdPath(reader.Model.Mdl.Path());
   const auto found = FindCompanion(reader, {&path, 1});
   if (!found) {
-    TellNoVertices(reader, core::TroubleKind::Missing, path, "No vertex file: " + path);
+    TellNoVertices(reader, core::TroubleKind::Missing, path, "No vertex file: " + path, "No vertex file");
     return std::nullopt;
   }
   std::string reason;
   auto file = core::FileImage::Read(*found, &reason);
   if (!file) {
-    TellNoVertices(reader, core::TroubleKind::Unreadable, *found, "Unable to read " + *found + ": " + reason);
+    TellNoVertices(reader, core::TroubleKind::Unreadable, *found, "Unable to read " + *found + ": " + reason,
+                   "Unable to read the vertex file");
     return std::nullopt;
   }
   VertexImage image{std::move(*file), {}, {}, false};
@@ -71,7 +73,8 @@ std::optional<VertexImage> ReadVertexImage(ModelReader& reader) {
   }
   image.HasVertices = (*header)->Id == VvdId && (*header)->VertexOffset != 0;
   if (!image.HasVertices) {
-    TellNoVertices(reader, core::TroubleKind::Damaged, image.File.Path(), image.File.Path() + " holds no vertex data");
+    TellNoVertices(reader, core::TroubleKind::Damaged, image.File.Path(), image.File.Path() + " holds no vertex data",
+                   "the vertex file holds no vertex data");
     return image;
   }
   CheckChecksum(reader, image.File.Path(), (*header)->Checksum);

@@ -11,7 +11,7 @@ namespace tarnwick::pages {
 bool ShowRefusal(platform::CDialog& dialog, const project::Verdict& verdict) {
   if (!verdict) return false;
   platform::PageReport report(dialog.DesktopSeam(), &dialog);
-  verdict->ShowIn(report);
+  report.Tell(verdict->Told());
   for (QWidget* control : dialog.findChildren<QWidget*>()) {
     if (verdict->Field.empty() || control->accessibleName() != platform::ToQt(verdict->Field)) continue;
     control->setFocus();

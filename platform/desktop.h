@@ -4,12 +4,13 @@
 #include <string>
 #include <vector>
 
+#include "core/trouble.h"
+
 class QWidget;
 
 namespace tarnwick::platform {
 
-/// The picture of a message box; Stop, Exclamation and Information beep as the platform does.
-enum class BoxIcon { None, Stop, Exclamation, Information, Question };
+using core::BoxIcon;  // Stop, Exclamation and Information beep as the platform does
 
 /// The buttons of a message box, the first of each being the default one.
 enum class BoxButtons { Ok, OkCancel, YesNo, YesNoCancel };

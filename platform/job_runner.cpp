@@ -25,8 +25,8 @@ class WorkerReport : public JobReport {
     m_grown += text;
   }
 
-  void Box(core::BoxIcon icon, std::string_view text, std::string_view caption) override {
-    Ask(BoxOf(icon, text, caption));
+  void Tell(const core::Trouble& trouble) override {
+    if (!trouble.Caption.empty()) Ask(BoxOf(trouble));
   }
 
   BoxAnswer Ask(const MessageBoxRequest& request) override {
@@ -108,7 +108,7 @@ bool JobRunner::Start(Work work, JobView view) {
     try {
       work(job->Report, stop);
     } catch (const std::exception& error) {  // memory ran out, at the latest
-      job->Report.ErrorBox(error.what(), "Error");
+      job->Report.ErrorBox(core::TroubleKind::Limit, error.what(), "Error");
     }
     job->Ended = true;
   });

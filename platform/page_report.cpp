@@ -2,11 +2,8 @@
 
 namespace tarnwick::platform {
 
-MessageBoxRequest BoxOf(core::BoxIcon icon, std::string_view text, std::string_view caption) {
-  BoxIcon shown = BoxIcon::Information;
-  if (icon == core::BoxIcon::Stop) shown = BoxIcon::Stop;
-  if (icon == core::BoxIcon::Exclamation) shown = BoxIcon::Exclamation;
-  return {std::string(text), std::string(caption), shown, BoxButtons::Ok};
+MessageBoxRequest BoxOf(const core::Trouble& trouble) {
+  return {trouble.Text, trouble.Caption, trouble.ShownIcon(), BoxButtons::Ok, trouble.Details};
 }
 
 PageReport::PageReport(Desktop& desktop, QWidget* owner, std::function<void(std::string_view)> log)
@@ -16,8 +13,8 @@ void PageReport::Log(std::string_view text) {
   if (m_log) m_log(text);
 }
 
-void PageReport::Box(core::BoxIcon icon, std::string_view text, std::string_view caption) {
-  m_desktop.ShowBox(m_owner, BoxOf(icon, text, caption));
+void PageReport::Tell(const core::Trouble& trouble) {
+  if (!trouble.Caption.empty()) m_desktop.ShowBox(m_owner, BoxOf(trouble));
 }
 
 }  // namespace tarnwick::platform

@@ -15,7 +15,7 @@ class PageReport : public core::Report {
   PageReport(Desktop& desktop, QWidget* owner, std::function<void(std::string_view)> log = {});
 
   void Log(std::string_view text) override;
-  void Box(core::BoxIcon icon, std::string_view text, std::string_view caption) override;
+  void Tell(const core::Trouble& trouble) override;
 
  private:
   Desktop& m_desktop;
@@ -23,7 +23,7 @@ class PageReport : public core::Report {
   std::function<void(std::string_view)> m_log;
 };
 
-/// The box of a logic room as the desktop shows it.
-MessageBoxRequest BoxOf(core::BoxIcon icon, std::string_view text, std::string_view caption);
+/// The box that shows `trouble`.
+MessageBoxRequest BoxOf(const core::Trouble& trouble);
 
 }  // namespace tarnwick::platform

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "core/report.h"
+#include "core/trouble.h"
 #include "project/model_project.h"
 
 namespace tarnwick::project {
@@ -17,7 +17,10 @@ struct Refusal {
   std::string Caption;
   std::string Field;
 
-  void ShowIn(core::Report& report) const { report.Box(Icon, Text, Caption); }
+  /// Refused, as a trouble whose box shows it.
+  core::Trouble Told() const {
+    return {.Kind = core::TroubleKind::Refused, .Text = Text, .Caption = Caption, .Icon = Icon};
+  }
 };
 
 /// The answer of every check: nothing if the value is good.

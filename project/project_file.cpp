@@ -66,8 +66,8 @@ void AddFileNotes(const ProfileLoadNotes& found, std::vector<std::string>& notes
   }
 }
 
-bool Fail(core::Report& report, const std::string& text) {
-  report.ErrorBox(text, Caption);
+bool Fail(core::Report& report, core::TroubleKind kind, const std::string& path, const std::string& text) {
+  report.ErrorBox(kind, text, Caption, path);
   return false;
 }
 
@@ -80,10 +80,12 @@ bool OpenProjectFile(const std::string& path, ModelProject& project, ProfileStor
   ProfileLoadNotes found;
   std::string reason;
   if (!loaded.LoadFile(path, &reason, &found)) {
-    return Fail(report, "Unable to read the project file \"" + path + "\": " + reason);
+    return Fail(report, core::TroubleKind::Unreadable, path,
+                "Unable to read the project file \"" + path + "\": " + reason);
   }
   if (!HoldsProject(loaded)) {
-    return Fail(report, "\"" + path + "\" is no project file: no line of it belongs to a project");
+    return Fail(report, core::TroubleKind::Unknown, path,
+                "\"" + path + "\" is no project file: no line of it belongs to a project");
   }
   store = std::move(loaded);
   std::vector<std::string> notes;
@@ -97,20 +99,22 @@ bool OpenProjectFile(const std::string& path, ModelProject& project, ProfileStor
   if (!notes.empty()) {
     std::string text = "Not all of the project file \"" + path + "\" was loaded.";
     for (const std::string& note : notes) text += "\r\n" + note;
-    report.WarningBox(text, "Project File Warning");
+    report.WarningBox(core::TroubleKind::Lost, text, "Project File Warning");
   }
   return true;
 }
 
 bool SaveProjectFile(const std::string& path, ModelProject& project, ProfileStore& store, core::Report& report) {
   if (const Verdict refused = CheckProjectForFile(project)) {
-    return Fail(report, "The project was not saved to \"" + path + "\".\r\n" + refused->Text);
+    return Fail(report, core::TroubleKind::Refused, path,
+                "The project was not saved to \"" + path + "\".\r\n" + refused->Text);
   }
   project.configFile = path;
   SaveProjectToStore(project, store);
   std::string reason;
   if (store.SaveFile(path, &reason)) return true;
-  return Fail(report, "Unable to write the project file \"" + path + "\": " + reason);
+  return Fail(report, core::TroubleKind::Unwritable, path,
+              "Unable to write the project file \"" + path + "\": " + reason);
 }
 
 }  // namespace tarnwick::project

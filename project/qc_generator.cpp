@@ -18,9 +18,10 @@ namespace tarnwick::project {
 namespace {
 
 using core::Report;
+using core::TroubleKind;
 
-bool Refuse(Report& report, std::string_view text, std::string_view caption) {
-  report.ErrorBox(text, caption);
+bool Refuse(Report& report, std::string_view text, std::string_view caption, TroubleKind kind = TroubleKind::Refused) {
+  report.ErrorBox(kind, text, caption);
   return false;
 }
 
@@ -68,7 +69,7 @@ bool WriteQcScript(const ModelProject& project, Report& report, std::string& qcP
   std::optional<core::OutputFile> file = core::OutputFile::Create(path, &reason);
   if (!file) {
     report.Log(path + ": " + reason + "\r\n");
-    return Refuse(report, "Unable to open temp file for .qc", "QC Error");
+    return Refuse(report, "Unable to open temp file for .qc", "QC Error", TroubleKind::Unwritable);
   }
   bool complete = false;
   {
@@ -76,7 +77,8 @@ bool WriteQcScript(const ModelProject& project, Report& report, std::string& qcP
     complete = WriteQcStatements(project, qc, report);
   }
   if (!complete && core::FileExists(path)) return false;
-  if (!file->Commit()) return Refuse(report, "Unable to write \"" + path + "\": " + file->Error(), "QC Error");
+  if (!file->Commit())
+    return Refuse(report, "Unable to write \"" + path + "\": " + file->Error(), "QC Error", TroubleKind::Unwritable);
   if (complete) qcPath = std::move(path);
   return complete;
 }

@@ -15,7 +15,7 @@ void WriteMaterialDirectory(const ModelProject& project, TextWriter& qc, Report&
   if (!project.materialDirectory.empty()) {
     return qc.Format("$cdmaterials \"models/%s\"\n\n", project.materialDirectory);
   }
-  report.WarningBox("No Materials Directory Specified\r\n,Using material/models directory",
+  report.WarningBox(core::TroubleKind::Missing, "No Materials Directory Specified\r\n,Using material/models directory",
                     "Materials Directory Warning");
   qc.Text("$cdmaterials \"models\"\n\n");
 }
@@ -56,12 +56,13 @@ void WriteSequence(const SequenceEntry& sequence, TextWriter& qc) {
 /// False, after an error box, if a sequence is needed and there is none.
 bool WriteSequences(const ModelProject& project, TextWriter& qc, Report& report) {
   if (project.useReferenceAsSequence || project.propType == PropStatic) {
-    if (!project.useReferenceAsSequence) report.WarningBox("Animation on prop_static IGNORED", "Warning");
+    if (!project.useReferenceAsSequence)
+      report.WarningBox(core::TroubleKind::Lost, "Animation on prop_static IGNORED", "Warning");
     qc.Format("$sequence \"Idle\" \"%s\" fps 30 ACT_IDLE 1\n\n", project.referenceSmd);
     return true;
   }
   if (project.Sequences.Count() == 0) {
-    report.ErrorBox("No Sequences Specified", "Error");
+    report.ErrorBox(core::TroubleKind::Refused, "No Sequences Specified", "Error");
     return false;
   }
   for (const SequenceEntry& sequence : project.Sequences) WriteSequence(sequence, qc);
@@ -70,7 +71,8 @@ bool WriteSequences(const ModelProject& project, TextWriter& qc, Report& report)
 
 void WriteGibs(const ModelProject& project, TextWriter& qc, Report& report) {
   if (project.Gibs.Count() == 0) return;
-  if (project.propType == PropStatic) return report.WarningBox("Gibs specified on prop_static IGNORED", "Warning");
+  if (project.propType == PropStatic)
+    return report.WarningBox(core::TroubleKind::Lost, "Gibs specified on prop_static IGNORED", "Warning");
   qc.Text("$collisiontext {\n");
   for (const GibEntry& gib : project.Gibs) {
     qc.Format("break { \"model\" \"%s\" ", gib.model);

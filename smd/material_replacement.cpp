@@ -11,9 +11,10 @@ namespace {
 
 constexpr std::string_view ErrorCaption = "SMD ERROR";
 
-std::nullopt_t Fail(core::Report& report, const std::string& text, const std::string& path, const std::string& reason) {
+std::nullopt_t Fail(core::Report& report, core::TroubleKind kind, const std::string& path, const std::string& reason) {
   report.Log(path + ": " + reason + "\r\n");
-  report.ErrorBox(text + path, ErrorCaption);
+  report.ErrorBox(kind, (kind == core::TroubleKind::Unreadable ? "Unable to read" : "Unable to write") + path,
+                  ErrorCaption, path);
   return std::nullopt;
 }
 
@@ -21,7 +22,7 @@ std::nullopt_t Fail(core::Report& report, const std::string& text, const std::st
 
 bool CheckReplacement(const MaterialReplacement& replacement, core::Report& report) {
   const auto missing = [&](std::string_view text) {
-    report.WarningBox(text, ErrorCaption);
+    report.WarningBox(core::TroubleKind::Refused, text, ErrorCaption);
     return false;
   };
   if (replacement.Path.empty()) return missing("No Reference SMD File Specified");
@@ -39,22 +40,26 @@ std::optional<uint64_t> ReplaceMaterial(const MaterialReplacement& replacement, 
   const std::string& path = replacement.Path;
   std::string reason;
   std::optional<core::InputFile> input = core::InputFile::Open(path, &reason);
-  if (!input) return Fail(report, "Unable to read", path, reason);
+  if (!input) return Fail(report, core::TroubleKind::Unreadable, path, reason);
   if (input->Size() == 0) {
-    report.PlainBox("Bad size for SMD file " + path, core::DefaultCaption);
+    report.Tell({.Kind = core::TroubleKind::Damaged,
+                 .File = path,
+                 .Text = "Bad size for SMD file " + path,
+                 .Caption = std::string(core::DefaultCaption),
+                 .Icon = core::BoxIcon::None});
     return std::nullopt;
   }
   std::optional<core::OutputFile> output = core::OutputFile::Create(path, &reason);
-  if (!output) return Fail(report, "Unable to write", path, reason);
+  if (!output) return Fail(report, core::TroubleKind::Unwritable, path, reason);
   core::TextWriter writer(*output);
   TextReplacer replacer(replacement.OldName, replacement.NewName, [&](std::string_view text) { writer.Raw(text); });
   for (std::string_view bytes = input->Read(); !bytes.empty(); bytes = input->Read()) replacer.Feed(bytes);
-  if (!input->Error().empty()) return Fail(report, "Unable to read", path, input->Error());
+  if (!input->Error().empty()) return Fail(report, core::TroubleKind::Unreadable, path, input->Error());
   if (replacer.Count() == 0) return 0;
   replacer.Finish();
   writer.Flush();
   input.reset();  // Windows gives an open file's name to no other
-  if (!output->Commit()) return Fail(report, "Unable to write", path, output->Error());
+  if (!output->Commit()) return Fail(report, core::TroubleKind::Unwritable, path, output->Error());
   return replacer.Count();
 }
 

@@ -168,7 +168,8 @@ int ConsoleCapture::RunAndCapture(const std::string& commandLine, char* outputBu
 }
 
 void ReportFatalSystemError(const RunFailure& failure, core::Report& report) {
-  report.PlainBox(failure.Text(), "Error");
+  report.Tell(
+      {.Kind = core::TroubleKind::Tool, .Text = failure.Text(), .Caption = "Error", .Icon = core::BoxIcon::None});
 }
 
 }  // namespace tarnwick::tools

@@ -25,8 +25,9 @@ std::string SdkToolPath(std::string_view sdkDirectory, const SdkTool& tool) {
 
 bool RequireTool(const std::string& toolPath, const SdkTool& tool, core::Report& report) {
   if (ToolExists(toolPath)) return true;
-  report.ErrorBox("Command " + toolPath + " not found.\r\nPlease set correct HL2 SDK path using configure button",
-                  tool.ErrorCaption);
+  report.ErrorBox(core::TroubleKind::Missing,
+                  "Command " + toolPath + " not found.\r\nPlease set correct HL2 SDK path using configure button",
+                  tool.ErrorCaption, toolPath);
   return false;
 }
 

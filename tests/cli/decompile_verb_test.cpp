@@ -61,9 +61,9 @@ TEST_F(DecompileVerb, AFailureStopsNoOtherModelAndIsCountedByReason) {
   EXPECT_TRUE(std::filesystem::exists(m_output.Path("good/cube.smd")));
   EXPECT_THAT(m_err, HasSubstr("5 models, 4 files"));
   EXPECT_THAT(m_err, HasSubstr("4 failed:\n"
-                               "  2 x Error: Unable to load vertices file: MODEL.vtx\n"
-                               "  1 x File Error: Error opening FILE\n"
-                               "  1 x No vertex file: MODEL.vvd\n"));
+                               "  1 x Error opening a mesh file\n"
+                               "  1 x No vertex file\n"
+                               "  2 x Unable to load vertices file\n"));
   EXPECT_EQ(m_out, m_output.Joined("good") + "\n");
 }
 

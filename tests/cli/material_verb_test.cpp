@@ -65,7 +65,7 @@ TEST_F(MaterialVerbTest, GoesOnPastAnImageThatCannotBeRead) {
       Compile({"--json", "-q", Folder.Path("bad.png"), Folder.Path("Brick.png"), Folder.Path("brick.bmp")});
   EXPECT_EQ(result.ExitCode, 1);
   EXPECT_THAT(result.Err, AllOf(HasSubstr("bad.png: TGA Error: Unable to create TGA file "),
-                                HasSubstr("\nbad.png: the file cannot be read as a PNG image\n"),
+                                HasSubstr(": bad.png: the file cannot be read as a PNG image\n"),
                                 HasSubstr("brick.bmp both become brick.tga\n")));
   EXPECT_THAT(result.Out, AllOf(HasSubstr("\"outcome\":\"failed\""), HasSubstr("\"outcome\":\"ok\"")));
   EXPECT_TRUE(std::filesystem::exists(Folder.Path("game/materials/models/brick.vtf")));

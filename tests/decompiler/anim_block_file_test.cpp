@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "animation_job.h"
+#include "support/told_texts.h"
 
 namespace tarnwick::decompiler {
 namespace {
@@ -97,7 +98,7 @@ TEST(AnimBlockFile, IsMissedInOneWarning) {
     AnimationJob job(model);
     EXPECT_FALSE(GetAnimBlockBase(job.Context(), 1));
     EXPECT_FALSE(GetAnimBlockBase(job.Context(), 2));
-    const auto& warnings = job.Context().Result().Warnings;
+    const auto warnings = TextsOf(job.Context().Result(), core::Severity::Warning);
     ASSERT_EQ(warnings.size(), 1u) << name;
     EXPECT_THAT(warnings[0], HasSubstr(core::LastComponent(name)));
     EXPECT_THAT(warnings[0], HasSubstr(job.Folder.Path()));

@@ -113,7 +113,7 @@ TEST(DamagedModel, EndsInOrderWhereverAFileIsCutOff) {
       const DecompiledModel job(files, DecompileOptionReadyToCompile);
       // Only the tail of the vertex file holds nothing that is read.
       if (cut < size / 2) {
-        EXPECT_FALSE(job.Report.Boxes.empty() && job.Result.Errors.empty()) << cut;
+        EXPECT_FALSE(job.Report.Troubles.empty()) << cut;
       }
     }
   }

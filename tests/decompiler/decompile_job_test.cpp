@@ -16,6 +16,7 @@
 #include "model/studio_records.h"
 #include "model/vtx_records.h"
 #include "model/vvd_records.h"
+#include "support/told_texts.h"
 
 namespace tarnwick::decompiler {
 namespace {
@@ -159,10 +160,11 @@ TEST(DecompileJob, WarnsOfFilesThatDoNotBelongTogether) {
   files.Vvd.Record<VvdHeader>("header").Checksum = 2;
   const DecompiledModel job(files, DecompileOptionReadyToCompile);
   EXPECT_TRUE(job.Result.Succeeded());
-  EXPECT_THAT(DecompiledModel(files).Result.Warnings, IsEmpty());
-  EXPECT_THAT(job.Result.Warnings, ElementsAre(HasSubstr("cube.mdl does not begin with IDST"),
-                                               HasSubstr("cube.dx90.vtx was not made together with"),
-                                               HasSubstr("cube.vvd was not made together with")));
+  EXPECT_THAT(TextsOf(DecompiledModel(files).Result, core::Severity::Warning), IsEmpty());
+  EXPECT_THAT(
+      TextsOf(job.Result, core::Severity::Warning),
+      ElementsAre(HasSubstr("cube.mdl does not begin with IDST"), HasSubstr("cube.dx90.vtx was not made together with"),
+                  HasSubstr("cube.vvd was not made together with")));
 }
 
 TEST(DecompileJob, KeepsJobsThatRunSideBySideApart) {

@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "decompiled_model.h"
+#include "support/told_texts.h"
 
 namespace tarnwick::decompiler {
 namespace {
@@ -113,7 +114,8 @@ TEST(FlexExport, WritesMouthsControllersAndRules) {
                                             "    localvar d0\n    %d0 = \n"
                                             "    localvar d4\n    %d4 = BADSTACK\n"
                                             "}\n"));
-  EXPECT_THAT(run.Result.Warnings, ElementsAre(HasSubstr("The rule of d4 holds 1 operation that")));
+  EXPECT_THAT(TextsOf(run.Result, core::Severity::Warning),
+              ElementsAre(HasSubstr("The rule of d4 holds 1 operation that")));
 }
 
 TEST(FlexExport, WithoutFramesOrVerticesNoControllersFollow) {
@@ -190,7 +192,7 @@ TEST(FlexExport, AFrameEndsAtAVertexThatIsNotThere) {
   ModelBuilder model = Face();
   Meshes(model)[0].Flexes = {{.FlexDesc = 4, .VertAnims = {{.Vertex = 500}}}};
   const DecompiledModel run(model);
-  EXPECT_THAT(run.Result.Errors, ElementsAre(HasSubstr("names vertex 500")));
+  EXPECT_THAT(TextsOf(run.Result, core::Severity::Error), ElementsAre(HasSubstr("names vertex 500")));
   EXPECT_TRUE(run.File("ravelback_expressions.vta").ends_with("time 1 // d4\nend\n"));
 }
 

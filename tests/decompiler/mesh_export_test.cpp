@@ -9,6 +9,7 @@
 #include "model/studio_records.h"
 #include "model/vtx_records.h"
 #include "model/vvd_records.h"
+#include "support/told_texts.h"
 
 namespace tarnwick::decompiler {
 namespace {
@@ -77,7 +78,8 @@ TEST(MeshExport, LeavesTriangleStripsOut) {
   const DecompiledModel job(WithMesh(mesh), DecompileOptionReadyToCompile);
   const std::string text = TrianglesOf(job);
   EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 5);
-  EXPECT_THAT(job.Result.Warnings, ElementsAre(HasSubstr("cube.smd is without 2 triangle strips")));
+  EXPECT_THAT(TextsOf(job.Result, core::Severity::Warning),
+              ElementsAre(HasSubstr("cube.smd is without 2 triangle strips")));
   EXPECT_EQ(TrianglesOf(DecompiledModel(WithMesh({.Lods = {{{{{0, 1, 2}, true}}}}}))), "end\n");
 }
 
@@ -197,7 +199,8 @@ TEST(MeshExport, CountsNumbersThatAreNotFinite) {
   mesh.Vertices[1].Position.x = -std::numeric_limits<float>::infinity();
   const DecompiledModel job(WithMesh(mesh));
   EXPECT_THAT(job.File("cube.smd"), HasSubstr(" -inf "));
-  EXPECT_THAT(job.Result.Warnings, ElementsAre(job.Out("cube.smd") + " holds 2 numbers that are not finite"));
+  EXPECT_THAT(TextsOf(job.Result, core::Severity::Warning),
+              ElementsAre(job.Out("cube.smd") + " holds 2 numbers that are not finite"));
 }
 
 }  // namespace

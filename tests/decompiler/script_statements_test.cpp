@@ -4,6 +4,7 @@
 
 #include "decompiled_model.h"
 #include "model/script_records.h"
+#include "support/told_texts.h"
 
 namespace tarnwick::decompiler {
 namespace {
@@ -90,7 +91,7 @@ TEST(ScriptStatements, ADamagedTableCostsItsStatementsOnly) {
   ModelFiles files = model.Build();
   files.Mdl.Record<StudioHitbox>("hitboxes 0", 0).Bone = 1;
   const DecompiledModel run(files);
-  EXPECT_THAT(run.Result.Errors, ElementsAre(HasSubstr("names bone 1 of 1")));
+  EXPECT_THAT(TextsOf(run.Result, core::Severity::Error), ElementsAre(HasSubstr("names bone 1 of 1")));
   EXPECT_EQ(run.Script("$hboxset"), "$hboxset \"default\"\n");
   EXPECT_EQ(run.Script("$surfaceprop", "-"), "$surfaceprop \"metal\"\n$sequence idle \"idle\" fps 30.00\n");
 }

@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "animation_job.h"
+#include "support/told_texts.h"
 
 namespace tarnwick::decompiler {
 namespace {
@@ -65,7 +66,7 @@ TEST(SequenceExport, GivesEachAnimationAFileOfItsOwnToCompile) {
   EXPECT_EQ(AnimationScriptName(job.Context(), 1), "walk_2");
   EXPECT_EQ(AnimationScriptName(job.Context(), 3), "_ul");
   EXPECT_EQ(AnimationScriptName(job.Context(), 4), "still");
-  EXPECT_THAT(job.Context().Result().Warnings, ElementsAre(HasSubstr("@still has no frames")));
+  EXPECT_THAT(TextsOf(job.Context().Result(), core::Severity::Warning), ElementsAre(HasSubstr("@still has no frames")));
 }
 
 TEST(SequenceExport, LeavesTheLastOfAnimationsOfOneNameInThePlainForm) {
@@ -93,7 +94,7 @@ TEST(SequenceExport, GoesOnBehindAFileThatCannotBeOpened) {
   EXPECT_THAT(job.Report.LogText, HasSubstr("Unable to open file ../out.smd"));
   EXPECT_THAT(job.Report.LogText, HasSubstr("Unable to open file ravelback_delta.smd"));
   EXPECT_THAT(job.Report.LogText, HasSubstr("Creating run.smd\r\n"));
-  EXPECT_EQ(job.Context().Result().Errors.size(), 3u);
+  EXPECT_EQ(job.Context().Result().Told(core::Severity::Error).size(), 3u);
   EXPECT_FALSE(std::filesystem::exists(job.Folder.Path("../out.smd")));
 }
 
@@ -154,7 +155,7 @@ TEST(SequenceExport, TellsMuchDamageInTheLog) {
   AnimationJob job(Model(animations, {{0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19}}));
   job.Export();
   EXPECT_EQ(job.Report.Boxes.size(), 3u);
-  EXPECT_EQ(job.Context().Result().Errors.size(), 20u);
+  EXPECT_EQ(job.Context().Result().Told(core::Severity::Error).size(), 20u);
   EXPECT_THAT(job.Report.LogText, HasSubstr("record of animation broken19"));
 }
 

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "decompiled_model.h"
+#include "support/told_texts.h"
 
 namespace tarnwick::decompiler {
 namespace {
@@ -126,11 +127,14 @@ TEST(SequenceScript, QuotesWhatTheCompilerWouldBreakApart) {
 
 TEST(SequenceScript, DamageIsTold) {
   ModelBuilder model = Model({AnimationDescription{}}, {{.EntryNode = 9, .ExitNode = 9}});
-  EXPECT_THAT(DecompiledModel(model).Result.Errors, ElementsAre(HasSubstr("names transition node 9")));
+  EXPECT_THAT(TextsOf(DecompiledModel(model).Result, core::Severity::Error),
+              ElementsAre(HasSubstr("names transition node 9")));
   model = Model({AnimationDescription{}}, {{.Blends = {0, 0}, .BlendSize = {2, 1}, .PoseParameter = {3, -1}}});
-  EXPECT_THAT(DecompiledModel(model).Result.Errors, ElementsAre(HasSubstr("names pose parameter 3 of 0")));
+  EXPECT_THAT(TextsOf(DecompiledModel(model).Result, core::Severity::Error),
+              ElementsAre(HasSubstr("names pose parameter 3 of 0")));
   model = Model({}, {SequenceDescription{}});
-  EXPECT_THAT(DecompiledModel(model).Result.Errors, ElementsAre(HasSubstr("names no animation")));
+  EXPECT_THAT(TextsOf(DecompiledModel(model).Result, core::Severity::Error),
+              ElementsAre(HasSubstr("names no animation")));
 }
 
 }  // namespace

@@ -87,8 +87,8 @@ TEST_F(JobRunnerTest, AsksForTheWorkerAndAnswersCancelAtTheEnd) {
 TEST_F(JobRunnerTest, ShowsTheWorkersBoxesOnTheUserInterfaceThreadAndWaits) {
   m_jobs->Start(
       [](core::Report& report, const std::stop_token&) {
-        report.ErrorBox("Unable to load model", "Error");
-        report.WarningBox("Odd", "Warning");
+        report.ErrorBox(core::TroubleKind::Tool, "Unable to load model", "Error");
+        report.WarningBox(core::TroubleKind::Tool, "Odd", "Warning");
         report.Log("after");
       },
       View());
@@ -109,7 +109,7 @@ TEST_F(JobRunnerTest, EndsWithItsPageAlsoWhileTheWorkWaitsForAnAnswer) {
   m_jobs->Start(
       [&](core::Report& report, const std::stop_token& stop) {
         while (!stop.stop_requested()) std::this_thread::yield();
-        report.ErrorBox("nobody is there", "Error");
+        report.ErrorBox(core::TroubleKind::Tool, "nobody is there", "Error");
         wasAsked = true;
       },
       View());

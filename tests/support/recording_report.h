@@ -21,12 +21,14 @@ struct RecordedBox {
 class RecordingReport : public core::Report {
  public:
   void Log(std::string_view text) override { LogText += text; }
-  void Box(core::BoxIcon icon, std::string_view text, std::string_view caption) override {
-    Boxes.push_back({icon, std::string(text), std::string(caption)});
+  void Tell(const core::Trouble& trouble) override {
+    Troubles.push_back(trouble);
+    if (!trouble.Caption.empty()) Boxes.push_back({trouble.ShownIcon(), trouble.Text, trouble.Caption});
   }
 
   std::string LogText;
-  std::vector<RecordedBox> Boxes;
+  std::vector<core::Trouble> Troubles;
+  std::vector<RecordedBox> Boxes;  // of the troubles that have one
 };
 
 }  // namespace tarnwick::tests

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "core/trouble.h"
+#include "core/written_file.h"
+
+namespace tarnwick::jobs {
+
+/// How a job judges one of its items.
+enum class Verdict {
+  Succeeded,  // done, with no error; there may be warnings
+  Failed,     // at least one error
+  Stopped,    // begun, and ended by the user before its end
+  NotBegun,   // the job was stopped, or ended early, before its turn
+};
+
+/// What became of one item of a job: of one model, script, project, image or texture.
+struct ItemResult {
+  std::string Input = {};   // as the user named it
+  std::string Source = {};  // what the work read in its place (a project's script); else the same
+  std::string Target = {};  // what it was to make: an output directory, a model, a texture, an image; "" if unknown
+  std::string CommandLine = {};  // of the tool that ran; "" where none did
+  Verdict Judged = Verdict::NotBegun;
+  std::vector<core::WrittenFile> Files = {};  // in the order in which they were begun
+  std::vector<core::Trouble> Troubles = {};   // in the order in which they were told
+  double Seconds = 0;
+
+  bool Succeeded() const { return Judged == Verdict::Succeeded; }
+  size_t Count(core::Severity level) const;
+  /// The first trouble of that severity; null if there is none.
+  const core::Trouble* First(core::Severity level) const;
+  /// The size of all its files.
+  uint64_t Bytes() const;
+
+  bool operator==(const ItemResult&) const = default;
+};
+
+/// What became of a job. Both doors judge by it and by nothing else.
+struct JobResult {
+  std::vector<ItemResult> Items = {};        // in the job's order, also those that were not begun
+  std::vector<core::Trouble> Troubles = {};  // of the job as a whole, such as an input that is not there
+  double Seconds = 0;
+
+  /// Every item succeeded and nothing was wrong with the job as a whole.
+  bool Succeeded() const;
+  size_t Count(Verdict verdict) const;
+
+  bool operator==(const JobResult&) const = default;
+};
+
+}  // namespace tarnwick::jobs
