@@ -6,9 +6,9 @@ namespace tarnwick::bench {
 
 namespace {
 
-using sdk::Bgra;
-using sdk::PixelFormat;
-using sdk::PixelLayout;
+using textures::Bgra;
+using textures::PixelFormat;
+using textures::PixelLayout;
 
 Bgra Expand(unsigned colour) {
   const unsigned b = colour & 31, g = colour >> 5 & 63, r = colour >> 11;
@@ -46,7 +46,7 @@ uint8_t Alpha(const uint8_t* block, int x, int y) {
 }
 
 template <typename PixelAt>
-void ForEachPixel(const sdk::StoredImage& image, PixelLayout layout, uint8_t* out, PixelAt pixelAt) {
+void ForEachPixel(const textures::StoredImage& image, PixelLayout layout, uint8_t* out, PixelAt pixelAt) {
   for (int y = image.Height - 1; y >= 0; --y) {
     for (int x = 0; x < image.Width; ++x) {
       const Bgra pixel = pixelAt(x, y);
@@ -60,7 +60,7 @@ void ForEachPixel(const sdk::StoredImage& image, PixelLayout layout, uint8_t* ou
 
 }  // namespace
 
-void DecodePlainly(const sdk::StoredImage& image, PixelLayout layout, uint8_t* out) {
+void DecodePlainly(const textures::StoredImage& image, PixelLayout layout, uint8_t* out) {
   const uint8_t* stored = reinterpret_cast<const uint8_t*>(image.Pixels.data());
   const int64_t blocksWide = (image.Width + 3) / 4;
   if (image.Format == PixelFormat::Dxt1) {

@@ -9,22 +9,22 @@
 #include <vector>
 
 #include "bench/plain_texture.h"
-#include "sdk/picture_encode.h"
-#include "sdk/pixel_rows.h"
-#include "sdk/tga_writer.h"
+#include "textures/picture_encode.h"
+#include "textures/pixel_rows.h"
+#include "textures/tga_writer.h"
 
 namespace {
 
 using namespace tarnwick;
-using sdk::PixelFormat;
-using sdk::PixelLayout;
-using sdk::StoredImage;
+using textures::PixelFormat;
+using textures::PixelLayout;
+using textures::StoredImage;
 
 constexpr int Side = 2048;
 
 /// Random pixels; the DXT1 blocks have four colours each, so that the image has no alpha, as most have none.
 std::vector<std::byte> MakePixels(PixelFormat format) {
-  const int64_t size = sdk::ImageBytes(*sdk::FindPixelFormat(format), Side, Side);
+  const int64_t size = textures::ImageBytes(*textures::FindPixelFormat(format), Side, Side);
   std::vector<std::byte> bytes(static_cast<size_t>(size));
   std::mt19937 random(7);
   for (std::byte& byte : bytes) byte = std::byte(random() & 255);
@@ -40,7 +40,7 @@ struct Subject {
   explicit Subject(PixelFormat format)
       : Pixels(MakePixels(format)),
         Image{format, Side, Side, Pixels},
-        Size(sizeof(sdk::TgaHeader) + size_t{Side} * Side * static_cast<size_t>(BytesPerPixel(LayoutFor(Image)))),
+        Size(sizeof(textures::TgaHeader) + size_t{Side} * Side * static_cast<size_t>(BytesPerPixel(LayoutFor(Image)))),
         Out(std::make_unique<uint8_t[]>(Size)) {}
 
   std::vector<std::byte> Pixels;
@@ -57,7 +57,7 @@ void Plain(benchmark::State& state, PixelFormat format) {
   Subject subject(format);
   for (auto _ : state) {
     const PixelLayout layout = LayoutFor(subject.Image);
-    const sdk::TgaHeader header = sdk::MakeTgaHeader(Side, Side, layout);
+    const textures::TgaHeader header = textures::MakeTgaHeader(Side, Side, layout);
     std::memcpy(subject.Out.get(), &header, sizeof header);
     bench::DecodePlainly(subject.Image, layout, subject.Out.get() + sizeof header);
     benchmark::ClobberMemory();
@@ -69,7 +69,7 @@ void Fast(benchmark::State& state, PixelFormat format) {
   Subject subject(format);
   for (auto _ : state) {
     const PixelLayout layout = LayoutFor(subject.Image);
-    const sdk::TgaHeader header = sdk::MakeTgaHeader(Side, Side, layout);
+    const textures::TgaHeader header = textures::MakeTgaHeader(Side, Side, layout);
     std::memcpy(subject.Out.get(), &header, sizeof header);
     const ptrdiff_t stride = Side * BytesPerPixel(layout);
     DecodeRows(subject.Image, 0, Side, layout, subject.Out.get() + sizeof header + (Side - 1) * stride, -stride);
@@ -103,17 +103,17 @@ void Copy(benchmark::State& state, PixelFormat format) {
   CountBytes(state, subject);
 }
 
-void Encode(benchmark::State& state, sdk::FitEffort effort) {
-  sdk::Picture picture{256, 256, {}};
+void Encode(benchmark::State& state, textures::FitEffort effort) {
+  textures::Picture picture{256, 256, {}};
   std::mt19937 random(7);
   for (int i = 0; i < picture.Width * picture.Height; ++i) {
     const auto channel = [&](int base) { return static_cast<uint8_t>(base + static_cast<int>(random() & 31)); };
     picture.Pixels.push_back({channel(i % 220), channel(i / 300), channel(100), 255});
   }
-  for (auto _ : state) benchmark::DoNotOptimize(sdk::EncodePicture(picture, PixelFormat::Dxt1, effort));
+  for (auto _ : state) benchmark::DoNotOptimize(textures::EncodePicture(picture, PixelFormat::Dxt1, effort));
 }
-BENCHMARK_CAPTURE(Encode, Best, sdk::FitEffort::Best)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK_CAPTURE(Encode, Quick, sdk::FitEffort::Quick)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK_CAPTURE(Encode, Best, textures::FitEffort::Best)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK_CAPTURE(Encode, Quick, textures::FitEffort::Quick)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 #define TEXTURE_BENCHMARKS(name, format)                                  \
   BENCHMARK_CAPTURE(Plain, name, format)->Unit(benchmark::kMillisecond);  \

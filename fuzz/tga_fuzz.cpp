@@ -5,12 +5,12 @@
 #include <cstring>
 #include <string>
 
-#include "sdk/tga_reader.h"
-#include "sdk/vtf_file.h"
-#include "sdk/vtf_writer.h"
+#include "textures/tga_reader.h"
+#include "textures/vtf_file.h"
+#include "textures/vtf_writer.h"
 
 using namespace tarnwick;
-using namespace tarnwick::sdk;
+using namespace tarnwick::textures;
 
 namespace {
 

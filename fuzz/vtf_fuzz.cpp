@@ -3,14 +3,15 @@
 #include <cstdlib>
 #include <vector>
 
-#include "sdk/pixel_reference.h"
-#include "sdk/pixel_rows.h"
-#include "sdk/tga_writer.h"
-#include "sdk/vtf_file.h"
 #include "sdk/vtf_info.h"
+#include "support/pixel_reference.h"
+#include "textures/pixel_rows.h"
+#include "textures/tga_writer.h"
+#include "textures/vtf_file.h"
 
 using namespace tarnwick;
-using namespace tarnwick::sdk;
+using namespace tarnwick::textures;
+using tarnwick::tests::ReferencePixel;
 
 namespace {
 

@@ -6,12 +6,14 @@
 #include "core/file_image.h"
 #include "core/output_file.h"
 #include "core/paths.h"
-#include "sdk/texture_compile.h"
 #include "sdk/tool_console.h"
-#include "sdk/vmt_writer.h"
 #include "sdk/vtex_arguments.h"
+#include "textures/texture_compile.h"
+#include "textures/vmt_writer.h"
 
 namespace tarnwick::sdk {
+
+using namespace textures;
 
 namespace {
 

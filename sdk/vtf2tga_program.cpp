@@ -6,12 +6,14 @@
 
 #include "core/file_image.h"
 #include "core/paths.h"
-#include "sdk/texture_export.h"
 #include "sdk/tool_console.h"
-#include "sdk/vtf_file.h"
 #include "sdk/vtf_info.h"
+#include "textures/texture_export.h"
+#include "textures/vtf_file.h"
 
 namespace tarnwick::sdk {
+
+using namespace textures;
 
 namespace {
 

@@ -6,6 +6,8 @@
 
 namespace tarnwick::sdk {
 
+using namespace textures;
+
 namespace {
 
 std::vector<std::string> NamesOf(uint32_t flags) {

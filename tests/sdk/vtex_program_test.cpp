@@ -7,16 +7,20 @@
 #include <filesystem>
 
 #include "core/file_image.h"
-#include "sdk/pixel_reference.h"
-#include "sdk/tga_builder.h"
-#include "sdk/tga_reader.h"
 #include "sdk/tool_run.h"
 #include "sdk/vtf2tga_program.h"
-#include "sdk/vtf_file.h"
+#include "support/pixel_reference.h"
 #include "support/scratch_folder.h"
+#include "support/tga_builder.h"
+#include "textures/tga_reader.h"
+#include "textures/vtf_file.h"
 
 namespace tarnwick::sdk {
+
+using namespace textures;
 namespace {
+
+using tests::ReferencePixel;
 
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;

@@ -7,11 +7,13 @@
 #include <vector>
 
 #include "sdk/tool_run.h"
-#include "sdk/vtf_builder.h"
 #include "support/real_files.h"
 #include "support/scratch_folder.h"
+#include "support/vtf_builder.h"
 
 namespace tarnwick::sdk {
+
+using namespace textures;
 namespace {
 
 using ::testing::HasSubstr;
