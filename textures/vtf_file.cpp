@@ -52,6 +52,12 @@ std::optional<VtfHeader> ReadHeader(core::ImageView file, std::string& reason) {
   return header;
 }
 
+/// Whether the images stand right behind the header: before version 7.3, and in files of later versions whose table is
+/// empty.
+bool ImagesFollowHeader(const VtfHeader& header) {
+  return header.MinorVersion < 3 || header.ResourceCount == 0;
+}
+
 /// Where the two images start; -1: there is none.
 struct ImageOffsets {
   int64_t Low = -1;
@@ -60,7 +66,7 @@ struct ImageOffsets {
 
 std::optional<ImageOffsets> FindImages(core::ImageView file, const VtfHeader& header, std::string& reason) {
   ImageOffsets offsets;
-  if (header.MinorVersion < 3) {
+  if (ImagesFollowHeader(header)) {
     offsets.Low = header.HeaderSize;
     return offsets;
   }
@@ -162,7 +168,7 @@ std::optional<VtfFile> VtfFile::Open(core::ImageView file, std::string& reason) 
     // It only stands in for the image while that loads, so one that is cut off is no reason to refuse the image.
     vtf.m_lowImage = file.Bytes(offsets->Low, lowSize).value_or(std::span<const std::byte>());
   }
-  if (lowSize == 0 && info.LowFormat != PixelFormat::None && header->MinorVersion < 3) {
+  if (lowSize == 0 && info.LowFormat != PixelFormat::None && ImagesFollowHeader(*header)) {
     reason = "the low resolution image, which stands before the image, has an unknown format (number " +
              std::to_string(header->LowFormat) + ")";
     return std::nullopt;

@@ -58,6 +58,11 @@ VtfBuilder& VtfBuilder::LowImage(char fill) {
   return *this;
 }
 
+VtfBuilder& VtfBuilder::NoResources() {
+  m_hasResources = false;
+  return *this;
+}
+
 VtfBuilder& VtfBuilder::Pixels(std::string_view pixels) {
   m_pixels = pixels;
   return *this;
@@ -84,7 +89,7 @@ std::string VtfBuilder::Build() const {
   }
 
   textures::VtfHeader header = m_header;
-  const bool table = header.MinorVersion >= 3;
+  const bool table = header.MinorVersion >= 3 && m_hasResources;
   size_t size = header.MinorVersion < 2 ? 64 : 80;
   if (table && header.ResourceCount == 0) header.ResourceCount = m_low.empty() ? 1 : 2;
   if (table) size += 8 * static_cast<size_t>(std::clamp(header.ResourceCount, 0, 2));

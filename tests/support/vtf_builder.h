@@ -23,6 +23,8 @@ class VtfBuilder {
   VtfBuilder& EnvironmentMap(int firstFrame);
   /// A DXT1 image of 8 by 8 pixels whose bytes are `fill`.
   VtfBuilder& LowImage(char fill);
+  /// An empty table of resources, which versions from 7.3 on may have: the images follow the header.
+  VtfBuilder& NoResources();
   /// The bytes of all images together, instead of those that count up.
   VtfBuilder& Pixels(std::string_view pixels);
   /// The header, for what the other functions do not set.
@@ -34,6 +36,7 @@ class VtfBuilder {
   size_t PixelBytes() const;
 
   textures::VtfHeader m_header{};
+  bool m_hasResources = true;
   std::string m_low;
   std::string m_pixels;
 };

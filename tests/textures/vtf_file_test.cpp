@@ -36,6 +36,22 @@ TEST(VtfFile, FindsTheImagesBehindTheHeaderOfEachVersion) {
   }
 }
 
+TEST(VtfFile, FindsTheImagesBehindTheHeaderWhereTheTableOfResourcesIsEmpty) {
+  for (const int minor : {3, 4, 5}) {
+    SCOPED_TRACE(minor);
+    const std::string bytes = VtfBuilder().Version(minor).NoResources().Size(8, 8).Mips(4).LowImage('L').Build();
+    std::string reason;
+    const auto file = Open(bytes, reason);
+    ASSERT_TRUE(file) << reason;
+    ASSERT_EQ(file->LowImage().size(), 32u);
+    EXPECT_EQ(file->LowImage()[0], std::byte{'L'});
+    EXPECT_EQ(FirstByte(*file, {.Mip = 3}), 0);
+    EXPECT_EQ(FirstByte(*file, {.Mip = 0}), 1 + 4 + 16);
+    EXPECT_FALSE(Open(bytes.substr(0, bytes.size() - 1), reason));
+    EXPECT_THAT(reason, HasSubstr("runs past the end"));
+  }
+}
+
 TEST(VtfFile, WalksLevelsThenFramesThenFacesThenSlices) {
   const std::string cube = VtfBuilder().Size(2, 2).Mips(2).Frames(2).EnvironmentMap(0).Build();
   const std::string cubeWithoutSphere = VtfBuilder().Size(2, 2).Mips(2).Frames(2).EnvironmentMap(0xFFFF).Build();
