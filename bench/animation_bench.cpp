@@ -11,8 +11,8 @@
 #include <string>
 
 #include "core/work_queue.h"
-#include "decompiler/animation_smd.h"
-#include "decompiler/sequence_export.h"
+#include "decompiler/plain/sequences.h"
+#include "decompiler/stages/animation_file.h"
 #include "model/animation_check.h"
 #include "support/model_builder.h"
 #include "support/plain_animation.h"
@@ -173,7 +173,7 @@ void OurFiles(benchmark::State& state, const ModelBuilder& model, int threads) {
     std::string script;
     core::TextWriter writer(script);
     job->SetScript(writer);
-    ExportSequenceAnimations(*job, *job->Model.View().At<StudioSeqDesc>(job->Model.Header()->SequenceOffset));
+    plain::ExportSequenceAnimations(*job, *job->Model.View().At<StudioSeqDesc>(job->Model.Header()->SequenceOffset));
     job->FinishFiles();
     bytes = 0;
     for (const WrittenFile& file : job->Result().Files) bytes += file.Size;
@@ -218,7 +218,7 @@ void BytesInMemory(benchmark::State& state) {
   const auto frames = static_cast<int>(state.range(0));
   Subject subject(Library(1, frames, 60, 60));
   const auto job = subject.Begin();
-  const auto model = MakeAnimationSmdModel(*job);
+  const auto* model = GetAnimationSmdModel(*job);
   const auto checked = CheckAnimation(*job, AnimationOf(*job, 0), "motion");
   std::string text;
   for (auto _ : state) {

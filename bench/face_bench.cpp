@@ -9,7 +9,7 @@
 
 #include "core/report.h"
 #include "decompiler/decompile_job.h"
-#include "decompiler/job_context.h"
+#include "decompiler/job/job_context.h"
 #include "model/bone_math.h"
 #include "model/vertex_file.h"
 #include "support/model_builder.h"

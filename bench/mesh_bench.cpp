@@ -8,8 +8,9 @@
 #include <string>
 
 #include "decompiler/decompile_job.h"
-#include "decompiler/mesh_pieces.h"
-#include "decompiler/mesh_smd.h"
+#include "decompiler/job/job_context.h"
+#include "decompiler/writers/mesh_smd.h"
+#include "model/mesh_pieces.h"
 #include "model/vtx_layout.h"
 #include "model/vtx_tree.h"
 #include "support/model_builder.h"
@@ -116,7 +117,8 @@ void PlainExport(benchmark::State& state) {
       for (const auto& strip : mesh.Strips) {
         for (int64_t k = 0; k < strip.IndexCount; ++k) {
           const auto index = strip.Indices[decompiler::TriangleIndex(k)]->Vertex;
-          if (k % 3 == 0) std::fprintf(file, "%s", mesh.MaterialLine.c_str());
+          if (k % 3 == 0)
+            std::fprintf(file, "%.*s.tga\n", static_cast<int>(mesh.Material.size()), mesh.Material.data());
           PrintVertex(file, *decompiler::GetMeshVertex(mesh.Vertices, strip.GroupVertices[index]->MeshVertex));
         }
       }

@@ -87,6 +87,21 @@ function(tarnwick_expose_room room)
   endforeach()
 endfunction()
 
+# Adds a floor of a large room: the folder `floor` in it as the library tarnwick_<room>_<floor>, made of the files that
+# follow. Like a room it sees only the floors and rooms that it links.
+function(tarnwick_floor room floor)
+  list(TRANSFORM ARGN PREPEND ${floor}/)
+  add_library(tarnwick_${room}_${floor} STATIC ${ARGN})
+  set(door ${CMAKE_BINARY_DIR}/include/${room}_${floor})
+  file(MAKE_DIRECTORY ${door}/${room})
+  file(CREATE_LINK ${CMAKE_SOURCE_DIR}/${room}/${floor} ${door}/${room}/${floor} RESULT failed SYMBOLIC)
+  if(failed)
+    set(door ${CMAKE_SOURCE_DIR})
+  endif()
+  target_include_directories(tarnwick_${room}_${floor} PUBLIC ${door})
+  tarnwick_target(tarnwick_${room}_${floor})
+endfunction()
+
 # Gives `result` all targets of a room and of the folders in it.
 function(tarnwick_room_targets result room)
   set(folders ${CMAKE_SOURCE_DIR}/${room})

@@ -4,9 +4,11 @@
 #include <utility>
 
 #include "core/paths.h"
-#include "decompiler/job_context.h"
-#include "decompiler/mesh_export.h"
-#include "decompiler/script_statements.h"
+#include "decompiler/job/job_context.h"
+#include "decompiler/plain/meshes.h"
+#include "decompiler/plain/script.h"
+#include "decompiler/sources/meshes.h"
+#include "decompiler/sources/script.h"
 #include "model/companion_files.h"
 #include "model/vtx_records.h"
 
@@ -69,19 +71,17 @@ void WriteScript(JobContext& job, core::TextWriter& script) {
   const auto header = job.Model.Header();
   script.Format("$cd \"%s\"\n", job.Job().OutputDirectory);
   script.Format("$modelname \"%s\"\n", core::FixedText(header->Name));
-  if (header->BodyPartCount != 0) WriteModelMeshes(job);
-  // A model without sequences has materials and hit boxes all the same; the plain form leaves them out.
-  if (header->SequenceCount != 0 || job.ReadyToCompile()) WriteQcStatements(job);
+  if (job.ReadyToCompile()) {
+    if (header->BodyPartCount != 0) sources::WriteModelMeshes(job);
+    sources::WriteQcStatements(job);
+  } else {
+    if (header->BodyPartCount != 0) plain::WriteModelMeshes(job);
+    // A model without sequences has materials and hit boxes all the same; the plain form leaves them out.
+    if (header->SequenceCount != 0) plain::WriteQcStatements(job);
+  }
 }
 
 }  // namespace
-
-std::vector<core::Trouble> DecompileResult::Told(core::Severity level) const {
-  std::vector<core::Trouble> told;
-  std::copy_if(Troubles.begin(), Troubles.end(), std::back_inserter(told),
-               [level](const core::Trouble& trouble) { return trouble.Level == level; });
-  return told;
-}
 
 DecompileResult DecompileModel(const DecompileJob& jobRecord, core::Report& report) {
   JobContext job(jobRecord, report);

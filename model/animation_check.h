@@ -24,7 +24,9 @@ struct CheckedAnimation {
   int32_t FrameCount() const { return Description->FrameCount; }
   bool IsDelta() const { return (Description->Flags & AnimFlagDelta) != 0; }
 
-  /// The same as FindAnimData.
+  /// Where the data of `frame` begin: the first StudioAnim. `frame` becomes the frame within that data. Nothing if the
+  /// animation says that it has none, or if they lie in a block
+  /// file that is not there.
   std::optional<AnimData> Find(int32_t& frame) const;
 };
 

@@ -2,27 +2,6 @@
 
 namespace tarnwick::model {
 
-namespace {
-
-/// The address that `block` and `offset` of `animation`, or of one of its sections, mean; nothing without data.
-std::optional<AnimData> Resolve(ModelReader& reader, const core::Record<StudioAnimDesc>& animation, int32_t block,
-                                int32_t offset) {
-  if (block == -1) return std::nullopt;
-  if (block == 0) return AnimData{&reader.Model.Mdl, animation.Offset() + offset};
-  const auto base = GetAnimBlockBase(reader, block);
-  if (!base) return std::nullopt;
-  return AnimData{base->File, base->Offset + offset};
-}
-
-std::optional<core::Record<StudioAnimSection>> SectionAt(ModelReader& reader,
-                                                         const core::Record<StudioAnimDesc>& animation,
-                                                         int64_t section) {
-  return reader.Model.View().At<StudioAnimSection>(animation.Offset() + animation->SectionOffset +
-                                                   section * int64_t{sizeof(StudioAnimSection)});
-}
-
-}  // namespace
-
 int64_t AnimRecord::RawPosition() const {
   int64_t at = Payload();
   if ((Anim->Flags & AnimRawRotation48) != 0) at += int64_t{sizeof(PackedQuat48)};
@@ -63,22 +42,6 @@ int64_t SectionOfFrame(const StudioAnimDesc& animation, int32_t& frame) {
   const int32_t section = frame / length;
   frame -= section * length;
   return section;
-}
-
-std::optional<AnimData> FindAnimData(ModelReader& reader, const core::Record<StudioAnimDesc>& animation,
-                                     int32_t& frame) {
-  if (animation->SectionFrames == 0) return Resolve(reader, animation, animation->Block, animation->DataOffset);
-  int64_t section = SectionOfFrame(*animation, frame);
-  auto entry = SectionAt(reader, animation, section);
-  if (!entry || (*entry)->Block == -1) return std::nullopt;
-  auto data = Resolve(reader, animation, (*entry)->Block, (*entry)->DataOffset);
-  while (!data && section > 0) {
-    entry = SectionAt(reader, animation, --section);
-    if (!entry) return std::nullopt;
-    data = Resolve(reader, animation, (*entry)->Block, (*entry)->DataOffset);
-    if (data) frame = animation->SectionFrames - 1;
-  }
-  return data;
 }
 
 }  // namespace tarnwick::model

@@ -39,9 +39,4 @@ std::optional<AnimRecord> NextAnimRecord(const AnimRecord& record);
 /// one number before it stays free.
 int64_t SectionOfFrame(const StudioAnimDesc& animation, int32_t& frame);
 
-/// Where the data of `frame` begin: the first StudioAnim. `frame` becomes the frame within that data. Nothing if the
-/// animation says that it has none, or if they lie in a block file that is not there. On the reader's own thread.
-std::optional<AnimData> FindAnimData(ModelReader& reader, const core::Record<StudioAnimDesc>& animation,
-                                     int32_t& frame);
-
 }  // namespace tarnwick::model

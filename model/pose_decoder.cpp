@@ -58,25 +58,4 @@ Vec3 DecodeBonePosition(int32_t frame, const StudioBone& bone, const AnimRecord&
   return result;
 }
 
-void DecodePoseAtFrame(ModelReader& reader, const core::RecordArray<StudioBone>& bones,
-                       const core::Record<StudioAnimDesc>& animation, int32_t frame, std::span<Vec3> positions,
-                       std::span<Quat> rotations) {
-  const bool delta = (animation->Flags & AnimFlagDelta) != 0;
-  int32_t local = frame;
-  const auto data = FindAnimData(reader, animation, local);
-  auto anim = data ? AnimRecordAt(*data) : std::nullopt;
-  for (int64_t b = 0; b < bones.Count(); ++b) {
-    const StudioBone& bone = *bones[b];
-    const auto at = static_cast<size_t>(b);
-    if (anim && (*anim)->Bone == b) {
-      rotations[at] = DecodeBoneRotation(local, bone, *anim);
-      positions[at] = DecodeBonePosition(local, bone, *anim);
-      anim = NextAnimRecord(*anim);
-    } else {
-      rotations[at] = DefaultRotation(bone, delta);
-      positions[at] = DefaultPosition(bone, delta);
-    }
-  }
-}
-
 }  // namespace tarnwick::model

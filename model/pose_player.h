@@ -11,7 +11,7 @@
 
 namespace tarnwick::model {
 
-/// Plays a checked animation forward: the poses of DecodePoseAtFrame to the last bit, in time that grows with what
+/// Plays a checked animation forward: the values of pose_decoder.h to the last bit, in time that grows with what
 /// really changes from frame to frame. Values that stand still are decoded once, and each run is looked at once.
 class PosePlayer {
  public:

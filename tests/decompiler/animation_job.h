@@ -5,8 +5,9 @@
 #include <utility>
 
 #include "core/paths.h"
-#include "decompiler/animation_smd.h"
-#include "decompiler/sequence_export.h"
+#include "decompiler/plain/sequences.h"
+#include "decompiler/sources/sequences.h"
+#include "decompiler/stages/animation_file.h"
 #include "model/animation_check.h"
 #include "support/model_builder.h"
 #include "support/recording_report.h"
@@ -40,7 +41,11 @@ class AnimationJob {
   /// Exports the animations of all sequences in order, waits for the files, and gives the script.
   std::string Export() {
     for (int64_t i = 0; i < Context().Model.Header()->SequenceCount; ++i) {
-      decompiler::ExportSequenceAnimations(Context(), Sequence(i));
+      if (Context().ReadyToCompile()) {
+        decompiler::sources::ExportSequenceAnimations(Context(), Sequence(i));
+      } else {
+        decompiler::plain::ExportSequenceAnimations(Context(), Sequence(i));
+      }
     }
     Context().FinishFiles();
     m_script.Flush();
@@ -53,7 +58,7 @@ class AnimationJob {
     if (!checked) return Report.Boxes.empty() ? "not told" : Report.Boxes.back().Text;
     std::string text;
     core::TextWriter writer(text);
-    decompiler::WriteAnimationSmd(writer, *decompiler::MakeAnimationSmdModel(Context()), *checked,
+    decompiler::WriteAnimationSmd(writer, *decompiler::GetAnimationSmdModel(Context()), *checked,
                                   !Context().DeltaReference.empty());
     writer.Flush();
     NonFinite = writer.NonFiniteCount();

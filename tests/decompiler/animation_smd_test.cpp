@@ -1,4 +1,4 @@
-#include "decompiler/animation_smd.h"
+#include "decompiler/writers/animation_smd.h"
 
 #include <gmock/gmock.h>
 
@@ -6,9 +6,9 @@
 #include <random>
 
 #include "animation_job.h"
-#include "model/pose_decoder.h"
 #include "model/pose_player.h"
 #include "support/plain_animation.h"
+#include "support/plain_pose.h"
 
 namespace tarnwick::decompiler {
 namespace {
@@ -70,7 +70,7 @@ TEST(AnimationSmd, WritesTheBindPoseAsItIs) {
   AnimationJob job(TwoBones());
   std::string text;
   core::TextWriter writer(text);
-  WriteBindPoseSmd(writer, *MakeAnimationSmdModel(job.Context()));
+  WriteBindPoseSmd(writer, *GetAnimationSmdModel(job.Context()));
   writer.Flush();
   const std::string pose =
       "  0 1.000000 2.000000 3.000000 0.000000 -0.000000 0.000000\n"

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "decompiler/decompile_job.h"
-#include "decompiler/model_names.h"
+#include "decompiler/writers/model_names.h"
 #include "support/model_builder.h"
 #include "support/recording_report.h"
 #include "support/scratch_folder.h"

@@ -1,4 +1,4 @@
-#include "decompiler/flex_export.h"
+#include "decompiler/stages/face.h"
 
 #include <gmock/gmock.h>
 

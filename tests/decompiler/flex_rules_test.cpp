@@ -1,4 +1,4 @@
-#include "decompiler/flex_rules.h"
+#include "decompiler/writers/flex_rule_text.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "decompiler/mesh_export.h"
+#include "decompiler/plain/meshes.h"
 
 #include <gmock/gmock.h>
 

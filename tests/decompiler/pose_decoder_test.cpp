@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "animation_job.h"
+#include "support/plain_pose.h"
 
 namespace tarnwick::decompiler {
 namespace {

@@ -1,4 +1,4 @@
-#include "decompiler/script_statements.h"
+#include "decompiler/stages/statements.h"
 
 #include <gmock/gmock.h>
 

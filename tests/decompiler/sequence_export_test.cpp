@@ -1,4 +1,4 @@
-#include "decompiler/sequence_export.h"
+#include "decompiler/stages/animation_file.h"
 
 #include <gmock/gmock.h>
 
@@ -55,7 +55,7 @@ TEST(SequenceExport, GivesEachAnimationAFileOfItsOwnToCompile) {
                           Animation("@c:\\x\\nul"), Animation("@still", 0, 0)},
                          {{0, 1}, {2, 3}, {0, 1, 4}}),
                    DecompileOptionReadyToCompile);
-  job.Context().Names.Take("ravelback_delta", ".smd");  // as a mesh might have
+  job.Context().Names.Reserve("ravelback_delta.smd");  // as a mesh might have
   EXPECT_EQ(job.Export(),
             "$animation walk \"walk\" fps 30.000000\n"
             "$animation ravelback_delta_2.smd \"ravelback_delta_2.smd\" fps 30\n"

@@ -1,4 +1,4 @@
-#include "decompiler/sequence_script.h"
+#include "decompiler/stages/sequence_statement.h"
 
 #include <gmock/gmock.h>
 

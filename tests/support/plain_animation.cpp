@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "model/bone_math.h"
-#include "model/pose_decoder.h"
+#include "support/plain_pose.h"
 
 namespace tarnwick::tests {
 

@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <string>
 
-#include "decompiler/job_context.h"
+#include "decompiler/job/job_context.h"
 #include "model/animation_records.h"
 
 namespace tarnwick::tests {

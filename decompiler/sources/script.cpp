@@ -1,0 +1,22 @@
+#include "decompiler/sources/script.h"
+
+#include "decompiler/sources/sequences.h"
+#include "decompiler/stages/statements.h"
+
+namespace tarnwick::decompiler::sources {
+
+void WriteQcStatements(JobContext& job) {
+  WritePoseParameters(job);
+  WriteMaterialDirectories(job);
+  WriteSkinFamilies(job);
+  WriteHitboxes(job);
+  WriteAttachments(job);
+  WriteIncludeModels(job);
+  WriteSurfaceProp(job);
+  WriteKeyValues(job);
+  WritePositions(job);
+  WriteSequences(job);
+  WriteIkChains(job);
+}
+
+}  // namespace tarnwick::decompiler::sources

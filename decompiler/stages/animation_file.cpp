@@ -1,0 +1,174 @@
+#include "decompiler/stages/animation_file.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace tarnwick::decompiler {
+
+namespace {
+
+/// Stands for the delta reference among the numbers of animations.
+constexpr int64_t DeltaNumber = -1;
+
+/// What one place of a blend table costs a job (see JobContext::Spend) on top of the names in its log and script lines.
+constexpr int64_t BlendCost = 128;
+constexpr int64_t NamesInLines = 4;
+
+/// The longest text of one animation, for a file of models of this many bytes: 256 MiB, which 60 bones fill in more
+/// than 50,000 frames, and as much again for every megabyte of data. A frame count beyond it is no frame count.
+constexpr int64_t MostTextBase = int64_t{256} << 20;
+constexpr int64_t MostTextForEachByte = 256;
+
+/// The bytes that the animation's data lie in.
+int64_t DataSize(const JobContext& job) {
+  return job.Model.View().Size() + (job.Model.AnimBlocks ? job.Model.AnimBlocks->File.View().Size() : 0);
+}
+
+void TellDamage(JobContext& job, const NamedAnimation& animation, std::string_view problem) {
+  TellAnimationDamage(job, job.Model.Mdl.Path(), animation.Name, "record", animation.Description.Offset(), problem);
+}
+
+/// Begins a file and tells so in the log. Nothing if it cannot be opened.
+std::optional<core::OutputFile> Open(JobContext& job, const std::string& name, int64_t number) {
+  std::string reason;
+  auto file = job.Create(name, &reason);
+  if (file) {
+    job.Animations.LastWriters[FileKey(name)] = number;
+    DecompileLog(job, "Creating " + name + "\r\n");
+  } else {
+    job.LogError(job.OutputPath(name) + ": " + reason, core::TroubleKind::Unwritable, reason);
+    DecompileLog(job, "Unable to open file " + name);
+  }
+  return file;
+}
+
+/// The animation that number `number` of a blend table means: the first one for a number that is none.
+int64_t ClampNumber(int64_t number, int64_t count) {
+  return number >= 0 && number < count ? number : 0;
+}
+
+}  // namespace
+
+std::string_view AnimationStem(std::string_view name) {
+  return name.substr(name.starts_with('@') ? 1 : 0);
+}
+
+bool SpendForAnimationLines(JobContext& job, std::string_view name) {
+  return job.Spend(BlendCost + NamesInLines * static_cast<int64_t>(name.size()));
+}
+
+const AnimationSmdModel* GetAnimationSmdModel(JobContext& job) {
+  AnimationFiles& files = job.Animations;
+  if (!std::exchange(files.ModelSought, true)) {
+    const Skeleton* skeleton = GetSkeleton(job);
+    if (skeleton != nullptr && job.Spend(AnimationHeadSize(*skeleton))) {
+      files.Model = MakeAnimationSmdModel(*skeleton, !job.KeepRotations());
+    }
+  }
+  return files.Model.get();
+}
+
+bool HasFrames(JobContext& job, const NamedAnimation& animation) {
+  const int32_t count = animation.Description->FrameCount;
+  if (count > 0) return true;
+  if (count == 0) {
+    job.Advise("Animation " + std::string(animation.Name) +
+               " has no frames: there is no file for it, though sequences name it");
+  } else {
+    TellDamage(job, animation, "has a negative number of frames");
+  }
+  job.Animations.Exports[animation.Number] = {{}, AnimationFiles::Outcome::NoFile};
+  return false;
+}
+
+bool WriteDeltaReference(JobContext& job, std::string name) {
+  const AnimationSmdModel* model = job.Stopped() ? nullptr : GetAnimationSmdModel(job);
+  if (model == nullptr) return false;
+  job.DeltaWritten = true;
+  job.DeltaReference = std::move(name);
+  if (!job.Spend(FileCost + AnimationSmdSize(*model, 2))) return false;
+  if (auto file = Open(job, job.DeltaReference, DeltaNumber)) {
+    job.WriteFile(std::move(*file), [shared = job.Animations.Model](core::TextWriter& writer) {
+      WriteBindPoseSmd(writer, *shared);
+      return true;
+    });
+  }
+  job.Script().Format("$animation %s \"%s\" fps 30\n", job.DeltaReference, job.DeltaReference);
+  return true;
+}
+
+bool WriteAnimationFile(JobContext& job, const NamedAnimation& animation, const std::string& name) {
+  AnimationFiles::Export& outcome = job.Animations.Exports[animation.Number];
+  outcome = {name, AnimationFiles::Outcome::NoFile};
+  const int32_t frames = animation.Description->FrameCount;
+  const int64_t size = AnimationSmdSize(*GetAnimationSmdModel(job), int64_t{frames} + 1);
+  if (size > MostTextBase + MostTextForEachByte * DataSize(job)) {
+    TellDamage(job, animation, "has " + std::to_string(frames) + " frames, more than its data can hold");
+    return true;
+  }
+  if (!job.Spend(FileCost + size)) return false;
+  auto checked = CheckAnimation(job, animation.Description, animation.Name);
+  if (!checked) return true;
+  auto file = Open(job, name, animation.Number);
+  outcome.State = file ? AnimationFiles::Outcome::Written : AnimationFiles::Outcome::NotOpened;
+  if (!file) return true;
+  job.WriteFile(std::move(*file), [model = job.Animations.Model, data = std::move(*checked),
+                                   onDefaultPose = !job.DeltaReference.empty()](core::TextWriter& writer) {
+    WriteAnimationSmd(writer, *model, data, onDefaultPose);
+    return true;
+  });
+  return true;
+}
+
+void WriteAnimationStatement(JobContext& job, const NamedAnimation& animation, std::string_view source) {
+  if (animation.Name.starts_with('@')) return;
+  core::TextWriter& script = job.Script();
+  script.Format("$animation %s \"%s\"", job.Word(animation.Name), source);
+  if ((animation.Description->Flags & AnimFlagLooping) != 0) script.Text(" loop");
+  script.Format(" fps %f", float{animation.Description->Fps});
+  if (animation.IsDelta()) script.Format(" subtract %s 0\n", job.DeltaReference);
+  script.Text("\n");
+}
+
+void ForEachBlended(JobContext& job, const core::Record<StudioSeqDesc>& sequence,
+                    const std::function<bool(const core::Record<StudioAnimDesc>&, int64_t number)>& use) {
+  const auto header = job.Model.Header();
+  const auto animations = job.Table<StudioAnimDesc>("animation table", header->AnimOffset, header->AnimCount);
+  const int64_t columns = sequence->BlendSize[0], rows = sequence->BlendSize[1];
+  if (!animations) return;
+  if (columns < 0 || rows < 0) {
+    job.Damaged(job.Model.Mdl.Path(), "sequence", sequence.Offset(), "has a blend table of negative size");
+    return;
+  }
+  const auto blends = job.Table<StudioShort>("blend table", sequence.Offset() + sequence->BlendOffset, columns * rows);
+  if (!blends) return;
+  if (animations->Count() == 0) {
+    if (blends->Count() > 0 && !std::exchange(job.Animations.NoAnimationsTold, true)) {
+      job.Damaged(job.Model.Mdl.Path(), "sequence", sequence.Offset(), "blends animations, of which there are none");
+    }
+    return;
+  }
+  for (int64_t x = 0; x < columns; ++x) {
+    for (int64_t y = 0; y < rows; ++y) {
+      const int64_t number = ClampNumber((*blends)[y * columns + x]->Value, animations->Count());
+      if (!use((*animations)[number], number)) return;
+    }
+  }
+}
+
+std::string AnimationScriptName(const JobContext& job, int64_t animation) {
+  const auto header = job.Model.Header();
+  const auto animations = job.Model.View().Array<StudioAnimDesc>(header->AnimOffset, header->AnimCount);
+  if (!animations || !animations->Holds(animation)) return {};
+  const auto record = (*animations)[animation];
+  const auto name = job.Model.NameOf(record, record->NameOffset);
+  if (!name) return {};
+  if (!name->starts_with('@')) return std::string(*name);
+  const auto found = job.Animations.Exports.find(animation);
+  if (job.ReadyToCompile() && found != job.Animations.Exports.end() && !found->second.File.empty()) {
+    return found->second.File.substr(0, found->second.File.size() - AnimationExtension.size());
+  }
+  return std::string(AnimationStem(*name));
+}
+
+}  // namespace tarnwick::decompiler

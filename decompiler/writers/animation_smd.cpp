@@ -1,0 +1,153 @@
+#include "decompiler/writers/animation_smd.h"
+
+#include "model/bone_math.h"
+#include "model/pose_player.h"
+#include "model/quick_rotations.h"
+#include "smd/skeleton_frame.h"
+#include "smd/skeleton_text.h"
+
+namespace tarnwick::decompiler {
+
+namespace {
+
+/// A line of ordinary numbers, of the nodes (without the name) or of a pose.
+constexpr int64_t OrdinaryLine = 80;
+
+smd::Triple ToTriple(const Vec3& v) {
+  return {v.x, v.y, v.z};
+}
+smd::Triple ToTriple(const EulerAngles& angles) {
+  return {angles.x, angles.y, angles.z};
+}
+
+void WriteTime(core::TextWriter& writer, int64_t number) {
+  writer.Text("time ");
+  writer.Integer(number);
+  writer.Text("\n");
+}
+
+/// Writes the time blocks of an animation.
+class AnimationText {
+ public:
+  AnimationText(const AnimationSmdModel& model, const CheckedAnimation& animation, bool onDefaultPose)
+      : m_model(model),
+        m_onDefaultPose(onDefaultPose && animation.IsDelta()),
+        m_player(model.Bones, animation),
+        m_frame(static_cast<size_t>(model.Bones.Count())),
+        m_positions(static_cast<size_t>(model.Bones.Count())) {}
+
+  void WriteBlock(core::TextWriter& writer, int64_t number, int32_t frame) {
+    WriteTime(writer, number);
+    if (m_player.GoTo(frame)) {
+      Turn();
+      WriteLines();
+    }
+    m_frame.Write(writer);
+  }
+
+ private:
+  /// Brings the bones that changed into the form of the file. The turns and the composition give a position that
+  /// depends on the position alone, and likewise for the rotation, so each part of a line stands as long as its own
+  /// input does.
+  void Turn() {
+    m_rotations.clear();
+    for (size_t bone = 0; bone < m_positions.size(); ++bone) {
+      if (!m_player.Changed(bone)) continue;
+      m_positions[bone] = m_player.Positions()[bone];
+      Quat rotation = m_player.Rotations()[bone];
+      if (m_onDefaultPose) Apply(m_model.DefaultPoses[bone], rotation, m_positions[bone]);
+      if (m_model.TurnRoots && m_model.Bones[static_cast<int64_t>(bone)]->Parent == -1) {
+        Apply(m_model.RootTurn, rotation, m_positions[bone]);
+      }
+      if (m_player.RotationChanged(bone)) m_rotations.push_back(rotation);
+    }
+    m_angles.resize(m_rotations.size());
+    QuickQuatToEuler(m_rotations, m_angles);
+  }
+
+  void WriteLines() {
+    m_frame.Begin();
+    const EulerAngles* angles = m_angles.data();
+    for (size_t bone = 0; bone < m_positions.size(); ++bone) {
+      if (m_player.Changed(bone)) {
+        const smd::Triple position = ToTriple(m_positions[bone]);
+        const bool turned = m_player.RotationChanged(bone);
+        const smd::Triple rotation = turned ? ToTriple(*angles++) : smd::Triple{};
+        m_frame.Line(m_player.PositionChanged(bone) ? &position : nullptr, turned ? &rotation : nullptr);
+      } else {
+        m_frame.Keep();
+      }
+    }
+  }
+
+  static void Apply(const Matrix3x4& left, Quat& rotation, Vec3& position) {
+    Matrix3x4 pose;
+    QuatPosToMatrix(rotation, position, pose);
+    ConcatMatrix(left, pose, pose);
+    MatrixToQuatPos(pose, rotation, position);
+  }
+
+  const AnimationSmdModel& m_model;
+  bool m_onDefaultPose;
+  PosePlayer m_player;
+  smd::SkeletonFrame m_frame;
+  std::vector<Vec3> m_positions;      // of each bone, as the file has it
+  std::vector<Quat> m_rotations;      // of the bones whose rotation changed
+  std::vector<EulerAngles> m_angles;  // of those
+};
+
+}  // namespace
+
+int64_t AnimationHeadSize(const Skeleton& skeleton) {
+  int64_t size = 0;
+  for (const std::string_view name : skeleton.Names) size += static_cast<int64_t>(name.size()) + OrdinaryLine;
+  return size;
+}
+
+std::shared_ptr<const AnimationSmdModel> MakeAnimationSmdModel(const Skeleton& skeleton, bool turnRoots) {
+  auto model = std::make_shared<AnimationSmdModel>();
+  model->Bones = skeleton.Bones;
+  model->TurnRoots = turnRoots;
+  AnglesPosToMatrix({0, 270, 0}, {0, 0, 0}, model->RootTurn);
+  model->DefaultPoses.reserve(skeleton.Names.size());
+  std::vector<smd::Node> nodes;
+  nodes.reserve(skeleton.Names.size());
+  for (const auto bone : skeleton.Bones) {
+    nodes.push_back({skeleton.Names[nodes.size()], bone->Parent, {}, {}});
+    QuatPosToMatrix(bone->Rotation, bone->Position, model->DefaultPoses.emplace_back());
+  }
+  model->Head = smd::AnimationHead(nodes);
+  return model;
+}
+
+int64_t AnimationSmdSize(const AnimationSmdModel& model, int64_t blocks) {
+  return static_cast<int64_t>(model.Head.size()) + blocks * (model.Bones.Count() * OrdinaryLine + 12);
+}
+
+void WriteBindPoseSmd(core::TextWriter& writer, const AnimationSmdModel& model) {
+  smd::SkeletonFrame frame(static_cast<size_t>(model.Bones.Count()));
+  frame.Begin();
+  for (const auto bone : model.Bones) {
+    EulerAngles angles;
+    QuatToEuler(bone->Rotation, angles);
+    const smd::Triple position = ToTriple(bone->Position), rotation = ToTriple(angles);
+    frame.Line(&position, &rotation);
+  }
+  writer.Raw(model.Head);
+  for (int time = 0; time < 2; ++time) {
+    WriteTime(writer, time);
+    frame.Write(writer);
+  }
+  writer.Text("end\n");
+}
+
+void WriteAnimationSmd(core::TextWriter& writer, const AnimationSmdModel& model, const CheckedAnimation& animation,
+                       bool onDefaultPose) {
+  writer.Raw(model.Head);
+  AnimationText text(model, animation, onDefaultPose);
+  text.WriteBlock(writer, 0, 0);
+  for (int32_t frame = 0; frame < animation.FrameCount(); ++frame) text.WriteBlock(writer, int64_t{frame} + 1, frame);
+  writer.Text("end\n");
+}
+
+}  // namespace tarnwick::decompiler

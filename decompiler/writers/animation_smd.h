@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "core/text_writer.h"
+#include "decompiler/writers/model_names.h"
+#include "model/animation_check.h"
+#include "model/bone_math_types.h"
+#include "model/loaded_model.h"
+
+namespace tarnwick::decompiler {
+
+/// What all animation files of a job have in common, made once.
+struct AnimationSmdModel {
+  core::RecordArray<StudioBone> Bones;
+  std::string Head;                     // all lines before the first time block
+  std::vector<Matrix3x4> DefaultPoses;  // of each bone, in its parent's space
+  bool TurnRoots = true;                // root bones are turned by 270 degrees about Z
+  Matrix3x4 RootTurn;                   // that turn
+};
+
+/// Makes it for a model with these bones.
+[[nodiscard]] std::shared_ptr<const AnimationSmdModel> MakeAnimationSmdModel(const Skeleton& skeleton, bool turnRoots);
+
+/// Bytes that its head may well have.
+[[nodiscard]] int64_t AnimationHeadSize(const Skeleton& skeleton);
+
+/// Bytes that a file of `blocks` time blocks may well have, in whole lines of ordinary numbers.
+[[nodiscard]] int64_t AnimationSmdSize(const AnimationSmdModel& model, int64_t blocks);
+
+/// The content of a bind pose file: time blocks 0 and 1 with every bone's default pose, roots not turned.
+void WriteBindPoseSmd(core::TextWriter& writer, const AnimationSmdModel& model);
+
+/// The content of an animation's file: frame 0, then all frames. A delta animation is shown applied to the default
+/// pose if `onDefaultPose`, which a job with a delta reference file wants.
+void WriteAnimationSmd(core::TextWriter& writer, const AnimationSmdModel& model, const CheckedAnimation& animation,
+                       bool onDefaultPose);
+
+}  // namespace tarnwick::decompiler
