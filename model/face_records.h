@@ -44,15 +44,32 @@ inline constexpr int32_t FlexOpMultiply = 6;
 inline constexpr int32_t FlexOpDivide = 7;
 static_assert(sizeof(StudioFlexOp) == 8);
 
+/// A slider of the face poser: one controller, or a left and a right one.
+struct StudioFlexControl {
+  int32_t NameOffset;  // 0x00
+  int32_t
+      ControllerOffsets[2];  // 0x04 of controller records, from this one: the left, the right; the second 0 for none
+  int32_t Unused0C;
+  uint8_t Type;      // 0x10
+  uint8_t IsStereo;  // 0x11
+  uint8_t Unused12[2];
+};
+static_assert(sizeof(StudioFlexControl) == 20);
+
 /// The vertex animation of one flex on one mesh.
 struct StudioFlex {
-  int32_t FlexDesc;  // 0x00
-  char Unread04[0x14 - 0x04];
+  int32_t FlexDesc;        // 0x00
+  float Targets[4];        // 0x04 weight at which it begins, is whole, begins to end, has ended; 0 1 10 11 by default
   int32_t VertAnimCount;   // 0x14
   int32_t VertAnimOffset;  // 0x18 StudioVertAnim
   int32_t Partner;         // 0x1C descriptor of the other side's flex, 0 for none
-  char Unread20[0x3C - 0x20];
+  uint8_t VertAnimKind;    // 0x20 VertAnimKind
+  char Unused21[0x3C - 0x21];
 };
+/// A flex whose vertex animations are StudioVertAnim, or StudioWrinkleVertAnim.
+inline constexpr uint8_t VertAnimOrdinary = 0;
+inline constexpr uint8_t VertAnimWrinkle = 1;
+static_assert(offsetof(StudioFlex, VertAnimKind) == 0x20);
 static_assert(offsetof(StudioFlex, VertAnimCount) == 0x14 && sizeof(StudioFlex) == 60);
 
 struct StudioVertAnim {
@@ -64,20 +81,31 @@ struct StudioVertAnim {
 };
 static_assert(sizeof(StudioVertAnim) == 16);
 
+/// A vertex animation that drives a wrinkle map too.
+struct StudioWrinkleVertAnim {
+  StudioVertAnim Anim;   // 0x00
+  int16_t WrinkleDelta;  // 0x10
+};
+static_assert(sizeof(StudioWrinkleVertAnim) == 18);
+
 struct StudioEyeball {
   int32_t NameOffset;   // 0x00
   int32_t Bone;         // 0x04
   Vec3 Origin;          // 0x08 in the bone's space; the script wants it in the model's
   float ForwardOffset;  // 0x14 its arctangent is the eye's angle
   float Radius;         // 0x18
-  char Unread1C[0x38 - 0x1C];
-  int32_t Texture;  // 0x38
+  Vec3 Up;              // 0x1C in the bone's space
+  Vec3 Forward;         // 0x28
+  int32_t Unused34;
+  int32_t Texture;  // 0x38 0 in files seen: the eye's mesh has the texture
   float IrisScale;  // 0x3C
-  char Unread40[0x5C - 0x40];
-  float UpperTarget[3];      // 0x5C upper lid lowered, neutral, raised
-  float LowerTarget[3];      // 0x68 lower lid lowered, neutral, raised
-  int32_t UpperLidFlexDesc;  // 0x74
-  int32_t LowerLidFlexDesc;  // 0x78
+  int32_t Unused40;
+  int32_t UpperFlexDescs[3];  // 0x44 descriptors of the upper lid: lowered, neutral, raised
+  int32_t LowerFlexDescs[3];  // 0x50
+  float UpperTarget[3];       // 0x5C upper lid lowered, neutral, raised
+  float LowerTarget[3];       // 0x68 lower lid lowered, neutral, raised
+  int32_t UpperLidFlexDesc;   // 0x74
+  int32_t LowerLidFlexDesc;   // 0x78
   char Unread7C[0xAC - 0x7C];
 };
 static_assert(offsetof(StudioEyeball, Texture) == 0x38 && offsetof(StudioEyeball, UpperTarget) == 0x5C);

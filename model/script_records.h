@@ -12,11 +12,12 @@ namespace tarnwick::model {
 
 struct StudioPoseParameter {
   int32_t NameOffset;  // 0x00
-  int32_t Flags;       // 0x04
+  int32_t Flags;       // 0x04 PoseParameterFlag bits
   float Start;         // 0x08
   float End;           // 0x0C
   float Wrap;          // 0x10 wrap length, 0 for none
 };
+inline constexpr int32_t PoseParameterFlagLoop = 1;
 static_assert(sizeof(StudioPoseParameter) == 20);
 
 struct StudioHitboxSet {
@@ -27,13 +28,14 @@ struct StudioHitboxSet {
 static_assert(sizeof(StudioHitboxSet) == 12);
 
 struct StudioHitbox {
-  int32_t Bone;   // 0x00
-  int32_t Group;  // 0x04
-  Vec3 Minimum;   // 0x08
-  Vec3 Maximum;   // 0x14
-  char Unread20[0x44 - 0x20];
+  int32_t Bone;        // 0x00
+  int32_t Group;       // 0x04
+  Vec3 Minimum;        // 0x08
+  Vec3 Maximum;        // 0x14
+  int32_t NameOffset;  // 0x20 from this record, 0 for none; in some files it leads nowhere
+  char Unused24[0x44 - 0x24];
 };
-static_assert(sizeof(StudioHitbox) == 68);
+static_assert(offsetof(StudioHitbox, NameOffset) == 0x20 && sizeof(StudioHitbox) == 68);
 
 struct StudioAttachment {
   int32_t NameOffset;   // 0x00
@@ -64,6 +66,16 @@ struct StudioIkLink {
   Vec3 Unread10;
 };
 static_assert(sizeof(StudioIkLink) == 28);
+
+/// An end of a limb that goes back to where it was: of a sequence, or of all that always play.
+struct StudioIkLock {
+  int32_t Chain;         // 0x00
+  float PositionWeight;  // 0x04
+  float RotationWeight;  // 0x08
+  int32_t Flags;         // 0x0C 0 in files seen
+  int32_t Unused10[4];
+};
+static_assert(sizeof(StudioIkLock) == 32);
 
 #pragma pack(pop)
 
