@@ -95,6 +95,7 @@ class Compile {
     if (!IsProject(path)) return CompileInput{path, path, m_options.Switches};
     const auto script = m_options.Scripts.Write(path, m_report);
     if (!script) return std::nullopt;
+    for (const std::string& warning : script->Warnings) m_err << warning << '\n';
     return CompileInput{path, script->Path, script->Options | m_options.Switches};
   }
 

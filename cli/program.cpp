@@ -1,4 +1,7 @@
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <exception>
 #include <string>
 #include <vector>
@@ -22,6 +25,20 @@ std::string Marked(std::string argument) {
 std::string Unmarked(std::string argument) {
   if (argument.starts_with(WholeArgument)) argument.erase(0, 1);
   return argument;
+}
+
+/// A value behind a key may begin with a minus, as "-5" does: marks what stands in the place of a value in
+/// "project set PROJECT KEY VALUE...". The verb's own flags stay what they are; behind "--" everything is a word.
+void MarkProjectValues(std::vector<std::string>& arguments) {
+  if (arguments.size() < 2 || arguments[0] != "project" || arguments[1] != "set") return;
+  size_t words = 0;
+  for (size_t i = 2; i < arguments.size() && arguments[i] != "--"; ++i) {
+    std::string& argument = arguments[i];
+    if (argument == "--new" || argument == "--force" || argument == "--help" || argument == "-h") continue;
+    const bool isValue = words >= 2 && words % 2 == 0;
+    if (isValue && argument.starts_with('-')) argument.insert(argument.begin(), WholeArgument);
+    ++words;
+  }
 }
 
 /// Lets every option of `app` and of its subcommands see its arguments without the mark.
@@ -56,17 +73,27 @@ int RunProgram(int argumentCount, const char* const* arguments, std::ostream& ou
   Invocation invocation{out, err, {}};
   for (const AddVerb addVerb : Verbs) addVerb(program, invocation);
   UnmarkArguments(program);
-  std::vector<std::string> reversed;  // as the parser wants them
-  for (int i = argumentCount - 1; i > 0; --i) reversed.push_back(Marked(arguments[i]));
-  try {
-    program.parse(std::move(reversed));
-    return invocation.Run ? invocation.Run() : ExitUsage;
-  } catch (const CLI::ParseError& error) {
-    return Refuse(program, error, out, err);
-  } catch (const std::exception& error) {  // memory ran out, at the latest
-    err << "Error: " << error.what() << '\n';
-    return ExitFailure;
-  }
+  std::vector<std::string> words(arguments + std::min(argumentCount, 1), arguments + argumentCount);
+  for (std::string& word : words) word = Marked(word);
+  MarkProjectValues(words);
+  std::reverse(words.begin(), words.end());  // as the parser wants them
+  const int exitCode = [&] {
+    try {
+      program.parse(std::move(words));
+      return invocation.Run ? invocation.Run() : ExitUsage;
+    } catch (const CLI::ParseError& error) {
+      return Refuse(program, error, out, err);
+    } catch (const std::exception& error) {  // memory ran out, at the latest
+      err << "Error: " << error.what() << '\n';
+      return ExitFailure;
+    }
+  }();
+  // What was asked for and did not arrive was not done, for instance on a full disk.
+  errno = 0;
+  if (out.flush()) return exitCode;
+  err << "Error: the output could not be written" << (errno != 0 ? std::string(": ") + std::strerror(errno) : "")
+      << '\n';
+  return exitCode == ExitSuccess ? ExitFailure : exitCode;
 }
 
 }  // namespace tarnwick::cli

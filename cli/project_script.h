@@ -4,6 +4,7 @@
 #include <optional>
 #include <ostream>
 #include <string>
+#include <vector>
 
 #include "core/report.h"
 
@@ -16,7 +17,8 @@ namespace tarnwick::cli {
 /// The script of a project.
 struct ProjectScript {
   std::string Path;
-  uint32_t Options = 0;  // switches of studiomdl that the project asks for
+  uint32_t Options = 0;               // switches of studiomdl that the project asks for
+  std::vector<std::string> Warnings;  // of files that the project needs and that are not there
 };
 
 /// Makes scripts of project files, for the verbs that do that.
@@ -30,8 +32,7 @@ struct ProjectScripts {
   /// Takes the material page's directory from the settings if none was given.
   void FillFromSettings(std::ostream& err);
 
-  /// Writes the script of the project file at `path`. A relative reference SMD is looked for in the current folder,
-  /// then beside the project file. Nothing if that failed, which is told.
+  /// Writes the script of the project file at `path`. Nothing if that failed, which is told.
   std::optional<ProjectScript> Write(const std::string& path, core::Report& report) const;
 };
 

@@ -62,6 +62,10 @@ bool OpenToChange(OpenProject& open, const Options& options, Invocation& invocat
   return false;
 }
 
+void Print(const nlohmann::ordered_json& json, Invocation& invocation) {
+  invocation.Out << json.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) << '\n';
+}
+
 int Show(const Options& options, Invocation& invocation) {
   OpenProject open(invocation.Err);
   if (!open.Open(options.Path)) return ExitFailure;
@@ -73,9 +77,7 @@ int Show(const Options& options, Invocation& invocation) {
       invocation.Out << value.Key << ": " << value.Text << '\n';
     }
   });
-  if (options.Json) {
-    invocation.Out << json.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) << '\n';
-  }
+  if (options.Json) Print(json, invocation);
   return ExitSuccess;
 }
 
@@ -83,13 +85,18 @@ int Get(const Options& options, Invocation& invocation) {
   OpenProject open(invocation.Err);
   if (!open.Open(options.Path)) return ExitFailure;
   int exitCode = ExitSuccess;
+  nlohmann::ordered_json json = nlohmann::ordered_json::object();
   for (const std::string& key : options.Words) {
-    if (const auto value = project::GetProjectValue(open.Model, key)) {
-      invocation.Out << *value << '\n';
-    } else {
+    const auto value = project::GetProjectValue(open.Model, key);
+    if (!value) {
       exitCode = Fail(invocation, options.Path, "the project has no " + key);
+    } else if (options.Json) {
+      json[key] = *value;
+    } else {
+      invocation.Out << *value << '\n';
     }
   }
+  if (options.Json) Print(json, invocation);
   return exitCode;
 }
 
@@ -155,9 +162,9 @@ void AddProjectVerb(CLI::App& program, Invocation& invocation) {
     return part;
   };
   add("show", "All values, under the keys of the file", Show)->add_flag("--json", options->Json, "As a JSON object");
-  add("get", "Single values, one a line", Get)
-      ->add_option("KEY", options->Words, "Keys such as \"Model File\" or Animation0/Name")
-      ->required();
+  CLI::App* get = add("get", "Single values, one a line", Get);
+  get->add_option("KEY", options->Words, "Keys such as \"Model File\" or Animation0/Name")->required();
+  get->add_flag("--json", options->Json, "As a JSON object");
   CLI::App* set = add("set", "Set values; the number behind a list's last entry makes a new one", Set);
   set->add_option("KEY VALUE", options->Words, "Keys, each with its value behind it")->required();
   set->add_flag("--new", options->New, "Make the file if there is none");

@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <iostream>
+#include <limits>
 #include <memory>
 #include <nlohmann/json.hpp>
 
@@ -17,11 +18,11 @@ namespace {
 
 constexpr const char* Examples = R"(Examples:
   tarnwick-cli smd info crate.smd
-  tarnwick-cli smd replace crate.smd wood.bmp oak.bmp --yes)";
+  tarnwick-cli smd replace crate.smd wood.bmp oak.bmp --yes
+  tarnwick-cli smd replace crate.smd crate_lod1.smd wood.bmp oak.bmp --yes)";
 
 struct Options {
-  std::vector<std::string> Files;
-  smd::MaterialReplacement Replacement;
+  std::vector<std::string> Files;  // for replace, with the old and the new name behind them
   bool Json = false;
   bool Yes = false;
 };
@@ -69,23 +70,34 @@ bool Agreed(const smd::MaterialReplacement& replacement, std::ostream& out) {
   return core::EqualIgnoringCase(answer, "y") || core::EqualIgnoringCase(answer, "yes");
 }
 
-int Replace(const Options& options, Invocation& invocation) {
+int ReplaceIn(const smd::MaterialReplacement& replacement, bool yes, Invocation& invocation) {
   ConsoleReport report(invocation.Err);
-  if (!smd::CheckReplacement(options.Replacement, report)) return ExitUsage;
-  if (!options.Yes && !Agreed(options.Replacement, invocation.Err)) {
+  if (!smd::CheckReplacement(replacement, report)) return ExitUsage;
+  if (!yes && !Agreed(replacement, invocation.Err)) {
     invocation.Err << "Nothing was changed\n";
     return ExitFailure;
   }
-  const std::optional<uint64_t> count = smd::ReplaceMaterial(options.Replacement, report);
+  const std::optional<uint64_t> count = smd::ReplaceMaterial(replacement, report);
   if (!count) return ExitFailure;
-  invocation.Out << options.Replacement.Path << ": " << *count << " replaced\n";
+  invocation.Out << replacement.Path << ": " << *count << " replaced\n";
   return ExitSuccess;
+}
+
+int Replace(const Options& options, Invocation& invocation) {
+  const size_t files = options.Files.size() - 2;
+  int exitCode = ExitSuccess;
+  for (size_t i = 0; i < files; ++i) {
+    const int code =
+        ReplaceIn({options.Files[i], options.Files[files], options.Files[files + 1]}, options.Yes, invocation);
+    if (code != ExitSuccess) exitCode = code;
+  }
+  return exitCode;
 }
 
 }  // namespace
 
 void AddSmdVerb(CLI::App& program, Invocation& invocation) {
-  CLI::App* verb = program.add_subcommand("smd", "Inspect SMD files, rename a material in one");
+  CLI::App* verb = program.add_subcommand("smd", "Inspect SMD files, rename a material in them");
   verb->require_subcommand(1);
   verb->footer(Examples);
   auto options = std::make_shared<Options>();
@@ -94,10 +106,12 @@ void AddSmdVerb(CLI::App& program, Invocation& invocation) {
   info->add_flag("--json", options->Json, "Print one JSON object a file, one a line");
   info->callback(
       [options, &invocation] { invocation.Run = [options, &invocation] { return ShowInfo(*options, invocation); }; });
-  CLI::App* replace = verb->add_subcommand("replace", "Replace a name by another throughout an SMD file, in place");
-  replace->add_option("FILE", options->Replacement.Path, "SMD file")->required();
-  replace->add_option("OLD", options->Replacement.OldName, "Text to be replaced, wherever it stands")->required();
-  replace->add_option("NEW", options->Replacement.NewName, "Text in its place")->required();
+  CLI::App* replace = verb->add_subcommand("replace", "Replace a name by another throughout SMD files, in place");
+  replace
+      ->add_option("FILE... OLD NEW", options->Files,
+                   "SMD files, behind them the text to be replaced, wherever it stands, and the text in its place")
+      ->required()
+      ->expected(3, std::numeric_limits<int>::max());
   replace->add_flag("-y,--yes", options->Yes, "Do not ask");
   replace->callback(
       [options, &invocation] { invocation.Run = [options, &invocation] { return Replace(*options, invocation); }; });

@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <memory>
+#include <nlohmann/json.hpp>
 
 #include "cli/tool_directories.h"
 #include "core/paths.h"
@@ -18,6 +19,7 @@ constexpr const char* Examples = R"(Examples:
 
 struct Options {
   std::string Model;
+  bool Json = false;
   ToolDirectories Directories;
 };
 
@@ -26,18 +28,30 @@ int View(Options options, Invocation& invocation) {
   const std::string& game = options.Directories.Game;
   const std::string modelFile = tools::ModelFileOf(game, options.Model);
   const std::string path = game + "/models/" + modelFile;
+  std::vector<std::string> warnings;
   if (game.empty()) {
-    invocation.Err << "Warning: no game directory is set\n";
+    warnings.emplace_back("no game directory is set");
   } else if (!core::FindIgnoringCase(path)) {
-    invocation.Err << "Warning: there is no model " << path << '\n';
+    warnings.push_back("there is no model " + path);
   }
+  for (const std::string& warning : warnings) invocation.Err << "Warning: " << warning << '\n';
   const tools::HlmvCommand command = tools::BuildHlmvCommand(options.Directories.Sdk, game, modelFile);
-  if (const auto error = tools::StartHlmv(command, options.Directories.Start())) {
+  const auto error = tools::StartHlmv(command, options.Directories.Start());
+  if (options.Json) {
+    nlohmann::ordered_json json{{"model", options.Model},
+                                {"outcome", error ? "failed" : "ok"},
+                                {"program", command.Program},
+                                {"parameters", command.Parameters},
+                                {"warnings", warnings}};
+    if (error) json["error"] = error->Message;
+    invocation.Out << json.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace) << '\n';
+  }
+  if (error) {
     invocation.Err << command.ErrorText() << ": " << error->Message << '\n';
     if (!tools::ToolExists(command.Program)) invocation.Err << SdkAdvice << '\n';
     return ExitFailure;
   }
-  invocation.Out << command.Program << ' ' << command.Parameters << '\n';
+  if (!options.Json) invocation.Out << command.Program << ' ' << command.Parameters << '\n';
   return ExitSuccess;
 }
 
@@ -49,6 +63,7 @@ void AddViewVerb(CLI::App& program, Invocation& invocation) {
   verb->add_option("MODEL", options->Model, "A model of the game: its path, or that below the game's models folder")
       ->required();
   options->Directories.AddOptions(*verb);
+  verb->add_flag("--json", options->Json, "Print what was started, or why not, as a JSON object");
   verb->footer(Examples);
   verb->callback(
       [options, &invocation] { invocation.Run = [options, &invocation] { return View(*options, invocation); }; });

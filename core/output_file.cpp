@@ -104,7 +104,13 @@ std::optional<OutputFile> OutputFile::Create(std::string path, std::string* reas
     file.m_descriptor = OpenNew(file.m_temporaryPath);
     if (file.m_descriptor < 0 && errno != EEXIST) break;
   }
-  if (file.m_descriptor < 0) return refuse(std::strerror(errno));
+  if (file.m_descriptor < 0) {
+    const int cause = errno;
+    if (cause != EACCES && cause != EPERM && cause != EROFS) return refuse(std::strerror(cause));
+    // The file itself may be writable, but a new one is to take its place.
+    const std::string folder = native.has_parent_path() ? PathText(native.parent_path()) : ".";
+    return refuse("the folder " + folder + " cannot be written to: " + std::strerror(cause));
+  }
   if (fs::exists(status)) fs::permissions(file.m_temporaryPath, status.permissions(), error);
   file.m_target = std::move(native);
   file.m_path = std::move(path);

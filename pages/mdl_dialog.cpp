@@ -18,6 +18,7 @@
 #include "project/project_file.h"
 #include "project/project_store.h"
 #include "project/qc_generator.h"
+#include "project/source_files.h"
 #include "tools/hlmv_command.h"
 #include "ui_mdl_dialog.h"
 
@@ -80,6 +81,8 @@ void CMDLDialog::OnInitDialog() {
   m_sequences->Refresh();
   FollowSequenceRule();
   FollowCollisionCheck();
+  UpdateData(true);  // the rule may have changed a check
+  RememberAsSaved();
 }
 
 void CMDLDialog::DoDataExchange(platform::CDataExchange& exchange) {
@@ -167,12 +170,23 @@ void CMDLDialog::OnLoad() {
                                                             .StartName = m_project.configFile,
                                                             .StartDirectory = {}});
   if (!chosen) return;
+  if (HasUnsavedChanges() &&
+      DesktopSeam().ShowBox(this, {"The project has changes that are in no file. Load the other one all the same?",
+                                   project::ProjectFileTitle,
+                                   platform::BoxIcon::Question,
+                                   platform::BoxButtons::OkCancel,
+                                   {},
+                                   "Load"}) != platform::BoxAnswer::Ok) {
+    return;
+  }
   PageReport report(DesktopSeam(), this);
   if (!project::OpenProjectFile(*chosen, m_project, m_store, report)) return;
   UpdateData(false);
   m_sequences->Refresh();
   FollowSequenceRule();
   FollowCollisionCheck();
+  UpdateData(true);
+  RememberAsSaved();
 }
 
 void CMDLDialog::OnSave() {
@@ -183,7 +197,17 @@ void CMDLDialog::OnSave() {
                                                             .StartDirectory = {}});
   if (!chosen) return;
   PageReport report(DesktopSeam(), this);
-  project::SaveProjectFile(*chosen, m_project, m_store, report);
+  if (project::SaveProjectFile(*chosen, m_project, m_store, report)) RememberAsSaved();
+}
+
+void CMDLDialog::RememberAsSaved() {
+  project::SaveProjectToStore(m_project, m_saved);
+}
+
+bool CMDLDialog::HasUnsavedChanges() const {
+  project::ProfileStore now;
+  project::SaveProjectToStore(m_project, now);
+  return now.Entries() != m_saved.Entries();
 }
 
 void CMDLDialog::OnView() {
@@ -211,9 +235,10 @@ void CMDLDialog::CompileModel() {
   PageReport report(DesktopSeam(), this);
   std::string qcPath;
   if (!project::GenerateQc(m_project, m_store, Settings(), report, qcPath)) return;
-  const auto job = PrepareStudiomdlRun(*this, Settings(), tools::ToolRun::StudiomdlForm, qcPath,
-                                       static_cast<uint32_t>(m_project.options.studioMdlOptions));
+  auto job = PrepareStudiomdlRun(*this, Settings(), tools::ToolRun::StudiomdlForm, qcPath,
+                                 static_cast<uint32_t>(m_project.options.studioMdlOptions));
   if (!job) return;
+  for (std::string& warning : project::MissingSources(m_project)) job->Warnings.push_back(std::move(warning));
   m_status.Create();
   platform::CenterOver(*this, m_status);
   m_status.show();

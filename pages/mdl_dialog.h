@@ -47,6 +47,8 @@ class CMDLDialog : public CPage {
   void FollowCollisionCheck();
   void OnLoad();
   void OnSave();
+  void RememberAsSaved();
+  bool HasUnsavedChanges() const;
   void OnView();
   void OnInspect();
   void OnModelOptions();
@@ -56,6 +58,7 @@ class CMDLDialog : public CPage {
   std::unique_ptr<Ui::MdlDialog> m_ui;
   project::ModelProject m_project;
   project::ProfileStore m_store;
+  project::ProfileStore m_saved;  // the project as it was begun, loaded or saved last
   std::unique_ptr<RowList> m_sequences;
   CStudioMDLStatusDialog m_status;
   ToolRunner m_runner;  // behind the window that it writes to

@@ -55,8 +55,7 @@ void CRefSMDInfo::ShowFigures() {
 void CRefSMDInfo::OnReplaceAll() {
   const smd::MaterialReplacement replacement{SmdPath, FromQt(m_ui->materialCombo->currentText()),
                                              FromQt(m_ui->replaceEdit->text())};
-  std::string reasons;
-  platform::PageReport report(DesktopSeam(), this, [&reasons](std::string_view text) { reasons += text; });
+  platform::PageReport report(DesktopSeam(), this);
   m_ui->resultLabel->clear();
   if (!smd::CheckReplacement(replacement, report)) return;
   const platform::BoxAnswer answer =
@@ -64,10 +63,7 @@ void CRefSMDInfo::OnReplaceAll() {
                                    platform::BoxIcon::Question, platform::BoxButtons::OkCancel});
   if (answer != platform::BoxAnswer::Ok) return;
   const std::optional<uint64_t> count = smd::ReplaceMaterial(replacement, report);
-  if (!count) {
-    m_ui->resultLabel->setText(ToQt(reasons).trimmed());
-    return;
-  }
+  if (!count) return;
   ShowFigures();
   m_ui->materialCombo->setEditText(ToQt(*count == 0 ? replacement.OldName : replacement.NewName));
   m_ui->resultLabel->setText(*count == 1 ? QString("1 occurrence replaced.")

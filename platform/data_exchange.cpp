@@ -45,9 +45,10 @@ void DDX_Check(const CDataExchange& exchange, QAbstractButton& control, bool& va
 
 void DDX_CBIndex(const CDataExchange& exchange, QComboBox& control, int& value) {
   if (exchange.Saving) {
-    value = control.currentIndex();
+    // A value that no item stands for selects none, and stays until the user selects one.
+    if (control.currentIndex() >= 0) value = control.currentIndex();
   } else {
-    control.setCurrentIndex(value);
+    control.setCurrentIndex(value < control.count() ? value : -1);
   }
 }
 

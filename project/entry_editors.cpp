@@ -28,8 +28,8 @@ Verdict CheckTexts(const Record& entry, const std::array<KeyedField<Record>, Siz
   return std::nullopt;
 }
 
-double NumberOf(const std::string& field) {
-  return core::ParseReal(std::string_view(field).substr(0, LongestNumberField));
+std::string_view NumberText(const std::string& field) {
+  return std::string_view(field).substr(0, LongestNumberField);
 }
 
 }  // namespace
@@ -71,10 +71,12 @@ ModelOptionsForm ShowModelOptions(const ModelOptions& options) {
 }
 
 Verdict TakeModelOptions(const ModelOptionsForm& form, ModelOptions& options) {
+  if (auto refused = CheckNumber("Scale", NumberText(form.scale))) return refused;
+  if (auto refused = CheckNumber("Mass (kg)", NumberText(form.mass))) return refused;
   if (auto refused = CheckText("SurfaceProp", form.surfaceProp)) return refused;
   if (auto refused = CheckText("prop_physics type", form.propPhysicsType)) return refused;
-  options.scale = NumberOf(form.scale);
-  options.mass = NumberOf(form.mass);
+  options.scale = core::ParseReal(NumberText(form.scale));
+  options.mass = core::ParseReal(NumberText(form.mass));
   options.surfaceProp = form.surfaceProp;
   options.propPhysicsType = form.propPhysicsType;
   return std::nullopt;

@@ -1,6 +1,10 @@
 #include "project/field_rules.h"
 
+#include <cmath>
+
+#include "core/number_parse.h"
 #include "project/project_values.h"
+#include "project/value_rules.h"
 
 namespace tarnwick::project {
 
@@ -47,6 +51,15 @@ Verdict CheckCommand(std::string_view text, char standIn) {
     return Error("The command holds a line break, which a project file cannot hold", "Command");
   }
   return std::nullopt;
+}
+
+Verdict CheckNumber(std::string_view label, std::string_view text) {
+  const double number = core::ParseReal(text);
+  if (!std::isfinite(number)) return Error(FieldNamed(label) + "holds no number: " + std::string(text), label);
+  if (!RoundsToNothing(number)) return std::nullopt;
+  return Error(
+      FieldNamed(label) + "holds " + std::string(text) + ", which is too small: with its two decimals it would be 0.00",
+      label);
 }
 
 Verdict CheckProjectForFile(const ModelProject& project) {

@@ -33,6 +33,10 @@ Verdict CheckText(std::string_view label, std::string_view text);
 /// its own, which would come back as a double quote, and no line break.
 Verdict CheckCommand(std::string_view text, char standIn);
 
+/// Whether a project can keep the number that `text` begins with, in the field of that label: it is finite, and not so
+/// small that its two decimals are 0.00. Text without a number is a 0.
+Verdict CheckNumber(std::string_view label, std::string_view text);
+
 /// The first value of the project that its file could not hold, or that would end a list when the file is read. The
 /// box names the place by its key in the file, the field by its label.
 Verdict CheckProjectForFile(const ModelProject& project);

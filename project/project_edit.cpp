@@ -1,17 +1,15 @@
 #include "project/project_edit.h"
 
 #include <algorithm>
-#include <cmath>
 #include <vector>
 
-#include "core/number_parse.h"
 #include "core/paths.h"
 #include "project/entry_editors.h"
-#include "project/field_rules.h"
 #include "project/profile_store.h"
 #include "project/project_keys.h"
 #include "project/project_store.h"
 #include "project/project_values.h"
+#include "project/value_rules.h"
 
 namespace tarnwick::project {
 
@@ -29,43 +27,6 @@ std::string NumberOf(const ProjectKey& key, const std::string& value) {
   const auto named =
       std::ranges::find_if(key.Names, [&](std::string_view name) { return core::EqualIgnoringCase(name, value); });
   return named == key.Names.end() ? value : std::to_string(named - key.Names.begin());
-}
-
-/// "one of prop_static (0), prop_dynamic (1)".
-std::string OneOf(std::span<const std::string_view> names) {
-  std::string text = "one of ";
-  for (size_t i = 0; i < names.size(); ++i) {
-    text.append(i == 0 ? "" : ", ").append(names[i]).append(" (" + std::to_string(i) + ")");
-  }
-  return text;
-}
-
-Problem CheckWhole(const ProjectKey& key, std::string_view name, std::string_view value) {
-  size_t length = 0;
-  const int32_t number = core::ParseWhole(value, &length);
-  const bool isWhole = length == value.size() && length != 0;
-  if (key.Names.empty() && !isWhole) return std::string(name) + " is a whole number, not " + Quoted(value);
-  if (key.Names.empty() || (isWhole && number >= 0 && static_cast<size_t>(number) < key.Names.size())) return {};
-  return std::string(name) + " is " + OneOf(key.Names) + ", not " + Quoted(value);
-}
-
-Problem CheckKind(const ProjectKey& key, std::string_view name, std::string_view value) {
-  size_t length = 0;
-  switch (key.Kind) {
-    case ValueKind::Text: {
-      const Verdict refused = key.QuoteStandIn != 0 ? CheckCommand(value, key.QuoteStandIn) : CheckText(name, value);
-      return refused ? Problem(refused->Text) : std::nullopt;
-    }
-    case ValueKind::Check:
-      if (value == "0" || value == "1") return std::nullopt;
-      return std::string(name) + " is 0 or 1, not " + Quoted(value);
-    case ValueKind::Whole:
-      return CheckWhole(key, name, value);
-    case ValueKind::Real:
-      if (std::isfinite(core::ParseReal(value, &length)) && length == value.size() && length != 0) return std::nullopt;
-      return std::string(name) + " is a number, not " + Quoted(value);
-  }
-  return std::nullopt;
 }
 
 /// Why a value did not become part of the project although it is good in itself.
@@ -161,7 +122,7 @@ Problem SetProjectValues(ModelProject& project, std::span<const ProjectChange> c
     const std::optional<ProjectKey> key = ReadProjectKey(name);
     if (!key) return "A project has no key " + Quoted(change.Key);
     std::string text = NumberOf(*key, change.Value);
-    if (Problem problem = CheckKind(*key, name, text)) return problem;
+    if (Problem problem = CheckProjectValue(*key, name, text)) return problem;
     if (key->QuoteStandIn != 0) std::replace(text.begin(), text.end(), '"', key->QuoteStandIn);
     store.SetString(ProjectSection, name, text);
   }

@@ -6,9 +6,11 @@
 #include <utility>
 #include <vector>
 
+#include "core/number_parse.h"
 #include "project/field_rules.h"
 #include "project/project_keys.h"
 #include "project/project_store.h"
+#include "project/value_rules.h"
 
 namespace tarnwick::project {
 
@@ -66,6 +68,18 @@ void AddFileNotes(const ProfileLoadNotes& found, std::vector<std::string>& notes
   }
 }
 
+/// Indices for which their key has no value.
+std::vector<std::string> UnknownIndices(const ProfileStore& store) {
+  std::vector<std::string> problems;
+  for (const auto& [name, value] : store.Entries()) {
+    const std::string_view key = WithoutSection(name);
+    const std::optional<ProjectKey> known = ReadProjectKey(key);
+    if (!known || known->Names.empty() || std::to_string(core::ParseWhole(value)) != value) continue;
+    if (const auto problem = CheckProjectValue(*known, key, value)) problems.push_back(*problem + '.');
+  }
+  return problems;
+}
+
 bool Fail(core::Report& report, core::TroubleKind kind, const std::string& path, const std::string& text) {
   report.ErrorBox(kind, text, Caption, path);
   return false;
@@ -95,11 +109,16 @@ bool OpenProjectFile(const std::string& path, ModelProject& project, ProfileStor
     notes.push_back(
         "Entries that no project has, or that stand behind a gap in the numbers, not loaded: " + Listed(keys) + ".");
   }
+  const std::vector<std::string> kept = UnknownIndices(store);
   if (whole != nullptr) *whole = notes.empty();
-  if (!notes.empty()) {
-    std::string text = "Not all of the project file \"" + path + "\" was loaded.";
+  if (!notes.empty() || !kept.empty()) {
+    std::string text = notes.empty() ? "The project file \"" + path + "\" was loaded."
+                                     : "Not all of the project file \"" + path + "\" was loaded.";
     for (const std::string& note : notes) text += "\r\n" + note;
-    report.WarningBox(core::TroubleKind::Lost, text, "Project File Warning");
+    if (!kept.empty()) text += "\r\nKept as it is, though nothing knows the value:";
+    for (const std::string& value : kept) text += "\r\n" + value;
+    report.WarningBox(notes.empty() ? core::TroubleKind::Unknown : core::TroubleKind::Lost, text,
+                      "Project File Warning");
   }
   return true;
 }

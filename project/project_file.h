@@ -19,7 +19,7 @@ inline constexpr const char* ProjectFileTitle = "Name of Config File";
 /// reason; project and store then stay as they were, and false is returned. What a sound project leaves out of a
 /// damaged file (commands beyond the limit, lines behind an empty one or behind a gap in the numbers, damaged lines) is
 /// shown as one warning box, and `whole`, if given, tells whether there is none: saving over the file would then lose
-/// nothing.
+/// nothing. The box also tells of an index that nothing stands behind, such as a model type 7; it is kept as it is.
 bool OpenProjectFile(const std::string& path, ModelProject& project, ProfileStore& store, core::Report& report,
                      bool* whole = nullptr);
 

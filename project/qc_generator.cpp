@@ -12,6 +12,8 @@
 #include "project/project_store.h"
 #include "project/qc_names.h"
 #include "project/qc_statements.h"
+#include "project/script_copy.h"
+#include "project/source_files.h"
 
 namespace tarnwick::project {
 
@@ -62,7 +64,17 @@ bool CheckProject(const ModelProject& project, Report& report) {
 
 }  // namespace
 
-bool WriteQcScript(const ModelProject& project, Report& report, std::string& qcPath) {
+bool WriteQcScript(const ModelProject& formProject, Report& report, std::string& qcPath) {
+  const std::optional<std::string> reference = ReferencePathOf(formProject);
+  if (!reference && !formProject.modelFile.empty() && HasStem(formProject.referenceSmd)) {
+    return Refuse(report,
+                  "The Reference SMD \"" + formProject.referenceSmd +
+                      "\" is told from the project's folder, but the project is in no file yet. "
+                      "Save the project, or give the whole path",
+                  "Reference SMD Error");
+  }
+  ModelProject project = formProject;
+  project.referenceSmd = reference.value_or(formProject.referenceSmd);
   if (!CheckProject(project, report)) return false;
   std::string path = QcPathOf(project.referenceSmd);
   std::string reason;
@@ -77,6 +89,7 @@ bool WriteQcScript(const ModelProject& project, Report& report, std::string& qcP
     complete = WriteQcStatements(project, qc, report);
   }
   if (!complete && core::FileExists(path)) return false;
+  if (!KeepForeignScript(path, report)) return false;
   if (!file->Commit())
     return Refuse(report, "Unable to write \"" + path + "\": " + file->Error(), "QC Error", TroubleKind::Unwritable);
   if (complete) qcPath = std::move(path);

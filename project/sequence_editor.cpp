@@ -24,6 +24,10 @@ Verdict CheckForm(const SequenceForm& form) {
   if (auto refused = CheckText("Animation Name", form.name)) return refused;
   if (auto refused = CheckText("Animation SMD", form.smdFile)) return refused;
   if (auto refused = CheckText("Activity Name", form.activity)) return refused;
+  if (auto refused = CheckNumber("FPS", form.fps)) return refused;
+  if (form.rotateDirection != 0) {
+    if (auto refused = CheckNumber("Amount", form.rotateAmount)) return refused;
+  }
   for (const std::string& command : form.commands) {
     if (auto refused = CheckSequenceCommand(command)) return refused;
   }

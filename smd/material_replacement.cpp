@@ -12,9 +12,11 @@ namespace {
 constexpr std::string_view ErrorCaption = "SMD ERROR";
 
 std::nullopt_t Fail(core::Report& report, core::TroubleKind kind, const std::string& path, const std::string& reason) {
-  report.Log(path + ": " + reason + "\r\n");
-  report.ErrorBox(kind, (kind == core::TroubleKind::Unreadable ? "Unable to read" : "Unable to write") + path,
-                  ErrorCaption, path);
+  report.Tell({.Kind = kind,
+               .File = path,
+               .Text = (kind == core::TroubleKind::Unreadable ? "Unable to read" : "Unable to write") + path,
+               .Caption = std::string(ErrorCaption),
+               .Details = reason});
   return std::nullopt;
 }
 

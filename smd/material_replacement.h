@@ -30,8 +30,7 @@ std::string ReplacementQuestion(const MaterialReplacement& replacement);
 /// old file's place in one step and gets its permissions; a file without the old name is not touched.
 ///
 /// Gives the number of occurrences; nothing, after a box, with the file as it was, if it cannot be read, is empty, or
-/// cannot be written. The system's reason goes to the log, in a line that names the file. Call `CheckReplacement`
-/// first.
+/// cannot be written. The trouble's details tell the system's reason. Call `CheckReplacement` first.
 std::optional<uint64_t> ReplaceMaterial(const MaterialReplacement& replacement, core::Report& report);
 
 }  // namespace tarnwick::smd

@@ -29,5 +29,33 @@ TEST(Program, KeepsArgumentsInSquareBracketsWhole) {
   EXPECT_THAT(RunCommand({"smd", "replace", "[none]", "a", "b", "-y"}).Err, HasSubstr("Unable to read[none]"));
 }
 
+/// As a file on a full disk: nothing can be written.
+class FullDisk : public std::streambuf {
+ protected:
+  int_type overflow(int_type) override { return traits_type::eof(); }
+};
+
+TEST(Program, FailsWhereItsOutputCannotBeWritten) {
+  tests::ScratchFolder folder;
+  tests::WriteText(folder.Path("a.smd"), "nodes\n0 root -1\nend\n");
+  const std::string project = folder.Path("a.sc");
+  tests::RunCommand({"project", "set", "--new", project, "Model File", "a.mdl"});
+  for (const std::vector<std::string>& words : {std::vector<std::string>{"--version"},
+                                                {"--help"},
+                                                {"decompile", "--help"},
+                                                {"smd", "info", folder.Path("a.smd")},
+                                                {"project", "keys"},
+                                                {"project", "show", project},
+                                                {"project", "get", "--json", project, "Model File"}}) {
+    std::vector<const char*> pointers{"tarnwick-cli"};
+    for (const std::string& word : words) pointers.push_back(word.c_str());
+    FullDisk disk;
+    std::ostream out(&disk);
+    std::ostringstream err;
+    EXPECT_EQ(RunProgram(static_cast<int>(pointers.size()), pointers.data(), out, err), ExitFailure) << words.back();
+    EXPECT_THAT(err.str(), HasSubstr("Error: the output could not be written")) << words.back();
+  }
+}
+
 }  // namespace
 }  // namespace tarnwick::cli

@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include <filesystem>
 #include <set>
 #include <sstream>
 
@@ -9,6 +10,7 @@
 namespace tarnwick::cli {
 namespace {
 
+using testing::AllOf;
 using testing::HasSubstr;
 using tests::ReadText;
 using tests::RunCommand;
@@ -18,12 +20,18 @@ TEST(ProjectVerb, BuildsAProjectAndItsScript) {
   tests::ScratchFolder folder;
   const std::string path = folder.Path("crate.sc");
   EXPECT_EQ(RunCommand({"project", "set", path, "Model File", "a.mdl"}).ExitCode, ExitFailure);
-  auto result = RunCommand({"project", "set", "--new", path, "Model File", "a.mdl", "Reference SMD",
-                            folder.Path("crate.smd"), "Phy SMD Check", "1", "Model Options/Prop Type", "1",
-                            "Animation0/Name", "spin", "Animation0/Command0", "fade \"1\""});
+  auto result =
+      RunCommand({"project", "set", "--new", path, "Model File", "a.mdl", "Reference SMD", folder.Path("crate.smd"),
+                  "Phy SMD Check", "1", "Model Options/Prop Type", "1", "Animation0/Name", "spin",
+                  "Animation0/SMD Name", "spin.smd", "Animation0/Command0", "fade \"1\""});
   EXPECT_EQ(result.ExitCode, ExitSuccess) << result.Err;
   EXPECT_EQ(RunCommand({"project", "get", path, "Animation0/Name", "Animation0/Command0"}).Out, "spin\nfade \"1\"\n");
   EXPECT_THAT(RunCommand({"project", "show", "--json", path}).Out, HasSubstr("\"Animation0/FPS\": \"30.00\""));
+  result = RunCommand({"qc", "-m", "props", path});
+  EXPECT_THAT(result.Err, AllOf(HasSubstr("Reference SMD " + folder.Path("crate.smd") + " is not there"),
+                                HasSubstr("sequence \"spin\" the Animation SMD spin.smd is not there")));
+  WriteText(folder.Path("crate.smd"), "");
+  WriteText(folder.Path("Spin.smd"), "");
   result = RunCommand({"qc", "-m", "props", path});
   EXPECT_EQ(result.Out, folder.Path("crate.qc") + "\n");
   EXPECT_EQ(result.Err, "");
@@ -37,6 +45,32 @@ TEST(ProjectVerb, BuildsAProjectAndItsScript) {
   EXPECT_EQ(RunCommand({"project", "set", path, "Model File"}).ExitCode, ExitUsage);
   EXPECT_EQ(RunCommand({"project", "remove", path, "Animation0"}).ExitCode, ExitSuccess);
   EXPECT_THAT(RunCommand({"qc", path}).Err, HasSubstr("No Sequences Specified"));
+}
+
+TEST(ProjectVerb, TakesValuesThatBeginWithAMinus) {
+  tests::ScratchFolder folder;
+  const std::string path = folder.Path("a.sc");
+  ASSERT_EQ(RunCommand({"project", "set", path, "--new", "Model Options/Mass", "-5", "Skin0/Skin Name", "-old"}).Err,
+            "");
+  EXPECT_EQ(RunCommand({"project", "get", path, "Model Options/Mass", "Skin0/Skin Name"}).Out, "-5.00\n-old\n");
+  ASSERT_EQ(RunCommand({"project", "set", path, "--", "Skin0/Skin Name", "--new"}).Err, "");
+  const auto result = RunCommand({"project", "get", "--json", path, "Skin0/Skin Name"});
+  EXPECT_EQ(result.Out, "{\n  \"Skin0/Skin Name\": \"--new\"\n}\n");
+  EXPECT_EQ(RunCommand({"project", "set", "--frce", path, "Model File", "b"}).ExitCode, ExitUsage);
+}
+
+TEST(ProjectVerb, WritesTheScriptBesideTheProjectWhereverItIsCalled) {
+  tests::ScratchFolder folder;
+  std::filesystem::create_directory(folder.Path("sub"));
+  const std::string path = folder.Path("sub/a.sc");
+  RunCommand({"project", "set", "--new", path, "Model File", "a.mdl", "Reference SMD", "a.smd", "Phy SMD Check", "1"});
+  WriteText(folder.Path("sub/a.smd"), "");
+  WriteText(folder.Path("sub/a.qc"), "$modelname \"mine.mdl\"\n");
+  const auto result = RunCommand({"qc", "--json", path});
+  EXPECT_EQ(result.ExitCode, ExitSuccess);
+  EXPECT_THAT(result.Out, HasSubstr("\"script\":\"" + folder.Path("sub/a.qc") + "\",\"errors\":[],\"warnings\":[]"));
+  EXPECT_THAT(result.Err, HasSubstr("kept as \"" + folder.Path("sub/a.qc.bak") + "\""));
+  EXPECT_EQ(ReadText(folder.Path("sub/a.qc.bak")), "$modelname \"mine.mdl\"\n");
 }
 
 TEST(ProjectVerb, DoesNotSaveOverWhatItCouldNotLoad) {

@@ -27,6 +27,17 @@ TEST(SmdVerb, ShowsFiguresAndReplaces) {
   EXPECT_THAT(ReadText(path), HasSubstr("\noak\n"));
 }
 
+TEST(SmdVerb, ReplacesInSeveralFilesThoughOneCannotBeRead) {
+  tests::ScratchFolder folder;
+  for (const char* name : {"a.smd", "c.smd"}) WriteText(folder.Path(name), "triangles\nwood\nwood\n");
+  const auto result = RunCommand(
+      {"smd", "replace", folder.Path("a.smd"), folder.Path("gone.smd"), folder.Path("c.smd"), "wood", "oak", "--yes"});
+  EXPECT_EQ(result.ExitCode, ExitFailure);
+  EXPECT_EQ(result.Out, folder.Path("a.smd") + ": 2 replaced\n" + folder.Path("c.smd") + ": 2 replaced\n");
+  EXPECT_THAT(result.Err, HasSubstr("gone.smd"));
+  EXPECT_EQ(ReadText(folder.Path("c.smd")), "triangles\noak\noak\n");
+}
+
 /// What `smd replace` does with what the user answers to its question.
 tests::CommandResult ReplaceWith(const std::string& path, const std::string& answer) {
   std::istringstream input(answer);

@@ -79,11 +79,33 @@ TEST_F(ModelPages, SaveAndLoadAProject) {
   Click(*page, "saveButton");
   ControlOf<QLineEdit>(*page, "modelFileEdit").clear();
   ControlOf<QCheckBox>(*page, "referenceCollisionCheck").click();
+  m_desktop.BoxAnswers = {platform::BoxAnswer::Cancel, platform::BoxAnswer::Ok};
+  m_desktop.Choices.push_back(m_folder.Path("crate.sc"));
+  Click(*page, "loadButton");
+  EXPECT_EQ(page->Project().modelFile, "") << "the work stays";
   Click(*page, "loadButton");
   EXPECT_EQ(page->Project().modelFile, "props/crate.mdl");
   EXPECT_TRUE(page->Project().useReferenceAsCollision);
   EXPECT_FALSE(ControlOf<QLineEdit>(*page, "collisionEdit").isEnabled());
-  EXPECT_TRUE(m_desktop.Boxes.empty());
+  const ShownBox question{BoxIcon::Question,
+                          "The project has changes that are in no file. Load the other one all the same?",
+                          "Name of Config File", platform::BoxButtons::OkCancel};
+  EXPECT_THAT(m_desktop.Boxes, testing::ElementsAre(question, question));
+  m_desktop.Choices = {m_folder.Path("crate.sc")};
+  Click(*page, "loadButton");
+  EXPECT_EQ(m_desktop.Boxes.size(), 2u) << "nothing was changed meanwhile";
+}
+
+TEST_F(ModelPages, KeepAModelTypeThatNothingKnows) {
+  tests::WriteText(m_folder.Path("odd.sc"),
+                   "\"Model Compiler/Model File\" \"a.mdl\"\n\"Model Compiler/Model Options/Prop Type\" \"7\"\n");
+  const auto page = Open<CMDLDialog>();
+  m_desktop.Choices = {m_folder.Path("odd.sc"), m_folder.Path("again.sc")};
+  Click(*page, "loadButton");
+  ASSERT_EQ(m_desktop.Boxes.size(), 1u);
+  EXPECT_THAT(m_desktop.Boxes[0].Text, testing::HasSubstr("Model Options/Prop Type is one of prop_static (0)"));
+  Click(*page, "saveButton");
+  EXPECT_THAT(tests::ReadText(m_folder.Path("again.sc")), testing::HasSubstr("Prop Type\" \"7\""));
 }
 
 TEST_F(ModelPages, BrowseForFiles) {

@@ -144,6 +144,22 @@ TEST(EntryEditors, TakeTheModelOptionsAllOrNone) {
   EXPECT_EQ(options.surfaceProp, "wood");
 }
 
+TEST(EntryEditors, RefuseANumberThatTwoDecimalsMakeNothing) {
+  ModelOptions options;
+  ModelOptionsForm form = ShowModelOptions(options);
+  for (const char* scale : {"0.001", "-0.004", "inf"}) {
+    form.scale = scale;
+    const Verdict refused = TakeModelOptions(form, options);
+    ASSERT_TRUE(refused) << scale;
+    EXPECT_EQ(refused->Field, "Scale");
+  }
+  EXPECT_EQ(options.scale, 1.0);
+  for (const char* scale : {"0", "0.006", "-2", "none"}) {
+    form.scale = scale;
+    EXPECT_FALSE(TakeModelOptions(form, options)) << scale;
+  }
+}
+
 TEST(FieldRules, FollowTheModelTypeForTheSequenceControls) {
   const auto expect = [](int32_t type, bool use, bool checked, bool enabled, bool list) {
     const SequenceControls controls = SequenceControlsFor(type, use);

@@ -51,6 +51,7 @@ TEST(ProjectEdit, RefusesWithoutAChange) {
   expect("Phy SMD Check", "yes", "0 or 1");
   expect("Model Options/Mass", "12kg", "a number");
   expect("Model Options/Scale", "inf", "a number");
+  expect("Model Options/Scale", "0.001", "kept as 0.00");
   expect("Model Options/Prop Type", "5", "prop_physics (2)");
   expect("Animation0/Loop", "1.5", "whole number");
   expect("Animation0/Name", "a\"b", "double quote");

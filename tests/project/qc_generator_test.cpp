@@ -4,6 +4,7 @@
 
 #include <filesystem>
 
+#include "project/source_files.h"
 #include "support/crate_project.h"
 #include "support/memory_settings.h"
 #include "support/recording_report.h"
@@ -233,6 +234,49 @@ TEST_F(QcGenerator, SavesTheProjectAlsoWhenTheCheckFails) {
   EXPECT_EQ(store.GetString("Model Compiler", "Model File", ""), "props/crate.mdl");
   EXPECT_EQ(settings.GetString("Tarnwick", "Model File", ""), "props/crate.mdl");
   EXPECT_EQ(settings.GetInt("Tarnwick", "Prop Type", 0), 2);
+}
+
+TEST_F(QcGenerator, KeepsACopyOfAScriptOfAnotherMaker) {
+  for (const char* foreign : {"// mine\n", "$modelname \"a.mdl\"\n$body studio \"a.smd\"\n", ""}) {
+    WriteText(folder.Path("crate.qc"), foreign);
+    ASSERT_TRUE(Generate());
+    EXPECT_TRUE(Generate()) << "our own script needs no copy";
+  }
+  project.useReferenceAsCollision = true;
+  project.collisionFile = "jointed.qci";
+  project.propType = PropStatic;
+  EXPECT_TRUE(Generate() && Generate());
+  EXPECT_THAT(folder.Files(), ElementsAre("crate.qc", "crate.qc.bak", "crate.qc.bak2", "crate.qc.bak3"));
+  EXPECT_EQ(ReadText(folder.Path("crate.qc.bak")), "// mine\n");
+  EXPECT_THAT(report.Boxes.at(0).Text, HasSubstr("kept as \"" + folder.Path("crate.qc.bak") + "\""));
+  EXPECT_EQ(report.Boxes.at(0).Icon, BoxIcon::Information);
+}
+
+TEST_F(QcGenerator, MeansARelativeReferenceFromTheProjectsFolder) {
+  project.referenceSmd = "meshes\\crate.smd";
+  EXPECT_FALSE(Generate());
+  EXPECT_THAT(report.Boxes.at(0).Text, HasSubstr("Save the project"));
+  project.configFile = folder.Path("a.sc");
+  std::filesystem::create_directory(folder.Path("meshes"));
+  ASSERT_TRUE(Generate());
+  EXPECT_EQ(qcPath, folder.Path("meshes/crate.qc"));
+  EXPECT_EQ(project.referenceSmd, "meshes\\crate.smd") << "the form stays as it is";
+}
+
+TEST_F(QcGenerator, NamesWhatTheCompilerWillNotFind) {
+  WriteText(folder.Path("crate.smd"), "");
+  WriteText(folder.Path("Far.SMD"), "");
+  project.collisionFile = "phy.smd";
+  project.Lods.Add({"far.smd", "10"});
+  project.Lods.Add({"farther", "20"});
+  EXPECT_THAT(
+      MissingSources(project),
+      ElementsAre("Warning: the Collision SMD phy.smd is not there", "Warning: the LOD SMD File farther is not there",
+                  "Warning: of the sequence \"spin\" the Animation SMD " + folder.Path("spin.smd") + " is not there"));
+  WriteText(folder.Path("farther.smd"), "");
+  project.useReferenceAsCollision = true;
+  project.useReferenceAsSequence = true;
+  EXPECT_THAT(MissingSources(project), IsEmpty());
 }
 
 }  // namespace

@@ -5,6 +5,10 @@
 #include <filesystem>
 #include <random>
 
+#ifndef _WIN32
+#include <unistd.h>
+#endif
+
 #include "smd/text_replacer.h"
 #include "support/recording_report.h"
 #include "support/scratch_folder.h"
@@ -111,12 +115,23 @@ TEST_F(MaterialReplacementFile, AsksForPathThenOldThenNewName) {
 TEST_F(MaterialReplacementFile, SaysWhichFileItCouldNotHandle) {
   EXPECT_EQ(Replace("a", "b"), std::nullopt);
   EXPECT_THAT(report.Boxes, ElementsAre(RecordedBox{BoxIcon::Stop, "Unable to read" + path, "SMD ERROR"}));
-  EXPECT_THAT(report.LogText, HasSubstr(path + ": "));
+  EXPECT_THAT(report.Troubles.back().Details, HasSubstr("o such file"));
   report.Boxes.clear();
   WriteText(path, "");
   EXPECT_EQ(Replace("a", "b"), std::nullopt);
   EXPECT_THAT(report.Boxes, ElementsAre(RecordedBox{BoxIcon::None, "Bad size for SMD file " + path, "Tarnwick"}));
 }
+
+#ifndef _WIN32
+TEST_F(MaterialReplacementFile, SaysThatTheFolderTakesNoNewFile) {
+  if (geteuid() == 0) GTEST_SKIP() << "root may write everywhere";
+  WriteText(path, "a\n");
+  std::filesystem::permissions(folder.Path(), std::filesystem::perms::owner_read | std::filesystem::perms::owner_exec);
+  EXPECT_EQ(Replace("a", "b"), std::nullopt);
+  std::filesystem::permissions(folder.Path(), std::filesystem::perms::owner_all);
+  EXPECT_THAT(report.Troubles.back().Details, HasSubstr("the folder " + folder.Path() + " cannot be written to: "));
+}
+#endif
 
 }  // namespace
 }  // namespace tarnwick::smd
