@@ -1,5 +1,6 @@
 #include "cli/verbs.h"
 
+#include "cli/archive_verb.h"
 #include "cli/compile_verb.h"
 #ifdef TARNWICK_HAS_SETTINGS
 #include "cli/config_verb.h"
@@ -19,7 +20,7 @@ namespace tarnwick::cli {
 namespace {
 
 constexpr AddVerb VerbTable[] = {
-    AddDecompileVerb, AddCompileVerb, AddQcVerb, AddProjectVerb, AddSmdVerb,
+    AddDecompileVerb, AddCompileVerb, AddQcVerb, AddProjectVerb, AddSmdVerb, AddArchiveVerb,
 #ifdef TARNWICK_HAS_IMAGES
     AddMaterialVerb,  AddVtfVerb,
 #endif

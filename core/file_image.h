@@ -3,7 +3,9 @@
 #include <cstddef>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
+#include <utility>
 
 #include "core/image_view.h"
 
@@ -19,6 +21,17 @@ class FileImage {
 
   /// An image over bytes made in memory. `bytes` is copied.
   static FileImage FromBytes(std::string path, std::span<const std::byte> bytes);
+
+  /// An image of `size` bytes that `fill` writes, handed all of them at once. Nothing if it returns false.
+  template <typename Fill>
+  static std::optional<FileImage> Filled(std::string path, size_t size, Fill fill) {
+    FileImage image;
+    image.m_path = std::move(path);
+    image.m_size = size;
+    image.m_bytes = std::make_unique_for_overwrite<std::byte[]>(size);
+    if (!fill(std::span<std::byte>(image.m_bytes.get(), size))) return std::nullopt;
+    return image;
+  }
 
   /// The path that the image was read from.
   const std::string& Path() const { return m_path; }

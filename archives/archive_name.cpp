@@ -1,0 +1,53 @@
+#include "archives/archive_name.h"
+
+#include <filesystem>
+
+#include "core/paths.h"
+
+namespace tarnwick::archives {
+
+namespace {
+
+bool HasExtension(std::string_view path, std::string_view extension) {
+  return path.size() > extension.size() &&
+         core::EqualIgnoringCase(path.substr(path.size() - extension.size()), extension);
+}
+
+bool Exists(const std::string& path) {
+  std::error_code error;
+  return std::filesystem::exists(core::NativePath(path), error);
+}
+
+}  // namespace
+
+bool HasArchiveExtension(std::string_view path) {
+  return HasExtension(path, ".vpk") || HasExtension(path, ".gma");
+}
+
+std::string DirectoryFileOf(const std::string& path) {
+  if (!HasExtension(path, ".vpk") || Exists(path)) return path;
+  std::string directory = path;
+  directory.insert(path.size() - 4, "_dir");
+  return Exists(directory) ? directory : path;
+}
+
+ContentName ReadContentName(const std::string& name) {
+  using Place = ContentName::Place;
+  size_t colon = name.find(':');
+  if (colon == std::string::npos || Exists(name)) return {Place::Disk, name, {}};
+  if (core::EqualIgnoringCase(std::string_view(name).substr(0, colon), "game")) {
+    return {Place::Game, {}, name.substr(colon + 1)};
+  }
+  // The first archive that is there; where none is, the first that could be, so that its name stands in the message.
+  std::optional<ContentName> missing;
+  for (; colon != std::string::npos; colon = name.find(':', colon + 1)) {
+    const std::string path = name.substr(0, colon);
+    if (!HasArchiveExtension(path)) continue;
+    ContentName inside{Place::Archive, DirectoryFileOf(path), name.substr(colon + 1)};
+    if (core::FileExists(inside.Path)) return inside;
+    if (!missing) missing = std::move(inside);
+  }
+  return missing ? *missing : ContentName{Place::Disk, name, {}};
+}
+
+}  // namespace tarnwick::archives

@@ -1,0 +1,180 @@
+#include "archives/extraction.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <map>
+#include <tuple>
+
+#include "archives/folded_text.h"
+#include "archives/name_pattern.h"
+#include "archives/safe_name.h"
+#include "core/output_file.h"
+#include "core/paths.h"
+
+namespace tarnwick::archives {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// Files may share bytes, but not so many that an archive fills a disk.
+constexpr uint64_t MostSharing = 16;
+constexpr uint64_t AlwaysAllowed = uint64_t{1} << 30;
+
+bool Inside(const fs::path& path, const fs::path& folder) {
+  return std::mismatch(folder.begin(), folder.end(), path.begin(), path.end()).first == folder.end();
+}
+
+/// One extraction while it runs.
+class Run {
+ public:
+  Run(const Archive& archive, const std::string& output, core::TroubleSink& sink)
+      : m_archive(archive), m_output(output), m_sink(sink) {}
+
+  bool Begin() {
+    std::error_code error;
+    fs::create_directories(core::NativePath(m_output), error);
+    if (!error) m_root = fs::canonical(core::NativePath(m_output), error);
+    if (error) Tell(core::TroubleKind::Unwritable, m_output, error.message());
+    return !error;
+  }
+
+  /// Refuses to write more than the archive's files on the disk can honestly hold.
+  bool IsPlausible(const std::vector<uint32_t>& files) {
+    uint64_t wanted = 0;
+    std::map<uint16_t, uint64_t> parts;
+    const FileTable& table = m_archive.Files();
+    for (const uint32_t file : files) {
+      const FilePlace& place = table.Place(file);
+      wanted += place.WholeSize();
+      parts.try_emplace(m_archive.Kind() == ArchiveKind::Gma ? OwnPart : place.Part);
+    }
+    if (m_archive.IsPacked()) return true;  // its size is bounded already
+    uint64_t held = 0;
+    for (const auto& [part, ignored] : parts) {
+      std::error_code error;
+      const uint64_t size = fs::file_size(core::NativePath(m_archive.PartPath(part)), error);
+      if (!error) held += size;
+    }
+    if (wanted <= AlwaysAllowed || wanted / MostSharing <= held) return true;
+    Tell(core::TroubleKind::Limit, m_archive.Path(),
+         "its files would be " + std::to_string(wanted) + " bytes, but the archive holds " + std::to_string(held) +
+             " only: they share the same bytes");
+    return false;
+  }
+
+  bool Extract(uint32_t file, ExtractedFile& result) {
+    const FileTable& table = m_archive.Files();
+    result.Name = table.Name(file);
+    std::string reason = UnsafeReason(result.Name);
+    if (!reason.empty()) return Refuse(file, core::TroubleKind::Refused, reason + "; it is not written");
+    if (!table.IsFirst(file)) {
+      return Refuse(file, core::TroubleKind::Refused,
+                    "the archive has an earlier file of that name; it is not written");
+    }
+    const fs::path path = m_root / core::NativePath(result.Name);
+    if (!FolderReady(path.parent_path(), reason)) return Refuse(file, core::TroubleKind::Unwritable, reason);
+    std::error_code error;
+    if (fs::is_symlink(fs::symlink_status(path, error))) {
+      return Refuse(file, core::TroubleKind::Refused, "a link of that name lies in the output folder");
+    }
+    result.Path = core::PathText(core::NativePath(m_output) / core::NativePath(result.Name));
+    auto output = core::OutputFile::Create(core::PathText(path), &reason);
+    if (!output) return Refuse(file, core::TroubleKind::Unwritable, result.Path + ": " + reason);
+    const bool read = m_archive.ReadPieces(
+        file, [&](std::string_view bytes) { return output->Write(bytes); }, reason);
+    if (!read && !reason.empty()) return Refuse(file, core::TroubleKind::Damaged, reason);
+    if (!read || !output->Commit()) {
+      return Refuse(file, core::TroubleKind::Unwritable, result.Path + ": " + output->Error());
+    }
+    result.Size = table.Place(file).WholeSize();
+    return true;
+  }
+
+ private:
+  /// Makes a folder, and finds out once whether it lies where its name says.
+  bool FolderReady(const fs::path& folder, std::string& reason) {
+    const auto [known, isNew] = m_folders.try_emplace(folder);
+    if (isNew) known->second = FolderReason(folder);
+    reason = known->second;
+    return reason.empty();
+  }
+
+  std::string FolderReason(const fs::path& folder) const {
+    // What is there of the path so far must not lead outside before anything is made in it.
+    std::error_code error;
+    const fs::path real = fs::weakly_canonical(folder, error);
+    if (!error && !Inside(real, m_root)) {
+      return core::PathText(folder) + ": a link leads outside the output folder; nothing is written there";
+    }
+    if (!error) fs::create_directories(folder, error);
+    return error ? core::PathText(folder) + ": " + error.message() : "";
+  }
+
+  bool Refuse(uint32_t file, core::TroubleKind kind, const std::string& reason) {
+    Tell(kind, m_archive.FullName(file), reason);
+    return false;
+  }
+
+  void Tell(core::TroubleKind kind, const std::string& name, const std::string& reason) {
+    const std::string printable = PrintableName(name);
+    m_sink.Tell({.Level = core::Severity::Error,
+                 .Kind = kind,
+                 .File = name,
+                 .Offset = std::nullopt,
+                 .Text = printable + ": " + PrintableName(reason),
+                 .Caption = {}});
+  }
+
+  const Archive& m_archive;
+  const std::string& m_output;
+  core::TroubleSink& m_sink;
+  fs::path m_root;                            // the output folder without links
+  std::map<fs::path, std::string> m_folders;  // those asked for so far, with what is wrong with them
+};
+
+}  // namespace
+
+std::vector<uint32_t> ChooseFiles(const Archive& archive, const std::vector<std::string>& patterns) {
+  const FileTable& files = archive.Files();
+  std::vector<uint32_t> chosen = files.SortedByName();
+  if (patterns.empty()) return chosen;
+  std::erase_if(chosen, [&](uint32_t file) {
+    const std::string name = files.Name(file);
+    return std::none_of(patterns.begin(), patterns.end(),
+                        [&](const std::string& pattern) { return MatchesPattern(name, pattern); });
+  });
+  return chosen;
+}
+
+Extraction ExtractFiles(const Archive& archive, const std::vector<uint32_t>& files, const std::string& outputDirectory,
+                        core::TroubleSink& sink, const std::stop_token& stop, const ExtractionProgress& progress) {
+  Extraction result;
+  Run run(archive, outputDirectory, sink);
+  if (!run.IsPlausible(files) || !run.Begin()) {
+    result.Failed = files.size();
+    return result;
+  }
+  std::vector<uint32_t> order = files;
+  const auto place = [&](uint32_t file) {
+    const FilePlace& at = archive.Files().Place(file);
+    return std::tuple(at.Part, at.Offset, file);
+  };
+  std::sort(order.begin(), order.end(), [&](uint32_t a, uint32_t b) { return place(a) < place(b); });
+  for (size_t i = 0; i < order.size(); ++i) {
+    if (stop.stop_requested()) {
+      result.Stopped = true;
+      break;
+    }
+    if (progress) progress(archive.Files().Name(order[i]), i);
+    ExtractedFile file;
+    if (run.Extract(order[i], file)) {
+      result.Files.push_back(std::move(file));
+    } else {
+      ++result.Failed;
+    }
+  }
+  return result;
+}
+
+}  // namespace tarnwick::archives

@@ -1,0 +1,226 @@
+// Opening an archive's directory and looking files up, against a plain map of strings, and reading its files where
+// they lie against unpacking them first.
+
+#include <benchmark/benchmark.h>
+
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <random>
+
+#include "archives/archive.h"
+#include "archives/checksum.h"
+#include "archives/extraction.h"
+#include "archives/folded_text.h"
+#include "archives/vpk_table.h"
+
+namespace tarnwick::bench {
+namespace {
+
+using archives::Archive;
+
+constexpr uint32_t Files = 200'000;
+constexpr uint32_t FilesInAFolder = 40;
+constexpr uint32_t Extensions = 8;
+constexpr uint32_t FileSize = 6000;
+constexpr uint32_t Taken = 2000;  // files with bytes, in a part of their own
+
+std::string Name(uint32_t i) {
+  constexpr const char* Extension[Extensions] = {"mdl", "vvd", "vtx", "phy", "vmt", "vtf", "wav", "txt"};
+  const uint32_t folder = i / FilesInAFolder;
+  return "materials/models/props_" + std::to_string(folder / 30) + "/set_" + std::to_string(folder) + "/object_" +
+         std::to_string(i / Extensions) + "_part." + Extension[i % Extensions];
+}
+
+/// A split archive of 200,000 files; removed at the end.
+class Sample {
+ public:
+  Sample() {
+    std::filesystem::create_directories(Folder);
+    std::mt19937 random(1);
+    std::string data(size_t{Taken} * FileSize, '\0');
+    for (char& c : data) c = static_cast<char>(random());
+    std::ofstream(Folder / "pak01_000.vpk", std::ios::binary) << data;
+    std::map<std::string, std::map<std::string, std::vector<uint32_t>>> lists;
+    for (uint32_t i = 0; i < Files; ++i) {
+      const std::string name = Name(i);
+      lists[name.substr(name.size() - 3)][name.substr(0, name.find_last_of('/'))].push_back(i);
+    }
+    std::string tree;
+    for (const auto& [extension, folders] : lists) {
+      tree += extension + '\0';
+      for (const auto& [folder, files] : folders) {
+        tree += folder + '\0';
+        for (const uint32_t i : files) {
+          const std::string name = Name(i);
+          tree += name.substr(folder.size() + 1, name.size() - folder.size() - 5) + '\0';
+          const uint32_t offset = i % Taken * FileSize;
+          const std::span bytes(data.data() + offset, FileSize);
+          const archives::VpkEntry entry{
+              archives::Crc32(std::as_bytes(bytes)), 0, 0, offset, FileSize, archives::VpkEntryEnd};
+          tree.append(reinterpret_cast<const char*>(&entry), sizeof(entry));
+        }
+        tree += '\0';
+      }
+      tree += '\0';
+    }
+    tree += '\0';
+    const archives::VpkHeader header{archives::VpkSignature, 1, static_cast<uint32_t>(tree.size())};
+    std::ofstream file(Folder / "pak01_dir.vpk", std::ios::binary);
+    file.write(reinterpret_cast<const char*>(&header), sizeof(header));
+    file << tree;
+  }
+  ~Sample() {
+    std::error_code ignored;
+    std::filesystem::remove_all(Folder, ignored);
+  }
+
+  const std::filesystem::path Folder = std::filesystem::temp_directory_path() / "tarnwick_archive_bench";
+  const std::string Path = (Folder / "pak01_dir.vpk").string();
+};
+
+const Sample& TheSample() {
+  static const Sample sample;
+  return sample;
+}
+
+std::shared_ptr<const Archive> Opened() {
+  std::string reason;
+  return Archive::Open(TheSample().Path, reason);
+}
+
+/// The plain way: every name a string in a map.
+using PlainDirectory = std::map<std::string, archives::VpkEntry>;
+
+PlainDirectory ReadPlainly() {
+  std::ifstream file(TheSample().Path, std::ios::binary);
+  const std::string bytes(std::istreambuf_iterator<char>(file), {});
+  PlainDirectory directory;
+  size_t place = sizeof(archives::VpkHeader);
+  const auto text = [&] {
+    const std::string read = bytes.c_str() + place;
+    place += read.size() + 1;
+    return read;
+  };
+  for (std::string extension = text(); !extension.empty(); extension = text()) {
+    for (std::string folder = text(); !folder.empty(); folder = text()) {
+      for (std::string name = text(); !name.empty(); name = text()) {
+        archives::VpkEntry entry;
+        std::memcpy(&entry, bytes.data() + place, sizeof(entry));
+        place += sizeof(entry) + entry.PreloadSize;
+        directory.emplace(archives::FoldedText(folder + '/' + name + '.' + extension), entry);
+      }
+    }
+  }
+  return directory;
+}
+
+void OpenPlain(benchmark::State& state) {
+  TheSample();
+  for (auto _ : state) {
+    if (ReadPlainly().size() != Files) state.SkipWithError("files are missing");
+  }
+}
+BENCHMARK(OpenPlain)->Unit(benchmark::kMillisecond);
+
+void OpenFast(benchmark::State& state) {
+  TheSample();
+  size_t memory = 0;
+  for (auto _ : state) {
+    const auto archive = Opened();
+    if (archive == nullptr || archive->Files().Count() != Files) state.SkipWithError("files are missing");
+    memory = archive->Files().MemoryBytes();
+  }
+  state.counters["bytes_a_file"] = static_cast<double>(memory) / Files;
+}
+BENCHMARK(OpenFast)->Unit(benchmark::kMillisecond);
+
+/// Names to be looked for, as a game asks for them.
+std::vector<std::string> Wanted() {
+  std::mt19937 random(2);
+  std::vector<std::string> names(1000);
+  for (std::string& name : names) name = "Materials\\" + Name(static_cast<uint32_t>(random() % Files)).substr(10);
+  return names;
+}
+
+void FindPlain(benchmark::State& state) {
+  const PlainDirectory directory = ReadPlainly();
+  const std::vector<std::string> names = Wanted();
+  size_t i = 0;
+  for (auto _ : state) {
+    if (!directory.contains(archives::FoldedText(names[i++ % names.size()]))) state.SkipWithError("not found");
+  }
+}
+BENCHMARK(FindPlain);
+
+void FindFast(benchmark::State& state) {
+  const auto archive = Opened();
+  const std::vector<std::string> names = Wanted();
+  size_t i = 0;
+  for (auto _ : state) {
+    if (!archive->Find(names[i++ % names.size()])) state.SkipWithError("not found");
+  }
+}
+BENCHMARK(FindFast);
+
+class NoTroubles : public core::TroubleSink {
+  void Tell(const core::Trouble&) override {}
+};
+
+std::vector<uint32_t> FilesToTake(const Archive& archive) {
+  std::vector<uint32_t> files;
+  for (uint32_t i = 0; i < Taken; ++i) files.push_back(*archive.Find(Name(i)));
+  return files;
+}
+
+/// Unpacks files, then reads them.
+void ReadUnpacked(benchmark::State& state) {
+  const auto archive = Opened();
+  const auto files = FilesToTake(*archive);
+  const std::filesystem::path out = TheSample().Folder / "out";
+  for (auto _ : state) {
+    NoTroubles troubles;
+    for (const auto& file : archives::ExtractFiles(*archive, files, out.string(), troubles, {}, {}).Files) {
+      if (!core::FileImage::Read(file.Path)) state.SkipWithError("not read");
+    }
+    state.PauseTiming();
+    std::filesystem::remove_all(out);
+    state.ResumeTiming();
+  }
+  state.SetItemsProcessed(state.iterations() * Taken);
+}
+BENCHMARK(ReadUnpacked)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+/// Reads the files where they lie.
+void ReadInPlace(benchmark::State& state) {
+  const auto archive = Opened();
+  const auto files = FilesToTake(*archive);
+  std::string reason;
+  for (auto _ : state) {
+    for (const uint32_t file : files) {
+      if (!archive->Read(file, reason)) state.SkipWithError(reason.c_str());
+    }
+  }
+  state.SetItemsProcessed(state.iterations() * Taken);
+}
+BENCHMARK(ReadInPlace)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+/// Reads the same files loose.
+void ReadLoose(benchmark::State& state) {
+  const auto archive = Opened();
+  const std::filesystem::path out = TheSample().Folder / "loose";
+  NoTroubles troubles;
+  const auto done = archives::ExtractFiles(*archive, FilesToTake(*archive), out.string(), troubles, {}, {});
+  for (auto _ : state) {
+    for (const auto& file : done.Files) {
+      if (!core::FileImage::Read(file.Path)) state.SkipWithError("not read");
+    }
+  }
+  state.SetItemsProcessed(state.iterations() * Taken);
+}
+BENCHMARK(ReadLoose)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+}  // namespace
+}  // namespace tarnwick::bench

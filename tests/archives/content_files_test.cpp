@@ -1,0 +1,89 @@
+#include "archives/content_files.h"
+
+#include <gmock/gmock.h>
+
+#include "archive_builder.h"
+#include "recorded_troubles.h"
+#include "support/scratch_folder.h"
+
+namespace tarnwick::archives {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Optional;
+using tests::WriteText;
+
+/// A game with an archive, an addon that lies elsewhere, and a loose model.
+class ContentFilesTest : public testing::Test {
+ protected:
+  ContentFilesTest() {
+    WriteText(m_folder.Path("mod/gameinfo.txt"), "GameInfo { FileSystem { SearchPaths { game |gameinfo_path|. } } }");
+    tests::VpkBuilder vpk{.Files = {{.Name = "models/crate.mdl", .Bytes = "game mdl"},
+                                    {.Name = "models/crate.vvd", .Bytes = "game vvd"},
+                                    {.Name = "models/shared.ani", .Bytes = "game ani"}}};
+    WriteText(m_folder.Path("mod/pak01_dir.vpk"), vpk.Build().Directory);
+    WriteText(m_folder.Path("addon.gma"),
+              tests::GmaBuilder{.Files = {{.Name = "models/crate.mdl", .Bytes = "addon mdl"},
+                                          {.Name = "models/Crate.VVD", .Bytes = "addon vvd"},
+                                          {.Name = "models/sub/b.mdl", .Bytes = "b"},
+                                          {.Name = "MODELS/crate.MDL", .Bytes = "later"}}}
+                  .Build());
+    WriteText(m_folder.Path("loose.mdl"), "loose");
+    WriteText(m_folder.Path("Loose.vvd"), "loose vvd");
+  }
+
+  std::string Text(const ContentFiles& files, const std::string& name) const {
+    std::string reason;
+    const auto image = files.Read(name, &reason);
+    return image ? std::string(reinterpret_cast<const char*>(image->Bytes().data()), image->Bytes().size()) : reason;
+  }
+
+  tests::ScratchFolder m_folder;
+  tests::RecordedTroubles m_troubles;
+};
+
+TEST_F(ContentFilesTest, ReadsEveryKindOfName) {
+  const ContentFiles files(m_folder.Path("mod"), m_troubles);
+  const std::string addon = m_folder.Path("addon.gma");
+  EXPECT_EQ(Text(files, m_folder.Path("loose.mdl")), "loose");
+  EXPECT_EQ(Text(files, addon + ":Models\\CRATE.mdl"), "addon mdl");
+  EXPECT_EQ(Text(files, m_folder.Path("mod/pak01.vpk") + ":models/crate.mdl"), "game mdl");
+  EXPECT_EQ(Text(files, "game:models/crate.mdl"), "game mdl");
+  EXPECT_EQ(Text(files, addon + ":models/none.mdl"), "the archive has no such file");
+  EXPECT_EQ(Text(files, "game:none.mdl"), "no place of the game has it");
+  EXPECT_THAT(Text(files, m_folder.Path("none.vpk") + ":a"), HasSubstr("none.vpk: "));
+  EXPECT_EQ(Text(ContentFiles("", m_troubles), "game:a"), "no game directory is known");
+}
+
+TEST_F(ContentFilesTest, CompanionsComeFromTheSameArchiveFirst) {
+  const ContentFiles files(m_folder.Path("mod"), m_troubles);
+  const ContentFiles noGame("", m_troubles);
+  const std::string addon = m_folder.Path("addon.gma");
+  EXPECT_THAT(files.FindCompanion(addon + ":models/crate.vvd"), Optional(addon + ":models/Crate.VVD"));
+  EXPECT_EQ(Text(files, *files.FindCompanion(addon + ":models/shared.ani")), "game ani");
+  EXPECT_FALSE(noGame.FindCompanion(addon + ":models/shared.ani"));
+  EXPECT_FALSE(files.FindCompanion(addon + ":models/none.ani"));
+  EXPECT_EQ(Text(files, *files.FindCompanion("game:models/crate.vvd")), "game vvd");
+  EXPECT_THAT(files.FindCompanion(m_folder.Path("loose.vvd")), Optional(m_folder.Path("Loose.vvd")));
+  EXPECT_FALSE(files.FindCompanion(m_folder.Path("none.vvd")));
+}
+
+TEST_F(ContentFilesTest, ListsFoldersInsideArchivesAndGames) {
+  const ContentFiles files(m_folder.Path("mod"), m_troubles);
+  const std::string addon = m_folder.Path("addon.gma");
+  std::string reason;
+  EXPECT_THAT(files.FilesIn(addon, ".mdl", true, reason),
+              Optional(ElementsAre(addon + ":models/crate.mdl", addon + ":models/sub/b.mdl")));
+  EXPECT_THAT(files.FilesIn(addon + ":Models/", ".MDL", false, reason),
+              Optional(ElementsAre(addon + ":models/crate.mdl")));
+  EXPECT_THAT(files.FilesIn("game:models", ".vvd", true, reason), Optional(ElementsAre("game:models/crate.vvd")));
+  EXPECT_FALSE(files.FilesIn(addon + ":models/crate.mdl", ".mdl", true, reason));
+  EXPECT_FALSE(files.FilesIn(m_folder.Path("mod"), ".mdl", true, reason));
+  EXPECT_EQ(reason, "");
+  EXPECT_FALSE(files.FilesIn(m_folder.Path("none.vpk"), ".mdl", true, reason));
+  EXPECT_NE(reason, "");
+}
+
+}  // namespace
+}  // namespace tarnwick::archives

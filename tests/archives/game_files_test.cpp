@@ -1,0 +1,175 @@
+#include "archives/game_files.h"
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+
+#include "archive_builder.h"
+#include "recorded_troubles.h"
+#include "support/scratch_folder.h"
+
+namespace tarnwick::archives {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using tests::ScratchFolder;
+using tests::VpkBuilder;
+using tests::WriteText;
+
+std::string GameInfo(const std::string& paths) {
+  return "\"GameInfo\"\n{\n game \"A mod\" // its name\n FileSystem\n {\n  SteamAppId 1\n  SearchPaths\n  {\n" + paths +
+         "  }\n }\n}\n";
+}
+
+TEST(GameInfo, TellsTheSearchPaths) {
+  std::string reason;
+  const auto paths = ReadSearchPaths(GameInfo("game+mod mod/custom/*\n"
+                                              "GAME |gameinfo_path|.\n"
+                                              "gamebin |gameinfo_path|bin\n"
+                                              "game_lv hl2/hl2_lv.vpk\n"
+                                              "platform+Mod \"|gameinfo_path|sub/\"\n"
+                                              "game hl2/x360.vpk [$X360]\n"
+                                              "game hl2/pc.vpk [!$X360]\n"
+                                              "Game |All_Source_Engine_Paths|hl2/hl2_misc.vpk\n"
+                                              "game { nested 1 }\n"
+                                              "game /opt/content\n"),
+                                     "/games/mod", reason);
+  ASSERT_TRUE(paths) << reason;
+  using Kind = SearchPath::Kind;
+  const std::string s(1, core::PathSeparator);
+  EXPECT_THAT(
+      *paths,
+      ElementsAre(SearchPath{Kind::AllBelow, "/games" + s + "mod/custom"}, SearchPath{Kind::Place, "/games/mod"},
+                  SearchPath{Kind::Place, "/games/mod" + s + "sub"},
+                  SearchPath{Kind::Place, "/games" + s + "hl2/pc.vpk"},
+                  SearchPath{Kind::Place, "/games" + s + "hl2/hl2_misc.vpk"}, SearchPath{Kind::Place, "/opt/content"}));
+  EXPECT_FALSE(ReadSearchPaths("GameInfo { FileSystem { } }", "/games/mod", reason));
+  EXPECT_THAT(reason, HasSubstr("no list"));
+  EXPECT_FALSE(ReadSearchPaths("GameInfo { FileSystem", "/games/mod", reason));
+  EXPECT_THAT(reason, HasSubstr("line 1"));
+}
+
+void WriteVpk(const std::string& path, std::vector<tests::PackedFile> files) {
+  WriteText(path, VpkBuilder{.Files = std::move(files)}.Build().Directory);
+}
+
+std::string Text(const GameFiles& game, const std::string& name) {
+  std::string reason;
+  const auto image = game.Read(name, reason);
+  return image ? std::string(reinterpret_cast<const char*>(image->Bytes().data()), image->Bytes().size()) : reason;
+}
+
+/// A game "mod" beside the content "base" that it is built on.
+class GameFilesTest : public testing::Test {
+ protected:
+  GameFilesTest() {
+    WriteText(m_folder.Path("mod/gameinfo.txt"), GameInfo("game+mod mod/custom/*\n"
+                                                          "game |gameinfo_path|.\n"
+                                                          "game base/base_misc.vpk\n"
+                                                          "game base\n"
+                                                          "game nowhere\n"));
+    WriteVpk(m_folder.Path("mod/custom/b.vpk"),
+             {{.Name = "order.txt", .Bytes = "custom b"}, {.Name = "only_b.txt", .Bytes = "b"}});
+    WriteText(m_folder.Path("mod/custom/a/order.txt"), "custom a");
+    WriteText(m_folder.Path("mod/custom/a/x.txt"), "custom a");
+    WriteVpk(m_folder.Path("mod/pak01_dir.vpk"),
+             {{.Name = "x.txt", .Bytes = "pak01"}, {.Name = "y.txt", .Bytes = "pak01"}});
+    WriteVpk(m_folder.Path("mod/pak02_dir.vpk"),
+             {{.Name = "y.txt", .Bytes = "pak02"}, {.Name = "z.txt", .Bytes = "pak02"}});
+    WriteText(m_folder.Path("mod/z.txt"), "loose");
+    WriteText(m_folder.Path("mod/Materials/Models/Wood.vmt"), "loose");
+    WriteVpk(m_folder.Path("base/base_misc_dir.vpk"), {{.Name = "materials/models/wood.vmt", .Bytes = "archive"},
+                                                       {.Name = "materials/models/stone.vmt", .Bytes = "archive"},
+                                                       {.Name = "materials/deep/er/a.vmt", .Bytes = "archive"}});
+    WriteText(m_folder.Path("base/base.txt"), "base");
+  }
+
+  std::unique_ptr<GameFiles> Open() {
+    std::string reason;
+    auto game = GameFiles::Open(m_folder.Path("mod"), m_troubles, reason);
+    EXPECT_TRUE(game) << reason;
+    return game;
+  }
+
+  ScratchFolder m_folder;
+  tests::RecordedTroubles m_troubles;
+};
+
+TEST_F(GameFilesTest, TheFirstPlaceWins) {
+  const auto game = Open();
+  EXPECT_EQ(game->Places().size(), 7u);
+  EXPECT_EQ(Text(*game, "order.txt"), "custom a");
+  EXPECT_EQ(Text(*game, "only_b.txt"), "b");
+  EXPECT_EQ(Text(*game, "x.txt"), "custom a");
+  EXPECT_EQ(Text(*game, "y.txt"), "pak01");
+  EXPECT_EQ(Text(*game, "z.txt"), "pak02");
+  EXPECT_EQ(Text(*game, "base.txt"), "base");
+  EXPECT_EQ(Text(*game, "none.txt"), "no place of the game has it");
+  EXPECT_THAT(m_troubles.All, IsEmpty());
+}
+
+TEST_F(GameFilesTest, CaseAndSlashPlayNoPart) {
+  const auto game = Open();
+  for (const char* name :
+       {"materials/models/wood.vmt", "MATERIALS\\models\\WOOD.vmt", "/Materials//Models/./Wood.VMT"}) {
+    EXPECT_EQ(Text(*game, name), "loose") << name;
+  }
+  EXPECT_EQ(game->Find("materials\\models\\Stone.vmt")->Name,
+            m_folder.Path("base") + core::PathSeparator + "base_misc_dir.vpk:materials/models/stone.vmt");
+  for (const char* name : {"", "materials", "materials/models/", "../base/base.txt", "materials/../z.txt"}) {
+    EXPECT_FALSE(game->Find(name)) << name;
+  }
+}
+
+TEST_F(GameFilesTest, ListsFoldersOverAllPlaces) {
+  const auto game = Open();
+  GameFolder folder = game->List("");
+  EXPECT_THAT(folder.Folders, ElementsAre("custom", "Materials"));
+  EXPECT_THAT(folder.Files, ElementsAre("base.txt", "base_misc_dir.vpk", "gameinfo.txt", "only_b.txt", "order.txt",
+                                        "pak01_dir.vpk", "pak02_dir.vpk", "x.txt", "y.txt", "z.txt"));
+  folder = game->List("materials");
+  EXPECT_THAT(folder.Folders, ElementsAre("deep", "Models"));
+  EXPECT_THAT(game->List("materials/deep").Folders, ElementsAre("er"));
+  EXPECT_THAT(game->List("MATERIALS/models").Files, ElementsAre("stone.vmt", "Wood.vmt"));
+  EXPECT_THAT(game->FilesIn("materials", true),
+              ElementsAre("materials/deep/er/a.vmt", "materials/models/stone.vmt", "materials/Models/Wood.vmt"));
+  EXPECT_THAT(game->FilesIn("materials", false), IsEmpty());
+}
+
+TEST_F(GameFilesTest, FindsNewFilesOnceRefreshed) {
+  const auto game = Open();
+  EXPECT_FALSE(game->Find("new/file.txt"));
+  WriteText(m_folder.Path("mod/new/file.txt"), "new");
+  game->Refresh();
+  EXPECT_EQ(Text(*game, "New/File.txt"), "new");
+}
+
+#ifndef _WIN32
+TEST_F(GameFilesTest, LooksIntoAllSpellingsOfAFolder) {
+  WriteText(m_folder.Path("mod/materials/models/brick.vmt"), "small");
+  const auto game = Open();
+  EXPECT_EQ(Text(*game, "MATERIALS/models/brick.vmt"), "small");
+  EXPECT_EQ(Text(*game, "materials/models/wood.vmt"), "loose");
+}
+#endif
+
+TEST_F(GameFilesTest, TellsOfArchivesThatCannotBeOpened) {
+  WriteText(m_folder.Path("mod/pak03_dir.vpk"), "no archive");
+  const auto game = Open();
+  EXPECT_THAT(m_troubles.Texts(), ElementsAre(HasSubstr("pak03_dir.vpk: it is no VPK directory file")));
+  EXPECT_EQ(Text(*game, "z.txt"), "pak02");
+}
+
+TEST_F(GameFilesTest, TellsWhyThereIsNoGame) {
+  std::string reason;
+  EXPECT_FALSE(GameFiles::Open(m_folder.Path("none"), m_troubles, reason));
+  EXPECT_THAT(reason, HasSubstr("gameinfo.txt: "));
+  WriteText(m_folder.Path("mod/gameinfo.txt"), "GameInfo { }");
+  EXPECT_FALSE(GameFiles::Open(m_folder.Path("mod"), m_troubles, reason));
+  EXPECT_THAT(reason, HasSubstr("no list"));
+}
+
+}  // namespace
+}  // namespace tarnwick::archives
