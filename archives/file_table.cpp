@@ -9,12 +9,17 @@ namespace tarnwick::archives {
 
 namespace {
 
-/// `name` before and behind its last slash.
-std::pair<std::string_view, std::string_view> Split(std::string_view name) {
-  const size_t slash = name.find_last_of("/\\");
-  if (slash == std::string_view::npos) return {{}, name};
-  return {name.substr(0, slash), name.substr(slash + 1)};
-}
+/// A name before and behind its last slash.
+struct SplitName {
+  explicit SplitName(std::string_view name) : LastPart(name) {
+    const size_t slash = name.find_last_of("/\\");
+    if (slash == std::string_view::npos) return;
+    Folder = name.substr(0, slash);
+    LastPart = name.substr(slash + 1);
+  }
+  std::string_view Folder;
+  std::string_view LastPart;
+};
 
 uint64_t FileHash(uint64_t folderHash, std::string_view lastPart) {
   return HashFolded(lastPart, folderHash);
@@ -94,9 +99,9 @@ bool FileTable::Add(uint32_t folder, std::string_view stem, std::string_view ext
 }
 
 bool FileTable::Add(std::string_view name, const FilePlace& place) {
-  const auto [folder, lastPart] = Split(name);
-  const auto number = AddFolder(folder);
-  return number && Add(*number, lastPart, {}, place);
+  const SplitName split(name);
+  const auto number = AddFolder(split.Folder);
+  return number && Add(*number, split.LastPart, {}, place);
 }
 
 void FileTable::MoveOffsets(uint64_t bytes) {
@@ -134,12 +139,12 @@ std::string_view FileTable::Folder(uint32_t folder) const {
 }
 
 std::optional<uint32_t> FileTable::Find(std::string_view name) const {
-  const auto [folder, lastPart] = Split(name);
-  const auto number =
-      m_folderIndex.Find(HashFolded(folder), [&](uint32_t other) { return EqualFolded(Folder(other), folder); });
+  const SplitName split(name);
+  const auto number = m_folderIndex.Find(HashFolded(split.Folder),
+                                         [&](uint32_t other) { return EqualFolded(Folder(other), split.Folder); });
   if (!number) return std::nullopt;
-  return m_fileIndex.Find(FileHash(m_folders[*number].Hash, lastPart),
-                          [&](uint32_t other) { return Same(other, *number, lastPart); });
+  return m_fileIndex.Find(FileHash(m_folders[*number].Hash, split.LastPart),
+                          [&](uint32_t other) { return Same(other, *number, split.LastPart); });
 }
 
 bool FileTable::IsFirst(uint32_t file) const {
