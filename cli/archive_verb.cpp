@@ -11,10 +11,10 @@
 #include "archives/extraction.h"
 #include "archives/name_pattern.h"
 #include "archives/safe_name.h"
-#include "cli/input_files.h"
 #include "cli/interrupt.h"
 #include "cli/terminal.h"
 #include "core/paths.h"
+#include "jobs/input_files.h"
 
 namespace tarnwick::cli {
 
@@ -162,15 +162,15 @@ int Extract(const Options& options, Invocation& invocation) {
   ProgressLine progress(invocation.Err, ErrorIsTerminal() && !options.Quiet);
   PrintedTroubles troubles(invocation.Err, &progress);
   const InterruptFlag interrupt;
-  UniqueNames names;
+  jobs::UniqueNames names;
   for (const std::string& input : options.Inputs) {
     if (interrupt.IsSet()) break;
     const Chosen chosen = Choose(input, options, troubles);
     if (chosen.Opened == nullptr) continue;
     std::string output = options.Output;
     if (options.Inputs.size() > 1) {
-      const std::string name = WithoutExtension(std::string(core::LastComponent(chosen.Path)), ".vpk");
-      output += core::PathSeparator + names.Take(WithoutExtension(name, ".gma"));
+      const std::string name = jobs::WithoutExtension(std::string(core::LastComponent(chosen.Path)), ".vpk");
+      output += core::PathSeparator + names.Take(jobs::WithoutExtension(name, ".gma"));
     }
     ExtractOne(chosen, output, options, invocation, interrupt, troubles, progress);
   }

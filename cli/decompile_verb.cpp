@@ -2,15 +2,13 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <chrono>
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <thread>
 
-#include "cli/console_report.h"
-#include "cli/decompile_batch.h"
-#include "cli/decompile_plan.h"
-#include "cli/decompile_summary.h"
-#include "cli/terminal.h"
+#include "cli/console_host.h"
+#include "cli/interrupt.h"
+#include "jobs/decompile_tree.h"
 
 namespace tarnwick::cli {
 
@@ -28,6 +26,7 @@ struct Options {
   bool KeepRotations = false;
   bool Plain = false;
   bool Recursive = false;
+  bool OwnFolders = false;
   bool Json = false;
   bool Quiet = false;
   int Jobs = std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
@@ -39,46 +38,38 @@ struct Options {
   }
 };
 
-/// A model's errors and warnings, each with the model's path before it.
-void PrintTroubles(std::ostream& out, const ModelOutcome& outcome) {
-  for (const core::Trouble& trouble : outcome.Result.Troubles) {
-    out << outcome.Model.ModelPath << ": " << (trouble.Level == core::Severity::Warning ? "Warning: " : "")
-        << LineOf(trouble) << '\n';
-  }
+/// One line of JSON for a model; docs/command-line.md describes it.
+std::string ModelJson(const jobs::ItemResult& result) {
+  nlohmann::ordered_json model;
+  model["model"] = result.Input;
+  model["outcome"] = OutcomeWord(result.Judged);
+  model["output"] = result.Target;
+  model["files"] = nlohmann::ordered_json::array();
+  for (const core::WrittenFile& file : result.Files)
+    model["files"].push_back({{"path", file.Path}, {"bytes", file.Size}});
+  model["bytes"] = result.Bytes();
+  model["seconds"] = result.Seconds;
+  model["warnings"] = TroubleLines(result, core::Severity::Warning);
+  model["errors"] = TroubleLines(result, core::Severity::Error);
+  // Names inside models are bytes in no known encoding; JSON takes UTF-8 only.
+  return model.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
 }
 
 int Decompile(const Options& options, Invocation& invocation) {
-  const auto started = std::chrono::steady_clock::now();
-  const DecompilePlan plan = PlanDecompile(options.Inputs, options.Output, options.Recursive);
-  for (const std::string& problem : plan.Problems) invocation.Err << "Error: " << problem << '\n';
-
-  const bool single = plan.Models.size() == 1;
-  const bool terminal = ErrorIsTerminal();
-  ConsoleReport live(invocation.Err);
-  ProgressLine progress(invocation.Err, terminal && !single && !options.Quiet);
-  DecompileSummary summary;
-  RunDecompileBatch(plan.Models, options.Bits(), options.Jobs, single && !options.Quiet ? &live : nullptr,
-                    [&](const ModelOutcome& outcome, size_t done, size_t all) {
-                      summary.Add(outcome);
-                      progress.Clear();
-                      if (options.Quiet || (!single && terminal)) {
-                        PrintTroubles(invocation.Err, outcome);
-                      } else if (!single) {
-                        invocation.Err << PlainLines(outcome.LogText);
-                      }
-                      if (options.Json) {
-                        invocation.Out << ModelJson(outcome) << '\n';
-                      } else if (!single && outcome.Result.Succeeded()) {
-                        invocation.Out << outcome.Model.OutputDirectory << '\n';
-                      }
-                      progress.Show(done, all, outcome.Model.ModelPath);
-                    });
-  progress.Clear();
-  if (!options.Quiet) {
-    const std::chrono::duration<double> took = std::chrono::steady_clock::now() - started;
-    summary.Print(invocation.Err, took.count());
-  }
-  return summary.FailedCount() > 0 || !plan.Problems.empty() ? ExitFailure : ExitSuccess;
+  const jobs::DecompileTree job{.Inputs = options.Inputs,
+                                .OutputDirectory = options.Output,
+                                .Recursive = options.Recursive,
+                                .OwnFolders = options.OwnFolders,
+                                .Options = options.Bits(),
+                                .Threads = options.Jobs};
+  const bool single = jobs::Plan(job).Items.size() == 1;
+  const auto resultLine = [&](const jobs::ItemResult& result) {
+    if (options.Json) return ModelJson(result);
+    return result.Succeeded() && !single ? result.Target : std::string();
+  };
+  const InterruptFlag interrupt;
+  ConsoleHost host(invocation.Out, invocation.Err, {.Item = "model", .Quiet = options.Quiet, .ResultLine = resultLine});
+  return ExitCodeOf(jobs::Run(job, host, interrupt.Token()));
 }
 
 }  // namespace
@@ -93,6 +84,7 @@ void AddDecompileVerb(CLI::App& program, Invocation& invocation) {
                    "Where the files go; made if missing. Those of one MODEL go straight into it, those of several each "
                    "into a folder of the model's name below it")
       ->capture_default_str();
+  verb->add_flag("--own-folders", options->OwnFolders, "Give a single MODEL a folder of its own too");
   verb->add_flag("--unweighted", options->Unweighted, "Write reference files without weight lists");
   verb->add_flag("--keep-rotations", options->KeepRotations, "Do not fix rotations on animations");
   verb->add_flag("--plain", options->Plain,

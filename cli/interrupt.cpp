@@ -1,5 +1,12 @@
 #include "cli/interrupt.h"
 
+#include <chrono>
+#include <condition_variable>
+#include <csignal>
+#include <mutex>
+#include <thread>
+#include <vector>
+
 namespace tarnwick::cli {
 
 namespace {
@@ -8,25 +15,62 @@ namespace {
 std::atomic<bool> Interrupted = false;
 static_assert(std::atomic<bool>::is_always_lock_free);
 
-void OnSignal(int) {
+#ifdef _WIN32
+constexpr int Signals[] = {SIGINT, SIGTERM, SIGBREAK};
+#else
+constexpr int Signals[] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT};
+#endif
+
+void OnSignal(int number) {
+  std::signal(number, OnSignal);  // Windows takes the handler away at each signal
   Interrupted = true;
 }
 
+/// How often the flag is looked at for those who wait for the token: a handler may not wake them itself.
+constexpr std::chrono::milliseconds LookInterval{10};
+
 }  // namespace
 
-InterruptFlag::InterruptFlag() {
+struct InterruptFlag::Watch {
+  using Handler = void (*)(int);
+  struct Replaced {
+    int Number;
+    Handler Old;
+  };
+  std::vector<Replaced> Handlers;
+  std::stop_source Stop;
+  std::jthread Looker;  // last, so that it ends before what it uses
+};
+
+InterruptFlag::InterruptFlag() : m_watch(std::make_unique<Watch>()) {
   Interrupted = false;
-  m_oldInterrupt = std::signal(SIGINT, OnSignal);
-  m_oldTerminate = std::signal(SIGTERM, OnSignal);
+  for (const int number : Signals) {
+    const Watch::Handler old = std::signal(number, OnSignal);
+    if (old == SIG_IGN) {
+      std::signal(number, SIG_IGN);
+    } else {
+      m_watch->Handlers.push_back({number, old});
+    }
+  }
+  m_watch->Looker = std::jthread([watch = m_watch.get()](const std::stop_token& ended) {
+    std::mutex mutex;
+    std::condition_variable_any end;
+    std::unique_lock lock(mutex);
+    while (!ended.stop_requested() && !Interrupted) end.wait_for(lock, ended, LookInterval, [] { return false; });
+    if (Interrupted) watch->Stop.request_stop();
+  });
 }
 
 InterruptFlag::~InterruptFlag() {
-  std::signal(SIGINT, m_oldInterrupt);
-  std::signal(SIGTERM, m_oldTerminate);
+  for (const Watch::Replaced& each : m_watch->Handlers) std::signal(each.Number, each.Old);
 }
 
 const std::atomic<bool>& InterruptFlag::Flag() const {
   return Interrupted;
+}
+
+std::stop_token InterruptFlag::Token() const {
+  return m_watch->Stop.get_token();
 }
 
 }  // namespace tarnwick::cli

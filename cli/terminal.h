@@ -33,6 +33,8 @@ class ProgressLine {
 
   /// Shows how many of `all` are done, and a name behind it.
   void Show(size_t done, size_t all, std::string_view name);
+  /// Whether there is such a line at all.
+  bool IsShown() const { return m_shown; }
   /// Takes the line away, so that other lines can be printed.
   void Clear();
 

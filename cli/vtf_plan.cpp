@@ -2,8 +2,8 @@
 
 #include <filesystem>
 
-#include "cli/input_files.h"
 #include "core/paths.h"
+#include "jobs/input_files.h"
 
 namespace tarnwick::cli {
 
@@ -33,11 +33,11 @@ VtfPlan PlanVtf(const std::vector<std::string>& inputs, const std::string& outpu
     plan.Textures.push_back(PlanOne(inputs[0], fs::path(target).replace_extension(), extension.substr(1)));
     return plan;
   }
-  InputFiles found = FindInputFiles(inputs, TextureExtension, recursive);
-  plan.Problems = std::move(found.Problems);
-  UniqueNames names;
-  for (const InputFile& file : found.Files) {
-    const std::string name = names.Take(WithoutExtension(file.Name, TextureExtension));
+  jobs::InputFiles found = jobs::FindInputFiles(inputs, TextureExtension, recursive);
+  for (core::Trouble& trouble : found.Troubles) plan.Problems.push_back(std::move(trouble.Text));
+  jobs::UniqueNames names;
+  for (const jobs::InputFile& file : found.Files) {
+    const std::string name = names.Take(jobs::WithoutExtension(file.Name, TextureExtension));
     plan.Textures.push_back(
         PlanOne(file.Path, target / core::NativePath(name), format.empty() ? DefaultFormat : format));
   }

@@ -81,7 +81,8 @@ void ItemRun::Cut() {
   m_channel.Tell(Line{m_item, m_source, kind, std::exchange(m_line, {})});
 }
 
-JobResult RunItems(const JobPlan& plan, int threads, Host& host, const std::stop_token& stop, const ItemWork& work) {
+JobResult RunItems(const JobPlan& plan, const ThreadUse& use, Host& host, const std::stop_token& stop,
+                   const ItemWork& work) {
   const Clock clock;
   Channel channel(host);
   JobResult result;
@@ -119,7 +120,13 @@ JobResult RunItems(const JobPlan& plan, int threads, Host& host, const std::stop
     helpers.RunUntilClosed();
   };
   std::vector<std::jthread> others;
-  for (int i = 1; i < threads && !result.Items.empty(); ++i) others.emplace_back(takeItems);
+  for (int i = 1; i < use.Threads && !result.Items.empty(); ++i) {
+    if (i < use.AtATime) {
+      others.emplace_back(takeItems);
+    } else {
+      others.emplace_back([&helpers] { helpers.RunUntilClosed(); });
+    }
+  }
   takeItems();
   others.clear();
   result.Seconds = clock.Seconds();

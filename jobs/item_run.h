@@ -88,12 +88,19 @@ struct JobPlan {
   std::vector<core::Trouble> Troubles;  // of inputs that cannot be had
 };
 
+/// The threads of a job. Those that have no item of their own help with the tasks of the others.
+struct ThreadUse {
+  int Threads = 1;
+  int AtATime = 1;  // items
+};
+
 /// Does the work of item number `item`. What it tells `run` as an error makes the item a failed one.
 using ItemWork = std::function<void(size_t item, ItemRun& run)>;
 
-/// Runs all items of `plan`, `threads` at a time, tells the host from Started to Finished, and judges: an item that
+/// Runs all items of `plan`, tells the host from Started to Finished, and judges: an item that
 /// told an error has failed, one that a stop ended is stopped, every other has succeeded. After a stop no further item
 /// is begun. An exception of the work is told as the item's error. Blocks until all is done.
-JobResult RunItems(const JobPlan& plan, int threads, Host& host, const std::stop_token& stop, const ItemWork& work);
+JobResult RunItems(const JobPlan& plan, const ThreadUse& use, Host& host, const std::stop_token& stop,
+                   const ItemWork& work);
 
 }  // namespace tarnwick::jobs

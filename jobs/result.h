@@ -7,6 +7,7 @@
 
 #include "core/trouble.h"
 #include "core/written_file.h"
+#include "decompiler/decompile_job.h"
 
 namespace tarnwick::jobs {
 
@@ -25,8 +26,9 @@ struct ItemResult {
   std::string Target = {};  // what it was to make: an output directory, a model, a texture, an image; "" if unknown
   std::string CommandLine = {};  // of the tool that ran; "" where none did
   Verdict Judged = Verdict::NotBegun;
-  std::vector<core::WrittenFile> Files = {};  // in the order in which they were begun
-  std::vector<core::Trouble> Troubles = {};   // in the order in which they were told
+  std::vector<core::WrittenFile> Files = {};    // in the order in which they were begun
+  std::vector<core::Trouble> Troubles = {};     // in the order in which they were told
+  std::vector<decompiler::LostKind> Lost = {};  // what the output does not say, though the input held it
   double Seconds = 0;
 
   bool Succeeded() const { return Judged == Verdict::Succeeded; }

@@ -50,6 +50,8 @@ using core::WrittenFile;
 struct LostKind {
   std::string Kind;  // in the plural, such as "unknown bone flags"
   int64_t Count = 0;
+
+  bool operator==(const LostKind&) const = default;
 };
 
 /// What came of a job. The log and the boxes tell the same in words.

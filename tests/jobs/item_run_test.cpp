@@ -31,7 +31,7 @@ std::vector<Verdict> VerdictsOf(const JobResult& result) {
 
 TEST(RunItems, TellsAnItemFromItsStartToItsResult) {
   RecordingHost host;
-  const JobResult result = RunItems(PlanOf(1), 1, host, {}, [](size_t, ItemRun& run) {
+  const JobResult result = RunItems(PlanOf(1), {1, 1}, host, {}, [](size_t, ItemRun& run) {
     run.Log("reading\r\n");
     run.Tell({.Level = Severity::Warning, .Kind = TroubleKind::Lost, .Text = "a doubt"});
     run.Progressed("a.smd", 1, 2);
@@ -50,7 +50,7 @@ TEST(RunItems, TellsAnItemFromItsStartToItsResult) {
 
 TEST(RunItems, JudgesByWhatWasTold) {
   RecordingHost host;
-  const JobResult result = RunItems(PlanOf(4), 1, host, {}, [](size_t item, ItemRun& run) {
+  const JobResult result = RunItems(PlanOf(4), {1, 1}, host, {}, [](size_t item, ItemRun& run) {
     if (item == 1) run.Fail(TroubleKind::Damaged, "no good");
     if (item == 2) throw std::runtime_error("out of memory");
     if (item == 3) run.Tell({.Kind = TroubleKind::Stopped, .Text = "stopped"});
@@ -66,17 +66,17 @@ TEST(RunItems, FailsWhereAnInputCannotBeHad) {
   RecordingHost host;
   JobPlan plan = PlanOf(1);
   plan.Troubles.push_back({.Kind = TroubleKind::Missing, .Text = "no such folder"});
-  EXPECT_FALSE(RunItems(plan, 1, host, {}, [](size_t, ItemRun&) {}).Succeeded());
+  EXPECT_FALSE(RunItems(plan, {1, 1}, host, {}, [](size_t, ItemRun&) {}).Succeeded());
   EXPECT_THAT(host.All<Told>(), ElementsAre(Told{NoItem, plan.Troubles[0]}));
   plan.Troubles[0].Level = Severity::Warning;
-  EXPECT_TRUE(RunItems(plan, 1, host, {}, [](size_t, ItemRun&) {}).Succeeded());
+  EXPECT_TRUE(RunItems(plan, {1, 1}, host, {}, [](size_t, ItemRun&) {}).Succeeded());
 }
 
 TEST(RunItems, BeginsNothingBehindAStop) {
   RecordingHost host;
   std::stop_source stop;
-  const JobResult result =
-      RunItems(PlanOf(3), 1, host, stop.get_token(), [&](size_t item, ItemRun&) { item == 1 && stop.request_stop(); });
+  const JobResult result = RunItems(PlanOf(3), {1, 1}, host, stop.get_token(),
+                                    [&](size_t item, ItemRun&) { item == 1 && stop.request_stop(); });
   EXPECT_THAT(VerdictsOf(result), ElementsAre(Verdict::Succeeded, Verdict::Succeeded, Verdict::NotBegun));
   EXPECT_FALSE(result.Succeeded());
   EXPECT_EQ(host.All<ItemFinished>().size(), 2u);
@@ -84,7 +84,7 @@ TEST(RunItems, BeginsNothingBehindAStop) {
 
 TEST(RunItems, TellsTheHostOneEventAtATimeFromManyThreads) {
   RecordingHost host;  // not made for several threads
-  const JobResult result = RunItems(PlanOf(40), 8, host, {}, [](size_t, ItemRun& run) {
+  const JobResult result = RunItems(PlanOf(40), {8, 8}, host, {}, [](size_t, ItemRun& run) {
     for (int i = 0; i < 20; ++i) run.Log("line\n");
   });
   EXPECT_TRUE(result.Succeeded());
@@ -98,7 +98,7 @@ TEST(RunItems, TellsTheHostOneEventAtATimeFromManyThreads) {
 TEST(RunItems, LetsIdleThreadsHelpTheItemAtHand) {
   RecordingHost host;
   std::thread::id helper;
-  RunItems(PlanOf(1), 2, host, {}, [&](size_t, ItemRun& run) {
+  RunItems(PlanOf(1), {2, 2}, host, {}, [&](size_t, ItemRun& run) {
     std::promise<void> done;
     run.Helpers.Post([&] {
       helper = std::this_thread::get_id();
@@ -112,7 +112,7 @@ TEST(RunItems, LetsIdleThreadsHelpTheItemAtHand) {
 TEST(ItemRun, CutsOutputIntoLinesWhoseTextsAreTheOutput) {
   RecordingHost host;
   const std::string long_line(200'000, 'x');
-  RunItems(PlanOf(1), 1, host, {}, [&](size_t, ItemRun& run) {
+  RunItems(PlanOf(1), {1, 1}, host, {}, [&](size_t, ItemRun& run) {
     run.Command("tool -a");
     run.ToolText("one\r");
     run.ToolText("\n\nERROR: two\nWarn");
@@ -136,7 +136,7 @@ TEST(ItemRun, AsksAQuestionThatGotANoOnlyOnce) {
   RecordingHost host;
   host.Answer = false;
   std::vector<bool> answers;
-  RunItems(PlanOf(2), 1, host, {}, [&](size_t, ItemRun& run) {
+  RunItems(PlanOf(2), {1, 1}, host, {}, [&](size_t, ItemRun& run) {
     answers.push_back(run.Ask({.Kind = QuestionKind::MakeDirectory, .Text = "Make a?"}));
     answers.push_back(run.Ask({.Kind = QuestionKind::MakeDirectory, .Text = "Make b?"}));
     host.Answer = true;

@@ -1,11 +1,11 @@
-#include "cli/input_files.h"
+#include "jobs/input_files.h"
 
 #include <algorithm>
 #include <filesystem>
 
 #include "core/paths.h"
 
-namespace tarnwick::cli {
+namespace tarnwick::jobs {
 
 namespace fs = std::filesystem;
 
@@ -41,11 +41,13 @@ InputFiles FindInputFiles(const std::vector<std::string>& inputs, std::string_vi
     std::string problem;
     const auto files = recursive ? FilesOf<fs::recursive_directory_iterator>(path, extension, problem)
                                  : FilesOf<fs::directory_iterator>(path, extension, problem);
-    if (problem.empty() && files.empty()) {
-      problem = input + ": the folder holds no " + std::string(extension) + " file" +
-                (recursive ? "" : " (--recursive also looks into the folders below it)");
+    if (!problem.empty()) {
+      found.Troubles.push_back({.Kind = core::TroubleKind::Unreadable, .File = input, .Text = problem});
+    } else if (files.empty()) {
+      const std::string text = input + ": the folder holds no " + std::string(extension) + " file" +
+                               (recursive ? "" : " (those below it were not looked into)");
+      found.Troubles.push_back({.Kind = core::TroubleKind::Missing, .File = input, .Text = text});
     }
-    if (!problem.empty()) found.Problems.push_back(problem);
     for (const fs::path& file : files) {
       found.Files.push_back({core::PathText(file), core::PathText(file.lexically_relative(path))});
     }
@@ -69,4 +71,4 @@ std::string UniqueNames::Take(const std::string& name) {
   return taken;
 }
 
-}  // namespace tarnwick::cli
+}  // namespace tarnwick::jobs

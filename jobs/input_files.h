@@ -5,18 +5,20 @@
 #include <string_view>
 #include <vector>
 
-namespace tarnwick::cli {
+#include "core/trouble.h"
 
-/// A file that a command line names, itself or through a folder.
+namespace tarnwick::jobs {
+
+/// A file that a user names, itself or through a folder.
 struct InputFile {
   std::string Path;
   std::string Name;  // of a named file its last part; of one in a folder its path below that folder
 };
 
-/// Files that were found, and what could not be.
+/// Files that were found, and why others were not.
 struct InputFiles {
   std::vector<InputFile> Files;
-  std::vector<std::string> Problems;
+  std::vector<core::Trouble> Troubles;
 };
 
 /// The files that `inputs` name: files as they stand, and of folders every file with `extension` (".vtf", in any case)
@@ -35,4 +37,4 @@ class UniqueNames {
   std::set<std::string> m_taken;
 };
 
-}  // namespace tarnwick::cli
+}  // namespace tarnwick::jobs

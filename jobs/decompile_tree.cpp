@@ -1,0 +1,74 @@
+#include "jobs/decompile_tree.h"
+
+#include <atomic>
+#include <filesystem>
+#include <utility>
+
+#include "core/paths.h"
+#include "jobs/input_files.h"
+#include "jobs/made_folder.h"
+
+namespace tarnwick::jobs {
+
+namespace {
+
+constexpr std::string_view ModelExtension = ".mdl";
+
+void DecompileOne(const DecompileTree& job, ItemRun& run) {
+  MadeFolder folder;
+  // A model that is not there is told by the decompiler, and no folder is made for it.
+  if (!run.Result.Target.empty() && core::FileExists(run.Result.Source)) {
+    if (const std::string problem = folder.Make(run.Result.Target); !problem.empty()) {
+      return run.Tell({.Kind = core::TroubleKind::Unwritable,
+                       .File = run.Result.Target,
+                       .Text = "The output directory " + run.Result.Target + " cannot be made: " + problem,
+                       .Caption = "File Error",
+                       .Alike = "an output directory cannot be made: " + problem});
+    }
+  }
+  std::atomic<bool> stopRequested = false;
+  const std::stop_callback onStop(run.Stop, [&] { stopRequested = true; });
+  decompiler::DecompileJob work;
+  work.ModelPath = run.Result.Source;
+  work.OutputDirectory = run.Result.Target;
+  work.Options = job.Options;
+  work.Helpers = &run.Helpers;
+  work.StopRequested = &stopRequested;
+  work.Progress = [&run](const decompiler::DecompileProgress& now) {
+    run.Progressed(now.File, static_cast<size_t>(now.FilesDone), static_cast<size_t>(now.FilesBegun));
+  };
+  decompiler::DecompileResult result = decompiler::DecompileModel(work, run);
+  run.Result.Files = std::move(result.Files);
+  run.Result.Lost = std::move(result.Lost);
+  if (!result.Completed && run.Result.First(core::Severity::Error) == nullptr) {
+    run.Fail(core::TroubleKind::Lost, "it did not come to its end");
+  }
+}
+
+}  // namespace
+
+JobPlan Plan(const DecompileTree& job) {
+  JobPlan plan;
+  std::error_code ignored;
+  const bool single =
+      job.Inputs.size() == 1 && !std::filesystem::is_directory(core::NativePath(job.Inputs[0]), ignored);
+  if (single && !job.OwnFolders) {
+    plan.Items.push_back({job.Inputs[0], job.OutputDirectory});
+    return plan;
+  }
+  InputFiles found = FindInputFiles(job.Inputs, ModelExtension, job.Recursive);
+  plan.Troubles = std::move(found.Troubles);
+  UniqueNames folders;
+  for (const InputFile& file : found.Files) {
+    const std::string folder = folders.Take(WithoutExtension(file.Name, ModelExtension));
+    plan.Items.push_back({file.Path, core::PathText(core::NativePath(job.OutputDirectory) / core::NativePath(folder))});
+  }
+  return plan;
+}
+
+JobResult Run(const DecompileTree& job, Host& host, const std::stop_token& stop) {
+  const ThreadUse threads{job.Threads, job.OneByOne ? 1 : job.Threads};
+  return RunItems(Plan(job), threads, host, stop, [&](size_t, ItemRun& run) { DecompileOne(job, run); });
+}
+
+}  // namespace tarnwick::jobs

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+#include <stop_token>
+#include <string>
+#include <vector>
+
+#include "decompiler/decompile_job.h"
+#include "jobs/host.h"
+#include "jobs/item_run.h"
+
+namespace tarnwick::jobs {
+
+/// Compiled models to sources, one or many.
+struct DecompileTree {
+  std::vector<std::string> Inputs = {};                          // models, and folders that are searched for them
+  std::string OutputDirectory = ".";                             // made if missing
+  bool Recursive = false;                                        // also the folders below a folder
+  bool OwnFolders = false;                                       // a folder of its own also for a single model
+  uint32_t Options = decompiler::DecompileOptionReadyToCompile;  // DecompileOption bits
+  int Threads = 1;
+  bool OneByOne = false;  // one model after the other, with all threads on each
+};
+
+/// The models that the job finds, and the directory of each: the output directory itself for the only model that is
+/// named, unless it is to have a folder of its own; else one below it, of the model's name, or of its path below the
+/// folder in which it was found. No two models share a directory.
+JobPlan Plan(const DecompileTree& job);
+
+/// Decompiles every model. Missing directories are made when a model is there; one that stays empty goes again. A
+/// failure ends no other model.
+JobResult Run(const DecompileTree& job, Host& host, const std::stop_token& stop);
+
+}  // namespace tarnwick::jobs
