@@ -92,6 +92,7 @@ inline constexpr TextSetting OutputDirectory{DecompilerSection, "OutputDirectory
 inline constexpr TextSetting LastMdlFile{DecompilerSection, "LastMDLFile"};
 inline constexpr IntSetting CheckBoxSettings{DecompilerSection, "CheckBoxSettings", 1};  // 2 and 4: the two boxes
 inline constexpr IntSetting ReadyToCompile{DecompilerSection, "ReadyToCompile", 1};
+inline constexpr IntSetting OwnModelFolders{DecompilerSection, "Own Model Folders", 1};
 inline constexpr TextSetting RecentModels{DecompilerSection, "Recent Models"};            // one a line, newest first
 inline constexpr TextSetting RecentDirectories{DecompilerSection, "Recent Directories"};  // likewise
 
@@ -133,9 +134,10 @@ inline constexpr const TextSetting* TextValues[] = {
 
 /// All numbers, likewise.
 inline constexpr const IntSetting* IntValues[] = {
-    &TabSelect, &CompileMode,      &StudioMdlOptions, &ModelPath,      &AnimSmdCheck,       &PhySmdCheck,
-    &PropType,  &ModelOptionsTab,  &Transparency,     &SelfIllum,      &SelfIllumBaseAlpha, &HasNormal,
-    &EnvMap,    &EnvMapNormalMask, &EnvMapIllumMask,  &EnvMapBaseMask, &CheckBoxSettings,   &ReadyToCompile,
+    &TabSelect,          &CompileMode,      &StudioMdlOptions, &ModelPath,        &AnimSmdCheck,
+    &PhySmdCheck,        &PropType,         &ModelOptionsTab,  &Transparency,     &SelfIllum,
+    &SelfIllumBaseAlpha, &HasNormal,        &EnvMap,           &EnvMapNormalMask, &EnvMapIllumMask,
+    &EnvMapBaseMask,     &CheckBoxSettings, &ReadyToCompile,   &OwnModelFolders,
 };
 
 }  // namespace setting

@@ -4,13 +4,12 @@
 #include <QFileInfo>
 #include <QStringListModel>
 #include <algorithm>
-#include <atomic>
-#include <mutex>
+#include <iterator>
 #include <thread>
 
 #include "core/paths.h"
 #include "core/settings_table.h"
-#include "decompiler/decompile_job.h"
+#include "jobs/decompile_tree.h"
 #include "pages/recent_paths.h"
 #include "platform/bitmap_button.h"
 #include "platform/dropped_files.h"
@@ -22,7 +21,6 @@
 namespace tarnwick::pages {
 
 namespace setting = core::setting;
-using decompiler::DecompileProgress;
 using platform::FromQt;
 using platform::ToQt;
 
@@ -32,25 +30,19 @@ namespace {
 constexpr int32_t KeptUnweighted = 2;
 constexpr int32_t KeptRotations = 4;
 
-/// How far the job has got, passed from its thread to the window's.
-class SharedProgress {
- public:
-  void Set(const DecompileProgress& progress) {
-    const std::lock_guard lock(m_mutex);
-    m_progress = progress;
-  }
-  DecompileProgress Get() {
-    const std::lock_guard lock(m_mutex);
-    return m_progress;
-  }
+bool IsFolder(const std::string& path) {
+  return QFileInfo(ToQt(path)).isDir();
+}
 
- private:
-  std::mutex m_mutex;
-  DecompileProgress m_progress;
-};
+bool IsModelOrFolder(const std::string& path) {
+  return core::LowerAscii(path).ends_with(".mdl") || IsFolder(path);
+}
 
-bool IsModelFile(const std::string& path) {
-  return core::LowerAscii(path).ends_with(".mdl");
+/// How the box names several models; it is never read back.
+QString NamesOf(const std::vector<std::string>& paths) {
+  QStringList names;
+  for (const std::string& path : paths) names << ToQt(path);
+  return names.join("; ");
 }
 
 void OfferPaths(QLineEdit& box, const std::vector<std::string>& paths) {
@@ -71,11 +63,13 @@ void OfferPaths(QLineEdit& box, const std::vector<std::string>& paths) {
 CDecompilerDialog::CDecompilerDialog(const PageContext& context, QWidget* parent)
     : CPage(context, parent),
       m_ui(std::make_unique<Ui::DecompilerDialog>()),
-      m_status(context.Desktop, this),
-      m_jobs(*this) {
+      m_status(context.Desktop, this, [this] { m_job.RequestStop(); }),
+      m_job(*this) {
   m_ui->setupUi(this);
   connect(m_ui->browseModelButton, &QAbstractButton::clicked, this, &CDecompilerDialog::OnBrowseModel);
   connect(m_ui->browseOutputButton, &QAbstractButton::clicked, this, &CDecompilerDialog::OnBrowseOutput);
+  // Sources that are compiled are kept apart; the plain form goes where the box says.
+  connect(m_ui->readyCheck, &QAbstractButton::clicked, m_ui->ownFoldersCheck, &QAbstractButton::setChecked);
   connect(m_ui->extractButton, &QAbstractButton::clicked, this, &CDecompilerDialog::OnExtract);
 }
 
@@ -93,6 +87,7 @@ void CDecompilerDialog::OnInitDialog() {
   m_ui->unweightedCheck->setChecked((boxes & KeptUnweighted) != 0);
   m_ui->rotationsCheck->setChecked((boxes & KeptRotations) != 0);
   m_ui->readyCheck->setChecked(setting::ReadyToCompile.Read(Settings()) != 0);
+  m_ui->ownFoldersCheck->setChecked(setting::OwnModelFolders.Read(Settings()) != 0 && m_ui->readyCheck->isChecked());
   OfferRecentPaths();
 }
 
@@ -101,9 +96,15 @@ void CDecompilerDialog::OfferRecentPaths() {
   OfferPaths(*m_ui->outputEdit, RecentPaths(Settings(), setting::RecentDirectories));
 }
 
-void CDecompilerDialog::SetModel(const std::string& path) {
-  m_ui->modelEdit->setText(ToQt(path));
-  setting::LastMdlFile.Write(Settings(), path);
+void CDecompilerDialog::SetModels(const std::vector<std::string>& paths) {
+  m_chosen = paths;
+  m_ui->modelEdit->setText(NamesOf(paths));
+  setting::LastMdlFile.Write(Settings(), paths.front());
+}
+
+std::vector<std::string> CDecompilerDialog::Models() const {
+  const QString text = m_ui->modelEdit->text();
+  return !m_chosen.empty() && text == NamesOf(m_chosen) ? m_chosen : std::vector<std::string>{FromQt(text)};
 }
 
 void CDecompilerDialog::SetOutputDirectory(const std::string& path) {
@@ -114,11 +115,11 @@ void CDecompilerDialog::SetOutputDirectory(const std::string& path) {
 void CDecompilerDialog::OnBrowseModel() {
   const std::string last = setting::LastMdlFile.Read(Settings());
   m_ui->modelEdit->setText(ToQt(last));
-  const auto chosen = DesktopSeam().ChooseFileToOpen(
+  const auto chosen = DesktopSeam().ChooseFilesToOpen(
       this,
       {.Title = "Name of MDL File", .Filter = "MDL Files (*.mdl)|*.mdl|", .StartName = last, .StartDirectory = {}});
   if (chosen) {
-    SetModel(*chosen);
+    SetModels(*chosen);
   } else if (m_ui->modelEdit->text().isEmpty()) {
     DesktopSeam().Box(this, platform::BoxIcon::Exclamation, "No MDL File Selected!");
   }
@@ -134,20 +135,25 @@ void CDecompilerDialog::OnBrowseOutput() {
 }
 
 void CDecompilerDialog::OnDropFiles(const platform::DroppedFiles& drop) {
-  if (drop.IsOver(*m_ui->modelEdit)) return SetModel(drop.Paths.front());
   if (drop.IsOver(*m_ui->outputEdit)) {
-    if (QFileInfo(ToQt(drop.Paths.front())).isDir()) SetOutputDirectory(drop.Paths.front());
+    if (IsFolder(drop.Paths.front())) SetOutputDirectory(drop.Paths.front());
     return;
   }
-  for (const std::string& path : drop.Paths) {
-    if (IsModelFile(path)) return SetModel(path);
-  }
+  if (drop.IsOver(*m_ui->modelEdit) && !IsModelOrFolder(drop.Paths.front())) return SetModels({drop.Paths.front()});
+  std::vector<std::string> models;
+  std::copy_if(drop.Paths.begin(), drop.Paths.end(), std::back_inserter(models), IsModelOrFolder);
+  if (!models.empty()) SetModels(models);
 }
 
 void CDecompilerDialog::OnExtract() {
-  decompiler::DecompileJob job;
-  job.ModelPath = FromQt(m_ui->modelEdit->text());
+  jobs::DecompileTree job;
+  job.Inputs = Models();
   job.OutputDirectory = FromQt(m_ui->outputEdit->text());
+  job.Recursive = true;
+  job.OwnFolders = m_ui->ownFoldersCheck->isChecked();
+  job.OneByOne = true;
+  job.Threads = std::max(static_cast<int>(std::thread::hardware_concurrency()), 2);
+  job.Options = 0;
   int32_t kept = 0;
   if (m_ui->unweightedCheck->isChecked()) {
     job.Options |= decompiler::DecompileOptionUnweightedSmd;
@@ -160,28 +166,16 @@ void CDecompilerDialog::OnExtract() {
   if (m_ui->readyCheck->isChecked()) job.Options |= decompiler::DecompileOptionReadyToCompile;
   setting::CheckBoxSettings.Write(Settings(), kept);
   setting::ReadyToCompile.Write(Settings(), m_ui->readyCheck->isChecked() ? 1 : 0);
-  RememberPath(Settings(), setting::RecentModels, job.ModelPath);
+  setting::OwnModelFolders.Write(Settings(), job.OwnFolders ? 1 : 0);
+  for (const std::string& path : job.Inputs) RememberPath(Settings(), setting::RecentModels, path);
   RememberPath(Settings(), setting::RecentDirectories, job.OutputDirectory);
   OfferRecentPaths();
 
   m_status.Begin(job.OutputDirectory);
   platform::CenterOver(*this, m_status);
   m_status.show();
-
-  const auto progress = std::make_shared<SharedProgress>();
-  const auto work = [job, progress](core::Report& report, const std::stop_token& stop) mutable {
-    std::atomic<bool> stopRequested = false;
-    const std::stop_callback onStop(stop, [&stopRequested] { stopRequested = true; });
-    job.StopRequested = &stopRequested;
-    job.Progress = [&progress](const DecompileProgress& now) { progress->Set(now); };
-    core::WorkQueue helpers(static_cast<int>(std::max(std::thread::hardware_concurrency(), 2u)) - 1);
-    job.Helpers = &helpers;
-    decompiler::DecompileModel(job, report);
-  };
-  m_jobs.Start(work, {.Bar = &m_status.Bar(),
-                      .LogGrew = [this](const std::string& text) { m_status.Append(text); },
-                      .Tick = [this, progress] { m_status.ShowProgress(progress->Get()); },
-                      .Done = [this, progress] { m_status.End(progress->Get()); }});
+  m_job.Start([job](jobs::Host& host, const std::stop_token& stop) { jobs::Run(job, host, stop); },
+              {.Bar = &m_status.Bar(), .OnEvent = [this](const jobs::Event& event) { m_status.Show(event); }});
 }
 
 }  // namespace tarnwick::pages

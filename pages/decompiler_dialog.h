@@ -1,10 +1,12 @@
 #pragma once
 
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "pages/decompiler_status.h"
 #include "pages/page.h"
-#include "platform/job_runner.h"
+#include "pages/page_job.h"
 
 class QCompleter;
 class QLineEdit;
@@ -15,7 +17,8 @@ class DecompilerDialog;
 
 namespace tarnwick::pages {
 
-/// The tab "Model Decompile": names a model and an output directory and runs the decompiler on them.
+/// The tab "Model Decompile": names models, or a folder of them, and an output directory and runs the decompiler on
+/// them.
 class CDecompilerDialog : public CPage {
   Q_OBJECT
 
@@ -34,13 +37,15 @@ class CDecompilerDialog : public CPage {
   void OnInitDialog() override;
 
  private:
-  void SetModel(const std::string& path);
+  void SetModels(const std::vector<std::string>& paths);
+  std::vector<std::string> Models() const;
   void SetOutputDirectory(const std::string& path);
   void OfferRecentPaths();
 
   std::unique_ptr<Ui::DecompilerDialog> m_ui;
+  std::vector<std::string> m_chosen;  // several models, as long as the box says what it said for them
   CDecompilerStatus m_status;
-  platform::JobRunner m_jobs;  // behind the window that it writes to
+  PageJob m_job;  // behind the window that it writes to
 };
 
 }  // namespace tarnwick::pages

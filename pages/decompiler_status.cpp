@@ -1,25 +1,54 @@
 #include "pages/decompiler_status.h"
 
-#include <QScrollBar>
+#include <QHeaderView>
+#include <QTreeWidget>
+#include <variant>
 
+#include "core/paths.h"
+#include "jobs/summary.h"
 #include "platform/text.h"
 #include "ui_decompiler_status.h"
 
 namespace tarnwick::pages {
 
+using platform::ToQt;
+
 namespace {
 
-QString FilesWritten(int count) {
-  return count == 1 ? "1 file written" : QString("%1 files written").arg(count);
+constexpr int ModelColumn = 0;
+constexpr int ResultColumn = 1;
+constexpr int FolderRole = Qt::UserRole;
+
+std::string FilesWritten(size_t count) {
+  return jobs::Counted(count, "file") + " written";
+}
+
+/// What the list says of a model that is done.
+std::string ResultText(const jobs::ItemResult& result) {
+  if (result.Judged == jobs::Verdict::Stopped) return "stopped";
+  if (result.Succeeded()) {
+    const size_t warnings = result.Count(core::Severity::Warning);
+    return FilesWritten(result.Files.size()) + (warnings > 0 ? ", " + jobs::Counted(warnings, "warning") : "");
+  }
+  const core::Trouble* error = result.First(core::Severity::Error);
+  return "failed" + (error == nullptr ? std::string() : ": " + error->Text);
 }
 
 }  // namespace
 
-CDecompilerStatus::CDecompilerStatus(platform::Desktop& desktop, QWidget* parent)
+CDecompilerStatus::CDecompilerStatus(platform::Desktop& desktop, QWidget* parent, std::function<void()> stop)
     : CDialog(desktop, parent), m_ui(std::make_unique<Ui::DecompilerStatus>()) {
   m_ui->setupUi(this);
   connect(m_ui->okButton, &QAbstractButton::clicked, this, &QDialog::accept);
-  connect(m_ui->openFolderButton, &QAbstractButton::clicked, this, &CDecompilerStatus::OnOpenFolder);
+  connect(m_ui->openFolderButton, &QAbstractButton::clicked, this, [this] { OpenFolder(m_folder); });
+  connect(m_ui->stopButton, &QAbstractButton::clicked, this, [this, stop = std::move(stop)] {
+    m_ui->stopButton->setEnabled(false);
+    stop();
+  });
+  connect(m_ui->resultList, &QTreeWidget::itemActivated, this, [this](const QTreeWidgetItem* row) {
+    OpenFolder(platform::FromQt(row->data(ModelColumn, FolderRole).toString()));
+  });
+  m_ui->resultList->header()->setSectionResizeMode(ModelColumn, QHeaderView::ResizeToContents);
 }
 
 CDecompilerStatus::~CDecompilerStatus() = default;
@@ -29,39 +58,77 @@ QProgressBar& CDecompilerStatus::Bar() const {
 }
 
 void CDecompilerStatus::Begin(const std::string& outputDirectory) {
-  m_outputDirectory = outputDirectory;
-  m_ui->logEdit->clear();
+  m_folder = outputDirectory;
+  m_count = m_modelsDone = m_filesDone = 0;
+  m_ui->logEdit->Clear();
+  m_ui->resultList->clear();
+  m_ui->resultList->hide();
+  m_ui->fileLabel->setText("Looking for models");
+  m_ui->stopButton->setEnabled(true);
+}
+
+void CDecompilerStatus::Show(const jobs::Event& event) {
+  std::visit(jobs::Overloaded{
+                 [this](const jobs::Started& started) { OnStarted(started); },
+                 [this](const jobs::ItemStarted& started) { OnModelStarted(started); },
+                 [this](const jobs::Line& line) { m_ui->logEdit->Append(line.Text); },
+                 [this](const jobs::Told& told) {
+                   // A trouble with a box has no line of its own; neither has one of the job as a whole.
+                   if (!told.Trouble.Caption.empty()) {
+                     m_ui->logEdit->Append(told.Trouble.Caption + ": " + told.Trouble.Text + "\n");
+                   } else if (told.Item == jobs::NoItem) {
+                     m_ui->logEdit->Append(told.Trouble.Text + "\n");
+                   }
+                 },
+                 [this](const jobs::Progress& progress) { OnProgress(progress); },
+                 [this](const jobs::ItemFinished& finished) { OnModelFinished(finished); },
+                 [this](const jobs::Finished& finished) { OnFinished(finished.Result); },
+             },
+             event);
+}
+
+void CDecompilerStatus::OnStarted(const jobs::Started& started) {
+  m_count = started.Count;
+  m_ui->resultList->setVisible(m_count > 1);
+}
+
+void CDecompilerStatus::OnModelStarted(const jobs::ItemStarted& started) {
+  if (m_count == 1) m_folder = started.Target;
   m_ui->fileLabel->setText("Loading the model");
+  auto* row = new QTreeWidgetItem(m_ui->resultList);
+  row->setText(ModelColumn, ToQt(core::LastComponent(started.Input)));
+  row->setToolTip(ModelColumn, ToQt(started.Input));
+  row->setText(ResultColumn, "decompiling");
+  row->setData(ModelColumn, FolderRole, ToQt(started.Target));
+  m_ui->resultList->scrollToItem(row);
 }
 
-void CDecompilerStatus::Append(const std::string& text) {
-  QScrollBar& scroll = *m_ui->logEdit->verticalScrollBar();
-  const bool followsEnd = scroll.value() == scroll.maximum();
-  QTextCursor end(m_ui->logEdit->document());
-  end.movePosition(QTextCursor::End);
-  end.insertText(platform::ToQt(text).remove('\r'));
-  if (followsEnd) scroll.setValue(scroll.maximum());
+void CDecompilerStatus::OnProgress(const jobs::Progress& progress) {
+  if (progress.Begun == 0) return;
+  std::string text = FilesWritten(m_filesDone + progress.Done) + ", writing " + progress.File;
+  if (m_count > 1) text = std::to_string(m_modelsDone) + " of " + jobs::Counted(m_count, "model") + ", " + text;
+  m_ui->fileLabel->setText(ToQt(text));
 }
 
-/// A file's path as it stands below the output directory, which is too long to be shown each time.
-QString CDecompilerStatus::BelowOutput(const std::string& path) const {
-  if (!path.starts_with(m_outputDirectory)) return platform::ToQt(path);
-  const size_t name = path.find_first_not_of("/\\", m_outputDirectory.size());
-  return name == std::string::npos ? platform::ToQt(path) : platform::ToQt(path.substr(name));
+void CDecompilerStatus::OnModelFinished(const jobs::ItemFinished& finished) {
+  ++m_modelsDone;
+  m_filesDone += finished.Result.Files.size();
+  QTreeWidgetItem* row = m_ui->resultList->topLevelItem(m_ui->resultList->topLevelItemCount() - 1);
+  const QString text = ToQt(ResultText(finished.Result)).simplified();
+  row->setText(ResultColumn, text);
+  row->setToolTip(ResultColumn, text);
 }
 
-void CDecompilerStatus::ShowProgress(const decompiler::DecompileProgress& progress) {
-  if (progress.FilesBegun == 0) return;
-  m_ui->fileLabel->setText(QString("%1, writing %2").arg(FilesWritten(progress.FilesDone), BelowOutput(progress.File)));
+void CDecompilerStatus::OnFinished(const jobs::JobResult& result) {
+  m_ui->stopButton->setEnabled(false);
+  std::string text = m_count == 1 ? FilesWritten(m_filesDone) : jobs::SummaryLine(result, "model");
+  if (m_count == 0 && !result.Troubles.empty()) text = result.Troubles.front().Text;
+  m_ui->fileLabel->setText(ToQt(text));
 }
 
-void CDecompilerStatus::End(const decompiler::DecompileProgress& progress) {
-  m_ui->fileLabel->setText(FilesWritten(progress.FilesDone));
-}
-
-void CDecompilerStatus::OnOpenFolder() {
-  if (DesktopSeam().Open(m_outputDirectory)) return;
-  DesktopSeam().Box(this, platform::BoxIcon::Stop, "Unable to open the folder " + m_outputDirectory, "Error");
+void CDecompilerStatus::OpenFolder(const std::string& folder) {
+  if (DesktopSeam().Open(folder)) return;
+  DesktopSeam().Box(this, platform::BoxIcon::Stop, "Unable to open the folder " + folder, "Error");
 }
 
 }  // namespace tarnwick::pages

@@ -1,9 +1,10 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 
-#include "decompiler/decompile_job.h"
+#include "jobs/events.h"
 #include "platform/dialog.h"
 
 class QProgressBar;
@@ -14,30 +15,35 @@ class DecompilerStatus;
 
 namespace tarnwick::pages {
 
-/// The log of a decompile job. The page owns the one window and shows it anew for each job.
+/// What is seen of a decompile job: its log, how far it has got, and what became of each model where there are several.
+/// The page owns the one window and shows it anew for each job.
 class CDecompilerStatus : public platform::CDialog {
   Q_OBJECT
 
  public:
-  CDecompilerStatus(platform::Desktop& desktop, QWidget* parent);
+  /// `stop` is called when the user wants the job to end.
+  CDecompilerStatus(platform::Desktop& desktop, QWidget* parent, std::function<void()> stop);
   ~CDecompilerStatus() override;
 
-  /// Empties the log for a job that writes into `outputDirectory`.
+  /// Empties the window for a job that writes into `outputDirectory`.
   void Begin(const std::string& outputDirectory);
-  /// Adds text to the log and keeps its end in sight, unless the user has scrolled away from it.
-  void Append(const std::string& text);
-  void ShowProgress(const decompiler::DecompileProgress& progress);
-  /// The job has ended.
-  void End(const decompiler::DecompileProgress& progress);
+  void Show(const jobs::Event& event);
 
   QProgressBar& Bar() const;
 
  private:
-  void OnOpenFolder();
-  QString BelowOutput(const std::string& path) const;
+  void OnStarted(const jobs::Started& started);
+  void OnModelStarted(const jobs::ItemStarted& started);
+  void OnProgress(const jobs::Progress& progress);
+  void OnModelFinished(const jobs::ItemFinished& finished);
+  void OnFinished(const jobs::JobResult& result);
+  void OpenFolder(const std::string& folder);
 
   std::unique_ptr<Ui::DecompilerStatus> m_ui;
-  std::string m_outputDirectory;
+  std::string m_folder;  // of the only model, or of all
+  size_t m_count = 0;
+  size_t m_modelsDone = 0;
+  size_t m_filesDone = 0;  // of the models that are done
 };
 
 }  // namespace tarnwick::pages

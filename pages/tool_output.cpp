@@ -1,7 +1,6 @@
 #include "pages/tool_output.h"
 
 #include <QFontDatabase>
-#include <QScrollBar>
 #include <QSyntaxHighlighter>
 
 #include "controls/painting.h"
@@ -39,31 +38,20 @@ class LineColors : public QSyntaxHighlighter {
 
 }  // namespace
 
-CToolOutput::CToolOutput(QWidget* parent) : QPlainTextEdit(parent) {
-  setReadOnly(true);
-  setLineWrapMode(NoWrap);
-  setTabChangesFocus(true);
-  setUndoRedoEnabled(false);
+CToolOutput::CToolOutput(QWidget* parent) : CLogView(parent) {
   setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
   new LineColors(*this);
 }
 
 void CToolOutput::ShowText(const std::string& text) {
   if (text.size() <= m_shown) return;
-  QScrollBar& scroll = *verticalScrollBar();
-  const bool followsEnd = scroll.value() == scroll.maximum();
-  QString added = m_decoder(QByteArrayView(text.data() + m_shown, static_cast<qsizetype>(text.size() - m_shown)));
+  Append(std::string_view(text).substr(m_shown));
   m_shown = text.size();
-  QTextCursor end(document());
-  end.movePosition(QTextCursor::End);
-  end.insertText(added.remove('\r'));
-  if (followsEnd) scroll.setValue(scroll.maximum());
 }
 
 void CToolOutput::Clear() {
   m_shown = 0;
-  m_decoder.resetState();
-  clear();
+  CLogView::Clear();
 }
 
 }  // namespace tarnwick::pages

@@ -9,6 +9,9 @@
 #include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QTest>
+#include <QTreeWidget>
+#include <filesystem>
 
 #include "project/model_options.h"
 #include "settings/documents_folder.h"
@@ -27,6 +30,7 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::EndsWith;
 using testing::HasSubstr;
+using testing::IsSupersetOf;
 using tests::Click;
 using tests::ControlOf;
 using tests::ShownBox;
@@ -128,7 +132,6 @@ TEST_F(DecompilePage, RunsAWholeJobFromClickToFinishedLog) {
   Open();
   const std::string model = tests::ModelBuilder{}.Write(m_folder.Path());
   const std::string output = m_folder.Path("out");
-  std::filesystem::create_directory(output);
   ControlOf<QLineEdit>(*m_page, "modelEdit").setText(QString::fromStdString(model));
   ControlOf<QLineEdit>(*m_page, "outputEdit").setText(QString::fromStdString(output));
   Box("unweightedCheck").setChecked(true);
@@ -142,18 +145,18 @@ TEST_F(DecompilePage, RunsAWholeJobFromClickToFinishedLog) {
     EXPECT_EQ(Log().find("Loaded model", 1), std::string::npos);
     EXPECT_THAT(Log(), EndsWith("\nCompleted Dumping Model!\n"));
     EXPECT_EQ(ControlOf<QProgressBar>(Status(), "progressBar").value(), 100);
-    EXPECT_THAT(ControlOf<QLabel>(Status(), "fileLabel").text().toStdString(), HasSubstr("written"));
-    Click(Status(), "okButton");
-    EXPECT_FALSE(Status().isVisible());
+    QTest::keyClick(&ControlOf<QPlainTextEdit>(Status(), "logEdit"), Qt::Key_Escape);
+    EXPECT_FALSE(Status().isVisible()) << "Esc closes a log";
   }
-  EXPECT_THAT(m_folder.Files(), Contains("out/ravelback.qc"));
+  EXPECT_EQ(ControlOf<QLabel>(Status(), "fileLabel").text(), "2 files written") << "the script counts too";
+  EXPECT_THAT(m_folder.Files(), IsSupersetOf({"out/cube/ravelback.qc", "out/cube/cube.smd"}));
   EXPECT_TRUE(m_desktop.Boxes.empty());
   EXPECT_EQ(m_settings.Values["Ravelback/CheckBoxSettings"], "6");
   EXPECT_EQ(m_settings.Values["Ravelback/ReadyToCompile"], "1");
   EXPECT_NE(ControlOf<QLineEdit>(*m_page, "modelEdit").completer()->model()->rowCount(), 0);
   EXPECT_EQ(m_settings.Values.count("Ravelback/OutputDirectory"), 0u) << "only a picked directory is kept";
   Click(Status(), "openFolderButton");
-  EXPECT_THAT(m_desktop.Opened, ElementsAre(output));
+  EXPECT_THAT(m_desktop.Opened, ElementsAre(output + "/cube"));
 }
 
 TEST_F(DecompilePage, ShowsWhyAJobFailed) {
@@ -166,6 +169,70 @@ TEST_F(DecompilePage, ShowsWhyAJobFailed) {
   EXPECT_EQ(m_desktop.Boxes.front().Caption, "Error");
   EXPECT_THAT(m_desktop.Boxes.front().Text, testing::StartsWith("Unable to load model"));
   EXPECT_TRUE(m_folder.Files().empty());
+}
+
+/// The rows of the list of models, their columns parted by a bar.
+std::vector<std::string> Rows(QWidget& status) {
+  std::vector<std::string> rows;
+  const auto& list = ControlOf<QTreeWidget>(status, "resultList");
+  for (int i = 0; i < list.topLevelItemCount(); ++i) {
+    rows.push_back((list.topLevelItem(i)->text(0) + "|" + list.topLevelItem(i)->text(1)).toStdString());
+  }
+  return rows;
+}
+
+TEST_F(DecompilePage, DecompilesAllThatIsDroppedAndTellsWhatBecameOfEach) {
+  Open();
+  for (const char* name : {"a", "b", "c"}) tests::ModelBuilder{}.Write(m_folder.Path(), name);
+  tests::ModelBuilder{}.Write(m_folder.Path("deep/below"), "d");
+  std::filesystem::remove(m_folder.Path("b.dx90.vtx"));
+  Box("ownFoldersCheck").setChecked(false);  // several models get folders all the same
+  ControlOf<QLineEdit>(*m_page, "outputEdit").setText(QString::fromStdString(m_folder.Path("new/out")));
+  tests::Drop(ControlOf<QLabel>(*m_page, "resultLabel"),
+              {m_folder.Path("a.mdl"), m_folder.Path("a.vvd"), m_folder.Path("b.mdl"), m_folder.Path("deep")});
+  EXPECT_EQ(Model(), m_folder.Path("a.mdl") + "; " + m_folder.Path("b.mdl") + "; " + m_folder.Path("deep"));
+  Click(*m_page, "extractButton");
+  ASSERT_TRUE(WaitForJob());
+  EXPECT_THAT(Rows(Status()), ElementsAre("a.mdl|2 files written", HasSubstr("b.mdl|failed: Unable to load vertices"),
+                                          "d.mdl|2 files written"));
+  EXPECT_TRUE(ControlOf<QTreeWidget>(Status(), "resultList").isVisible());
+  EXPECT_THAT(ControlOf<QLabel>(Status(), "fileLabel").text().toStdString(),
+              testing::AllOf(HasSubstr("3 models, 4 files"), EndsWith("1 failed")));
+  EXPECT_TRUE(m_desktop.Boxes.empty()) << "the list tells";
+  EXPECT_THAT(m_folder.Files(), IsSupersetOf({"new/out/a/cube.smd", "new/out/below/d/cube.smd"}));
+  emit ControlOf<QTreeWidget>(Status(), "resultList")
+      .itemActivated(ControlOf<QTreeWidget>(Status(), "resultList").topLevelItem(2), 0);
+  EXPECT_THAT(m_desktop.Opened, ElementsAre(m_folder.Path("new/out/below/d")));
+
+  ControlOf<QLineEdit>(*m_page, "modelEdit").setText(QString::fromStdString(m_folder.Path("c.mdl")));
+  Click(*m_page, "extractButton");
+  ASSERT_TRUE(WaitForJob());
+  EXPECT_FALSE(ControlOf<QTreeWidget>(Status(), "resultList").isVisible()) << "what was typed counts alone";
+  EXPECT_THAT(m_folder.Files(), Contains("new/out/cube.smd"));
+}
+
+TEST_F(DecompilePage, SaysThatAFolderHoldsNoModel) {
+  Open();
+  std::filesystem::create_directory(m_folder.Path("empty"));
+  tests::Drop(ControlOf<QLineEdit>(*m_page, "modelEdit"), {m_folder.Path("empty")});
+  Click(*m_page, "extractButton");
+  ASSERT_TRUE(WaitForJob());
+  EXPECT_THAT(ControlOf<QLabel>(Status(), "fileLabel").text().toStdString(), HasSubstr("holds no .mdl file"));
+}
+
+TEST_F(DecompilePage, KeepsModelsApartInTheReadyFormUnlessToldNotTo) {
+  Open();
+  EXPECT_TRUE(Box("ownFoldersCheck").isChecked());
+  Box("readyCheck").click();
+  EXPECT_FALSE(Box("ownFoldersCheck").isChecked());
+  Box("readyCheck").click();
+  EXPECT_TRUE(Box("ownFoldersCheck").isChecked());
+  Box("ownFoldersCheck").setChecked(false);
+  Click(*m_page, "extractButton");
+  ASSERT_TRUE(WaitForJob());
+  EXPECT_EQ(m_settings.Values["Ravelback/Own Model Folders"], "0");
+  Open();
+  EXPECT_FALSE(Box("ownFoldersCheck").isChecked());
 }
 
 }  // namespace
