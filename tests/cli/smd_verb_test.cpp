@@ -20,8 +20,16 @@ TEST(SmdVerb, ShowsFiguresAndReplaces) {
   WriteText(path, "nodes\n0 root -1\nend\ntriangles\nwood\nshort\n");
   auto result = RunCommand({"smd", "info", "--json", path});
   EXPECT_EQ(result.ExitCode, ExitFailure);
-  EXPECT_THAT(result.Out, HasSubstr(R"("materials":[{"name":"wood","faces":1}],"badLine":6})"));
+  EXPECT_EQ(result.Out, R"({"file":")" + path + R"(","complete":false,"bones":1,"frames":0,"triangles":1,)" +
+                            R"("materials":[{"name":"wood","faces":1}],"badLine":6})" + "\n");
   EXPECT_THAT(result.Err, HasSubstr("line 6"));
+  const std::string sound = folder.Path("sound.smd");
+  WriteText(sound, "version 1\nnodes\n0 root -1\nend\n");
+  result = RunCommand({"smd", "info", "--json", sound});
+  EXPECT_EQ(result.ExitCode, ExitSuccess);
+  EXPECT_EQ(result.Out,
+            R"({"file":")" + sound + R"(","complete":true,"bones":1,"frames":0,"triangles":0,"materials":[]})" + "\n");
+  EXPECT_EQ(result.Err, "");
   result = RunCommand({"smd", "replace", path, "wood", "oak", "--yes"});
   EXPECT_EQ(result.Out, path + ": 1 replaced\n");
   EXPECT_THAT(ReadText(path), HasSubstr("\noak\n"));
