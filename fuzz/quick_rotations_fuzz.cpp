@@ -31,7 +31,10 @@ void Compare(const std::vector<From>& from, Quick quick, Plain plain) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  Compare<EulerAngles, Quat>(fuzz::ValuesOf<EulerAngles>(data, size), QuickEulerToQuat, EulerToQuat);
-  Compare<Quat, EulerAngles>(fuzz::ValuesOf<Quat>(data, size), QuickQuatToEuler, QuatToEuler);
+  Compare<EulerAngles, Quat>(
+      fuzz::ValuesOf<EulerAngles>(data, size), [](const auto& from, auto& to) { QuickEulerToQuat(from, to); },
+      EulerToQuat);
+  Compare<Quat, EulerAngles>(
+      fuzz::ValuesOf<Quat>(data, size), [](const auto& from, auto& to) { QuickQuatToEuler(from, to); }, QuatToEuler);
   return 0;
 }

@@ -22,14 +22,14 @@ struct AnimData {
 /// Reads the animation block file that a model calls `name` (its folder is ignored) from the model's folder, under a
 /// name that differs in case only if there is none of that very name, and upgrades it. Nothing, with one line in the
 /// log, if there is no such file or if it calls itself a model file.
-std::optional<core::FileImage> LoadAnimBlockFile(ModelReader& reader, std::string_view name);
+[[nodiscard]] std::optional<core::FileImage> LoadAnimBlockFile(ModelReader& reader, std::string_view name);
 
 /// Brings a block file of any version to version 48: clears what older versions mean differently. False, with nothing
 /// changed, if the header or the animation table does not lie inside the image.
-bool UpgradeAnimBlockHeader(std::span<std::byte> image);
+[[nodiscard]] bool UpgradeAnimBlockHeader(std::span<std::byte> image);
 
 /// The first byte of block number `block`. The block file is loaded at the first call (on the reader's own thread).
 /// Nothing if there is no block file, or if the model's table has no such block inside the .mdl file.
-std::optional<AnimData> GetAnimBlockBase(ModelReader& reader, int32_t block);
+[[nodiscard]] std::optional<AnimData> GetAnimBlockBase(ModelReader& reader, int32_t block);
 
 }  // namespace tarnwick::model

@@ -38,7 +38,8 @@ void TellAnimationDamage(ModelReader& reader, const std::string& path, std::stri
 /// Finds the data of `animation` (called `name`) for all its frames, of which there is at least one, and checks every
 /// record and run that playing them will touch. Nothing, told as damage, if something does not fit. Loads the block
 /// file if it is needed. Takes time in step with the frames and bones of the animation.
-std::optional<CheckedAnimation> CheckAnimation(ModelReader& reader, const core::Record<StudioAnimDesc>& animation,
-                                               std::string_view name);
+[[nodiscard]] std::optional<CheckedAnimation> CheckAnimation(ModelReader& reader,
+                                                             const core::Record<StudioAnimDesc>& animation,
+                                                             std::string_view name);
 
 }  // namespace tarnwick::model

@@ -27,16 +27,16 @@ struct AnimRecord {
 
 /// The run stream of axis 0 to 2 whose offsets stand at `triple`; nothing if the axis has no runs or if the offsets do
 /// not lie inside the image.
-std::optional<RunStream> RunsOfAxis(const core::ImageView& image, int64_t triple, int axis);
+[[nodiscard]] std::optional<RunStream> RunsOfAxis(const core::ImageView& image, int64_t triple, int axis);
 
 /// The record at `data`; nothing if it does not lie inside its file.
-std::optional<AnimRecord> AnimRecordAt(const AnimData& data);
+[[nodiscard]] std::optional<AnimRecord> AnimRecordAt(const AnimData& data);
 /// The record behind `record` in its chain; nothing at the chain's end and outside the file.
-std::optional<AnimRecord> NextAnimRecord(const AnimRecord& record);
+[[nodiscard]] std::optional<AnimRecord> NextAnimRecord(const AnimRecord& record);
 
 /// The number of the section that holds `frame`, which becomes the frame within that section. 0, and `frame` stays, for
 /// an animation without sections. The last frame of an animation longer than a section has a section of its own, and
 /// one number before it stays free.
-int64_t SectionOfFrame(const StudioAnimDesc& animation, int32_t& frame);
+[[nodiscard]] int64_t SectionOfFrame(const StudioAnimDesc& animation, int32_t& frame);
 
 }  // namespace tarnwick::model

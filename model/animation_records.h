@@ -192,6 +192,7 @@ static_assert(offsetof(StudioSeqDesc, BlendCount) == 0x38 && offsetof(StudioSeqD
 static_assert(offsetof(StudioSeqDesc, PoseParameter) == 0x4C && offsetof(StudioSeqDesc, EntryNode) == 0x70);
 static_assert(offsetof(StudioSeqDesc, PoseKeyOffset) == 0xA0 && sizeof(StudioSeqDesc) == 212);
 
+/// What happens at one moment of a sequence: a sound, a muzzle flash, a footstep.
 struct StudioEvent {
   float Cycle;         // 0x00 position in the sequence, 0 to 1
   int32_t Event;       // 0x04 number, 0 if it goes by name

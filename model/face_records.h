@@ -10,11 +10,13 @@ namespace tarnwick::model {
 // The records of an .mdl file that hold a face: flexes, their controllers and rules, eyes and mouths.
 #pragma pack(push, 1)
 
+/// The name of one movement of the face, such as the rise of a lid. Flexes, rules and lids go by its number.
 struct StudioFlexDesc {
   int32_t NameOffset;  // 0x00
 };
 static_assert(sizeof(StudioFlexDesc) == 4);
 
+/// A slider that moves the face, as the game and its tools see it.
 struct StudioFlexController {
   int32_t TypeOffset;  // 0x00 string
   int32_t NameOffset;  // 0x04 string
@@ -24,6 +26,7 @@ struct StudioFlexController {
 };
 static_assert(sizeof(StudioFlexController) == 20);
 
+/// The formula that gives a flex descriptor its value: a small stack program.
 struct StudioFlexRule {
   int32_t FlexDesc;  // 0x00 descriptor that the rule drives
   int32_t OpCount;   // 0x04
@@ -31,6 +34,7 @@ struct StudioFlexRule {
 };
 static_assert(sizeof(StudioFlexRule) == 12);
 
+/// One step of a rule.
 struct StudioFlexOp {
   int32_t Op;       // 0x00
   int32_t Operand;  // 0x04 an index, or the bits of a float
@@ -72,6 +76,7 @@ inline constexpr uint8_t VertAnimWrinkle = 1;
 static_assert(offsetof(StudioFlex, VertAnimKind) == 0x20);
 static_assert(offsetof(StudioFlex, VertAnimCount) == 0x14 && sizeof(StudioFlex) == 60);
 
+/// Where one vertex moves under a flex that is fully on.
 struct StudioVertAnim {
   int16_t Vertex;             // 0x00 within the mesh
   uint8_t Speed;              // 0x02
@@ -88,6 +93,7 @@ struct StudioWrinkleVertAnim {
 };
 static_assert(sizeof(StudioWrinkleVertAnim) == 18);
 
+/// An eye: where it sits, the material that is drawn on it, and the lids that follow it.
 struct StudioEyeball {
   int32_t NameOffset;   // 0x00
   int32_t Bone;         // 0x04
@@ -111,6 +117,7 @@ struct StudioEyeball {
 static_assert(offsetof(StudioEyeball, Texture) == 0x38 && offsetof(StudioEyeball, UpperTarget) == 0x5C);
 static_assert(offsetof(StudioEyeball, UpperLidFlexDesc) == 0x74 && sizeof(StudioEyeball) == 172);
 
+/// A mouth that opens by the sound of speech.
 struct StudioMouth {
   int32_t Bone;      // 0x00
   Vec3 Forward;      // 0x04

@@ -67,11 +67,11 @@ struct LoadedModel {
 };
 
 /// The whole .mdl file at `path`; nothing if it cannot be read.
-std::optional<core::FileImage> LoadModelFile(const std::string& path, std::string* reason = nullptr);
+[[nodiscard]] std::optional<core::FileImage> LoadModelFile(const std::string& path, std::string* reason = nullptr);
 /// The whole .vtx file at `path`; nothing if it cannot be read.
-std::optional<core::FileImage> LoadVtxFile(const std::string& path, std::string* reason = nullptr);
+[[nodiscard]] std::optional<core::FileImage> LoadVtxFile(const std::string& path, std::string* reason = nullptr);
 
 /// The name of texture number `index`, which must be a record inside the file; nothing (not told) otherwise.
-std::optional<std::string_view> TextureName(const LoadedModel& model, int64_t index);
+[[nodiscard]] std::optional<std::string_view> TextureName(const LoadedModel& model, int64_t index);
 
 }  // namespace tarnwick::model

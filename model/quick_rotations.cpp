@@ -9,17 +9,7 @@
 
 #include "model/bone_math.h"
 
-// The loops over lanes have no branches, so that the compiler makes vector code of them; this file is compiled with
-// options that let it.
-
-#if defined(__x86_64__) && defined(__linux__) && defined(__GNUC__) && !defined(__clang__) && \
-    !defined(__SANITIZE_THREAD__)
-// Chosen when the program is loaded, by what the processor has: before the thread sanitizer has started, which the
-// choosing function would call.
-#define TARNWICK_VECTOR_CLONES __attribute__((target_clones("arch=x86-64-v4", "arch=x86-64-v3", "default")))
-#else
-#define TARNWICK_VECTOR_CLONES
-#endif
+// The loops over lanes have no branches, so that the compiler makes vector code of them; core/vector_code.h tells how.
 
 namespace tarnwick::model {
 
@@ -57,7 +47,7 @@ constexpr double Shifter = 0x1.8p52;
 
 /// A polynomial of `x`, the coefficient of the lowest power first.
 template <size_t Count>
-inline double Polynomial(const double (&coefficients)[Count], double x) {
+TARNWICK_INLINE double Polynomial(const double (&coefficients)[Count], double x) {
   double sum = coefficients[Count - 1];
   for (size_t i = Count - 1; i-- > 0;) sum = sum * x + coefficients[i];
   return sum;
@@ -78,26 +68,26 @@ constexpr double ArctangentSeries[] = {
     0x1.3b068ef5338d6p-4,  -0x1.105e408d1e279p-4, 0x1.d5eb9735a2e2dp-5,  -0x1.6f464b98d5578p-5, 0x1.74be7fd7bcc3ap-6};
 constexpr double TanEighthPi = 0.41421356237309503;
 
-inline uint64_t Bits(double value) {
+TARNWICK_INLINE uint64_t Bits(double value) {
   return std::bit_cast<uint64_t>(value);
 }
 
 /// `value` as a float; `doubt` is raised if not every value within `error` (relative) is stored as the same float.
-inline float Round(double value, double error, float& doubt) {
+TARNWICK_INLINE float Round(double value, double error, float& doubt) {
   const auto low = static_cast<float>(value * (1 - error)), high = static_cast<float>(value * (1 + error));
   doubt += low == high ? 0.0f : 1.0f;  // also for not-a-numbers
   return high;
 }
 
 /// left + right, each of which is right to SingleError.
-inline float RoundSum(double left, double right, float& doubt) {
+TARNWICK_INLINE float RoundSum(double left, double right, float& doubt) {
   const double sum = left + right;
   doubt += std::fabs(sum) * 256 >= std::fabs(left) + std::fabs(right) ? 0.0f : 1.0f;
   return Round(sum, BalancedError, doubt);
 }
 
 /// For |x| up to 6.
-inline SinCos SinCosOf(double x, float& doubt) {
+TARNWICK_INLINE SinCos SinCosOf(double x, float& doubt) {
   doubt += std::fabs(x) <= 6 ? 0.0f : 1.0f;
   const double shifted = x * (1 / HalfPi) + Shifter;
   const uint64_t quarter = Bits(shifted);
@@ -115,7 +105,7 @@ inline SinCos SinCosOf(double x, float& doubt) {
 }
 
 /// atan2(y, x) in degrees. `y` and `x` are floats.
-inline float Degrees(double y, double x, float& doubt) {
+TARNWICK_INLINE float Degrees(double y, double x, float& doubt) {
   const double ay = std::fabs(y), ax = std::fabs(x);
   const bool steep = ay > ax;
   const double a = steep ? ax : ay, b = steep ? ay : ax;
@@ -130,8 +120,8 @@ inline float Degrees(double y, double x, float& doubt) {
   return Round(std::copysign(angle, y) * RadiansToDegrees, SingleError, doubt);
 }
 
-TARNWICK_VECTOR_CLONES
-void EulerToQuatLanes(const EulerLanes& __restrict e, QuatLanes& __restrict q, DoubtLanes& __restrict doubts) {
+TARNWICK_INLINE void EulerToQuatLanes(const EulerLanes& __restrict e, QuatLanes& __restrict q,
+                                      DoubtLanes& __restrict doubts) {
   for (size_t i = 0; i < Lanes; ++i) {
     float doubt = 0;
     const SinCos r = SinCosOf(e.X[i] * 0.5, doubt);
@@ -147,8 +137,8 @@ void EulerToQuatLanes(const EulerLanes& __restrict e, QuatLanes& __restrict q, D
   }
 }
 
-TARNWICK_VECTOR_CLONES
-void QuatToEulerLanes(const QuatLanes& __restrict q, EulerLanes& __restrict e, DoubtLanes& __restrict doubts) {
+TARNWICK_INLINE void QuatToEulerLanes(const QuatLanes& __restrict q, EulerLanes& __restrict e,
+                                      DoubtLanes& __restrict doubts) {
   for (size_t i = 0; i < Lanes; ++i) {
     float doubt = 0;
     const double x = q.X[i], y = q.Y[i], z = q.Z[i], w = q.W[i];
@@ -168,9 +158,37 @@ void QuatToEulerLanes(const QuatLanes& __restrict q, EulerLanes& __restrict e, D
   }
 }
 
+void EulerToQuatPlain(const EulerLanes& e, QuatLanes& q, DoubtLanes& doubts) {
+  EulerToQuatLanes(e, q, doubts);
+}
+TARNWICK_AVX2 void EulerToQuatAvx2(const EulerLanes& e, QuatLanes& q, DoubtLanes& doubts) {
+  EulerToQuatLanes(e, q, doubts);
+}
+TARNWICK_AVX512 void EulerToQuatAvx512(const EulerLanes& e, QuatLanes& q, DoubtLanes& doubts) {
+  EulerToQuatLanes(e, q, doubts);
+}
+
+void QuatToEulerPlain(const QuatLanes& q, EulerLanes& e, DoubtLanes& doubts) {
+  QuatToEulerLanes(q, e, doubts);
+}
+TARNWICK_AVX2 void QuatToEulerAvx2(const QuatLanes& q, EulerLanes& e, DoubtLanes& doubts) {
+  QuatToEulerLanes(q, e, doubts);
+}
+TARNWICK_AVX512 void QuatToEulerAvx512(const QuatLanes& q, EulerLanes& e, DoubtLanes& doubts) {
+  QuatToEulerLanes(q, e, doubts);
+}
+
+/// The form of a function for `level`.
+template <typename Function>
+Function* Pick(core::VectorLevel level, Function* plain, Function* avx2, Function* avx512) {
+  if (level >= core::VectorLevel::Avx512) return avx512;
+  return level >= core::VectorLevel::Avx2 ? avx2 : plain;
+}
+
 }  // namespace
 
-void QuickEulerToQuat(std::span<const EulerAngles> angles, std::span<Quat> result) {
+void QuickEulerToQuat(std::span<const EulerAngles> angles, std::span<Quat> result, core::VectorLevel level) {
+  const auto lanes = Pick(level, EulerToQuatPlain, EulerToQuatAvx2, EulerToQuatAvx512);
   for (size_t first = 0; first < angles.size(); first += Lanes) {
     const size_t count = std::min(Lanes, angles.size() - first);
     EulerLanes e{};
@@ -180,7 +198,7 @@ void QuickEulerToQuat(std::span<const EulerAngles> angles, std::span<Quat> resul
     }
     QuatLanes q;
     DoubtLanes doubts;
-    EulerToQuatLanes(e, q, doubts);
+    lanes(e, q, doubts);
     for (size_t i = 0; i < count; ++i) {
       result[first + i] = {q.X[i], q.Y[i], q.Z[i], q.W[i]};
       if (doubts.Value[i] != 0) EulerToQuat(angles[first + i], result[first + i]);
@@ -188,7 +206,8 @@ void QuickEulerToQuat(std::span<const EulerAngles> angles, std::span<Quat> resul
   }
 }
 
-void QuickQuatToEuler(std::span<const Quat> rotations, std::span<EulerAngles> result) {
+void QuickQuatToEuler(std::span<const Quat> rotations, std::span<EulerAngles> result, core::VectorLevel level) {
+  const auto lanes = Pick(level, QuatToEulerPlain, QuatToEulerAvx2, QuatToEulerAvx512);
   for (size_t first = 0; first < rotations.size(); first += Lanes) {
     const size_t count = std::min(Lanes, rotations.size() - first);
     QuatLanes q{};
@@ -198,7 +217,7 @@ void QuickQuatToEuler(std::span<const Quat> rotations, std::span<EulerAngles> re
     }
     EulerLanes e;
     DoubtLanes doubts;
-    QuatToEulerLanes(q, e, doubts);
+    lanes(q, e, doubts);
     for (size_t i = 0; i < count; ++i) {
       result[first + i] = {e.X[i], e.Y[i], e.Z[i]};
       if (doubts.Value[i] != 0) QuatToEuler(rotations[first + i], result[first + i]);

@@ -10,6 +10,7 @@ namespace tarnwick::model {
 // The records of an .mdl file that become plain statements of the QC script.
 #pragma pack(push, 1)
 
+/// A value that steers sequences of several animations, such as the direction of a walk.
 struct StudioPoseParameter {
   int32_t NameOffset;  // 0x00
   int32_t Flags;       // 0x04 PoseParameterFlag bits
@@ -20,6 +21,7 @@ struct StudioPoseParameter {
 inline constexpr int32_t PoseParameterFlagLoop = 1;
 static_assert(sizeof(StudioPoseParameter) == 20);
 
+/// A named set of hit boxes; the game uses one at a time.
 struct StudioHitboxSet {
   int32_t NameOffset;    // 0x00
   int32_t HitboxCount;   // 0x04
@@ -27,6 +29,7 @@ struct StudioHitboxSet {
 };
 static_assert(sizeof(StudioHitboxSet) == 12);
 
+/// A box in a bone's space in which shots hit.
 struct StudioHitbox {
   int32_t Bone;        // 0x00
   int32_t Group;       // 0x04
@@ -37,6 +40,7 @@ struct StudioHitbox {
 };
 static_assert(offsetof(StudioHitbox, NameOffset) == 0x20 && sizeof(StudioHitbox) == 68);
 
+/// A named place on a bone, for things that are held and for effects.
 struct StudioAttachment {
   int32_t NameOffset;   // 0x00
   uint32_t Flags;       // 0x04
@@ -46,12 +50,14 @@ struct StudioAttachment {
 };
 static_assert(offsetof(StudioAttachment, Placement) == 0x0C && sizeof(StudioAttachment) == 92);
 
+/// Another model whose sequences this one uses.
 struct StudioIncludeModel {
   int32_t LabelOffset;  // 0x00
   int32_t NameOffset;   // 0x04 file name
 };
 static_assert(sizeof(StudioIncludeModel) == 8);
 
+/// A limb whose end can be held in place: three bones, by its links.
 struct StudioIkChain {
   int32_t NameOffset;  // 0x00
   int32_t Type;        // 0x04
@@ -60,6 +66,7 @@ struct StudioIkChain {
 };
 static_assert(sizeof(StudioIkChain) == 16);
 
+/// One bone of a limb.
 struct StudioIkLink {
   int32_t Bone;        // 0x00
   Vec3 KneeDirection;  // 0x04

@@ -15,8 +15,8 @@ using PoseValues = std::array<float, 10>;
 
 /// The animation at blend position (`x`, `y`) of `sequence`, clamped to the columns and rows: an index into the
 /// animation table, 0 for a number that the table does not hold. Nothing if the blend table does not hold the entry.
-std::optional<int64_t> BlendAnimation(const LoadedModel& model, const core::Record<StudioSeqDesc>& sequence, int64_t x,
-                                      int64_t y);
+[[nodiscard]] std::optional<int64_t> BlendAnimation(const LoadedModel& model,
+                                                    const core::Record<StudioSeqDesc>& sequence, int64_t x, int64_t y);
 
 /// Frames per second of `sequence` at these pose values: the rates of the four animations round the blend position,
 /// each by its weight.

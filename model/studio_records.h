@@ -167,12 +167,14 @@ inline constexpr uint32_t BoneFlagFixedAlignment = 0x100000;
 static_assert(offsetof(StudioBone, Rotation) == 0x2C && offsetof(StudioBone, PoseToBone) == 0x60);
 static_assert(offsetof(StudioBone, Flags) == 0xA0 && sizeof(StudioBone) == 216);
 
+/// A material that meshes and skins go by the number of.
 struct StudioTexture {
   int32_t NameOffset;  // 0x00 material name, without extension
   char Unread04[0x40 - 0x04];
 };
 static_assert(sizeof(StudioTexture) == 64);
 
+/// A choice among models, one of which is shown; most bodies have one part of one model.
 struct StudioBodyPart {
   int32_t NameOffset;   // 0x00
   int32_t ModelCount;   // 0x04
@@ -181,6 +183,7 @@ struct StudioBodyPart {
 };
 static_assert(sizeof(StudioBodyPart) == 16);
 
+/// What a body part can show: meshes, one for each material, and eyes.
 struct StudioModel {
   char Name[64];  // 0x00 usually the source file's name, possibly empty
   char Unread40[0x48 - 0x40];
@@ -199,6 +202,7 @@ struct StudioModel {
 static_assert(offsetof(StudioModel, MeshCount) == 0x48 && offsetof(StudioModel, EyeballCount) == 0x64);
 static_assert(sizeof(StudioModel) == 148);
 
+/// All triangles of a model that wear one material. The vertices stand in the .vvd file, the triangles in the .vtx.
 struct StudioMesh {
   int32_t Material;     // 0x00 index of a StudioTexture
   int32_t ModelOffset;  // 0x04 back to the owning StudioModel (negative)

@@ -15,14 +15,16 @@ struct MeshVertexData {
 /// The vertex image of the reader's model: the .vvd file beside it, its vertices put in order if the file has fix-ups.
 /// Read once, at the first call. Nothing if there is no such file or its tables are damaged; the log then says
 /// so, once.
-const VertexImage* LoadVvdFile(ModelReader& reader);
+[[nodiscard]] const VertexImage* LoadVvdFile(ModelReader& reader);
 
 /// Access to the vertices of `mesh`, whose owner is found through its back offset. Nothing if there is no vertex image,
 /// if the image's id or its vertex offset says that it holds none, or if the owner lies outside the file.
-std::optional<MeshVertexData> GetMeshVertexData(ModelReader& reader, const core::Record<StudioMesh>& mesh);
+[[nodiscard]] std::optional<MeshVertexData> GetMeshVertexData(ModelReader& reader,
+                                                              const core::Record<StudioMesh>& mesh);
 
 /// Access to the vertices of a whole model; as GetMeshVertexData.
-std::optional<MeshVertexData> GetModelVertexData(ModelReader& reader, const core::Record<StudioModel>& model);
+[[nodiscard]] std::optional<MeshVertexData> GetModelVertexData(ModelReader& reader,
+                                                               const core::Record<StudioModel>& model);
 
 /// The mesh's vertex `index`; nothing if the image holds no such vertex.
 inline const VvdVertex* GetMeshVertex(const MeshVertexData& data, int64_t index) {

@@ -25,10 +25,11 @@ VtxLayout LayoutOfVersion(int32_t version);
 VtxLayout FindVtxLayout(ModelReader& reader);
 
 /// Strip group number `index` of `mesh`; nothing if it does not lie inside the file.
-std::optional<core::Record<VtxStripGroup>> StripGroupAt(const core::ImageView& vtx, const VtxLayout& layout,
-                                                        const core::Record<VtxMesh>& mesh, int64_t index);
+[[nodiscard]] std::optional<core::Record<VtxStripGroup>> StripGroupAt(const core::ImageView& vtx,
+                                                                      const VtxLayout& layout,
+                                                                      const core::Record<VtxMesh>& mesh, int64_t index);
 /// Strip number `index` of `group`; nothing if it does not lie inside the file.
-std::optional<core::Record<VtxStrip>> StripAt(const core::ImageView& vtx, const VtxLayout& layout,
-                                              const core::Record<VtxStripGroup>& group, int64_t index);
+[[nodiscard]] std::optional<core::Record<VtxStrip>> StripAt(const core::ImageView& vtx, const VtxLayout& layout,
+                                                            const core::Record<VtxStripGroup>& group, int64_t index);
 
 }  // namespace tarnwick::model

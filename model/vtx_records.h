@@ -10,6 +10,7 @@ namespace tarnwick::model {
 // sizes; strip groups and strips come in more than one size (see vtx_layout.h), the fields below stand in all of them.
 #pragma pack(push, 1)
 
+/// At the start of a .vtx file.
 struct VtxHeader {
   int32_t Version;  // 0x00 up to 7
   char Unread04[0x10 - 0x04];
@@ -21,18 +22,21 @@ struct VtxHeader {
 };
 static_assert(offsetof(VtxHeader, LodCount) == 0x14 && sizeof(VtxHeader) == 0x24);
 
+/// The triangles of a StudioBodyPart; this record and those below it stand in the order of the .mdl file.
 struct VtxBodyPart {
   int32_t ModelCount;   // 0x00
   int32_t ModelOffset;  // 0x04 VtxModel
 };
 static_assert(sizeof(VtxBodyPart) == 8);
 
+/// The triangles of a StudioModel.
 struct VtxModel {
   int32_t LodCount;   // 0x00
   int32_t LodOffset;  // 0x04 VtxModelLod
 };
 static_assert(sizeof(VtxModel) == 8);
 
+/// One level of detail of a model.
 struct VtxModelLod {
   int32_t MeshCount;     // 0x00
   int32_t MeshOffset;    // 0x04 VtxMesh
@@ -40,6 +44,7 @@ struct VtxModelLod {
 };
 static_assert(sizeof(VtxModelLod) == 12);
 
+/// The triangles of a StudioMesh at one level of detail.
 struct VtxMesh {
   int32_t StripGroupCount;   // 0x00
   int32_t StripGroupOffset;  // 0x04 VtxStripGroup
@@ -73,6 +78,7 @@ struct VtxStrip {
 inline constexpr uint8_t StripFlagTriangleStrip = 0x2;
 static_assert(offsetof(VtxStrip, Flags) == 0x12 && sizeof(VtxStrip) == 27);
 
+/// A vertex that the indices of a strip group name: which one of its mesh, and the bones that the hardware needs.
 struct VtxVertex {
   uint8_t BoneWeightIndex[3];  // 0x00
   uint8_t BoneCount;           // 0x03

@@ -10,6 +10,7 @@ namespace tarnwick::model {
 // The records of a .vvd file: the vertices of a model. Offsets count from the file's start.
 #pragma pack(push, 1)
 
+/// At the start of a .vvd file.
 struct VvdHeader {
   uint32_t Id;                // 0x00 "IDSV"
   int32_t Version;            // 0x04
@@ -32,6 +33,7 @@ struct VvdFixup {
 };
 static_assert(sizeof(VvdFixup) == 12);
 
+/// One vertex. Those of all models stand in one table, a model behind the other.
 struct VvdVertex {
   float Weights[3];     // 0x00
   uint8_t Bones[3];     // 0x0C bone of each weight

@@ -27,23 +27,32 @@ struct Comparison {
   void Try(const EulerAngles& e) { Angles.push_back(e); }
   void Try(const Quat& q) { Rotations.push_back(q); }
 
+  /// At every level of vector code that this machine has.
   int Differences() {
-    std::vector<Quat> turned(Angles.size());
-    QuickEulerToQuat(Angles, turned);
-    int count = 0;
-    for (size_t i = 0; i < Angles.size(); ++i) {
-      Quat plain;
-      EulerToQuat(Angles[i], plain);
-      count += !SameBits(plain, turned[i]);
-      Try(plain);
-    }
+    std::vector<Quat> quats(Angles.size());
+    for (size_t i = 0; i < Angles.size(); ++i) EulerToQuat(Angles[i], quats[i]);
+    Rotations.insert(Rotations.end(), quats.begin(), quats.end());
     std::vector<EulerAngles> angles(Rotations.size());
-    QuickQuatToEuler(Rotations, angles);
-    for (size_t i = 0; i < Rotations.size(); ++i) {
-      EulerAngles plain;
-      QuatToEuler(Rotations[i], plain);
-      count += !SameBits(plain, angles[i]);
+    for (size_t i = 0; i < Rotations.size(); ++i) QuatToEuler(Rotations[i], angles[i]);
+
+    int count = 0;
+    for (const auto level : {core::VectorLevel::Plain, core::VectorLevel::Avx2, core::VectorLevel::Avx512}) {
+      if (!core::HasVectors(level)) continue;
+      std::vector<Quat> quickQuats(quats.size());
+      QuickEulerToQuat(Angles, quickQuats, level);
+      count += CountDifferences(quats, quickQuats);
+      std::vector<EulerAngles> quickAngles(angles.size());
+      QuickQuatToEuler(Rotations, quickAngles, level);
+      count += CountDifferences(angles, quickAngles);
     }
+    return count;
+  }
+
+ private:
+  template <typename T>
+  static int CountDifferences(const std::vector<T>& plain, const std::vector<T>& quick) {
+    int count = 0;
+    for (size_t i = 0; i < plain.size(); ++i) count += !SameBits(plain[i], quick[i]);
     return count;
   }
 };
