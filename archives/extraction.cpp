@@ -117,13 +117,11 @@ class Run {
   }
 
   void Tell(core::TroubleKind kind, const std::string& name, const std::string& reason) {
-    const std::string printable = PrintableName(name);
     m_sink.Tell({.Level = core::Severity::Error,
                  .Kind = kind,
                  .File = name,
-                 .Offset = std::nullopt,
-                 .Text = printable + ": " + PrintableName(reason),
-                 .Caption = {}});
+                 .Text = PrintableName(name + ": " + reason),
+                 .Alike = PrintableName(reason)});
   }
 
   const Archive& m_archive;

@@ -82,6 +82,16 @@ std::optional<uint32_t> FileTable::AddFolder(std::string_view folder) {
 }
 
 bool FileTable::Add(uint32_t folder, std::string_view stem, std::string_view extension, const FilePlace& place) {
+  constexpr std::string_view Slashes = "/\\";
+  if (stem.find_first_of(Slashes) != std::string_view::npos ||
+      extension.find_first_of(Slashes) != std::string_view::npos) {
+    // No last part after all: it is found by the folder that its whole name has.
+    std::string name(Folder(folder));
+    if (!name.empty()) name += '/';
+    name += stem;
+    if (!extension.empty()) (name += '.') += extension;
+    return Add(name, place);
+  }
   const size_t size = stem.size() + (extension.empty() ? 0 : extension.size() + 1);
   if (size > LongestName || m_text.size() + size > MostNameBytes || m_files.size() >= MostFiles) return false;
   const auto text = static_cast<uint32_t>(m_text.size());

@@ -29,7 +29,8 @@ inline constexpr size_t LongestName = 1023;  // bytes of a file's name, of its f
 inline constexpr size_t MostNameBytes = size_t{512} << 20;
 
 /// The names and places of an archive's files, in the order of the archive: about 75 bytes a file. A name is folder and
-/// last part; equal folders are kept once, names are found by a hash, without regard to ASCII case and slash.
+/// last part, which has no slash; equal folders are kept once, names are found by a hash, without regard to ASCII case
+/// and slash.
 class FileTable {
  public:
   /// The number of a folder ("" for the root), for `Add`. Nothing if the table is full.

@@ -25,7 +25,7 @@ uint64_t FoldWord(uint64_t word) {
 
 uint64_t WordAt(const char* text, size_t size) {
   uint64_t word = 0;
-  std::memcpy(&word, text, size);
+  if (size > 0) std::memcpy(&word, text, size);  // an empty text may have no place
   return FoldWord(word);
 }
 

@@ -135,9 +135,7 @@ void GameFiles::AddArchive(const std::string& path, core::TroubleSink& sink) {
     sink.Tell({.Level = core::Severity::Warning,
                .Kind = core::TroubleKind::Damaged,
                .File = *existing,
-               .Offset = std::nullopt,
-               .Text = *existing + ": " + reason + "; its files are not found",
-               .Caption = {}});
+               .Text = *existing + ": " + reason + "; its files are not found"});
     return;
   }
   m_places.emplace_back(std::move(archive));

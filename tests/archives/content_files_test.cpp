@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "archive_builder.h"
-#include "recorded_troubles.h"
+#include "support/recording_report.h"
 #include "support/scratch_folder.h"
 
 namespace tarnwick::archives {
@@ -40,11 +40,11 @@ class ContentFilesTest : public testing::Test {
   }
 
   tests::ScratchFolder m_folder;
-  tests::RecordedTroubles m_troubles;
+  tests::RecordingReport m_report;
 };
 
 TEST_F(ContentFilesTest, ReadsEveryKindOfName) {
-  const ContentFiles files(m_folder.Path("mod"), m_troubles);
+  const ContentFiles files(m_folder.Path("mod"), m_report);
   const std::string addon = m_folder.Path("addon.gma");
   EXPECT_EQ(Text(files, m_folder.Path("loose.mdl")), "loose");
   EXPECT_EQ(Text(files, addon + ":Models\\CRATE.mdl"), "addon mdl");
@@ -53,12 +53,12 @@ TEST_F(ContentFilesTest, ReadsEveryKindOfName) {
   EXPECT_EQ(Text(files, addon + ":models/none.mdl"), "the archive has no such file");
   EXPECT_EQ(Text(files, "game:none.mdl"), "no place of the game has it");
   EXPECT_THAT(Text(files, m_folder.Path("none.vpk") + ":a"), HasSubstr("none.vpk: "));
-  EXPECT_EQ(Text(ContentFiles("", m_troubles), "game:a"), "no game directory is known");
+  EXPECT_EQ(Text(ContentFiles("", m_report), "game:a"), "no game directory is known");
 }
 
 TEST_F(ContentFilesTest, CompanionsComeFromTheSameArchiveFirst) {
-  const ContentFiles files(m_folder.Path("mod"), m_troubles);
-  const ContentFiles noGame("", m_troubles);
+  const ContentFiles files(m_folder.Path("mod"), m_report);
+  const ContentFiles noGame("", m_report);
   const std::string addon = m_folder.Path("addon.gma");
   EXPECT_THAT(files.FindCompanion(addon + ":models/crate.vvd"), Optional(addon + ":models/Crate.VVD"));
   EXPECT_EQ(Text(files, *files.FindCompanion(addon + ":models/shared.ani")), "game ani");
@@ -70,7 +70,7 @@ TEST_F(ContentFilesTest, CompanionsComeFromTheSameArchiveFirst) {
 }
 
 TEST_F(ContentFilesTest, ListsFoldersInsideArchivesAndGames) {
-  const ContentFiles files(m_folder.Path("mod"), m_troubles);
+  const ContentFiles files(m_folder.Path("mod"), m_report);
   const std::string addon = m_folder.Path("addon.gma");
   std::string reason;
   EXPECT_THAT(files.FilesIn(addon, ".mdl", true, reason),

@@ -5,8 +5,9 @@
 #include <filesystem>
 
 #include "archive_builder.h"
-#include "recorded_troubles.h"
+#include "support/recording_report.h"
 #include "support/scratch_folder.h"
+#include "support/told_texts.h"
 
 namespace tarnwick::archives {
 namespace {
@@ -36,11 +37,11 @@ class ExtractionTest : public testing::Test {
   Extraction Extract(const std::vector<PackedFile>& files, const std::vector<std::string>& patterns = {},
                      bool packed = false) {
     const auto archive = Open(files, packed);
-    return ExtractFiles(*archive, ChooseFiles(*archive, patterns), m_folder.Path("out"), m_troubles, {}, {});
+    return ExtractFiles(*archive, ChooseFiles(*archive, patterns), m_folder.Path("out"), m_report, {}, {});
   }
 
   ScratchFolder m_folder;
-  tests::RecordedTroubles m_troubles;
+  tests::RecordingReport m_report;
 };
 
 TEST_F(ExtractionTest, KeepsFoldersAndChoosesByPattern) {
@@ -58,7 +59,7 @@ TEST_F(ExtractionTest, KeepsFoldersAndChoosesByPattern) {
     EXPECT_EQ(ReadText(m_folder.Path("out/materials/crate.vmt")), "");
     std::filesystem::remove_all(m_folder.Path("out"));
   }
-  EXPECT_THAT(m_troubles.All, IsEmpty());
+  EXPECT_THAT(m_report.Troubles, IsEmpty());
 }
 
 TEST_F(ExtractionTest, WritesNothingOutside) {
@@ -71,9 +72,9 @@ TEST_F(ExtractionTest, WritesNothingOutside) {
                                    {.Name = "good.txt", .Bytes = "good"}});
   EXPECT_EQ(done.Failed, 6u);
   EXPECT_THAT(m_folder.Files(), ElementsAre("a.gma", "out/good.txt"));
-  ASSERT_EQ(m_troubles.All.size(), 6u);
-  for (const core::Trouble& trouble : m_troubles.All) EXPECT_EQ(trouble.Kind, core::TroubleKind::Refused);
-  EXPECT_THAT(m_troubles.All[5].Text, HasSubstr("bell\\x07.txt: its name has a control byte"));
+  ASSERT_EQ(m_report.Troubles.size(), 6u);
+  for (const core::Trouble& trouble : m_report.Troubles) EXPECT_EQ(trouble.Kind, core::TroubleKind::Refused);
+  EXPECT_THAT(m_report.Troubles[5].Text, HasSubstr("bell\\x07.txt: its name has a control byte"));
 }
 
 #ifndef _WIN32
@@ -105,7 +106,7 @@ TEST_F(ExtractionTest, LeavesAnOlderFileWhereTheNewOneIsDamaged) {
   EXPECT_EQ(done.Failed, 1u);
   EXPECT_EQ(ReadText(m_folder.Path("out/a.txt")), "older");
   EXPECT_THAT(m_folder.Files(), ElementsAre("a.gma", "out/a.txt", "out/b.txt"));
-  EXPECT_THAT(m_troubles.Texts(), ElementsAre(HasSubstr("its CRC-32 is")));
+  EXPECT_THAT(tests::TextsOf(m_report, core::Severity::Error), ElementsAre(HasSubstr("its CRC-32 is")));
 }
 
 TEST_F(ExtractionTest, TakesTheFirstOfSeveralNamesThatDifferInCase) {
@@ -115,7 +116,8 @@ TEST_F(ExtractionTest, TakesTheFirstOfSeveralNamesThatDifferInCase) {
   EXPECT_EQ(done.Failed, 2u);
   EXPECT_THAT(m_folder.Files(), ElementsAre("a.gma", "out/Models/A.txt"));
   EXPECT_EQ(ReadText(m_folder.Path("out/Models/A.txt")), "first");
-  EXPECT_THAT(m_troubles.Texts(), UnorderedElementsAre(HasSubstr("an earlier file"), HasSubstr("an earlier file")));
+  EXPECT_THAT(tests::TextsOf(m_report, core::Severity::Error),
+              UnorderedElementsAre(HasSubstr("an earlier file"), HasSubstr("an earlier file")));
 }
 
 TEST_F(ExtractionTest, TellsWhatTheDiskRefuses) {
@@ -126,7 +128,7 @@ TEST_F(ExtractionTest, TellsWhatTheDiskRefuses) {
   EXPECT_EQ(done.Failed, 2u);
   WriteText(m_folder.Path("file"), "");
   const auto archive = Open({{.Name = "a.txt", .Bytes = "x"}});
-  done = ExtractFiles(*archive, {0}, m_folder.Path("file"), m_troubles, {}, {});
+  done = ExtractFiles(*archive, {0}, m_folder.Path("file"), m_report, {}, {});
   EXPECT_EQ(done.Failed, 1u);
 }
 
@@ -139,7 +141,7 @@ TEST_F(ExtractionTest, EndsBeforeTheNextFileWhenStopped) {
     begun.push_back(name);
     stop.request_stop();
   };
-  const Extraction done = ExtractFiles(*archive, {1, 0}, m_folder.Path("out"), m_troubles, stop.get_token(), progress);
+  const Extraction done = ExtractFiles(*archive, {1, 0}, m_folder.Path("out"), m_report, stop.get_token(), progress);
   EXPECT_TRUE(done.Stopped);
   EXPECT_THAT(begun, ElementsAre("a.txt"));
   EXPECT_THAT(m_folder.Files(), ElementsAre("a.gma", "out/a.txt"));
@@ -161,9 +163,9 @@ TEST_F(ExtractionTest, RefusesFilesThatShareTheSameBytes) {
   std::string reason;
   const auto archive = Archive::Open(m_folder.Path("x_dir.vpk"), reason);
   ASSERT_TRUE(archive) << reason;
-  const Extraction done = ExtractFiles(*archive, ChooseFiles(*archive, {}), m_folder.Path("out"), m_troubles, {}, {});
+  const Extraction done = ExtractFiles(*archive, ChooseFiles(*archive, {}), m_folder.Path("out"), m_report, {}, {});
   EXPECT_EQ(done.Failed, 3000u);
-  EXPECT_THAT(m_troubles.Texts(), ElementsAre(HasSubstr("they share the same bytes")));
+  EXPECT_THAT(tests::TextsOf(m_report, core::Severity::Error), ElementsAre(HasSubstr("they share the same bytes")));
 }
 
 }  // namespace

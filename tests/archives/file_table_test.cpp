@@ -82,6 +82,17 @@ TEST(FileTable, ListsFoldersWhateverTheirSpelling) {
   EXPECT_THAT(table.SortedByName(), ElementsAre(4, 1, 0, 2, 5, 3));
 }
 
+TEST(FileTable, FindsNamesWhosePartsHoldSlashes) {
+  FileTable table;
+  const uint32_t folder = *table.AddFolder("models");
+  ASSERT_TRUE(table.Add(folder, "props\\crate", "mdl", {}));
+  ASSERT_TRUE(table.Add(folder, "a", "b/c", {}));
+  ASSERT_TRUE(table.Add("models/props/crate.MDL", {}));
+  EXPECT_EQ(table.Find("models/props/crate.mdl"), 0u);
+  EXPECT_EQ(table.Find("models/a.b/c"), 1u);
+  EXPECT_FALSE(table.IsFirst(2));
+}
+
 TEST(FileTable, TakesOrdinaryMemoryAFile) {
   FileTable table;
   constexpr uint32_t Count = 200'000;

@@ -5,8 +5,9 @@
 #include <filesystem>
 
 #include "archive_builder.h"
-#include "recorded_troubles.h"
+#include "support/recording_report.h"
 #include "support/scratch_folder.h"
+#include "support/told_texts.h"
 
 namespace tarnwick::archives {
 namespace {
@@ -88,13 +89,13 @@ class GameFilesTest : public testing::Test {
 
   std::unique_ptr<GameFiles> Open() {
     std::string reason;
-    auto game = GameFiles::Open(m_folder.Path("mod"), m_troubles, reason);
+    auto game = GameFiles::Open(m_folder.Path("mod"), m_report, reason);
     EXPECT_TRUE(game) << reason;
     return game;
   }
 
   ScratchFolder m_folder;
-  tests::RecordedTroubles m_troubles;
+  tests::RecordingReport m_report;
 };
 
 TEST_F(GameFilesTest, TheFirstPlaceWins) {
@@ -107,7 +108,7 @@ TEST_F(GameFilesTest, TheFirstPlaceWins) {
   EXPECT_EQ(Text(*game, "z.txt"), "pak02");
   EXPECT_EQ(Text(*game, "base.txt"), "base");
   EXPECT_EQ(Text(*game, "none.txt"), "no place of the game has it");
-  EXPECT_THAT(m_troubles.All, IsEmpty());
+  EXPECT_THAT(m_report.Troubles, IsEmpty());
 }
 
 TEST_F(GameFilesTest, CaseAndSlashPlayNoPart) {
@@ -158,16 +159,17 @@ TEST_F(GameFilesTest, LooksIntoAllSpellingsOfAFolder) {
 TEST_F(GameFilesTest, TellsOfArchivesThatCannotBeOpened) {
   WriteText(m_folder.Path("mod/pak03_dir.vpk"), "no archive");
   const auto game = Open();
-  EXPECT_THAT(m_troubles.Texts(), ElementsAre(HasSubstr("pak03_dir.vpk: it is no VPK directory file")));
+  EXPECT_THAT(tests::TextsOf(m_report, core::Severity::Warning),
+              ElementsAre(HasSubstr("pak03_dir.vpk: it is no VPK directory file")));
   EXPECT_EQ(Text(*game, "z.txt"), "pak02");
 }
 
 TEST_F(GameFilesTest, TellsWhyThereIsNoGame) {
   std::string reason;
-  EXPECT_FALSE(GameFiles::Open(m_folder.Path("none"), m_troubles, reason));
+  EXPECT_FALSE(GameFiles::Open(m_folder.Path("none"), m_report, reason));
   EXPECT_THAT(reason, HasSubstr("gameinfo.txt: "));
   WriteText(m_folder.Path("mod/gameinfo.txt"), "GameInfo { }");
-  EXPECT_FALSE(GameFiles::Open(m_folder.Path("mod"), m_troubles, reason));
+  EXPECT_FALSE(GameFiles::Open(m_folder.Path("mod"), m_report, reason));
   EXPECT_THAT(reason, HasSubstr("no list"));
 }
 

@@ -1,0 +1,56 @@
+// Reads any bytes as keys and values and as a gameinfo.txt. What was read is written out, quoted, and read again, which
+// must change nothing.
+
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+
+#include "archives/game_info.h"
+#include "core/key_values.h"
+
+using namespace tarnwick;
+
+namespace {
+
+void Write(const std::vector<core::KeyValue>& keys, std::string& text) {
+  for (const core::KeyValue& key : keys) {
+    text += '"' + key.Key + '"';
+    if (key.IsBlock) {
+      text += key.Condition + "{";
+      Write(key.Children, text);
+      text += '}';
+    } else {
+      text += '"' + key.Value + '"' + key.Condition + '\n';
+    }
+  }
+}
+
+bool Same(const std::vector<core::KeyValue>& a, const std::vector<core::KeyValue>& b) {
+  if (a.size() != b.size()) return false;
+  for (size_t i = 0; i < a.size(); ++i) {
+    if (a[i].Key != b[i].Key || a[i].Value != b[i].Value || a[i].Condition != b[i].Condition) return false;
+    if (a[i].IsBlock != b[i].IsBlock || !Same(a[i].Children, b[i].Children)) return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  const std::string_view text(reinterpret_cast<const char*>(data), size);
+  const core::KeyValues keys = core::ReadKeyValues(text);
+  if (keys.Error.empty()) {
+    std::string again;
+    Write(keys.Roots, again);
+    // A value in brackets may hold quotes, which cannot be written.
+    if (text.find('[') == std::string_view::npos) {
+      const core::KeyValues second = core::ReadKeyValues(again);
+      if (!second.Error.empty() || !Same(keys.Roots, second.Roots)) std::abort();
+    }
+  }
+  std::string reason;
+  const auto paths = archives::ReadSearchPaths(text, "/games/mod", reason);
+  if (!paths && reason.empty()) std::abort();
+  for (const core::KeyValue& key : keys.Roots) core::ConditionHolds(key.Condition);
+  return 0;
+}
