@@ -3,10 +3,13 @@
 #include <filesystem>
 #include <optional>
 
+#include "core/file_image.h"
 #include "core/output_file.h"
 #include "core/paths.h"
 #include "images/image_format.h"
 #include "images/tga_path.h"
+#include "textures/dds_writer.h"
+#include "textures/tga_reader.h"
 
 namespace tarnwick::images {
 
@@ -43,6 +46,24 @@ void ReportFailure(core::TroubleKind kind, const std::string& source, const std:
                .Alike = reason});
 }
 
+/// Tells what is to be known of a conversion that went well.
+void TellDoubts(const WorkerRequest& request, const WorkerAnswer& answer, bool lineOpen, core::Report& report) {
+  const auto warn = [&](core::TroubleKind kind, const std::string& file, const std::string& text) {
+    report.Log((lineOpen ? "\r\n" : "") + std::string("WARNING, ") + text + "\r\n");
+    lineOpen = false;
+    report.Tell({.Level = core::Severity::Warning, .Kind = kind, .File = file, .Text = text});
+  };
+  const std::string name(ImageFileName(request.Source));
+  if (!answer.Doubt.empty()) {
+    warn(core::TroubleKind::Damaged, request.Source, name + " is used though it is damaged: " + answer.Doubt);
+  }
+  if (!request.Alpha.empty() && !answer.AlphaReplaced) {
+    warn(core::TroubleKind::Unreadable, request.Alpha,
+         "the alpha channel of " + name + " stays, for " + std::string(ImageFileName(request.Alpha)) +
+             " was not used: " + answer.AlphaReason);
+  }
+}
+
 /// The directory that `path` lies in, if it does not exist and may be made.
 bool CreateDirectoryOf(const std::string& path, const ConversionContext& context, std::string& reason) {
   const fs::path directory = core::NativePath(path).parent_path();
@@ -57,7 +78,28 @@ bool CreateDirectoryOf(const std::string& path, const ConversionContext& context
   return !error;
 }
 
-/// Runs the worker on `request` and gives its result the name `destination`. On failure everything is told.
+/// Writes the TGA file at `tga` as a DDS file.
+WorkerAnswer TgaToDds(const std::string& tga, core::OutputFile& output) {
+  WorkerAnswer answer;
+  const auto file = core::FileImage::Read(tga, &answer.Reason);
+  if (!file) {
+    answer.Reason = "the file cannot be opened: " + answer.Reason;
+    return answer;
+  }
+  const auto picture = textures::ReadTga(file->View(), answer.Reason);
+  answer.Done = picture && textures::WriteDds(*picture, [&](std::string_view bytes) { return output.Write(bytes); });
+  if (picture && !answer.Done) answer.Reason = output.Error();
+  return answer;
+}
+
+/// Does what `request` says: the worker does, but for DDS files, which its library cannot write.
+WorkerAnswer Run(const WorkerRequest& request, core::OutputFile& output, const ConversionContext& context) {
+  const ImageFormat* format = FormatOfFileName(request.Name);
+  const bool dds = request.Task == WorkerRequest::Job::FromTga && format != nullptr && format->Number == FormatDds;
+  return dds ? TgaToDds(request.Source, output) : context.Worker.Run(request);
+}
+
+/// Does `request` and gives its result the name `destination`. On failure everything is told.
 bool Convert(WorkerRequest request, const std::string& destination, bool lineOpen, const ConversionContext& context) {
   core::TroubleKind kind = core::TroubleKind::Unwritable;
   std::string reason;
@@ -68,9 +110,18 @@ bool Convert(WorkerRequest request, const std::string& destination, bool lineOpe
   if (!output && reason.empty()) return false;
   if (output) {
     request.Output = core::PathText(output->TemporaryPath());
-    const WorkerAnswer answer = context.Worker.Run(request);
-    if (answer.Done && output->Commit()) return true;
-    if (!answer.Done) kind = core::TroubleKind::Unreadable;
+    WorkerAnswer answer = Run(request, *output, context);
+    if (answer.Damaged && context.MayUseDamaged) {
+      const DamagedImage damaged{request.Source, answer.Reason, FailureText(destination), std::string(FailureCaption)};
+      if (!context.MayUseDamaged(damaged)) return false;  // the user has seen the box and has decided
+      request.UseDamaged = true;
+      answer = Run(request, *output, context);
+    }
+    if (answer.Done && output->Commit()) {
+      TellDoubts(request, answer, lineOpen, context.Report);
+      return true;
+    }
+    if (!answer.Done) kind = answer.Damaged ? core::TroubleKind::Damaged : core::TroubleKind::Unreadable;
     reason = answer.Done ? output->Error() : answer.Reason;
   } else {
     reason = destination + " cannot be created: " + reason;

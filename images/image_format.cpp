@@ -14,7 +14,7 @@ constexpr ImageFormat FormatTable[] = {
     {FormatTga, "TGA", "targa,tga"},
     {18, "TIFF", "tiff,tif"},
     {20, "PSD", "psd,psb"},
-    {24, "DDS", "dds"},
+    {FormatDds, "DDS", "dds"},
     {25, "GIF", "gif"},
 };
 

@@ -14,6 +14,7 @@ struct ImageFormat {
 };
 
 inline constexpr int FormatTga = 17;
+inline constexpr int FormatDds = 24;
 
 /// The formats that the log names, in the order of their numbers. The worker knows more.
 extern const std::span<const ImageFormat> NamedFormats;

@@ -39,6 +39,7 @@ ImageWorker::ImageWorker() : m_path(core::ProgramDirectory() + core::PathSeparat
 
 WorkerAnswer ImageWorker::Run(const WorkerRequest& request) const {
   WorkerRequest native = request;
+  native.FamiliarOnly = m_familiarOnly;
   native.Source = Native(request.Source);
   native.Alpha = Native(request.Alpha);
   native.Output = Native(request.Output);

@@ -17,12 +17,16 @@ class ImageWorker {
 
   const std::string& Path() const { return m_path; }
 
+  /// Lets the worker read no format but those that textures are commonly made from, for users who want less to trust.
+  void ReadFamiliarOnly(bool only) { m_familiarOnly = only; }
+
   /// Does what `request` says. Paths may hold either slash. When it fails, `Reason` of the answer says why, whatever
   /// happened: the file is no image, the limits were passed, the worker crashed or could not be started.
   WorkerAnswer Run(const WorkerRequest& request) const;
 
  private:
   std::string m_path;
+  bool m_familiarOnly = false;
 };
 
 }  // namespace tarnwick::images

@@ -2,6 +2,8 @@
 
 #include <sstream>
 
+#include "images/image_format.h"
+
 namespace tarnwick::images {
 
 std::vector<KnownFormat> KnownFormats(const ImageWorker& worker, std::string* reason) {
@@ -17,6 +19,8 @@ std::vector<KnownFormat> KnownFormats(const ImageWorker& worker, std::string* re
     KnownFormat format{name, {}, uses.find('r') != std::string::npos, uses.find('w') != std::string::npos};
     std::istringstream list(endings);
     for (std::string ending; std::getline(list, ending, ',');) format.Endings.push_back(ending);
+    // The library cannot write these; the program does it itself.
+    if (formats.size() == FormatDds) format.Writes = true;
     formats.push_back(std::move(format));
   }
   return formats;

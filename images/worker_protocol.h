@@ -17,20 +17,25 @@ struct WorkerRequest {
     Formats,  // the formats that can be read and written, a line each behind the answer
   };
   Job Task = Job::ToTga;
-  std::string Source;  // read; its name tells its format, but for FromTga
-  std::string Alpha;   // read, may be empty; it is taken to have Source's format
-  std::string Output;  // an existing file whose contents are replaced
-  std::string Name;    // the name that Output will get, for its format
-  int Side = 0;        // pixels
+  std::string Source;         // read; its name tells its format, but for FromTga
+  std::string Alpha;          // read, may be empty; it is taken to have Source's format
+  std::string Output;         // an existing file whose contents are replaced
+  std::string Name;           // the name that Output will get, for its format
+  int Side = 0;               // pixels
+  bool UseDamaged = false;    // make do with what can be read of a damaged image
+  bool FamiliarOnly = false;  // read no format but those that textures are commonly made from
 };
 
 /// What the worker says: one line, then bytes that depend on the task.
 struct WorkerAnswer {
   bool Done = false;
-  std::string Reason;  // why not: words without the file's name
-  int Width = 0;       // pixels of the result
+  bool Damaged = false;  // not done since an image is damaged; with UseDamaged it might be
+  std::string Reason;    // why not: words without the file's name
+  int Width = 0;         // pixels of the result
   int Height = 0;
   bool AlphaReplaced = false;  // ToTga: whether the alpha image could be used
+  std::string AlphaReason;     // why not
+  std::string Doubt;           // what is wrong with the image that was used all the same
   std::string Payload;  // Preview: Width * Height * 4 bytes red, green, blue, alpha, top row first; Formats: lines
 };
 

@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "images/worker/linear_light.h"
 #include "images/worker/quantize.h"
 
 namespace tarnwick::images {
@@ -37,7 +38,7 @@ Bitmap InDepth(FIBITMAP* image, int depth) {
 
 }  // namespace
 
-Bitmap ToStandard(Bitmap image) {
+Bitmap ToStandard(Bitmap image, FREE_IMAGE_FORMAT from) {
   switch (FreeImage_GetImageType(image.get())) {
     case FIT_BITMAP:
       return image;
@@ -49,7 +50,10 @@ Bitmap ToStandard(Bitmap image) {
       return Bitmap(FreeImage_ConvertTo8Bits(image.get()));
     case FIT_RGBF:
     case FIT_RGBAF:
-      return Bitmap(FreeImage_ToneMapping(image.get(), FITMO_DRAGO03, 0, 0));
+      return LinearToSrgb(image.get());
+    case FIT_FLOAT:
+      if (from == FIF_EXR || from == FIF_HDR) return LinearToSrgb(image.get());
+      [[fallthrough]];
     default:
       return Bitmap(FreeImage_ConvertToStandardType(image.get(), TRUE));
   }
@@ -59,8 +63,15 @@ Bitmap FitToFormat(Bitmap image, FREE_IMAGE_FORMAT format) {
   if (CanHold(format, image.get())) return image;
   const bool floats = FreeImage_FIFSupportsExportType(format, FIT_BITMAP) == 0;
   if (floats) {
-    Bitmap converted(FreeImage_ConvertToType(image.get(), FIT_RGBF, TRUE));
-    return converted && CanHold(format, converted.get()) ? std::move(converted) : nullptr;
+    image = ToStandard(std::move(image));
+    // Formats of floats hold linear light; those that cannot hold alpha get the colours alone.
+    const bool keepsAlpha = FreeImage_FIFSupportsExportType(format, FIT_RGBAF) != 0;
+    if (image && (FreeImage_GetBPP(image.get()) != 32 || !keepsAlpha)) {
+      image.reset(keepsAlpha && FreeImage_IsTransparent(image.get()) != 0 ? FreeImage_ConvertTo32Bits(image.get())
+                                                                          : FreeImage_ConvertTo24Bits(image.get()));
+    }
+    if (image) image = SrgbToLinear(image.get());
+    return image && CanHold(format, image.get()) ? std::move(image) : nullptr;
   }
   image = ToStandard(std::move(image));
   if (!image || CanHold(format, image.get())) return image;

@@ -56,8 +56,12 @@ FILE* AsFile(fi_handle handle) {
   return static_cast<FILE*>(handle);
 }
 
+int shortReads = 0;
+
 unsigned ReadProc(void* buffer, unsigned size, unsigned count, fi_handle handle) {
-  return static_cast<unsigned>(std::fread(buffer, size, count, AsFile(handle)));
+  const size_t read = std::fread(buffer, size, count, AsFile(handle));
+  if (read < count) ++shortReads;
+  return static_cast<unsigned>(read);
 }
 unsigned WriteProc(void* buffer, unsigned size, unsigned count, fi_handle handle) {
   return static_cast<unsigned>(std::fwrite(buffer, size, count, AsFile(handle)));
@@ -81,6 +85,14 @@ ImageFile ImageFile::OpenForWriting(const std::string& path, std::string& reason
   ImageFile file;
   file.m_file.reset(OpenBuffered(path, true, reason));
   return file;
+}
+
+int ImageFile::ShortReads() {
+  return shortReads;
+}
+
+void ImageFile::ForgetShortReads() {
+  shortReads = 0;
 }
 
 FreeImageIO* FileAccess() {

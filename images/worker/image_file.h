@@ -27,6 +27,9 @@ class ImageFile {
   explicit operator bool() const { return m_file != nullptr; }
   FILE* Handle() const { return m_file.get(); }
   void Rewind() const { std::rewind(m_file.get()); }
+  /// How often the library was given less than it asked for, since the count was forgotten.
+  static int ShortReads();
+  static void ForgetShortReads();
   /// Writes what is buffered. False if that or any write before it failed.
   bool Flush() const { return std::fflush(m_file.get()) == 0 && std::ferror(m_file.get()) == 0; }
 

@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
+#include <fstream>
 #include <memory>
 
 #include "images/limits.h"
@@ -56,6 +57,17 @@ bool LimitResources(std::string& reason) {
          // Where both limits are the same the signal does not tell what for.
          Limit(RLIMIT_CPU, LongestProcessorTime, reason, 5) &&
          (!LimitsMemory || Limit(RLIMIT_AS, LargestMemory, reason));
+}
+
+bool LimitFurtherMemory(int64_t bytes, std::string& reason) {
+  if (!LimitsMemory) return true;
+  std::ifstream status("/proc/self/statm");
+  int64_t pages = 0;
+  if (!(status >> pages)) {
+    reason = "the memory in use cannot be told";
+    return false;
+  }
+  return Limit(RLIMIT_AS, pages * sysconf(_SC_PAGESIZE) + bytes, reason);
 }
 
 bool EnterJail(std::string& reason) {

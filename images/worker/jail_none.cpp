@@ -8,6 +8,10 @@ bool LimitResources(std::string&) {
   return true;
 }
 
+bool LimitFurtherMemory(int64_t, std::string&) {
+  return true;
+}
+
 bool EnterJail(std::string&) {
   return true;
 }

@@ -6,17 +6,13 @@
 #include "images/limits.h"
 #include "images/power_of_two.h"
 #include "images/worker/bitmap_fit.h"
+#include "images/worker/decode.h"
+#include "images/worker/familiar.h"
 #include "images/worker/header_size.h"
 
 namespace tarnwick::images {
 
 namespace {
-
-/// The last thing that the library had to say.
-std::string& LibraryMessage() {
-  static std::string message;
-  return message;
-}
 
 std::string FormatName(FREE_IMAGE_FORMAT format) {
   const char* name = format == FIF_UNKNOWN ? nullptr : FreeImage_GetFormatFromFIF(format);
@@ -29,6 +25,12 @@ WorkerAnswer Failed(std::string reason) {
   return answer;
 }
 
+WorkerAnswer Damaged(std::string reason) {
+  WorkerAnswer answer = Failed(std::move(reason));
+  answer.Damaged = true;
+  return answer;
+}
+
 WorkerAnswer Done(FIBITMAP* image) {
   WorkerAnswer answer;
   answer.Done = true;
@@ -38,15 +40,30 @@ WorkerAnswer Done(FIBITMAP* image) {
 }
 
 /// Why a file could not be read as `format`, with what it seems to be instead.
-std::string Unreadable(FREE_IMAGE_FORMAT format, const ImageFile& file) {
-  file.Rewind();
-  const FREE_IMAGE_FORMAT content = FreeImage_GetFileTypeFromHandle(FileAccess(), file.Handle(), 0);
+std::string Unreadable(FREE_IMAGE_FORMAT format, const ImageFile& file, const std::string& failure = {}) {
+  const FREE_IMAGE_FORMAT content = FamiliarFormatOf(file);
   std::string reason = "the file cannot be read as a " + FormatName(format) + " image";
-  if (content != FIF_UNKNOWN && content != format)
+  const std::string& detail = failure.empty() ? LibraryMessage() : failure;
+  if (content != FIF_UNKNOWN && content != format && content != FIF_TARGA) {
     reason += "; it holds a " + FormatName(content) + " image";
-  else if (!LibraryMessage().empty())
-    reason += " (" + LibraryMessage() + ")";
+  } else if (!detail.empty()) {
+    reason += " (" + detail + ")";
+  }
   return reason;
+}
+
+/// The format of an image: what its first bytes are, whatever its name says; where they tell nothing, its name. None,
+/// with the `reason`, where neither does or the format is not allowed.
+FREE_IMAGE_FORMAT FormatOf(const WorkerRequest& request, const ImageFile& file, std::string& reason) {
+  FREE_IMAGE_FORMAT format = FamiliarFormatOf(file);
+  const FREE_IMAGE_FORMAT named = FreeImage_GetFIFFromFilename(request.Source.c_str());
+  // Only a name tells a TGA file for sure, or one of the formats that are TIFF files of a special kind.
+  const bool special = format == FIF_TIFF && !IsFamiliar(named);
+  if (format == FIF_UNKNOWN || ((format == FIF_TARGA || special) && named != FIF_UNKNOWN)) format = named;
+  if (format == FIF_UNKNOWN) reason = "its name tells no image format that is known, nor does its content";
+  if (format == FIF_UNKNOWN || !request.FamiliarOnly || IsFamiliar(format)) return format;
+  reason = "images of the format " + FormatName(format) + " are not read, as the settings say";
+  return FIF_UNKNOWN;
 }
 
 /// Whether images of these sizes may be held at once. `reason` says why not.
@@ -70,17 +87,11 @@ HeaderSize SizeOf(FIBITMAP* image) {
   return {FreeImage_GetWidth(image), FreeImage_GetHeight(image), FreeImage_GetBPP(image)};
 }
 
-Bitmap Load(FREE_IMAGE_FORMAT format, const ImageFile& file) {
-  LibraryMessage().clear();
-  file.Rewind();
-  return Bitmap(FreeImage_LoadFromHandle(format, FileAccess(), file.Handle(), 0));
-}
-
 WorkerAnswer Save(Bitmap image, FREE_IMAGE_FORMAT format, const ImageFile& output) {
   if (format == FIF_UNKNOWN || !FreeImage_FIFSupportsWriting(format)) {
     return Failed("images cannot be written in the format " + FormatName(format));
   }
-  LibraryMessage().clear();
+  ForgetMessages();
   image = FitToFormat(std::move(image), format);
   if (!image) return Failed("the image cannot be brought to the format " + FormatName(format));
   if (!FreeImage_SaveToHandle(format, image.get(), FileAccess(), output.Handle(), 0)) {
@@ -105,6 +116,28 @@ Bitmap Rescaled(FIBITMAP* image, const HeaderSize& size, FREE_IMAGE_FILTER filte
   return Bitmap(FreeImage_Rescale(image, static_cast<int>(size.Width), static_cast<int>(size.Height), filter));
 }
 
+/// The size that the header of `file` tells; of formats where none can be had nothing is known, which is no fault.
+std::optional<HeaderSize> KnownSize(FREE_IMAGE_FORMAT format, const ImageFile& file) {
+  return TellsSizeByHeader(format) ? ReadHeaderSize(format, file) : HeaderSize{};
+}
+
+/// Why the image in `alpha` cannot become the alpha channel of an image of the format `format` and of these sizes;
+/// otherwise it is decoded into `image`.
+std::string LoadAlpha(FREE_IMAGE_FORMAT format, const ImageFile& alpha, const HeaderSize& source,
+                      const HeaderSize& target, Bitmap& image) {
+  std::string reason;
+  if (!alpha) return "it cannot be opened";
+  const auto header = KnownSize(format, alpha);
+  if (!header) return Unreadable(format, alpha) + ", as the source is";
+  // It is as large as it likes to be only within what the source leaves.
+  if (!FitsLimits({source, target, *header}, reason)) return reason;
+  Decoded decoded = Decode(format, alpha);
+  if (!decoded.Image) return Unreadable(format, alpha, decoded.Failure);
+  if (!decoded.Damage.empty()) return decoded.Damage;
+  image = std::move(decoded.Image);
+  return {};
+}
+
 /// Puts the greyscale of `alpha` into the alpha channel of `image`, which gets one if it has none. False, with `image`
 /// as it was, if that cannot be done.
 bool ReplaceAlpha(Bitmap& image, Bitmap alpha) {
@@ -124,29 +157,37 @@ bool ReplaceAlpha(Bitmap& image, Bitmap alpha) {
 }
 
 WorkerAnswer ToTga(const WorkerRequest& request, const JobFiles& files) {
-  const FREE_IMAGE_FORMAT format = FreeImage_GetFIFFromFilename(request.Source.c_str());
-  if (format == FIF_UNKNOWN) return Failed("its name tells no image format that is known");
-  const auto header = ReadHeaderSize(format, files.Source);
-  if (!header) return Failed(Unreadable(format, files.Source));
   std::string reason;
-  // The alpha image is as large as it likes to be only within what the source leaves.
-  auto alphaHeader = files.Alpha ? ReadHeaderSize(format, files.Alpha) : std::nullopt;
+  const FREE_IMAGE_FORMAT format = FormatOf(request, files.Source, reason);
+  if (format == FIF_UNKNOWN) return Failed(reason);
+  const auto header = KnownSize(format, files.Source);
+  if (!header) return Failed(Unreadable(format, files.Source));
   if (!FitsLimits({*header}, reason)) return Failed(reason);
   const HeaderSize target = IsPowerOfTwoSize(*header) ? HeaderSize{} : PowerOfTwoSize(*header);
   if (!FitsLimits({*header, target}, reason)) return Failed(reason);
-  if (alphaHeader && !FitsLimits({*header, target, *alphaHeader}, reason)) alphaHeader.reset();
 
-  Bitmap image = Load(format, files.Source);
-  if (!image) return Failed(Unreadable(format, files.Source));
+  Decoded decoded = Decode(format, files.Source);
+  if (!decoded.Image) return Failed(Unreadable(format, files.Source, decoded.Failure));
+  if (!decoded.Damage.empty() && !request.UseDamaged) return Damaged(decoded.Damage);
+  Bitmap image = std::move(decoded.Image);
   if (!FitsLimits({SizeOf(image.get())}, reason)) return Failed(reason);  // the header was not the whole truth
-  image = ToStandard(std::move(image));
-  const bool alphaReplaced = image && alphaHeader && ReplaceAlpha(image, Load(format, files.Alpha));
+  image = ToStandard(std::move(image), format);
+  std::string alphaReason;
+  bool alphaReplaced = false;
+  if (image && !request.Alpha.empty()) {
+    Bitmap alpha;
+    alphaReason = LoadAlpha(format, files.Alpha, SizeOf(image.get()), target, alpha);
+    alphaReplaced = alpha && ReplaceAlpha(image, std::move(alpha));
+    if (!alphaReplaced && alphaReason.empty()) alphaReason = "there is not enough memory for it";
+  }
   if (image && !IsPowerOfTwoSize(SizeOf(image.get()))) {
     image = Rescaled(image.get(), PowerOfTwoSize(SizeOf(image.get())), FILTER_BICUBIC);
   }
   if (!image) return Failed("there is not enough memory for the image");
   WorkerAnswer answer = Save(std::move(image), FIF_TARGA, files.Output);
   answer.AlphaReplaced = alphaReplaced;
+  answer.AlphaReason = alphaReason;
+  answer.Doubt = decoded.Damage;
   return answer;
 }
 
@@ -155,9 +196,13 @@ WorkerAnswer FromTga(const WorkerRequest& request, const JobFiles& files) {
   std::string reason;
   if (!header) return Failed(Unreadable(FIF_TARGA, files.Source));
   if (!FitsLimits({*header}, reason)) return Failed(reason);
-  Bitmap image = Load(FIF_TARGA, files.Source);
-  if (!image) return Failed(Unreadable(FIF_TARGA, files.Source));
-  return Save(std::move(image), FreeImage_GetFIFFromFilename(request.Name.c_str()), files.Output);
+  Decoded decoded = Decode(FIF_TARGA, files.Source);
+  if (!decoded.Image) return Failed(Unreadable(FIF_TARGA, files.Source));
+  if (!decoded.Damage.empty() && !request.UseDamaged) return Damaged(decoded.Damage);
+  WorkerAnswer answer =
+      Save(std::move(decoded.Image), FreeImage_GetFIFFromFilename(request.Name.c_str()), files.Output);
+  answer.Doubt = decoded.Damage;
+  return answer;
 }
 
 /// The pixels as a window wants them: red, green, blue, alpha, top row first.
@@ -177,17 +222,24 @@ std::string PixelsTopDown(FIBITMAP* image) {
   return pixels;
 }
 
+/// Bits of the library's flags where a JPEG image can be asked for in about that size, which costs less.
+constexpr int JpegSideShift = 16;
+
 WorkerAnswer Preview(const WorkerRequest& request, const JobFiles& files) {
-  FREE_IMAGE_FORMAT format = FreeImage_GetFileTypeFromHandle(FileAccess(), files.Source.Handle(), 0);
-  if (format == FIF_UNKNOWN) format = FreeImage_GetFIFFromFilename(request.Source.c_str());
-  if (format == FIF_UNKNOWN) return Failed("neither its name nor its content tells an image format that is known");
-  const auto header = ReadHeaderSize(format, files.Source);
   std::string reason;
+  const FREE_IMAGE_FORMAT format = FormatOf(request, files.Source, reason);
+  if (format == FIF_UNKNOWN) return Failed(reason);
+  const auto header = KnownSize(format, files.Source);
   if (!header) return Failed(Unreadable(format, files.Source));
   if (!FitsLimits({*header}, reason)) return Failed(reason);
-  Bitmap image = Load(format, files.Source);
-  if (!image) return Failed(Unreadable(format, files.Source));
-  image = ToStandard(std::move(image));
+  if (format != FIF_JPEG && header->Bytes() > LargestPreviewBytes) {
+    return Failed("an image of " + std::to_string(header->Width) + " by " + std::to_string(header->Height) +
+                  " pixels is too large for a small picture");
+  }
+  Decoded decoded = Decode(format, files.Source, format == FIF_JPEG ? request.Side << JpegSideShift : 0);
+  if (!decoded.Image) return Failed(Unreadable(format, files.Source, decoded.Failure));
+  Bitmap image = std::move(decoded.Image);
+  image = ToStandard(std::move(image), format);
   const unsigned side = static_cast<unsigned>(request.Side);
   if (image && (FreeImage_GetWidth(image.get()) > side || FreeImage_GetHeight(image.get()) > side)) {
     image = Bitmap(FreeImage_MakeThumbnail(image.get(), request.Side, TRUE));
@@ -202,7 +254,7 @@ WorkerAnswer Preview(const WorkerRequest& request, const JobFiles& files) {
 }  // namespace
 
 WorkerAnswer RunJob(const WorkerRequest& request, const JobFiles& files) {
-  FreeImage_SetOutputMessage([](FREE_IMAGE_FORMAT, const char* message) { LibraryMessage() = message; });
+  HearTheLibrary();
   switch (request.Task) {
     case WorkerRequest::Job::ToTga:
       return ToTga(request, files);

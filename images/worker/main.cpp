@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "images/limits.h"
 #include "images/sanitized.h"
 #include "images/worker/jail.h"
 #include "images/worker/job.h"
@@ -69,6 +70,7 @@ int main(int argumentCount, char** arguments) {
   FreeImage_Initialise(TRUE);
   if (request->Task == WorkerRequest::Job::Formats) Answer(ListFormats());
   const JobFiles files = OpenFiles(*request);
+  if (request->Task == WorkerRequest::Job::Preview && !LimitFurtherMemory(PreviewMemory, reason)) Fail(reason);
   if (!EnterJail(reason)) Fail(reason);
   try {
     Answer(RunJob(*request, files));

@@ -20,8 +20,6 @@ class ConversionFailureTest : public ConversionTest {
 };
 
 TEST_F(ConversionFailureTest, TellsWhyASourceCannotBeReadAndLeavesNoFile) {
-  WriteImage(Folder.Path("photo.jpg"), Gradient(8, 8));
-  std::filesystem::rename(Folder.Path("photo.jpg"), Folder.Path("photo.png"));
   WriteText(Folder.Path("text.bmp"), "not an image");
   WriteText(Folder.Path("noname"), "x");
   WriteText(Folder.Path("empty.tga"), "");
@@ -31,7 +29,6 @@ TEST_F(ConversionFailureTest, TellsWhyASourceCannotBeReadAndLeavesNoFile) {
     const char* Reason;
   } cases[] = {
       {"missing.png", "missing.tga", "missing.png: the file cannot be opened: No such file or directory\r\n"},
-      {"photo.png", "photo.tga", "photo.png: the file cannot be read as a PNG image; it holds a JPEG image\r\n"},
       {"text.bmp", "text.tga", "text.bmp: the file cannot be read as a BMP image"},
       {"noname", "noname.tga", "noname: its name tells no image format"},
       {"empty.tga", "empty.tga", "from \r\nempty.tga: the file cannot be read as a TGA image"},
@@ -42,7 +39,7 @@ TEST_F(ConversionFailureTest, TellsWhyASourceCannotBeReadAndLeavesNoFile) {
     EXPECT_EQ(ToTga(Folder.Path(test.Name)), "");
     ExpectFailure(Out(test.Tga), test.Reason);
   }
-  EXPECT_THAT(Folder.Files(), ElementsAre("empty.tga", "noname", "photo.png", "text.bmp"));
+  EXPECT_THAT(Folder.Files(), ElementsAre("empty.tga", "noname", "text.bmp"));
 }
 
 TEST_F(ConversionFailureTest, KeepsTheOlderFileWhenTheNewOneCannotBeMade) {
@@ -55,7 +52,7 @@ TEST_F(ConversionFailureTest, KeepsTheOlderFileWhenTheNewOneCannotBeMade) {
 
 TEST_F(ConversionFailureTest, RefusesDestinationsThatNoFormatFits) {
   WriteImage(Folder.Path("t.tga"), Gradient(512, 8));
-  for (const char* name : {"t.vmt", "t.dds", "t.ico", "t"}) {
+  for (const char* name : {"t.vmt", "t.ico", "t"}) {
     SCOPED_TRACE(name);
     EXPECT_FALSE(ToImage(Folder.Path("t.tga"), Out(name)));
     ExpectFailure(Out(name), "t.tga: ");

@@ -112,6 +112,74 @@ TEST_F(ConversionTest, KeepsItsAlphaWhenTheAlphaImageCannotBeReadInTheSourcesFor
   EXPECT_THAT(Report.Boxes, testing::IsEmpty());
 }
 
+TEST_F(ConversionTest, TellsWhyAnAlphaImageWasNotUsed) {
+  WriteImage(Folder.Path("photo.jpg"), Gradient(32, 32, 24));
+  WriteImage(Folder.Path("mask.png"), Gradient(32, 32, 24));
+  WriteImage(Folder.Path("cut.jpg"), Gradient(64, 64, 24));
+  const std::string whole = ReadText(Folder.Path("cut.jpg"));
+  WriteText(Folder.Path("cut.jpg"), whole.substr(0, whole.size() * 3 / 4));
+  const struct {
+    const char* Mask;
+    const char* Reason;
+  } cases[] = {
+      {"mask.png", "mask.png was not used: the file cannot be read as a JPEG image; it holds a PNG image, as the"},
+      {"missing.jpg", "missing.jpg was not used: it cannot be opened"},
+      {"cut.jpg", "cut.jpg was not used: the file is damaged (Premature end of JPEG file)"},
+  };
+  for (const auto& test : cases) {
+    SCOPED_TRACE(test.Mask);
+    Report = {};
+    EXPECT_EQ(ReadImage(ToTgaWithAlpha(Folder.Path("photo.jpg"), Folder.Path(test.Mask))).Depth, 24);
+    EXPECT_THAT(Report.LogText,
+                HasSubstr(std::string("WARNING, the alpha channel of photo.jpg stays, for ") + test.Reason));
+    ASSERT_EQ(Report.Troubles.size(), 1u);
+    EXPECT_EQ(Report.Troubles[0].Level, core::Severity::Warning);
+    EXPECT_EQ(Report.Troubles[0].File, Folder.Path(test.Mask));
+  }
+}
+
+TEST_F(ConversionTest, ReadsAnImageAsWhatItsContentIs) {
+  WriteImage(Folder.Path("photo.jpg"), Gradient(8, 8));
+  std::filesystem::rename(Folder.Path("photo.jpg"), Folder.Path("photo.png"));
+  EXPECT_EQ(ReadImage(ToTga(Folder.Path("photo.png"))).Width, 8);
+  WriteImage(Folder.Path("brick.png"), Gradient(8, 4));
+  std::filesystem::rename(Folder.Path("brick.png"), Folder.Path("brick"));
+  EXPECT_EQ(ReadImage(ToTga(Folder.Path("brick"))).At(7, 3).Red, Gradient(8, 4).At(7, 3).Red);
+  EXPECT_THAT(Report.Troubles, testing::IsEmpty());
+}
+
+TEST_F(ConversionTest, ReadsUncommonFormatsUnlessTheUserWantsLessToTrust) {
+  for (const char* name : {"a.jp2", "a.ppm", "a.xpm", "a.png"}) {
+    SCOPED_TRACE(name);
+    Report = {};
+    WriteImage(Folder.Path(name), Gradient(64, 64));
+    Worker.ReadFamiliarOnly(false);
+    EXPECT_EQ(ToTga(Folder.Path(name)), Out("a.tga"));
+    Worker.ReadFamiliarOnly(true);
+    const bool familiar = std::string_view(name) == "a.png";
+    EXPECT_EQ(ToTga(Folder.Path(name)), familiar ? Out("a.tga") : "");
+    EXPECT_EQ(Report.LogText.find("are not read, as the settings say") == std::string::npos, familiar);
+  }
+}
+
+TEST_F(ConversionTest, WritesDdsFilesThatItReadsAgain) {
+  for (const bool transparent : {false, true}) {
+    SCOPED_TRACE(transparent);
+    Report = {};
+    WriteImage(Folder.Path("t.tga"), MakeImage(16, 8, 32, [&](int x, int) {
+                 return Rgba{200, 100, 50, static_cast<uint8_t>(transparent && x < 8 ? 0 : 255)};
+               }));
+    EXPECT_TRUE(ToImage(Folder.Path("t.tga"), Out("t.dds")));
+    EXPECT_EQ(Report.LogText, "Converting t.tga from TGA to DDS\r\n");
+    EXPECT_EQ(ReadText(Out("t.dds")).substr(84, 4), transparent ? "DXT5" : "DXT1");
+    std::filesystem::create_directory(Folder.Path("back"));
+    const TestImage image = ReadImage(images::ConvertToTga(Out("t.dds"), Folder.Path("back"), Context()));
+    EXPECT_EQ(image.Depth, transparent ? 32 : 24);
+    EXPECT_NEAR(image.At(12, 4).Red, 200, 6);
+    EXPECT_EQ(image.At(4, 4).Alpha, transparent ? 0 : 255);
+  }
+}
+
 TEST_F(ConversionTest, WritesATgaInTheFormatOfTheName) {
   WriteImage(Folder.Path("t.tga"), MakeImage(48, 48, 32, [](int x, int) {
                return x < 24 ? Rgba{250, 10, 10, 255} : Rgba{10, 10, 250, 0};

@@ -23,9 +23,18 @@ TEST_F(ConversionTest, ShrinksALargeImageForAWindowAndKeepsASmallOne) {
   EXPECT_EQ(small->Pixels, (std::vector<uint8_t>{10, 0, 0, 77, 10, 1, 0, 77, 10, 0, 1, 77, 10, 1, 1, 77}));
 
   std::string reason;
+  // 64 MiB of pixels are told by the header alone.
+  std::string huge(18, '\0');
+  huge[2] = 2;
+  huge[13] = huge[15] = 16;
+  huge[16] = 32;
+  WriteText(Folder.Path("huge.tga"), huge);
+  EXPECT_FALSE(images::LoadPreview(Folder.Path("huge.tga"), 64, Worker, &reason));
+  EXPECT_THAT(reason, testing::HasSubstr("4096 by 4096 pixels is too large for a small picture"));
+
   WriteText(Folder.Path("x.vtf"), "VTF");
   EXPECT_FALSE(images::LoadPreview(Folder.Path("x.vtf"), 64, Worker, &reason));
-  EXPECT_THAT(reason, testing::HasSubstr("neither its name nor its content"));
+  EXPECT_THAT(reason, testing::HasSubstr("its name tells no image format that is known, nor does its content"));
 }
 
 }  // namespace

@@ -61,6 +61,16 @@ void WriteDeepImage(const std::string& path, int width, int height, Rgba colour)
   Save(bitmap, path);
 }
 
+void WriteFloatImage(const std::string& path, int width, int height, std::array<float, 4> colour, bool alpha) {
+  const size_t channels = alpha ? 4 : 3;
+  const Bitmap bitmap(FreeImage_AllocateT(alpha ? FIT_RGBAF : FIT_RGBF, width, height), &FreeImage_Unload);
+  for (int y = 0; y < height; ++y) {
+    auto* line = reinterpret_cast<float*>(FreeImage_GetScanLine(bitmap.get(), y));
+    for (int x = 0; x < width; ++x) std::copy_n(colour.begin(), channels, line + static_cast<size_t>(x) * channels);
+  }
+  Save(bitmap, path);
+}
+
 TestImage ReadImage(const std::string& path) {
   const Bitmap stored(FreeImage_Load(FreeImage_GetFIFFromFilename(path.c_str()), path.c_str(), 0), &FreeImage_Unload);
   EXPECT_TRUE(stored) << path << " cannot be read";

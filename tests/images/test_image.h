@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -38,6 +39,8 @@ TestImage Gradient(int width, int height, int depth = 24);
 void WriteImage(const std::string& path, const TestImage& image);
 /// Writes an image with 16 bits a channel, all pixels of one colour.
 void WriteDeepImage(const std::string& path, int width, int height, Rgba colour);
+/// Writes an image of floats, all pixels of one colour: red, green, blue, alpha, the last only where `alpha` says so.
+void WriteFloatImage(const std::string& path, int width, int height, std::array<float, 4> colour, bool alpha);
 /// The image at `path`; a test failure and an empty image if it cannot be read.
 TestImage ReadImage(const std::string& path);
 

@@ -23,8 +23,14 @@ TEST(WorkerProtocol, CarriesARequestThroughArguments) {
   EXPECT_EQ(back->Output, request.Output);
   EXPECT_EQ(back->Name, request.Name);
   EXPECT_EQ(back->Side, 96);
-  EXPECT_FALSE(images::FromArguments(std::vector<std::string>{"to-tga", "a", "", "b", ""}));
-  EXPECT_FALSE(images::FromArguments(std::vector<std::string>{"erase", "a", "", "b", "", "0"}));
+  EXPECT_FALSE(back->UseDamaged || back->FamiliarOnly);
+  request.UseDamaged = true;
+  EXPECT_TRUE(images::FromArguments(images::ToArguments(request))->UseDamaged);
+  request.UseDamaged = false;
+  request.FamiliarOnly = true;
+  EXPECT_TRUE(images::FromArguments(images::ToArguments(request))->FamiliarOnly);
+  EXPECT_FALSE(images::FromArguments(std::vector<std::string>{"to-tga", "a", "", "b", "", "0", ""}));
+  EXPECT_FALSE(images::FromArguments(std::vector<std::string>{"erase", "a", "", "b", "", "0", "", ""}));
 }
 
 TEST(WorkerProtocol, TrustsNoAnswer) {
@@ -39,6 +45,18 @@ TEST(WorkerProtocol, TrustsNoAnswer) {
   const auto answer = ParseAnswer("done 2 1 1\n12345678");
   ASSERT_TRUE(answer && answer->Done && answer->AlphaReplaced);
   EXPECT_EQ(answer->Payload, "12345678");
+
+  images::WorkerAnswer said;
+  said.Done = true;
+  said.AlphaReason = "it is\ta\nJPEG";
+  said.Doubt = "cut";
+  const auto heard = ParseAnswer(images::AnswerLine(said));
+  ASSERT_TRUE(heard);
+  EXPECT_EQ(heard->AlphaReason, "it is a JPEG");
+  EXPECT_EQ(heard->Doubt, "cut");
+  const auto damaged = ParseAnswer("damaged it ends early\n");
+  ASSERT_TRUE(damaged && damaged->Damaged && !damaged->Done);
+  EXPECT_EQ(damaged->Reason, "it ends early");
 
   const auto failure = ParseAnswer("failed \x1b[2J\x07" + std::string(5000, 'x') + "\n");
   ASSERT_TRUE(failure && !failure->Done);
