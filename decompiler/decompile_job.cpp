@@ -18,6 +18,9 @@ namespace {
 
 constexpr std::string_view ScriptName = "ravelback.qc";
 constexpr std::string_view ModelId = "IDST";
+/// Versions whose records are laid out as model/ has them.
+constexpr int32_t LowestVersion = 44;
+constexpr int32_t HighestVersion = 49;
 
 /// Loads the .mdl file. False, told, if there is none or it is shorter than its header.
 bool LoadModel(JobContext& job) {
@@ -25,7 +28,8 @@ bool LoadModel(JobContext& job) {
   std::string reason;
   auto model = LoadModelFile(path, &reason);
   if (model && !model->View().At<StudioHeader>(0)) {
-    reason = "its " + std::to_string(model->View().Size()) + " bytes are fewer than a model's header has";
+    const int64_t size = model->View().Size();
+    reason = size == 0 ? "it is empty" : "its " + std::to_string(size) + " bytes are fewer than a model's header has";
     model.reset();
   }
   if (!model) {
@@ -35,7 +39,21 @@ bool LoadModel(JobContext& job) {
   }
   job.Model.Mdl = std::move(*model);
   DecompileLog(job, "Loaded model " + path + "\r\n");
-  if (std::string_view(job.Model.Header()->Id, 4) != ModelId) {
+  const int32_t version = job.Model.Header()->Version;
+  const bool known = version >= LowestVersion && version <= HighestVersion;
+  const bool named = std::string_view(job.Model.Header()->Id, 4) == ModelId;
+  if (!known && !named) {
+    job.Error(path + " is no compiled model: neither its first letters nor its version (" + std::to_string(version) +
+                  ") are those of one",
+              "Error", core::TroubleKind::Unknown, path, "not a compiled model");
+    return false;
+  }
+  if (!known) {
+    job.Warn(path + " is of version " + std::to_string(version) + "; versions " + std::to_string(LowestVersion) +
+                 " to " + std::to_string(HighestVersion) + " are known, and what is written may be wrong",
+             core::TroubleKind::Unknown);
+  }
+  if (!named) {
     job.Advise(path + " does not begin with " + std::string(ModelId) + " as compiled models do",
                core::TroubleKind::Unknown);
   }

@@ -39,7 +39,7 @@ void ClearData(StudioAnimDesc& animation) {
 
 std::optional<core::FileImage> Missing(ModelReader& reader, std::string_view name, std::string_view folder,
                                        std::string_view reason) {
-  reader.Tell({core::Severity::Warning,
+  reader.Tell({core::Severity::Error,
                core::TroubleKind::Missing,
                std::string(name),
                std::nullopt,

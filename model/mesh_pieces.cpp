@@ -50,7 +50,8 @@ bool GatherStrip(ModelReader& reader, const core::Record<VtxStripGroup>& group, 
   return true;
 }
 
-/// Adds the triangle lists of one mesh to `pieces`. False if the stage is to end here.
+/// Adds the triangle lists of one mesh to `pieces`; none of them if its material is not there. False if the stage is to
+/// end here.
 bool GatherMesh(ModelReader& reader, const core::Record<StudioMesh>& mesh, const core::Record<VtxMesh>& vtxMesh,
                 MeshPieces& pieces) {
   const core::FileImage& file = *reader.Model.Vtx;
@@ -83,7 +84,7 @@ bool GatherMesh(ModelReader& reader, const core::Record<StudioMesh>& mesh, const
         if (!material) {
           reader.Damaged(reader.Model.Mdl.Path(), "mesh", mesh.Offset(),
                          "names texture " + std::to_string(mesh->Material) + ", which is not in the file");
-          return false;
+          return true;
         }
         piece = &pieces.Meshes.emplace_back(MeshPiece{*material, *vertices, {}});
       }

@@ -14,17 +14,23 @@ constexpr int64_t SmallestVertAnim = sizeof(StudioVertAnim);
 constexpr int64_t VertAnimStep = sizeof(int16_t);
 constexpr size_t VertAnimSizes = SmallestVertAnim / VertAnimStep + 1;
 
-/// Finds out how far vertex animations stand apart. The tables of a mesh's flexes follow one another, so the distances
+/// Finds out how far vertex animations stand apart where the ordinary distance gives vertices that the mesh does not
+/// have. The tables of a mesh's flexes follow one another, so the distances
 /// between them tell: they are the counts times one size, up to the alignment of the tables.
 class SizeFinder {
  public:
   SizeFinder() { m_fits.fill(true); }
 
-  void AddMesh(const core::RecordArray<StudioFlex>& flexes) {
+  void AddMesh(const core::ImageView& mdl, const StudioMesh& mesh, const core::RecordArray<StudioFlex>& flexes) {
     std::vector<std::pair<int64_t, int64_t>> tables;
     for (const auto flex : flexes) {
-      if (flex->VertAnimCount > 0)
-        tables.emplace_back(flex.Offset() + flex->VertAnimOffset, int64_t{flex->VertAnimCount});
+      if (flex->VertAnimKind == VertAnimWrinkle || flex->VertAnimCount <= 0) continue;
+      const int64_t offset = flex.Offset() + flex->VertAnimOffset;
+      tables.emplace_back(offset, int64_t{flex->VertAnimCount});
+      const auto anims = mdl.Array<StudioVertAnim>(offset, flex->VertAnimCount);
+      for (int64_t i = 0; anims && !m_ordinaryFails && i < anims->Count(); ++i) {
+        m_ordinaryFails = static_cast<uint16_t>((*anims)[i]->Vertex) >= mesh.VertexCount;
+      }
     }
     std::sort(tables.begin(), tables.end());
     for (size_t i = 0; i + 1 < tables.size(); ++i) {
@@ -37,6 +43,7 @@ class SizeFinder {
 
   /// The first size that all meshes fit; the ordinary one where none does.
   int64_t Size() const {
+    if (!m_ordinaryFails) return SmallestVertAnim;
     const auto fit = std::find(m_fits.begin(), m_fits.end(), true);
     return SizeAt(fit == m_fits.end() ? 0 : static_cast<size_t>(fit - m_fits.begin()));
   }
@@ -49,6 +56,7 @@ class SizeFinder {
   }
 
   std::array<bool, VertAnimSizes> m_fits;
+  bool m_ordinaryFails = false;
 };
 
 }  // namespace
@@ -64,7 +72,7 @@ std::optional<ModelFlexes> GatherFlexes(ModelReader& reader, const core::Record<
     const auto mesh = (*meshes)[i];
     const auto table = reader.Table<StudioFlex>("flex table", mesh.Offset() + mesh->FlexOffset, mesh->FlexCount);
     if (!table || !reader.Spend(RecordCost * (table->Count() + 1))) return std::nullopt;
-    size.AddMesh(*table);
+    size.AddMesh(reader.Model.View(), *mesh, *table);
     for (const auto flex : *table) {
       // A flex of a descriptor that the model does not have is named by nothing and left out.
       if (flex->FlexDesc < 0 || static_cast<size_t>(flex->FlexDesc) >= descriptorCount) continue;

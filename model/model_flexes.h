@@ -19,8 +19,13 @@ struct MeshFlex {
 struct ModelFlexes {
   core::RecordArray<StudioMesh> Meshes;
   std::vector<std::vector<MeshFlex>> ByDescriptor;
-  /// Bytes from one StudioVertAnim to the next: its own size, unless the file says otherwise.
+  /// Bytes from one ordinary vertex animation to the next: those of StudioVertAnim, unless the tables tell otherwise.
   int64_t VertAnimSize = sizeof(StudioVertAnim);
+
+  /// Bytes from one vertex animation of `flex` to the next; each begins with a StudioVertAnim.
+  int64_t VertAnimSizeOf(const StudioFlex& flex) const {
+    return flex.VertAnimKind == VertAnimWrinkle ? int64_t{sizeof(StudioWrinkleVertAnim)} : VertAnimSize;
+  }
 };
 
 /// Gathers the flexes of `model`. Nothing, told, if its tables are damaged.

@@ -39,6 +39,8 @@ class JobContext : private core::TroubleSink, public ModelReader {
   /// tables of a damaged model can overlap. The first no is told.
   bool ScriptWithinBounds();
 
+  class PartialScript;
+
   /// The names that files of this job have (used with DecompileOptionReadyToCompile).
   OutputNames Names;
 
@@ -114,6 +116,36 @@ class JobContext : private core::TroubleSink, public ModelReader {
   DecompileProgress m_progress;
   int64_t m_scriptCharged = 0;
   bool m_stopTold = false;
+};
+
+/// A part of the script that is kept apart while it lives, so that a statement is written whole or not at all.
+class JobContext::PartialScript {
+ public:
+  explicit PartialScript(JobContext& job)
+      : m_job(job), m_outer(*job.m_script), m_outerCharged(std::exchange(job.m_scriptCharged, 0)) {
+    job.m_script = &m_writer;
+  }
+  ~PartialScript() {
+    m_job.m_script = &m_outer;
+    m_job.m_scriptCharged = m_outerCharged;
+  }
+  PartialScript(const PartialScript&) = delete;
+  PartialScript& operator=(const PartialScript&) = delete;
+
+  /// Adds the part to the script.
+  void Keep() {
+    m_writer.Flush();
+    m_outer.Raw(m_text);
+    m_outer.CountNonFinite(m_writer.NonFiniteCount());
+    m_outerCharged += m_job.m_scriptCharged;
+  }
+
+ private:
+  JobContext& m_job;
+  core::TextWriter& m_outer;
+  int64_t m_outerCharged;
+  std::string m_text;
+  core::TextWriter m_writer{m_text};
 };
 
 /// What each file costs a job (see Spend) on top of its bytes.

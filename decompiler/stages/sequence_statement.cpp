@@ -137,6 +137,7 @@ bool WriteSequenceStatement(JobContext& job, const core::Record<StudioSeqDesc>& 
 
   const std::string deltaReference = exportAnimations(job, sequence);
 
+  JobContext::PartialScript part(job);
   core::TextWriter& script = job.Script();
   script.Format("$sequence %s \"%s\"", job.Word(*label), AnimationScriptName(job, *first));
   if ((sequence->Flags & SequenceFlagLooping) != 0) script.Text(" loop");
@@ -148,6 +149,7 @@ bool WriteSequenceStatement(JobContext& job, const core::Record<StudioSeqDesc>& 
   if (direct && (animation->Flags & AnimFlagDelta) != 0) script.Format(" subtract %s 0", deltaReference);
   const bool sound = WriteNodes(job, sequence) && WriteEvents(job, sequence) && WriteBlends(job, sequence);
   script.Text("\n");
+  if (sound) part.Keep();
   return sound;
 }
 
@@ -156,7 +158,8 @@ void WriteSequenceStatements(JobContext& job, ExportAnimations& exportAnimations
   const auto sequences = job.Table<StudioSeqDesc>("sequence table", header->SequenceOffset, header->SequenceCount);
   if (!sequences) return;
   for (const auto sequence : *sequences) {
-    if (job.Stopped() || !job.ScriptWithinBounds() || !WriteSequenceStatement(job, sequence, exportAnimations)) break;
+    if (job.Stopped() || !job.ScriptWithinBounds()) break;
+    if (!WriteSequenceStatement(job, sequence, exportAnimations)) job.Lose("damaged sequences");
   }
   job.FinishFiles();
 }

@@ -11,7 +11,7 @@ namespace tarnwick::decompiler {
 using ExportAnimations = std::string(JobContext& job, const core::Record<StudioSeqDesc>& sequence);
 
 /// Writes one sequence: the `$animation` lines and files of its animations, then its `$sequence` statement with events
-/// and blends. False, told, if the model's tables are damaged such that the stage is to end.
+/// and blends. False, told, if the sequence's tables are damaged: then its statement is left out.
 [[nodiscard]] bool WriteSequenceStatement(JobContext& job, const core::Record<StudioSeqDesc>& sequence,
                                           ExportAnimations& exportAnimations);
 

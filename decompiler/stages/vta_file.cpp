@@ -87,7 +87,7 @@ void GatherFrames(JobContext& job, const ModelFlexes& flexes, const FlexTables& 
     if (tables.Frame[d] == 0) continue;
     Frame frame{tables.Frame[d], tables.Names[d], {}};
     for (const MeshFlex& entry : flexes.ByDescriptor[d]) {
-      if (!GatherPiece(job, flexes.Meshes[entry.Mesh], entry.Flex, flexes.VertAnimSize, frame)) break;
+      if (!GatherPiece(job, flexes.Meshes[entry.Mesh], entry.Flex, flexes.VertAnimSizeOf(*entry.Flex), frame)) break;
     }
     content.Frames.push_back(std::move(frame));
   }

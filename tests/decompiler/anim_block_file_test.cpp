@@ -85,7 +85,7 @@ TEST(AnimBlockFile, IsFoundBesideTheModelAndReadOnce) {
 #endif
 }
 
-TEST(AnimBlockFile, IsMissedInOneWarning) {
+TEST(AnimBlockFile, IsMissedInOneError) {
   // Its own tables are not needed.
   ModelFiles files = ModelWithBlocks().Build();
   files.Ani.Record<StudioHeader>("header").Version = 45;
@@ -98,10 +98,10 @@ TEST(AnimBlockFile, IsMissedInOneWarning) {
     AnimationJob job(model);
     EXPECT_FALSE(GetAnimBlockBase(job.Context(), 1));
     EXPECT_FALSE(GetAnimBlockBase(job.Context(), 2));
-    const auto warnings = TextsOf(job.Context().Result(), core::Severity::Warning);
-    ASSERT_EQ(warnings.size(), 1u) << name;
-    EXPECT_THAT(warnings[0], HasSubstr(core::LastComponent(name)));
-    EXPECT_THAT(warnings[0], HasSubstr(job.Folder.Path()));
+    const auto errors = TextsOf(job.Context().Result(), core::Severity::Error);
+    ASSERT_EQ(errors.size(), 1u) << name;
+    EXPECT_THAT(errors[0], HasSubstr(core::LastComponent(name)));
+    EXPECT_THAT(errors[0], HasSubstr(job.Folder.Path()));
   }
 }
 

@@ -4,9 +4,11 @@
 #include <limits>
 
 #include "decompiled_model.h"
+#include "model/animation_records.h"
 #include "model/studio_records.h"
 #include "model/vtx_records.h"
 #include "model/vvd_records.h"
+#include "support/told_texts.h"
 
 // Models that no compiler writes: each ends its stage with a message, never the program.
 
@@ -33,7 +35,6 @@ const Damage Damages[] = {
     {"the model table at byte ",
      [](auto& f) { f.Mdl.template Record<StudioBodyPart>("body parts").ModelCount = Huge; }},
     {"the mesh table at byte ", [](auto& f) { f.Mdl.template Record<StudioModel>("models 0").MeshCount = 100000; }},
-    {"names texture 99999999", [](auto& f) { f.Mdl.template Record<StudioMesh>("meshes 0.0").Material = 99999999; }},
     {"names an owner outside", [](auto& f) { f.Mdl.template Record<StudioMesh>("meshes 0.0").ModelOffset = -Huge; }},
     {"names vertex 2 of a mesh that begins at vertex -1;",
      [](auto& f) { f.Mdl.template Record<StudioMesh>("meshes 0.0").FirstVertex = -1; }},
@@ -60,6 +61,43 @@ const Damage Damages[] = {
     {"the fix-up table at byte 64 (2147483647 records) runs past the end of the file",
      [](auto& f) { f.Vvd.template Record<VvdHeader>("header").FixupCount = Huge; }},
 };
+
+TEST(DamagedModel, AMaterialThatIsNotThereCostsItsMesh) {
+  ModelBuilder model;
+  model.Textures = {"skin", "cloth"};
+  auto& meshes = model.BodyParts[0].Models[0].Meshes;
+  meshes.push_back(meshes[0]);
+  meshes[1].Material = 1;
+  model.BodyParts.push_back(model.BodyParts[0]);
+  ModelFiles files = model.Build();
+  files.Mdl.Record<StudioMesh>("meshes 0.0").Material = 99999999;
+  for (const uint32_t options : {0u, DecompileOptionReadyToCompile}) {
+    const DecompiledModel job(files, options);
+    EXPECT_THAT(TextsOf(job.Result, core::Severity::Error), ElementsAre(HasSubstr("names texture 99999999")));
+    EXPECT_THAT(job.File("cube.smd"), HasSubstr("cloth.tga"));
+    EXPECT_TRUE(job.File("cube.smd").ends_with("end\n"));
+    EXPECT_THAT(job.MeshCommands(), HasSubstr(options == 0 ? "cube.smd" : "cube_2.smd"));
+  }
+}
+
+TEST(DamagedModel, ASequenceThatIsDamagedCostsItselfAlone) {
+  ModelBuilder model;
+  model.Animations = {AnimationDescription{}};
+  model.Sequences.assign(4, {.Events = {{0, 5004, "x", ""}}});
+  for (size_t i = 0; i < 4; ++i) model.Sequences[i].Label = "s" + std::to_string(i);
+  ModelFiles files = model.Build();
+  files.Mdl.Record<StudioSeqDesc>("sequences", 0).EntryNode = 7;
+  files.Mdl.Record<StudioSeqDesc>("sequences", 2).EventCount = 1'000'000;
+  for (const uint32_t options : {0u, DecompileOptionReadyToCompile}) {
+    const DecompiledModel job(files, options);
+    const std::string event = " fps 30.00 {\n  { event 5004 0 \"x\" }\n}\n\n";
+    EXPECT_THAT(TextsOf(job.Result, core::Severity::Error),
+                ElementsAre(HasSubstr("transition node 7"), HasSubstr("the event table")));
+    EXPECT_THAT(job.Script("$sequence s1"), testing::StartsWith("$sequence s1 \"idle\"" + event + "$sequence s3"));
+    EXPECT_THAT(job.Script(), testing::Not(HasSubstr("$sequence s0")));
+    EXPECT_THAT(job.Script(), testing::Not(HasSubstr("$sequence s2")));
+  }
+}
 
 TEST(DamagedModel, IsToldWithFileRecordAndOffset) {
   for (const uint32_t options : {0u, DecompileOptionReadyToCompile}) {

@@ -153,6 +153,26 @@ TEST(DecompileJob, FindsCompanionsWhoseNamesDifferInCaseIfThereIsJustOne) {
 #endif
 }
 
+TEST(DecompileJob, TellsWhatIsNoModelOrNoneThatItKnows) {
+  for (const uint32_t options : {0u, DecompileOptionReadyToCompile}) {
+    const auto run = [options](int32_t version, char letter) {
+      ModelFiles files = ModelBuilder().Build();
+      files.Mdl.Record<StudioHeader>("header").Version = version;
+      files.Mdl.Record<StudioHeader>("header").Id[0] = letter;
+      return DecompiledModel(files, options).Result;
+    };
+    EXPECT_THAT(TextsOf(run(10, 'I'), core::Severity::Warning),
+                ElementsAre(HasSubstr("version 10; versions 44 to 49")));
+    EXPECT_THAT(TextsOf(run(50, 'I'), core::Severity::Warning), ElementsAre(HasSubstr("version 50")));
+    EXPECT_THAT(TextsOf(run(44, 'I'), core::Severity::Warning), IsEmpty());
+    EXPECT_THAT(TextsOf(run(10, 'X'), core::Severity::Error), ElementsAre(HasSubstr("is no compiled model")));
+  }
+  LooseJob empty;
+  WriteText(empty.Job.ModelPath = empty.Folder.Path("a.mdl"), "");
+  EXPECT_FALSE(empty.Run().Completed);
+  EXPECT_THAT(empty.Report.LogText, HasSubstr("a.mdl: it is empty\r\n"));
+}
+
 TEST(DecompileJob, WarnsOfFilesThatDoNotBelongTogether) {
   ModelFiles files = ModelBuilder().Build();
   files.Mdl.Record<StudioHeader>("header").Id[0] = 'X';

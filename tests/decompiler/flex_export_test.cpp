@@ -188,6 +188,33 @@ TEST(FlexExport, ReadsVertexAnimationsThatStandFartherApart) {
   EXPECT_THAT(run.Report.LogText, HasSubstr("Reading vertex animations of 18 bytes\r\n"));
 }
 
+TEST(FlexExport, ReadsWrinklesByTheirKindAlone) {
+  ModelBuilder face = Face();
+  std::vector<VertAnimDescription> anims;
+  for (int16_t i = 0; i < 8; ++i) anims.push_back({.Vertex = static_cast<int16_t>(i % 3), .PositionDelta = {1, 0, 0}});
+  auto& flexes = Meshes(face)[1].Flexes;
+  flexes = {{.FlexDesc = 0, .VertAnims = anims}, {.FlexDesc = 4}};
+  const DecompiledModel plain(face);
+  flexes[0].Wrinkles = true;
+  for (const uint32_t options : {0u, DecompileOptionReadyToCompile}) {
+    const DecompiledModel run(face, options);
+    EXPECT_TRUE(run.Result.Succeeded());
+    EXPECT_EQ(run.File("ravelback_expressions.vta"), plain.File("ravelback_expressions.vta"));
+  }
+}
+
+TEST(FlexExport, KeepsTheOrdinaryDistanceWhereItsVerticesAreSound) {
+  // Between two tables lies what a table of wider records would need.
+  ModelBuilder face = Face();
+  std::vector<VertAnimDescription> anims(9, VertAnimDescription{.PositionDelta = {1, 0, 0}});
+  Meshes(face)[1].Flexes = {{.FlexDesc = 0, .VertAnims = anims}, {.FlexDesc = 4}};
+  ModelFiles files = face.Build();
+  files.Mdl.Record<StudioFlex>("flexes 0.0.1").VertAnimCount = 8;
+  const DecompiledModel run(files);
+  EXPECT_TRUE(run.Result.Succeeded());
+  EXPECT_THAT(run.Report.LogText, testing::Not(HasSubstr("Reading vertex animations")));
+}
+
 TEST(FlexExport, AFrameEndsAtAVertexThatIsNotThere) {
   ModelBuilder model = Face();
   Meshes(model)[0].Flexes = {{.FlexDesc = 4, .VertAnims = {{.Vertex = 500}}}};

@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <cmath>
+
 #include "decompiled_model.h"
 #include "model/script_records.h"
 #include "support/told_texts.h"
@@ -69,6 +71,20 @@ TEST(ScriptStatements, SkinFamiliesHaveTwoShapes) {
             "\t{\"e.vmt\"\n \"d.vmt\"\n \"c.vmt\"\n}\n }\n");
   model.SkinFamilies = {{0, 1, 2, 3, 4}};
   EXPECT_EQ(DecompiledModel(model).Script("$texturegroup"), "");
+}
+
+TEST(ScriptStatements, AreCleanedOfWhatBreaksAScriptToCompile) {
+  ModelBuilder model = Bare();
+  model.MaterialDirectories = {"models\\a\"b\r\n\\"};
+  model.KeyValues = "mdlkeyvalue } { a { b \"}\" } \"c";
+  model.IkChains = {{"rfoot", {{0, {std::nanf(""), 0, 1}}, {0, {}}, {0, {}}}}};
+  const DecompiledModel run(model, DecompileOptionReadyToCompile);
+  EXPECT_THAT(run.Script(), HasSubstr("$cdmaterials \"models\\ab\\\"\n"));
+  EXPECT_THAT(run.Script(), HasSubstr("$keyvalues   { a { b \"}\" } \"c\" }\n"));
+  EXPECT_THAT(run.Script(), HasSubstr("knee  0.000 0.000 1.000\n"));
+  EXPECT_THAT(TextsOf(run.Result, core::Severity::Warning),
+              ElementsAre(HasSubstr("material directory"), HasSubstr("key value text"), HasSubstr("IK chain rfoot")));
+  EXPECT_THAT(TextsOf(DecompiledModel(model).Result, core::Severity::Warning), testing::IsEmpty());
 }
 
 TEST(ScriptStatements, KeepKeyValuesOfAnyLength) {

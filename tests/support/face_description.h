@@ -22,6 +22,7 @@ struct FlexDescription {
   int32_t FlexDesc = 0;
   std::vector<VertAnimDescription> VertAnims = {VertAnimDescription{}};
   int32_t Partner = 0;
+  bool Wrinkles = false;  // its vertex animations drive wrinkles too
 };
 
 struct EyeballDescription {

@@ -42,13 +42,23 @@ void WriteFlexes(const MeshDescription& mesh, size_t b, size_t m, size_t k, File
   const auto flexes = mdl.Reserve<StudioFlex>(static_cast<int64_t>(mesh.Flexes.size()), PlaceName("flexes", {b, m, k}));
   for (int64_t f = 0; f < flexes.Count; ++f) {
     const FlexDescription& flex = mesh.Flexes[static_cast<size_t>(f)];
-    const auto anims = mdl.Reserve<StudioVertAnim>(static_cast<int64_t>(flex.VertAnims.size()),
-                                                   PlaceName("vert anims", {b, m, k, static_cast<size_t>(f)}));
-    for (int64_t i = 0; i < anims.Count; ++i) anims[i] = ToRecord(flex.VertAnims[static_cast<size_t>(i)]);
+    const auto count = static_cast<int64_t>(flex.VertAnims.size());
+    const std::string place = PlaceName("vert anims", {b, m, k, static_cast<size_t>(f)});
+    int64_t offset = 0;
+    if (flex.Wrinkles) {
+      const auto anims = mdl.Reserve<StudioWrinkleVertAnim>(count, place);
+      for (int64_t i = 0; i < count; ++i) anims[i] = {ToRecord(flex.VertAnims[static_cast<size_t>(i)]), 7};
+      offset = anims.Offset;
+      flexes[f].VertAnimKind = VertAnimWrinkle;
+    } else {
+      const auto anims = mdl.Reserve<StudioVertAnim>(count, place);
+      for (int64_t i = 0; i < count; ++i) anims[i] = ToRecord(flex.VertAnims[static_cast<size_t>(i)]);
+      offset = anims.Offset;
+    }
     flexes[f].FlexDesc = flex.FlexDesc;
     flexes[f].Partner = flex.Partner;
-    flexes[f].VertAnimCount = static_cast<int32_t>(anims.Count);
-    flexes[f].VertAnimOffset = flexes.To(anims.Offset, f);
+    flexes[f].VertAnimCount = static_cast<int32_t>(count);
+    flexes[f].VertAnimOffset = flexes.To(offset, f);
   }
   const std::string meshes = PlaceName("meshes", {b, m});
   auto& record = mdl.Record<StudioMesh>(meshes, static_cast<int64_t>(k));
