@@ -10,7 +10,7 @@
 #include "core/file_image.h"
 #include "core/image_view.h"
 #include "model/studio_records.h"
-#include "model/vtx_layout.h"
+#include "model/vtx_records.h"
 #include "model/vvd_records.h"
 
 namespace tarnwick::model {

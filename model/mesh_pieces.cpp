@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "model/vtx_layout.h"
 #include "model/vtx_tree.h"
 
 namespace tarnwick::model {

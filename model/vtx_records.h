@@ -95,4 +95,12 @@ static_assert(sizeof(VtxIndex) == 2);
 
 #pragma pack(pop)
 
+/// The sizes of a .vtx file's records that differ between branches of the engine.
+struct VtxLayout {
+  int64_t StripGroupSize = 25;
+  int64_t StripSize = 27;
+
+  bool operator==(const VtxLayout&) const = default;
+};
+
 }  // namespace tarnwick::model

@@ -5,6 +5,7 @@
 
 #include "decompiler/writers/mesh_smd.h"
 #include "model/mesh_pieces.h"
+#include "model/vtx_layout.h"
 #include "model/vtx_tree.h"
 
 namespace tarnwick::decompiler {
