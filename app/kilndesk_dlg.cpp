@@ -30,7 +30,7 @@ CKilndeskDlg::CKilndeskDlg(core::AppSettings& settings, platform::Desktop& deskt
       m_settings(settings),
       m_ui(std::make_unique<Ui::KilndeskDlg>()),
       m_modelPage({settings, desktop, m_modelOptions, &m_pageLog}),
-      m_materialPage({settings, desktop, m_modelOptions, &m_pageLog}),
+      m_materialPage({settings, desktop, m_modelOptions, &m_pageLog, [this] { OnConfigure(); }}),
       m_decompilerPage({settings, desktop, m_modelOptions, &m_pageLog}),
       m_texturePage({settings, desktop, m_modelOptions, &m_pageLog}),
       m_pages{&m_modelPage, &m_materialPage, &m_decompilerPage, &m_texturePage} {

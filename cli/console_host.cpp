@@ -97,6 +97,12 @@ const char* OutcomeWord(jobs::Verdict verdict) {
   return "failed";
 }
 
+std::string FileLines(const jobs::ItemResult& result) {
+  std::string lines;
+  for (const core::WrittenFile& file : result.Files) lines += (lines.empty() ? "" : "\n") + file.Path;
+  return lines;
+}
+
 std::vector<std::string> TroubleLines(const jobs::ItemResult& result, core::Severity level) {
   std::vector<std::string> lines;
   for (const core::Trouble& trouble : result.Troubles) {

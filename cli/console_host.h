@@ -52,6 +52,9 @@ int ExitCodeOf(const jobs::JobResult& result);
 /// The word of a verdict in JSON: "ok", "failed", "stopped", "not begun".
 const char* OutcomeWord(jobs::Verdict verdict);
 
+/// The files that were written, a line each without the last line end.
+std::string FileLines(const jobs::ItemResult& result);
+
 /// The troubles of one severity, a line each.
 std::vector<std::string> TroubleLines(const jobs::ItemResult& result, core::Severity level);
 

@@ -2,16 +2,13 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <filesystem>
-#include <map>
 #include <memory>
 #include <nlohmann/json.hpp>
 
+#include "cli/console_host.h"
 #include "cli/interrupt.h"
-#include "cli/material_run.h"
-#include "cli/terminal.h"
-#include "core/paths.h"
-#include "images/tga_path.h"
+#include "cli/tool_directories.h"
+#include "jobs/compile_images.h"
 
 namespace tarnwick::cli {
 
@@ -24,107 +21,62 @@ constexpr const char* Examples = R"(Examples:
   tarnwick-cli material --game ~/games/mod -d walls --for-maps --shader LightmappedGeneric wall.tga)";
 
 struct Options {
-  tools::MaterialCompile Job;
+  tools::MaterialCompile Form;
   ToolDirectories Directories;
   std::vector<std::string> Masks;
   bool ForMaps = false;
+  bool Force = false;
   bool Json = false;
   bool Quiet = false;
 };
 
 /// The form's values as the options give them: a map that is named is used.
-tools::MaterialCompile JobOf(const Options& options) {
-  tools::MaterialCompile job = options.Job;
-  job.ModelPath = !options.ForMaps;
-  job.HasNormalMap = !job.NormalMap.empty();
-  job.HasGlowMap = !job.GlowMap.empty();
+tools::MaterialCompile FormOf(const Options& options) {
+  tools::MaterialCompile form = options.Form;
+  form.ModelPath = !options.ForMaps;
+  form.HasNormalMap = !form.NormalMap.empty();
+  form.HasGlowMap = !form.GlowMap.empty();
   const auto has = [&](const char* mask) {
     return std::find(options.Masks.begin(), options.Masks.end(), mask) != options.Masks.end();
   };
-  job.MaskInBaseAlpha = has("base");
-  job.MaskInNormalAlpha = has("normal");
-  job.MaskInIllumAlpha = has("illum");
-  return job;
+  form.MaskInBaseAlpha = has("base");
+  form.MaskInNormalAlpha = has("normal");
+  form.MaskInIllumAlpha = has("illum");
+  return form;
 }
 
-std::string OutcomeJson(const MaterialOutcome& outcome) {
+/// One line of JSON for an image; docs/materials.md describes it.
+std::string ImageJson(const jobs::ItemResult& result) {
   nlohmann::ordered_json json;
-  json["image"] = outcome.Image;
-  json["outcome"] = outcome.Succeeded() ? "ok" : outcome.Stopped ? "stopped" : "failed";
-  json["command"] = outcome.CommandLine;
-  json["files"] = outcome.Files;
-  json["errors"] = outcome.Errors;
+  json["image"] = result.Input;
+  json["outcome"] = OutcomeWord(result.Judged);
+  json["command"] = result.CommandLine;
+  json["files"] = nlohmann::ordered_json::array();
+  for (const core::WrittenFile& file : result.Files) json["files"].push_back(file.Path);
+  json["warnings"] = TroubleLines(result, core::Severity::Warning);
+  json["errors"] = TroubleLines(result, core::Severity::Error);
   // A tool's words are bytes in no known encoding; JSON takes UTF-8 only.
   return json.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
 }
 
-/// Tells of images and maps that would become the same TGA file, the later over the earlier.
-void WarnOfClashes(const tools::MaterialCompile& job, std::ostream& err) {
-  std::map<std::string, std::string> sources;  // by the name of their TGA file
-  std::vector<std::string> all = job.Images;
-  for (const std::string* map : {&job.NormalMap, &job.GlowMap, &job.SpecularMap}) {
-    if (!map->empty()) all.push_back(*map);
-  }
-  for (const std::string& source : all) {
-    const auto [first, isNew] = sources.emplace(images::TgaPath(source, ""), source);
-    if (!isNew && first->second != source) {
-      err << "Warning: " << first->second << " and " << source << " both become " << core::LastComponent(first->first)
-          << '\n';
-    }
-  }
-}
-
-/// Prints the log unless that is unwanted. Boxes come back with their image's outcome.
-class LogReport : public core::Report {
- public:
-  LogReport(std::ostream& err, bool quiet) : m_err(err), m_quiet(quiet) {}
-  void Log(std::string_view text) override {
-    if (!m_quiet) m_err << PlainLines(text) << std::flush;
-  }
-  void Tell(const core::Trouble&) override {}
-
- private:
-  std::ostream& m_err;
-  bool m_quiet;
-};
-
 int CompileImages(Options& options, Invocation& invocation) {
   options.Directories.FillFromSettings(invocation.Err);
-  const std::string& game = options.Directories.Game;
-  std::error_code ignored;
-  if (game.empty()) {
+  const jobs::CompileImages job{.Form = FormOf(options),
+                                .SdkDirectory = options.Directories.Sdk,
+                                .GameDirectory = options.Directories.Game,
+                                .Start = options.Directories.Start(),
+                                .UseDamaged = options.Force,
+                                .UncommonFormats = options.Directories.UncommonFormats};
+  if (job.GameDirectory.empty()) {
     invocation.Err << "Error: no game directory is set; name it with --game\n";
     return ExitUsage;
   }
-  if (!std::filesystem::is_directory(core::NativePath(game), ignored)) {
-    invocation.Err << "Error: the game directory " << game << " does not exist\n";
-    return ExitFailure;
-  }
+  const auto resultLine = [&](const jobs::ItemResult& result) {
+    return options.Json ? ImageJson(result) : FileLines(result);
+  };
   const InterruptFlag interrupt;
-  tools::ToolRunOptions run;
-  run.Start = options.Directories.Start();
-  run.Stop = &interrupt.Flag();
-  run.AnnounceStart = false;
-  LogReport report(invocation.Err, options.Quiet);
-  const tools::MaterialCompile job = JobOf(options);
-  WarnOfClashes(job, invocation.Err);
-  size_t succeeded = 0;
-  RunMaterials(job, options.Directories, images::ImageWorker(), run, report, [&](const MaterialOutcome& outcome) {
-    if (outcome.Succeeded()) ++succeeded;
-    for (const std::string& error : outcome.Errors) {
-      invocation.Err << outcome.Image << ": " << error << '\n';
-    }
-    if (outcome.Stopped) invocation.Err << outcome.Image << ": stopped\n";
-    if (options.Json) {
-      invocation.Out << OutcomeJson(outcome) << std::endl;
-    } else {
-      for (const std::string& file : outcome.Files) invocation.Out << file << std::endl;
-    }
-  });
-  if (job.Images.size() > 1 && !options.Quiet) {
-    invocation.Err << succeeded << " of " << job.Images.size() << " materials compiled\n";
-  }
-  return succeeded == job.Images.size() ? ExitSuccess : ExitFailure;
+  ConsoleHost host(invocation.Out, invocation.Err, {.Item = "image", .Quiet = options.Quiet, .ResultLine = resultLine});
+  return ExitCodeOf(jobs::Run(job, host, interrupt.Token()));
 }
 
 }  // namespace
@@ -132,33 +84,35 @@ int CompileImages(Options& options, Invocation& invocation) {
 void AddMaterialVerb(CLI::App& program, Invocation& invocation) {
   CLI::App* verb = program.add_subcommand("material", "Compile images to textures and materials of a game with vtex");
   auto options = std::make_shared<Options>();
-  tools::MaterialCompile& job = options->Job;
-  verb->add_option("IMAGE", job.Images, "Images (tga, jpg, gif, bmp, png, dds and more), each a material of its own")
+  tools::MaterialCompile& form = options->Form;
+  verb->add_option("IMAGE", form.Images, "Images (tga, jpg, gif, bmp, png, dds and more), each a material of its own")
       ->required();
   options->Directories.AddOptions(*verb);
-  verb->add_option("-d,--directory", job.Directory,
+  verb->add_option("-d,--directory", form.Directory,
                    "Compiled material directory, below materials/models of the game directory; made if missing");
   verb->add_flag("--for-maps", options->ForMaps, "Take the directory as below materials (for map textures)");
-  verb->add_option("--shader", job.Shader, "VertexLitGeneric for models, UnlitGeneric or LightmappedGeneric for maps")
+  verb->add_option("--shader", form.Shader, "VertexLitGeneric for models, UnlitGeneric or LightmappedGeneric for maps")
       ->capture_default_str();
   CLI::Option* translucent =
-      verb->add_flag("--translucent", job.Translucent, "The material is translucent; the image's alpha is the mask");
-  verb->add_option("--normal", job.NormalMap, "Normal map image");
-  CLI::Option* glow = verb->add_option("--glow", job.GlowMap, "Glow map image; it replaces the base alpha");
+      verb->add_flag("--translucent", form.Translucent, "The material is translucent; the image's alpha is the mask");
+  verb->add_option("--normal", form.NormalMap, "Normal map image");
+  CLI::Option* glow = verb->add_option("--glow", form.GlowMap, "Glow map image; it replaces the base alpha");
   glow->excludes(translucent);
-  verb->add_flag("--glow-texture", job.UseSelfIllumTexture,
+  verb->add_flag("--glow-texture", form.UseSelfIllumTexture,
                  "Use $selfillumtexture: keep the glow map as a texture of its own (depends on the shader)")
       ->needs(glow);
-  CLI::Option* envMap = verb->add_flag("--envmap", job.EnvMap, "Reflect the environment (env_cubemap)");
+  CLI::Option* envMap = verb->add_flag("--envmap", form.EnvMap, "Reflect the environment (env_cubemap)");
   verb->add_option("--mask", options->Masks,
                    "Take the reflection's mask from the alpha of this map, which the specular map replaces if given: "
                    "base, normal or illum; may be given more than once")
       ->check(CLI::IsMember({"base", "normal", "illum"}))
       ->allow_extra_args(false);
-  verb->add_option("--contrast", job.EnvMapContrast, "Envmap contrast: one value, or three in quotes")->needs(envMap);
-  verb->add_option("--saturation", job.EnvMapSaturation, "Envmap saturation, the same")->needs(envMap);
-  verb->add_option("--tint", job.EnvMapTint, "Envmap tint, the same")->needs(envMap);
-  verb->add_option("--specular", job.SpecularMap, "Specular map image; it is converted to greyscale");
+  verb->add_option("--contrast", form.EnvMapContrast, "Envmap contrast: one value, or three in quotes")->needs(envMap);
+  verb->add_option("--saturation", form.EnvMapSaturation, "Envmap saturation, the same")->needs(envMap);
+  verb->add_option("--tint", form.EnvMapTint, "Envmap tint, the same")->needs(envMap);
+  verb->add_option("--specular", form.SpecularMap, "Specular map image; it is converted to greyscale");
+  verb->add_flag("--force", options->Force,
+                 "Use images that are cut off or damaged too, with what can be read of them");
   verb->add_flag("--json", options->Json, "Print one JSON object an image, one a line, on standard output");
   verb->add_flag("-q,--quiet", options->Quiet, "Print errors and the files that were written only");
   verb->footer(Examples);

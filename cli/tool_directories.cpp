@@ -48,6 +48,7 @@ void ToolDirectories::FillFromSettings(std::ostream& err) {
   fill(Sdk, core::setting::SdkDirectory);
   fill(Game, core::setting::GameDirectory);
   fill(Wine, core::setting::WineProgram);
+  UncommonFormats = core::setting::UncommonImageFormats.Read(*settings) != 0;
 }
 
 }  // namespace tarnwick::cli

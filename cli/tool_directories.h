@@ -27,6 +27,7 @@ struct ToolDirectories {
   std::string Sdk;
   std::string Game;
   std::string Wine;
+  bool UncommonFormats = true;  // of images, all that are known; the settings alone say so
 
   /// Adds the options to `verb`. The object outlives the parsing.
   void AddOptions(CLI::App& verb);

@@ -2,21 +2,18 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <atomic>
 #include <memory>
-#include <mutex>
 #include <nlohmann/json.hpp>
 #include <set>
 #include <thread>
 
+#include "cli/console_host.h"
 #include "cli/interrupt.h"
-#include "cli/terminal.h"
 #include "cli/tool_directories.h"
-#include "cli/vtf_export.h"
 #include "cli/vtf_info.h"
-#include "cli/vtf_plan.h"
 #include "core/paths.h"
 #include "images/known_formats.h"
+#include "jobs/export_textures.h"
 
 namespace tarnwick::cli {
 
@@ -37,6 +34,7 @@ struct Options {
   ToolDirectories Directories;
   bool Recursive = false;
   bool ListFormats = false;
+  bool KeepTga = false;
   bool Json = false;
   bool Quiet = false;
   bool Verbose = false;
@@ -44,13 +42,16 @@ struct Options {
   std::vector<std::string> InfoFiles;
 };
 
-std::string OutcomeJson(const VtfOutcome& outcome) {
+/// One line of JSON for a texture; docs/materials.md describes it.
+std::string TextureJson(const jobs::ItemResult& result) {
   nlohmann::ordered_json json;
-  json["input"] = outcome.Texture.Input;
-  json["outcome"] = outcome.Succeeded() ? "ok" : outcome.Stopped ? "stopped" : "failed";
-  json["files"] = outcome.Files;
-  json["seconds"] = outcome.Seconds;
-  json["errors"] = outcome.Errors;
+  json["input"] = result.Input;
+  json["outcome"] = OutcomeWord(result.Judged);
+  json["files"] = nlohmann::ordered_json::array();
+  for (const core::WrittenFile& file : result.Files) json["files"].push_back(file.Path);
+  json["seconds"] = result.Seconds;
+  json["warnings"] = TroubleLines(result, core::Severity::Warning);
+  json["errors"] = TroubleLines(result, core::Severity::Error);
   // Names of files are bytes in no known encoding; JSON takes UTF-8 only.
   return json.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
 }
@@ -89,69 +90,31 @@ int ListFormats(Invocation& invocation) {
   return formats.empty() ? ExitFailure : ExitSuccess;
 }
 
-/// The verb's run over all its textures.
-class VtfBatch {
- public:
-  VtfBatch(const Options& options, Invocation& invocation)
-      : m_options(options), m_out(invocation.Out), m_err(invocation.Err) {}
-
-  int Run() {
-    const VtfPlan plan = PlanVtf(m_options.Inputs, m_options.Output, m_options.Format, m_options.Recursive);
-    for (const std::string& problem : plan.Problems) m_err << "Error: " << problem << '\n';
-    if (plan.Textures.empty()) return ExitFailure;
-    if (!CanWrite(plan.Textures.front().Extension, m_worker, m_err)) return ExitUsage;
-    m_options.Directories.FillFromSettings(m_err);
-
-    ProgressLine progress(m_err, ErrorIsTerminal() && plan.Textures.size() > 1 && !m_options.Quiet);
-    std::vector<std::thread> threads;
-    for (int i = 1; i < m_options.Jobs && static_cast<size_t>(i) < plan.Textures.size(); ++i) {
-      threads.emplace_back([&] { Work(plan, progress); });
-    }
-    Work(plan, progress);
-    for (std::thread& thread : threads) thread.join();
-    progress.Clear();
-    if (plan.Textures.size() > 1 && !m_options.Quiet) {
-      m_err << m_succeeded << " of " << plan.Textures.size() << " textures written\n";
-    }
-    return m_succeeded == plan.Textures.size() && plan.Problems.empty() ? ExitSuccess : ExitFailure;
+int ExportTextures(Options& options, Invocation& invocation) {
+  options.Directories.FillFromSettings(invocation.Err);
+  const jobs::ExportTextures job{.Inputs = options.Inputs,
+                                 .Output = options.Output,
+                                 .Format = options.Format,
+                                 .Recursive = options.Recursive,
+                                 .KeepTga = options.KeepTga,
+                                 .SdkDirectory = options.Directories.Sdk,
+                                 .Start = options.Directories.Start(),
+                                 .UncommonFormats = options.Directories.UncommonFormats,
+                                 .Threads = options.Jobs};
+  const jobs::JobPlan plan = jobs::Plan(job);
+  if (!plan.Items.empty()) {
+    const std::string& target = plan.Items.front().Target;
+    if (!CanWrite(target.substr(target.rfind('.') + 1), images::ImageWorker(), invocation.Err)) return ExitUsage;
   }
-
- private:
-  void Work(const VtfPlan& plan, ProgressLine& progress) {
-    tools::ToolRunOptions run;
-    run.Start = m_options.Directories.Start();
-    run.Stop = &m_interrupt.Flag();
-    run.AnnounceStart = false;
-    const std::string sdk = m_options.Directories.SdkFor(tools::Vtf2tga);
-    for (size_t i = m_next++; i < plan.Textures.size() && !m_interrupt.IsSet(); i = m_next++) {
-      const VtfOutcome outcome = ExportVtf(plan.Textures[i], sdk, m_worker, run);
-      const std::lock_guard guard(m_lock);
-      progress.Clear();
-      Tell(outcome);
-      progress.Show(++m_done, plan.Textures.size(), outcome.Texture.Input);
-    }
-  }
-
-  void Tell(const VtfOutcome& outcome) {
-    if (outcome.Succeeded()) ++m_succeeded;
-    if (m_options.Verbose) m_err << PlainLines(outcome.LogText);
-    for (const std::string& error : outcome.Errors) m_err << outcome.Texture.Input << ": " << error << '\n';
-    if (outcome.Stopped) m_err << outcome.Texture.Input << ": stopped\n";
-    if (m_options.Json) m_out << OutcomeJson(outcome) << std::endl;
-    if (m_options.Json || m_options.Quiet) return;
-    for (const std::string& file : outcome.Files) m_out << file << std::endl;
-  }
-
-  Options m_options;
-  std::ostream& m_out;
-  std::ostream& m_err;
-  images::ImageWorker m_worker;
-  InterruptFlag m_interrupt;
-  std::atomic<size_t> m_next{0};
-  std::mutex m_lock;
-  size_t m_done = 0;
-  size_t m_succeeded = 0;
-};
+  const auto resultLine = [&](const jobs::ItemResult& result) {
+    if (options.Json) return TextureJson(result);
+    return options.Quiet ? std::string() : FileLines(result);
+  };
+  const InterruptFlag interrupt;
+  ConsoleHost host(invocation.Out, invocation.Err,
+                   {.Item = "texture", .Quiet = options.Quiet, .ShowsLog = options.Verbose, .ResultLine = resultLine});
+  return ExitCodeOf(jobs::Run(job, host, interrupt.Token()));
+}
 
 }  // namespace
 
@@ -168,6 +131,8 @@ void AddVtfVerb(CLI::App& program, Invocation& invocation) {
   verb->add_flag("-r,--recursive", options->Recursive,
                  "Take every .vtf file below a folder; each image gets a path like its own");
   verb->add_option("-j,--jobs", options->Jobs, "Textures at a time")->check(CLI::Range(1, 1024))->capture_default_str();
+  verb->add_flag("--keep-tga", options->KeepTga,
+                 "Leave the TGA files that vtf2tga writes beside images of other formats");
   options->Directories.AddSdkOptions(*verb);
   verb->add_flag("--json", options->Json, "Print one JSON object a texture, one a line, on standard output");
   verb->add_flag("-q,--quiet", options->Quiet, "Print errors only");
@@ -187,7 +152,7 @@ void AddVtfVerb(CLI::App& program, Invocation& invocation) {
     } else if (options->Inputs.empty()) {
       throw CLI::RequiredError("INPUT");
     } else {
-      invocation.Run = [options, &invocation] { return VtfBatch(*options, invocation).Run(); };
+      invocation.Run = [options, &invocation] { return ExportTextures(*options, invocation); };
     }
   });
 }

@@ -35,6 +35,7 @@ namespace setting {
 inline constexpr TextSetting SdkDirectory{MainSection, "SDKDirectory"};
 inline constexpr TextSetting GameDirectory{MainSection, "GameDirectory"};
 inline constexpr TextSetting WineProgram{MainSection, "Wine Program"};  // runs Windows programs; empty: looked for
+inline constexpr IntSetting UncommonImageFormats{MainSection, "Uncommon Image Formats", 1};  // 0: read fewer
 inline constexpr IntSetting TabSelect{MainSection, "TabSelect"};
 inline constexpr IntSetting CompileMode{MainSection, "Compile Mode"};
 
@@ -134,10 +135,26 @@ inline constexpr const TextSetting* TextValues[] = {
 
 /// All numbers, likewise.
 inline constexpr const IntSetting* IntValues[] = {
-    &TabSelect,          &CompileMode,      &StudioMdlOptions, &ModelPath,        &AnimSmdCheck,
-    &PhySmdCheck,        &PropType,         &ModelOptionsTab,  &Transparency,     &SelfIllum,
-    &SelfIllumBaseAlpha, &HasNormal,        &EnvMap,           &EnvMapNormalMask, &EnvMapIllumMask,
-    &EnvMapBaseMask,     &CheckBoxSettings, &ReadyToCompile,   &OwnModelFolders,
+    &UncommonImageFormats,
+    &TabSelect,
+    &CompileMode,
+    &StudioMdlOptions,
+    &ModelPath,
+    &AnimSmdCheck,
+    &PhySmdCheck,
+    &PropType,
+    &ModelOptionsTab,
+    &Transparency,
+    &SelfIllum,
+    &SelfIllumBaseAlpha,
+    &HasNormal,
+    &EnvMap,
+    &EnvMapNormalMask,
+    &EnvMapIllumMask,
+    &EnvMapBaseMask,
+    &CheckBoxSettings,
+    &ReadyToCompile,
+    &OwnModelFolders,
 };
 
 }  // namespace setting

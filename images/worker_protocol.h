@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "images/limits.h"
+
 namespace tarnwick::images {
 
 /// What the worker is to do with one image. It travels as the worker's arguments.
@@ -25,6 +27,11 @@ struct WorkerRequest {
   bool UseDamaged = false;    // make do with what can be read of a damaged image
   bool FamiliarOnly = false;  // read no format but those that textures are commonly made from
 };
+
+/// Whether the request is for a small picture of many, which may cost little.
+inline bool IsThumbnail(const WorkerRequest& request) {
+  return request.Task == WorkerRequest::Job::Preview && request.Side <= LargestThumbnailSide;
+}
 
 /// What the worker says: one line, then bytes that depend on the task.
 struct WorkerAnswer {

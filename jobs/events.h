@@ -93,7 +93,8 @@ struct Question {
   std::string Details = {};  // a second, quieter paragraph; may be empty
   std::string Yes = {};      // the words on the button that goes on; "" for "OK"
   core::BoxIcon Icon = core::BoxIcon::Exclamation;
-  bool Assumed = false;  // what a host answers that cannot ask
+  bool Assumed = false;    // what a host answers that cannot ask
+  std::string About = {};  // a no is not asked for again about the same; "": by the text
   bool operator==(const Question&) const = default;
 };
 

@@ -28,9 +28,10 @@ class Channel {
   /// Asks the host. A question that got a no is not asked again in the same job: the answer stays.
   bool Ask(const Question& question) {
     const std::lock_guard lock(m_mutex);
-    if (m_refused.contains({question.Kind, question.Text})) return false;
+    const std::pair key(question.Kind, question.About.empty() ? question.Text : question.About);
+    if (m_refused.contains(key)) return false;
     const bool answer = m_host.Ask(question);
-    if (!answer) m_refused.insert({question.Kind, question.Text});
+    if (!answer) m_refused.insert(key);
     return answer;
   }
 

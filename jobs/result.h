@@ -25,6 +25,8 @@ struct ItemResult {
   std::string Source = {};  // what the work read in its place (a project's script); else the same
   std::string Target = {};  // what it was to make: an output directory, a model, a texture, an image; "" if unknown
   std::string CommandLine = {};  // of the tool that ran; "" where none did
+  std::string Shown = {};        // what a page shows of a tool's run and the work around it, by the rule of the tool
+  std::string Notes = {};        // of that, what the program itself says of the run
   Verdict Judged = Verdict::NotBegun;
   std::vector<core::WrittenFile> Files = {};    // in the order in which they were begun
   std::vector<core::Trouble> Troubles = {};     // in the order in which they were told

@@ -1,9 +1,12 @@
 #include "pages/mat_dialog.h"
 
 #include <QShortcut>
+#include <utility>
+#include <variant>
 
 #include "core/paths.h"
 #include "core/settings_table.h"
+#include "jobs/compile_images.h"
 #include "pages/file_chooser.h"
 #include "pages/material_settings.h"
 #include "platform/bitmap_button.h"
@@ -23,8 +26,8 @@ CMatDialog::CMatDialog(const PageContext& context, QWidget* parent)
     : CPage(context, parent),
       m_ui(std::make_unique<Ui::MatDialog>()),
       m_envmap(context.Desktop, this),
-      m_status(context.Desktop, this, [this] { m_jobs.RequestStop(); }),
-      m_jobs(*this) {
+      m_status(context.Desktop, this, [this] { m_job.RequestStop(); }),
+      m_job(*this) {
   m_ui->setupUi(this);
   connect(m_ui->modelPathRadio, &QAbstractButton::clicked, this, [this] { Options().modelPath = true; });
   connect(m_ui->mapPathRadio, &QAbstractButton::clicked, this, [this] { Options().modelPath = false; });
@@ -148,38 +151,56 @@ void CMatDialog::OnDropFiles(const platform::DroppedFiles& drop) {
   if (list.topLevelItemCount() > 0) list.scrollToItem(list.topLevelItem(list.topLevelItemCount() - 1));
 }
 
+bool CMatDialog::HasGame(const jobs::CompileImages& job) {
+  const auto obstacle = jobs::ObstacleOf(job);
+  if (!obstacle) return true;
+  platform::MessageBoxRequest box{obstacle->Text + "\r\nMaterials are compiled for a game.", "Material Compile",
+                                  platform::BoxIcon::Exclamation, platform::BoxButtons::OkCancel};
+  box.OkLabel = "Configure";
+  if (!Context().Configure) box.Buttons = platform::BoxButtons::Ok;
+  if (DesktopSeam().ShowBox(this, box) == platform::BoxAnswer::Ok && Context().Configure) Context().Configure();
+  return false;
+}
+
 void CMatDialog::CompileMaterials() {
   SaveSettings();
   m_status.Create();
-  const MaterialJob job{Values(), setting::SdkDirectory.Read(Settings()), setting::GameDirectory.Read(Settings()),
-                        setting::WineProgram.Read(Settings())};
-  const auto events = std::make_shared<MaterialEvents>();
-  const auto work = [job, events](platform::JobReport& report, const std::stop_token& stop) {
-    RunMaterialJob(job, report, stop, *events);
-  };
+  const jobs::CompileImages job{.Form = Values(),
+                                .SdkDirectory = setting::SdkDirectory.Read(Settings()),
+                                .GameDirectory = setting::GameDirectory.Read(Settings()),
+                                .Start = {setting::WineProgram.Read(Settings())},
+                                .UncommonFormats = setting::UncommonImageFormats.Read(Settings()) != 0};
+  if (!HasGame(job)) return;
   m_status.Begin();
-  m_jobs.Start(work, {.Bar = &m_status.Bar(),
-                      .LogGrew =
-                          [this](const std::string& text) {
-                            if (Context().Log != nullptr) Context().Log->AppendPageLog(text);
-                          },
-                      .Tick = [this, events] { ShowEvents(*events); },
-                      .Done =
-                          [this, events] {
-                            ShowEvents(*events);
-                            m_status.End();
-                          }});
+  m_outputDirectory = job.Form.Directory;
+  m_job.Start([job](jobs::Host& host, const std::stop_token& stop) { jobs::Run(job, host, stop); },
+              {.Bar = &m_status.Bar(), .Boxes = JobBoxes::Always, .OnEvent = [this](const jobs::Event& event) {
+                 Show(event);
+               }});
 }
 
-void CMatDialog::ShowEvents(MaterialEvents& events) {
-  for (const JobEvent<MaterialOutcome>& event : events.Take()) {
-    const bool isFirst = event.Told == JobEvent<MaterialOutcome>::Kind::Started && event.Index == 0;
-    if (isFirst) {
-      platform::CenterOver(*this, m_status);
-      m_status.show();
-    }
-    m_status.Show(event);
-  }
+void CMatDialog::ToPageLog(const std::string& text) {
+  if (Context().Log != nullptr) Context().Log->AppendPageLog(text);
+}
+
+void CMatDialog::Show(const jobs::Event& event) {
+  std::visit(jobs::Overloaded{
+                 [this](const jobs::Started& started) {
+                   m_begun = true;
+                   ToPageLog("Material Output Dir: " + m_outputDirectory + "\r\n");
+                   if (started.Count == 0) return;
+                   platform::CenterOver(*this, m_status);
+                   m_status.show();
+                 },
+                 [this](const jobs::ItemStarted& started) { ToPageLog("Running VTEX on " + started.Input + "\r\n"); },
+                 [this](const jobs::ItemFinished&) { ToPageLog("VTEX COMPLETED !\r\n"); },
+                 [this](const jobs::Finished&) {
+                   if (std::exchange(m_begun, false)) ToPageLog("\r\n");
+                 },
+                 [](const auto&) {},
+             },
+             event);
+  m_status.Show(event);
 }
 
 }  // namespace tarnwick::pages

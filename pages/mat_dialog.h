@@ -3,10 +3,16 @@
 #include <memory>
 #include <string>
 
+#include "jobs/events.h"
 #include "pages/envmap_dialog.h"
 #include "pages/page.h"
+#include "pages/page_job.h"
 #include "pages/vtex_status_dialog.h"
-#include "platform/job_runner.h"
+#include "tools/material_compile.h"
+
+namespace tarnwick::jobs {
+struct CompileImages;
+}
 
 namespace Ui {
 class MatDialog;
@@ -42,12 +48,16 @@ class CMatDialog : public CPage {
   void OnEnvMapSettings();
   void OnAdd();
   void OnClear();
-  void ShowEvents(MaterialEvents& events);
+  bool HasGame(const jobs::CompileImages& job);
+  void Show(const jobs::Event& event);
+  void ToPageLog(const std::string& text);
 
   std::unique_ptr<Ui::MatDialog> m_ui;
   CEnvmapDialog m_envmap;
   CVtexStatusDialog m_status;
-  platform::JobRunner m_jobs;  // behind the window that it writes to
+  std::string m_outputDirectory;  // of the compile at work
+  bool m_begun = false;
+  PageJob m_job;  // behind the window that it writes to
 };
 
 }  // namespace tarnwick::pages

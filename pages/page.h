@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 #include "core/app_settings.h"
 #include "platform/dialog.h"
 #include "tools/page_log.h"
@@ -14,8 +16,9 @@ namespace tarnwick::pages {
 struct PageContext {
   core::AppSettings& Settings;
   platform::Desktop& Desktop;
-  project::ModelOptions& Options;  // the program's one record, filled from the settings before a page is created
-  tools::PageLog* Log = nullptr;   // the compile pages' one channel; may be missing
+  project::ModelOptions& Options;        // the program's one record, filled from the settings before a page is created
+  tools::PageLog* Log = nullptr;         // the compile pages' one channel; may be missing
+  std::function<void()> Configure = {};  // opens the configuration of game and SDK; may be missing
 };
 
 /// A page of the main dialog. Its OnDropFiles is called with the files that are dropped on the main dialog while its

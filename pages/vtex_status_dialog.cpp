@@ -1,6 +1,7 @@
 #include "pages/vtex_status_dialog.h"
 
-#include <QScrollBar>
+#include <QSignalBlocker>
+#include <variant>
 
 #include "core/paths.h"
 #include "platform/text.h"
@@ -12,8 +13,10 @@ using platform::ToQt;
 
 namespace {
 
-QString ShownText(const std::string& text) {
-  return ToQt(text).remove('\r');
+/// What the list of materials says behind the name of one that is done.
+QString Mark(const jobs::ItemResult& result) {
+  if (result.Judged == jobs::Verdict::Stopped) return " (stopped)";
+  return result.Succeeded() ? "" : " (failed)";
 }
 
 }  // namespace
@@ -35,59 +38,91 @@ QProgressBar& CVtexStatusDialog::Bar() const {
 
 void CVtexStatusDialog::Begin() {
   m_logs.clear();
-  m_count = m_done = m_failed = 0;
+  m_count = m_done = 0;
+  m_note.clear();
   m_ui->materialCombo->clear();
-  m_ui->logEdit->clear();
+  m_ui->logEdit->Clear();
   m_ui->countBar->setRange(0, 1);
   m_ui->countBar->setValue(0);
   m_ui->stateLabel->setText("Converting");
   m_ui->stopButton->setEnabled(true);
 }
 
-void CVtexStatusDialog::Show(const JobEvent<MaterialOutcome>& event) {
-  using Kind = JobEvent<MaterialOutcome>::Kind;
-  const int shown = m_ui->materialCombo->currentIndex();
-  if (event.Told == Kind::Started) {
-    m_count = event.Count;
-    m_ui->countBar->setRange(0, static_cast<int>(m_count));
-    m_ui->stateLabel->setText(QString("Material %1 of %2").arg(event.Index + 1).arg(m_count));
-    m_logs.emplace_back();
-    const QString name = ToQt(core::LastComponent(event.Text));
-    m_ui->materialCombo->addItem(name);
-    m_ui->materialCombo->setItemData(m_ui->materialCombo->count() - 1, ToQt(event.Text), Qt::ToolTipRole);
-    // Whoever looks at an earlier one goes on reading.
-    if (shown == m_ui->materialCombo->count() - 2) m_ui->materialCombo->setCurrentIndex(shown + 1);
-    return;
-  }
-  const bool isShown = shown == static_cast<int>(m_logs.size()) - 1;
-  if (event.Told == Kind::Text) {
-    m_logs.back().Shown += ShownText(event.Text);
-  } else {
-    m_logs.back() = {ShownText(event.Text), ShownText(event.What.WholeLog)};
-    m_ui->countBar->setValue(static_cast<int>(++m_done));
-    if (!event.What.Succeeded) {
-      ++m_failed;
-      const int row = static_cast<int>(m_logs.size()) - 1;
-      m_ui->materialCombo->setItemText(row, m_ui->materialCombo->itemText(row) + " (failed)");
-    }
-  }
-  if (!isShown) return;
-  ShowLog();
-  m_ui->logEdit->verticalScrollBar()->setValue(m_ui->logEdit->verticalScrollBar()->maximum());
+void CVtexStatusDialog::Show(const jobs::Event& event) {
+  std::visit(jobs::Overloaded{
+                 [this](const jobs::Started& started) {
+                   m_count = started.Count;
+                   m_ui->countBar->setRange(0, static_cast<int>(m_count));
+                 },
+                 [this](const jobs::ItemStarted& started) { OnItemStarted(started); },
+                 [this](const jobs::Line& line) { OnLine(line); },
+                 [this](const jobs::ItemFinished& finished) { OnItemFinished(finished); },
+                 [this](const jobs::Finished& finished) { OnFinished(finished.Result); },
+                 [](const auto&) {},
+             },
+             event);
 }
 
-void CVtexStatusDialog::End() {
+bool CVtexStatusDialog::IsLastShown() const {
+  return m_ui->materialCombo->currentIndex() == static_cast<int>(m_logs.size()) - 1;
+}
+
+void CVtexStatusDialog::OnItemStarted(const jobs::ItemStarted& started) {
+  const bool follows = IsLastShown();  // whoever looks at an earlier one goes on reading
+  m_ui->stateLabel->setText(QString("Material %1 of %2").arg(started.Item + 1).arg(m_count) + m_note);
+  m_logs.emplace_back();
+  const QSignalBlocker quiet(m_ui->materialCombo);
+  m_ui->materialCombo->addItem(ToQt(core::LastComponent(started.Input)));
+  const int row = m_ui->materialCombo->count() - 1;
+  m_ui->materialCombo->setItemData(row, ToQt(started.Input), Qt::ToolTipRole);
+  if (!follows && row != 0) return;
+  m_ui->materialCombo->setCurrentIndex(row);
+  ShowLog();
+}
+
+void CVtexStatusDialog::OnLine(const jobs::Line& line) {
+  if (line.Item == jobs::NoItem) {
+    m_note = " - " + ToQt(line.Text).trimmed();
+    return;
+  }
+  m_logs.back().Whole += line.Text;
+  if (IsLastShown()) m_ui->logEdit->Append(line.Text);
+}
+
+void CVtexStatusDialog::OnItemFinished(const jobs::ItemFinished& finished) {
+  MaterialLog& log = m_logs.back();
+  log.Shown = finished.Result.Shown;
+  log.Whole += finished.Result.Notes;
+  log.IsDone = true;
+  m_ui->countBar->setValue(static_cast<int>(++m_done));
+  const int row = static_cast<int>(m_logs.size()) - 1;
+  m_ui->materialCombo->setItemText(row, m_ui->materialCombo->itemText(row) + Mark(finished.Result));
+  const core::Trouble* error = finished.Result.First(core::Severity::Error);
+  // What has no box of its own stands behind the tool's text.
+  if (error != nullptr && error->Caption.empty() && log.Shown.find(error->Text) == std::string::npos) {
+    log.Shown += "\r\n[" + error->Text + "]\r\n";
+    log.Whole += "\r\n[" + error->Text + "]\r\n";
+  }
+  if (IsLastShown()) ShowLog();
+}
+
+void CVtexStatusDialog::OnFinished(const jobs::JobResult& result) {
   m_ui->stopButton->setEnabled(false);
-  QString text = QString("%1 of %2 compiled").arg(m_done - m_failed).arg(m_count);
-  if (m_failed != 0) text += QString(", %1 failed").arg(m_failed);
-  m_ui->stateLabel->setText(text);
+  QString text = QString("%1 of %2 compiled").arg(result.Count(jobs::Verdict::Succeeded)).arg(result.Items.size());
+  if (const size_t failed = result.Count(jobs::Verdict::Failed); failed != 0)
+    text += QString(", %1 failed").arg(failed);
+  if (const size_t stopped = result.Count(jobs::Verdict::Stopped); stopped != 0) {
+    text += QString(", %1 stopped").arg(stopped);
+  }
+  m_ui->stateLabel->setText(text + m_note);
 }
 
 void CVtexStatusDialog::ShowLog() {
+  m_ui->logEdit->Clear();
   const int row = m_ui->materialCombo->currentIndex();
-  const MaterialLog log = row < 0 ? MaterialLog() : m_logs[static_cast<size_t>(row)];
-  const bool wantsWhole = m_ui->wholeLogButton->isChecked() && !log.Whole.isEmpty();
-  m_ui->logEdit->setPlainText(wantsWhole ? log.Whole : log.Shown);
+  if (row < 0) return;
+  const MaterialLog& log = m_logs[static_cast<size_t>(row)];
+  m_ui->logEdit->Append(m_ui->wholeLogButton->isChecked() || !log.IsDone ? log.Whole : log.Shown);
 }
 
 }  // namespace tarnwick::pages

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "pages/material_job.h"
+#include "jobs/events.h"
 #include "platform/dialog.h"
 
 class QProgressBar;
@@ -28,25 +28,30 @@ class CVtexStatusDialog : public platform::CDialog {
 
   /// Empties the window for a new compile.
   void Begin();
-  void Show(const JobEvent<MaterialOutcome>& event);
-  /// The compile has ended.
-  void End();
+  /// Shows what the job tells.
+  void Show(const jobs::Event& event);
 
   QProgressBar& Bar() const;
 
  private:
+  void OnItemStarted(const jobs::ItemStarted& started);
+  void OnLine(const jobs::Line& line);
+  void OnItemFinished(const jobs::ItemFinished& finished);
+  void OnFinished(const jobs::JobResult& result);
   void ShowLog();
+  bool IsLastShown() const;
 
   std::unique_ptr<Ui::VtexStatusDialog> m_ui;
-  /// What a material's run has printed so far; `Whole` is there at its end.
+  /// What is shown of a material; `Shown` is there at its end.
   struct MaterialLog {
-    QString Shown;
-    QString Whole;
+    std::string Shown;
+    std::string Whole;  // everything that was printed so far
+    bool IsDone = false;
   };
   std::vector<MaterialLog> m_logs;  // one for each material so far
   size_t m_count = 0;
   size_t m_done = 0;
-  size_t m_failed = 0;
+  QString m_note;  // on which tool is used
 };
 
 }  // namespace tarnwick::pages

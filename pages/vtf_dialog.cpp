@@ -1,16 +1,22 @@
 #include "pages/vtf_dialog.h"
 
-#include <QScrollBar>
 #include <algorithm>
-#include <filesystem>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <utility>
+#include <variant>
 
 #include "core/paths.h"
 #include "core/settings_table.h"
+#include "images/preview.h"
+#include "jobs/summary.h"
 #include "pages/thumbnail_loader.h"
 #include "platform/bitmap_button.h"
 #include "platform/dropped_files.h"
 #include "platform/text.h"
 #include "settings/documents_folder.h"
+#include "tools/vtf_export.h"
 #include "ui_vtf_dialog.h"
 
 namespace tarnwick::pages {
@@ -21,6 +27,7 @@ using platform::ToQt;
 
 namespace {
 
+constexpr int PictureSide = 512;  // pixels
 constexpr const char* InputFilter = "VTF Files (*.vtf)|*.vtf|";
 constexpr const char* OutputFilter =
     "TGA/VMT Files (*.tga,*.vmt)|*.tga;*.vmt|All Files (*.tga,*.jpg,*.gif,*.bmp,*.vmt,*.png,*.dds)|"
@@ -35,8 +42,55 @@ std::vector<std::string> TexturesOf(const platform::DroppedFiles& drop) {
 
 }  // namespace
 
+/// Pictures of the textures that are done, on their way from the job's thread to the window's.
+struct CVTFDialog::Pictures {
+  struct Each {
+    std::optional<images::PreviewImage> Picture;
+    std::string Reason;  // why there is none
+  };
+  void Add(size_t item, Each each) {
+    const std::lock_guard lock(m_mutex);
+    m_pictures[item] = std::move(each);
+  }
+  Each Take(size_t item) {
+    const std::lock_guard lock(m_mutex);
+    const auto found = m_pictures.extract(item);
+    return found.empty() ? Each() : found.mapped();
+  }
+
+ private:
+  std::mutex m_mutex;
+  std::map<size_t, Each> m_pictures;
+};
+
+/// Passes everything on, and has a picture ready of each texture that is told to be done.
+class CVTFDialog::PicturingHost : public jobs::Host {
+ public:
+  PicturingHost(jobs::Host& inner, Pictures& pictures, const std::stop_token& stop)
+      : m_inner(inner), m_pictures(pictures) {
+    m_worker.StopWith(stop);
+  }
+  void On(const jobs::Event& event) override {
+    const auto* finished = std::get_if<jobs::ItemFinished>(&event);
+    if (finished != nullptr && !finished->Result.Files.empty()) {
+      Pictures::Each each;
+      // An image of an uncommon format has a TGA file beside it that shows the same.
+      each.Picture =
+          images::LoadPreview(tools::SuggestOutputName(finished->Result.Target), PictureSide, m_worker, &each.Reason);
+      m_pictures.Add(finished->Item, std::move(each));
+    }
+    m_inner.On(event);
+  }
+  bool Ask(const jobs::Question& question) override { return m_inner.Ask(question); }
+
+ private:
+  jobs::Host& m_inner;
+  Pictures& m_pictures;
+  images::ImageWorker m_worker;
+};
+
 CVTFDialog::CVTFDialog(const PageContext& context, QWidget* parent)
-    : CPage(context, parent), m_ui(std::make_unique<Ui::VtfDialog>()), m_jobs(*this) {
+    : CPage(context, parent), m_ui(std::make_unique<Ui::VtfDialog>()), m_job(*this) {
   m_ui->setupUi(this);
   m_ui->picture->ShowText("The exported texture is shown here");
   m_ui->progressRow->hide();
@@ -44,7 +98,7 @@ CVTFDialog::CVTFDialog(const PageContext& context, QWidget* parent)
   connect(m_ui->browseOutputButton, &QAbstractButton::clicked, this, &CVTFDialog::OnBrowseOutput);
   connect(m_ui->extractButton, &QAbstractButton::clicked, this, &CVTFDialog::ExtractVtf);
   connect(m_ui->wholeLogButton, &QAbstractButton::toggled, this, &CVTFDialog::ShowLog);
-  connect(m_ui->stopButton, &QAbstractButton::clicked, this, [this] { m_jobs.RequestStop(); });
+  connect(m_ui->stopButton, &QAbstractButton::clicked, this, [this] { m_job.RequestStop(); });
 }
 
 CVTFDialog::~CVTFDialog() = default;
@@ -92,104 +146,111 @@ void CVTFDialog::OnBrowseOutput() {
 }
 
 void CVTFDialog::OnDropFiles(const platform::DroppedFiles& drop) {
-  if (m_jobs.IsRunning()) return;
+  if (m_job.IsRunning()) return;
   const std::string& first = drop.Paths.front();
   if (drop.IsOver(*m_ui->outputEdit)) return m_ui->outputEdit->setText(ToQt(first));
   const std::vector<std::string> textures = TexturesOf(drop);
   if (textures.size() > 1) return ExtractAll(textures);
-  if (!drop.IsOver(*m_ui->inputEdit)) return;
-  m_ui->inputEdit->setText(ToQt(first));
-  SuggestOutputName(first);
+  // A texture counts wherever it is dropped, anything else on the box alone.
+  if (textures.empty() && !drop.IsOver(*m_ui->inputEdit)) return;
+  const std::string& input = drop.IsOver(*m_ui->inputEdit) ? first : textures.front();
+  m_ui->inputEdit->setText(ToQt(input));
+  SuggestOutputName(input);
 }
 
 void CVTFDialog::ExtractVtf() {
-  const std::string output = FromQt(m_ui->outputEdit->text());
-  OfferMissingDirectory(output);
-  Start({{setting::SdkDirectory.Read(Settings()), FromQt(m_ui->inputEdit->text()), output}});
-}
-
-void CVTFDialog::OfferMissingDirectory(const std::string& output) {
-  const auto missing = MissingDirectoryOf(output);
-  if (!missing) return;
-  platform::MessageBoxRequest box{"The directory " + *missing + " does not exist.", "VTF Export",
-                                  platform::BoxIcon::Exclamation, platform::BoxButtons::OkCancel};
-  box.OkLabel = "Create Directory";
-  if (DesktopSeam().ShowBox(this, box) != platform::BoxAnswer::Ok) return;  // the tool says what it thinks of that
-  std::error_code error;
-  std::filesystem::create_directories(core::NativePath(*missing), error);
-  if (error) {
-    DesktopSeam().Box(this, platform::BoxIcon::Stop, *missing + " cannot be created: " + error.message(), "Error");
-  }
+  Start({.Inputs = {FromQt(m_ui->inputEdit->text())},
+         .Place = jobs::ImagePlace::ExactlyOutput,
+         .Output = FromQt(m_ui->outputEdit->text())});
 }
 
 void CVTFDialog::ExtractAll(const std::vector<std::string>& inputs) {
-  std::vector<tools::VtfExport> exports =
-      PlanExports(inputs, FromQt(m_ui->outputEdit->text()), setting::SdkDirectory.Read(Settings()));
-  const size_t overwriting = CountOverwriting(exports);
-  if (overwriting != 0) {
-    const std::string text = std::to_string(overwriting) + " of " + std::to_string(exports.size()) +
-                             " textures have been exported before.\nReplace their images?";
-    const auto answer = DesktopSeam().ShowBox(
-        this, {text, "VTF Export", platform::BoxIcon::Exclamation, platform::BoxButtons::OkCancel});
-    if (answer != platform::BoxAnswer::Ok) return;
-  }
-  Start(std::move(exports));
+  Start({.Inputs = inputs, .Place = jobs::ImagePlace::BesideInput, .Output = FromQt(m_ui->outputEdit->text())});
 }
 
-void CVTFDialog::Start(std::vector<tools::VtfExport> exports) {
-  const VtfJob job{std::move(exports), setting::WineProgram.Read(Settings())};
-  const auto events = std::make_shared<VtfEvents>();
-  const auto work = [job, events](platform::JobReport& report, const std::stop_token& stop) {
-    RunVtfJob(job, report, stop, *events);
-  };
+void CVTFDialog::Start(jobs::ExportTextures job) {
+  job.KeepTga = true;
+  job.SdkDirectory = setting::SdkDirectory.Read(Settings());
+  job.Start.WineProgram = setting::WineProgram.Read(Settings());
+  job.UncommonFormats = setting::UncommonImageFormats.Read(Settings()) != 0;
   m_finishedLog.clear();
   m_wholeLog.clear();
   m_runningLog.clear();
-  m_ui->logEdit->clear();
+  m_note.clear();
+  m_count = 0;
+  m_ui->logEdit->Clear();
   m_ui->progressLabel->setText("Progress:");
   m_ui->progressRow->show();
-  m_jobs.Start(work, {.Bar = m_ui->progressBar,
-                      .Disabled = m_ui->controls,  // not the rest: the user can stop the job
-                      .LogGrew = {},
-                      .Tick = [this, events, exported = job.Exports] { ShowEvents(*events, exported); },
-                      .Done =
-                          [this, events, exported = job.Exports] {
-                            ShowEvents(*events, exported);
-                            m_ui->progressRow->hide();
-                          }});
+  const auto pictures = std::make_shared<Pictures>();
+  m_job.Start(
+      [job, pictures](jobs::Host& host, const std::stop_token& stop) {
+        PicturingHost picturing(host, *pictures, stop);
+        jobs::Run(job, picturing, stop);
+      },
+      {.Bar = m_ui->progressBar,
+       .Disabled = m_ui->controls,  // not the rest: the user can stop the job
+       .Boxes = JobBoxes::Always,
+       .OnEvent = [this, pictures](const jobs::Event& event) { Show(event, *pictures); }});
 }
 
-void CVTFDialog::ShowEvents(VtfEvents& events, const std::vector<tools::VtfExport>& exports) {
-  using Kind = JobEvent<VtfOutcome>::Kind;
-  bool logChanged = false;
-  for (const JobEvent<VtfOutcome>& event : events.Take()) {
-    if (event.Told == Kind::Started && event.Count > 1) {
-      m_ui->inputEdit->setText(ToQt(event.Text));
-      SetOutput(exports[event.Index].Output);
-      m_ui->progressLabel->setText(QString("Texture %1 of %2:").arg(event.Index + 1).arg(event.Count));
-    } else if (event.Told == Kind::Text) {
-      m_runningLog += event.Text;
-      logChanged = true;
-    } else if (event.Told == Kind::Finished) {
-      m_runningLog.clear();
-      const std::string end = event.Count > 1 ? "\r\n" : "";
-      m_finishedLog += event.Text + end;
-      m_wholeLog += event.What.WholeLog + end;
-      logChanged = true;
-      if (event.What.Picture) {
-        m_ui->picture->ShowPicture(ToQtImage(*event.What.Picture), ToQt(event.What.File));
-      } else {
-        m_ui->picture->ShowText(ToQt(event.What.Trouble));
-      }
+void CVTFDialog::Show(const jobs::Event& event, Pictures& pictures) {
+  std::visit(jobs::Overloaded{
+                 [this](const jobs::Started& started) { m_count = started.Count; },
+                 [this](const jobs::ItemStarted& started) {
+                   if (m_count < 2) return;
+                   m_ui->inputEdit->setText(ToQt(started.Input));
+                   SetOutput(started.Target);
+                   m_ui->progressLabel->setText(QString("Texture %1 of %2:").arg(started.Item + 1).arg(m_count));
+                 },
+                 [this](const jobs::Line& line) {
+                   if (line.Item == jobs::NoItem) {
+                     m_note += line.Text;
+                     return;
+                   }
+                   m_runningLog += line.Text;
+                   m_ui->logEdit->Append(line.Text);
+                 },
+                 [&](const jobs::ItemFinished& finished) { OnItemFinished(finished, pictures); },
+                 [this](const jobs::Finished& finished) { OnFinished(finished.Result); },
+                 [](const auto&) {},
+             },
+             event);
+}
+
+void CVTFDialog::OnItemFinished(const jobs::ItemFinished& finished, Pictures& pictures) {
+  const jobs::ItemResult& result = finished.Result;
+  const std::string end = m_count > 1 ? "\r\n" : "";
+  m_finishedLog += result.Shown + end;
+  m_wholeLog += std::exchange(m_runningLog, {}) + result.Notes + end;
+  ShowLog();
+  const Pictures::Each each = pictures.Take(finished.Item);
+  if (each.Picture) {
+    m_ui->picture->ShowPicture(ToQtImage(*each.Picture), ToQt(result.Files.front().Path));
+  } else {
+    m_ui->picture->ShowText(each.Reason.empty() ? "No texture was exported" : "No picture: " + ToQt(each.Reason));
+  }
+}
+
+void CVTFDialog::OnFinished(const jobs::JobResult& result) {
+  m_ui->progressRow->hide();
+  std::string last = m_note;
+  if (result.Items.size() > 1) {
+    last += jobs::SummaryLine(result, "texture") + "\r\n";
+    for (const jobs::ItemResult& item : result.Items) {
+      const core::Trouble* error = item.First(core::Severity::Error);
+      if (error != nullptr)
+        last += item.Input + ": " + (error->Details.empty() ? error->Text : error->Details) + "\r\n";
     }
   }
-  if (logChanged) ShowLog();
+  if (last.empty()) return;
+  m_finishedLog += last;
+  m_wholeLog += last;
+  ShowLog();
 }
 
 void CVTFDialog::ShowLog() {
-  const std::string& finished = m_ui->wholeLogButton->isChecked() ? m_wholeLog : m_finishedLog;
-  m_ui->logEdit->setPlainText(ToQt(finished + m_runningLog).remove('\r'));
-  m_ui->logEdit->verticalScrollBar()->setValue(m_ui->logEdit->verticalScrollBar()->maximum());
+  m_ui->logEdit->Clear();
+  m_ui->logEdit->Append((m_ui->wholeLogButton->isChecked() ? m_wholeLog : m_finishedLog) + m_runningLog);
 }
 
 }  // namespace tarnwick::pages

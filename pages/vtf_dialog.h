@@ -3,9 +3,9 @@
 #include <memory>
 #include <string>
 
+#include "jobs/export_textures.h"
 #include "pages/page.h"
-#include "pages/vtf_job.h"
-#include "platform/job_runner.h"
+#include "pages/page_job.h"
 
 namespace Ui {
 class VtfDialog;
@@ -33,19 +33,24 @@ class CVTFDialog : public CPage {
   void OnInitDialog() override;
 
  private:
+  struct Pictures;
+  class PicturingHost;
   void SuggestOutputName(const std::string& input);
   void SetOutput(const std::string& path);
   void ExtractAll(const std::vector<std::string>& inputs);
-  void OfferMissingDirectory(const std::string& output);
-  void Start(std::vector<tools::VtfExport> exports);
-  void ShowEvents(VtfEvents& events, const std::vector<tools::VtfExport>& exports);
+  void Start(jobs::ExportTextures job);
+  void Show(const jobs::Event& event, Pictures& pictures);
+  void OnItemFinished(const jobs::ItemFinished& finished, Pictures& pictures);
+  void OnFinished(const jobs::JobResult& result);
   void ShowLog();
 
   std::unique_ptr<Ui::VtfDialog> m_ui;
   std::string m_finishedLog;  // of the textures of this job that are done
   std::string m_wholeLog;     // the same, with everything that the tool printed
   std::string m_runningLog;   // of the one at hand
-  platform::JobRunner m_jobs;
+  std::string m_note;         // on which tool is used
+  size_t m_count = 0;
+  PageJob m_job;
 };
 
 }  // namespace tarnwick::pages

@@ -69,43 +69,23 @@ std::string OutputSubdirectory(const MaterialCompile& job) {
   return (job.ModelPath ? "\\materialsrc\\models\\" : "\\materialsrc\\") + job.Directory;
 }
 
-MaterialResult RunVtex(const MaterialCompile& job, size_t index, const MaterialCompileCalls& calls) {
+MaterialResult RunVtex(const MaterialCompile& job, size_t index, const std::string& sdkDirectory,
+                       const std::string& gameDirectory, const MaterialCompileCalls& calls) {
   const VtexRun run = RunOf(job, index);
-  const std::string sdkDirectory = calls.SdkDirectory();
-  const std::string gameDirectory = calls.GameDirectory();
   MaterialResult result;
   result.Image = run.SourceImage;
   result.Maps = ConvertImages(run, gameDirectory + run.OutputSubdirectory, calls.ConvertToTga, result.Log);
+  if (IsStopped(calls.Run)) return result;
   result.ToolFound = RequireTool(SdkToolPath(sdkDirectory, Vtex), Vtex, calls.Report);
   if (!result.ToolFound) return result;
 
   const std::string commandLine = VtexCommandLine(sdkDirectory, run, result.Maps);
-  if (calls.OnToolStart) calls.OnToolStart(result.Log + commandLine + "\r\n");
+  if (calls.OnToolStart) calls.OnToolStart(commandLine);
   result.Run =
       RunTool(ToolRun::Vtex, commandLine, calls.Run, CheckVtexRun(gameDirectory, run.OutputSubdirectory, result.Maps));
   result.Log += result.Run.TextWithNotes();
   if (result.Run.Outcome.Failure) ReportFatalSystemError(*result.Run.Outcome.Failure, calls.Report);
   return result;
-}
-
-std::vector<MaterialResult> CompileMaterials(const MaterialCompile& job, const MaterialCompileCalls& calls) {
-  std::vector<MaterialResult> results;
-  const bool wanted = !job.Directory.empty() || !calls.Confirm ||
-                      calls.Confirm(
-                          "No material output directory specified.\r\n"
-                          "Do you want materials in materials/models dir ?",
-                          "Warning");
-  if (!wanted) return results;
-  calls.Log.AppendPageLog("Material Output Dir: " + job.Directory + "\r\n");
-  for (size_t i = 0; i < job.Images.size() && !IsStopped(calls.Run); ++i) {
-    calls.Log.AppendPageLog("Running VTEX on " + job.Images[i] + "\r\n");
-    if (calls.OnImage) calls.OnImage(i, job.Images.size());
-    results.push_back(RunVtex(job, i, calls));
-    if (calls.OnResult) calls.OnResult(results.back());
-    calls.Log.AppendPageLog("VTEX COMPLETED !\r\n");
-  }
-  calls.Log.AppendPageLog("\r\n");
-  return results;
 }
 
 }  // namespace tarnwick::tools

@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "core/report.h"
-#include "tools/page_log.h"
 #include "tools/tool_run.h"
 #include "tools/vtex_command.h"
 
@@ -49,34 +48,21 @@ struct MaterialResult {
   FinishedRun Run;
 };
 
-/// What a compile needs of its caller. `Report` and `Log` are required; the others may be empty.
+/// What a compile needs of its caller. `OnToolStart` may be empty.
 struct MaterialCompileCalls {
   core::Report& Report;
-  PageLog& Log;
-  /// The directories, asked for anew before each image.
-  std::function<std::string()> SdkDirectory;
-  std::function<std::string()> GameDirectory;
-  ImageToTga ConvertToTga;
-  ToolRunOptions Run;
-  /// Asks a question in a warning box with the buttons OK and Cancel; true for OK. Without it the answer is OK.
-  std::function<bool(const std::string& text, const std::string& caption)> Confirm;
-  /// Called before each image's conversions, with its number from 0 and how many there are.
-  std::function<void(size_t index, size_t count)> OnImage;
-  /// Called before the tool starts, with the log of the conversions and the command line, each on its own line.
-  std::function<void(const std::string& text)> OnToolStart;
-  /// Called when an image is done.
-  std::function<void(const MaterialResult& result)> OnResult;
+  ImageToTga ConvertToTga = {};
+  ToolRunOptions Run = {};
+  /// Called before the tool starts, with its command line.
+  std::function<void(const std::string& commandLine)> OnToolStart = {};
 };
 
 /// The part of the destination that lies behind the game directory.
 std::string OutputSubdirectory(const MaterialCompile& job);
 
 /// Converts and runs vtex for image number `index` of the job. A missing tool is told in a box, and the conversions
-/// stand.
-MaterialResult RunVtex(const MaterialCompile& job, size_t index, const MaterialCompileCalls& calls);
-
-/// Compiles all images, one after the other. Nothing happens if the directory is empty and the user does not want that;
-/// then the result is empty. A stop ends the run of the image at hand, and no further one starts.
-std::vector<MaterialResult> CompileMaterials(const MaterialCompile& job, const MaterialCompileCalls& calls);
+/// stand. After a stop no tool starts.
+MaterialResult RunVtex(const MaterialCompile& job, size_t index, const std::string& sdkDirectory,
+                       const std::string& gameDirectory, const MaterialCompileCalls& calls);
 
 }  // namespace tarnwick::tools

@@ -232,7 +232,7 @@ WorkerAnswer Preview(const WorkerRequest& request, const JobFiles& files) {
   const auto header = KnownSize(format, files.Source);
   if (!header) return Failed(Unreadable(format, files.Source));
   if (!FitsLimits({*header}, reason)) return Failed(reason);
-  if (format != FIF_JPEG && header->Bytes() > LargestPreviewBytes) {
+  if (IsThumbnail(request) && format != FIF_JPEG && header->Bytes() > LargestThumbnailBytes) {
     return Failed("an image of " + std::to_string(header->Width) + " by " + std::to_string(header->Height) +
                   " pixels is too large for a small picture");
   }

@@ -70,7 +70,7 @@ int main(int argumentCount, char** arguments) {
   FreeImage_Initialise(TRUE);
   if (request->Task == WorkerRequest::Job::Formats) Answer(ListFormats());
   const JobFiles files = OpenFiles(*request);
-  if (request->Task == WorkerRequest::Job::Preview && !LimitFurtherMemory(PreviewMemory, reason)) Fail(reason);
+  if (IsThumbnail(*request) && !LimitFurtherMemory(ThumbnailMemory, reason)) Fail(reason);
   if (!EnterJail(reason)) Fail(reason);
   try {
     Answer(RunJob(*request, files));

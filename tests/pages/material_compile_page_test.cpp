@@ -159,7 +159,7 @@ TEST_F(MaterialCompilePage, StopsBeforeTheNextMaterial) {
   EXPECT_FALSE(tests::ColorOfLine(log, "998").isValid());
   Click(Status(), "stopButton");
   ASSERT_TRUE(tests::WaitUntil([this] { return m_page->isEnabled(); }));
-  EXPECT_EQ(State(), "0 of 2 compiled, 1 failed");
+  EXPECT_EQ(State(), "0 of 2 compiled, 1 stopped");
   EXPECT_FALSE(std::filesystem::exists(Source() + "/b.tga"));
   EXPECT_THAT(StatusLog(), HasSubstr("[Stopped."));
   Click(Status(), "wholeLogButton");

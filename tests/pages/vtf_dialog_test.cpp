@@ -110,7 +110,7 @@ TEST_F(VtfPage, TakesADropByItsPointAndSavesAtTheEnd) {
   EXPECT_EQ(Kept("TGAExportFile"), "/t/wall.tga");
   EXPECT_EQ(Kept("VTFExportFile"), "(not there)");
   tests::Drop(Output(), {"/t/door.png", "/t/wall.vtf"});
-  tests::Drop(ControlOf<QLabel>(*m_page, "hintLabel"), {"/t/floor.vtf"});
+  tests::Drop(ControlOf<QLabel>(*m_page, "hintLabel"), {"/t/notes.txt"});
   EXPECT_EQ(Input().text(), "/t/wall.vtf");
   EXPECT_EQ(Output().text(), "/t/door.png");
   m_page->SaveSettings();
@@ -118,6 +118,9 @@ TEST_F(VtfPage, TakesADropByItsPointAndSavesAtTheEnd) {
   EXPECT_EQ(Kept("TGAExportFile"), "/t/door.png");
   Open();
   EXPECT_EQ(Output().text(), "/t/door.png");
+  tests::Drop(ControlOf<QLabel>(*m_page, "hintLabel"), {"/t/notes.txt", "/t/floor.VTF"});
+  EXPECT_EQ(Input().text(), "/t/floor.VTF") << "a texture counts wherever it is dropped";
+  EXPECT_EQ(Output().text(), "/t/floor.tga");
 }
 
 TEST_F(VtfPage, WritesTheImageAndShowsIt) {
@@ -135,6 +138,7 @@ TEST_F(VtfPage, WritesTheImageAndShowsIt) {
   Export(m_folder.Path("gone.vtf"), m_folder.Path("wall.tga"));
   EXPECT_TRUE(Picture().isNull()) << "the older image is not taken for the new one";
   EXPECT_THAT(Log(), HasSubstr("gone.vtf"));
+  std::filesystem::remove(m_folder.Path("wall.tga"));
   Export(texture, m_folder.Path("wall.vmt"));
   EXPECT_THAT(m_desktop.Boxes,
               ElementsAre(ShownBox{BoxIcon::Stop, "Unable to create TGA file " + m_folder.Path("wall.vmt") + "\n",
@@ -155,7 +159,9 @@ TEST_F(VtfPage, ExportsSeveralDroppedTexturesOneAfterTheOther) {
   tests::WriteText(m_folder.Path("a.png"), "mine");
   m_desktop.BoxAnswers = {BoxAnswer::Cancel};
   tests::Drop(ControlOf<QLabel>(*m_page, "hintLabel"), textures);
+  ASSERT_TRUE(tests::WaitUntil([this] { return !m_desktop.Boxes.empty(); }));
   EXPECT_THAT(m_desktop.Boxes.back().Text, StartsWith("2 of 2 textures"));
+  ASSERT_TRUE(WaitForJob());
   EXPECT_EQ(tests::ReadText(m_folder.Path("a.png")), "mine");
 }
 
@@ -189,14 +195,36 @@ TEST_F(VtfPage, StopsAToolThatDoesNotEndAndHasItsWholeLog) {
 
 TEST_F(VtfPage, TellsOfAMissingTool) {
   Open();
+  m_settings.Values["Tarnwick/SDKDirectory"] = "C:\\sdk";
+  Export(WriteTexture("a.vtf", 1, 2, 3), m_folder.Path("a.tga"));
+  EXPECT_THAT(m_desktop.Boxes,
+              ElementsAre(ShownBox{
+                  BoxIcon::Stop,
+                  "Command C:/sdk/vtf2tga.exe not found.\r\nPlease set correct HL2 SDK path using configure button",
+                  "VTF2TGA ERROR"}));
+  EXPECT_EQ(m_folder.Files().size(), 1u);
+}
+
+TEST_F(VtfPage, UsesTheProgramsOwnToolWithoutAnSdkAndSaysSo) {
+  Open();
   m_settings.Values["Tarnwick/SDKDirectory"].clear();
   Export(WriteTexture("a.vtf", 1, 2, 3), m_folder.Path("a.tga"));
-  EXPECT_THAT(
-      m_desktop.Boxes,
-      ElementsAre(ShownBox{BoxIcon::Stop,
-                           "Command /vtf2tga.exe not found.\r\nPlease set correct HL2 SDK path using configure button",
-                           "VTF2TGA ERROR"}));
-  EXPECT_EQ(m_folder.Files().size(), 1u);
+  EXPECT_THAT(m_folder.Files(), ElementsAre("a.tga", "a.vtf"));
+  EXPECT_THAT(Log(), testing::EndsWith("No SDK directory is set: the program's own vtf2tga is used.\n"));
+}
+
+TEST_F(VtfPage, AsksBeforeItReplacesTheTgaFileBesideTheImage) {
+  Open();
+  const std::string texture = WriteTexture("a.vtf", 1, 2, 3);
+  tests::WriteText(m_folder.Path("a.tga"), "mine");
+  m_desktop.BoxAnswers = {BoxAnswer::Cancel};
+  Export(texture, m_folder.Path("a.png"));
+  ASSERT_EQ(m_desktop.Boxes.size(), 1u);
+  EXPECT_THAT(m_desktop.Boxes[0].Text, StartsWith(m_folder.Path("a.tga") + " exists already."));
+  EXPECT_EQ(tests::ReadText(m_folder.Path("a.tga")), "mine");
+  EXPECT_THAT(m_folder.Files(), ElementsAre("a.tga", "a.vtf"));
+  Export(texture, m_folder.Path("a.png"));
+  EXPECT_THAT(m_folder.Files(), ElementsAre("a.png", "a.tga", "a.vtf"));
 }
 
 }  // namespace

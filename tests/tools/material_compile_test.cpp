@@ -14,7 +14,6 @@ namespace tarnwick::tools {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
 /// A compile whose tool is the probe and whose conversions only write down what they are asked for.
@@ -22,25 +21,24 @@ class MaterialCompileTest : public ::testing::Test {
  protected:
   void InstallTool() { std::filesystem::copy_file(CONSOLE_PROBE, m_folder.Path("vtex.exe")); }
 
-  MaterialCompileCalls Calls() {
-    m_log.SetTarget(&m_pageLog);
-    MaterialCompileCalls calls{m_report, m_log, [this] { return m_folder.Path(); }, [] { return "G:"; }, {}, {}, {}, {},
-                               {},       {}};
+  MaterialResult Run(const MaterialCompile& job, size_t index = 0, const std::atomic<bool>* stop = nullptr) {
+    MaterialCompileCalls calls{m_report};
     calls.Run = QuietOptions();
+    calls.Run.Stop = stop;
     calls.ConvertToTga = [this](const std::string& source, const std::optional<std::string>& alpha,
                                 const std::string& directory, std::string& log) {
       m_conversions.push_back(source + (alpha ? " + " + *alpha : "") + " > " + directory);
       log += (alpha ? "merged " : "converted ") + source + "\r\n";
       return source == "bad.png" ? std::string() : directory + "/" + source + ".tga";
     };
-    return calls;
+    calls.OnToolStart = [this](const std::string& line) { m_started = line; };
+    return RunVtex(job, index, m_folder.Path(), "G:", calls);
   }
 
   tests::ScratchFolder m_folder;
   tests::RecordingReport m_report;
-  PageLog m_log;
-  std::string m_pageLog;
   std::vector<std::string> m_conversions;
+  std::string m_started;  // the tool's command line
 };
 
 MaterialCompile Job() {
@@ -50,20 +48,17 @@ MaterialCompile Job() {
   return job;
 }
 
-TEST_F(MaterialCompileTest, ConvertsAndRunsOneImageAfterTheOther) {
+TEST_F(MaterialCompileTest, ConvertsAnImageAndRunsTheToolOnIt) {
   InstallTool();
-  const auto results = CompileMaterials(Job(), Calls());
+  const MaterialResult result = Run(Job());
   const std::string destination = "G:\\materialsrc\\models\\props";
-  EXPECT_THAT(m_conversions, ElementsAre("a.png > " + destination, "bad.png > " + destination));
-  EXPECT_EQ(m_pageLog,
-            "Material Output Dir: props\r\nRunning VTEX on a.png\r\nVTEX COMPLETED !\r\nRunning VTEX on "
-            "bad.png\r\nVTEX COMPLETED !\r\n\r\n");
-  ASSERT_EQ(results.size(), 2u);
+  EXPECT_THAT(m_conversions, ElementsAre("a.png > " + destination));
   const std::string line = SdkToolPath(m_folder.Path(), Vtex) +
                            " -nopause -shader VertexLitGeneric -vmtparam $model 1 \"" + destination + "/a.png.tga\"";
-  EXPECT_THAT(results[0].Log, ::testing::StartsWith("converted a.png\r\n" + line + "\r\n"));
+  EXPECT_EQ(m_started, line);
+  EXPECT_THAT(result.Log, ::testing::StartsWith("converted a.png\r\n" + line + "\r\n"));
   // A conversion that failed is told by the conversion; the tool gets what there is.
-  EXPECT_THAT(results[1].Run.CommandLine, ::testing::EndsWith(" \"\""));
+  EXPECT_THAT(Run(Job(), 1).Run.CommandLine, ::testing::EndsWith(" \"\""));
   EXPECT_THAT(m_report.Boxes, IsEmpty());
 }
 
@@ -92,48 +87,24 @@ TEST_F(MaterialCompileTest, PutsEachMapWhereItsCheckBoxesSay) {
     std::vector<std::string> expected;
     for (const auto& conversion : c.Conversions) expected.push_back(conversion + " > G:\\materialsrc\\");
     m_conversions.clear();
-    CompileMaterials(job, Calls());
+    Run(job);
     EXPECT_EQ(m_conversions, expected);
   }
 }
 
-TEST_F(MaterialCompileTest, AMissingToolIsToldForEachImageAfterItsConversion) {
-  const auto results = CompileMaterials(Job(), Calls());
-  EXPECT_EQ(m_conversions.size(), 2u);
-  ASSERT_EQ(m_report.Boxes.size(), 2u);
-  EXPECT_EQ(m_report.Boxes[1].Caption, "VTEX ERROR");
-  EXPECT_THAT(m_pageLog, HasSubstr("bad.png\r\nVTEX COMPLETED !\r\n"));
-  EXPECT_FALSE(results[0].ToolFound);
-}
-
-TEST_F(MaterialCompileTest, AsksBeforeItCompilesIntoNoDirectory) {
-  InstallTool();
-  MaterialCompile job = Job();
-  job.Directory.clear();
-  MaterialCompileCalls calls = Calls();
-  std::string asked;
-  calls.Confirm = [&](const std::string& text, const std::string& caption) {
-    asked = caption + ": " + text;
-    return false;
-  };
-  EXPECT_THAT(CompileMaterials(job, calls), IsEmpty());
-  EXPECT_EQ(asked,
-            "Warning: No material output directory specified.\r\nDo you want materials in materials/models dir ?");
-  EXPECT_EQ(m_pageLog, "");
-  calls.Confirm = [](const std::string&, const std::string&) { return true; };
-  EXPECT_EQ(CompileMaterials(job, calls).size(), 2u);
-  EXPECT_EQ(m_conversions[0], "a.png > G:\\materialsrc\\models\\");
-}
-
-TEST_F(MaterialCompileTest, AStopEndsTheWholeCompile) {
-  InstallTool();
-  std::atomic<bool> stop = false;
-  MaterialCompileCalls calls = Calls();
-  calls.Run.Stop = &stop;
-  calls.OnToolStart = [&](const std::string&) { stop = true; };
-  const auto results = CompileMaterials(Job(), calls);
-  ASSERT_EQ(results.size(), 1u);
+TEST_F(MaterialCompileTest, TellsOfAMissingToolBehindTheConversions) {
+  const MaterialResult result = Run(Job());
   EXPECT_EQ(m_conversions.size(), 1u);
+  ASSERT_EQ(m_report.Boxes.size(), 1u);
+  EXPECT_EQ(m_report.Boxes[0].Caption, "VTEX ERROR");
+  EXPECT_FALSE(result.ToolFound);
+}
+
+TEST_F(MaterialCompileTest, StartsNoToolAfterAStop) {
+  InstallTool();
+  const std::atomic<bool> stop = true;
+  Run(Job(), 0, &stop);
+  EXPECT_EQ(m_started, "");
 }
 
 }  // namespace

@@ -1,0 +1,27 @@
+#include "jobs/not_begun.h"
+
+namespace tarnwick::jobs {
+
+JobResult NotBegun(const JobPlan& plan, const core::Trouble& trouble, Host& host) {
+  JobResult result;
+  result.Troubles = plan.Troubles;
+  result.Troubles.push_back(trouble);
+  for (const PlannedItem& item : plan.Items) {
+    ItemResult& each = result.Items.emplace_back();
+    each.Input = each.Source = item.Input;
+    each.Target = item.Target;
+  }
+  for (const core::Trouble& each : result.Troubles) host.On(Told{NoItem, each});
+  host.On(Finished{result});
+  return result;
+}
+
+std::string OwnToolNote(const tools::SdkTool& tool) {
+  return "No SDK directory is set: the program's own " + std::string(tool.Name) + " is used.\r\n";
+}
+
+core::Trouble NotWanted() {
+  return {.Kind = core::TroubleKind::Stopped, .Text = "Nothing was done, as it was not wanted."};
+}
+
+}  // namespace tarnwick::jobs

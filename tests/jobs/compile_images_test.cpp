@@ -1,0 +1,164 @@
+#include "jobs/compile_images.h"
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+
+#include "support/recording_host.h"
+#include "support/scratch_folder.h"
+#include "support/tga_builder.h"
+
+namespace tarnwick::jobs {
+namespace {
+
+using core::Severity;
+using core::TroubleKind;
+using testing::AllOf;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::Field;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using tests::RecordingHost;
+
+class CompileImagesTest : public testing::Test {
+ protected:
+  CompileImagesTest() { std::filesystem::create_directory(m_folder.Path("game")); }
+
+  std::string Image(const std::string& name) {
+    tests::WriteText(m_folder.Path(name), tests::TgaOf(tests::PictureOf(8, 8, [](int x, int y) {
+                       return textures::Bgra{uint8_t(x), uint8_t(y), 9, 255};
+                     })));
+    return m_folder.Path(name);
+  }
+  CompileImages Job(std::vector<std::string> images) {
+    CompileImages job{.GameDirectory = m_folder.Path("game")};
+    job.Form.Images = std::move(images);
+    job.Form.Directory = "props";
+    return job;
+  }
+  std::string Compiled(const std::string& name) { return m_folder.Path("game/materials/models/props/" + name); }
+  /// Puts a script in the place of the SDK's vtex.
+  std::string Tool(const std::string& commands) {
+    std::filesystem::create_directory(m_folder.Path("sdk"));
+    tests::WriteShellProgram(m_folder.Path("sdk/vtex.exe"), commands);
+    return m_folder.Path("sdk");
+  }
+
+  tests::ScratchFolder m_folder;
+  RecordingHost m_host;
+};
+
+TEST_F(CompileImagesTest, TellsAnImageFromItsConversionToItsFiles) {
+  const std::string image = Image("Brick.tga");
+  const JobResult result = jobs::Run(Job({image}), m_host, {});
+  ASSERT_TRUE(result.Succeeded());
+  EXPECT_THAT(result.Items[0].Files, ElementsAre(Field(&core::WrittenFile::Path, Compiled("brick.vtf")),
+                                                 Field(&core::WrittenFile::Path, Compiled("brick.vmt"))));
+  EXPECT_EQ(m_host.All<ItemStarted>(), std::vector<ItemStarted>({{0, image, Compiled("brick.vtf")}}));
+  EXPECT_THAT(m_host.Text(LineSource::Log), HasSubstr("Converting Brick.tga from "));
+  EXPECT_THAT(m_host.Text(LineSource::Command), HasSubstr("/vtex.exe -nopause -shader VertexLitGeneric"));
+  EXPECT_THAT(m_host.Text(LineSource::Tool), HasSubstr("brick.vtf: 8 x 8, DXT1"));
+  EXPECT_THAT(m_host.Text(LineSource::Log), HasSubstr("the program's own vtex is used"));
+  EXPECT_THAT(result.Items[0].Shown, HasSubstr(result.Items[0].CommandLine + "\r\n"));
+}
+
+TEST_F(CompileImagesTest, JudgesByWhatTheToolWrote) {
+  const std::string image = Image("a.tga");
+  CompileImages job = Job({image});
+  job.SdkDirectory = Tool("echo 'Error: no room'\n");
+  JobResult result = jobs::Run(job, m_host, {});
+  ASSERT_EQ(result.Items[0].Judged, Verdict::Failed);
+  EXPECT_EQ(result.Items[0].First(Severity::Error)->Text, "vtex wrote no " + Compiled("a.vtf") + " (Error: no room)");
+
+  tests::WriteText(Compiled("a.vtf"), "an older texture");
+  result = jobs::Run(job, m_host, {});
+  EXPECT_THAT(result.Items[0].First(Severity::Error)->Text, HasSubstr("the file there is an older one"));
+  EXPECT_THAT(result.Items[0].Files, IsEmpty());
+
+  job.SdkDirectory = Tool("echo made >'" + Compiled("a.vtf") + "'\nexit 3\n");
+  result = jobs::Run(job, m_host, {});
+  EXPECT_EQ(result.Items[0].First(Severity::Error)->Kind, TroubleKind::Tool);
+}
+
+TEST_F(CompileImagesTest, TakesADamagedImageOnlyWhereThatIsWanted) {
+  const std::string image = Image("a.tga");
+  tests::WriteText(image, tests::ReadText(image).substr(0, 200));
+  CompileImages job = Job({image});
+  JobResult result = jobs::Run(job, m_host, {});
+  ASSERT_EQ(result.Items[0].Judged, Verdict::Failed);
+  EXPECT_EQ(result.Items[0].First(Severity::Error)->Kind, TroubleKind::Damaged);
+  EXPECT_EQ(result.Items[0].First(Severity::Error)->File, image);
+  EXPECT_THAT(result.Items[0].First(Severity::Error)->Text,
+              AllOf(HasSubstr("a.tga: the file ends early"), HasSubstr("256 bytes of pixels, 182 are there")));
+  const auto asked = std::find_if(m_host.Questions.begin(), m_host.Questions.end(),
+                                  [](const Question& question) { return question.Kind == QuestionKind::UseDamaged; });
+  ASSERT_NE(asked, m_host.Questions.end());
+  EXPECT_EQ(asked->Yes, "Use it all the same");
+  EXPECT_THAT(asked->Details, HasSubstr("a.tga: the file ends early"));
+
+  job.UseDamaged = true;
+  result = jobs::Run(job, m_host, {});
+  EXPECT_TRUE(result.Succeeded());
+  EXPECT_EQ(result.Items[0].First(Severity::Warning)->Kind, TroubleKind::Damaged);
+  job.UseDamaged = false;
+  m_host.Answer = true;
+  EXPECT_TRUE(jobs::Run(job, m_host, {}).Succeeded());
+}
+
+TEST_F(CompileImagesTest, TellsBeforeItRunsThatTwoImagesBecomeOneTexture) {
+  CompileImages job = Job({Image("a.tga"), Image("other/A.tga")});
+  job.Form.HasNormalMap = true;
+  job.Form.NormalMap = Image("third/a.tga");
+  m_host.Answer = false;
+  const JobResult result = jobs::Run(job, m_host, {});
+  ASSERT_EQ(m_host.Questions.size(), 1u);
+  EXPECT_EQ(m_host.Questions[0].Kind, QuestionKind::SameTarget);
+  EXPECT_THAT(m_host.Questions[0].Text, AllOf(HasSubstr(m_folder.Path("other/A.tga") + " both become a.tga.\n"),
+                                              HasSubstr(m_folder.Path("third/a.tga") + " both become a.tga.\n")));
+  EXPECT_FALSE(result.Succeeded());
+  EXPECT_EQ(result.Count(Verdict::NotBegun), 2u);
+  EXPECT_FALSE(std::filesystem::exists(m_folder.Path("game/materialsrc")));
+}
+
+TEST_F(CompileImagesTest, NeedsAGameAndAsksBeforeItUsesNoDirectory) {
+  CompileImages job = Job({Image("a.tga")});
+  job.GameDirectory.clear();
+  EXPECT_EQ(ObstacleOf(job)->Text, "No game directory is set.");
+  EXPECT_FALSE(jobs::Run(job, m_host, {}).Succeeded());
+  EXPECT_THAT(m_host.Questions, IsEmpty()) << "no folder is made in the root";
+  job.GameDirectory = m_folder.Path("typo");
+  EXPECT_EQ(jobs::Run(job, m_host, {}).Troubles[0].File, m_folder.Path("typo"));
+  job.GameDirectory = m_folder.Path("game");
+  job.Form.Directory.clear();
+  m_host.Answer = false;
+  EXPECT_FALSE(jobs::Run(job, m_host, {}).Succeeded());
+  EXPECT_EQ(m_host.Questions.back().Text,
+            "No material output directory specified.\r\nDo you want materials in materials/models dir ?");
+  EXPECT_THAT(m_host.All<Started>(), IsEmpty());
+}
+
+TEST_F(CompileImagesTest, ANoToADirectoryHoldsForAllImages) {
+  m_host.Answer = false;
+  const JobResult result = jobs::Run(Job({Image("a.tga"), Image("b.tga")}), m_host, {});
+  EXPECT_EQ(m_host.Questions.size(), 1u);
+  EXPECT_EQ(result.Count(Verdict::Failed), 2u);
+  EXPECT_EQ(result.Items[1].First(Severity::Error)->Kind, TroubleKind::Missing);
+}
+
+TEST_F(CompileImagesTest, AStopEndsTheToolAndBeginsNoFurtherImage) {
+  CompileImages job = Job({Image("a.tga"), Image("b.tga")});
+  job.SdkDirectory = Tool("echo running\nsleep 60\n");
+  std::stop_source stop;
+  m_host.OnEvent = [&](const Event& event) {
+    const auto* line = std::get_if<Line>(&event);
+    if (line != nullptr && line->Source == LineSource::Tool) stop.request_stop();
+  };
+  const JobResult result = jobs::Run(job, m_host, stop.get_token());
+  EXPECT_EQ(result.Items[0].Judged, Verdict::Stopped);
+  EXPECT_EQ(result.Items[1].Judged, Verdict::NotBegun);
+}
+
+}  // namespace
+}  // namespace tarnwick::jobs

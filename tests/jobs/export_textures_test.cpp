@@ -1,0 +1,164 @@
+#include "jobs/export_textures.h"
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+
+#include "support/recording_host.h"
+#include "support/scratch_folder.h"
+#include "support/vtf_builder.h"
+#include "textures/dds_format.h"
+
+namespace tarnwick::jobs {
+namespace {
+
+using core::Severity;
+using core::TroubleKind;
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::StartsWith;
+using tests::RecordingHost;
+using tests::VtfBuilder;
+
+class ExportTexturesTest : public testing::Test {
+ protected:
+  std::string Texture(const std::string& name, const VtfBuilder& texture) {
+    tests::WriteText(m_folder.Path(name), texture.Build());
+    return m_folder.Path(name);
+  }
+  std::vector<std::string> Files(const JobResult& result, size_t item = 0) {
+    std::vector<std::string> files;
+    for (const core::WrittenFile& file : result.Items.at(item).Files) {
+      files.push_back(std::filesystem::path(file.Path).lexically_relative(m_folder.Path()).string());
+    }
+    return files;
+  }
+  std::string Tool(const std::string& commands) {
+    std::filesystem::create_directory(m_folder.Path("sdk"));
+    tests::WriteShellProgram(m_folder.Path("sdk/vtf2tga.exe"), commands);
+    return m_folder.Path("sdk");
+  }
+
+  tests::ScratchFolder m_folder;
+  RecordingHost m_host;
+};
+
+TEST_F(ExportTexturesTest, WritesEveryFrameAndFaceAsAnImage) {
+  const std::string water = Texture("water.vtf", VtfBuilder().Frames(3));
+  const std::string sky = Texture("sky.vtf", VtfBuilder().EnvironmentMap(0xFFFF));
+  const auto result = jobs::Run(
+      ExportTextures{.Inputs = {water}, .Place = ImagePlace::ExactlyOutput, .Output = m_folder.Path("out/w.png")},
+      m_host, {});
+  EXPECT_TRUE(result.Succeeded());
+  EXPECT_THAT(Files(result), ElementsAre("out/w.png", "out/w001.png", "out/w002.png"));
+  EXPECT_THAT(m_folder.Files(), ElementsAre("out/w.png", "out/w001.png", "out/w002.png", "sky.vtf", "water.vtf"))
+      << "nothing but the images is left";
+
+  const auto kept =
+      jobs::Run(ExportTextures{.Inputs = {sky}, .Place = ImagePlace::BesideInput, .Output = "x.bmp", .KeepTga = true},
+                m_host, {});
+  EXPECT_TRUE(kept.Succeeded());
+  EXPECT_EQ(Files(kept).size(), 6u);
+  EXPECT_TRUE(std::filesystem::exists(m_folder.Path("sky_face5.bmp")));
+  EXPECT_TRUE(std::filesystem::exists(m_folder.Path("sky_face5.tga")));
+}
+
+TEST_F(ExportTexturesTest, WritesTheBlocksOfATextureAsTheyAreIntoADdsFile) {
+  const auto texture = VtfBuilder().Format(textures::PixelFormat::Dxt5).Size(8, 8).Mips(4).Frames(2);
+  const std::string bytes = texture.Build();
+  const auto result =
+      jobs::Run(ExportTextures{.Inputs = {Texture("a.vtf", texture)}, .Output = m_folder.Path("a.dds")}, m_host, {});
+  ASSERT_TRUE(result.Succeeded());
+  EXPECT_THAT(Files(result), ElementsAre("a.dds", "a001.dds"));
+  const std::string second = tests::ReadText(m_folder.Path("a001.dds"));
+  // Of the second frame: the largest level of 64 bytes at the end of the texture, the next one of 16 before both.
+  EXPECT_EQ(second.substr(sizeof(textures::DdsHeader), 64), bytes.substr(bytes.size() - 64));
+  EXPECT_EQ(second.substr(sizeof(textures::DdsHeader) + 64, 16), bytes.substr(bytes.size() - 128 - 16, 16));
+  EXPECT_EQ(second.size(), sizeof(textures::DdsHeader) + 64 + 3 * 16);
+  EXPECT_THAT(m_host.Text(LineSource::Log), HasSubstr("Converting a.vtf from VTF to DDS\r\n"));
+}
+
+TEST_F(ExportTexturesTest, AsksBeforeItReplacesWhatStandsBesideTheImage) {
+  const std::string water = Texture("water.vtf", VtfBuilder().Frames(2));
+  tests::WriteText(m_folder.Path("w001.tga"), "mine");
+  const ExportTextures job{
+      .Inputs = {water}, .Place = ImagePlace::ExactlyOutput, .Output = m_folder.Path("w.png"), .KeepTga = true};
+  m_host.Answer = false;
+  EXPECT_FALSE(jobs::Run(job, m_host, {}).Succeeded());
+  ASSERT_EQ(m_host.Questions.size(), 1u);
+  EXPECT_EQ(m_host.Questions[0].Kind, QuestionKind::Overwrite);
+  EXPECT_THAT(m_host.Questions[0].Text, StartsWith(m_folder.Path("w001.tga") + " exists already."));
+  EXPECT_EQ(tests::ReadText(m_folder.Path("w001.tga")), "mine");
+  EXPECT_THAT(m_folder.Files(), ElementsAre("w001.tga", "water.vtf"));
+  m_host.Answer = true;
+  EXPECT_TRUE(jobs::Run(job, m_host, {}).Succeeded());
+  EXPECT_THAT(m_folder.Files(), ElementsAre("w.png", "w.tga", "w001.png", "w001.tga", "water.vtf"));
+}
+
+TEST_F(ExportTexturesTest, JudgesByWhatTheToolWrote) {
+  const std::string input = Texture("a.vtf", VtfBuilder());
+  tests::WriteText(m_folder.Path("a.tga"), "an older image");
+  ExportTextures job{
+      .Inputs = {input}, .Place = ImagePlace::ExactlyOutput, .Output = m_folder.Path("a.png"), .KeepTga = true};
+  job.SdkDirectory = Tool("echo it is late\n");
+  const JobResult result = jobs::Run(job, m_host, {});
+  ASSERT_EQ(result.Items[0].Judged, Verdict::Failed);
+  const core::Trouble& error = *result.Items[0].First(Severity::Error);
+  EXPECT_EQ(error.Kind, TroubleKind::Tool);
+  EXPECT_EQ(error.File, input);
+  EXPECT_EQ(error.Text, "Unable to create TGA file " + m_folder.Path("a.png") + "\n");
+  EXPECT_EQ(error.Details, "vtf2tga: it is late");
+  EXPECT_FALSE(std::filesystem::exists(m_folder.Path("a.png"))) << "the older TGA file is not taken for a new one";
+}
+
+TEST_F(ExportTexturesTest, AMissingToolIsToldOnce) {
+  ExportTextures job{.Inputs = {Texture("in/a.vtf", VtfBuilder()), Texture("in/b.vtf", VtfBuilder())},
+                     .Output = m_folder.Path("out")};
+  job.SdkDirectory = m_folder.Path("none");
+  const JobResult result = jobs::Run(job, m_host, {});
+  ASSERT_EQ(result.Troubles.size(), 1u);
+  EXPECT_EQ(result.Troubles[0].Caption, "VTF2TGA ERROR");
+  EXPECT_EQ(result.Count(Verdict::NotBegun), 2u);
+  EXPECT_FALSE(std::filesystem::exists(m_folder.Path("out")));
+}
+
+TEST_F(ExportTexturesTest, AStopEndsTheToolAndLeavesNothingBehind) {
+  ExportTextures job{.Inputs = {Texture("in/a.vtf", VtfBuilder()), Texture("in/b.vtf", VtfBuilder())},
+                     .Output = m_folder.Path("out")};
+  job.SdkDirectory = Tool("echo running\nsleep 60\n");
+  std::stop_source stop;
+  m_host.OnEvent = [&](const Event& event) {
+    const auto* line = std::get_if<Line>(&event);
+    if (line != nullptr && line->Source == LineSource::Tool) stop.request_stop();
+  };
+  const JobResult result = jobs::Run(job, m_host, stop.get_token());
+  EXPECT_EQ(result.Items[0].Judged, Verdict::Stopped);
+  EXPECT_EQ(result.Items[1].Judged, Verdict::NotBegun);
+  EXPECT_FALSE(std::filesystem::exists(m_folder.Path("out")));
+}
+
+TEST_F(ExportTexturesTest, PlansWhereEachImageGoes) {
+  Texture("in/red.vtf", VtfBuilder());
+  Texture("in/sub/red.VTF", VtfBuilder());
+  const auto targets = [](const ExportTextures& job) {
+    std::vector<std::string> all;
+    for (const PlannedItem& item : Plan(job).Items) all.push_back(item.Target);
+    return all;
+  };
+  EXPECT_THAT(targets({.Inputs = {m_folder.Path("in")}, .Output = "o", .Format = "png", .Recursive = true}),
+              ElementsAre("o/red.png", "o/sub/red.png"));
+  EXPECT_THAT(targets({.Inputs = {"a.vtf"}, .Output = "x.y.png"}), ElementsAre("x.y.png"));
+  EXPECT_THAT(targets({.Inputs = {"a.vtf"}, .Output = "folder"}), ElementsAre("folder/a.tga"));
+  EXPECT_THAT(targets({.Inputs = {"a.vtf"}, .Place = ImagePlace::ExactlyOutput, .Output = "noending"}),
+              ElementsAre("noending.tga"));
+  EXPECT_THAT(targets({.Inputs = {"a.vtf"}, .Place = ImagePlace::ExactlyOutput, .Output = ""}), ElementsAre("a.tga"));
+  EXPECT_THAT(targets({.Inputs = {"d/a.vtf", "e/b.vtf"}, .Place = ImagePlace::BesideInput, .Output = "z.jpg"}),
+              ElementsAre("d/a.jpg", "e/b.jpg"));
+  EXPECT_THAT(targets({.Inputs = {"d/a.vtf"}, .Place = ImagePlace::BesideInput, .Output = "z.vmt"}),
+              ElementsAre("d/a.tga"));
+}
+
+}  // namespace
+}  // namespace tarnwick::jobs
