@@ -79,21 +79,20 @@ std::unique_ptr<QWidget> Envmap(Stage& stage) {
 }
 
 std::unique_ptr<QWidget> RunningCompile(Stage& stage) {
-  using Event = pages::JobEvent<pages::MaterialOutcome>;
   auto status = std::make_unique<pages::CVtexStatusDialog>(stage.Desktop, nullptr, [] {});
   status->Create();
   status->Begin();
-  status->Show({Event::Kind::Started, "/home/ada/textures/Crate.png", 0, 3, {}});
-  status->Show({Event::Kind::Finished, "", 0, 3, {true, ""}});
-  status->Show({Event::Kind::Started, "/home/ada/textures/barrel rusty.png", 1, 3, {}});
-  status->Show({Event::Kind::Text,
-                "Converting barrel rusty.png from PNG to TGA\r\n/home/ada/sdk/bin/vtex.exe -nopause -shader "
-                "VertexLitGeneric -vmtparam $model 1 \"/home/ada/game/materialsrc/models/props/barrel "
-                "rusty.tga\"\r\nWarning: no mip maps for an image of this size\r\n"
-                "Error opening \"barrel rusty.txt\"\r\n",
-                0,
-                0,
-                {}});
+  status->Show(jobs::Started{3});
+  status->Show(jobs::ItemStarted{0, "/home/ada/textures/Crate.png", {}});
+  status->Show(jobs::ItemFinished{0, {.Judged = jobs::Verdict::Succeeded}});
+  status->Show(jobs::ItemStarted{1, "/home/ada/textures/barrel rusty.png", {}});
+  for (const char* line :
+       {"Converting barrel rusty.png from PNG to TGA\r\n",
+        "/home/ada/sdk/bin/vtex.exe -nopause -shader VertexLitGeneric -vmtparam $model 1 "
+        "\"/home/ada/game/materialsrc/models/props/barrel rusty.tga\"\r\n",
+        "Warning: no mip maps for an image of this size\r\n", "Error opening \"barrel rusty.txt\"\r\n"}) {
+    status->Show(jobs::Line{.Item = 1, .Text = line});
+  }
   return status;
 }
 
