@@ -29,7 +29,8 @@ CompileOutcome RunCompile(const CompileInput& input, const std::string& sdkDirec
                           const tools::ToolRunOptions& options, const CompileCalls& calls) {
   CompileOutcome outcome;
   outcome.Input = input;
-  outcome.CommandLine = tools::StudiomdlCommandLine(sdkDirectory, gameDirectory, input.QcPath, input.Options);
+  const process::Command command = tools::StudiomdlCommand(sdkDirectory, gameDirectory, input.QcPath, input.Options);
+  outcome.CommandLine = command.Line();
   for (const std::string& warning : tools::CheckStudiomdlRun(gameDirectory, input.QcPath)) calls.OnWarning(warning);
   const tools::ModelFileWatch model(gameDirectory, input.QcPath);
   tools::LineSplitter lines([&](const std::string& line) {
@@ -41,14 +42,14 @@ CompileOutcome RunCompile(const CompileInput& input, const std::string& sdkDirec
   tools::ToolRunOptions runOptions = options;
   runOptions.OnText = [&](std::string_view piece) { lines.Feed(piece); };
   calls.OnStart(outcome.CommandLine);
-  outcome.Run = tools::RunTool(tools::ToolRun::StudiomdlForm, outcome.CommandLine, runOptions).Outcome;
+  outcome.Run = tools::RunTool(tools::ToolRun::StudiomdlForm, command, runOptions).Outcome;
   lines.Finish();
   if (outcome.Run.Failure) {
     outcome.Errors.push_back(outcome.Run.Failure->Text());
     return outcome;
   }
   if (outcome.Run.Stopped) return outcome;
-  const std::string crash = outcome.Run.End ? tools::CrashCause(*outcome.Run.End) : "";
+  const std::string crash = outcome.Run.End ? process::CrashCause(*outcome.Run.End) : "";
   if (!crash.empty()) outcome.Errors.push_back("the tool crashed: it was ended by " + crash);
   JudgeModel(outcome, model, calls);
   return outcome;

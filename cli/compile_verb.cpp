@@ -102,7 +102,7 @@ class Compile {
   void RunOne(const CompileInput& input) {
     tools::ToolRunOptions run;
     run.Start = m_options.Directories.Start();
-    run.Stop = &m_interrupt.Flag();
+    run.Stop = m_interrupt.Token();
     run.AnnounceStart = false;
     std::ostream& lines = m_options.Json ? m_err : m_out;
     CompileCalls calls;

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "core/app_settings.h"
-#include "tools/child_process.h"
+#include "tools/program_start.h"
 #include "tools/sdk_tools.h"
 
 namespace CLI {

@@ -35,23 +35,21 @@ int View(Options options, Invocation& invocation) {
     warnings.push_back("there is no model " + path);
   }
   for (const std::string& warning : warnings) invocation.Err << "Warning: " << warning << '\n';
-  const tools::HlmvCommand command = tools::BuildHlmvCommand(options.Directories.Sdk, game, modelFile);
+  const process::Command command = tools::HlmvCommand(options.Directories.Sdk, game, modelFile);
   const auto error = tools::StartHlmv(command, options.Directories.Start());
   if (options.Json) {
-    nlohmann::ordered_json json{{"model", options.Model},
-                                {"outcome", error ? "failed" : "ok"},
-                                {"program", command.Program},
-                                {"parameters", command.Parameters},
-                                {"warnings", warnings}};
+    nlohmann::ordered_json json{{"model", options.Model},         {"outcome", error ? "failed" : "ok"},
+                                {"program", command.Program},     {"parameters", command.Shown.substr(1)},
+                                {"arguments", command.Arguments}, {"warnings", warnings}};
     if (error) json["error"] = error->Message;
     invocation.Out << json.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace) << '\n';
   }
   if (error) {
-    invocation.Err << command.ErrorText() << ": " << error->Message << '\n';
+    invocation.Err << tools::HlmvErrorText(command) << ": " << error->Message << '\n';
     if (!tools::ToolExists(command.Program)) invocation.Err << SdkAdvice << '\n';
     return ExitFailure;
   }
-  if (!options.Json) invocation.Out << command.Program << ' ' << command.Parameters << '\n';
+  if (!options.Json) invocation.Out << command.Line() << '\n';
   return ExitSuccess;
 }
 

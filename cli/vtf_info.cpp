@@ -18,9 +18,9 @@ int PrintVtfInfo(const std::vector<std::string>& files, bool json, Invocation& i
   tools::ToolRunOptions options;
   options.AnnounceStart = false;
   for (const std::string& file : files) {
-    const std::string commandLine =
-        tools::SdkToolPath(folder, tools::Vtf2tga) + " -nopause " + (json ? "-json" : "-info") + " -i \"" + file + "\"";
-    const auto run = tools::RunTool(tools::ToolRun::Vtf2tga, commandLine, options);
+    process::Command command{tools::SdkToolPath(folder, tools::Vtf2tga)};
+    command.Word("-nopause").Word(json ? "-json" : "-info").Word("-i").InQuotes(file);
+    const auto run = tools::RunTool(tools::ToolRun::Vtf2tga, command, options);
     const std::string said = run.Outcome.Log.Text();
     const bool good = !run.Outcome.Failure && run.Outcome.End && run.Outcome.End->ExitCode == 0;
     if (!good) {

@@ -1,9 +1,13 @@
 #include "images/image_worker.h"
 
+#include <chrono>
+#include <csignal>
+
 #include "core/paths.h"
 #include "core/program_directory.h"
-#include "images/child_process.h"
 #include "images/limits.h"
+#include "images/sanitized.h"
+#include "process/run.h"
 
 namespace tarnwick::images {
 
@@ -21,16 +25,37 @@ std::string Native(const std::string& path) {
   return core::PathText(core::NativePath(path));
 }
 
+#if TARNWICK_SANITIZED  // a sanitizer's report is worth seeing
+constexpr process::ErrorOutput WorkersErrors = process::ErrorOutput::Inherited;
+#else
+constexpr process::ErrorOutput WorkersErrors = process::ErrorOutput::Dropped;
+#endif
+
+std::string SignalCause([[maybe_unused]] int number) {
+#ifndef _WIN32
+  if (number == SIGXCPU) return "it took too long";
+  if (number == SIGXFSZ) return "its result grew too large";
+#endif
+  return {};
+}
+
 /// What is left when the worker gave no answer that can be used.
-std::string Reason(const ChildResult& child, const std::string& program) {
-  switch (child.Ending) {
-    case ChildResult::End::NotStarted:
-      return program + " cannot be started: " + child.Reason;
-    case ChildResult::End::Exited:
-      return program + " ended without an answer";
-    default:
-      return "the image could not be worked on: " + child.Reason;
-  }
+std::string Reason(const process::CapturedRun& run, const std::string& program) {
+  if (run.NotStarted) return program + " cannot be started: " + run.NotStarted->Message;
+  constexpr std::string_view Failed = "the image could not be worked on: ";
+  if (run.Outcome.Cut == process::RunCut::TimedOut) return std::string(Failed) + "it took too long";
+  if (run.Outcome.Cut == process::RunCut::Stopped) return "stopped";
+  if (run.Outcome.Cut == process::RunCut::TooMuch) return std::string(Failed) + "it answered too much";
+  const process::ProcessEnd end = run.Outcome.End.value_or(process::ProcessEnd{});
+  if (const std::string cause = SignalCause(end.Signal); !cause.empty()) return std::string(Failed) + cause;
+  const std::string crash = process::CrashCause(end);
+  if (!crash.empty()) return std::string(Failed) + "it was ended by the system: " + crash;
+  return program + " ended without an answer";
+}
+
+bool HasEndedByItself(const process::CapturedRun& run) {
+  return !run.NotStarted && run.Outcome.Cut == process::RunCut::None &&
+         process::CrashCause(run.Outcome.End.value_or(process::ProcessEnd{})).empty();
 }
 
 }  // namespace
@@ -45,12 +70,19 @@ WorkerAnswer ImageWorker::Run(const WorkerRequest& request) const {
   native.Output = Native(request.Output);
   const size_t pixels = static_cast<size_t>(request.Side) * static_cast<size_t>(request.Side) * 4;
 
-  const ChildResult child = RunChild(m_path, ToArguments(native), LongestLine + pixels, static_cast<int>(LongestRun));
+  process::StartOptions start;
+  start.Errors = WorkersErrors;
+  process::RunOptions limits;
+  limits.Deadline = std::chrono::seconds(LongestRun);
+  limits.MostOutput = LongestLine + pixels;
+  limits.Stop = m_stop;
+  limits.StopGrace = {};  // it holds nothing that it could put in order
+  const process::CapturedRun run = process::RunAndKeep({Native(m_path), ToArguments(native)}, start, limits);
   WorkerAnswer answer;
-  if (child.Ending == ChildResult::End::Exited) {
-    if (auto parsed = ParseAnswer(child.Output)) return *std::move(parsed);
+  if (HasEndedByItself(run)) {
+    if (auto parsed = ParseAnswer(run.Output)) return *std::move(parsed);
   }
-  answer.Reason = Reason(child, m_path);
+  answer.Reason = Reason(run, m_path);
   return answer;
 }
 

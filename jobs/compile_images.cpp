@@ -1,7 +1,6 @@
 #include "jobs/compile_images.h"
 
 #include <algorithm>
-#include <atomic>
 #include <filesystem>
 #include <map>
 #include <vector>
@@ -67,9 +66,7 @@ void CompileOne(const CompileImages& job, const images::ImageWorker& worker, siz
     return images::ConvertMapToTga(source, alpha, directory, ConversionFor(run, lines, worker, job.UseDamaged));
   };
   calls.Run.Start = job.Start;
-  std::atomic<bool> stopRequested = false;
-  const std::stop_callback onStop(run.Stop, [&] { stopRequested = true; });
-  calls.Run.Stop = &stopRequested;
+  calls.Run.Stop = run.Stop;
   calls.Run.AnnounceStart = false;
   calls.Run.OnText = [&](std::string_view text) { run.ToolText(text); };
   calls.OnToolStart = [&](const std::string& commandLine) { run.Command(commandLine); };

@@ -1,7 +1,6 @@
 #include "jobs/export_textures.h"
 
 #include <algorithm>
-#include <atomic>
 #include <filesystem>
 #include <map>
 #include <random>
@@ -174,18 +173,16 @@ class Export {
   }
 
   tools::FinishedRun RunTool(const std::string& tga) {
-    const std::string commandLine = tools::Vtf2tgaCommandLine(
+    const process::Command command = tools::Vtf2tgaCommand(
         tools::SdkDirectoryOrBundled(m_job.SdkDirectory, tools::Vtf2tga), m_run.Result.Source, tga);
-    m_run.Command(commandLine);
+    m_run.Command(command.Line());
     tools::ToolRunOptions options;
     options.Start = m_job.Start;
-    std::atomic<bool> stopRequested = false;
-    const std::stop_callback onStop(m_run.Stop, [&] { stopRequested = true; });
-    options.Stop = &stopRequested;
+    options.Stop = m_run.Stop;
     options.AnnounceStart = false;
     options.OnText = [this](std::string_view text) { m_run.ToolText(text); };
     tools::FinishedRun finished =
-        tools::RunTool(tools::ToolRun::Vtf2tga, commandLine, options, tools::CheckVtf2tgaRun(m_run.Result.Source, tga));
+        tools::RunTool(tools::ToolRun::Vtf2tga, command, options, tools::CheckVtf2tgaRun(m_run.Result.Source, tga));
     m_run.Result.Shown = finished.TextWithNotes();
     m_run.Result.Notes = finished.Notes;
     return finished;

@@ -6,7 +6,7 @@
 
 #include "jobs/host.h"
 #include "jobs/item_run.h"
-#include "tools/child_process.h"
+#include "tools/program_start.h"
 
 namespace tarnwick::jobs {
 

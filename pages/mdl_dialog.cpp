@@ -213,10 +213,10 @@ bool CMDLDialog::HasUnsavedChanges() const {
 void CMDLDialog::OnView() {
   UpdateData(true);
   const std::string gameDirectory = setting::GameDirectory.Read(Settings());
-  const tools::HlmvCommand command = tools::BuildHlmvCommand(setting::SdkDirectory.Read(Settings()), gameDirectory,
-                                                             tools::ModelFileOf(gameDirectory, m_project.modelFile));
+  const process::Command command = tools::HlmvCommand(setting::SdkDirectory.Read(Settings()), gameDirectory,
+                                                      tools::ModelFileOf(gameDirectory, m_project.modelFile));
   if (!tools::StartHlmv(command, {setting::WineProgram.Read(Settings())})) return;
-  DesktopSeam().Box(this, platform::BoxIcon::None, command.ErrorText());
+  DesktopSeam().Box(this, platform::BoxIcon::None, tools::HlmvErrorText(command));
 }
 
 void CMDLDialog::OnInspect() {

@@ -17,7 +17,7 @@ std::optional<ToolRunJob> PrepareStudiomdlRun(platform::CDialog& page, const cor
   platform::PageReport report(page.DesktopSeam(), &page);
   if (!tools::RequireTool(tools::SdkToolPath(sdkDirectory, tools::Studiomdl), tools::Studiomdl, report)) return {};
   return ToolRunJob{run,
-                    tools::StudiomdlCommandLine(sdkDirectory, gameDirectory, qcPath, options),
+                    tools::StudiomdlCommand(sdkDirectory, gameDirectory, qcPath, options),
                     {setting::WineProgram.Read(settings)},
                     tools::CheckStudiomdlRun(gameDirectory, qcPath)};
 }

@@ -4,7 +4,6 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QProgressBar>
-#include <atomic>
 
 #include "pages/whole_log_dialog.h"
 #include "platform/dialog.h"
@@ -25,20 +24,18 @@ ToolRunner::ToolRunner(platform::CDialog& page, const ToolRunControls& controls)
 
 void ToolRunner::Start(const ToolRunJob& job, tools::PageLog& log, std::function<void()> done) {
   if (m_jobs.IsRunning()) return;
-  m_commandLine = job.CommandLine;
+  m_shellLine = tools::ShellLine(job.Command, job.Start);
   m_log = &log;
   const auto finished = std::make_shared<tools::FinishedRun>();
   const auto work = [job, finished](core::Report& report, const std::stop_token& stop) {
-    std::atomic<bool> stopRequested = false;
-    const std::stop_callback onStop(stop, [&stopRequested] { stopRequested = true; });
     tools::OutputWrapper wrapper(tools::RuleOf(job.Run));
     tools::ToolRunOptions options;
     options.Start = job.Start;
-    options.Stop = &stopRequested;
+    options.Stop = stop;
     options.OnText = [&](std::string_view piece) { report.Log(wrapper.Wrap(piece)); };
-    *finished = tools::RunTool(job.Run, job.CommandLine, options, job.Warnings);
+    *finished = tools::RunTool(job.Run, job.Command, options, job.Warnings);
   };
-  const std::string head = job.CommandLine + "\r\n";
+  const std::string head = job.Command.Line() + "\r\n";
   m_logged = head.size();
   log.AppendPageLog(head);
   m_jobs.Start(work, {.Bar = m_controls.Bar,
@@ -68,11 +65,11 @@ void ToolRunner::OnEnd(const tools::FinishedRun& run, const std::function<void()
 }
 
 void ToolRunner::OnCopyCommand() {
-  QGuiApplication::clipboard()->setText(platform::ToQt(m_commandLine));
+  QGuiApplication::clipboard()->setText(platform::ToQt(m_shellLine));
 }
 
 void ToolRunner::OnWholeLog() {
-  CWholeLogDialog(m_page.DesktopSeam(), m_controls.WholeLogButton->window(), m_commandLine, m_wholeLog).DoModal();
+  CWholeLogDialog(m_page.DesktopSeam(), m_controls.WholeLogButton->window(), m_shellLine, m_wholeLog).DoModal();
 }
 
 }  // namespace tarnwick::pages

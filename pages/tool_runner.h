@@ -26,7 +26,7 @@ struct ToolRunControls {
 /// One run.
 struct ToolRunJob {
   tools::ToolRun Run;
-  std::string CommandLine;
+  process::Command Command;
   tools::StartSettings Start;
   std::vector<std::string> Warnings;  // what the checks before the run found
 };
@@ -55,7 +55,7 @@ class ToolRunner : public QObject {
 
   platform::CDialog& m_page;
   ToolRunControls m_controls;
-  std::string m_commandLine;
+  std::string m_shellLine;  // of the last run
   tools::WholeLog m_wholeLog;
   tools::PageLog* m_log = nullptr;
   size_t m_logged = 0;         // bytes of the run's text that are in the log

@@ -26,17 +26,22 @@ std::string PathBelow(const std::string& models, std::string_view model) {
 
 }  // namespace
 
-HlmvCommand BuildHlmvCommand(std::string_view sdkDirectory, std::string_view gameDirectory,
+process::Command HlmvCommand(std::string_view sdkDirectory, std::string_view gameDirectory,
                              std::string_view modelFile) {
-  HlmvCommand command;
-  command.Program = std::string(sdkDirectory) + core::PathSeparator + "hlmv.exe";
-  command.Parameters = "-game \"" + std::string(gameDirectory) + "\" \"" + std::string(gameDirectory) + "/models/" +
-                       std::string(modelFile) + "\"";
+  process::Command command{std::string(sdkDirectory) + core::PathSeparator + "hlmv.exe"};
+  const std::string game(gameDirectory);
+  command.Word("-game").InQuotes(game).InQuotes(game + "/models/" + std::string(modelFile));
   return command;
 }
 
-std::optional<SystemError> StartHlmv(const HlmvCommand& command, const StartSettings& settings) {
-  return LaunchDetached(command.Program, command.Parameters, settings);
+std::optional<process::SystemError> StartHlmv(const process::Command& command, const StartSettings& settings) {
+  ProgramStart start;
+  if (auto error = PrepareStart(command, settings, start)) return error;
+  return process::StartDetached(start.Command, start.Options);
+}
+
+std::string HlmvErrorText(const process::Command& command) {
+  return "Error starting " + command.Program;
 }
 
 std::string ModelFileOf(std::string_view gameDirectory, std::string_view model) {

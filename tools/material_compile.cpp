@@ -59,10 +59,6 @@ ConvertedMaps ConvertImages(const VtexRun& run, const std::string& directory, co
   return maps;
 }
 
-bool IsStopped(const ToolRunOptions& options) {
-  return options.Stop != nullptr && options.Stop->load();
-}
-
 }  // namespace
 
 std::string OutputSubdirectory(const MaterialCompile& job) {
@@ -75,14 +71,14 @@ MaterialResult RunVtex(const MaterialCompile& job, size_t index, const std::stri
   MaterialResult result;
   result.Image = run.SourceImage;
   result.Maps = ConvertImages(run, gameDirectory + run.OutputSubdirectory, calls.ConvertToTga, result.Log);
-  if (IsStopped(calls.Run)) return result;
+  if (calls.Run.Stop.stop_requested()) return result;
   result.ToolFound = RequireTool(SdkToolPath(sdkDirectory, Vtex), Vtex, calls.Report);
   if (!result.ToolFound) return result;
 
-  const std::string commandLine = VtexCommandLine(sdkDirectory, run, result.Maps);
-  if (calls.OnToolStart) calls.OnToolStart(commandLine);
+  const process::Command command = VtexCommand(sdkDirectory, run, result.Maps);
+  if (calls.OnToolStart) calls.OnToolStart(command.Line());
   result.Run =
-      RunTool(ToolRun::Vtex, commandLine, calls.Run, CheckVtexRun(gameDirectory, run.OutputSubdirectory, result.Maps));
+      RunTool(ToolRun::Vtex, command, calls.Run, CheckVtexRun(gameDirectory, run.OutputSubdirectory, result.Maps));
   result.Log += result.Run.TextWithNotes();
   if (result.Run.Outcome.Failure) ReportFatalSystemError(*result.Run.Outcome.Failure, calls.Report);
   return result;

@@ -18,18 +18,14 @@ constexpr StudiomdlOption OptionTable[] = {
 
 const std::span<const StudiomdlOption> StudiomdlOptions = OptionTable;
 
-std::string StudiomdlCommandLine(std::string_view sdkDirectory, std::string_view gameDirectory, std::string_view qcPath,
-                                 uint32_t options) {
-  std::string line = SdkToolPath(sdkDirectory, Studiomdl);
-  line += " -game \"";
-  line += gameDirectory;
-  line += "\" \"";
-  line += qcPath;
-  line += '"';
+process::Command StudiomdlCommand(std::string_view sdkDirectory, std::string_view gameDirectory,
+                                  std::string_view qcPath, uint32_t options) {
+  process::Command command{SdkToolPath(sdkDirectory, Studiomdl)};
+  command.Word("-game").InQuotes(gameDirectory).InQuotes(qcPath);
   for (const StudiomdlOption& option : OptionTable) {
-    if ((options & option.Bit) != 0) line += option.Switch;
+    if ((options & option.Bit) != 0 && !option.Switch.empty()) command.Word(option.Switch.substr(1));
   }
-  return line;
+  return command;
 }
 
 }  // namespace tarnwick::tools

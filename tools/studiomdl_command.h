@@ -2,8 +2,9 @@
 
 #include <cstdint>
 #include <span>
-#include <string>
 #include <string_view>
+
+#include "process/command.h"
 
 namespace tarnwick::tools {
 
@@ -17,9 +18,9 @@ struct StudiomdlOption {
 /// All options, in the order in which their switches stand on the command line; the two without a switch last.
 extern const std::span<const StudiomdlOption> StudiomdlOptions;
 
-/// studiomdl's command line: `sdkDirectory`/studiomdl.exe -game "`gameDirectory`" "`qcPath`" and the switches of the
-/// set bits of `options`, unknown bits without effect. A ready-made script is compiled with no options.
-std::string StudiomdlCommandLine(std::string_view sdkDirectory, std::string_view gameDirectory, std::string_view qcPath,
-                                 uint32_t options = 0);
+/// The call of studiomdl, as a line: `sdkDirectory`/studiomdl.exe -game "`gameDirectory`" "`qcPath`" and the switches
+/// of the set bits of `options`, unknown bits without effect. A ready-made script is compiled with no options.
+process::Command StudiomdlCommand(std::string_view sdkDirectory, std::string_view gameDirectory,
+                                  std::string_view qcPath, uint32_t options = 0);
 
 }  // namespace tarnwick::tools

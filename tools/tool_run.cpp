@@ -1,7 +1,5 @@
 #include "tools/tool_run.h"
 
-#include <cstdint>
-#include <cstdio>
 #include <utility>
 
 namespace tarnwick::tools {
@@ -21,7 +19,7 @@ std::string NotesOf(const ToolRunOutcome& outcome, size_t shown, const std::vect
   }
   if (outcome.Failure) notes += Note(outcome.Failure->Text());
   if (outcome.Stopped) notes += Note("[Stopped. The tool and everything that it started were ended]");
-  const std::string crash = outcome.End && !outcome.Stopped ? CrashCause(*outcome.End) : "";
+  const std::string crash = outcome.End && !outcome.Stopped ? process::CrashCause(*outcome.End) : "";
   if (!crash.empty()) notes += Note("[The tool crashed: it was ended by " + crash + "]");
   if (outcome.OutputAbandoned && !outcome.Stopped) {
     notes += Note("[The tool has ended; a program that it started still runs]");
@@ -33,17 +31,6 @@ std::string NotesOf(const ToolRunOutcome& outcome, size_t shown, const std::vect
 
 }  // namespace
 
-std::string CrashCause(const ProcessEnd& end) {
-  // On Windows a process that an exception ends exits with the exception's code: the first four bits are 0xC for one of
-  // the system's, 0xE for one of the program's own. The exit codes of other systems are small, -1 begins with 0xF.
-  if (end.Signal != 0) return "signal " + std::to_string(end.Signal);
-  const auto code = static_cast<uint32_t>(end.ExitCode);
-  if (code >> 28 != 0xC && code >> 28 != 0xE) return "";
-  char text[11];
-  std::snprintf(text, sizeof text, "0x%08X", static_cast<unsigned>(code));
-  return std::string("exception ") + text;
-}
-
 FinishedRun RunTool(const ToolRunRule& rule, const ToolRunRequest& request, const ToolRunOptions& options,
                     const std::vector<std::string>& warnings) {
   ConsoleCapture capture;
@@ -51,18 +38,18 @@ FinishedRun RunTool(const ToolRunRule& rule, const ToolRunRequest& request, cons
   capture.RunAndCapture(request.CommandLine, request.OutputBuffer, request.OutputSize);
   size_t shown = 0;
   FinishedRun run;
-  run.CommandLine = request.CommandLine;
-  run.Text = DisplayText(request.CommandLine, request.OutputBuffer, rule, &shown);
+  run.CommandLine = request.CommandLine.Line();
+  run.Text = DisplayText(run.CommandLine, request.OutputBuffer, rule, &shown);
   run.Notes = NotesOf(capture.Outcome, shown, warnings);
   run.Outcome = std::move(capture.Outcome);
   return run;
 }
 
-FinishedRun RunTool(ToolRun run, const std::string& commandLine, const ToolRunOptions& options,
+FinishedRun RunTool(ToolRun run, const process::Command& command, const ToolRunOptions& options,
                     const std::vector<std::string>& warnings) {
   const ToolRunRule& rule = RuleOf(run);
   std::string buffer(static_cast<size_t>(rule.BufferBytes), '\0');
-  return RunTool(rule, ToolRunRequest{commandLine, buffer.data(), rule.BufferBytes}, options, warnings);
+  return RunTool(rule, ToolRunRequest{command, buffer.data(), rule.BufferBytes}, options, warnings);
 }
 
 }  // namespace tarnwick::tools

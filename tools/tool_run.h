@@ -11,23 +11,20 @@ namespace tarnwick::tools {
 
 /// A run that is over, with the texts to be shown of it.
 struct FinishedRun {
-  std::string CommandLine;
-  std::string Text;   // the command line, \r\n, and the tool's output as its rule shows it
-  std::string Notes;  // what the program itself has to say behind that; empty after an ordinary run
+  std::string CommandLine;  // as it is shown
+  std::string Text;         // the command line, \r\n, and the tool's output as its rule shows it
+  std::string Notes;        // what the program itself has to say behind that; empty after an ordinary run
   ToolRunOutcome Outcome;
 
   /// Text and Notes: what a window shows.
   std::string TextWithNotes() const { return Text + Notes; }
 };
 
-/// What ended a program that did not end by itself, such as "signal 11" or "exception 0xC0000005"; "" for one that did.
-std::string CrashCause(const ProcessEnd& end);
-
-/// Runs the tool that `commandLine` begins with and returns when its output has ended. Called on a worker thread by a
+/// Runs a tool and returns when its output has ended. Called on a worker thread by a
 /// window, whose own thread goes on; `options` says how to follow the run and how to stop it. `warnings` are what the
 /// checks before the run found; they come back at the end of the notes. A tool that cannot be started is told in
 /// `Outcome.Failure`, which the caller shows with `ReportFatalSystemError`, and in the notes.
-FinishedRun RunTool(ToolRun run, const std::string& commandLine, const ToolRunOptions& options,
+FinishedRun RunTool(ToolRun run, const process::Command& command, const ToolRunOptions& options,
                     const std::vector<std::string>& warnings = {});
 
 /// The same with a request whose buffer is the caller's.

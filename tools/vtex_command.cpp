@@ -10,50 +10,53 @@ namespace {
 /// The length of "\materialsrc\".
 constexpr size_t MaterialSourcePrefix = 13;
 
-/// One switch of the command line: when it is there, and its text around a value.
-struct VtexSwitch {
-  bool (*Applies)(const VtexRun& run);
-  std::string_view Text;
-  std::string (*Value)(const VtexRun& run);  // none for a switch whose text is all
-  std::string_view Closing;
+/// How the value of a switch goes on the line.
+enum class ValueForm {
+  Fixed,   // it is a part of the switch's text
+  Quoted,  // in quotes
+  Typed,   // as the user has typed it: several words may stand there
 };
 
-constexpr VtexSwitch Plain(bool (*applies)(const VtexRun& run), std::string_view text) {
-  return {applies, text, nullptr, {}};
+/// One switch of the command line: when it is there, its words, and its value behind them.
+struct VtexSwitch {
+  bool (*Applies)(const VtexRun& run);
+  std::string_view Words;  // parted by single blanks
+  ValueForm Form = ValueForm::Fixed;
+  std::string (*Value)(const VtexRun& run) = nullptr;
+};
+
+/// The name of the map that `Map` of a run holds.
+template <std::string VtexRun::*Map>
+std::string MapName(const VtexRun& run) {
+  return MaterialRelativeName(run.*Map, run.OutputSubdirectory);
 }
 
 constexpr VtexSwitch Switches[] = {
-    Plain([](const VtexRun&) { return true; }, " -nopause"),
-    {[](const VtexRun& run) { return !run.Shader.empty(); }, " -shader ", [](const VtexRun& run) { return run.Shader; },
-     ""},
-    {[](const VtexRun& run) { return !run.NormalMap.empty(); }, " -vmtparam $bumpmap \"",
-     [](const VtexRun& run) { return MaterialRelativeName(run.NormalMap, run.OutputSubdirectory); }, "\""},
-    Plain([](const VtexRun& run) { return run.Has(VtexModelPath); }, " -vmtparam $model 1"),
-    Plain([](const VtexRun& run) { return run.Has(VtexTranslucent); }, " -vmtparam $translucent 1"),
-    Plain([](const VtexRun& run) { return run.Has(VtexGlowInBaseAlpha); }, " -vmtparam $selfillum 1"),
-    Plain([](const VtexRun& run) { return run.EnvMap; }, " -vmtparam $envmap env_cubemap"),
-    Plain([](const VtexRun& run) { return run.EnvMap && run.Has(VtexMaskInBaseAlpha); },
-          " -vmtparam $basealphaenvmapmask 1"),
-    Plain([](const VtexRun& run) { return run.EnvMap && run.Has(VtexMaskInNormalAlpha); },
-          " -vmtparam $normalmapalphaenvmapmask 1"),
-    Plain(
-        [](const VtexRun& run) { return run.EnvMap && run.Has(VtexMaskInIllumAlpha) && !run.Has(VtexGlowInBaseAlpha); },
-        " -vmtparam $selfillum_envmapmask_alpha 1"),
-    {[](const VtexRun& run) { return run.EnvMap && !run.EnvMapContrast.empty(); }, " -vmtparam $envmapcontrast \"",
-     [](const VtexRun& run) { return run.EnvMapContrast; }, "\""},
-    {[](const VtexRun& run) { return run.EnvMap && !run.EnvMapSaturation.empty(); }, " -vmtparam $envmapsaturation \"",
-     [](const VtexRun& run) { return run.EnvMapSaturation; }, "\""},
-    {[](const VtexRun& run) { return run.EnvMap && !run.EnvMapTint.empty(); }, " -vmtparam $envmaptint ",
-     [](const VtexRun& run) { return run.EnvMapTint; }, ""},
-    {[](const VtexRun& run) { return run.HasMaskTexture(); }, " -vmtparam $envmapmask \"",
-     [](const VtexRun& run) { return MaterialRelativeName(run.SpecularMap, run.OutputSubdirectory); }, "\""},
-    {[](const VtexRun& run) { return run.Has(VtexGlow) && run.HasGlowTexture(); }, " -vmtparam $selfillumtexture \"",
-     [](const VtexRun& run) { return MaterialRelativeName(run.GlowMap, run.OutputSubdirectory); }, "\""},
+    {[](const VtexRun&) { return true; }, "-nopause"},
+    {[](const VtexRun& run) { return !run.Shader.empty(); }, "-shader", ValueForm::Typed,
+     [](const VtexRun& run) { return run.Shader; }},
+    {[](const VtexRun& run) { return !run.NormalMap.empty(); }, "-vmtparam $bumpmap", ValueForm::Quoted,
+     MapName<&VtexRun::NormalMap>},
+    {[](const VtexRun& run) { return run.Has(VtexModelPath); }, "-vmtparam $model 1"},
+    {[](const VtexRun& run) { return run.Has(VtexTranslucent); }, "-vmtparam $translucent 1"},
+    {[](const VtexRun& run) { return run.Has(VtexGlowInBaseAlpha); }, "-vmtparam $selfillum 1"},
+    {[](const VtexRun& run) { return run.EnvMap; }, "-vmtparam $envmap env_cubemap"},
+    {[](const VtexRun& run) { return run.EnvMap && run.Has(VtexMaskInBaseAlpha); }, "-vmtparam $basealphaenvmapmask 1"},
+    {[](const VtexRun& run) { return run.EnvMap && run.Has(VtexMaskInNormalAlpha); },
+     "-vmtparam $normalmapalphaenvmapmask 1"},
+    {[](const VtexRun& run) { return run.EnvMap && run.Has(VtexMaskInIllumAlpha) && !run.Has(VtexGlowInBaseAlpha); },
+     "-vmtparam $selfillum_envmapmask_alpha 1"},
+    {[](const VtexRun& run) { return run.EnvMap && !run.EnvMapContrast.empty(); }, "-vmtparam $envmapcontrast",
+     ValueForm::Quoted, [](const VtexRun& run) { return run.EnvMapContrast; }},
+    {[](const VtexRun& run) { return run.EnvMap && !run.EnvMapSaturation.empty(); }, "-vmtparam $envmapsaturation",
+     ValueForm::Quoted, [](const VtexRun& run) { return run.EnvMapSaturation; }},
+    {[](const VtexRun& run) { return run.EnvMap && !run.EnvMapTint.empty(); }, "-vmtparam $envmaptint",
+     ValueForm::Typed, [](const VtexRun& run) { return run.EnvMapTint; }},
+    {[](const VtexRun& run) { return run.HasMaskTexture(); }, "-vmtparam $envmapmask", ValueForm::Quoted,
+     MapName<&VtexRun::SpecularMap>},
+    {[](const VtexRun& run) { return run.Has(VtexGlow) && run.HasGlowTexture(); }, "-vmtparam $selfillumtexture",
+     ValueForm::Quoted, MapName<&VtexRun::GlowMap>},
 };
-
-std::string QuotedPath(const std::string& path) {
-  return " \"" + path + "\"";
-}
 
 }  // namespace
 
@@ -72,19 +75,19 @@ std::string MaterialRelativeName(std::string_view mapPath, std::string_view outp
   return relative;
 }
 
-std::string VtexCommandLine(std::string_view sdkDirectory, const VtexRun& run, const ConvertedMaps& maps) {
-  std::string line = SdkToolPath(sdkDirectory, Vtex);
+process::Command VtexCommand(std::string_view sdkDirectory, const VtexRun& run, const ConvertedMaps& maps) {
+  process::Command command{SdkToolPath(sdkDirectory, Vtex)};
   for (const VtexSwitch& option : Switches) {
     if (!option.Applies(run)) continue;
-    line += option.Text;
-    if (option.Value != nullptr) line += option.Value(run);
-    line += option.Closing;
+    command.Typed(option.Words);
+    if (option.Form == ValueForm::Quoted) command.InQuotes(option.Value(run));
+    if (option.Form == ValueForm::Typed) command.Typed(option.Value(run));
   }
-  line += QuotedPath(maps.Base);
-  if (!maps.Normal.empty()) line += QuotedPath(maps.Normal);
-  if (!maps.Glow.empty() && run.HasGlowTexture()) line += QuotedPath(maps.Glow);
-  if (!maps.Specular.empty() && run.HasMaskTexture()) line += QuotedPath(maps.Specular);
-  return line;
+  command.InQuotes(maps.Base);
+  if (!maps.Normal.empty()) command.InQuotes(maps.Normal);
+  if (!maps.Glow.empty() && run.HasGlowTexture()) command.InQuotes(maps.Glow);
+  if (!maps.Specular.empty() && run.HasMaskTexture()) command.InQuotes(maps.Specular);
+  return command;
 }
 
 }  // namespace tarnwick::tools

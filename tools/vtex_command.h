@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "process/command.h"
+
 namespace tarnwick::tools {
 
 /// What a material is compiled with, as bits of `VtexFlags`.
@@ -54,7 +56,7 @@ struct ConvertedMaps {
 ///     MaterialRelativeName("C:\\art\\brick_n.tga", "\\materialsrc\\models\\props")   // models\props/brick_n
 std::string MaterialRelativeName(std::string_view mapPath, std::string_view outputSubdirectory);
 
-/// vtex's command line: the tool, the switches of the material, the TGA files.
-std::string VtexCommandLine(std::string_view sdkDirectory, const VtexRun& run, const ConvertedMaps& maps);
+/// The call of vtex: the tool, the switches of the material, the TGA files.
+process::Command VtexCommand(std::string_view sdkDirectory, const VtexRun& run, const ConvertedMaps& maps);
 
 }  // namespace tarnwick::tools

@@ -22,9 +22,10 @@ std::string SuggestOutputName(std::string_view input) {
   return Stem(input) + std::string(TgaEnding);
 }
 
-std::string Vtf2tgaCommandLine(std::string_view sdkDirectory, std::string_view input, std::string_view tgaPath) {
-  return SdkToolPath(sdkDirectory, Vtf2tga) + " -nopause -i \"" + std::string(input) + "\" -o \"" +
-         std::string(tgaPath) + "\"";
+process::Command Vtf2tgaCommand(std::string_view sdkDirectory, std::string_view input, std::string_view tgaPath) {
+  process::Command command{SdkToolPath(sdkDirectory, Vtf2tga)};
+  command.Word("-nopause").Word("-i").InQuotes(input).Word("-o").InQuotes(tgaPath);
+  return command;
 }
 
 }  // namespace tarnwick::tools

@@ -21,7 +21,7 @@ constexpr std::string_view Install32Advice =
     "Install the package wine32 (on Debian: dpkg --add-architecture i386 && apt-get update && apt-get install "
     "wine32:i386), or name a Wine that runs 32-bit programs in the configuration.";
 
-constexpr std::string_view WineServers[] = {"wineserver",     "wineserver32", "wineserver64", "services.exe",
+constexpr std::string_view ServerNames[] = {"wineserver",     "wineserver32", "wineserver64", "services.exe",
                                             "winedevice.exe", "plugplay.exe", "explorer.exe", "rpcss.exe",
                                             "svchost.exe",    "wineboot.exe", "tabtip.exe"};
 
@@ -69,6 +69,8 @@ std::optional<std::string> FindWine(const std::string& configured) {
 
 }  // namespace
 
+const std::span<const std::string_view> WineServers = ServerNames;
+
 WineChoice ChooseWine(ProgramKind kind, const std::string& program, const std::string& configured) {
   if (kind == ProgramKind::Dos) return {{}, program + " is a DOS program, not a Windows program."};
   const auto wine = FindWine(configured);
@@ -102,10 +104,6 @@ std::optional<std::string> FindInPath(const std::string& name) {
     if (end == std::string_view::npos) return std::nullopt;
     folders.remove_prefix(end + 1);
   }
-}
-
-bool IsWineServer(std::string_view processName) {
-  return std::find(std::begin(WineServers), std::end(WineServers), processName) != std::end(WineServers);
 }
 
 }  // namespace tarnwick::tools

@@ -3,6 +3,7 @@
 #ifndef _WIN32
 
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -23,9 +24,9 @@ WineChoice ChooseWine(ProgramKind kind, const std::string& program, const std::s
 /// The executable file called `name` in the folders of the PATH.
 std::optional<std::string> FindInPath(const std::string& name);
 
-/// Whether `processName`, as the system lists it, is one of Wine's own servers. They belong to every Windows program
-/// that the user runs, whoever started them, and end by themselves after the last one.
-bool IsWineServer(std::string_view processName);
+/// The names of Wine's own servers, as the system lists processes. They belong to every Windows program that the user
+/// runs, whoever started them, and end by themselves after the last one.
+extern const std::span<const std::string_view> WineServers;
 
 }  // namespace tarnwick::tools
 

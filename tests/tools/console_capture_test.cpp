@@ -19,31 +19,24 @@ using ::testing::StartsWith;
 using tests::ScratchFolder;
 using tests::WriteText;
 
-TEST(ConsoleCapture, GivesTheChildItsArgumentsAndItsFourBytesOfInput) {
-  const std::string arguments = R"(arguments -game "my game" "" -f "\a\b" ")"
-                                "gr\u00FC\u00DF"
-                                R"(.qc")";
-#ifdef _WIN32
-  const std::string name = "gr\xFC\xDF.qc";  // a console program gets its arguments in the system's code page
-#else
-  const std::string name = "gr\u00FC\u00DF.qc";
-#endif
-  EXPECT_EQ(RunProbe(arguments).Text, "[-game]\n[my game]\n[]\n[-f]\n[\\a\\b]\n[" + name + "]\n");
-  EXPECT_EQ(RunProbe("input").Text, "20 20 00 00 end\n");
+TEST(ConsoleCapture, GivesTheChildItsFourBytesOfInput) {
+  EXPECT_EQ(RunProbe({"input"}).Text, "20 20 00 00 end\n");
 }
 
-TEST(ConsoleCapture, FindsAProgramWhoseUnquotedPathHoldsBlanks) {
+TEST(ConsoleCapture, RunsTheToolOfItsPathAndNotOneThatStandsAtABlankInIt) {
   const ScratchFolder folder;
   const std::string tool = folder.Path("my sdk tools/the probe.exe");
   fs::create_directories(fs::path(tool).parent_path());
-  fs::create_directories(folder.Path("my"));  // a folder is no program
   fs::copy_file(CONSOLE_PROBE, tool);
-  EXPECT_EQ(RunLine(tool + " arguments a").Text, "[a]\n");
-  EXPECT_EQ(RunLine("\"" + tool + "\" arguments \"b c\"").Text, "[b c]\n");
+  for (const char* stranger : {"my", "my.exe"}) {
+    tests::WriteText(folder.Path(stranger), "#!/bin/sh\necho stranger\n");
+    fs::permissions(folder.Path(stranger), fs::perms::owner_all);
+  }
+  EXPECT_EQ(RunCommand({tool, {"arguments", "b c"}}).Text, "[b c]\n");
 }
 
 TEST(ConsoleCapture, KeepsTheOrderOfBothStreams) {
-  const ProbeRun run = RunProbe("streams");
+  const ProbeRun run = RunProbe({"streams"});
   EXPECT_EQ(run.Text, "out0 err0 out1 err1 out2 err2 ");
   EXPECT_EQ(run.Outcome.OutputBytes, run.Text.size());
 }
@@ -55,7 +48,7 @@ TEST(ConsoleCapture, FillsTheBufferToTheByteAndReadsTheRest) {
     size_t Text;
   } cases[] = {{0, 64, 0}, {62, 64, 62}, {63, 64, 63}, {64, 64, 63}, {65, 64, 63}, {300000, 64, 63}, {5, 1, 0}};
   for (const auto& c : cases) {
-    const ProbeRun run = RunProbe("fill " + std::to_string(c.Printed), QuietOptions(), c.Size);
+    const ProbeRun run = RunProbe({"fill", std::to_string(c.Printed)}, QuietOptions(), c.Size);
     EXPECT_EQ(run.Text.size(), c.Text) << c.Printed;
     EXPECT_EQ(run.Outcome.OutputBytes, static_cast<uint64_t>(c.Printed));
     EXPECT_EQ(run.Outcome.Log.Text().size(), static_cast<size_t>(c.Printed));
@@ -66,7 +59,7 @@ TEST(ConsoleCapture, HandsOverTheTextAsItArrives) {
   ToolRunOptions options = QuietOptions();
   std::string live;
   options.OnText = [&](std::string_view piece) { live += piece; };
-  const ProbeRun run = RunProbe("fill 200000", options, 100);
+  const ProbeRun run = RunProbe({"fill", "200000"}, options, 100);
   EXPECT_EQ(live, run.Outcome.Log.Text());
   EXPECT_EQ(live.substr(0, 99), run.Text);
 }
@@ -74,7 +67,7 @@ TEST(ConsoleCapture, HandsOverTheTextAsItArrives) {
 TEST(ConsoleCapture, ReadsAChildThatNeverReadsAndTellsHowItEnded) {
   // The child may be gone before its input is written: that must not end this process.
   for (int i = 0; i < 20; ++i) {
-    const ProbeRun run = RunProbe("exit 3");
+    const ProbeRun run = RunProbe({"exit", "3"});
     EXPECT_FALSE(run.Outcome.Failure);
     ASSERT_TRUE(run.Outcome.End);
     EXPECT_EQ(run.Outcome.End->ExitCode, 3);
@@ -82,12 +75,12 @@ TEST(ConsoleCapture, ReadsAChildThatNeverReadsAndTellsHowItEnded) {
 }
 
 TEST(ConsoleCapture, WaitsForAGrandchildThatStillPrintsButNotForOneThatIsSilent) {
-  EXPECT_THAT(RunProbe("leave 300").Text, HasSubstr("waited\n"));
+  EXPECT_THAT(RunProbe({"leave", "300"}).Text, HasSubstr("waited\n"));
 
   ToolRunOptions options = QuietOptions();
   options.QuietAfterEnd = std::chrono::milliseconds(100);
   const auto start = std::chrono::steady_clock::now();
-  const ProbeRun run = RunProbe("leave 10000", options);
+  const ProbeRun run = RunProbe({"leave", "10000"}, options);
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(9000));
   EXPECT_TRUE(run.Outcome.OutputAbandoned);
   EXPECT_THAT(run.Text, StartsWith("process "));
@@ -96,9 +89,9 @@ TEST(ConsoleCapture, WaitsForAGrandchildThatStillPrintsButNotForOneThatIsSilent)
 TEST(ConsoleCapture, ReportsAToolThatCannotBeStartedAndGoesOn) {
   const ScratchFolder folder;
   WriteText(folder.Path("broken.exe"), "no program at all");
-  for (const std::string& line : {folder.Path("missing.exe"), folder.Path("broken.exe") + " -f", std::string()}) {
-    const ProbeRun run = RunLine(line);
-    ASSERT_TRUE(run.Outcome.Failure) << line;
+  for (const std::string& program : {folder.Path("missing.exe"), folder.Path("broken.exe"), std::string()}) {
+    const ProbeRun run = RunCommand({program, {"-f"}});
+    ASSERT_TRUE(run.Outcome.Failure) << program;
     EXPECT_EQ(run.Text, "");
     tests::RecordingReport report;
     ReportFatalSystemError(*run.Outcome.Failure, report);
@@ -116,11 +109,11 @@ TEST(ToolRunNotes, TellOfACrashButNotOfAFailure) {
 #else
   const std::string cause = "signal 6";
 #endif
-  const auto notes = [](const std::string& mode) {
-    return RunTool(ToolRun::Vtex, std::string(CONSOLE_PROBE) + " " + mode, QuietOptions()).Notes;
+  const auto notes = [](const std::vector<std::string>& mode) {
+    return RunTool(ToolRun::Vtex, {CONSOLE_PROBE, mode}, QuietOptions()).Notes;
   };
-  EXPECT_EQ(notes("crash"), "\r\n[The tool crashed: it was ended by " + cause + "]\r\n");
-  for (const char* failure : {"exit 3", "exit -1"}) EXPECT_EQ(notes(failure), "");
+  EXPECT_EQ(notes({"crash"}), "\r\n[The tool crashed: it was ended by " + cause + "]\r\n");
+  for (const char* code : {"3", "-1"}) EXPECT_EQ(notes({"exit", code}), "");
 }
 
 TEST(WholeLog, KeepsTheFirstAndTheLastHalfOfItsLimit) {

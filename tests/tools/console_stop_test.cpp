@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <chrono>
 #include <fstream>
 #include <sstream>
@@ -19,16 +18,16 @@ namespace {
 using std::chrono::milliseconds;
 
 /// Runs the probe and stops it as soon as it has printed `processes` lines that name a process.
-ProbeRun RunAndStop(const std::string& arguments, int processes) {
-  std::atomic<bool> stop = false;
+ProbeRun RunAndStop(const std::vector<std::string>& arguments, int processes) {
+  std::stop_source stop;
   ToolRunOptions options = QuietOptions();
   std::string text;
-  options.Stop = &stop;
+  options.Stop = stop.get_token();
   options.OnText = [&](std::string_view piece) {
     text += piece;
     int found = 0;
     for (size_t at = text.find("process "); at != std::string::npos; at = text.find("process ", at + 1)) ++found;
-    if (found == processes && text.back() == '\n') stop = true;
+    if (found == processes && text.back() == '\n') stop.request_stop();
   };
   return RunProbe(arguments, options);
 }
@@ -63,7 +62,7 @@ bool AllEnd(const std::string& text) {
 }
 
 TEST(ConsoleStop, EndsAToolThatWaits) {
-  const ProbeRun run = RunAndStop("wait 30000", 1);
+  const ProbeRun run = RunAndStop({"wait", "30000"}, 1);
   EXPECT_EQ(run.Text.find("waited"), std::string::npos) << "it was not ended, it ended";
   EXPECT_TRUE(run.Outcome.Stopped);
   EXPECT_FALSE(run.Outcome.Failure);
@@ -71,27 +70,28 @@ TEST(ConsoleStop, EndsAToolThatWaits) {
 }
 
 TEST(ConsoleStop, KillsAToolThatIgnoresTheRequest) {
-  const ProbeRun run = RunAndStop("stubborn 30000", 1);
+  const ProbeRun run = RunAndStop({"stubborn", "30000"}, 1);
   EXPECT_TRUE(run.Outcome.Stopped);
   EXPECT_TRUE(AllEnd(run.Text)) << run.Text;
 }
 
 TEST(ConsoleStop, EndsWhatTheToolStartedAlsoOutsideItsProcessGroup) {
-  const ProbeRun parent = RunAndStop("parent 30000", 2);
+  const ProbeRun parent = RunAndStop({"parent", "30000"}, 2);
   EXPECT_TRUE(parent.Outcome.Stopped);
   EXPECT_TRUE(AllEnd(parent.Text)) << parent.Text;
   // The tool itself is gone long before; what it left holds the output.
-  const ProbeRun left = RunAndStop("leave-apart 30000", 1);
+  const ProbeRun left = RunAndStop({"leave-apart", "30000"}, 1);
   EXPECT_TRUE(AllEnd(left.Text)) << left.Text;
 }
 
 TEST(ConsoleStop, TheTextSaysSo) {
-  std::atomic<bool> stop = true;
+  std::stop_source stop;
+  stop.request_stop();
   ToolRunOptions options = QuietOptions();
-  options.Stop = &stop;
-  const std::string line = std::string(CONSOLE_PROBE) + " wait 30000";
-  const FinishedRun run = RunTool(ToolRun::Vtex, line, options);
-  EXPECT_TRUE(run.Text.starts_with(line + "\r\n"));
+  options.Stop = stop.get_token();
+  const process::Command wait{CONSOLE_PROBE, {"wait", "30000"}};
+  const FinishedRun run = RunTool(ToolRun::Vtex, wait, options);
+  EXPECT_TRUE(run.Text.starts_with(wait.Line() + "\r\n"));
   EXPECT_EQ(run.Notes, "\r\n[Stopped. The tool and everything that it started were ended]\r\n");
 }
 

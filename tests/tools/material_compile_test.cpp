@@ -21,7 +21,7 @@ class MaterialCompileTest : public ::testing::Test {
  protected:
   void InstallTool() { std::filesystem::copy_file(CONSOLE_PROBE, m_folder.Path("vtex.exe")); }
 
-  MaterialResult Run(const MaterialCompile& job, size_t index = 0, const std::atomic<bool>* stop = nullptr) {
+  MaterialResult Run(const MaterialCompile& job, size_t index = 0, const std::stop_token& stop = {}) {
     MaterialCompileCalls calls{m_report};
     calls.Run = QuietOptions();
     calls.Run.Stop = stop;
@@ -102,8 +102,9 @@ TEST_F(MaterialCompileTest, TellsOfAMissingToolBehindTheConversions) {
 
 TEST_F(MaterialCompileTest, StartsNoToolAfterAStop) {
   InstallTool();
-  const std::atomic<bool> stop = true;
-  Run(Job(), 0, &stop);
+  std::stop_source stop;
+  stop.request_stop();
+  Run(Job(), 0, stop.get_token());
   EXPECT_EQ(m_started, "");
 }
 

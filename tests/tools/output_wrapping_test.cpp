@@ -65,14 +65,14 @@ TEST(OutputWrapping, DoesNotDependOnWhereThePiecesEnd) {
 }
 
 TEST(ToolRun, TellsBehindTheTextHowMuchMoreThereWas) {
-  const std::string line = std::string(CONSOLE_PROBE) + " fill 5000";
-  const FinishedRun run = RunTool(ToolRun::Vtf2tga, line, QuietOptions(), {"Warning: no game directory is set"});
-  EXPECT_EQ(run.Text.size(), line.size() + 2 + 2000);
+  const process::Command command{CONSOLE_PROBE, {"fill", "5000"}};
+  const FinishedRun run = RunTool(ToolRun::Vtf2tga, command, QuietOptions(), {"Warning: no game directory is set"});
+  EXPECT_EQ(run.Text.size(), command.Line().size() + 2 + 2000);
   EXPECT_EQ(run.Notes,
             "\r\n[3000 more bytes of output are not shown here; \"Whole log\" has them]"
             "\r\nWarning: no game directory is set\r\n");
   EXPECT_EQ(run.Outcome.Log.Text().size(), 5000u);
-  EXPECT_EQ(RunTool(ToolRun::Vtex, std::string(CONSOLE_PROBE) + " fill 4095", QuietOptions()).Notes, "");
+  EXPECT_EQ(RunTool(ToolRun::Vtex, {CONSOLE_PROBE, {"fill", "4095"}}, QuietOptions()).Notes, "");
 }
 
 }  // namespace

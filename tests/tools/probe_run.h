@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "tools/console_capture.h"
 
@@ -15,10 +16,12 @@ struct ProbeRun {
 /// Options for a test: nothing on the tests' own output, short waits.
 ToolRunOptions QuietOptions();
 
-/// Runs `commandLine` into a buffer of `size` bytes. Checks that no byte behind the buffer is written.
-ProbeRun RunLine(const std::string& commandLine, const ToolRunOptions& options = QuietOptions(), int32_t size = 4096);
+/// Runs a tool into a buffer of `size` bytes. Checks that no byte behind the buffer is written.
+ProbeRun RunCommand(const process::Command& command, const ToolRunOptions& options = QuietOptions(),
+                    int32_t size = 4096);
 
 /// Runs the probe with `arguments`.
-ProbeRun RunProbe(const std::string& arguments, const ToolRunOptions& options = QuietOptions(), int32_t size = 4096);
+ProbeRun RunProbe(const std::vector<std::string>& arguments, const ToolRunOptions& options = QuietOptions(),
+                  int32_t size = 4096);
 
 }  // namespace tarnwick::tools

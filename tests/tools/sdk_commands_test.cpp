@@ -14,20 +14,20 @@ namespace tarnwick::tools {
 namespace {
 
 TEST(StudiomdlCommand, PutsSlashesIntoTheToolsPathOnlyAndSwitchesInTheirOrder) {
-  EXPECT_EQ(StudiomdlCommandLine(R"(C:\sdk\bin)", R"(C:\my game)", R"(C:\qc\box.qc)"),
+  EXPECT_EQ(StudiomdlCommand(R"(C:\sdk\bin)", R"(C:\my game)", R"(C:\qc\box.qc)").Line(),
             R"(C:/sdk/bin/studiomdl.exe -game "C:\my game" "C:\qc\box.qc")");
   EXPECT_EQ(
-      StudiomdlCommandLine("s", "g", "q", 0xFFFFFFFF),
+      StudiomdlCommand("s", "g", "q", 0xFFFFFFFF).Line(),
       "s/studiomdl.exe -game \"g\" \"q\" -fullcollide -checklengths -printbones -perf -printgraph -definebone -f -h");
-  EXPECT_EQ(StudiomdlCommandLine("s", "g", "q", 0x040 | 0x080 | 0x100), "s/studiomdl.exe -game \"g\" \"q\" -f");
+  EXPECT_EQ(StudiomdlCommand("s", "g", "q", 0x040 | 0x080 | 0x100).Line(), "s/studiomdl.exe -game \"g\" \"q\" -f");
 }
 
 TEST(HlmvCommand, NamesTheModelBelowTheGamesModels) {
-  const HlmvCommand command = BuildHlmvCommand(R"(C:\sdk)", R"(C:\game)", R"(props\box.mdl)");
+  const process::Command command = HlmvCommand(R"(C:\sdk)", R"(C:\game)", R"(props\box.mdl)");
   const std::string program = std::string(R"(C:\sdk)") + core::PathSeparator + "hlmv.exe";
   EXPECT_EQ(command.Program, program);
-  EXPECT_EQ(command.Parameters, R"(-game "C:\game" "C:\game/models/props\box.mdl")");
-  EXPECT_EQ(command.ErrorText(), "Error starting " + program);
+  EXPECT_EQ(command.Line(), program + R"( -game "C:\game" "C:\game/models/props\box.mdl")");
+  EXPECT_EQ(HlmvErrorText(command), "Error starting " + program);
   EXPECT_EQ(ModelFileOf(R"(C:\Game\)", R"(c:/game/models/props\box.mdl)"), R"(props\box.mdl)");
   EXPECT_EQ(ModelFileOf("/game", "/other/models/box.mdl"), "/other/models/box.mdl");
 }
@@ -81,7 +81,7 @@ std::string BrickLine(const VtexRun& run) {
   if (!run.NormalMap.empty()) maps.Normal = "normal";
   if (!run.GlowMap.empty()) maps.Glow = "glow";
   if (!run.SpecularMap.empty()) maps.Specular = "spec";
-  const std::string line = VtexCommandLine(R"(C:\sdk)", run, maps);
+  const std::string line = VtexCommand(R"(C:\sdk)", run, maps).Line();
   const std::string start = "C:/sdk/vtex.exe -nopause";
   EXPECT_EQ(line.substr(0, start.size()), start);
   return line.substr(start.size());

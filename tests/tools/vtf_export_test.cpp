@@ -13,7 +13,7 @@ TEST(VtfExport, SuggestsATgaFileBesideTheInput) {
 }
 
 TEST(VtfExport, NamesTextureAndTgaFileToTheTool) {
-  EXPECT_EQ(Vtf2tgaCommandLine("C:\\sdk", "in put.vtf", "out.tga"),
+  EXPECT_EQ(Vtf2tgaCommand("C:\\sdk", "in put.vtf", "out.tga").Line(),
             "C:/sdk/vtf2tga.exe -nopause -i \"in put.vtf\" -o \"out.tga\"");
 }
 

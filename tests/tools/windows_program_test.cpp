@@ -4,13 +4,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <cstdlib>
 #include <filesystem>
 
 #include "support/scratch_folder.h"
 #include "tools/probe_run.h"
-#include "tools/program_start_posix.h"
+#include "tools/program_start.h"
 #include "tools/wine_posix.h"
 
 namespace tarnwick::tools {
@@ -41,14 +40,14 @@ class StandInWine : public ::testing::Test {
 TEST_F(StandInWine, GetsTheProgramAndPathsInItsOwnForm) {
   ToolRunOptions options = QuietOptions();
   options.Start.WineProgram = m_wine;
-  EXPECT_EQ(RunLine(m_tool + R"( -game "/tmp/my game\" /nologo "models\props/x")", options).Text,
+  EXPECT_EQ(RunCommand({m_tool, {"-game", R"(/tmp/my game\)", "/nologo", R"(models\props/x)"}}, options).Text,
             "-all\n[" + m_tool + "]\n[-game]\n[Z:\\tmp\\my game\\]\n[/nologo]\n[models\\props/x]\n");
 }
 
 TEST_F(StandInWine, ThatIsMissingIsToldInOneMessage) {
   ToolRunOptions options = QuietOptions();
   options.Start.WineProgram = m_folder.Path("no wine");
-  const ProbeRun run = RunLine(m_tool, options);
+  const ProbeRun run = RunCommand({m_tool}, options);
   ASSERT_TRUE(run.Outcome.Failure);
   EXPECT_EQ(run.Outcome.Failure->Text(), "CreateProcess failed with error 8: " + m_tool +
                                              " is a Windows program, and the Wine that is configured for it, " +
@@ -77,32 +76,33 @@ class RealWine : public ::testing::Test {
     // Not the user's own Windows folder, and one for all tests, since it takes its time to set up.
     setenv("WINEPREFIX", (fs::path(WINDOWS_PROBE).parent_path() / "wineprefix").c_str(), 1);
     if (ChooseWine(ProgramKind::Windows64, WINDOWS_PROBE, "").Program.empty()) GTEST_SKIP() << "no Wine here";
-    Run("exit 0");  // the first start sets the folder up, with words of Wine's own
+    Run({"exit", "0"});  // the first start sets the folder up, with words of Wine's own
   }
-  static ProbeRun Run(const std::string& arguments, ToolRunOptions options = QuietOptions()) {
-    return RunLine(std::string(WINDOWS_PROBE) + " " + arguments, options);
+  static ProbeRun Run(const std::vector<std::string>& arguments, const ToolRunOptions& options = QuietOptions()) {
+    return RunCommand({WINDOWS_PROBE, arguments}, options);
   }
 };
 
 TEST_F(RealWine, PassesArgumentsInputAndBothStreams) {
-  EXPECT_EQ(Run(R"(arguments -game "my game\" "" "a""b" /tmp)").Text, "[-game]\n[my game\\]\n[]\n[a\"b]\n[Z:\\tmp]\n");
-  EXPECT_EQ(Run("input").Text, "20 20 00 00 end\n");
-  EXPECT_EQ(Run("streams").Text, "out0 err0 out1 err1 out2 err2 ");
-  EXPECT_EQ(Run("exit 3").Outcome.End->ExitCode, 3);
+  EXPECT_EQ(Run({"arguments", "-game", R"(my game\)", "", R"(a"b)", "/tmp"}).Text,
+            "[-game]\n[my game\\]\n[]\n[a\"b]\n[Z:\\tmp]\n");
+  EXPECT_EQ(Run({"input"}).Text, "20 20 00 00 end\n");
+  EXPECT_EQ(Run({"streams"}).Text, "out0 err0 out1 err1 out2 err2 ");
+  EXPECT_EQ(Run({"exit", "3"}).Outcome.End->ExitCode, 3);
 }
 
 TEST_F(RealWine, StopsTheProgramAndWhatItStarted) {
-  std::atomic<bool> stop = false;
+  std::stop_source stop;
   ToolRunOptions options = QuietOptions();
-  options.Stop = &stop;
+  options.Stop = stop.get_token();
   std::string text;
   options.OnText = [&](std::string_view piece) {
     text += piece;
     // Both processes have printed their line.
-    if (text.find("process ", text.find("process ") + 1) != std::string::npos) stop = true;
+    if (text.find("process ", text.find("process ") + 1) != std::string::npos) stop.request_stop();
   };
   const auto start = std::chrono::steady_clock::now();
-  const ProbeRun run = Run("parent 60000", options);
+  const ProbeRun run = Run({"parent", "60000"}, options);
   EXPECT_TRUE(run.Outcome.Stopped);
   EXPECT_FALSE(run.Outcome.OutputAbandoned);
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(50));

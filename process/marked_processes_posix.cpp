@@ -1,9 +1,8 @@
-#include "tools/marked_processes_posix.h"
-
-#ifndef _WIN32
+#include "process/marked_processes_posix.h"
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <charconv>
 #include <chrono>
@@ -13,9 +12,7 @@
 #include <iterator>
 #include <string_view>
 
-#include "tools/wine_posix.h"
-
-namespace tarnwick::tools {
+namespace tarnwick::process {
 
 namespace fs = std::filesystem;
 
@@ -49,19 +46,18 @@ std::string NewProcessMark() {
   return "TARNWICK_RUN=" + std::to_string(getpid()) + "-" + std::to_string(now) + "-" + std::to_string(++count);
 }
 
-void SignalMarkedProcesses(const std::string& mark, int number) {
+void SignalMarkedProcesses(const std::string& mark, int number, std::span<const std::string_view> spared) {
   std::error_code error;
   fs::directory_iterator entries("/proc", error);
   for (; !error && entries != fs::directory_iterator(); entries.increment(error)) {
-    const std::string name = entries->path().filename().string();
+    const std::string digits = entries->path().filename().string();
     pid_t process = 0;
-    const auto [end, problem] = std::from_chars(name.data(), name.data() + name.size(), process);
-    if (problem != std::errc() || end != name.data() + name.size() || process == getpid()) continue;
+    const auto [end, problem] = std::from_chars(digits.data(), digits.data() + digits.size(), process);
+    if (problem != std::errc() || end != digits.data() + digits.size() || process == getpid()) continue;
     if (!HoldsSetting(ReadProcFile(entries->path() / "environ"), mark)) continue;
-    if (!IsWineServer(ProcessName(entries->path()))) kill(process, number);
+    const std::string name = ProcessName(entries->path());
+    if (std::find(spared.begin(), spared.end(), name) == spared.end()) kill(process, number);
   }
 }
 
-}  // namespace tarnwick::tools
-
-#endif
+}  // namespace tarnwick::process

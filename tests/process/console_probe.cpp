@@ -100,6 +100,13 @@ int main(int count, char** arguments) {
     StartGrandchild(arguments[0], "stubborn", value, true);
     PrintProcess();
     Sleep(std::atoi(value));
+  } else if (mode == "self") {
+    std::printf("%s\n", arguments[0]);
+  } else if (mode == "memory") {  // so many megabytes
+    const size_t size = static_cast<size_t>(std::atoi(value)) << 20;
+    void* volatile memory = std::malloc(size);
+    std::printf("%s %s\n", memory != nullptr ? "got" : "refused", value);
+    std::free(memory);
   } else if (mode == "exit") {
     return std::atoi(value);
   } else if (mode == "crash") {

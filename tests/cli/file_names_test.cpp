@@ -1,0 +1,120 @@
+// A file may be called anything that the system allows. Names that look like pieces of a command line must reach the
+// tools as names, in every verb that hands one over.
+#ifndef _WIN32
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+
+#include "command_line.h"
+#include "images/test_image.h"
+#include "support/vtf_builder.h"
+
+namespace tarnwick::tests {
+
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::UnorderedElementsAreArray;
+
+/// Names that together hold every character that a name can hold; a backslash parts folders everywhere in the program.
+std::vector<std::string> AllCharacters() {
+  std::vector<std::string> names;
+  for (int c = 1; c < 256; ++c) {
+    if (c == '/' || c == '\\') continue;
+    if (names.empty() || names.back().size() == 17) names.emplace_back("n");
+    names.back() += static_cast<char>(c);
+  }
+  return names;
+}
+
+class FileNames : public testing::Test {
+ protected:
+  std::string Texture(const std::string& name) {
+    WriteText(Folder.Path(name), VtfBuilder().Build());
+    return Folder.Path(name);
+  }
+  ScratchFolder Folder;
+};
+
+TEST_F(FileNames, ATextureCannotNameItsImageByItsOwnName) {
+  Texture("tree/water.vtf\" -o \"pwned.vtf");
+  Texture("tree/a\"b.vtf");
+  const fs::path before = fs::current_path();
+  fs::create_directory(Folder.Path("here"));
+  fs::current_path(Folder.Path("here"));
+  const auto result = RunCommand({"vtf", "-r", "-o", Folder.Path("out"), Folder.Path("tree")});
+  fs::current_path(before);
+  EXPECT_EQ(result.ExitCode, 0) << result.Err;
+  EXPECT_THAT(Folder.Files(), ElementsAre("out/a\"b.tga", "out/water.vtf\" -o \"pwned.tga", "tree/a\"b.vtf",
+                                          "tree/water.vtf\" -o \"pwned.vtf"));
+}
+
+TEST_F(FileNames, EveryCharacterReachesTheTextureTool) {
+  std::vector<std::string> images;
+  for (const std::string& name : AllCharacters()) {
+    Texture("in/" + name + ".vtf");
+    for (const char* ending : {".tga", ".png"}) images.push_back(name + ending);
+  }
+  for (const char* format : {"tga", "png"}) {
+    const auto result = RunCommand({"vtf", "-q", "-f", format, "-o", Folder.Path("out"), Folder.Path("in")});
+    EXPECT_EQ(result.ExitCode, 0) << result.Err;
+  }
+  std::vector<std::string> made;
+  for (const auto& entry : fs::directory_iterator(Folder.Path("out"))) made.push_back(entry.path().filename());
+  EXPECT_THAT(made, UnorderedElementsAreArray(images));
+  const auto info = RunCommand({"vtf", "info", "--json", Folder.Path("in/" + AllCharacters()[2] + ".vtf")});
+  EXPECT_EQ(info.ExitCode, 0) << info.Err;
+}
+
+TEST_F(FileNames, EveryCharacterReachesTheCompilerAndTheViewer) {
+  const std::string sdk = Folder.Path("sdk");
+  const std::string seen = Folder.Path("seen");
+  const std::string print = "printf '[%s]\\n' \"$@\" > '" + seen + ".new'\nmv '" + seen + ".new' '" + seen + "'\n";
+  WriteShellProgram(sdk + "/studiomdl.exe", print + "mkdir -p \"$2/models\"\necho x > \"$2/models/box.mdl\"\n");
+  WriteShellProgram(sdk + "/hlmv.exe", print);
+  for (const std::string& name : AllCharacters()) {
+    const std::string game = Folder.Path("g" + name);
+    WriteText(game + "/gameinfo.txt", "");
+    const std::string qc = Folder.Path(name + ".qc");
+    WriteText(qc, "$modelname box.mdl\n");
+    const auto result = RunCommand({"compile", "--sdk", sdk, "--game", game, qc});
+    EXPECT_EQ(result.ExitCode, 0) << result.Err;
+    EXPECT_EQ(ReadText(seen), "[-game]\n[" + game + "]\n[" + qc + "]\n");
+
+    fs::remove(seen);
+    EXPECT_EQ(RunCommand({"view", "--sdk", sdk, "--game", game, "box.mdl"}).ExitCode, 0);
+    for (int i = 0; i < 500 && !fs::exists(seen); ++i) usleep(10'000);
+    EXPECT_EQ(ReadText(seen), "[-game]\n[" + game + "]\n[" + game + "/models/box.mdl]\n");
+  }
+}
+
+TEST_F(FileNames, EveryCharacterReachesTheMaterialTool) {
+  fs::create_directory(Folder.Path("game"));
+  std::vector<std::string> arguments{"material", "-q", "--game", Folder.Path("game"), "-d", "x"};
+  for (const std::string& name : AllCharacters()) {
+    arguments.push_back(Folder.Path(name + ".png"));
+    WriteImage(arguments.back(), Gradient(4, 4));
+  }
+  const auto result = RunCommand(arguments);
+  EXPECT_EQ(result.ExitCode, 0) << result.Err;
+}
+
+TEST_F(FileNames, AProgramAtABlankInTheToolsPathIsNotRun) {
+  WriteShellProgram(Folder.Path("my sdk/studiomdl.exe"), "echo right\n");
+  WriteShellProgram(Folder.Path("my"), "echo wrong\n");
+  WriteText(Folder.Path("a.qc"), "");
+  const auto result =
+      RunCommand({"compile", "--sdk", Folder.Path("my sdk"), "--game", Folder.Path("game"), Folder.Path("a.qc")});
+  EXPECT_THAT(result.Out, HasSubstr("\nright\n"));
+}
+
+}  // namespace
+
+}  // namespace tarnwick::tests
+
+#endif
