@@ -57,6 +57,7 @@ CMatDialog::~CMatDialog() = default;
 void CMatDialog::OnInitDialog() {
   CPage::OnInitDialog();
   m_ui->materialList->InsertColumns();
+  m_ui->materialList->ReadFamiliarOnly(setting::UncommonImageFormats.Read(Settings()) == 0);
   platform::LoadAllCaptionBitmaps(*this);
   m_ui->shaderCombo->addItems({"LightmappedGeneric", "UnlitGeneric", "VertexLitGeneric"});
 
@@ -129,7 +130,10 @@ void CMatDialog::OnAdd() {
                                              .StartName = {},
                                              .StartDirectory = {}});
   if (!chosen) return;
+  // Columns that a user has set stay; before the first row nobody has.
+  const bool isFirst = m_ui->materialList->topLevelItemCount() == 0;
   for (const std::string& path : *chosen) m_ui->materialList->AddFile(path);
+  if (isFirst) m_ui->materialList->FitColumns();
 }
 
 void CMatDialog::OnClear() {

@@ -2,6 +2,7 @@
 
 #include <QFileInfo>
 #include <QMimeDatabase>
+#include <QStyledItemDelegate>
 
 #include "core/byte_size.h"
 #include "core/paths.h"
@@ -18,6 +19,16 @@ namespace {
 enum Column { FilenameColumn, TypeColumn, SizeColumn, ColumnCount };
 
 constexpr int IconSide = 24;  // pixels
+constexpr int IconMargin = 2;
+
+/// Rows that are high enough for a picture also while it is still to come: the first row's height is that of all.
+class PictureRows : public QStyledItemDelegate {
+ public:
+  using QStyledItemDelegate::QStyledItemDelegate;
+  QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+    return QStyledItemDelegate::sizeHint(option, index).expandedTo(QSize(0, IconSide + 2 * IconMargin));
+  }
+};
 
 }  // namespace
 
@@ -28,6 +39,7 @@ CMaterialList::CMaterialList(QWidget* parent) : QTreeWidget(parent) {
   setSelectionMode(ExtendedSelection);
   setIconSize(QSize(IconSide, IconSide));
   setTextElideMode(Qt::ElideMiddle);
+  setItemDelegate(new PictureRows(this));
   connect(&m_pictures, &ThumbnailLoader::Loaded, this, &CMaterialList::ShowPicture);
 }
 

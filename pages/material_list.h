@@ -24,6 +24,8 @@ class CMaterialList : public QTreeWidget {
   std::vector<std::string> Files() const;
   void RemoveSelected();
   void FitColumns();
+  /// Shows pictures of no format but the common ones.
+  void ReadFamiliarOnly(bool only) { m_pictures.ReadFamiliarOnly(only); }
 
   /// Three rows: on a small screen the page leaves it no more.
   QSize sizeHint() const override { return {256, 100}; }

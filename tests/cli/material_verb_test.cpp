@@ -71,6 +71,21 @@ TEST_F(MaterialVerbTest, GoesOnPastAnImageThatCannotBeRead) {
   EXPECT_TRUE(std::filesystem::exists(Folder.Path("game/materials/models/brick.vtf")));
 }
 
+TEST_F(MaterialVerbTest, UsesDamagedImagesByForceAlone) {
+  WriteImage(Folder.Path("cut.jpg"), Gradient(64, 64));
+  const std::string whole = ReadText(Folder.Path("cut.jpg"));
+  WriteText(Folder.Path("cut.jpg"), whole.substr(0, whole.size() / 2 + 200));
+  auto result = Compile({"-d", "props", "--json", Folder.Path("cut.jpg")});
+  EXPECT_EQ(result.ExitCode, 1);
+  EXPECT_THAT(result.Out, AllOf(HasSubstr("\"outcome\":\"failed\""),
+                                HasSubstr("cut.jpg: the file is damaged (Premature end of JPEG file)")));
+  EXPECT_FALSE(std::filesystem::exists(Folder.Path("game/materials")));
+  result = Compile({"-d", "props", "--json", "--force", Folder.Path("cut.jpg")});
+  EXPECT_EQ(result.ExitCode, 0) << result.Err;
+  EXPECT_THAT(result.Out, HasSubstr("\"warnings\":[\"cut.jpg is used though it is damaged: "));
+  EXPECT_TRUE(std::filesystem::exists(Folder.Path("game/materials/models/props/cut.vtf")));
+}
+
 TEST_F(MaterialVerbTest, NeedsAGame) {
   EXPECT_EQ(RunCommand({"material", Folder.Path("Brick.png")}).ExitCode, 2);
   const auto result = RunCommand({"material", "--game", Folder.Path("typo"), Folder.Path("Brick.png")});

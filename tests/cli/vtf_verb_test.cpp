@@ -63,6 +63,14 @@ TEST_F(VtfVerbTest, WritesEveryFrameInTheFormatOfTheName) {
   EXPECT_THAT(Folder.Files(), ElementsAre("a b.vtf", "new/x.y.png", "new/x.y.tga", "new/x.y001.png", "new/x.y001.tga"));
 }
 
+TEST_F(VtfVerbTest, KeepsTheTgaFilesOnlyWhereThatIsWanted) {
+  WriteText(Folder.Path("a.vtf"), PlainTexture({{250, 20, 30}}));
+  EXPECT_EQ(RunCommand({"vtf", "-o", Folder.Path("b.dds"), Folder.Path("a.vtf")}).ExitCode, 0);
+  EXPECT_THAT(Folder.Files(), ElementsAre("a.vtf", "b.dds"));
+  EXPECT_EQ(RunCommand({"vtf", "--keep-tga", "-o", Folder.Path("b.png"), Folder.Path("a.vtf")}).ExitCode, 0);
+  EXPECT_THAT(Folder.Files(), ElementsAre("a.vtf", "b.dds", "b.png", "b.tga"));
+}
+
 TEST_F(VtfVerbTest, GoesOnPastATextureThatIsDamaged) {
   WriteText(Folder.Path("in/red.vtf"), PlainTexture({{255, 0, 0}}));
   WriteText(Folder.Path("in/sub/red.VTF"), PlainTexture({{128, 0, 0}}));

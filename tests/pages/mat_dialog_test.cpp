@@ -22,6 +22,21 @@ TEST_F(MaterialPage, StartsForModelsWhenNothingIsKept) {
   EXPECT_TRUE(m_settings.Values.empty());
 }
 
+TEST_F(MaterialPage, ShowsWholeNamesAndPicturesFromTheFirstRowOn) {
+  Open();
+  m_desktop.Choices = {Image("a name that is longer than the header.png", Qt::red, 100)};
+  Click(*m_page, "addButton");
+  ASSERT_EQ(List().topLevelItemCount(), 1);
+  const QFontMetrics metrics(List().font());
+  EXPECT_GE(List().columnWidth(0), metrics.horizontalAdvance(List().topLevelItem(0)->text(0)) + 24);
+  EXPECT_GE(List().visualItemRect(List().topLevelItem(0)).height(), 24);
+  const int chosen = List().columnWidth(0) / 2;
+  List().setColumnWidth(0, chosen);
+  m_desktop.Choices = {Image("b.png")};
+  Click(*m_page, "addButton");
+  EXPECT_EQ(List().columnWidth(0), chosen) << "what the user has set stays";
+}
+
 TEST_F(MaterialPage, KeepsEveryControlForTheNextStart) {
   Open();
   ControlOf<QComboBox>(*m_page, "shaderCombo").setEditText("My Shader");

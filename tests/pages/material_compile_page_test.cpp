@@ -166,6 +166,72 @@ TEST_F(MaterialCompilePage, StopsBeforeTheNextMaterial) {
   EXPECT_THAT(StatusLog(), AllOf(HasSubstr("999\nError: none here\ngo\n"), HasSubstr("Converting a.png")));
 }
 
+TEST_F(MaterialCompilePage, OffersToConfigureWhereThereIsNoGame) {
+  Kept("Material0") = Image("a.png");
+  for (const char* game : {"", "/no/such/game"}) {
+    SCOPED_TRACE(game);
+    Kept("GameDirectory") = game;
+    int configured = 0;
+    m_configure = [&configured] { ++configured; };
+    m_desktop.Boxes.clear();
+    Open();
+    Click(*m_page, "compileButton");
+    ASSERT_EQ(m_desktop.Boxes.size(), 1u) << "and no offer to make a folder";
+    EXPECT_THAT(m_desktop.Boxes[0].Text,
+                StartsWith(*game == 0 ? "No game directory is set." : "The game directory /no"));
+    EXPECT_EQ(m_desktop.Boxes[0].Buttons, BoxButtons::OkCancel);
+    EXPECT_EQ(configured, 1);
+    EXPECT_TRUE(m_page->isEnabled());
+    EXPECT_EQ(m_log, "");
+  }
+}
+
+TEST_F(MaterialCompilePage, SaysThatTheProgramsOwnToolIsUsed) {
+  Kept("SDKDirectory").clear();
+  Kept("Material0") = Image("a.png");
+  Open();
+  Compile();
+  EXPECT_EQ(State(), "1 of 1 compiled - No SDK directory is set: the program's own vtex is used.");
+  EXPECT_TRUE(m_desktop.Boxes.empty());
+}
+
+TEST_F(MaterialCompilePage, CountsNothingAsCompiledWhereNothingWasWritten) {
+  Kept("SDKDirectory") = m_folder.Path();
+  tests::WriteShellProgram(m_folder.Path("vtex.exe"), "echo all is well\n");
+  Kept("Material0") = Image("a.png");
+  Open();
+  Compile();
+  EXPECT_EQ(State(), "0 of 1 compiled, 1 failed");
+  EXPECT_THAT(StatusLog(), HasSubstr("[vtex wrote no "));
+}
+
+TEST_F(MaterialCompilePage, UsesADamagedImageWhenTheUserSaysSo) {
+  const std::string image = Image("a.bmp", Qt::red, 32);
+  tests::WriteText(image, tests::ReadText(image).substr(0, 1000));
+  Kept("Material0") = image;
+  Open();
+  m_desktop.BoxAnswers = {BoxAnswer::Cancel};
+  Compile();
+  ASSERT_EQ(m_desktop.Boxes.size(), 1u);
+  EXPECT_THAT(m_desktop.Boxes[0].Text, StartsWith("Unable to create TGA file "));
+  EXPECT_EQ(State(), "0 of 1 compiled, 1 failed");
+  Compile();
+  EXPECT_EQ(State(), "1 of 1 compiled");
+  EXPECT_THAT(StatusLog(), HasSubstr("WARNING, a.bmp is used though it is damaged: "));
+}
+
+TEST_F(MaterialCompilePage, AsksBeforeTwoImagesBecomeOneTexture) {
+  std::filesystem::create_directory(m_folder.Path("other"));
+  Kept("Material0") = Image("a.png");
+  Kept("Material1") = Image("other/A.png");
+  Open();
+  m_desktop.BoxAnswers = {BoxAnswer::Cancel};
+  Compile();
+  ASSERT_EQ(m_desktop.Boxes.size(), 1u);
+  EXPECT_THAT(m_desktop.Boxes[0].Text, HasSubstr("both become a.tga."));
+  EXPECT_FALSE(std::filesystem::exists(Source() + "/a.tga"));
+}
+
 TEST_F(MaterialCompilePage, DoesNotRunOnAnEmptyList) {
   Open();
   Compile();

@@ -21,7 +21,7 @@ namespace tarnwick::pages {
 class MaterialPage : public testing::Test {
  protected:
   void Open() {
-    m_page = std::make_unique<CMatDialog>(PageContext{m_settings, m_desktop, m_options, &m_pageLog});
+    m_page = std::make_unique<CMatDialog>(PageContext{m_settings, m_desktop, m_options, &m_pageLog, m_configure});
     QObject::connect(m_page.get(), &CMatDialog::MaterialDirectoryChanged,
                      [this](const std::string& directory) { m_directories.push_back(directory); });
     m_page->Create();
@@ -48,6 +48,7 @@ class MaterialPage : public testing::Test {
   tests::ScriptedDesktop m_desktop;
   project::ModelOptions m_options;
   tools::PageLog m_pageLog;
+  std::function<void()> m_configure;       // what the button "Configure" does
   std::vector<std::string> m_directories;  // that the page has told of
   std::unique_ptr<CMatDialog> m_page;
 };
