@@ -224,7 +224,7 @@ void BytesInMemory(benchmark::State& state) {
   for (auto _ : state) {
     text.clear();
     core::TextWriter writer(text);
-    WriteAnimationSmd(writer, *model, *checked, false);
+    WriteAnimationSmd(writer, *model, *checked, {});
     writer.Flush();
     benchmark::DoNotOptimize(text.data());
   }

@@ -87,16 +87,12 @@ bool LoadVertices(JobContext& job) {
 void WriteScript(JobContext& job, core::TextWriter& script) {
   job.SetScript(script);
   const auto header = job.Model.Header();
+  if (job.ReadyToCompile()) return sources::WriteScript(job);
   script.Format("$cd \"%s\"\n", job.Job().OutputDirectory);
   script.Format("$modelname \"%s\"\n", core::FixedText(header->Name));
-  if (job.ReadyToCompile()) {
-    if (header->BodyPartCount != 0) sources::WriteModelMeshes(job);
-    sources::WriteQcStatements(job);
-  } else {
-    if (header->BodyPartCount != 0) plain::WriteModelMeshes(job);
-    // A model without sequences has materials and hit boxes all the same; the plain form leaves them out.
-    if (header->SequenceCount != 0) plain::WriteQcStatements(job);
-  }
+  if (header->BodyPartCount != 0) plain::WriteModelMeshes(job);
+  // A model without sequences has materials and hit boxes all the same; the plain form leaves them out.
+  if (header->SequenceCount != 0) plain::WriteQcStatements(job);
 }
 
 }  // namespace

@@ -167,7 +167,9 @@ struct StudioSeqDesc {
   int32_t UnusedC0[5];
 };
 inline constexpr uint32_t SequenceFlagSnap = 0x2;
-inline constexpr uint32_t SequenceFlagPre = 0x10;  // layered apart from the others: "predelta"
+/// Layered behind the others. With it a delta is the script's "delta", without it "predelta" (of 162 sequences that are
+/// deltas 151 have it, and of those that have it alone all are in world space).
+inline constexpr uint32_t SequenceFlagLayered = 0x10;
 inline constexpr uint32_t SequenceFlagRealtime = 0x100;
 inline constexpr uint32_t SequenceFlagCalcBlend = 0x200;
 inline constexpr uint32_t SequenceFlagHidden = 0x400;

@@ -47,6 +47,10 @@ void JobContext::Lose(std::string_view kind, int64_t count) {
   m_result.Lost.push_back({std::string(kind), count});
 }
 
+void JobContext::CleanOnce(std::string_view kind, std::string_view how) {
+  if (m_cleaned.emplace(kind).second) Warn("The model holds " + std::string(kind) + "; they " + std::string(how));
+}
+
 void JobContext::TellLost() {
   for (const LostKind& lost : m_result.Lost) {
     Log("Lost: " + lost.Kind + ": " + std::to_string(lost.Count) + "\r\n");

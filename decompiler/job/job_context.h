@@ -69,6 +69,8 @@ class JobContext : private core::TroubleSink, public ModelReader {
   /// Counts `count` things of `kind` (in the plural) that the model holds and the sources will not say. Told once a
   /// kind, at the end of the job. The plain form, which leaves out much by its nature, passes over it in silence.
   void Lose(std::string_view kind, int64_t count = 1);
+  /// Tells, once a job, that things of `kind` (in the plural) were changed so that the sources compile, and how.
+  void CleanOnce(std::string_view kind, std::string_view how);
   /// A box with the stop icon.
   void Error(std::string_view text, std::string_view caption, core::TroubleKind kind, std::string file = {},
              std::string alike = {});
@@ -116,6 +118,7 @@ class JobContext : private core::TroubleSink, public ModelReader {
   DecompileProgress m_progress;
   int64_t m_scriptCharged = 0;
   bool m_stopTold = false;
+  std::set<std::string, std::less<>> m_cleaned;  // kinds that CleanOnce has told
 };
 
 /// A part of the script that is kept apart while it lives, so that a statement is written whole or not at all.

@@ -13,7 +13,9 @@ bool ExportAgain(JobContext& job, const NamedAnimation& animation, const Animati
   if (earlier.File.empty()) return true;
   if (earlier.State == AnimationFiles::Outcome::Written) {
     if (job.Animations.LastWriters[FileKey(earlier.File)] != animation.Number) {
-      if (!WriteAnimationFile(job, animation, std::string(earlier.File))) return false;
+      if (!WriteAnimationFile(job, animation, std::string(earlier.File),
+                              {.OnDefaultPose = !job.DeltaReference.empty()}))
+        return false;
     } else {
       DecompileLog(job, "Creating " + earlier.File + "\r\n");
     }
@@ -44,7 +46,8 @@ bool ExportAnimation(JobContext& job, const core::Record<StudioAnimDesc>& descri
   }
   if (!HasFrames(job, animation)) return true;
   if (job.Stopped() || GetAnimationSmdModel(job) == nullptr) return false;
-  if (!WriteAnimationFile(job, animation, std::string(AnimationStem(*name)) + std::string(AnimationExtension))) {
+  if (!WriteAnimationFile(job, animation, std::string(AnimationStem(*name)) + std::string(AnimationExtension),
+                          {.OnDefaultPose = !job.DeltaReference.empty()})) {
     return false;
   }
   WriteAnimationStatement(job, animation, *name);

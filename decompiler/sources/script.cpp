@@ -1,22 +1,66 @@
 #include "decompiler/sources/script.h"
 
+#include <algorithm>
+
+#include "decompiler/sources/bone_statements.h"
+#include "decompiler/sources/header_statements.h"
+#include "decompiler/sources/meshes.h"
+#include "decompiler/sources/procedural_bones.h"
+#include "decompiler/sources/script_values.h"
 #include "decompiler/sources/sequences.h"
-#include "decompiler/stages/statements.h"
+#include "decompiler/sources/skin_statements.h"
+#include "model/animation_records.h"
 
 namespace tarnwick::decompiler::sources {
 
-void WriteQcStatements(JobContext& job) {
-  WritePoseParameters(job);
-  WriteMaterialDirectories(job);
-  WriteSkinFamilies(job);
-  WriteHitboxes(job);
-  WriteAttachments(job);
-  WriteIncludeModels(job);
-  WriteSurfaceProp(job);
-  WriteKeyValues(job);
-  WritePositions(job);
+namespace {
+
+constexpr int32_t UsualSectionFrames = 30;
+constexpr int32_t UsualLeastSectioned = 120;
+
+/// $animblocksize, where the model has a block file, and $sectionframes, where its animations are not cut as usual.
+void WriteStorage(JobContext& job) {
+  const auto header = job.Model.Header();
+  if (header->AnimBlockCount > 1) {
+    constexpr int64_t KiloByte = 1024;
+    const auto blocks =
+        job.Table<StudioAnimBlock>("animation block table", header->AnimBlockOffset, header->AnimBlockCount);
+    int64_t largest = 0;
+    for (int64_t i = 1; blocks && i < blocks->Count(); ++i) {
+      largest = std::max(largest, int64_t{(*blocks)[i]->End} - (*blocks)[i]->Start);
+    }
+    job.Script().Text("$animblocksize " + std::to_string(std::clamp<int64_t>(largest / KiloByte, 4, 64)) + "\n");
+  }
+  const auto animations = job.Model.View().Array<StudioAnimDesc>(header->AnimOffset, header->AnimCount);
+  if (!animations) return;
+  int32_t length = 0, least = 0;
+  for (const auto animation : *animations) {
+    if (animation->SectionFrames <= 0) continue;
+    if (least == 0 || animation->FrameCount < least) least = animation->FrameCount;
+    length = animation->SectionFrames;
+  }
+  if (length == 0 || (length == UsualSectionFrames && least >= UsualLeastSectioned)) return;
+  job.Script().Text("$sectionframes " + std::to_string(length) + " " + std::to_string(least) + "\n");
+}
+
+}  // namespace
+
+void WriteScript(JobContext& job) {
+  WriteHeaderStatements(job);
+  WriteMaterialFolders(job);
+  WriteBoneStatements(job);
+  if (job.Model.Header()->BodyPartCount != 0) WriteModelMeshes(job);
+  WriteSkinStatements(job);
+  WritePoseParameterStatements(job);
+  WriteAttachmentStatements(job);
+  WriteHitboxStatements(job);
+  WriteBoxes(job);
+  WriteIkStatements(job);
+  WriteProceduralBones(job);
+  WriteStorage(job);
   WriteSequences(job);
-  WriteIkChains(job);
+  WriteIncludedModels(job);
+  WriteModelKeyValues(job);
 }
 
 }  // namespace tarnwick::decompiler::sources

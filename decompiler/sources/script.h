@@ -4,8 +4,10 @@
 
 namespace tarnwick::decompiler::sources {
 
-/// Writes the script from the pose parameters on: everything that is no mesh. Sequences bring their animation files
-/// with them. Each kind of statement is a stage of its own: a damaged table costs the statements made from it.
-void WriteQcStatements(JobContext& job);
+/// Writes the whole script of sources that are ready to compile, and with it every file that it names: header, folders,
+/// bones, meshes, skins, boxes, chains, bones that move by themselves, animations and sequences, key values, in an
+/// order in which each name is known before it is used. Each kind of statement is a stage of its own: a damaged table
+/// costs the statements made from it. What the model holds and no statement says is counted as lost.
+void WriteScript(JobContext& job);
 
 }  // namespace tarnwick::decompiler::sources

@@ -1,21 +1,10 @@
 #pragma once
 
-#include <string>
-
 #include "decompiler/job/job_context.h"
-#include "model/animation_records.h"
 
 namespace tarnwick::decompiler::sources {
 
-/// Exports the animations that `sequence` blends, column by column: their SMD files, their `$animation` lines in the
-/// script, and before the first delta animation of the job the delta reference file with its line. Returns the name of
-/// the delta reference, empty if the job has none so far.
-///
-/// Every animation has one file and one line a job. A file that cannot be opened and an animation whose data are
-/// damaged cost that one file, and are told; the script names it all the same.
-std::string ExportSequenceAnimations(JobContext& job, const core::Record<StudioSeqDesc>& sequence);
-
-/// Writes all sequences, each with the files of its animations.
+/// Writes the weight lists, the declared sequences, and all animations and sequences with their files.
 void WriteSequences(JobContext& job);
 
 }  // namespace tarnwick::decompiler::sources

@@ -88,16 +88,20 @@ bool WriteDeltaReference(JobContext& job, std::string name) {
   job.DeltaReference = std::move(name);
   if (!job.Spend(FileCost + AnimationSmdSize(*model, 2))) return false;
   if (auto file = Open(job, job.DeltaReference, DeltaNumber)) {
-    job.WriteFile(std::move(*file), [shared = job.Animations.Model](core::TextWriter& writer) {
-      WriteBindPoseSmd(writer, *shared);
-      return true;
-    });
+    job.WriteFile(std::move(*file),
+                  [shared = job.Animations.Model, turned = job.ReadyToCompile()](core::TextWriter& writer) {
+                    WriteBindPoseSmd(writer, *shared, turned);
+                    return true;
+                  });
   }
-  job.Script().Format("$animation %s \"%s\" fps 30\n", job.DeltaReference, job.DeltaReference);
+  if (!job.ReadyToCompile()) {
+    job.Script().Format("$animation %s \"%s\" fps 30\n", job.DeltaReference, job.DeltaReference);
+  }
   return true;
 }
 
-bool WriteAnimationFile(JobContext& job, const NamedAnimation& animation, const std::string& name) {
+bool WriteAnimationFile(JobContext& job, const NamedAnimation& animation, const std::string& name,
+                        AnimationSmdForm form) {
   AnimationFiles::Export& outcome = job.Animations.Exports[animation.Number];
   outcome = {name, AnimationFiles::Outcome::NoFile};
   const int32_t frames = animation.Description->FrameCount;
@@ -113,8 +117,8 @@ bool WriteAnimationFile(JobContext& job, const NamedAnimation& animation, const 
   outcome.State = file ? AnimationFiles::Outcome::Written : AnimationFiles::Outcome::NotOpened;
   if (!file) return true;
   job.WriteFile(std::move(*file), [model = job.Animations.Model, data = std::move(*checked),
-                                   onDefaultPose = !job.DeltaReference.empty()](core::TextWriter& writer) {
-    WriteAnimationSmd(writer, *model, data, onDefaultPose);
+                                   what = std::move(form)](core::TextWriter& writer) {
+    WriteAnimationSmd(writer, *model, data, what);
     return true;
   });
   return true;

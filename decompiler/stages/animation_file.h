@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -27,6 +28,11 @@ struct NamedAnimation {
 /// The name of an animation less an "@" before it.
 [[nodiscard]] std::string_view AnimationStem(std::string_view name);
 
+/// The name of an animation's file less its extension.
+[[nodiscard]] inline std::string_view AnimationSource(std::string_view file) {
+  return file.substr(0, file.size() - std::min(file.size(), AnimationExtension.size()));
+}
+
 /// Pays for the log and script lines of an animation. False when the stage is to end.
 [[nodiscard]] bool SpendForAnimationLines(JobContext& job, std::string_view name);
 
@@ -41,7 +47,8 @@ struct NamedAnimation {
 
 /// Writes the animation to the file `name`. What became of it stands among the job's exports. A file that cannot be
 /// opened and damaged data cost that one file, and are told. False when the stage is to end.
-[[nodiscard]] bool WriteAnimationFile(JobContext& job, const NamedAnimation& animation, const std::string& name);
+[[nodiscard]] bool WriteAnimationFile(JobContext& job, const NamedAnimation& animation, const std::string& name,
+                                      AnimationSmdForm form);
 
 /// Writes the animation's `$animation` line, whose source is `source`; an animation whose name begins with "@" has
 /// none.

@@ -86,13 +86,16 @@ bool WriteMeshFile(JobContext& job, const std::shared_ptr<const smd::SkeletonTex
                (pieces->LeftOut == 1 ? " triangle strip" : " triangle strips") + "; only triangle lists are written");
   }
   if (!pieces->Complete) {
-    job.LogError(path + " is not complete, and no further mesh is written", core::TroubleKind::Lost,
-                 "a mesh is not complete");
+    job.LogError(
+        path + " is not complete" + (job.ReadyToCompile() ? "; it is left out" : ", and no further mesh is written"),
+        core::TroubleKind::Lost, "a mesh is not complete");
   }
   if (!pieces->Complete && job.ReadyToCompile()) return false;
-  job.WriteFile(std::move(*file), [skeleton, pieces, unweighted = job.Unweighted()](core::TextWriter& writer) {
+  const bool isStatic = (job.Model.Header()->Flags & ModelFlagStatic) != 0;
+  const MeshSmdForm form{job.Unweighted(), job.ReadyToCompile(), job.ReadyToCompile() && isStatic};
+  job.WriteFile(std::move(*file), [skeleton, pieces, form](core::TextWriter& writer) {
     smd::WriteReferenceHead(writer, *skeleton);
-    WriteTriangles(writer, *pieces, unweighted);
+    WriteTriangles(writer, *pieces, form);
     if (pieces->Complete) writer.Text("end\n");
     return true;
   });

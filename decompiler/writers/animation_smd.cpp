@@ -26,19 +26,47 @@ void WriteTime(core::TextWriter& writer, int64_t number) {
   writer.Text("\n");
 }
 
+void Apply(const Matrix3x4& left, Quat& rotation, Vec3& position) {
+  Matrix3x4 pose;
+  QuatPosToMatrix(rotation, position, pose);
+  ConcatMatrix(left, pose, pose);
+  MatrixToQuatPos(pose, rotation, position);
+}
+
+/// Where the model has travelled to at `frame`. Within a part the speed changes evenly from its start to its end.
+Vec3 TravelledTo(const std::vector<TravelPart>& travel, int32_t frame) {
+  Vec3 start = {};
+  int32_t firstFrame = 0;
+  for (const TravelPart& part : travel) {
+    if (frame >= part.LastFrame) {
+      start = part.Position;
+      firstFrame = part.LastFrame;
+      continue;
+    }
+    const float t = static_cast<float>(frame - firstFrame) / static_cast<float>(part.LastFrame - firstFrame);
+    const float whole = (part.StartSpeed + part.EndSpeed) / 2;
+    const float way = whole == 0 ? t : (part.StartSpeed * t + (part.EndSpeed - part.StartSpeed) * t * t / 2) / whole;
+    return {start.x + (part.Position.x - start.x) * way, start.y + (part.Position.y - start.y) * way,
+            start.z + (part.Position.z - start.z) * way};
+  }
+  return start;
+}
+
 /// Writes the time blocks of an animation.
 class AnimationText {
  public:
-  AnimationText(const AnimationSmdModel& model, const CheckedAnimation& animation, bool onDefaultPose)
+  AnimationText(const AnimationSmdModel& model, const CheckedAnimation& animation, const AnimationSmdForm& form)
       : m_model(model),
-        m_onDefaultPose(onDefaultPose && animation.IsDelta()),
+        m_onDefaultPose(form.OnDefaultPose && animation.IsDelta()),
+        m_travel(form.Travel),
         m_player(model.Bones, animation),
         m_frame(static_cast<size_t>(model.Bones.Count())),
         m_positions(static_cast<size_t>(model.Bones.Count())) {}
 
   void WriteBlock(core::TextWriter& writer, int64_t number, int32_t frame) {
     WriteTime(writer, number);
-    if (m_player.GoTo(frame)) {
+    if (m_player.GoTo(frame) || !m_travel.empty()) {
+      if (!m_travel.empty()) m_travelled = TravelledTo(m_travel, frame);
       Turn();
       WriteLines();
     }
@@ -52,8 +80,13 @@ class AnimationText {
   void Turn() {
     m_rotations.clear();
     for (size_t bone = 0; bone < m_positions.size(); ++bone) {
-      if (!m_player.Changed(bone)) continue;
+      if (!Changed(bone)) continue;
       m_positions[bone] = m_player.Positions()[bone];
+      if (Travels(bone)) {
+        m_positions[bone].x += m_travelled.x;
+        m_positions[bone].y += m_travelled.y;
+        m_positions[bone].z += m_travelled.z;
+      }
       Quat rotation = m_player.Rotations()[bone];
       if (m_onDefaultPose) Apply(m_model.DefaultPoses[bone], rotation, m_positions[bone]);
       if (m_model.TurnRoots && m_model.Bones[static_cast<int64_t>(bone)]->Parent == -1) {
@@ -69,26 +102,27 @@ class AnimationText {
     m_frame.Begin();
     const EulerAngles* angles = m_angles.data();
     for (size_t bone = 0; bone < m_positions.size(); ++bone) {
-      if (m_player.Changed(bone)) {
+      if (Changed(bone)) {
         const smd::Triple position = ToTriple(m_positions[bone]);
         const bool turned = m_player.RotationChanged(bone);
         const smd::Triple rotation = turned ? ToTriple(*angles++) : smd::Triple{};
-        m_frame.Line(m_player.PositionChanged(bone) ? &position : nullptr, turned ? &rotation : nullptr);
+        m_frame.Line(m_player.PositionChanged(bone) || Travels(bone) ? &position : nullptr,
+                     turned ? &rotation : nullptr);
       } else {
         m_frame.Keep();
       }
     }
   }
 
-  static void Apply(const Matrix3x4& left, Quat& rotation, Vec3& position) {
-    Matrix3x4 pose;
-    QuatPosToMatrix(rotation, position, pose);
-    ConcatMatrix(left, pose, pose);
-    MatrixToQuatPos(pose, rotation, position);
+  bool Travels(size_t bone) const {
+    return !m_travel.empty() && m_model.Bones[static_cast<int64_t>(bone)]->Parent == -1;
   }
+  bool Changed(size_t bone) const { return m_player.Changed(bone) || Travels(bone); }
 
   const AnimationSmdModel& m_model;
   bool m_onDefaultPose;
+  const std::vector<TravelPart>& m_travel;
+  Vec3 m_travelled = {};
   PosePlayer m_player;
   smd::SkeletonFrame m_frame;
   std::vector<Vec3> m_positions;      // of each bone, as the file has it
@@ -124,13 +158,16 @@ int64_t AnimationSmdSize(const AnimationSmdModel& model, int64_t blocks) {
   return static_cast<int64_t>(model.Head.size()) + blocks * (model.Bones.Count() * OrdinaryLine + 12);
 }
 
-void WriteBindPoseSmd(core::TextWriter& writer, const AnimationSmdModel& model) {
+void WriteBindPoseSmd(core::TextWriter& writer, const AnimationSmdModel& model, bool turned) {
   smd::SkeletonFrame frame(static_cast<size_t>(model.Bones.Count()));
   frame.Begin();
   for (const auto bone : model.Bones) {
+    Vec3 place = bone->Position;
+    Quat turn = bone->Rotation;
+    if (turned && model.TurnRoots && bone->Parent == -1) Apply(model.RootTurn, turn, place);
     EulerAngles angles;
-    QuatToEuler(bone->Rotation, angles);
-    const smd::Triple position = ToTriple(bone->Position), rotation = ToTriple(angles);
+    QuatToEuler(turn, angles);
+    const smd::Triple position = ToTriple(place), rotation = ToTriple(angles);
     frame.Line(&position, &rotation);
   }
   writer.Raw(model.Head);
@@ -142,11 +179,12 @@ void WriteBindPoseSmd(core::TextWriter& writer, const AnimationSmdModel& model) 
 }
 
 void WriteAnimationSmd(core::TextWriter& writer, const AnimationSmdModel& model, const CheckedAnimation& animation,
-                       bool onDefaultPose) {
+                       const AnimationSmdForm& form) {
   writer.Raw(model.Head);
-  AnimationText text(model, animation, onDefaultPose);
-  text.WriteBlock(writer, 0, 0);
-  for (int32_t frame = 0; frame < animation.FrameCount(); ++frame) text.WriteBlock(writer, int64_t{frame} + 1, frame);
+  AnimationText text(model, animation, form);
+  const int64_t shift = form.FirstFrameTwice ? 1 : 0;
+  if (form.FirstFrameTwice) text.WriteBlock(writer, 0, 0);
+  for (int32_t frame = 0; frame < animation.FrameCount(); ++frame) text.WriteBlock(writer, frame + shift, frame);
   writer.Text("end\n");
 }
 

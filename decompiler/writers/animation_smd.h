@@ -31,12 +31,25 @@ struct AnimationSmdModel {
 /// Bytes that a file of `blocks` time blocks may well have, in whole lines of ordinary numbers.
 [[nodiscard]] int64_t AnimationSmdSize(const AnimationSmdModel& model, int64_t blocks);
 
-/// The content of a bind pose file: time blocks 0 and 1 with every bone's default pose, roots not turned.
-void WriteBindPoseSmd(core::TextWriter& writer, const AnimationSmdModel& model);
+/// The content of a bind pose file: time blocks 0 and 1 with every bone's default pose, roots turned only if `turned`.
+void WriteBindPoseSmd(core::TextWriter& writer, const AnimationSmdModel& model, bool turned = false);
 
-/// The content of an animation's file: frame 0, then all frames. A delta animation is shown applied to the default
-/// pose if `onDefaultPose`, which a job with a delta reference file wants.
+/// How far the whole model has travelled at the end of a part of an animation.
+struct TravelPart {
+  int32_t LastFrame = 0;
+  Vec3 Position = {};  // from the animation's start
+  float StartSpeed = 0, EndSpeed = 0;
+};
+
+/// What an animation's file holds.
+struct AnimationSmdForm {
+  bool OnDefaultPose = false;           // a delta animation is shown applied to the default pose
+  bool FirstFrameTwice = true;          // frame 0 stands before all frames once more
+  std::vector<TravelPart> Travel = {};  // put back into the roots' positions; in rising order of frames
+};
+
+/// The content of an animation's file.
 void WriteAnimationSmd(core::TextWriter& writer, const AnimationSmdModel& model, const CheckedAnimation& animation,
-                       bool onDefaultPose);
+                       const AnimationSmdForm& form);
 
 }  // namespace tarnwick::decompiler

@@ -26,7 +26,11 @@ void LodBlocks::Remove(int lod, float switchDistance, const std::string& stem) {
 
 void LodBlocks::Write(core::TextWriter& script) const {
   for (const auto& [lod, block] : m_blocks) {
-    WriteLodOpening(script, block.SwitchDistance);
+    if (block.SwitchDistance == -1.0f) {
+      script.Text("$shadowlod {\n");
+    } else {
+      script.Text("$lod " + core::ShortestDecimal(block.SwitchDistance) + " {\n");
+    }
     script.Text(block.Lines);
     script.Text("}\n");
   }

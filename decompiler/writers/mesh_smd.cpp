@@ -13,6 +13,11 @@ int WeightCount(const VvdVertex& vertex) {
   return std::min<int>(vertex.WeightCount, 3);
 }
 
+smd::Triple Turned(const Vec3& v, bool back) {
+  if (!back) return {v.x, v.y, v.z};
+  return {v.y, 0.0f - v.x, v.z};
+}
+
 }  // namespace
 
 int MainBone(const VvdVertex& vertex) {
@@ -27,13 +32,13 @@ int MainBone(const VvdVertex& vertex) {
   return bone;
 }
 
-smd::Vertex ToSmdVertex(const VvdVertex& vertex) {
+smd::Vertex ToSmdVertex(const VvdVertex& vertex, const MeshSmdForm& form) {
   smd::Vertex result;
   result.Bone = MainBone(vertex);
-  result.Position = {vertex.Position.x, vertex.Position.y, vertex.Position.z};
-  result.Normal = {vertex.Normal.x, vertex.Normal.y, vertex.Normal.z};
+  result.Position = Turned(vertex.Position, form.TurnedBack);
+  result.Normal = Turned(vertex.Normal, form.TurnedBack);
   result.U = vertex.U;
-  result.V = 0.0f - vertex.V;
+  result.V = (form.VFromOne ? 1.0f : 0.0f) - vertex.V;
   result.LinkCount = WeightCount(vertex);
   for (int i = 0; i < result.LinkCount; ++i) {
     result.Links[static_cast<size_t>(i)] = {vertex.Bones[i], vertex.Weights[i]};
@@ -41,8 +46,8 @@ smd::Vertex ToSmdVertex(const VvdVertex& vertex) {
   return result;
 }
 
-void WriteTriangles(core::TextWriter& writer, const MeshPieces& pieces, bool unweighted) {
-  smd::VertexLines lines(writer, !unweighted);
+void WriteTriangles(core::TextWriter& writer, const MeshPieces& pieces, const MeshSmdForm& form) {
+  smd::VertexLines lines(writer, !form.Unweighted);
   for (const MeshPiece& mesh : pieces.Meshes) {
     const std::string material = std::string(mesh.Material) + ".tga\n";
     for (const StripPiece& strip : mesh.Strips) {
@@ -50,7 +55,7 @@ void WriteTriangles(core::TextWriter& writer, const MeshPieces& pieces, bool unw
         const uint16_t index = strip.Indices[TriangleIndex(k)]->Vertex;
         const VvdVertex& vertex = *GetMeshVertex(mesh.Vertices, strip.GroupVertices[index]->MeshVertex);
         if (k % 3 == 0) writer.Text(material);
-        lines.Write(reinterpret_cast<uintptr_t>(&vertex) / sizeof vertex, [&] { return ToSmdVertex(vertex); });
+        lines.Write(reinterpret_cast<uintptr_t>(&vertex) / sizeof vertex, [&] { return ToSmdVertex(vertex, form); });
       }
     }
   }

@@ -94,7 +94,7 @@ TEST_F(DecompileVerb, OptionsReachTheJob) {
   EXPECT_EQ(Run({path, "--unweighted", "-o", m_output.Path()}), ExitSuccess);
   EXPECT_THAT(ReadText(m_output.Path("cube.smd")),
               HasSubstr("\n0 0.000000 0.000000 0.000000 0.000000 0.000000 1.000000 "
-                        "0.000000 0.000000\n"));
+                        "0.000000 1.000000\n"));
   EXPECT_EQ(Run({path, "--plain", "-o", m_output.Path()}), ExitFailure);
   EXPECT_THAT(m_err, HasSubstr("File Error: Error opening " + m_output.Joined("folder/cube.smd")));
 }

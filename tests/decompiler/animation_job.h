@@ -40,10 +40,10 @@ class AnimationJob {
 
   /// Exports the animations of all sequences in order, waits for the files, and gives the script.
   std::string Export() {
-    for (int64_t i = 0; i < Context().Model.Header()->SequenceCount; ++i) {
-      if (Context().ReadyToCompile()) {
-        decompiler::sources::ExportSequenceAnimations(Context(), Sequence(i));
-      } else {
+    if (Context().ReadyToCompile()) {
+      decompiler::sources::WriteSequences(Context());
+    } else {
+      for (int64_t i = 0; i < Context().Model.Header()->SequenceCount; ++i) {
         decompiler::plain::ExportSequenceAnimations(Context(), Sequence(i));
       }
     }
@@ -59,7 +59,7 @@ class AnimationJob {
     std::string text;
     core::TextWriter writer(text);
     decompiler::WriteAnimationSmd(writer, *decompiler::GetAnimationSmdModel(Context()), *checked,
-                                  !Context().DeltaReference.empty());
+                                  {.OnDefaultPose = !Context().DeltaReference.empty()});
     writer.Flush();
     NonFinite = writer.NonFiniteCount();
     return WithLineFeeds(text);

@@ -36,8 +36,13 @@ class DecompiledModel {
   }
   /// The script from behind its `$modelname` line up to the first statement that is not about meshes.
   std::string MeshCommands() const {
+    // In sources that are ready to compile the bones stand ahead of the meshes, and end in the one called "root".
     const std::string script = Script();
-    return script.substr(0, script.find("$cdmaterials "));
+    const size_t bone = script.find("$definebone \"root\"");
+    if (bone == std::string::npos) return script.substr(0, script.find("$cdmaterials "));
+    const size_t begin = script.find('\n', bone) + 1;
+    const size_t end = std::min(script.find("\n$sequence ", begin - 1), script.find("\n$hboxset ", begin - 1));
+    return script.substr(begin, end == std::string::npos ? end : end + 1 - begin);
   }
   std::string File(const std::string& name) const { return ReadText(Out(name)); }
   /// The path of a file that is written, as the job tells it.

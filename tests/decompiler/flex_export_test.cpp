@@ -159,7 +159,7 @@ TEST(FlexExport, EachFaceHasItsOwnFileToCompile) {
   model.BodyParts = {face, BodyPartDescription{}, face};
   const DecompiledModel run(model, DecompileOptionReadyToCompile);
   EXPECT_THAT(run.Script(), HasSubstr("$model \"body\" \"cube.smd\" {\n     flexfile \"ravelback_expressions.vta\""));
-  EXPECT_THAT(run.Script(), HasSubstr("$model \"body\" \"cube_2.smd\"\n\n"));
+  EXPECT_THAT(run.Script(), HasSubstr("$body \"body\" \"cube_2.smd\"\n"));
   EXPECT_THAT(run.Script(), HasSubstr("     flexfile \"ravelback_expressions_2.vta\""));
   EXPECT_THAT(run.Files(), testing::IsSupersetOf({"ravelback_expressions.vta", "ravelback_expressions_2.vta"}));
 }

@@ -24,29 +24,39 @@ TEST(ReadyToCompile, PutsEveryFileStraightIntoTheOutputDirectoryUnderItsOwnName)
                                      Part("con.smd"), Part("tail. "), Part("dir/")});
   EXPECT_TRUE(job.Result.Succeeded()) << job.Report.LogText;
   EXPECT_EQ(job.MeshCommands(),
-            "$model \"body\" \"led3.smd\"\n\n$model \"body\" \"LED3_2.smd\"\n\n$model \"body\" \"a_b_.smd\"\n\n"
-            "$model \"body\" \"_on.smd\"\n\n$model \"body\" \"tail__.smd\"\n\n$model \"body\" \"_.smd\"\n\n");
+            "$body \"body\" \"led3.smd\"\n$body \"body\" \"LED3_2.smd\"\n$body \"body\" \"a_b_.smd\"\n"
+            "$body \"body\" \"_on.smd\"\n$body \"body\" \"tail__.smd\"\n$body \"body\" \"_.smd\"\n");
   EXPECT_THAT(job.Files(),
               ElementsAre("LED3_2.smd", "_.smd", "_on.smd", "a_b_.smd", "led3.smd", "ravelback.qc", "tail__.smd"));
+  EXPECT_THAT(job.Result.Lost, ElementsAre(LostKind{"names of meshes that no file can have", 6}));
+}
+
+TEST(ReadyToCompile, TypesTheNameThatTheModelHas) {
+  const DecompiledModel job = Ready({Part("crate.smd"), Part("lid")});
+  EXPECT_EQ(job.MeshCommands(), "$body \"body\" \"crate.smd\"\n$body \"body\" \"lid\"\n");
+  EXPECT_THAT(job.Files(), ElementsAre("crate.smd", "lid.smd", "ravelback.qc"));
+  EXPECT_THAT(job.Result.Lost, testing::IsEmpty());
 }
 
 TEST(ReadyToCompile, GroupsTheModelsOfABodyPart) {
   const DecompiledModel job = Ready(
-      {{.Name = "head", .Models = {{.Name = "a.smd"}, {.Name = "none", .Meshes = {}}, {.Name = "a.smd"}}}, Part("b")});
+      {{.Name = "head", .Models = {{.Name = "a.smd"}, {.Name = "", .Meshes = {}}, {.Name = "a.smd"}}}, Part("b.smd")});
   EXPECT_EQ(job.MeshCommands(),
-            "$bodygroup \"head\"\n{\n  studio \"a.smd\"\n  blank\n  studio \"a_2.smd\"\n}\n\n"
-            "$model \"body\" \"b.smd\"\n\n");
+            "$bodygroup \"head\" {\n  studio \"a.smd\"\n  blank\n  studio \"a_2.smd\"\n}\n"
+            "$body \"body\" \"b.smd\"\n");
   EXPECT_THAT(job.Files(), ElementsAre("a.smd", "a_2.smd", "b.smd", "ravelback.qc"));
 }
 
-TEST(ReadyToCompile, KeepsModelLinesWhereABodyPartHoldsAFace) {
-  ModelBuilder model{.BodyParts = {{.Name = "head", .Models = {{.Name = "a.smd", .Eyeballs = {{}}}, {.Name = "b.smd"}}},
-                                   {.Name = "hats", .Models = {{.Name = "c.smd"}, {.Name = "d.smd"}}}},
-                     .FlexDescs = {"lid"},
-                     .Mouths = {{}}};
-  const std::string script = DecompiledModel(model, DecompileOptionReadyToCompile).MeshCommands();
-  EXPECT_THAT(script, HasSubstr("$model \"head\" \"a.smd\" {\n"));
-  EXPECT_THAT(script, HasSubstr("}\n\n$model \"head\" \"b.smd\"\n\n$bodygroup \"hats\"\n{\n"));
+TEST(ReadyToCompile, KeepsAFaceWhereNoGroupOffersIt) {
+  ModelBuilder model{
+      .BodyParts = {{.Name = "head", .Models = {{.Name = "a.smd", .Eyeballs = {{}}}}},
+                    {.Name = "hats", .Models = {{.Name = "c.smd"}, {.Name = "d.smd", .Eyeballs = {{}}}}}},
+      .FlexDescs = {"lid"},
+      .Mouths = {{}}};
+  const DecompiledModel job(model, DecompileOptionReadyToCompile);
+  EXPECT_THAT(job.Script(), HasSubstr("$model \"head\" \"a.smd\" {\n"));
+  EXPECT_THAT(job.Script(), HasSubstr("$bodygroup \"hats\" {\n  studio \"c.smd\"\n  studio \"d.smd\"\n}\n"));
+  EXPECT_THAT(job.Result.Lost, testing::Contains(LostKind{"faces of models that a body group offers", 1}));
 }
 
 TEST(ReadyToCompile, MergesLodCommandsBehindTheLastBodyPart) {
@@ -59,12 +69,12 @@ TEST(ReadyToCompile, MergesLodCommandsBehindTheLastBodyPart) {
              {.Models = {{.Name = "near.smd", .Meshes = {nearOnly}, .SwitchDistances = {0, 7, 7}}}},
              {.Models = {{.Name = "A.smd", .Meshes = {threeLods}, .SwitchDistances = {0, 9, 9}}}}});
   EXPECT_EQ(job.MeshCommands(),
-            "$bodygroup \"p\"\n{\n  blank\n  studio \"a.smd\"\n}\n\n$model \"body\" \"near.smd\"\n\n"
-            "$model \"body\" \"A_2.smd\"\n\n"
-            "$lod 20\n {\n  replacemodel \"a\" \"lod1_a\"\n  removemodel \"near\"\n"
-            "  replacemodel \"A_2\" \"lod1_A_2\"\n}\n"
-            "$shadowlod\n{\n  replacemodel \"a\" \"lod2_a\"\n  removemodel \"near\"\n"
-            "  replacemodel \"A_2\" \"lod2_A_2\"\n}\n");
+            "$bodygroup \"p\" {\n  blank\n  studio \"a.smd\"\n}\n$body \"body\" \"near.smd\"\n"
+            "$body \"body\" \"A_2.smd\"\n"
+            "$lod 20.5 {\n  replacemodel \"a.smd\" \"lod1_a.smd\"\n  removemodel \"near.smd\"\n"
+            "  replacemodel \"A_2.smd\" \"lod1_A_2.smd\"\n}\n"
+            "$shadowlod {\n  replacemodel \"a.smd\" \"lod2_a.smd\"\n  removemodel \"near.smd\"\n"
+            "  replacemodel \"A_2.smd\" \"lod2_A_2.smd\"\n}\n");
   EXPECT_THAT(job.Files(), ElementsAre("A_2.smd", "a.smd", "lod1_A_2.smd", "lod1_a.smd", "lod2_A_2.smd", "lod2_a.smd",
                                        "near.smd", "ravelback.qc"));
 }

@@ -76,14 +76,14 @@ TEST(ScriptStatements, SkinFamiliesHaveTwoShapes) {
 TEST(ScriptStatements, AreCleanedOfWhatBreaksAScriptToCompile) {
   ModelBuilder model = Bare();
   model.MaterialDirectories = {"models\\a\"b\r\n\\"};
-  model.KeyValues = "mdlkeyvalue } { a { b \"}\" } \"c";
+  model.KeyValues = "mdlkeyvalue { a { b \"}\" } \"c";
   model.IkChains = {{"rfoot", {{0, {std::nanf(""), 0, 1}}, {0, {}}, {0, {}}}}};
   const DecompiledModel run(model, DecompileOptionReadyToCompile);
-  EXPECT_THAT(run.Script(), HasSubstr("$cdmaterials \"models\\ab\\\"\n"));
-  EXPECT_THAT(run.Script(), HasSubstr("$keyvalues   { a { b \"}\" } \"c\" }\n"));
-  EXPECT_THAT(run.Script(), HasSubstr("knee  0.000 0.000 1.000\n"));
+  EXPECT_THAT(run.Script(), HasSubstr("$cdmaterials \"models/a'b  /\"\n"));
+  EXPECT_THAT(run.Script(), HasSubstr("$keyvalues {\n  \"a\" {\n    \"b\" \"}\"\n  }\n}\n"));
+  EXPECT_THAT(run.Script(), HasSubstr("knee 0 0 1\n"));
   EXPECT_THAT(TextsOf(run.Result, core::Severity::Warning),
-              ElementsAre(HasSubstr("material directory"), HasSubstr("key value text"), HasSubstr("IK chain rfoot")));
+              ElementsAre(HasSubstr("control characters"), HasSubstr("not finite"), HasSubstr("key values")));
   EXPECT_THAT(TextsOf(DecompiledModel(model).Result, core::Severity::Warning), testing::IsEmpty());
 }
 
@@ -98,7 +98,9 @@ TEST(ScriptStatements, AModelWithoutSequencesHasThemOnlyReadyToCompile) {
   model.Sequences.clear();
   EXPECT_EQ(DecompiledModel(model).Script(), "");
   EXPECT_EQ(DecompiledModel(model, DecompileOptionReadyToCompile).Script(),
-            "$cdmaterials \"models/props/\"\n$surfaceprop \"metal\"\n");
+            "$illumposition 0 0 0\n$cdmaterials \"models/props/\"\n"
+            "$definebone \"root\" \"\" 0 0 0 0 0 0 0 0 0 0 0 0\n"
+            "$animation \"@idle\" \"idle.smd\" {\n  fps 30\n}\n");
 }
 
 TEST(ScriptStatements, ADamagedTableCostsItsStatementsOnly) {

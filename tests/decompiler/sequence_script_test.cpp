@@ -116,13 +116,13 @@ TEST(SequenceScript, RateAndLastFrameWeighTheAnimationsRoundTheRestPose) {
 TEST(SequenceScript, QuotesWhatTheCompilerWouldBreakApart) {
   ModelBuilder model = Model({{.Name = "Big Walk"}, {.Name = "@run fast"}},
                              {{.Label = "my walk", .Blends = {0, 1}, .BlendSize = {2, 1}}});
-  EXPECT_EQ(DecompiledModel(model, DecompileOptionReadyToCompile).Script("$animation", "-"),
-            "$animation \"Big Walk\" \"Big Walk\" fps 30.000000\n"
-            "$sequence \"my walk\" \"Big Walk\" fps 30.00 {\n  blendwidth 2\n \"Big Walk\" \"run fast\"\n}\n");
+  EXPECT_THAT(DecompiledModel(model, DecompileOptionReadyToCompile).Script("$animation", "-"),
+              AllOf(HasSubstr("$animation \"Big Walk\" \"Big Walk.smd\" {"),
+                    HasSubstr("$sequence \"my walk\" {\n  \"Big Walk\" \"@run fast\"\n  blendwidth 2\n")));
   EXPECT_THAT(DecompiledModel(model).Script("$animation", "-"), HasSubstr("$sequence my walk \"Big Walk\""));
   model = Model({{.Name = "a//b"}}, {{.Label = ""}});
   EXPECT_THAT(DecompiledModel(model, DecompileOptionReadyToCompile).Script("$animation", "-"),
-              AllOf(HasSubstr("$animation \"a//b\" \"b\""), HasSubstr("$sequence \"\" \"a//b\"")));
+              AllOf(HasSubstr("$animation \"a//b\" \"b.smd\""), HasSubstr("$sequence \"\" {\n  \"a//b\"\n")));
 }
 
 TEST(SequenceScript, DamageIsTold) {

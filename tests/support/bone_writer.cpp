@@ -75,6 +75,7 @@ void WriteBones(const ModelBuilder& model, FileBuilder& mdl) {
     record.PoseToBone = Inverse(placements.back());
     record.Alignment = bone.Alignment;
     record.Flags = bone.Flags;
+    record.Contents = 1;
   }
   mdl.Align(4);
 }

@@ -22,6 +22,7 @@ ModelFiles ModelBuilder::Build() const {
   const auto header = mdl.Reserve<model::StudioHeader>(1, "header");
   std::copy_n("IDST", 4, header[0].Id);
   header[0].Version = Version;
+  header[0].Contents = 1;  // as all real models have it, in their bones too
   Name.copy(header[0].Name, sizeof(header[0].Name) - 1);
   header[0].EyePosition = EyePosition;
   header[0].IllumPosition = IllumPosition;

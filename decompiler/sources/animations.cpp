@@ -1,0 +1,225 @@
+#include "decompiler/sources/animations.h"
+
+#include <algorithm>
+
+#include "decompiler/sources/script_values.h"
+#include "decompiler/stages/animation_file.h"
+#include "model/animation_check.h"
+#include "model/pose_player.h"
+#include "model/script_records.h"
+#include "model/sequence_blend.h"
+
+namespace tarnwick::decompiler::sources {
+
+namespace {
+
+struct AxisWord {
+  uint32_t Flag;
+  std::string_view Word;
+};
+constexpr AxisWord AxisWords[] = {{MovementFlagX, "X"},        {MovementFlagY, "Y"},
+                                  {MovementFlagZ, "Z"},        {MovementFlagLinearX, "LX"},
+                                  {MovementFlagLinearY, "LY"}, {MovementFlagLinearZ, "LZ"}};
+
+/// Whether a delta animation begins with no change at all, as one does that is the difference to its own first frame.
+bool BeginsUnchanged(const core::RecordArray<StudioBone>& bones, const CheckedAnimation& animation) {
+  PosePlayer player(bones, animation);
+  player.GoTo(0);
+  const auto still = [](const Vec3& p) { return p.x == 0 && p.y == 0 && p.z == 0; };
+  const auto unturned = [](const Quat& q) { return q.x == 0 && q.y == 0 && q.z == 0; };
+  return std::ranges::all_of(player.Positions(), still) && std::ranges::all_of(player.Rotations(), unturned);
+}
+
+std::vector<TravelPart> TravelOf(JobContext& job, const core::Record<StudioAnimDesc>& animation) {
+  std::vector<TravelPart> travel;
+  if (animation->MovementCount == 0) return travel;
+  const auto parts = job.Table<StudioMovement>("movement table", animation.Offset() + animation->MovementOffset,
+                                               animation->MovementCount);
+  if (!parts || !job.Spend(parts->Count() * RecordCost)) return travel;
+  int32_t last = 0;
+  for (const auto part : *parts) {
+    if (part->LastFrame <= last) break;  // frames rise in sound ones
+    last = part->LastFrame;
+    travel.push_back({last, part->Position, part->StartSpeed, part->EndSpeed});
+  }
+  return travel;
+}
+
+}  // namespace
+
+Animations::Animations(JobContext& job, const core::RecordArray<StudioAnimDesc>& animations,
+                       const core::RecordArray<StudioSeqDesc>& sequences)
+    : m_job(job),
+      m_animations(animations),
+      m_owners(static_cast<size_t>(animations.Count()), -1),
+      m_states(static_cast<size_t>(animations.Count())) {
+  FindOwners(sequences);
+}
+
+void Animations::FindOwners(const core::RecordArray<StudioSeqDesc>& sequences) {
+  std::vector<int64_t> uses(m_owners.size());
+  for (int64_t i = 0; i < sequences.Count(); ++i) {
+    const auto sequence = sequences[i];
+    const int64_t columns = sequence->BlendSize[0], rows = sequence->BlendSize[1];
+    if (columns <= 0 || rows <= 0 || !m_job.Spend(columns * rows * RecordCost)) continue;
+    const auto blends =
+        m_job.Model.View().Array<StudioShort>(sequence.Offset() + sequence->BlendOffset, columns * rows);
+    if (!blends) continue;
+    const auto label = m_job.Model.NameOf(sequence, sequence->LabelOffset);
+    for (const auto entry : *blends) {
+      if (!m_animations.Holds(entry->Value)) continue;
+      const auto number = static_cast<size_t>(entry->Value);
+      const auto animation = m_animations[entry->Value];
+      const auto name = m_job.Model.NameOf(animation, animation->NameOffset);
+      const bool own = blends->Count() == 1 && label && name && name->starts_with('@') && name->substr(1) == *label;
+      m_owners[number] = own && uses[number] == 0 ? i : -1;
+      ++uses[number];
+    }
+  }
+}
+
+std::optional<std::string_view> Animations::NameOf(int64_t number) const {
+  if (!m_animations.Holds(number) || !m_states[static_cast<size_t>(number)].Written) return std::nullopt;
+  return m_job.Model.NameOf(m_animations[number], m_animations[number]->NameOffset);
+}
+
+void Animations::WriteUpTo(int64_t number) {
+  for (; m_next < std::min(number, m_animations.Count()); ++m_next) {
+    State& state = m_states[static_cast<size_t>(m_next)];
+    if (OwnerOf(m_next) >= 0 || state.Tried) continue;
+    if (m_job.Stopped() || !m_job.ScriptWithinBounds()) return;
+    const auto description = m_animations[m_next];
+    const auto name = m_job.NameOf("animation name", description, description->NameOffset);
+    const auto own = name ? Write(m_next, *name) : std::nullopt;
+    state = {true, own.has_value()};
+    if (!own) {
+      m_job.Script().Text("// an animation is left out, since it cannot be read: number " + std::to_string(m_next) +
+                          "\n");
+      continue;
+    }
+    m_job.Script().Text("$animation " + Quoted(m_job, *name) + " " + Quoted(m_job, own->File) + " {\n" + own->Words +
+                        "}\n");
+  }
+}
+
+void Animations::Require(int64_t number) {
+  if (m_animations.Holds(number)) WriteUpTo(number + 1);
+}
+
+std::optional<Animations::Own> Animations::WriteOwn(int64_t number, std::string_view label) {
+  auto own = Write(number, label);
+  m_states[static_cast<size_t>(number)] = {true, own.has_value()};
+  return own;
+}
+
+bool Animations::NeedDeltaBase(int64_t number) {
+  const auto description = m_animations[number];
+  const std::string_view name = m_job.Model.NameOf(description, description->NameOffset).value_or("");
+  const auto checked = CheckAnimation(m_job, description, name);
+  const Skeleton* skeleton = GetSkeleton(m_job);
+  return !checked || skeleton == nullptr || !BeginsUnchanged(skeleton->Bones, *checked);
+}
+
+std::optional<Animations::Own> Animations::Write(int64_t number, std::string_view name) {
+  const auto description = m_animations[number];
+  const NamedAnimation animation{description, number,
+                                 m_job.Model.NameOf(description, description->NameOffset).value_or(name)};
+  if (!SpendForAnimationLines(m_job, name)) return std::nullopt;
+  if (!HasFrames(m_job, animation)) {
+    m_job.Lose("animations without frames");
+    return std::nullopt;
+  }
+  if (m_job.Stopped() || GetAnimationSmdModel(m_job) == nullptr) return std::nullopt;
+  const bool ownBase = animation.IsDelta() && !NeedDeltaBase(number);
+  if (animation.IsDelta() && !ownBase && !m_job.DeltaWritten) {
+    if (!WriteDeltaReference(m_job, m_job.Names.Take(DeltaStem, AnimationExtension))) return std::nullopt;
+    m_job.Script().Text("$animation " + Quoted(m_job, AnimationSource(m_job.DeltaReference)) + " " +
+                        Quoted(m_job, m_job.DeltaReference) + " fps 30\n");
+  }
+  const std::string file = m_job.Names.Take(AnimationStem(animation.Name), AnimationExtension);
+  if (!WriteAnimationFile(m_job, animation, file, {animation.IsDelta(), false, TravelOf(m_job, description)}) ||
+      m_job.Animations.Exports[number].State != AnimationFiles::Outcome::Written) {
+    m_job.Lose("animations that cannot be read or written");
+    return std::nullopt;
+  }
+  return Own{file, Words(number, name, ownBase)};
+}
+
+std::string Animations::Words(int64_t number, std::string_view name, bool ownBase) {
+  const auto animation = m_animations[number];
+  std::string words = "  fps " + Number(m_job, animation->Fps) + "\n";
+  if ((animation->Flags & AnimFlagLooping) != 0) words += "  loop\n";
+  if ((animation->Flags & AnimFlagDelta) != 0) {
+    const std::string_view base = ownBase ? name : AnimationSource(m_job.DeltaReference);
+    words += "  subtract " + Quoted(m_job, base) + " 0\n";
+  }
+  if ((animation->Flags & ~(AnimFlagLooping | AnimFlagDelta)) != 0) {
+    m_job.Lose("flags of animations without a statement");
+  }
+  m_job.Lose("local hierarchies of animations", animation->LocalHierarchyCount);
+  return words + TravelWords(animation) + IkRuleWords(animation);
+}
+
+std::string Animations::TravelWords(const core::Record<StudioAnimDesc>& animation) {
+  std::string words;
+  if (animation->MovementCount == 0) return words;
+  const auto parts = m_job.Model.View().Array<StudioMovement>(animation.Offset() + animation->MovementOffset,
+                                                              animation->MovementCount);
+  if (!parts) return words;
+  for (const auto part : *parts) {
+    std::string axes;
+    uint32_t left = part->Flags;
+    for (const AxisWord& axis : AxisWords) {
+      if ((part->Flags & axis.Flag) == 0) continue;
+      axes += " " + std::string(axis.Word);
+      left &= ~axis.Flag;
+    }
+    if (left != 0 || axes.empty()) m_job.Lose("turns of movements");
+    if (!axes.empty()) words += "  walkframe " + std::to_string(part->LastFrame) + axes + "\n";
+  }
+  return words;
+}
+
+std::string Animations::IkRuleWords(const core::Record<StudioAnimDesc>& animation) {
+  std::string words;
+  if (animation->IkRuleCount == 0) return words;
+  if (animation->Block != 0) {
+    m_job.Lose("IK rules in the animation block file", animation->IkRuleCount);
+    return words;
+  }
+  const auto header = m_job.Model.Header();
+  const auto chains = m_job.Model.View().Array<StudioIkChain>(header->IkChainOffset, header->IkChainCount);
+  const auto rules =
+      m_job.Table<StudioIkRule>("IK rule table", animation.Offset() + animation->IkRuleOffset, animation->IkRuleCount);
+  if (!rules || !chains || !m_job.Spend(rules->Count() * RecordCost)) return words;
+  bool exact = true;
+  for (const auto rule : *rules) {
+    const auto chain = chains->Holds(rule->Chain)
+                           ? m_job.Model.NameOf((*chains)[rule->Chain], (*chains)[rule->Chain]->NameOffset)
+                           : std::nullopt;
+    if (!chain || (rule->Type != IkRuleTouch && rule->Type != IkRuleRelease)) {
+      m_job.Lose("IK rules of an unknown kind");
+      continue;
+    }
+    words += "  ikrule " + Quoted(m_job, *chain);
+    if (rule->Type == IkRuleTouch) {
+      const auto bone =
+          rule->Bone < 0 ? std::optional<std::string_view>("") : BoneName(m_job, "IK rule", rule.Offset(), rule->Bone);
+      words += " touch " + Quoted(m_job, bone.value_or(""));
+    } else {
+      words += " release";
+    }
+    words += " range";
+    for (const float part : {rule->Start, rule->Peak, rule->Tail, rule->End}) {
+      words += " " + std::to_string(FrameAt(part, animation->FrameCount, exact));
+    }
+    if (rule->Contact != rule->Peak) {
+      words += " contact " + std::to_string(FrameAt(rule->Contact, animation->FrameCount, exact));
+    }
+    words += "\n";
+  }
+  if (!exact) m_job.Lose("IK rules whose times lie between frames");
+  return words;
+}
+
+}  // namespace tarnwick::decompiler::sources

@@ -1,0 +1,193 @@
+#include "decompiler/sources/header_statements.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <numbers>
+
+#include "core/key_values.h"
+#include "decompiler/sources/script_values.h"
+#include "model/animation_records.h"
+#include "model/script_records.h"
+
+namespace tarnwick::decompiler::sources {
+
+namespace {
+
+constexpr uint32_t FlagsThatAreTold =
+    ModelFlagGeneratedHitboxes | ModelFlagOpaque | ModelFlagMostlyOpaque | ModelFlagStatic | ModelFlagShadowLod;
+constexpr int32_t ContentsDefault = 1;
+constexpr int32_t ContentsGrate = 8;
+/// Cosine of 90 degrees, as older compilers leave it where no turn of the eyes is given.
+constexpr float NoEyeDeflection = 1e-6f;
+
+bool SameBox(const Vec3& a, const Vec3& b) {
+  return a.x == b.x && a.y == b.y && a.z == b.z;
+}
+
+bool IsZero(const Vec3& v) {
+  return v.x == 0 && v.y == 0 && v.z == 0;
+}
+
+/// A place that a compile turns by a quarter about Z, (x, y, z) to (-y, x, z), turned back.
+Vec3 TurnedBack(const Vec3& stored) {
+  return {stored.y, stored.x == 0 ? 0.0f : -stored.x, stored.z};
+}
+
+std::optional<core::Record<StudioSecondHeader>> SecondHeader(const JobContext& job) {
+  const int64_t offset = job.Model.Header()->SecondHeaderOffset;
+  return offset > 0 ? job.Model.View().At<StudioSecondHeader>(offset) : std::nullopt;
+}
+
+/// The model's name, in full where the header cuts it.
+std::string_view ModelName(const JobContext& job) {
+  const auto header = job.Model.Header();
+  const std::string_view shortName = core::FixedText(header->Name);
+  const auto second = SecondHeader(job);
+  if (!second || (*second)->NameOffset <= 0) return shortName;
+  const auto name = job.Model.Name(second->Offset() + (*second)->NameOffset);
+  return name && name->starts_with(shortName) ? *name : shortName;
+}
+
+void WriteFlags(JobContext& job) {
+  const uint32_t flags = job.Model.Header()->Flags;
+  core::TextWriter& script = job.Script();
+  if ((flags & ModelFlagStatic) != 0) script.Text("$staticprop\n");
+  if ((flags & ModelFlagOpaque) != 0) script.Text("$opaque\n");
+  if ((flags & ModelFlagMostlyOpaque) != 0) script.Text("$mostlyopaque\n");
+  job.Lose("header flags without a statement", std::popcount(flags & ~FlagsThatAreTold));
+}
+
+void WriteContents(JobContext& job) {
+  const int32_t contents = job.Model.Header()->Contents;
+  if (contents == ContentsGrate) {
+    job.Script().Text("$contents \"grate\"\n");
+  } else if (contents != ContentsDefault) {
+    job.Lose("contents of the model");
+  }
+}
+
+void WriteEyes(JobContext& job) {
+  const auto second = SecondHeader(job);
+  if (!second) return;
+  const float cosine = (*second)->MaxEyeDeflection;
+  if (std::abs(cosine) > NoEyeDeflection && std::abs(cosine) <= 1) {
+    job.Script().Text("$maxeyedeflection " +
+                      Number(job, static_cast<float>(std::acos(double{cosine}) * (180 / std::numbers::pi))) + "\n");
+  }
+  if ((*second)->IllumAttachment != 0) job.Lose("attachments of the illumination position");
+  job.Lose("source bones", (*second)->SourceBoneCount);
+}
+
+/// Writes the children of a key-values block; every level is indented by two blanks more.
+void WriteKeys(JobContext& job, const std::vector<core::KeyValue>& keys, const std::string& indent) {
+  for (const core::KeyValue& key : keys) {
+    if (!job.ScriptWithinBounds()) return;
+    const std::string line = indent + Quoted(job, key.Key);
+    if (!key.IsBlock) {
+      job.Script().Text(line + " " + Quoted(job, key.Value) + "\n");
+      continue;
+    }
+    job.Script().Text(line + " {\n");
+    WriteKeys(job, key.Children, indent + "  ");
+    job.Script().Text(indent + "}\n");
+  }
+}
+
+}  // namespace
+
+void WriteHeaderStatements(JobContext& job) {
+  const auto header = job.Model.Header();
+  core::TextWriter& script = job.Script();
+  std::string name(ModelName(job));
+  std::replace(name.begin(), name.end(), '\\', '/');
+  script.Text("$modelname " + Quoted(job, name) + "\n");
+  WriteFlags(job);
+  if (const auto surface = job.Model.Name(header->SurfacePropOffset)) {
+    script.Text("$surfaceprop " + Quoted(job, *surface) + "\n");
+  } else {
+    job.DamagedName("surface property name", header->SurfacePropOffset);
+  }
+  WriteContents(job);
+  const Vec3 eye = header->EyePosition;
+  if (!IsZero(eye)) script.Text("$eyeposition " + Numbers(job, TurnedBack(eye)) + "\n");
+  script.Text("$illumposition " + Numbers(job, TurnedBack(header->IllumPosition)) + "\n");
+  WriteEyes(job);
+  if (header->ConstantLight != 0) job.Lose("constant directional light");
+  if (header->RootLod != 0 || header->AllowedRootLods != 0) job.Lose("limits of the levels of detail");
+  job.Lose("bone controllers", header->BoneControllerCount);
+}
+
+void WriteMaterialFolders(JobContext& job) {
+  const auto header = job.Model.Header();
+  const auto table = job.Table<StudioOffset>("material directory table", header->MaterialDirectoryOffset,
+                                             header->MaterialDirectoryCount);
+  if (!table) return;
+  for (const auto entry : *table) {
+    const auto name = job.Model.Name(entry->Offset);
+    if (!name) return job.DamagedName("material directory", entry->Offset);
+    if (!job.ScriptWithinBounds()) return;
+    std::string folder(*name);
+    std::replace(folder.begin(), folder.end(), '\\', '/');
+    job.Script().Text("$cdmaterials " + Quoted(job, folder) + "\n");
+  }
+}
+
+void WriteBoxes(JobContext& job) {
+  const auto header = job.Model.Header();
+  const auto sequences = job.Model.View().Array<StudioSeqDesc>(header->SequenceOffset, header->SequenceCount);
+  const Vec3 least = header->HullMinimum, most = header->HullMaximum;
+  const bool computed = sequences && sequences->Count() > 0
+                            ? SameBox(least, (*sequences)[0]->Minimum) && SameBox(most, (*sequences)[0]->Maximum)
+                            : IsZero(least) && IsZero(most);
+  if (!computed) job.Script().Text("$bbox " + Numbers(job, least) + " " + Numbers(job, most) + "\n");
+  const Vec3 viewLeast = header->ViewMinimum, viewMost = header->ViewMaximum;
+  if (!IsZero(viewLeast) || !IsZero(viewMost)) {
+    job.Script().Text("$cbox " + Numbers(job, viewLeast) + " " + Numbers(job, viewMost) + "\n");
+  }
+}
+
+void WriteIncludedModels(JobContext& job) {
+  // The statement puts this folder before the name again.
+  constexpr std::string_view Folder = "models/";
+  const auto header = job.Model.Header();
+  const auto table =
+      job.Table<StudioIncludeModel>("included model table", header->IncludeModelOffset, header->IncludeModelCount);
+  if (!table) return;
+  for (const auto model : *table) {
+    const auto name = job.NameOf("included model name", model, model->NameOffset);
+    if (!name || !job.ScriptWithinBounds()) return;
+    std::string path(*name);
+    std::replace(path.begin(), path.end(), '\\', '/');
+    if (path.starts_with(Folder)) path.erase(0, Folder.size());
+    job.Script().Text("$includemodel " + Quoted(job, path) + "\n");
+  }
+}
+
+void WriteModelKeyValues(JobContext& job) {
+  const auto header = job.Model.Header();
+  if (header->KeyValueSize == 0) return;
+  const auto bytes = job.Model.View().Bytes(header->KeyValueOffset, header->KeyValueSize);
+  if (!bytes) {
+    return job.DamagedTable(job.Model.Mdl.Path(), "key value text", header->KeyValueOffset, header->KeyValueSize,
+                            job.Model.View().Size());
+  }
+  std::string_view text(reinterpret_cast<const char*>(bytes->data()), bytes->size());
+  text = text.substr(0, text.find('\0'));
+  const core::KeyValues read = core::ReadKeyValues(text);
+  if (!read.Error.empty()) {
+    job.Warn("The key values of the model are damaged: " + read.Error + "; what could be read is written",
+             core::TroubleKind::Damaged);
+  }
+  for (const core::KeyValue& root : read.Roots) {
+    if (!root.IsBlock) {
+      job.Lose("key values outside a block");
+      continue;
+    }
+    job.Script().Text("$keyvalues {\n");
+    WriteKeys(job, root.Children, "  ");
+    job.Script().Text("}\n");
+  }
+}
+
+}  // namespace tarnwick::decompiler::sources

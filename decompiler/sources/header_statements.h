@@ -1,0 +1,18 @@
+#pragma once
+
+#include "decompiler/job/job_context.h"
+
+namespace tarnwick::decompiler::sources {
+
+/// $modelname, and what the header says of the whole model: $staticprop, $surfaceprop, $contents, positions, eyes.
+void WriteHeaderStatements(JobContext& job);
+/// $cdmaterials, a line a folder.
+void WriteMaterialFolders(JobContext& job);
+/// $bbox and $cbox, where a compile would not compute them.
+void WriteBoxes(JobContext& job);
+/// $includemodel.
+void WriteIncludedModels(JobContext& job);
+/// $keyvalues, a block for each that the model holds. Braces are balanced.
+void WriteModelKeyValues(JobContext& job);
+
+}  // namespace tarnwick::decompiler::sources

@@ -1,0 +1,73 @@
+#include "decompiler/sources/script_values.h"
+
+#include <cmath>
+#include <numbers>
+
+#include "core/number_text.h"
+#include "model/truncate.h"
+
+namespace tarnwick::decompiler::sources {
+
+namespace {
+
+float ToRadians(double degrees) {
+  return static_cast<float>(degrees * (std::numbers::pi / 180));
+}
+
+}  // namespace
+
+std::string Number(JobContext& job, float value) {
+  if (!std::isfinite(value)) {
+    job.CleanOnce("numbers that are not finite", "stand as 0");
+    return "0";
+  }
+  return core::ShortestDecimal(value);
+}
+
+std::string Numbers(JobContext& job, const Vec3& value) {
+  return Number(job, value.x) + " " + Number(job, value.y) + " " + Number(job, value.z);
+}
+
+std::string Degrees(JobContext& job, float radians) {
+  if (!std::isfinite(radians)) return Number(job, radians);
+  const double exact = radians * (180 / std::numbers::pi);
+  const auto nearest = static_cast<float>(exact);
+  for (const float candidate : {nearest, std::nextafter(nearest, 0.0f), std::nextafter(nearest, 2 * nearest)}) {
+    if (ToRadians(candidate) == radians) return core::ShortestDecimal(candidate);
+  }
+  return core::ShortestDecimal(exact);
+}
+
+std::string Quoted(JobContext& job, std::string_view text) {
+  std::string quoted = "\"";
+  bool cleaned = false;
+  for (const char c : text) {
+    const bool control = static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
+    cleaned = cleaned || control || c == '"';
+    quoted += control ? ' ' : c == '"' ? '\'' : c;
+  }
+  if (cleaned) job.CleanOnce("names with quotes or control characters", "stand without them");
+  return quoted + "\"";
+}
+
+std::optional<std::string_view> BoneName(JobContext& job, std::string_view user, int64_t userOffset, int64_t index) {
+  const Skeleton* skeleton = GetSkeleton(job);
+  if (skeleton == nullptr) return std::nullopt;
+  if (skeleton->Bones.Holds(index)) return skeleton->Names[static_cast<size_t>(index)];
+  job.Damaged(job.Model.Mdl.Path(), user, userOffset,
+              "names bone " + std::to_string(index) + " of " + std::to_string(skeleton->Count()));
+  return std::nullopt;
+}
+
+int32_t FrameAt(float part, int32_t frames, bool& exact) {
+  if (frames <= 1 || !std::isfinite(part)) {
+    exact = exact && (part == 0 || !std::isfinite(part));
+    return 0;
+  }
+  const auto last = static_cast<float>(frames - 1);
+  const float frame = std::round(part * last);
+  if (frame / last != part) exact = false;
+  return TruncateToInt(frame);
+}
+
+}  // namespace tarnwick::decompiler::sources

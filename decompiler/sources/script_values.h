@@ -1,0 +1,32 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "decompiler/job/job_context.h"
+#include "model/bone_math_types.h"
+
+namespace tarnwick::decompiler::sources {
+
+/// The shortest plain decimal text that gives the same 32-bit float ("3.89", "-0.0625", never "1e-05"). What is no
+/// finite number stands as 0, and is told once a job.
+[[nodiscard]] std::string Number(JobContext& job, float value);
+/// Three numbers with blanks between.
+[[nodiscard]] std::string Numbers(JobContext& job, const Vec3& value);
+
+/// An angle of `radians` in degrees, such that the degrees times pi / 180 round to the same float.
+[[nodiscard]] std::string Degrees(JobContext& job, float radians);
+
+/// `text` in double quotes, as one word of the script. A quote inside becomes an apostrophe, a line end or another
+/// control byte a blank; that is told.
+[[nodiscard]] std::string Quoted(JobContext& job, std::string_view text);
+
+/// The name of bone `index`; nothing, told, if the model has no such bone. `user` is who names it, at `userOffset`.
+[[nodiscard]] std::optional<std::string_view> BoneName(JobContext& job, std::string_view user, int64_t userOffset,
+                                                       int64_t index);
+
+/// The frame that lies at `part` (0 to 1) of `frames` frames. `exact` is cleared if no frame gives that part back.
+[[nodiscard]] int32_t FrameAt(float part, int32_t frames, bool& exact);
+
+}  // namespace tarnwick::decompiler::sources
