@@ -15,7 +15,8 @@ bool HasExtension(std::string_view name, std::string_view extension) {
 }
 
 /// Keeps of `names` those with the extension and puts `start` before each.
-std::vector<std::string> Chosen(std::vector<std::string> names, std::string_view extension, const std::string& start) {
+std::vector<std::string> Chosen(const std::vector<std::string>& names, std::string_view extension,
+                                const std::string& start) {
   std::vector<std::string> chosen;
   for (const std::string& name : names) {
     if (HasExtension(name, extension)) chosen.push_back(start + name);
