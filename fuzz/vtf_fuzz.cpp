@@ -43,7 +43,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (vtf.has_value() != reason.empty()) std::abort();
   if (!vtf) return 0;
   const VtfInfo& info = vtf->Info();
-  if (VtfInfoText("x", info).empty() || VtfInfoJson("\xFF", info).empty()) std::abort();
+  if (sdk::VtfInfoText("x", info).empty() || sdk::VtfInfoJson("\xFF", info).empty()) std::abort();
   for (int mip = 0; mip < info.MipLevels; ++mip) {
     const VtfImagePlace places[] = {{mip, 0, 0, 0},
                                     {mip, info.Frames - 1, info.Faces - 1, MipSize(info.Depth, mip) - 1}};
