@@ -117,6 +117,7 @@ bool Convert(WorkerRequest request, const std::string& destination, bool lineOpe
       request.UseDamaged = true;
       answer = Run(request, *output, context);
     }
+    if (answer.Stopped) return false;  // whoever has asked for it knows
     if (answer.Done && output->Commit()) {
       TellDoubts(request, answer, lineOpen, context.Report);
       return true;

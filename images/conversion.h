@@ -24,7 +24,7 @@ struct DamagedImage {
   std::string Caption;  // of the ordinary failure box
 };
 
-/// What the conversions need beside their paths.
+/// What the conversions need beside their paths. A conversion that the worker's stop ends fails without a word.
 struct ConversionContext {
   core::Report& Report;       // gets the log's lines and the failure boxes
   const ImageWorker& Worker;  // does the work

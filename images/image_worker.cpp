@@ -63,6 +63,12 @@ bool HasEndedByItself(const process::CapturedRun& run) {
 ImageWorker::ImageWorker() : m_path(core::ProgramDirectory() + core::PathSeparator + std::string(WorkerName)) {}
 
 WorkerAnswer ImageWorker::Run(const WorkerRequest& request) const {
+  WorkerAnswer answer;
+  if (m_stop.stop_requested()) {
+    answer.Stopped = true;
+    answer.Reason = "stopped";
+    return answer;
+  }
   WorkerRequest native = request;
   native.FamiliarOnly = m_familiarOnly;
   native.Source = Native(request.Source);
@@ -78,10 +84,10 @@ WorkerAnswer ImageWorker::Run(const WorkerRequest& request) const {
   limits.Stop = m_stop;
   limits.StopGrace = {};  // it holds nothing that it could put in order
   const process::CapturedRun run = process::RunAndKeep({Native(m_path), ToArguments(native)}, start, limits);
-  WorkerAnswer answer;
   if (HasEndedByItself(run)) {
     if (auto parsed = ParseAnswer(run.Output)) return *std::move(parsed);
   }
+  answer.Stopped = run.Outcome.Cut == process::RunCut::Stopped;
   answer.Reason = Reason(run, m_path);
   return answer;
 }

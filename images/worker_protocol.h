@@ -36,6 +36,7 @@ inline bool IsThumbnail(const WorkerRequest& request) {
 /// What the worker says: one line, then bytes that depend on the task.
 struct WorkerAnswer {
   bool Done = false;
+  bool Stopped = false;  // ended by the stop that the worker heeds; never said by the worker itself
   bool Damaged = false;  // not done since an image is damaged; with UseDamaged it might be
   std::string Reason;    // why not: words without the file's name
   int Width = 0;         // pixels of the result

@@ -1,3 +1,7 @@
+#include <chrono>
+#include <stop_token>
+#include <thread>
+
 #include "conversion_fixture.h"
 
 namespace tarnwick::tests {
@@ -111,6 +115,24 @@ TEST_F(ConversionFailureTest, NamesTheWorkerThatCannotBeStarted) {
   Worker = images::ImageWorker("/bin/echo");
   EXPECT_EQ(ToTga(Folder.Path("a.png")), "");
   ExpectFailure(Out("a.tga"), "/bin/echo ended without an answer");
+}
+
+TEST_F(ConversionFailureTest, AStopEndsAConversionAtOnceWithoutAWord) {
+  WriteImage(Folder.Path("a.png"), Gradient(8, 8));
+  WriteText(Out("a.tga"), "older");
+  WriteShellProgram(Folder.Path("worker"), "echo begun >'" + Folder.Path("begun") + "'\nsleep 60\n");
+  Worker = images::ImageWorker(Folder.Path("worker"));
+  std::stop_source stop;
+  Worker.StopWith(stop.get_token());
+  std::jthread user([&] {
+    while (!std::filesystem::exists(Folder.Path("begun"))) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    stop.request_stop();
+  });
+  EXPECT_EQ(ToTga(Folder.Path("a.png")), "");
+  EXPECT_EQ(ToTga(Folder.Path("a.png")), "") << "and begins no other";
+  EXPECT_THAT(Report.Troubles, IsEmpty());
+  EXPECT_EQ(ReadText(Out("a.tga")), "older");
+  EXPECT_THAT(Folder.Files(), ElementsAre("a.png", "begun", "out/a.tga", "worker"));
 }
 
 }  // namespace
