@@ -28,6 +28,7 @@ class CAnimationDialog : public platform::CDialog {
   void OnInitDialog() override;
   void DoDataExchange(platform::CDataExchange& exchange) override;
   void OnOK() override;
+  bool EnterInPagesIsOurs() const override { return true; }
 
  private:
   void OnBrowse();

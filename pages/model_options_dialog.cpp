@@ -34,7 +34,9 @@ CModelOptionsDialog::CModelOptionsDialog(const PageContext& context, QWidget* pa
   connect(m_ui->buttonBox, &QDialogButtonBox::rejected, this, &QDialog::reject);
 }
 
-CModelOptionsDialog::~CModelOptionsDialog() = default;
+CModelOptionsDialog::~CModelOptionsDialog() {
+  m_ui->tabs->disconnect(this);  // the pages go before the tabs, which would tell of other tabs chosen
+}
 
 void CModelOptionsDialog::OnInitDialog() {
   m_form = project::ShowModelOptions(m_options);

@@ -25,6 +25,7 @@ class CModelOptionsDialog : public platform::CDialog {
   void OnInitDialog() override;
   void DoDataExchange(platform::CDataExchange& exchange) override;
   void OnOK() override;
+  bool EnterInPagesIsOurs() const override { return true; }
 
  private:
   void RememberTab(int index);

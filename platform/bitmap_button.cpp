@@ -35,14 +35,16 @@ QIcon IconOf(const QString& stem) {
 }
 
 void LoadCaptionBitmaps(QAbstractButton& button) {
-  const QString stem = button.text();
+  const QString stem = button.text().section('|', 0, 0);
   const QIcon icon = IconOf(stem);
   if (icon.isNull()) return;  // the caption stays: better a name than an empty button
   button.setProperty("stem", stem);
-  button.setText(QString());
+  button.setText(button.text().section('|', 1));
   button.setIcon(icon);
-  const int size = button.style()->pixelMetric(QStyle::PM_LargeIconSize, nullptr, &button) * 3 / 4;
-  button.setIconSize(QSize(size, size));
+  if (button.text().isEmpty()) {  // beside words a picture has their size
+    const int size = button.style()->pixelMetric(QStyle::PM_LargeIconSize, nullptr, &button) * 3 / 4;
+    button.setIconSize(QSize(size, size));
+  }
   if (button.toolTip().isEmpty()) {
     for (const UsualTooltip& usual : UsualTooltips) {
       if (stem == usual.Stem) button.setToolTip(usual.Text);

@@ -1,11 +1,16 @@
 #include "platform/dialog.h"
 
 #include <QApplication>
+#include <QComboBox>
+#include <QDialogButtonBox>
 #include <QDropEvent>
 #include <QKeyEvent>
+#include <QLineEdit>
 #include <QPushButton>
 
 #include "platform/dropped_files.h"
+#include "platform/tab_order.h"
+#include "platform/window_placing.h"
 
 namespace tarnwick::platform {
 
@@ -18,6 +23,7 @@ CDialog::~CDialog() = default;
 int CDialog::DoModal() {
   m_created = true;
   OnInitDialog();
+  Prepare();
   return exec();
 }
 
@@ -25,6 +31,7 @@ void CDialog::Create() {
   if (m_created) return;
   m_created = true;
   OnInitDialog();
+  Prepare();
 }
 
 void CDialog::EndDialog(int result) {
@@ -88,18 +95,90 @@ bool CDialog::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void CDialog::keyPressEvent(QKeyEvent* event) {
-  if (m_style == Style::Window) return QDialog::keyPressEvent(event);
   const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+  if (!isEnter && m_style == Style::Window) return QDialog::keyPressEvent(event);
   if (!isEnter) return event->ignore();  // also Esc, which QDialog would take as leave to hide the page
-  // Enter presses the page's own default button. Without one it must not reach the window's, which has nothing to do
-  // with what was typed here.
+  PressMainButton();
+  event->accept();
+}
+
+/// What Enter does: presses the button that has the focus, else the main button of this page or window, or, where a
+/// page has none and the window wants that, the window's.
+void CDialog::PressMainButton() {
+  auto* pressed = qobject_cast<QPushButton*>(focusWidget());
+  if (pressed == nullptr) pressed = m_mainButton;
+  auto* outer = qobject_cast<CDialog*>(window());
+  if (pressed == nullptr && outer != nullptr && outer != this && outer->EnterInPagesIsOurs())
+    pressed = outer->m_mainButton;
+  if (pressed != nullptr && pressed->isVisible() && pressed->isEnabled()) pressed->click();
+}
+
+/// Finds the button that Enter presses, and takes the choice from Qt, whose default button moves away with the focus.
+void CDialog::Prepare() {
+  if (m_prepared) return;
+  m_prepared = true;
   for (QPushButton* button : findChildren<QPushButton*>()) {
-    if (button->isDefault() && button->isVisible() && button->isEnabled() && CDialog::Of(button) == this) {
-      button->click();
-      break;
+    if (CDialog::Of(button) != this) continue;
+    if (button->isDefault() && m_mainButton == nullptr) m_mainButton = button;
+    button->setAutoDefault(false);
+  }
+  for (const QDialogButtonBox* box : findChildren<QDialogButtonBox*>()) {
+    if (m_mainButton != nullptr || CDialog::Of(box) != this) continue;
+    for (QAbstractButton* button : box->buttons()) {
+      if (m_mainButton == nullptr && box->buttonRole(button) == QDialogButtonBox::AcceptRole) {
+        m_mainButton = qobject_cast<QPushButton*>(button);
+      }
     }
   }
-  event->accept();
+  for (const QComboBox* combo : findChildren<QComboBox*>()) {  // one that can be typed into keeps Enter to itself
+    if (CDialog::Of(combo) != this || !combo->isEditable()) continue;
+    connect(combo->lineEdit(), &QLineEdit::returnPressed, this, &CDialog::PressMainButton);
+  }
+  if (m_style == Style::Page) {
+    if (m_mainButton != nullptr) m_mainButton->setDefault(false);  // until the focus is there
+    return;
+  }
+  connect(qApp, &QApplication::focusChanged, this, [this](const QWidget*, const QWidget* now) {
+    if (now != nullptr && now->window() == this) ShowMainButton(now);
+  });
+}
+
+/// The dialog whose main button Enter presses while `focus` has the focus: the innermost page that has one, else the
+/// window, if the pages leave it to that. Null: Enter does nothing.
+CDialog* CDialog::WhoseEnter(const QWidget* focus) {
+  CDialog* owner = CDialog::Of(focus);
+  const bool inPage = owner != nullptr && owner != this;
+  for (; owner != nullptr && owner != this; owner = CDialog::Of(owner->parentWidget())) {
+    if (owner->m_mainButton != nullptr) return owner;
+  }
+  return !inPage || EnterInPagesIsOurs() ? this : nullptr;
+}
+
+/// Gives the frame of the default button to the one that Enter presses, and to no other.
+void CDialog::ShowMainButton(const QWidget* focus) {
+  const CDialog* owner = WhoseEnter(focus);
+  QList<CDialog*> dialogs = findChildren<CDialog*>();
+  dialogs << this;
+  for (const CDialog* dialog : dialogs) {
+    const bool isOurs = dialog == this || dialog->m_style == Style::Page;
+    if (isOurs && dialog->m_mainButton != nullptr) dialog->m_mainButton->setDefault(dialog == owner);
+  }
+}
+
+bool CDialog::focusNextPrevChild(bool next) {
+  return (isWindow() && MoveFocus(*this, next)) || QDialog::focusNextPrevChild(next);
+}
+
+void CDialog::showEvent(QShowEvent* event) {
+  if (m_style == Style::Page) return QDialog::showEvent(event);
+  Prepare();
+  FitOnScreen(*this);
+  QDialog::showEvent(event);
+  KeepOnScreen(*this);
+  QWidget* first = FirstField(*this);
+  if (first == nullptr) first = m_mainButton;
+  if (first != nullptr && !event->spontaneous()) first->setFocus(Qt::TabFocusReason);
+  ShowMainButton(focusWidget());
 }
 
 }  // namespace tarnwick::platform

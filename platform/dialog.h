@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QDialog>
+#include <QPointer>
+#include <QPushButton>
 
 #include "platform/data_exchange.h"
 #include "platform/desktop.h"
@@ -67,14 +69,26 @@ class CDialog : public QDialog {
   /// Cancel, Esc or the close box: ends the dialog.
   virtual void OnCancel();
 
+  /// Whether Enter in a page that has no main button of its own presses the window's.
+  virtual bool EnterInPagesIsOurs() const { return false; }
+
   bool eventFilter(QObject* watched, QEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
+  void showEvent(QShowEvent* event) override;
+  bool focusNextPrevChild(bool next) override;
 
  private:
+  void Prepare();
+  void PressMainButton();
+  CDialog* WhoseEnter(const QWidget* focus);
+  void ShowMainButton(const QWidget* focus);
+
   Desktop& m_desktop;
   Style m_style;
   bool m_created = false;
   bool m_acceptsFiles = false;
+  bool m_prepared = false;
+  QPointer<QPushButton> m_mainButton;  // that Enter presses; Qt's own default button moves with the focus
 };
 
 }  // namespace tarnwick::platform

@@ -8,4 +8,11 @@ namespace tarnwick::platform {
 /// window is kept on the reference's screen.
 void CenterOver(const QWidget& reference, QWidget& window);
 
+/// Makes `window` no larger than the free part of its screen, its frame included. What then does not fit into it is
+/// scrolled. Called before the window is shown for the first time.
+void FitOnScreen(QWidget& window);
+
+/// Moves `window` so that all of it, its title bar above all, lies on the free part of its screen.
+void KeepOnScreen(QWidget& window);
+
 }  // namespace tarnwick::platform

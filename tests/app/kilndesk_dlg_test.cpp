@@ -57,7 +57,10 @@ TEST_F(MainDialog, OpensOnTheFirstTabAndWritesNothingByStarting) {
   EXPECT_EQ(tabs, QStringList({"Model Compile", "Material Compile", "Model Decompile", "VTF Export"}));
   EXPECT_EQ(Tabs().currentIndex(), 0);
   EXPECT_EQ(GameDirectory(), "");
-  EXPECT_TRUE(ControlOf<QPushButton>(*m_dialog, "aboutButton").isDefault());
+  m_dialog->activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(m_dialog.get()));
+  Tabs().setFocus();
+  EXPECT_TRUE(ControlOf<QPushButton>(*m_dialog, "aboutButton").isDefault()) << "outside the pages";
   EXPECT_TRUE(m_settings.Values.empty());
 }
 
@@ -172,6 +175,7 @@ TEST_F(MainDialog, ConfiguringStoresABrowsedDirectoryAtOnceAndTheRestOnOk) {
     ControlOf<QLineEdit>(dialog, "gameEdit").setText("/games/räv/");
     ControlOf<QLineEdit>(dialog, "sdkEdit").clear();
     Click(dialog, "browseWineButton");
+    ControlOf<QLineEdit>(dialog, "sdkEdit").setFocus();
     QTest::keyClick(&ControlOf<QLineEdit>(dialog, "sdkEdit"), Qt::Key_Return);
   });
   Click(*m_dialog, "configureButton");
@@ -179,6 +183,48 @@ TEST_F(MainDialog, ConfiguringStoresABrowsedDirectoryAtOnceAndTheRestOnOk) {
   EXPECT_EQ(Value("Tarnwick/GameDirectory"), "/games/räv/");
   EXPECT_EQ(Value("Tarnwick/SDKDirectory"), "");
   EXPECT_EQ(Value("Tarnwick/Wine Program"), "/opt/wine/bin/wine");
+}
+
+/// Whether the decompile page's status window was opened, which a press of "Extract" does; closed again.
+bool Extracted(QWidget& window) {
+  auto* status = window.findChild<pages::CDecompilerStatus*>();
+  const bool opened = tests::WaitUntil([&] { return status->isVisible(); });
+  auto* page = window.findChild<pages::CDecompilerDialog*>();
+  EXPECT_TRUE(tests::WaitUntil([&] { return page->isEnabled(); }));
+  status->hide();
+  // The platform takes the focus from the program once its window is gone.
+  EXPECT_TRUE(tests::WaitUntil([&] {
+    window.activateWindow();
+    QTest::qWait(20);
+    return window.isActiveWindow() && QApplication::focusWidget() != nullptr;
+  }));
+  return opened;
+}
+
+TEST_F(MainDialog, EnterPressesExtractWhateverWasPressedBefore) {
+  m_settings.Values["Tarnwick/TabSelect"] = "2";
+  Open();
+  m_dialog->activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(m_dialog.get()));
+  auto& model = ControlOf<QLineEdit>(*m_dialog, "modelEdit");
+  auto& extract = ControlOf<QPushButton>(*m_dialog->findChild<pages::CDecompilerDialog*>(), "extractButton");
+  for (int round = 0; round < 2; ++round) {
+    QTest::mouseClick(&model, Qt::LeftButton);
+    EXPECT_TRUE(extract.isDefault());
+    EXPECT_FALSE(ControlOf<QPushButton>(*m_dialog, "aboutButton").isDefault()) << "one frame at a time";
+    QTest::keyClick(&model, Qt::Key_Return);
+    EXPECT_TRUE(Extracted(*m_dialog));
+    QTest::mouseClick(&extract, Qt::LeftButton);
+    EXPECT_TRUE(Extracted(*m_dialog));
+    extract.setFocus();
+    QTest::keyClick(&extract, Qt::Key_Tab);  // away from the button, as its default was lost
+    Tabs().setCurrentIndex(3);
+    Tabs().setCurrentIndex(2);
+  }
+  auto& output = ControlOf<QLineEdit>(*m_dialog->findChild<pages::CDecompilerDialog*>(), "outputEdit");
+  output.setFocus();
+  QTest::keyClick(&output, Qt::Key_Enter);
+  EXPECT_TRUE(Extracted(*m_dialog));
 }
 
 TEST_F(MainDialog, OpensTheMakersPagesAndSaysWhenThatFails) {

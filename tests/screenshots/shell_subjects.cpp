@@ -36,12 +36,19 @@ Subject MainWindow(const char* name, int tab) {
 }
 
 std::unique_ptr<QWidget> RunningJob(Stage& stage) {
-  auto status = std::make_unique<pages::CDecompilerStatus>(stage.Desktop, nullptr);
-  status->Begin("/home/ada/sources/walker");
-  status->Append(
-      "Loaded model /home/ada/models/walker.mdl\r\nLoaded Vertices /home/ada/models/walker.dx80.vtx\r\n"
-      "Creating /home/ada/sources/walker/ravelback.qc\r\nCreating /home/ada/sources/walker/walker.smd\r\n");
-  status->ShowProgress({"/home/ada/sources/walker/lod1_walker.smd", 2, 3});
+  auto status = std::make_unique<pages::CDecompilerStatus>(stage.Desktop, nullptr, [] {});
+  status->Begin("/home/ada/sources");
+  status->Show(jobs::Started{2});
+  status->Show(jobs::ItemStarted{0, "/home/ada/models/crate.mdl", "/home/ada/sources/crate"});
+  jobs::ItemResult crate{.Judged = jobs::Verdict::Succeeded};
+  crate.Files = {{"ravelback.qc", 400}, {"crate.smd", 90'000}};
+  status->Show(jobs::ItemFinished{0, crate});
+  status->Show(jobs::ItemStarted{1, "/home/ada/models/walker.mdl", "/home/ada/sources/walker"});
+  status->Show(
+      jobs::Line{1, jobs::LineSource::Log, tools::LineKind::Plain,
+                 "Loaded model /home/ada/models/walker.mdl\r\nLoaded Vertices /home/ada/models/walker.dx80.vtx\r\n"
+                 "Creating /home/ada/sources/walker/ravelback.qc\r\nCreating /home/ada/sources/walker/walker.smd\r\n"});
+  status->Show(jobs::Progress{1, "lod1_walker.smd", 2, 3});
   return Created(std::move(status));
 }
 

@@ -1,0 +1,16 @@
+#pragma once
+
+class QWidget;
+
+namespace tarnwick::platform {
+
+/// Moves the focus in `window` to the control that stands behind (`next`) or before the one that has it, as the eye
+/// goes down the form: through the layouts from the first item to the last, into group boxes and scroll areas, and
+/// through the page of a tab control behind its tabs. False, and nothing done, if there is none.
+bool MoveFocus(QWidget& window, bool next);
+
+/// The first field of `window` in its tab order that a user can fill: a line or box to type into, a list to choose
+/// from, a box to tick. Null if there is none.
+QWidget* FirstField(QWidget& window);
+
+}  // namespace tarnwick::platform
