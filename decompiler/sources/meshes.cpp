@@ -85,7 +85,7 @@ class MeshExport {
     names.Base = CleanFileName(MeshBaseName(stored));
     names.File = m_job.Names.Take(FileStem(names.Base), ".smd");
     const std::string stem(FileStem(names.File));
-    names.Typed = stored == stem ? stem : names.File;
+    names.Typed = stored == stem && stem.find('.') == std::string::npos ? stem : names.File;
     if (stored != names.Typed) m_job.Lose("names of meshes that no file can have");
     return names;
   }
