@@ -31,7 +31,7 @@ void WeightLists::Write(JobContext& job, const core::RecordArray<StudioSeqDesc>&
         job.Table<StoredWeight>("weight list", sequence.Offset() + sequence->WeightOffset, skeleton->Count());
     if (!stored) continue;
     std::vector<float> weights;
-    for (const auto weight : *stored) weights.push_back(weight->Value);
+    for (const auto weight : *stored) weights.push_back(float{weight->Value});  // a copy: a record may lie at any byte
     if (std::all_of(weights.begin(), weights.end(), [](float weight) { return weight == 1; })) continue;
     const auto [list, added] = lists.try_emplace(weights, "weights_" + std::to_string(lists.size() + 1));
     m_names[static_cast<size_t>(i)] = list->second;
