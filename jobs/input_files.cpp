@@ -27,6 +27,12 @@ std::vector<fs::path> FilesOf(const fs::path& folder, std::string_view extension
   return files;
 }
 
+/// Whether `name`, as the system gave it, holds a backslash that is no separator there. It would be opened as a path,
+/// and lead out of the folder of inputs and that of outputs.
+bool HoldsForeignSeparator(std::string_view name) {
+  return fs::path::preferred_separator != '\\' && name.find('\\') != std::string_view::npos;
+}
+
 }  // namespace
 
 InputFiles FindInputFiles(const std::vector<std::string>& inputs, std::string_view extension, bool recursive) {
@@ -49,7 +55,15 @@ InputFiles FindInputFiles(const std::vector<std::string>& inputs, std::string_vi
       found.Troubles.push_back({.Kind = core::TroubleKind::Missing, .File = input, .Text = text});
     }
     for (const fs::path& file : files) {
-      found.Files.push_back({core::PathText(file), core::PathText(file.lexically_relative(path))});
+      const std::string name = core::PathText(file.lexically_relative(path));
+      if (HoldsForeignSeparator(name)) {
+        found.Troubles.push_back(
+            {.Kind = core::TroubleKind::Refused,
+             .File = core::PathText(file),
+             .Text = core::PathText(file) + ": a name with a backslash would be taken for a path"});
+        continue;
+      }
+      found.Files.push_back({core::PathText(file), name});
     }
   }
   return found;

@@ -22,7 +22,8 @@ struct InputFiles {
 };
 
 /// The files that `inputs` name: files as they stand, and of folders every file with `extension` (".vtf", in any case)
-/// in them or, with `recursive`, below them, sorted.
+/// in them or, with `recursive`, below them, sorted. One whose name holds a backslash, where that is no separator, is
+/// refused.
 InputFiles FindInputFiles(const std::vector<std::string>& inputs, std::string_view extension, bool recursive);
 
 /// `name` less `extension`, in any case, if it ends so.

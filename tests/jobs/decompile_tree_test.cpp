@@ -74,6 +74,20 @@ TEST_F(DecompileTreeTest, TellsOfAFolderThatHoldsNoModel) {
   EXPECT_FALSE(std::filesystem::exists(m_output.Path("out")));
 }
 
+#ifndef _WIN32
+TEST_F(DecompileTreeTest, RefusesNamesThatWouldLeadOutOfTheTree) {
+  Model("tree/in", "m");
+  Model("", "outside");  // what the first name below would reach if its backslashes separated
+  Model("tree/in", "..\\..\\outside");
+  Model("tree/a\\..\\..\\b", "n");
+  const JobPlan plan =
+      Plan(DecompileTree{.Inputs = {m_models.Path("tree")}, .OutputDirectory = "out", .Recursive = true});
+  ASSERT_EQ(plan.Items.size(), 1u);
+  EXPECT_EQ(plan.Items[0].Target, "out/in/m");
+  EXPECT_THAT(plan.Troubles, AllOf(testing::SizeIs(2), Each(Field(&core::Trouble::Kind, TroubleKind::Refused))));
+}
+#endif
+
 TEST_F(DecompileTreeTest, TellsOneModelFromItsStartToItsFiles) {
   const std::string model = Model("", "cube");
   const JobResult result = Decompile({.Inputs = {model}});
