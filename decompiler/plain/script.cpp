@@ -1,7 +1,7 @@
 #include "decompiler/plain/script.h"
 
 #include "decompiler/plain/sequences.h"
-#include "decompiler/stages/statements.h"
+#include "decompiler/plain/statements.h"
 
 namespace tarnwick::decompiler::plain {
 

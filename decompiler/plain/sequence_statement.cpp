@@ -1,13 +1,13 @@
-#include "decompiler/stages/sequence_statement.h"
+#include "decompiler/plain/sequence_statement.h"
 
 #include <string>
 
-#include "decompiler/stages/animation_file.h"
+#include "decompiler/plain/blended_animations.h"
 #include "model/script_records.h"
 #include "model/sequence_blend.h"
 #include "model/truncate.h"
 
-namespace tarnwick::decompiler {
+namespace tarnwick::decompiler::plain {
 
 namespace {
 
@@ -31,13 +31,12 @@ bool WriteNodes(JobContext& job, const core::Record<StudioSeqDesc>& sequence) {
   const auto entry = NodeName(job, sequence, sequence->EntryNode);
   if (!entry) return false;
   if (sequence->EntryNode == sequence->ExitNode) {
-    job.Script().Format(" node %s", job.Word(*entry));
+    job.Script().Format(" node %s", *entry);
     return true;
   }
   const auto exit = NodeName(job, sequence, sequence->ExitNode);
   if (!exit) return false;
-  job.Script().Format(" %s %s %s", sequence->NodeFlags != 0 ? "rtransition" : "transition", job.Word(*entry),
-                      job.Word(*exit));
+  job.Script().Format(" %s %s %s", sequence->NodeFlags != 0 ? "rtransition" : "transition", *entry, *exit);
   return true;
 }
 
@@ -57,7 +56,7 @@ bool WriteEvents(JobContext& job, const core::Record<StudioSeqDesc>& sequence) {
     } else {
       const auto name = job.NameOf("event name", event, event->NameOffset);
       if (!name) return false;
-      if (!name->empty()) script.Format(" %s", job.Word(*name));
+      if (!name->empty()) script.Format(" %s", *name);
     }
     script.Format(" %d", TruncateToInt(last * event->Cycle + 0.5f));
     const std::string_view options = core::FixedText(event->Options);
@@ -84,7 +83,7 @@ bool WriteBlendParameter(JobContext& job, const core::Record<StudioSeqDesc>& seq
   const auto pose = (*poses)[number];
   const auto name = job.NameOf("pose parameter name", pose, pose->NameOffset);
   if (!name) return false;
-  job.Script().Format("  blend %s %f %f\n", job.Word(*name), float{pose->Start}, float{pose->End});
+  job.Script().Format("  blend %s %f %f\n", *name, float{pose->Start}, float{pose->End});
   return true;
 }
 
@@ -104,7 +103,7 @@ bool WriteBlends(JobContext& job, const core::Record<StudioSeqDesc>& sequence) {
         return false;
       }
       if (!job.ScriptWithinBounds()) return false;
-      script.Format(" %s", job.Word(AnimationScriptName(job, *animation)));
+      script.Format(" %s", AnimationScriptName(job, *animation));
     }
   }
   script.Text("\n}");
@@ -139,10 +138,10 @@ bool WriteSequenceStatement(JobContext& job, const core::Record<StudioSeqDesc>& 
 
   JobContext::PartialScript part(job);
   core::TextWriter& script = job.Script();
-  script.Format("$sequence %s \"%s\"", job.Word(*label), AnimationScriptName(job, *first));
+  script.Format("$sequence %s \"%s\"", *label, AnimationScriptName(job, *first));
   if ((sequence->Flags & SequenceFlagLooping) != 0) script.Text(" loop");
   if (sequence->ActivityWeight != 0 && !activity->empty()) {
-    script.Format(" %s %d", job.Word(*activity), int32_t{sequence->ActivityWeight});
+    script.Format(" %s %d", *activity, int32_t{sequence->ActivityWeight});
   }
   const float fps = SequenceFps(job.Model, sequence, RestPose);
   if (fps != 0) script.Format(" fps %2.2f", fps);
@@ -164,4 +163,4 @@ void WriteSequenceStatements(JobContext& job, ExportAnimations& exportAnimations
   job.FinishFiles();
 }
 
-}  // namespace tarnwick::decompiler
+}  // namespace tarnwick::decompiler::plain

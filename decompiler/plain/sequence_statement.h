@@ -5,7 +5,7 @@
 #include "decompiler/job/job_context.h"
 #include "model/animation_records.h"
 
-namespace tarnwick::decompiler {
+namespace tarnwick::decompiler::plain {
 
 /// Exports the animations of a sequence, and returns the name of the job's delta reference, empty if there is none.
 using ExportAnimations = std::string(JobContext& job, const core::Record<StudioSeqDesc>& sequence);
@@ -18,4 +18,4 @@ using ExportAnimations = std::string(JobContext& job, const core::Record<StudioS
 /// Writes all sequences of the model, and waits for their files.
 void WriteSequenceStatements(JobContext& job, ExportAnimations& exportAnimations);
 
-}  // namespace tarnwick::decompiler
+}  // namespace tarnwick::decompiler::plain

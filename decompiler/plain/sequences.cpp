@@ -1,7 +1,7 @@
 #include "decompiler/plain/sequences.h"
 
-#include "decompiler/stages/animation_file.h"
-#include "decompiler/stages/sequence_statement.h"
+#include "decompiler/plain/blended_animations.h"
+#include "decompiler/plain/sequence_statement.h"
 
 namespace tarnwick::decompiler::plain {
 

@@ -1,14 +1,12 @@
-#include "decompiler/stages/statements.h"
+#include "decompiler/plain/statements.h"
 
 #include <algorithm>
-#include <cstring>
 #include <string>
 
-#include "decompiler/writers/clean_text.h"
 #include "model/bone_math.h"
 #include "model/script_records.h"
 
-namespace tarnwick::decompiler {
+namespace tarnwick::decompiler::plain {
 
 namespace {
 
@@ -20,16 +18,6 @@ std::optional<std::string_view> BoneName(JobContext& job, std::string_view user,
   job.Damaged(job.Model.Mdl.Path(), user, userOffset,
               "names bone " + std::to_string(index) + " of " + std::to_string(skeleton->Count()));
   return std::nullopt;
-}
-
-/// What a source that is to be compiled says in the place of `text`: `clean`, told where it differs.
-std::string Cleaned(JobContext& job, std::string_view what, std::string_view text, std::string clean) {
-  if (!job.ReadyToCompile()) return std::string(text);
-  if (clean != text) {
-    job.Warn("A " + std::string(what) + " would break the script; it is written as " + clean,
-             core::TroubleKind::Damaged);
-  }
-  return clean;
 }
 
 /// The name of the texture at entry `index` of the skin table; nothing, told, if there is none.
@@ -58,7 +46,7 @@ void WritePoseParameters(JobContext& job) {
   for (const auto pose : *table) {
     const auto name = job.NameOf("pose parameter name", pose, pose->NameOffset);
     if (!name || !job.ScriptWithinBounds()) return;
-    job.Script().Format("$poseparameter %s %2.2f %2.2f", job.Word(*name), float{pose->Start}, float{pose->End});
+    job.Script().Format("$poseparameter %s %2.2f %2.2f", *name, float{pose->Start}, float{pose->End});
     if (pose->Wrap != 0) {
       job.Script().Format(" %2.2f\n", float{pose->Wrap});
     } else {
@@ -76,7 +64,7 @@ void WriteMaterialDirectories(JobContext& job) {
     const auto name = job.Model.Name(entry->Offset);
     if (!name) return job.DamagedName("material directory", entry->Offset);
     if (!job.ScriptWithinBounds()) return;
-    job.Script().Format("$cdmaterials \"%s\"\n", Cleaned(job, "material directory", *name, CleanQuoted(*name)));
+    job.Script().Format("$cdmaterials \"%s\"\n", *name);
   }
 }
 
@@ -180,7 +168,7 @@ void WriteKeyValues(JobContext& job) {
   text.resize(std::min(text.find('\0'), text.size()));
   if (text.starts_with(Stored)) text.replace(0, Stored.size(), Command);
   std::replace(text.begin(), text.end(), '\n', ' ');
-  job.Script().Format("%s\n", Cleaned(job, "key value text", text, BalanceBraces(text)));
+  job.Script().Format("%s\n", text);
 }
 
 void WritePositions(JobContext& job) {
@@ -200,18 +188,10 @@ void WriteIkChains(JobContext& job) {
     if (!name || !links) return;
     const auto bone = BoneName(job, "IK link", (*links)[2].Offset(), (*links)[2]->Bone);
     if (!bone || !job.ScriptWithinBounds()) return;
-    Vec3 knee = (*links)[0]->KneeDirection;
-    if (job.ReadyToCompile()) {
-      const Vec3 finite = {FiniteOrZero(knee.x), FiniteOrZero(knee.y), FiniteOrZero(knee.z)};
-      if (std::memcmp(&finite, &knee, sizeof knee) != 0) {
-        job.Warn("The knee of the IK chain " + std::string(*name) + " is not a number; it is written as 0",
-                 core::TroubleKind::Damaged);
-      }
-      knee = finite;
-    }
-    job.Script().Format("$ikchain %s %s knee  %2.3f %2.3f %2.3f\n", job.Word(*name), job.Word(*bone), float{knee.x},
-                        float{knee.y}, float{knee.z});
+    const Vec3 knee = (*links)[0]->KneeDirection;
+    job.Script().Format("$ikchain %s %s knee  %2.3f %2.3f %2.3f\n", *name, *bone, float{knee.x}, float{knee.y},
+                        float{knee.z});
   }
 }
 
-}  // namespace tarnwick::decompiler
+}  // namespace tarnwick::decompiler::plain

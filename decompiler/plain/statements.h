@@ -2,7 +2,7 @@
 
 #include "decompiler/job/job_context.h"
 
-namespace tarnwick::decompiler {
+namespace tarnwick::decompiler::plain {
 
 // Statements of the script, a function a kind. A damaged table costs the statements made from it, and is told.
 
@@ -17,4 +17,4 @@ void WriteKeyValues(JobContext& job);            // $keyvalues
 void WritePositions(JobContext& job);            // $eyeposition, $illumposition
 void WriteIkChains(JobContext& job);             // $ikchain
 
-}  // namespace tarnwick::decompiler
+}  // namespace tarnwick::decompiler::plain

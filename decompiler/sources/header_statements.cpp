@@ -7,6 +7,7 @@
 
 #include "core/key_values.h"
 #include "decompiler/sources/script_values.h"
+#include "decompiler/writers/balanced_braces.h"
 #include "model/animation_records.h"
 #include "model/script_records.h"
 
@@ -174,7 +175,12 @@ void WriteModelKeyValues(JobContext& job) {
   }
   std::string_view text(reinterpret_cast<const char*>(bytes->data()), bytes->size());
   text = text.substr(0, text.find('\0'));
-  const core::KeyValues read = core::ReadKeyValues(text);
+  const std::string balanced = BalanceBraces(text);
+  if (balanced != text) {
+    job.Warn("The braces of the model's key values do not balance; they are written balanced",
+             core::TroubleKind::Damaged);
+  }
+  const core::KeyValues read = core::ReadKeyValues(balanced);
   if (!read.Error.empty()) {
     job.Warn("The key values of the model are damaged: " + read.Error + "; what could be read is written",
              core::TroubleKind::Damaged);

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <functional>
 #include <string>
 #include <string_view>
 
@@ -49,19 +48,5 @@ struct NamedAnimation {
 /// opened and damaged data cost that one file, and are told. False when the stage is to end.
 [[nodiscard]] bool WriteAnimationFile(JobContext& job, const NamedAnimation& animation, const std::string& name,
                                       AnimationSmdForm form);
-
-/// Writes the animation's `$animation` line, whose source is `source`; an animation whose name begins with "@" has
-/// none.
-void WriteAnimationStatement(JobContext& job, const NamedAnimation& animation, std::string_view source);
-
-/// Calls `use` for each animation that `sequence` blends, column by column, until it gives false. A number that is none
-/// means the first animation. Damaged tables are told.
-void ForEachBlended(JobContext& job, const core::Record<StudioSeqDesc>& sequence,
-                    const std::function<bool(const core::Record<StudioAnimDesc>&, int64_t number)>& use);
-
-/// What the statements of a sequence call animation number `animation`: its own name, and for one whose name begins
-/// with "@" the name less that character, or the stem of its file in sources that are ready to compile. Not in quotes.
-/// Empty for an animation that has no name inside the file.
-[[nodiscard]] std::string AnimationScriptName(const JobContext& job, int64_t animation);
 
 }  // namespace tarnwick::decompiler

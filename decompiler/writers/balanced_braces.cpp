@@ -1,16 +1,6 @@
-#include "decompiler/writers/clean_text.h"
-
-#include <cmath>
+#include "decompiler/writers/balanced_braces.h"
 
 namespace tarnwick::decompiler {
-
-std::string CleanQuoted(std::string_view text) {
-  std::string clean;
-  for (const char c : text) {
-    if (c != '"' && static_cast<unsigned char>(c) >= ' ' && c != '\x7F') clean += c;
-  }
-  return clean;
-}
 
 std::string BalanceBraces(std::string_view text) {
   std::string balanced;
@@ -28,10 +18,6 @@ std::string BalanceBraces(std::string_view text) {
   if (quoted) balanced += '"';
   for (; depth > 0; --depth) balanced += " }";
   return balanced;
-}
-
-float FiniteOrZero(float value) {
-  return std::isfinite(value) ? value : 0.0f;
 }
 
 }  // namespace tarnwick::decompiler

@@ -1,4 +1,4 @@
-#include "decompiler/stages/statements.h"
+#include "decompiler/plain/statements.h"
 
 #include <gmock/gmock.h>
 
@@ -76,14 +76,15 @@ TEST(ScriptStatements, SkinFamiliesHaveTwoShapes) {
 TEST(ScriptStatements, AreCleanedOfWhatBreaksAScriptToCompile) {
   ModelBuilder model = Bare();
   model.MaterialDirectories = {"models\\a\"b\r\n\\"};
-  model.KeyValues = "mdlkeyvalue { a { b \"}\" } \"c";
+  model.KeyValues = "mdlkeyvalue } { a { b \"}\" } \"c";
   model.IkChains = {{"rfoot", {{0, {std::nanf(""), 0, 1}}, {0, {}}, {0, {}}}}};
   const DecompiledModel run(model, DecompileOptionReadyToCompile);
   EXPECT_THAT(run.Script(), HasSubstr("$cdmaterials \"models/a'b  /\"\n"));
-  EXPECT_THAT(run.Script(), HasSubstr("$keyvalues {\n  \"a\" {\n    \"b\" \"}\"\n  }\n}\n"));
+  EXPECT_THAT(run.Script(), HasSubstr("$keyvalues {\n  \"a\" {\n    \"b\" \"}\"\n  }\n  \"c\" \"\"\n}\n"));
   EXPECT_THAT(run.Script(), HasSubstr("knee 0 0 1\n"));
   EXPECT_THAT(TextsOf(run.Result, core::Severity::Warning),
-              ElementsAre(HasSubstr("control characters"), HasSubstr("not finite"), HasSubstr("key values")));
+              ElementsAre(HasSubstr("control characters"), HasSubstr("not finite"), HasSubstr("do not balance"),
+                          HasSubstr("key values of the model are damaged")));
   EXPECT_THAT(TextsOf(DecompiledModel(model).Result, core::Severity::Warning), testing::IsEmpty());
 }
 

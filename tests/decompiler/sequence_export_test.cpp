@@ -1,3 +1,4 @@
+#include "decompiler/plain/blended_animations.h"
 #include "decompiler/stages/animation_file.h"
 
 #include <gmock/gmock.h>
@@ -46,8 +47,8 @@ TEST(SequenceExport, WritesFilesAndStatementsInThePlainForm) {
               ElementsAre("idle.smd", "in.mdl", "lean.smd", "nod.smd", "ravelback_delta.smd", "walk.smd"));
   // Each is formatted once.
   EXPECT_EQ(job.Context().Result().Files.size(), 5u);
-  EXPECT_EQ(AnimationScriptName(job.Context(), 1), "idle");
-  EXPECT_EQ(AnimationScriptName(job.Context(), 2), "lean");
+  EXPECT_EQ(plain::AnimationScriptName(job.Context(), 1), "idle");
+  EXPECT_EQ(plain::AnimationScriptName(job.Context(), 2), "lean");
 }
 
 TEST(SequenceExport, GivesEachAnimationAFileOfItsOwnToCompile) {

@@ -1,4 +1,4 @@
-#include "decompiler/stages/sequence_statement.h"
+#include "decompiler/plain/sequence_statement.h"
 
 #include <gmock/gmock.h>
 
