@@ -61,10 +61,10 @@ void Animations::FindOwners(const core::RecordArray<StudioSeqDesc>& sequences) {
   for (int64_t i = 0; i < sequences.Count(); ++i) {
     const auto sequence = sequences[i];
     const int64_t columns = sequence->BlendSize[0], rows = sequence->BlendSize[1];
-    if (columns <= 0 || rows <= 0 || !m_job.Spend(columns * rows * RecordCost)) continue;
+    if (columns <= 0 || rows <= 0) continue;
     const auto blends =
         m_job.Model.View().Array<StudioShort>(sequence.Offset() + sequence->BlendOffset, columns * rows);
-    if (!blends) continue;
+    if (!blends || !m_job.Spend(blends->Count() * RecordCost)) continue;
     const auto label = m_job.Model.NameOf(sequence, sequence->LabelOffset);
     for (const auto entry : *blends) {
       if (!m_animations.Holds(entry->Value)) continue;
