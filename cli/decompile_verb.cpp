@@ -25,6 +25,7 @@ struct Options {
   bool Unweighted = false;
   bool KeepRotations = false;
   bool Plain = false;
+  bool NoPhysics = false;
   bool Recursive = false;
   bool OwnFolders = false;
   bool Json = false;
@@ -34,6 +35,7 @@ struct Options {
   uint32_t Bits() const {
     return (Unweighted ? decompiler::DecompileOptionUnweightedSmd : 0) |
            (KeepRotations ? decompiler::DecompileOptionKeepRotations : 0) |
+           (NoPhysics ? decompiler::DecompileOptionNoPhysics : 0) |
            (Plain ? 0 : decompiler::DecompileOptionReadyToCompile);
   }
 };
@@ -51,6 +53,9 @@ std::string ModelJson(const jobs::ItemResult& result) {
   model["seconds"] = result.Seconds;
   model["warnings"] = TroubleLines(result, core::Severity::Warning);
   model["errors"] = TroubleLines(result, core::Severity::Error);
+  model["lost"] = nlohmann::ordered_json::array();
+  for (const decompiler::LostKind& lost : result.Lost)
+    model["lost"].push_back({{"kind", lost.Kind}, {"count", lost.Count}});
   // Names inside models are bytes in no known encoding; JSON takes UTF-8 only.
   return model.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
 }
@@ -90,6 +95,7 @@ void AddDecompileVerb(CLI::App& program, Invocation& invocation) {
   verb->add_flag("--plain", options->Plain,
                  "Write the plain form: names with their folders, one $model line a model, LOD commands behind each. "
                  "Without it the sources are ready to compile");
+  verb->add_flag("--no-physics", options->NoPhysics, "Leave the physics file (.phy) of a model alone");
   verb->add_flag("-r,--recursive", options->Recursive,
                  "Take every .mdl file below a DIRECTORY; each gets a folder like its path");
   verb->add_option("-j,--jobs", options->Jobs, "Models at a time")->check(CLI::Range(1, 1024))->capture_default_str();

@@ -61,6 +61,8 @@ class ModelReader {
   void SetSpendLimit(int64_t bytes) { m_limit = bytes; }
 
   void Tell(const core::Trouble& trouble) { m_troubles.Tell(trouble); }
+  /// Where troubles go, for readers that know no model.
+  core::TroubleSink& Troubles() { return m_troubles; }
   /// Something worth knowing about the file at `path`.
   void Note(const std::string& path, std::string text);
 

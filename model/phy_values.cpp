@@ -1,6 +1,8 @@
 #include "model/phy_values.h"
 
+#include <algorithm>
 #include <cmath>
+#include <iterator>
 
 #include "core/number_parse.h"
 #include "core/number_text.h"
@@ -164,7 +166,10 @@ class TextBuilder {
   void Begin(std::string_view name) { Text.append(name).append(" {\n"); }
   void End() { Text += "}\n"; }
   void Pair(std::string_view key, std::string_view value) {
-    Text.append("\"").append(key).append("\" \"").append(value).append("\"\n");
+    Text.append("\"").append(key).append("\" \"");
+    // A quote would end the value early.
+    std::copy_if(value.begin(), value.end(), std::back_inserter(Text), [](char c) { return c != '"'; });
+    Text.append("\"\n");
   }
   void Pair(std::string_view key, float value) { Pair(key, core::FixedText(double{value}, 6)); }
   void Pair(std::string_view key, int64_t value) { Pair(key, std::to_string(value)); }

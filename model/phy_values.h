@@ -78,7 +78,7 @@ PhyValues TakePhyValues(const std::vector<PhyEntry>& text, int64_t solidCount, c
                         core::TroubleSink& troubles);
 
 /// The text that stands for `values` in a .phy file, without the NUL that ends it. `tail`, in the same form, follows as
-/// it stands. `Others` is not written.
+/// it stands. `Others` is not written, nor are quotes in names.
 std::string FormatPhyText(const PhyValues& values, std::string_view tail = {});
 
 }  // namespace tarnwick::model

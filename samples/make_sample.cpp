@@ -34,5 +34,6 @@ int main(int argumentCount, char** arguments) {
   const bool mdl = IsCurrent(folder + "/walker.mdl", files.Mdl.Bytes());
   const bool vtx = IsCurrent(folder + "/walker.dx90.vtx", files.Vtx.Bytes());
   const bool vvd = IsCurrent(folder + "/walker.vvd", files.Vvd.Bytes());
-  return mdl && vtx && vvd ? 0 : 1;
+  const bool phy = IsCurrent(folder + "/walker.phy", files.Phy);
+  return mdl && vtx && vvd && phy ? 0 : 1;
 }

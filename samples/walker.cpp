@@ -50,6 +50,7 @@ tests::ModelBuilder Walker() {
   model.KeyValues = "mdlkeyvalue\n{\nprop_data\n{\n\"base\" \"Flesh.Small\"\n}\n}\n";
   model.EyePosition = {EyeForward, 0, EyeHeight};
   model.IllumPosition = {0, 0, 36};
+  model.Physics = WalkerPhysics(model.Bones);
   return model;
 }
 

@@ -46,6 +46,9 @@ void AddWalkerFace(tests::ModelBuilder& model);
 /// Adds the animations and sequences.
 void AddWalkerMotion(tests::ModelBuilder& model);
 
+/// What falls when the figure falls: a part for each bone but the feet.
+tests::PhyBuilder WalkerPhysics(const std::vector<tests::BoneDescription>& bones);
+
 /// The whole figure.
 tests::ModelBuilder Walker();
 

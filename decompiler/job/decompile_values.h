@@ -19,6 +19,8 @@ inline constexpr uint32_t DecompileOptionKeepRotations = 2;
 /// Sources that the SDK's compiler takes as they are: every file straight in the output directory under a name of its
 /// own, body groups, merged LOD blocks. Without it: the plain form, one `$model` line a model.
 inline constexpr uint32_t DecompileOptionReadyToCompile = 4;
+/// The physics file beside the model is left alone.
+inline constexpr uint32_t DecompileOptionNoPhysics = 8;
 
 /// How far a job has got, told as it goes on.
 struct DecompileProgress {

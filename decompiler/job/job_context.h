@@ -31,6 +31,7 @@ class JobContext : private core::TroubleSink, public ModelReader {
   bool Unweighted() const { return (m_job.Options & DecompileOptionUnweightedSmd) != 0; }
   bool KeepRotations() const { return (m_job.Options & DecompileOptionKeepRotations) != 0; }
   bool ReadyToCompile() const { return (m_job.Options & DecompileOptionReadyToCompile) != 0; }
+  bool WithoutPhysics() const { return (m_job.Options & DecompileOptionNoPhysics) != 0; }
 
   /// The open QC script.
   core::TextWriter& Script() { return *m_script; }

@@ -64,6 +64,10 @@ std::string OutputNames::Take(std::string_view stem, std::string_view extension)
   return name;
 }
 
+bool OutputNames::IsFree(std::string_view name) const {
+  return m_taken.count(core::LowerAscii(name)) == 0;
+}
+
 void OutputNames::Reserve(std::string_view name) {
   m_taken.insert(core::LowerAscii(name));
 }

@@ -27,6 +27,9 @@ class OutputNames {
   /// extension. The result, without a folder, is taken from then on. `extension` holds its full stop.
   [[nodiscard]] std::string Take(std::string_view stem, std::string_view extension);
 
+  /// Whether `Take` would give `name`, which is clean, as it stands.
+  bool IsFree(std::string_view name) const;
+
   /// Takes `name` out of what `Take` may give.
   void Reserve(std::string_view name);
 

@@ -5,6 +5,7 @@
 #include "decompiler/sources/bone_statements.h"
 #include "decompiler/sources/header_statements.h"
 #include "decompiler/sources/meshes.h"
+#include "decompiler/sources/physics.h"
 #include "decompiler/sources/procedural_bones.h"
 #include "decompiler/sources/script_values.h"
 #include "decompiler/sources/sequences.h"
@@ -60,6 +61,7 @@ void WriteScript(JobContext& job) {
   WriteStorage(job);
   WriteSequences(job);
   WriteIncludedModels(job);
+  WritePhysics(job);
   WriteModelKeyValues(job);
 }
 

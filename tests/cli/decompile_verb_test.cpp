@@ -95,6 +95,15 @@ TEST_F(DecompileVerb, OptionsReachTheJob) {
   EXPECT_THAT(ReadText(m_output.Path("cube.smd")),
               HasSubstr("\n0 0.000000 0.000000 0.000000 0.000000 0.000000 1.000000 "
                         "0.000000 1.000000\n"));
+  model.Physics = PhyBuilder{};
+  model.Physics->Solids[0].Values.Parent = "nobody";
+  const std::string solid = model.Write(m_models.Path());
+  EXPECT_EQ(Run({solid, "--no-physics", "-o", m_output.Path("without")}), ExitSuccess);
+  EXPECT_FALSE(std::filesystem::exists(m_output.Path("without/phys.smd")));
+  EXPECT_EQ(Run({solid, "--json", "-o", m_output.Path("with")}), ExitSuccess);
+  EXPECT_TRUE(std::filesystem::exists(m_output.Path("with/phys.smd")));
+  EXPECT_THAT(nlohmann::json::parse(m_out)["lost"],
+              testing::Contains(nlohmann::json{{"kind", "parents of physics solids"}, {"count", 1}}));
   EXPECT_EQ(Run({path, "--plain", "-o", m_output.Path()}), ExitFailure);
   EXPECT_THAT(m_err, HasSubstr("File Error: Error opening " + m_output.Joined("folder/cube.smd")));
 }

@@ -220,6 +220,27 @@ TEST_F(DecompilePage, SaysThatAFolderHoldsNoModel) {
   EXPECT_THAT(ControlOf<QLabel>(Status(), "fileLabel").text().toStdString(), HasSubstr("holds no .mdl file"));
 }
 
+TEST_F(DecompilePage, LeavesPhysicsOutOnWishInTheReadyForm) {
+  Open();
+  EXPECT_TRUE(Box("physicsCheck").isChecked());
+  Box("readyCheck").click();
+  EXPECT_FALSE(Box("physicsCheck").isEnabled());
+  Box("readyCheck").click();
+  tests::ModelBuilder model;
+  model.Physics = tests::PhyBuilder{};
+  ControlOf<QLineEdit>(*m_page, "modelEdit").setText(QString::fromStdString(model.Write(m_folder.Path())));
+  ControlOf<QLineEdit>(*m_page, "outputEdit").setText(QString::fromStdString(m_folder.Path("out")));
+  for (const bool wanted : {true, false}) {
+    std::filesystem::remove_all(m_folder.Path("out"));
+    Box("physicsCheck").setChecked(wanted);
+    Click(*m_page, "extractButton");
+    ASSERT_TRUE(WaitForJob());
+    EXPECT_EQ(std::filesystem::exists(m_folder.Path("out/cube/phys.smd")), wanted);
+  }
+  Open();
+  EXPECT_FALSE(Box("physicsCheck").isChecked());
+}
+
 TEST_F(DecompilePage, KeepsModelsApartInTheReadyFormUnlessToldNotTo) {
   Open();
   EXPECT_TRUE(Box("ownFoldersCheck").isChecked());

@@ -50,6 +50,18 @@ Matrix3x4 Inverse(const Matrix3x4& m) {
   return inverse;
 }
 
+/// Gives each bone the number of its solid, else of the nearest one above it.
+void WritePhysicsSolids(const ModelBuilder& model, const FileBuilder::Table<model::StudioBone>& bones) {
+  const auto& solids = model.Physics->Solids;
+  for (int64_t i = 0; i < bones.Count; ++i) {
+    const BoneDescription& bone = model.Bones[static_cast<size_t>(i)];
+    if (bone.Parent >= 0 && bone.Parent < i) bones[i].PhysicsSolid = bones[bone.Parent].PhysicsSolid;
+    for (size_t solid = 0; solid < solids.size(); ++solid) {
+      if (solids[solid].Values.Name == bone.Name) bones[i].PhysicsSolid = static_cast<int32_t>(solid);
+    }
+  }
+}
+
 }  // namespace
 
 void WriteBones(const ModelBuilder& model, FileBuilder& mdl) {
@@ -77,6 +89,7 @@ void WriteBones(const ModelBuilder& model, FileBuilder& mdl) {
     record.Flags = bone.Flags;
     record.Contents = 1;
   }
+  if (model.Physics) WritePhysicsSolids(model, bones);
   mdl.Align(4);
 }
 

@@ -13,6 +13,7 @@ std::string ModelFiles::Write(const std::string& folder, const std::string& stem
   if (Vtx.Size() > 0) WriteText(base + ".dx90.vtx", Vtx.Bytes());
   if (Vvd.Size() > 0) WriteText(base + ".vvd", Vvd.Bytes());
   if (Ani.Size() > 0) WriteText(base + ".ani", Ani.Bytes());
+  if (!Phy.empty()) WriteText(base + ".phy", Phy);
   return base + ".mdl";
 }
 
@@ -26,6 +27,7 @@ ModelFiles ModelBuilder::Build() const {
   Name.copy(header[0].Name, sizeof(header[0].Name) - 1);
   header[0].EyePosition = EyePosition;
   header[0].IllumPosition = IllumPosition;
+  header[0].Flags = Flags;
 
   WriteBones(*this, mdl);
   WriteMaterials(*this, mdl);
@@ -39,6 +41,10 @@ ModelFiles ModelBuilder::Build() const {
   if (!BodyParts.empty()) {
     WriteVtx(*this, files.Vtx);
     WriteVvd(*this, files.Vvd);
+  }
+  if (Physics) {
+    header[0].Mass = Physics->Values.TotalMass;
+    files.Phy = Physics->Build();
   }
   return files;
 }

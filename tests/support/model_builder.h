@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -9,6 +10,7 @@
 #include "support/face_description.h"
 #include "support/file_builder.h"
 #include "support/mesh_description.h"
+#include "support/phy_builder.h"
 #include "support/script_description.h"
 
 namespace tarnwick::tests {
@@ -29,9 +31,10 @@ struct ModelFiles {
   FileBuilder Vtx;  // empty for a model without body parts
   FileBuilder Vvd;  // empty for a model without body parts
   FileBuilder Ani;  // empty for a model without block data
+  std::string Phy;  // empty for a model without physics
 
-  /// Writes `stem`.mdl, .dx90.vtx, .vvd and .ani, those that are not empty, into `folder`, and gives the path of the
-  /// .mdl file.
+  /// Writes `stem`.mdl, .dx90.vtx, .vvd, .ani and .phy, those that are not empty, into `folder`, and gives the path of
+  /// the .mdl file.
   std::string Write(const std::string& folder, const std::string& stem) const;
 };
 
@@ -69,11 +72,14 @@ struct ModelBuilder {
   std::string KeyValues = {};
   model::Vec3 EyePosition = {0, 0, 0};
   model::Vec3 IllumPosition = {0, 0, 0};
+  uint32_t Flags = 0;  // ModelFlag bits
 
   std::vector<std::string> FlexDescs = {};
   std::vector<FlexControllerDescription> FlexControllers = {};
   std::vector<FlexRuleDescription> FlexRules = {};
   std::vector<MouthDescription> Mouths = {};
+
+  std::optional<PhyBuilder> Physics = {};
 
   ModelFiles Build() const;
   /// Builds and writes the files; gives the path of the .mdl file.

@@ -69,6 +69,12 @@ std::string PhyBuilder::Build() const {
     values.Solids.push_back(description.Values);
     values.Solids.back().Volume = static_cast<float>(MeasurePhySolid(solid).CubicInches);
   }
+  double sum = 0;
+  for (const PhySolidValues& solid : values.Solids) sum += double{solid.Volume} * double{solid.MassBias};
+  for (PhySolidValues& solid : values.Solids) {
+    const double mass = double{values.TotalMass} * double{solid.Volume} * double{solid.MassBias} / sum;
+    if (SharesMass) solid.Mass = static_cast<float>(std::max(1.0, mass));
+  }
   return WritePhyFile(Checksum, solids, FormatPhyText(values, Tail));
 }
 

@@ -28,6 +28,7 @@ struct PhyBuilder {
   std::vector<PhySolidDescription> Solids = {PhySolidDescription{}};
   model::PhyValues Values = {};  // less the solids
   std::string Tail = {};         // text behind all blocks
+  bool SharesMass = false;       // the solids' masses follow from the total and their volumes
 
   /// The bytes of the file. Throws for what the format cannot hold.
   std::string Build() const;
