@@ -1,17 +1,32 @@
 #include "jobs/made_folder.h"
 
+#include <mutex>
+
 #include "core/paths.h"
 
 namespace tarnwick::jobs {
 
 namespace fs = std::filesystem;
 
+namespace {
+
+/// Jobs that run side by side share the folders above their own: one of them must not take away an empty folder in
+/// which another is just making its own.
+std::mutex& FoldersMutex() {
+  static std::mutex mutex;
+  return mutex;
+}
+
+}  // namespace
+
 MadeFolder::~MadeFolder() {
+  const std::lock_guard lock(FoldersMutex());
   std::error_code notEmpty;
   for (; !m_made.empty() && !notEmpty; m_made.pop_back()) fs::remove(m_made.back(), notEmpty);
 }
 
 std::string MadeFolder::Make(const std::string& path) {
+  const std::lock_guard lock(FoldersMutex());
   const fs::path folder = core::NativePath(path);
   std::error_code error;
   fs::path built;
@@ -20,7 +35,8 @@ std::string MadeFolder::Make(const std::string& path) {
     if (!part.empty() && !fs::exists(built, error)) m_made.push_back(built);
   }
   fs::create_directories(folder, error);
-  return fs::is_directory(folder) ? std::string() : error.message();
+  std::error_code ignored;
+  return fs::is_directory(folder, ignored) ? std::string() : error.message();
 }
 
 }  // namespace tarnwick::jobs
