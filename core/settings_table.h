@@ -39,7 +39,7 @@ namespace setting {
 #undef NUMBER_SETTING
 
 /// All text values, in the order of the list.
-#define TEXT_SETTING(variable, section, name, text) &variable,
+#define TEXT_SETTING(variable, section, name, text) &(variable),
 #define NUMBER_SETTING(variable, section, name, number)
 inline constexpr const TextSetting* TextValues[] = {
 #include "core/settings_list.h"
@@ -49,7 +49,7 @@ inline constexpr const TextSetting* TextValues[] = {
 
 /// All numbers, likewise.
 #define TEXT_SETTING(variable, section, name, text)
-#define NUMBER_SETTING(variable, section, name, number) &variable,
+#define NUMBER_SETTING(variable, section, name, number) &(variable),
 inline constexpr const IntSetting* IntValues[] = {
 #include "core/settings_list.h"
 };

@@ -52,7 +52,7 @@ class TextPattern {
       if (m_text[at++] != '%') continue;
       const PatternPlace place = ReadPlace(m_text, at);
       if (place.Conversion == '%') continue;
-      if (next == sizeof...(Arguments) || place.Conversion != wanted[next]) PlaceDoesNotFitItsArgument();
+      if (next >= sizeof...(Arguments) || place.Conversion != wanted[next]) PlaceDoesNotFitItsArgument();
       ++next;
     }
     if (next != sizeof...(Arguments)) ArgumentHasNoPlace();

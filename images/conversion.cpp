@@ -140,7 +140,7 @@ struct ToTgaVariant {
 std::string ToTga(const std::string& source, const std::string& alpha, const std::string& directory,
                   const ToTgaVariant& variant, const ConversionContext& context) {
   const std::string destination = TgaPath(source, directory);
-  const std::string text = SourceText(source);
+  std::string text = SourceText(source);
   if (IsSameFile(source, destination)) {
     context.Report.Log(variant.SameFileWarning);
     return text;

@@ -69,8 +69,9 @@ bool AreFlat(std::span<const Vec3> points, double bound) {
     }
     return std::pair(best, most);
   };
-  auto [along, length] = farthest([](const Vector& v) { return Length(v); });
+  auto [direction, length] = farthest([](const Vector& v) { return Length(v); });
   if (length <= bound) return true;
+  Vector along = direction;  // a binding cannot be captured
   for (double& value : along) value /= length;
   const auto [aside, width] = farthest([&](const Vector& v) { return Length(Cross(along, v)); });
   if (width <= bound) return true;

@@ -202,7 +202,9 @@ CellRun RowsOf(std::span<const Triangle> triangles, size_t v, int64_t rows) {
 
 /// The share of the middles of the cells of the plane (`u`, `v`) at which a line across the plane meets a piece.
 double AreaShare(const Boxed& boxed, size_t u, size_t v) {
-  const auto count = [&](size_t axis) { return static_cast<int64_t>(boxed.Extents[axis] / CellSize + 0.5); };
+  const auto count = [&](size_t axis) {
+    return static_cast<int64_t>(std::floor(boxed.Extents[axis] / CellSize + 0.5));
+  };
   const int64_t columns = count(u);
   const int64_t rows = count(v);
   if (columns <= 0 || rows <= 0) return 0;

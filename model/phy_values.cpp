@@ -255,7 +255,10 @@ std::string FormatPhyText(const PhyValues& values, std::string_view tail) {
   text.Begin("editparams");
   text.Pair("rootname", values.RootName);
   text.Pair("totalmass", values.TotalMass);
-  for (const auto& [into, other] : values.JointMerges) text.Pair("jointmerge", into + "," + other);
+  for (const auto& [into, other] : values.JointMerges) {
+    std::string pair = into;
+    text.Pair("jointmerge", pair.append(",").append(other));
+  }
   if (values.IsConcave) text.Pair("concave", int64_t{1});
   text.End();
   return text.Text.append(tail);

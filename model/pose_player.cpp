@@ -154,6 +154,7 @@ void PosePlayer::TurnAngles() {
 // Compared bit by bit: a not-a-number equals itself, and zeros of both signs, which print differently, do not.
 
 void PosePlayer::SetRotation(size_t bone, const Quat& rotation) {
+  // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison)
   if (std::memcmp(&m_rotations[bone], &rotation, sizeof rotation) == 0) return;
   m_rotations[bone] = rotation;
   m_changes[bone] |= RotationBit;
@@ -161,6 +162,7 @@ void PosePlayer::SetRotation(size_t bone, const Quat& rotation) {
 }
 
 void PosePlayer::SetPosition(size_t bone, const Vec3& position) {
+  // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison)
   if (std::memcmp(&m_positions[bone], &position, sizeof position) == 0) return;
   m_positions[bone] = position;
   m_changes[bone] |= PositionBit;

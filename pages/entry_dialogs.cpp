@@ -14,7 +14,6 @@
 
 namespace tarnwick::pages {
 
-using platform::FromQt;
 using platform::ToQt;
 
 namespace {

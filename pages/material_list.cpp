@@ -68,6 +68,7 @@ bool CMaterialList::HasFile(const std::string& path) const {
 
 std::vector<std::string> CMaterialList::Files() const {
   std::vector<std::string> files;
+  files.reserve(static_cast<size_t>(topLevelItemCount()));
   for (int row = 0; row < topLevelItemCount(); ++row) files.push_back(FromQt(topLevelItem(row)->text(FilenameColumn)));
   return files;
 }

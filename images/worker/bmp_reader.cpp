@@ -89,7 +89,7 @@ Palette ReadPalette(const BmpHeader& header, const ImageFile& file) {
   if (header.Bits > 8) return palette;
   const uint32_t most = 1u << header.Bits;
   const uint32_t count = header.Colours == 0 ? most : std::min(header.Colours, most);
-  std::fseek(file.Handle(), static_cast<long>(FileHeaderSize + header.HeaderSize), SEEK_SET);
+  std::fseek(file.Handle(), static_cast<long>(FileHeaderSize) + static_cast<long>(header.HeaderSize), SEEK_SET);
   if (std::fread(palette.data(), sizeof(RGBQUAD), count, file.Handle()) < count) return palette;  // the rest is black
   return palette;
 }

@@ -13,7 +13,7 @@ float Bounded(float value) {
 }
 
 BYTE Scaled(float value) {
-  return static_cast<BYTE>(Bounded(value) * 255.0f + 0.5f);
+  return static_cast<BYTE>(std::lround(Bounded(value) * 255.0f));
 }
 
 /// IEC 61966-2-1, both ways.
