@@ -105,9 +105,10 @@ class PlainScan {
       if (!words.empty()) AddFace(words[0]);
     } else {
       const Words words = WordsOf(line, " ");
-      const int links = words.size() > 9 ? std::atoi(words[9].c_str()) : 0;
+      // Saturates where a number is too large, as atoi need not.
+      const long links = words.size() > 9 ? std::strtol(words[9].c_str(), nullptr, 10) : 0;
       m_scan.Sound =
-          words.size() >= 9 && (links <= 0 || words.size() >= 10 + 2 * static_cast<size_t>(std::min(5, links)));
+          words.size() >= 9 && (links <= 0 || words.size() >= 10 + 2 * static_cast<size_t>(std::min(5L, links)));
     }
     if (m_scan.Sound) m_corner = (m_corner + 1) % 4;
   }
