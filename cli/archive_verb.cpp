@@ -185,7 +185,7 @@ void Check(const Chosen& chosen, const InterruptFlag& interrupt, PrintedTroubles
     progress.Show(i, chosen.Files.size(), name);
     if (!chosen.Opened->ReadPieces(
             chosen.Files[i], [](std::string_view) { return true; }, reason)) {
-      troubles.Error(name + ": " + reason);
+      troubles.Error(std::string(name).append(": ").append(reason));
     }
   }
   if (interrupt.IsSet()) {

@@ -30,6 +30,7 @@ std::vector<FailureGroup> GroupFailures(const JobResult& result) {
     ++counts[error == nullptr ? "no reason was told" : error->SharedText()];
   }
   std::vector<FailureGroup> groups;
+  groups.reserve(counts.size());
   for (const auto& [reason, count] : counts) groups.push_back({reason, count});
   return groups;
 }

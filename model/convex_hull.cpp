@@ -95,6 +95,7 @@ std::vector<uint16_t> InOrder(std::vector<uint16_t> corners, std::span<const Vec
     return std::atan2(Dot(v, up), Dot(v, right));
   };
   std::vector<std::pair<double, uint16_t>> turned;
+  turned.reserve(corners.size());
   for (const uint16_t corner : corners) turned.emplace_back(corner == corners[0] ? -4.0 : angle(corner), corner);
   for (auto& [turn, corner] : turned) {
     if (turn < 0 && turn > -4) turn += 2 * 3.14159265358979323846;
@@ -187,6 +188,7 @@ std::vector<PhyCorners> HullUnder(const std::string& options, std::span<const Ve
   if (!run.Make(coordinates.data(), distinct.size(), "qhull " + options, messages.get())) return triangles;
   run.ForEachSide([&](const std::vector<size_t>& side, const Vector& normal) {
     std::vector<uint16_t> corners;
+    corners.reserve(side.size());
     for (const size_t corner : side) corners.push_back(distinct[corner]);
     AddSide(triangles, InOrder(std::move(corners), points, normal));
   });

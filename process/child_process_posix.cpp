@@ -11,7 +11,8 @@
 #include "process/child_process.h"
 #include "process/marked_processes_posix.h"
 
-extern char** environ;
+// Declared by some C libraries alone.
+extern char** environ;  // NOLINT(readability-redundant-declaration)
 
 namespace tarnwick::process {
 
@@ -36,6 +37,7 @@ std::vector<std::string> EnvironmentWith(const std::vector<std::string>& additio
 
 std::vector<char*> Pointers(std::vector<std::string>& texts) {
   std::vector<char*> pointers;
+  pointers.reserve(texts.size() + 1);
   for (std::string& text : texts) pointers.push_back(text.data());
   pointers.push_back(nullptr);
   return pointers;

@@ -15,6 +15,14 @@ namespace {
 /// A folder of more names is not searched for other case.
 constexpr size_t MostNames = 200'000;
 
+/// Whether a path that opens is written as the folders write it. Where it need not be, the folders are asked, so that
+/// one file has one path.
+#ifdef _WIN32
+constexpr bool PathsTellCase = false;
+#else
+constexpr bool PathsTellCase = true;
+#endif
+
 bool HasDrive(std::string_view path) {
   return path.size() > 1 && path[1] == ':' && ((path[0] | 0x20) >= 'a' && (path[0] | 0x20) <= 'z');
 }
@@ -74,7 +82,7 @@ std::optional<std::string> FolderLook::Find(const std::string& path, bool folder
   auto& memory = m_found[folder ? 1 : 0];
   if (const auto known = memory.find(path); known != memory.end()) return known->second;
   std::optional<std::string> found;
-  if (Exists(path, folder)) {
+  if (PathsTellCase && Exists(path, folder)) {
     found = path;
   } else {
     // Folder by folder: the name itself if it is there, else the first that differs in case alone.
@@ -87,14 +95,16 @@ std::optional<std::string> FolderLook::Find(const std::string& path, bool folder
       at = end + 1;
       if (name.empty()) continue;
       const bool wantsFolder = folder || !last;
-      if (name == "." || name == ".." || Exists(sofar + name, wantsFolder)) {
+      if (name == "." || name == ".." || (PathsTellCase && Exists(sofar + name, wantsFolder))) {
         sofar += name;
       } else {
         const Entries& entries = EntriesOf(sofar);
         auto [first, behind] = entries.ByLowerName.equal_range(core::LowerAscii(name));
         while (first != behind && !Exists(sofar + entries.Names[first->second], wantsFolder)) ++first;
-        lost = first == behind;
-        if (!lost) sofar += entries.Names[first->second];
+        const bool listed = first != behind;
+        // A drive stands in no folder, and some folders do not list what they hold.
+        lost = !listed && !Exists(sofar + name, wantsFolder);
+        sofar += listed ? entries.Names[first->second] : name;
       }
       if (!last) sofar += '/';
     }

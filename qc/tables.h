@@ -37,7 +37,7 @@ struct OptionTable;
 struct OptionRow {
   std::string_view Name;
   Key Kind;
-  std::string_view Arguments = "";
+  std::string_view Arguments = {};
   const OptionTable* Options = nullptr;
   Block Braces = Block::None;
   Support State = Support::Built;
@@ -77,7 +77,7 @@ struct OptionTable {
 struct StatementRow {
   std::string_view Name;
   Command Kind;
-  std::string_view Arguments = "";
+  std::string_view Arguments = {};
   const OptionTable* Options = nullptr;
   Block Braces = Block::None;
   Support State = Support::Built;

@@ -37,7 +37,7 @@ constexpr OrderOfFormat Orders[] = {
 /// Whether decoded pixels have the very bytes of the stored ones.
 bool IsIdentity(const ByteOrder& order, int stored, int decoded) {
   if (stored != decoded) return false;
-  for (uint8_t i = 0; i < decoded; ++i) {
+  for (int i = 0; i < decoded; ++i) {
     if (order.From[i] != i) return false;
   }
   return true;

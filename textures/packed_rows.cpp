@@ -72,7 +72,7 @@ const std::vector<uint8_t>& BytesOfHalves() {
       const int mantissa = static_cast<int>(half & 1023);
       const float value = exponent == 0 ? std::ldexp(static_cast<float>(mantissa), -24)
                                         : std::ldexp(static_cast<float>(1024 + mantissa), exponent - 25);
-      table[half] = static_cast<uint8_t>(value * 255 + 0.5f);
+      table[half] = static_cast<uint8_t>(std::lround(value * 255));
     }
     return table;
   }();

@@ -36,7 +36,9 @@ class DecompileTreeTest : public testing::Test {
   std::vector<std::string> Targets(DecompileTree job) {
     job.OutputDirectory = "out";
     std::vector<std::string> targets;
-    for (const PlannedItem& item : Plan(job).Items) targets.push_back(item.Target);
+    for (const PlannedItem& item : Plan(job).Items) {
+      targets.push_back(std::filesystem::path(item.Target).generic_string());
+    }
     return targets;
   }
   JobResult Decompile(DecompileTree job, const std::stop_token& stop = {}) {

@@ -77,7 +77,9 @@ TEST(HostileScripts, NamesThatNoFileCanHaveAreNotFound) {
   WriteText(folder.Path("a.qc"), text);
   const auto told = Told(ReadScript(folder.Path("a.qc")));
   EXPECT_THAT(told, Contains(HasSubstr("the mesh \"nul?name\" was not found")));
+#ifndef _WIN32
   EXPECT_THAT(told, Contains(HasSubstr("\"/dev/zero\" cannot be read: it is not a regular file")));
+#endif
 }
 
 }  // namespace
