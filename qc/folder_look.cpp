@@ -95,14 +95,15 @@ std::optional<std::string> FolderLook::Find(const std::string& path, bool folder
       at = end + 1;
       if (name.empty()) continue;
       const bool wantsFolder = folder || !last;
-      if (name == "." || name == ".." || (PathsTellCase && Exists(sofar + name, wantsFolder))) {
+      const bool isDrive = !PathsTellCase && HasDrive(name) && name.size() == 2;
+      if (name == "." || name == ".." || isDrive || (PathsTellCase && Exists(sofar + name, wantsFolder))) {
         sofar += name;
       } else {
         const Entries& entries = EntriesOf(sofar);
         auto [first, behind] = entries.ByLowerName.equal_range(core::LowerAscii(name));
         while (first != behind && !Exists(sofar + entries.Names[first->second], wantsFolder)) ++first;
         const bool listed = first != behind;
-        // A drive stands in no folder, and some folders do not list what they hold.
+        // Some folders do not list what they hold.
         lost = !listed && !Exists(sofar + name, wantsFolder);
         sofar += listed ? entries.Names[first->second] : name;
       }
