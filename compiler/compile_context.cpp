@@ -1,0 +1,50 @@
+#include "compiler/compile_context.h"
+
+#include <utility>
+
+namespace tarnwick::compiler {
+
+const smd::SmdSource* CompileContext::Source(int32_t number) const {
+  const auto at = static_cast<size_t>(number);
+  return number >= 0 && at < m_sources.size() && m_haveSource[at] ? &m_sources[at] : nullptr;
+}
+
+void CompileContext::SetSource(int32_t number, smd::SmdSource source) {
+  const auto at = static_cast<size_t>(number);
+  if (at >= m_sources.size()) {
+    m_sources.resize(at + 1);
+    m_haveSource.resize(at + 1);
+  }
+  m_sources[at] = std::move(source);
+  m_haveSource[at] = true;
+}
+
+void CompileContext::Tell(core::Trouble trouble) {
+  if (trouble.Level == core::Severity::Error) ++m_errors;
+  if (m_troubles.size() < 2 * qc::Messages::Most) m_troubles.push_back(std::move(trouble));
+}
+
+void CompileContext::Error(const qc::Place& at, std::string text, core::TroubleKind kind) {
+  Tell(qc::MessageTrouble(Plan.Script.Files, {core::Severity::Error, kind, at, std::move(text)}));
+}
+
+void CompileContext::Warning(const qc::Place& at, std::string text, core::TroubleKind kind) {
+  Tell(qc::MessageTrouble(Plan.Script.Files, {core::Severity::Warning, kind, at, std::move(text)}));
+}
+
+bool CompileContext::Spend(int64_t bytes, const qc::Place& at) {
+  if (m_overspent) return false;
+  if (bytes >= 0 && bytes <= Options.MemoryLimit - m_spent) {
+    m_spent += bytes;
+    return true;
+  }
+  m_overspent = true;
+  Error(at, "this asks for more memory than a compile may take", core::TroubleKind::Limit);
+  return false;
+}
+
+std::vector<core::Trouble> CompileContext::TakeTroubles() {
+  return std::exchange(m_troubles, {});
+}
+
+}  // namespace tarnwick::compiler

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "compiler/compile_options.h"
+#include "compiler/plan/compile_plan.h"
+#include "smd/smd_source.h"
+
+namespace tarnwick::compiler {
+
+/// What the stages of one compile share: options, the plan, sources as read, and where troubles are told. Stages run
+/// one after another; a stage that meets an error tells it and goes on as far as it can, so that all are told.
+class CompileContext {
+ public:
+  CompileContext(const CompileOptions& options, const CompilePlan& plan) : Options(options), Plan(plan) {}
+
+  const CompileOptions& Options;
+  const CompilePlan& Plan;
+
+  /// The source at its place in Script::Sources; nothing if it could not be read, which has been told.
+  const smd::SmdSource* Source(int32_t number) const;
+
+  /// Tells a trouble at a place of the script, as a compiler does: `walker.qc:12:8: error: ...`.
+  void Error(const qc::Place& at, std::string text, core::TroubleKind kind = core::TroubleKind::Refused);
+  void Warning(const qc::Place& at, std::string text, core::TroubleKind kind = core::TroubleKind::Refused);
+  size_t ErrorCount() const { return m_errors; }
+
+  /// Pays for memory or work of about `bytes`. False, told once at `at`, when the compile may not take more.
+  bool Spend(int64_t bytes, const qc::Place& at);
+
+  /// Takes a source over; `number` is its place in Script::Sources.
+  void SetSource(int32_t number, smd::SmdSource source);
+  std::vector<core::Trouble> TakeTroubles();
+  void Tell(core::Trouble trouble);
+
+ private:
+  std::vector<smd::SmdSource> m_sources;
+  std::vector<bool> m_haveSource;
+  std::vector<core::Trouble> m_troubles;
+  size_t m_errors = 0;
+  int64_t m_spent = 0;
+  bool m_overspent = false;
+};
+
+}  // namespace tarnwick::compiler
