@@ -64,6 +64,22 @@ void CKilndeskDlg::OnInitDialog() {
   m_ui->tabs->setCurrentIndex(setting::TabSelect.Read(m_settings));  // no such tab: the first one stays
   AcceptFiles();
   RestoreGeometry();
+  // Once the window shows: a box that opened before it would stand alone.
+  if (!m_startFiles.empty()) QMetaObject::invokeMethod(this, &CKilndeskDlg::OpenStartFiles, Qt::QueuedConnection);
+}
+
+void CKilndeskDlg::OpenStartFiles() {
+  size_t opened = 0;
+  for (size_t i = m_pages.size(); i-- > 0;) {
+    const size_t here = m_pages[i]->OpenFiles(m_startFiles);
+    if (here > 0) m_ui->tabs->setCurrentIndex(static_cast<int>(i));
+    opened += here;
+  }
+  if (opened > 0) return;
+  DesktopSeam().Box(
+      this, platform::BoxIcon::Exclamation,
+      "Tarnwick opens models (.mdl), textures (.vtf), scripts (.qc) and meshes (.smd), not\r\n" + m_startFiles.front(),
+      "Warning");
 }
 
 void CKilndeskDlg::AddPage(pages::CPage& page, const char* tabText) {

@@ -2,6 +2,8 @@
 
 #include <array>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "core/app_settings.h"
 #include "pages/decompiler_dialog.h"
@@ -29,6 +31,10 @@ class CKilndeskDlg : public platform::CDialog {
   /// Hands the files to the page of the selected tab, unless a job keeps that busy.
   void OnDropFiles(const platform::DroppedFiles& drop) override;
 
+  /// Shows, as soon as the dialog is there, the page that works on these files, with them in its fields: what the
+  /// program was started with. Files that no page knows are named in a box.
+  void OpenAtStart(std::vector<std::string> paths) { m_startFiles = std::move(paths); }
+
  protected:
   void OnInitDialog() override;
   /// "Exit" and the close box: saves the pages' values and ends the dialog. Asks first while a job is running.
@@ -50,6 +56,7 @@ class CKilndeskDlg : public platform::CDialog {
   void OpenPage(const char* address);
   void ShowGameDirectory();
   bool MayClose();
+  void OpenStartFiles();
   void RestoreGeometry();
   void SaveGeometry();
 
@@ -62,6 +69,7 @@ class CKilndeskDlg : public platform::CDialog {
   pages::CDecompilerDialog m_decompilerPage;
   pages::CVTFDialog m_texturePage;
   std::array<pages::CPage*, PageCount> m_pages;  // by tab
+  std::vector<std::string> m_startFiles;
   QByteArray m_startGeometry;
 };
 

@@ -1,3 +1,4 @@
+#include <QtGlobal>
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -5,12 +6,13 @@
 
 #include "app/kilndesk_app.h"
 #include "app/start_switches.h"
+#include "core/version.h"
 
 namespace {
 
 constexpr const char* HelpText =
-    "Usage: tarnwick [OPTION]\n"
-    "Opens Tarnwick's window. It takes no files: drop them on the window.\n"
+    "Usage: tarnwick [OPTION] [FILE...]\n"
+    "Opens Tarnwick's window, with the files (models, textures, scripts, meshes) in the fields of their page.\n"
     "\n"
     "  --help       show this and end\n"
     "  --version    show the version and end\n"
@@ -31,13 +33,13 @@ int main(int argumentCount, char** arguments) {
       return 0;
     }
     if (std::strcmp(arguments[i], "--version") == 0) {
-      std::puts("tarnwick " TARNWICK_VERSION);
+      std::puts(tarnwick::core::VersionText("tarnwick", std::string("Qt ") + qVersion()).c_str());
       return 0;
     }
   }
   using tarnwick::app::StartMode;
-  const StartMode mode =
-      tarnwick::app::ReadStartSwitches(std::vector<std::string>(arguments + 1, arguments + argumentCount));
+  const std::vector<std::string> words(arguments + 1, arguments + argumentCount);
+  const StartMode mode = tarnwick::app::ReadStartSwitches(words);
   if (mode == StartMode::Registration) return 0;
-  return tarnwick::app::CKilndeskApp(argumentCount, arguments, mode).Run();
+  return tarnwick::app::CKilndeskApp(argumentCount, arguments, mode, tarnwick::app::FilesOnLine(words)).Run();
 }

@@ -1,5 +1,6 @@
 #include "app/start_switches.h"
 
+#include <filesystem>
 #include <string_view>
 
 #include "core/paths.h"
@@ -35,6 +36,20 @@ StartMode ReadStartSwitches(const std::vector<std::string>& arguments) {
     if (IsEmbedded(argument)) return StartMode::Embedded;
   }
   return StartMode::Window;
+}
+
+std::vector<std::string> FilesOnLine(const std::vector<std::string>& arguments) {
+  std::vector<std::string> files;
+  for (const std::string& argument : arguments) {
+    std::error_code error;
+    const std::filesystem::path path = core::NativePath(argument);
+    const bool looksLikeSwitch = argument.empty() || argument.front() == '-' ||
+                                 (argument.front() == '/' && argument.find('/', 1) == std::string::npos);
+    if (looksLikeSwitch && !std::filesystem::exists(path, error)) continue;
+    const std::filesystem::path whole = std::filesystem::absolute(path, error);
+    files.push_back(error ? argument : core::PathText(whole.lexically_normal()));
+  }
+  return files;
 }
 
 }  // namespace tarnwick::app

@@ -8,6 +8,7 @@
 
 #include "cli/invocation.h"
 #include "cli/verbs.h"
+#include "core/version.h"
 
 namespace tarnwick::cli {
 
@@ -67,7 +68,7 @@ int Refuse(CLI::App& program, const CLI::ParseError& error, std::ostream& out, s
 
 int RunProgram(int argumentCount, const char* const* arguments, std::ostream& out, std::ostream& err) {
   CLI::App program("Tools for people who make content for games on the Source engine.", "tarnwick-cli");
-  program.set_version_flag("--version", TARNWICK_VERSION);
+  program.set_version_flag("--version", core::VersionText("tarnwick-cli"));
   program.allow_windows_style_options(false);  // a path may begin with a slash there too
   program.require_subcommand(1);
   Invocation invocation{out, err, {}};

@@ -2,6 +2,7 @@
 
 #include "cli/archive_verb.h"
 #include "cli/compile_verb.h"
+#include "cli/completions_verb.h"
 #ifdef TARNWICK_HAS_SETTINGS
 #include "cli/config_verb.h"
 #endif
@@ -20,14 +21,15 @@ namespace tarnwick::cli {
 namespace {
 
 constexpr AddVerb VerbTable[] = {
-    AddDecompileVerb, AddCompileVerb, AddQcVerb, AddProjectVerb, AddSmdVerb, AddArchiveVerb,
+    AddDecompileVerb,   AddCompileVerb, AddQcVerb, AddProjectVerb, AddSmdVerb, AddArchiveVerb,
 #ifdef TARNWICK_HAS_IMAGES
-    AddMaterialVerb,  AddVtfVerb,
+    AddMaterialVerb,    AddVtfVerb,
 #endif
     AddViewVerb,
 #ifdef TARNWICK_HAS_SETTINGS
     AddConfigVerb,
 #endif
+    AddCompletionsVerb,
 };
 
 }  // namespace

@@ -148,6 +148,13 @@ void CDecompilerDialog::OnDropFiles(const platform::DroppedFiles& drop) {
   if (!models.empty()) SetModels(models);
 }
 
+size_t CDecompilerDialog::OpenFiles(const std::vector<std::string>& paths) {
+  std::vector<std::string> models;
+  std::copy_if(paths.begin(), paths.end(), std::back_inserter(models), IsModelOrFolder);
+  if (!models.empty()) SetModels(models);
+  return models.size();
+}
+
 void CDecompilerDialog::OnExtract() {
   jobs::DecompileTree job;
   job.Inputs = Models();

@@ -27,6 +27,7 @@ class CDecompilerDialog : public CPage {
   ~CDecompilerDialog() override;
 
   void OnDropFiles(const platform::DroppedFiles& drop) override;
+  size_t OpenFiles(const std::vector<std::string>& paths) override;
 
   void OnBrowseModel();
   void OnBrowseOutput();

@@ -1,5 +1,6 @@
 #include "pages/mdl_dialog.h"
 
+#include "core/paths.h"
 #include "core/settings_table.h"
 #include "pages/animation_dialog.h"
 #include "pages/collision_help_dialog.h"
@@ -149,6 +150,14 @@ void CMDLDialog::OnDropFiles(const platform::DroppedFiles& drop) {
     return;
   }
   if (drop.IsOver(*m_ui->collisionEdit)) m_ui->collisionEdit->setText(ToQt(path));
+}
+
+size_t CMDLDialog::OpenFiles(const std::vector<std::string>& paths) {
+  const auto mesh = std::find_if(paths.begin(), paths.end(),
+                                 [](const std::string& path) { return core::LowerAscii(path).ends_with(".smd"); });
+  if (mesh == paths.end()) return 0;
+  m_ui->referenceEdit->setText(ToQt(*mesh));
+  return 1;
 }
 
 bool CMDLDialog::AddSequence(const std::string& smdFile) {

@@ -24,6 +24,7 @@ class CMDLDialog : public CPage {
   ~CMDLDialog() override;
 
   void OnDropFiles(const platform::DroppedFiles& drop) override;
+  size_t OpenFiles(const std::vector<std::string>& paths) override;
   /// The project's fields into the settings.
   void SaveSettings() override;
 

@@ -30,6 +30,13 @@ void CMDLSelDialog::OnDropFiles(const platform::DroppedFiles& drop) {
   if (page.isEnabled()) page.OnDropFiles(drop);
 }
 
+size_t CMDLSelDialog::OpenFiles(const std::vector<std::string>& paths) {
+  const size_t scripts = m_qcPage.OpenFiles(paths);
+  const size_t meshes = m_formPage.OpenFiles(paths);
+  if (scripts + meshes > 0) m_ui->tabs->setCurrentIndex(scripts > 0 ? 1 : 0);
+  return scripts + meshes;
+}
+
 void CMDLSelDialog::SaveSettings() {
   setting::CompileMode.Write(Settings(), m_ui->tabs->currentIndex());
   m_formPage.SaveSettings();

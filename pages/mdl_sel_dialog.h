@@ -22,6 +22,7 @@ class CMDLSelDialog : public CPage {
 
   /// Hands the files to the inner page that shows, unless a run keeps that busy.
   void OnDropFiles(const platform::DroppedFiles& drop) override;
+  size_t OpenFiles(const std::vector<std::string>& paths) override;
   void SaveSettings() override;
 
   /// Shows the material page's directory in the form.

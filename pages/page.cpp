@@ -7,4 +7,8 @@ CPage::CPage(const PageContext& context, QWidget* parent)
 
 void CPage::SaveSettings() {}
 
+size_t CPage::OpenFiles(const std::vector<std::string>&) {
+  return 0;
+}
+
 }  // namespace tarnwick::pages

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <functional>
+#include <string>
+#include <vector>
 
 #include "core/app_settings.h"
 #include "platform/dialog.h"
@@ -31,6 +33,10 @@ class CPage : public platform::CDialog {
 
   /// Writes what is kept for the next run; called when the main dialog closes. Does nothing here.
   virtual void SaveSettings();
+
+  /// Takes files that the program was started with, as if they had been chosen on the page. Gives how many of them are
+  /// of a kind that this page works on; nothing changes if none is. None are here.
+  virtual size_t OpenFiles(const std::vector<std::string>& paths);
 
  protected:
   core::AppSettings& Settings() const { return m_context.Settings; }

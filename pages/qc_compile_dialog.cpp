@@ -1,5 +1,8 @@
 #include "pages/qc_compile_dialog.h"
 
+#include <algorithm>
+
+#include "core/paths.h"
 #include "core/settings_table.h"
 #include "pages/file_chooser.h"
 #include "pages/studiomdl_run.h"
@@ -60,6 +63,14 @@ void CQCCompileDialog::OnBrowse() {
 
 void CQCCompileDialog::OnDropFiles(const platform::DroppedFiles& drop) {
   if (m_ui->inputs->isEnabled() && drop.IsOver(*m_ui->qcFileEdit)) m_ui->qcFileEdit->setText(ToQt(drop.Paths.front()));
+}
+
+size_t CQCCompileDialog::OpenFiles(const std::vector<std::string>& paths) {
+  const auto script = std::find_if(paths.begin(), paths.end(),
+                                   [](const std::string& path) { return core::LowerAscii(path).ends_with(".qc"); });
+  if (script == paths.end()) return 0;
+  m_ui->qcFileEdit->setText(ToQt(*script));
+  return 1;
 }
 
 }  // namespace tarnwick::pages

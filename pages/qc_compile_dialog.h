@@ -21,6 +21,7 @@ class CQCCompileDialog : public CPage {
   ~CQCCompileDialog() override;
 
   void OnDropFiles(const platform::DroppedFiles& drop) override;
+  size_t OpenFiles(const std::vector<std::string>& paths) override;
   void SaveSettings() override;
 
   /// The text of the output field, line ends as \r\n.

@@ -33,10 +33,13 @@ constexpr const char* OutputFilter =
     "TGA/VMT Files (*.tga,*.vmt)|*.tga;*.vmt|All Files (*.tga,*.jpg,*.gif,*.bmp,*.vmt,*.png,*.dds)|"
     "*.tga;*.jpg;*.gif;*.bmp;*.png;*.dds;*.vmt|";
 
+bool IsTexture(const std::string& path) {
+  return core::LowerAscii(path).ends_with(".vtf");
+}
+
 std::vector<std::string> TexturesOf(const platform::DroppedFiles& drop) {
   std::vector<std::string> textures;
-  std::copy_if(drop.Paths.begin(), drop.Paths.end(), std::back_inserter(textures),
-               [](const std::string& path) { return core::LowerAscii(path).ends_with(".vtf"); });
+  std::copy_if(drop.Paths.begin(), drop.Paths.end(), std::back_inserter(textures), IsTexture);
   return textures;
 }
 
@@ -156,6 +159,14 @@ void CVTFDialog::OnDropFiles(const platform::DroppedFiles& drop) {
   const std::string& input = drop.IsOver(*m_ui->inputEdit) ? first : textures.front();
   m_ui->inputEdit->setText(ToQt(input));
   SuggestOutputName(input);
+}
+
+size_t CVTFDialog::OpenFiles(const std::vector<std::string>& paths) {
+  const auto first = std::find_if(paths.begin(), paths.end(), IsTexture);
+  if (first == paths.end()) return 0;
+  m_ui->inputEdit->setText(ToQt(*first));  // further ones are not exported unasked
+  SuggestOutputName(*first);
+  return 1;
 }
 
 void CVTFDialog::ExtractVtf() {

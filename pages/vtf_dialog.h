@@ -22,6 +22,7 @@ class CVTFDialog : public CPage {
   ~CVTFDialog() override;
 
   void OnDropFiles(const platform::DroppedFiles& drop) override;
+  size_t OpenFiles(const std::vector<std::string>& paths) override;
   void SaveSettings() override;
 
   void OnBrowseInput();

@@ -32,10 +32,12 @@ using tests::ShownBox;
 
 class MainDialog : public testing::Test {
  protected:
-  void Open() {
+  void Open(const std::vector<std::string>& files = {}) {
     m_dialog = std::make_unique<CKilndeskDlg>(m_settings, m_desktop);
+    m_dialog->OpenAtStart(files);
     m_dialog->Create();
     m_dialog->show();
+    if (!files.empty()) QCoreApplication::processEvents();
   }
   QTabWidget& Tabs() { return ControlOf<QTabWidget>(*m_dialog, "tabs"); }
   std::string GameDirectory() { return ControlOf<QLineEdit>(*m_dialog, "gameDirectoryLabel").text().toStdString(); }
@@ -140,6 +142,28 @@ TEST_F(MainDialog, HandsDropsToTheShowingPageOnlyAndPagesKeepTheirText) {
   Tabs().setCurrentIndex(3);
   Tabs().setCurrentIndex(2);
   EXPECT_EQ(modelBox.text(), "/m/b.mdl");
+}
+
+TEST_F(MainDialog, ShowsThePageOfTheFilesThatItWasStartedWith) {
+  const struct {
+    const char* File;
+    int Tab;
+    const char* Field;
+  } cases[] = {{"/m/a.MDL", 2, "modelEdit"},
+               {"/m/a.vtf", 3, "inputEdit"},
+               {"/m/a.qc", 0, "qcFileEdit"},
+               {"/m/a.smd", 0, "referenceEdit"}};
+  for (const auto& each : cases) {
+    Open({"/m/readme.txt", each.File});
+    EXPECT_EQ(Tabs().currentIndex(), each.Tab) << each.File;
+    auto& field = ControlOf<QLineEdit>(*m_dialog, each.Field);
+    EXPECT_EQ(field.text(), each.File);
+    EXPECT_TRUE(field.isVisible()) << each.Field;
+  }
+  EXPECT_TRUE(m_desktop.Boxes.empty());
+  Open({"/m/readme.txt"});
+  ASSERT_EQ(m_desktop.Boxes.size(), 1U);
+  EXPECT_NE(m_desktop.Boxes.front().Text.find("/m/readme.txt"), std::string::npos);
 }
 
 TEST_F(MainDialog, ConfiguringOffersTheProgramsOwnTextureTools) {

@@ -2,6 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <fstream>
+
+#include "support/scratch_folder.h"
+
 namespace tarnwick::app {
 
 namespace {
@@ -30,6 +35,15 @@ TEST(StartSwitches, AreReadInAnyCaseAndPlace) {
     EXPECT_EQ(ReadStartSwitches(each.Arguments), each.Mode)
         << (each.Arguments.empty() ? "nothing" : each.Arguments.front());
   }
+}
+
+TEST(FilesOnLine, AreWholePathsAndNoSwitches) {
+  const tests::ScratchFolder folder;
+  const std::string file = folder.Path() + "/-odd.mdl";
+  std::ofstream(file).put('x');
+  const std::string here = std::filesystem::current_path().string();
+  EXPECT_EQ(FilesOnLine({"-x", "/unknown", "", "a b/./c.vtf", file, "/gone/model.mdl"}),
+            (std::vector<std::string>{here + "/a b/c.vtf", file, "/gone/model.mdl"}));
 }
 
 }  // namespace
