@@ -7,6 +7,7 @@
 option(TARNWICK_PORTABLE "Install for the archive that runs from any folder" OFF)
 
 include(GNUInstallDirs)
+set(CMAKE_INSTALL_DOCDIR ${CMAKE_INSTALL_DATAROOTDIR}/doc/tarnwick)
 set(home ${CMAKE_INSTALL_LIBEXECDIR}/tarnwick)
 if(TARNWICK_PORTABLE)
   set(home .)
@@ -23,7 +24,7 @@ foreach(tool vtex vtf2tga studiomdl hlmv)
   endif()
 endforeach()
 install(DIRECTORY ${CMAKE_SOURCE_DIR}/samples/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/samples
-  FILES_MATCHING PATTERN "walker.*" PATTERN "walker.cpp" EXCLUDE)
+  FILES_MATCHING PATTERN "walker.*" PATTERN "walker.cpp" EXCLUDE PATTERN "walker.h" EXCLUDE)
 install(DIRECTORY ${CMAKE_SOURCE_DIR}/docs DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(FILES ${CMAKE_SOURCE_DIR}/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 
@@ -60,7 +61,7 @@ if(TARGET tarnwick)
   set(package ${CMAKE_SOURCE_DIR}/cmake/package)
   install(FILES ${package}/tarnwick.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
   install(FILES ${package}/tarnwick.mime.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/mime/packages RENAME tarnwick.xml)
-  install(FILES ${package}/tarnwick.metainfo.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo)
+  install(FILES ${package}/org.tarnwick.Tarnwick.metainfo.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo)
   install(FILES ${CMAKE_SOURCE_DIR}/platform/resources/icons/tarnwick.svg
     DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)
 endif()
@@ -78,16 +79,17 @@ install(FILES ${CMAKE_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} RE
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME tarnwick)
 set(CPACK_PACKAGE_VENDOR Tarnwick)
-set(CPACK_PACKAGE_CONTACT "The owners of Tarnwick <tarnwick@localhost>")
+set(CPACK_PACKAGE_CONTACT "The owners of Tarnwick <maintainers@tarnwick.org>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "tools for content of games on the Source engine")
-set(CPACK_DEBIAN_PACKAGE_DESCRIPTION " Decompiles compiled models into editable sources, compiles models and materials,
- exports textures and reads archives, in one window and on the command line.")
+set(CPACK_DEBIAN_PACKAGE_DESCRIPTION "Decompiles compiled models into editable sources, compiles models
+and materials, exports textures and reads archives, in one window and on
+the command line.")
 # A tilde sorts before the release itself.
 string(REPLACE - "~" CPACK_DEBIAN_PACKAGE_VERSION ${TARNWICK_VERSION})
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION graphics)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_DEPENDS "libqt6svg6, qt6-qpa-plugins")
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "libqt6svg6, qt6-qpa-plugins, sensible-utils")
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "wine | wine64")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)

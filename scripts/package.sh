@@ -37,8 +37,8 @@ build build/package -DCMAKE_INSTALL_PREFIX=/usr
 make_documents build/package/bin build/package/package
 cmake build/package >/dev/null  # what was made now is installed too
 desktop-file-validate cmake/package/tarnwick.desktop
-appstreamcli validate --no-net cmake/package/tarnwick.metainfo.xml >/dev/null ||
-  { appstreamcli validate --no-net cmake/package/tarnwick.metainfo.xml; exit 1; }
+appstreamcli validate --no-net cmake/package/org.tarnwick.Tarnwick.metainfo.xml >/dev/null ||
+  { appstreamcli validate --no-net cmake/package/org.tarnwick.Tarnwick.metainfo.xml; exit 1; }
 (cd build/package && cpack -G DEB -B "$top/dist" >cpack.log 2>&1) || { tail -n 20 build/package/cpack.log >&2; exit 1; }
 rm -rf dist/_CPack_Packages
 
