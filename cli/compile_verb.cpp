@@ -1,17 +1,17 @@
 #include "cli/compile_verb.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <memory>
 #include <nlohmann/json.hpp>
 
-#include "cli/compile_run.h"
-#include "cli/console_report.h"
+#include "cli/console_host.h"
 #include "cli/interrupt.h"
 #include "cli/project_script.h"
 #include "cli/tool_directories.h"
 #include "core/paths.h"
+#include "jobs/compile_models.h"
 #include "tools/studiomdl_command.h"
-#include "tools/tool_file.h"
 
 namespace tarnwick::cli {
 
@@ -40,116 +40,51 @@ std::string OptionName(std::string_view caption) {
   return name;
 }
 
-bool IsProject(const std::string& path) {
-  return core::EqualIgnoringCase(core::NativePath(path).extension().string(), ".sc");
-}
-
-std::string OutcomeJson(const CompileOutcome& outcome) {
+/// One line of JSON for a file; docs/running-tools.md describes it.
+std::string ResultJson(const jobs::ItemResult& result) {
+  const auto isModel = [&](const core::WrittenFile& file) {
+    return core::EqualIgnoringCase(core::PathText(core::NativePath(file.Path).extension()), ".mdl");
+  };
   nlohmann::ordered_json json;
-  json["input"] = outcome.Input.Name;
-  json["outcome"] = outcome.Succeeded() ? "ok" : outcome.Run.Stopped ? "stopped" : "failed";
-  json["command"] = outcome.CommandLine;
-  json["script"] = outcome.Input.QcPath;
-  json["model"] = outcome.ModelPath;
-  json["written"] = outcome.ModelWritten.value_or(false);
-  json["errors"] = outcome.Errors;
-  json["warnings"] = outcome.Warnings;
+  json["input"] = result.Input;
+  json["outcome"] = OutcomeWord(result.Judged);
+  json["command"] = result.CommandLine;
+  json["script"] = result.Source;
+  json["model"] = result.Target;
+  json["written"] = std::any_of(result.Files.begin(), result.Files.end(), isModel);
+  json["files"] = nlohmann::ordered_json::array();
+  for (const core::WrittenFile& file : result.Files) json["files"].push_back(file.Path);
+  json["errors"] = TroubleLines(result, core::Severity::Error);
+  json["warnings"] = TroubleLines(result, core::Severity::Warning);
+  json["more_errors"] = result.MoreErrors;
+  json["more_warnings"] = result.MoreWarnings;
   // A tool's words are bytes in no known encoding; JSON takes UTF-8 only.
   return json.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
 }
 
-/// The verb's run over all its inputs.
-class Compile {
- public:
-  Compile(const Options& options, Invocation& invocation)
-      : m_options(options), m_out(invocation.Out), m_err(invocation.Err), m_report(invocation.Err) {}
-
-  int Run() {
-    m_options.Directories.FillFromSettings(m_err);
-    m_options.Scripts.FillFromSettings(m_err);
-    const std::string tool = tools::SdkToolPath(m_options.Directories.Sdk, tools::Studiomdl);
-    bool isThere = true;
-    for (const std::string& path : m_options.Inputs) {
-      const auto input = isThere ? PrepareInput(path) : std::nullopt;
-      if (isThere && !tools::RequireTool(tool, tools::Studiomdl, m_report)) {
-        isThere = false;
-        m_err << SdkAdvice << '\n';
-      }
-      if (input && isThere) {
-        RunOne(*input);
-      } else {
-        CompileOutcome failed;
-        failed.Input.Name = path;
-        failed.Errors.push_back(isThere ? "no script could be made of the project" : tool + " was not found");
-        m_outcomes.push_back(failed);
-      }
-      Tell(m_outcomes.back());
-      if (m_interrupt.IsSet()) break;
-    }
-    return Summarize();
-  }
-
- private:
-  /// The script of `path`: the file itself, or the one that its project writes. Nothing if that failed, which is told.
-  std::optional<CompileInput> PrepareInput(const std::string& path) {
-    if (!IsProject(path)) return CompileInput{path, path, m_options.Switches};
-    const auto script = m_options.Scripts.Write(path, m_report);
-    if (!script) return std::nullopt;
-    for (const std::string& warning : script->Warnings) m_err << warning << '\n';
-    return CompileInput{path, script->Path, script->Options | m_options.Switches};
-  }
-
-  void RunOne(const CompileInput& input) {
-    tools::ToolRunOptions run;
-    run.Start = m_options.Directories.Start();
-    run.Stop = m_interrupt.Token();
-    run.AnnounceStart = false;
-    std::ostream& lines = m_options.Json ? m_err : m_out;
-    CompileCalls calls;
-    calls.OnWarning = [&](const std::string& warning) { m_err << warning << std::endl; };
-    calls.OnStart = [&](const std::string& commandLine) {
-      if (!m_options.Quiet) lines << commandLine << std::endl;
-    };
-    calls.OnLine = [&](const std::string& line, tools::LineKind kind) {
-      if (!m_options.Quiet) {
-        lines << line << std::endl;
-      } else if (kind != tools::LineKind::Plain) {
-        m_err << line << std::endl;
-      }
-    };
-    m_outcomes.push_back(RunCompile(input, m_options.Directories.Sdk, m_options.Directories.Game, run, calls));
-  }
-
-  /// What the tool's own lines do not say.
-  void Tell(const CompileOutcome& outcome) {
-    const std::string& name = outcome.Input.Name;
-    if (outcome.Run.Stopped) m_err << name << ": stopped\n";
-    if (outcome.Run.Failure) m_err << "Error: " << outcome.Run.Failure->Text() << '\n';
-    if (!outcome.Run.Failure && !outcome.Errors.empty()) m_err << name << ": Error: " << outcome.Errors.back() << '\n';
-    if (m_options.Json) m_out << OutcomeJson(outcome) << '\n';
-  }
-
-  int Summarize() {
-    size_t failed = m_options.Inputs.size() - m_outcomes.size();  // those that a stop kept from their turn
-    for (const CompileOutcome& outcome : m_outcomes) failed += outcome.Succeeded() ? 0u : 1u;
-    if (m_options.Inputs.size() > 1 && !m_options.Quiet) {
-      for (const CompileOutcome& outcome : m_outcomes) {
-        m_err << (outcome.Succeeded() ? "ok      " : "failed  ") << outcome.Input.Name;
-        if (outcome.Succeeded() && !outcome.ModelPath.empty()) m_err << " -> " << outcome.ModelPath;
-        m_err << '\n';
-      }
-      m_err << m_options.Inputs.size() - failed << " of " << m_options.Inputs.size() << " compiled\n";
-    }
-    return failed == 0 ? ExitSuccess : ExitFailure;
-  }
-
-  Options m_options;
-  std::ostream& m_out;
-  std::ostream& m_err;
-  ConsoleReport m_report;
-  InterruptFlag m_interrupt;
-  std::vector<CompileOutcome> m_outcomes;
-};
+int CompileModels(Options& options, Invocation& invocation) {
+  options.Directories.FillFromSettings(invocation.Err);
+  options.Scripts.FillFromSettings(invocation.Err);
+  const jobs::CompileModels job{.Inputs = options.Inputs,
+                                .Materials = options.Scripts.Materials.value_or(""),
+                                .Switches = options.Switches,
+                                .SdkDirectory = options.Directories.Sdk,
+                                .GameDirectory = options.Directories.Game,
+                                .Start = options.Directories.Start()};
+  const auto resultLine = [&](const jobs::ItemResult& result) {
+    return options.Json ? ResultJson(result) : std::string();
+  };
+  const InterruptFlag interrupt;
+  ConsoleHost host(invocation.Out, invocation.Err,
+                   {.Item = "file",
+                    .Quiet = options.Quiet,
+                    .ToolLines = options.Json ? &invocation.Err : &invocation.Out,
+                    .ShowsProgress = false,
+                    .ResultLine = resultLine});
+  const int exitCode = ExitCodeOf(jobs::Run(job, host, interrupt.Token()));
+  if (jobs::ObstacleOf(job)) invocation.Err << SdkAdvice << '\n';
+  return exitCode;
+}
 
 }  // namespace
 
@@ -171,7 +106,7 @@ void AddCompileVerb(CLI::App& program, Invocation& invocation) {
   verb->add_flag("-q,--quiet", options->Quiet, "Print errors and warnings only");
   verb->footer(Examples);
   verb->callback([options, &invocation] {
-    invocation.Run = [options, &invocation] { return Compile(*options, invocation).Run(); };
+    invocation.Run = [options, &invocation] { return CompileModels(*options, invocation); };
   });
 }
 

@@ -11,8 +11,10 @@ namespace tarnwick::cli {
 
 namespace {
 
+/// A trouble in a line. A warning without a caption says that it is one, unless it is in a tool's own words.
 std::string TroubleLine(const core::Trouble& trouble) {
-  return (trouble.Level == core::Severity::Warning && trouble.Caption.empty() ? "Warning: " : "") + LineOf(trouble);
+  const bool isBare = trouble.Level == core::Severity::Warning && trouble.Caption.empty();
+  return (isBare && trouble.Kind != core::TroubleKind::Tool ? "Warning: " : "") + LineOf(trouble);
 }
 
 }  // namespace
@@ -26,7 +28,7 @@ ConsoleHost::ConsoleHost(std::ostream& out, std::ostream& err, ConsoleStyle styl
 void ConsoleHost::On(const jobs::Event& event) {
   std::visit(jobs::Overloaded{
                  [this](const jobs::Started& started) { m_count = started.Count; },
-                 [this](const jobs::Line& line) { ToLog(line.Item, PlainLines(line.Text)); },
+                 [this](const jobs::Line& line) { OnLine(line); },
                  [this](const jobs::Told& told) { OnTold(told); },
                  [this](const jobs::ItemFinished& finished) { OnItemFinished(finished); },
                  [this](const jobs::Finished& finished) { OnFinished(finished.Result); },
@@ -43,9 +45,17 @@ void ConsoleHost::OnTold(const jobs::Told& told) {
   }
 }
 
+void ConsoleHost::OnLine(const jobs::Line& line) {
+  if (m_style.ToolLines == nullptr || line.Source == jobs::LineSource::Log)
+    return ToLog(line.Item, PlainLines(line.Text));
+  if (m_style.Quiet || line.Text.empty()) return;
+  *m_style.ToolLines << PlainLines(line.Text) << std::flush;
+  m_lineIsOpen = line.Text.back() != '\n';
+}
+
 void ConsoleHost::ToLog(size_t item, const std::string& text) {
   if (m_style.Quiet || !m_style.ShowsLog) return;
-  if (m_count == 1) {
+  if (m_count == 1 || m_style.ToolLines != nullptr) {
     m_err << text << std::flush;
   } else {
     m_logs[item] += text;
@@ -55,6 +65,25 @@ void ConsoleHost::ToLog(size_t item, const std::string& text) {
 void ConsoleHost::PrintTroubles(const jobs::ItemResult& result) {
   for (const core::Trouble& trouble : result.Troubles) {
     m_err << result.Input << ": " << TroubleLine(trouble) << '\n';
+  }
+  if (result.MoreErrors > 0) m_err << result.Input << ": " << jobs::Counted(result.MoreErrors, "more error") << '\n';
+  if (result.MoreWarnings > 0) {
+    m_err << result.Input << ": " << jobs::Counted(result.MoreWarnings, "more warning") << '\n';
+  }
+}
+
+void ConsoleHost::PrintResult(const jobs::ItemResult& result) {
+  if (const std::string line = m_style.ResultLine(result); !line.empty()) m_out << line << std::endl;
+}
+
+void ConsoleHost::PrintVerdict(const jobs::ItemResult& result) {
+  if (std::exchange(m_lineIsOpen, false)) *m_style.ToolLines << std::endl;
+  if (result.Judged == jobs::Verdict::Stopped) {
+    m_err << result.Input << ": stopped\n";
+  } else if (const core::Trouble* error = result.First(core::Severity::Error)) {
+    m_err << result.Input << ": Error: " << LineOf(*error) << '\n';
+  } else if (m_count > 1 && result.Succeeded()) {
+    m_err << result.Input << " -> " << (result.Target.empty() ? "unknown" : result.Target) << '\n';
   }
 }
 
@@ -67,12 +96,16 @@ void ConsoleHost::OnItemFinished(const jobs::ItemFinished& finished) {
     m_err << m_logs[finished.Item];
   }
   m_logs.erase(finished.Item);
-  if (const std::string line = m_style.ResultLine(finished.Result); !line.empty()) m_out << line << std::endl;
+  if (m_style.ToolLines != nullptr && !m_style.Quiet) PrintVerdict(finished.Result);
+  PrintResult(finished.Result);
   if (several) m_progress.Show(++m_done, m_count, finished.Result.Input);
 }
 
 void ConsoleHost::OnFinished(const jobs::JobResult& result) {
   m_progress.Clear();
+  for (const jobs::ItemResult& item : result.Items) {
+    if (item.Judged == jobs::Verdict::NotBegun) PrintResult(item);
+  }
   if (m_style.Quiet) return;
   const auto groups = jobs::GroupFailures(result);
   m_err << jobs::SummaryLine(result, m_style.Item) << (groups.empty() ? "" : ":") << '\n';

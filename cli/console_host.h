@@ -13,11 +13,14 @@ namespace tarnwick::cli {
 
 /// How a verb shows its job.
 struct ConsoleStyle {
-  std::string Item;           // what the verb calls an item: "model"
-  bool Quiet = false;         // troubles only
-  bool ShowsLog = true;       // the program's own lines, on standard error; of several items each whole, behind its end
+  std::string Item;      // what the verb calls an item: "model"
+  bool Quiet = false;    // troubles only
+  bool ShowsLog = true;  // the program's own lines, on standard error; of several items each whole, behind its end
+  /// Where command lines and the tools' lines go as they come, of a job that does its items one after the other; the
+  /// log then comes as it is told as well. Null: they are part of the log.
+  std::ostream* ToolLines = nullptr;
   bool ShowsProgress = true;  // a bar at the bottom of a terminal, in place of the log of several items
-  /// The line that standard output gets for an item that has ended, or "" for none.
+  /// The line that standard output gets for an item that has ended or was not begun, or "" for none.
   std::function<std::string(const jobs::ItemResult&)> ResultLine;
 };
 
@@ -34,7 +37,10 @@ class ConsoleHost : public jobs::Host {
   void OnTold(const jobs::Told& told);
   void OnItemFinished(const jobs::ItemFinished& finished);
   void OnFinished(const jobs::JobResult& result);
+  void OnLine(const jobs::Line& line);
   void ToLog(size_t item, const std::string& text);
+  void PrintVerdict(const jobs::ItemResult& result);
+  void PrintResult(const jobs::ItemResult& result);
   void PrintTroubles(const jobs::ItemResult& result);
 
   std::ostream& m_out;
@@ -43,6 +49,7 @@ class ConsoleHost : public jobs::Host {
   ProgressLine m_progress;
   size_t m_count = 0;
   size_t m_done = 0;
+  bool m_lineIsOpen = false;             // the last of the tool's lines has no end yet
   std::map<size_t, std::string> m_logs;  // of the items that are at work, where there are several
 };
 

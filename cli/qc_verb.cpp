@@ -6,6 +6,7 @@
 
 #include "cli/console_report.h"
 #include "cli/project_script.h"
+#include "jobs/project_script.h"
 
 namespace tarnwick::cli {
 
@@ -37,7 +38,7 @@ class ErrorKeeper : public core::Report {
   ConsoleReport m_report;
 };
 
-std::string Json(const std::string& project, const std::optional<ProjectScript>& script,
+std::string Json(const std::string& project, const std::optional<jobs::ProjectScript>& script,
                  const std::vector<std::string>& errors) {
   nlohmann::ordered_json json{{"project", project}, {"outcome", script ? "ok" : "failed"}};
   if (script) json["script"] = script->Path;
@@ -51,9 +52,9 @@ int WriteScripts(Options options, Invocation& invocation) {
   int exitCode = ExitSuccess;
   for (const std::string& path : options.Projects) {
     ErrorKeeper report(invocation.Err);
-    const auto script = options.Scripts.Write(path, report);
+    const auto script = jobs::WriteProjectScript(path, options.Scripts.Materials.value_or(""), report);
     if (script) {
-      for (const std::string& warning : script->Warnings) invocation.Err << warning << '\n';
+      for (const std::string& warning : script->Warnings) invocation.Err << "Warning: " << warning << '\n';
     } else {
       invocation.Err << path << ": no script was written\n";
       exitCode = ExitFailure;

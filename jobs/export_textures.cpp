@@ -274,14 +274,6 @@ bool MayReplace(const JobPlan& plan, bool targetIsNamed, Host& host) {
   return host.Ask({.Kind = QuestionKind::Overwrite, .Text = text, .Caption = BoxCaption, .Assumed = true});
 }
 
-/// Remembers what a check tells.
-class FirstTrouble : public core::Report {
- public:
-  void Log(std::string_view) override {}
-  void Tell(const core::Trouble& trouble) override { Told = trouble; }
-  core::Trouble Told;
-};
-
 }  // namespace
 
 JobPlan Plan(const ExportTextures& job) {
@@ -321,11 +313,9 @@ JobPlan Plan(const ExportTextures& job) {
 
 JobResult Run(const ExportTextures& job, Host& host, const std::stop_token& stop) {
   const JobPlan plan = Plan(job);
-  FirstTrouble missing;
   const std::string sdk = tools::SdkDirectoryOrBundled(job.SdkDirectory, tools::Vtf2tga);
-  if (!plan.Items.empty() && !tools::RequireTool(tools::SdkToolPath(sdk, tools::Vtf2tga), tools::Vtf2tga, missing)) {
-    return NotBegun(plan, missing.Told, host);
-  }
+  const auto missing = tools::MissingTool(tools::SdkToolPath(sdk, tools::Vtf2tga), tools::Vtf2tga);
+  if (missing && !plan.Items.empty()) return NotBegun(plan, *missing, host);
   if (job.KeepTga && !MayReplace(plan, job.Place == ImagePlace::ExactlyOutput, host)) {
     return NotBegun(plan, NotWanted(), host);
   }

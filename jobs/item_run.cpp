@@ -13,6 +13,9 @@ namespace {
 /// A line that is longer comes in pieces, so that a tool that never ends one cannot fill the memory.
 constexpr size_t LongestPiece = 64 << 10;
 
+/// So many errors, and so many warnings, of a tool are kept one by one.
+constexpr size_t MostToolTroubles = 100;
+
 class Clock {
  public:
   double Seconds() const { return std::chrono::duration<double>(std::chrono::steady_clock::now() - m_started).count(); }
@@ -78,7 +81,19 @@ void ItemRun::Flush() {
 void ItemRun::Cut() {
   const std::string_view bare = std::string_view(m_line).substr(0, m_line.find_last_not_of("\r\n") + 1);
   const tools::LineKind kind = m_source == LineSource::Tool ? tools::ClassifyLine(bare) : tools::LineKind::Plain;
+  std::string text = kind == tools::LineKind::Plain ? std::string() : std::string(bare);
   m_channel.Tell(Line{m_item, m_source, kind, std::exchange(m_line, {})});
+  if (ToolLinesAreTroubles && kind != tools::LineKind::Plain) TakeToolTrouble(kind, std::move(text));
+}
+
+void ItemRun::TakeToolTrouble(tools::LineKind kind, std::string text) {
+  const bool isError = kind == tools::LineKind::Error;
+  const core::Severity level = isError ? core::Severity::Error : core::Severity::Warning;
+  if (Result.Count(level) >= MostToolTroubles) {
+    ++(isError ? Result.MoreErrors : Result.MoreWarnings);
+  } else {
+    Tell({.Level = level, .Kind = core::TroubleKind::Tool, .Text = std::move(text)});
+  }
 }
 
 JobResult RunItems(const JobPlan& plan, const ThreadUse& use, Host& host, const std::stop_token& stop,

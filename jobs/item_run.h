@@ -51,6 +51,9 @@ class ItemRun : public core::Report {
   ItemResult& Result;        // the work fills Source, Target, CommandLine and Files
   core::WorkQueue& Helpers;  // threads of the job that have no item of their own help here
   const std::stop_token Stop;
+  /// Whether the lines in which a tool tells errors and warnings are troubles of the item as well, the first hundred
+  /// of each; those behind are counted (`ItemResult::MoreErrors`, `MoreWarnings`).
+  bool ToolLinesAreTroubles = false;
 
   void Log(std::string_view text) override;
   void Tell(const core::Trouble& trouble) override;
@@ -64,12 +67,13 @@ class ItemRun : public core::Report {
   void Progressed(std::string file, size_t done, size_t begun);
   bool Ask(const Question& question) { return m_channel.Ask(question); }
 
-  /// Tells the rest of a line that has no end. Called once, behind the work.
+  /// Tells the rest of a line that has no end. Called behind the work, and where a tool has ended before it.
   void Flush();
 
  private:
   void Feed(LineSource source, std::string_view text);
   void Cut();
+  void TakeToolTrouble(tools::LineKind kind, std::string text);
 
   Channel& m_channel;
   const size_t m_item;

@@ -5,7 +5,10 @@
 namespace tarnwick::jobs {
 
 size_t ItemResult::Count(core::Severity level) const {
-  return static_cast<size_t>(std::count_if(Troubles.begin(), Troubles.end(),
+  const size_t more =
+      level == core::Severity::Error ? MoreErrors : (level == core::Severity::Warning ? MoreWarnings : 0);
+  return more +
+         static_cast<size_t>(std::count_if(Troubles.begin(), Troubles.end(),
                                            [level](const core::Trouble& trouble) { return trouble.Level == level; }));
 }
 

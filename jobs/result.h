@@ -30,10 +30,13 @@ struct ItemResult {
   Verdict Judged = Verdict::NotBegun;
   std::vector<core::WrittenFile> Files = {};    // in the order in which they were begun
   std::vector<core::Trouble> Troubles = {};     // in the order in which they were told
+  size_t MoreErrors = 0;                        // of a tool that told very many: those that are not in Troubles
+  size_t MoreWarnings = 0;                      // the same
   std::vector<decompiler::LostKind> Lost = {};  // what the output does not say, though the input held it
   double Seconds = 0;
 
   bool Succeeded() const { return Judged == Verdict::Succeeded; }
+  /// How many troubles of that severity there were.
   size_t Count(core::Severity level) const;
   /// The first trouble of that severity; null if there is none.
   const core::Trouble* First(core::Severity level) const;

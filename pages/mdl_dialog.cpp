@@ -247,7 +247,7 @@ void CMDLDialog::CompileModel() {
   auto job = PrepareStudiomdlRun(*this, Settings(), tools::ToolRun::StudiomdlForm, qcPath,
                                  static_cast<uint32_t>(m_project.options.studioMdlOptions));
   if (!job) return;
-  for (std::string& warning : project::MissingSources(m_project)) job->Warnings.push_back(std::move(warning));
+  job->Warnings = project::MissingSources(m_project);
   m_status.Create();
   platform::CenterOver(*this, m_status);
   m_status.show();

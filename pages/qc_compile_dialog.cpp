@@ -48,7 +48,7 @@ void CQCCompileDialog::OnCompile() {
   setting::QcFile.Write(Settings(), qcPath);
   const auto job = PrepareStudiomdlRun(*this, Settings(), tools::ToolRun::StudiomdlExistingQc, qcPath, 0);
   if (!job) return;
-  m_runner->Start(*job, m_log, [this] { m_log.AppendPageLog("\r\nStudioMDL Thread complete\r\n"); });
+  m_runner->Start(*job, m_log, [this](const auto&) { m_log.AppendPageLog("\r\nStudioMDL Thread complete\r\n"); });
 }
 
 void CQCCompileDialog::OnEdit() {

@@ -2,24 +2,24 @@
 
 #include "core/settings_table.h"
 #include "platform/page_report.h"
-#include "tools/run_checks.h"
-#include "tools/sdk_tools.h"
-#include "tools/studiomdl_command.h"
 
 namespace tarnwick::pages {
 
 namespace setting = core::setting;
 
-std::optional<ToolRunJob> PrepareStudiomdlRun(platform::CDialog& page, const core::AppSettings& settings,
-                                              tools::ToolRun run, const std::string& qcPath, uint32_t options) {
-  const std::string sdkDirectory = setting::SdkDirectory.Read(settings);
-  const std::string gameDirectory = setting::GameDirectory.Read(settings);
-  platform::PageReport report(page.DesktopSeam(), &page);
-  if (!tools::RequireTool(tools::SdkToolPath(sdkDirectory, tools::Studiomdl), tools::Studiomdl, report)) return {};
-  return ToolRunJob{run,
-                    tools::StudiomdlCommand(sdkDirectory, gameDirectory, qcPath, options),
-                    {setting::WineProgram.Read(settings)},
-                    tools::CheckStudiomdlRun(gameDirectory, qcPath)};
+std::optional<jobs::CompileModels> PrepareStudiomdlRun(platform::CDialog& page, const core::AppSettings& settings,
+                                                       tools::ToolRun shown, const std::string& qcPath,
+                                                       uint32_t options) {
+  jobs::CompileModels job{.Inputs = {qcPath},
+                          .Switches = options,
+                          .SdkDirectory = setting::SdkDirectory.Read(settings),
+                          .GameDirectory = setting::GameDirectory.Read(settings),
+                          .Start = {setting::WineProgram.Read(settings)},
+                          .Shown = shown};
+  const auto obstacle = jobs::ObstacleOf(job);
+  if (!obstacle) return job;
+  platform::PageReport(page.DesktopSeam(), &page).Tell(*obstacle);
+  return std::nullopt;
 }
 
 }  // namespace tarnwick::pages

@@ -1,13 +1,15 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
-#include <vector>
+#include <string_view>
 
-#include "pages/tool_output.h"
-#include "platform/job_runner.h"
+#include "jobs/compile_models.h"
+#include "pages/page_job.h"
+#include "tools/output_wrapping.h"
 #include "tools/page_log.h"
-#include "tools/tool_run.h"
+#include "tools/whole_log.h"
 
 class QAbstractButton;
 class QProgressBar;
@@ -23,33 +25,30 @@ struct ToolRunControls {
   QWidget* Inputs = nullptr;  // what cannot be used during a run; null for the whole page
 };
 
-/// One run.
-struct ToolRunJob {
-  tools::ToolRun Run;
-  process::Command Command;
-  tools::StartSettings Start;
-  std::vector<std::string> Warnings;  // what the checks before the run found
-};
-
-/// Runs a console tool for a page: its text goes to a log as it comes, wrapped as the run's rule says, and the run can
-/// be stopped. One run at a time for each runner.
+/// Compiles a model for a page: the tool's text goes to a log as it comes, wrapped as the job's rule says, and the run
+/// can be stopped. One run at a time for each runner.
 class ToolRunner : public QObject {
   Q_OBJECT
 
  public:
+  using Done = std::function<void(const jobs::ItemResult& result)>;
+
   /// `page` owns the boxes and becomes the parent; during a run it, or the controls' `Inputs`, is disabled.
   ToolRunner(platform::CDialog& page, const ToolRunControls& controls);
   /// Stops a run that is going on.
   ~ToolRunner() override = default;
 
-  bool IsRunning() const { return m_jobs.IsRunning(); }
+  bool IsRunning() const { return m_job.IsRunning(); }
 
-  /// Starts `job`, whose text is added to `log`; `done`, if given, is called when the run is over and all its text is
-  /// in the log. A tool that could not be started is told in a box after that.
-  void Start(const ToolRunJob& job, tools::PageLog& log, std::function<void()> done = {});
+  /// Starts `job`, which has one item. Its text is added to `log`; `done`, if given, gets what became of the item when
+  /// the run is over and all its text is in the log.
+  void Start(const jobs::CompileModels& job, tools::PageLog& log, Done done = {});
 
  private:
-  void OnEnd(const tools::FinishedRun& run, const std::function<void()>& done);
+  void Show(const jobs::Event& event);
+  void OnLine(const jobs::Line& line);
+  void OnEnd(const jobs::ItemResult& result);
+  void ToLog(std::string_view text);
   void OnCopyCommand();
   void OnWholeLog();
 
@@ -57,9 +56,11 @@ class ToolRunner : public QObject {
   ToolRunControls m_controls;
   std::string m_shellLine;  // of the last run
   tools::WholeLog m_wholeLog;
+  std::optional<tools::OutputWrapper> m_wrapper;
   tools::PageLog* m_log = nullptr;
-  size_t m_logged = 0;         // bytes of the run's text that are in the log
-  platform::JobRunner m_jobs;  // behind what its callbacks use
+  Done m_done;
+  size_t m_logged = 0;  // bytes of the run's text that are in the log
+  PageJob m_job;        // behind what its callbacks use
 };
 
 }  // namespace tarnwick::pages

@@ -45,7 +45,7 @@ std::vector<std::string> MissingSources(const ModelProject& project) {
   const std::string folder(core::DirectoryWithSeparator(reference));
   const auto look = [&](const std::string& what, const std::string& path) {
     if (path.empty() || IsThere(folder, path)) return;
-    warnings.push_back("Warning: " + what + " " + path + " is not there");
+    warnings.push_back(what + " " + path + " is not there");
   };
   look("the Reference SMD", reference);
   if (!project.useReferenceAsCollision) {

@@ -13,7 +13,7 @@ namespace tarnwick::project {
 /// own folder is never meant.
 std::optional<std::string> ReferencePathOf(const ModelProject& project);
 
-/// A line beginning with "Warning: " for each mesh, sequence and collision file of the project that the compiler will
+/// A warning for each mesh, sequence and collision file of the project that the compiler will
 /// look for and not find, by name. Paths from the root of a Windows drive are not looked for on other systems.
 std::vector<std::string> MissingSources(const ModelProject& project);
 

@@ -15,9 +15,9 @@ namespace {
 
 void CheckInput(const std::string& path, const char* what, RunWarnings& warnings) {
   if (path.empty()) {
-    warnings.push_back("Warning: no " + std::string(what) + " is named");
+    warnings.push_back("no " + std::string(what) + " is named");
   } else if (!core::FileExists(path)) {
-    warnings.push_back("Warning: the " + std::string(what) + " " + path + " does not exist");
+    warnings.push_back("the " + std::string(what) + " " + path + " does not exist");
   }
 }
 
@@ -25,22 +25,22 @@ void CheckInput(const std::string& path, const char* what, RunWarnings& warnings
 bool CheckGameDirectory(const std::string& gameDirectory, RunWarnings& warnings) {
   std::error_code error;
   if (gameDirectory.empty()) {
-    warnings.push_back("Warning: no game directory is set");
+    warnings.push_back("no game directory is set");
     return false;
   }
   if (!fs::is_directory(core::NativePath(gameDirectory), error)) {
-    warnings.push_back("Warning: the game directory " + gameDirectory + " does not exist");
+    warnings.push_back("the game directory " + gameDirectory + " does not exist");
     return false;
   }
   if (!core::FindIgnoringCase(gameDirectory + "/gameinfo.txt")) {
-    warnings.push_back("Warning: there is no gameinfo.txt in the game directory " + gameDirectory);
+    warnings.push_back("there is no gameinfo.txt in the game directory " + gameDirectory);
   }
   return true;
 }
 
 void CheckOutputFolder(const std::string& folder, RunWarnings& warnings) {
   if (const auto reason = WhyNotWritable(folder)) {
-    warnings.push_back("Warning: the tool cannot write to " + folder + " (" + *reason + ")");
+    warnings.push_back("the tool cannot write to " + folder + " (" + *reason + ")");
   }
 }
 
@@ -80,7 +80,7 @@ RunWarnings CheckVtf2tgaRun(const std::string& input, const std::string& tgaPath
   if (folder.empty()) folder = ".";
   std::error_code error;
   if (!fs::is_directory(core::NativePath(folder), error)) {
-    warnings.push_back("Warning: the output folder " + folder + " does not exist");
+    warnings.push_back("the output folder " + folder + " does not exist");
   } else {
     CheckOutputFolder(folder, warnings);
   }

@@ -7,8 +7,8 @@
 
 namespace tarnwick::tools {
 
-/// What looks wrong before a tool is run, as lines that begin with "Warning: ". The tool is run all the same: it may
-/// know better, and its own words are shown.
+/// What looks wrong before a tool is run, a warning each. The tool is run all the same: it may know better, and its own
+/// words are shown.
 using RunWarnings = std::vector<std::string>;
 
 /// Before studiomdl: the script is there, the game directory is one, and the model can be written below it.

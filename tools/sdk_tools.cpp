@@ -23,12 +23,19 @@ std::string SdkToolPath(std::string_view sdkDirectory, const SdkTool& tool) {
   return path;
 }
 
+std::optional<core::Trouble> MissingTool(const std::string& toolPath, const SdkTool& tool) {
+  if (ToolExists(toolPath)) return std::nullopt;
+  return core::Trouble{
+      .Kind = core::TroubleKind::Missing,
+      .File = toolPath,
+      .Text = "Command " + toolPath + " not found.\r\nPlease set correct HL2 SDK path using configure button",
+      .Caption = std::string(tool.ErrorCaption)};
+}
+
 bool RequireTool(const std::string& toolPath, const SdkTool& tool, core::Report& report) {
-  if (ToolExists(toolPath)) return true;
-  report.ErrorBox(core::TroubleKind::Missing,
-                  "Command " + toolPath + " not found.\r\nPlease set correct HL2 SDK path using configure button",
-                  tool.ErrorCaption, toolPath);
-  return false;
+  const auto missing = MissingTool(toolPath, tool);
+  if (missing) report.Tell(*missing);
+  return !missing;
 }
 
 std::optional<std::string> BundledSdkDirectory() {

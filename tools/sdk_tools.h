@@ -21,8 +21,11 @@ inline constexpr SdkTool Vtf2tga{"vtf2tga", "VTF2TGA ERROR"};
 /// The path of `tool` as it stands at the start of its command line, with slashes only.
 std::string SdkToolPath(std::string_view sdkDirectory, const SdkTool& tool);
 
-/// Whether the tool at `toolPath` is there. If it is not, the user is told to set the SDK path.
-bool RequireTool(const std::string& toolPath, const SdkTool& tool, core::Report& report);
+/// What to tell the user if the tool at `toolPath` is not there: to set the SDK path. Nothing if it is.
+[[nodiscard]] std::optional<core::Trouble> MissingTool(const std::string& toolPath, const SdkTool& tool);
+
+/// Whether the tool at `toolPath` is there. If it is not, the user is told so.
+[[nodiscard]] bool RequireTool(const std::string& toolPath, const SdkTool& tool, core::Report& report);
 
 /// The folder of the program's own texture tools, vtex and vtf2tga, which serve where no SDK is installed. Nothing if
 /// they do not lie beside the running program.

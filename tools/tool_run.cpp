@@ -24,7 +24,7 @@ std::string NotesOf(const ToolRunOutcome& outcome, size_t shown, const std::vect
   if (outcome.OutputAbandoned && !outcome.Stopped) {
     notes += Note("[The tool has ended; a program that it started still runs]");
   }
-  for (const std::string& warning : warnings) notes += Note(warning);
+  for (const std::string& warning : warnings) notes += Note("Warning: " + warning);
   if (!notes.empty()) notes += "\r\n";
   return notes;
 }

@@ -269,10 +269,9 @@ TEST_F(QcGenerator, NamesWhatTheCompilerWillNotFind) {
   project.collisionFile = "phy.smd";
   project.Lods.Add({"far.smd", "10"});
   project.Lods.Add({"farther", "20"});
-  EXPECT_THAT(
-      MissingSources(project),
-      ElementsAre("Warning: the Collision SMD phy.smd is not there", "Warning: the LOD SMD File farther is not there",
-                  "Warning: of the sequence \"spin\" the Animation SMD " + folder.Path("spin.smd") + " is not there"));
+  EXPECT_THAT(MissingSources(project),
+              ElementsAre("the Collision SMD phy.smd is not there", "the LOD SMD File farther is not there",
+                          "of the sequence \"spin\" the Animation SMD " + folder.Path("spin.smd") + " is not there"));
   WriteText(folder.Path("farther.smd"), "");
   project.useReferenceAsCollision = true;
   project.useReferenceAsSequence = true;

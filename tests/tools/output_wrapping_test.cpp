@@ -66,7 +66,7 @@ TEST(OutputWrapping, DoesNotDependOnWhereThePiecesEnd) {
 
 TEST(ToolRun, TellsBehindTheTextHowMuchMoreThereWas) {
   const process::Command command{CONSOLE_PROBE, {"fill", "5000"}};
-  const FinishedRun run = RunTool(ToolRun::Vtf2tga, command, QuietOptions(), {"Warning: no game directory is set"});
+  const FinishedRun run = RunTool(ToolRun::Vtf2tga, command, QuietOptions(), {"no game directory is set"});
   EXPECT_EQ(run.Text.size(), command.Line().size() + 2 + 2000);
   EXPECT_EQ(run.Notes,
             "\r\n[3000 more bytes of output are not shown here; \"Whole log\" has them]"

@@ -6,7 +6,6 @@
 #include <filesystem>
 
 #include "support/scratch_folder.h"
-#include "tools/model_file_watch.h"
 
 namespace tarnwick::tools {
 namespace {
@@ -22,7 +21,7 @@ TEST(RunChecks, SaysWhatIsMissingAndNothingWhenAllIsThere) {
   const ScratchFolder folder;
   const std::string qc = folder.Path("box.qc");
   EXPECT_THAT(CheckStudiomdlRun("", qc),
-              ElementsAre("Warning: the QC file " + qc + " does not exist", "Warning: no game directory is set"));
+              ElementsAre("the QC file " + qc + " does not exist", "no game directory is set"));
   WriteText(qc, "$modelname \"props/new/box.mdl\"\n");
   EXPECT_THAT(CheckStudiomdlRun(folder.Path("game"), qc), ElementsAre(HasSubstr("game does not exist")));
   fs::create_directories(folder.Path("game"));
@@ -46,23 +45,6 @@ TEST(RunChecks, LooksAtTheImagesAndPlacesOfTheTextureTools) {
   EXPECT_THAT(CheckVtf2tgaRun(folder.Path("a.tga"), folder.Path("out/b.tga")),
               ElementsAre(HasSubstr("out/ does not exist")));
   EXPECT_THAT(CheckVtf2tgaRun(folder.Path("a.tga"), folder.Path("b.tga")), IsEmpty());
-}
-
-TEST(ModelFileWatch, SeesWhetherTheRunWroteTheModel) {
-  const ScratchFolder folder;
-  const std::string qc = folder.Path("a.qc");
-  const std::string model = folder.Path("models/props/box.mdl");
-  WriteText(qc, "$modelname \"props\\Box\"");
-  EXPECT_EQ(ModelFileWatch(folder.Path(), folder.Path("none.qc")).WasWritten(), std::nullopt);
-  const ModelFileWatch missing(folder.Path(), qc);
-  EXPECT_EQ(missing.WasWritten(), false);
-  WriteText(model, "");
-  EXPECT_EQ(missing.WasWritten(), true);
-  fs::last_write_time(model, fs::last_write_time(model) - std::chrono::hours(1));
-  const ModelFileWatch old(folder.Path(), qc);
-  EXPECT_EQ(old.WasWritten(), false);
-  WriteText(model, "");
-  EXPECT_EQ(old.WasWritten(), true);
 }
 
 }  // namespace
