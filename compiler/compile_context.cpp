@@ -9,6 +9,13 @@ const smd::SmdSource* CompileContext::Source(int32_t number) const {
   return number >= 0 && at < m_sources.size() && m_haveSource[at] ? &m_sources[at] : nullptr;
 }
 
+std::optional<core::FileImage> CompileContext::Read(const std::string& path, const qc::Place& at) {
+  std::string reason;
+  auto image = Options.Read ? Options.Read(path, reason) : core::FileImage::Read(path, &reason);
+  if (!image) Error(at, qc::Shown(path) + " cannot be read: " + reason, core::TroubleKind::Unreadable);
+  return image;
+}
+
 void CompileContext::SetSource(int32_t number, smd::SmdSource source) {
   const auto at = static_cast<size_t>(number);
   if (at >= m_sources.size()) {

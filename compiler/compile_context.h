@@ -1,10 +1,12 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "compiler/compile_options.h"
 #include "compiler/plan/compile_plan.h"
+#include "core/file_image.h"
 #include "smd/smd_source.h"
 
 namespace tarnwick::compiler {
@@ -20,6 +22,9 @@ class CompileContext {
 
   /// The source at its place in Script::Sources; nothing if it could not be read, which has been told.
   const smd::SmdSource* Source(int32_t number) const;
+
+  /// A file, through the options' reader; nothing, told at `at`, if it cannot be read.
+  std::optional<core::FileImage> Read(const std::string& path, const qc::Place& at = {0, 1, 1, 0});
 
   /// Tells a trouble at a place of the script, as a compiler does: `walker.qc:12:8: error: ...`.
   void Error(const qc::Place& at, std::string text, core::TroubleKind kind = core::TroubleKind::Refused);

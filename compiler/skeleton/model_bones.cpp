@@ -15,6 +15,14 @@ int32_t ModelBones::Find(std::string_view name) const {
   return lower != m_lowerNames.end() ? lower->second : -1;
 }
 
+int32_t ModelBones::Named(std::string_view name) const {
+  const int32_t bone = Find(name);
+  if (bone < 0 || Static) return bone;
+  const std::string& own = Bones[static_cast<size_t>(bone)].Name;
+  if (core::EqualIgnoringCase(own, name)) return bone;
+  return m_renamed.contains(core::LowerAscii(name)) ? bone : -1;
+}
+
 std::vector<int32_t> ModelBones::OfNodes(const smd::SmdSource& source) const {
   std::vector<int32_t> bones;
   bones.reserve(source.Nodes.size());
@@ -31,6 +39,11 @@ void ModelBones::Mark(int32_t bone, uint32_t flag) {
 
 void ModelBones::MarkVertex(int32_t bone, size_t lod) {
   Mark(bone, model::BoneFlagVertexLod0 << lod);
+}
+
+void ModelBones::Rename(std::string_view from, int32_t bone) {
+  AddName(from, bone);
+  m_renamed.insert(core::LowerAscii(from));
 }
 
 void ModelBones::AddName(std::string_view name, int32_t bone) {

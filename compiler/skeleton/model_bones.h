@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "model/bone_math_types.h"
@@ -36,7 +37,9 @@ class ModelBones {
   /// The bone to which a name of the sources or of the script leads: the bone itself, or, where it was dropped or
   /// collapsed, the one that took its place. -1 if there is no such bone. Exact first, then without regard to case.
   int32_t Find(std::string_view name) const;
-  /// The same for every node of a source. A node that leads nowhere (which a kept mesh has not) gets bone 0.
+  /// The bone of that very name; -1 where it was dropped or never was.
+  int32_t Named(std::string_view name) const;
+  /// The same as `Find` for every node of a source. A node that leads nowhere (which a kept mesh has not) gets bone 0.
   std::vector<int32_t> OfNodes(const smd::SmdSource& source) const;
   /// The bone that stands for `bone` at a level of detail (replacebone, bonetreecollapse).
   int32_t AtLod(int32_t bone, size_t lod) const {
@@ -50,12 +53,15 @@ class ModelBones {
 
   /// Names as they are looked up: a name, and the bone it leads to.
   void AddName(std::string_view name, int32_t bone);
+  /// Another name that sources have for a bone.
+  void Rename(std::string_view from, int32_t bone);
 
   std::vector<std::vector<int32_t>> LodBones;  // a level: a bone's stand-in; empty for none
 
  private:
   std::unordered_map<std::string, int32_t> m_names;
   std::unordered_map<std::string, int32_t> m_lowerNames;
+  std::unordered_set<std::string> m_renamed;
 };
 
 }  // namespace tarnwick::compiler

@@ -1,0 +1,184 @@
+#include "compiler/animation/sequence_boxes.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <utility>
+
+#include "compiler/animation/pose_math.h"
+
+namespace tarnwick::compiler {
+
+using model::RigidTransform;
+using model::Vec3;
+
+namespace {
+
+constexpr float CollisionMargin = 0.25f;
+
+struct Box {
+  float Least[3] = {std::numeric_limits<float>::max(), std::numeric_limits<float>::max(),
+                    std::numeric_limits<float>::max()};
+  float Most[3] = {-Least[0], -Least[1], -Least[2]};
+
+  void Take(const float (&p)[3]) {
+    for (int i = 0; i < 3; ++i) {
+      Least[i] = std::min(Least[i], p[i]);
+      Most[i] = std::max(Most[i], p[i]);
+    }
+  }
+  void Take(const Vec3& v) {
+    const float p[3] = {v.x, v.y, v.z};
+    Take(p);
+  }
+  void Take(const Box& other) {
+    Take(other.Least);
+    Take(other.Most);
+  }
+  bool Empty() const { return Least[0] > Most[0]; }
+  std::array<Vec3, 2> Corners() const {
+    if (Empty()) return {Vec3{0, 0, 0}, Vec3{0, 0, 0}};
+    return {Vec3{Least[0], Least[1], Least[2]}, Vec3{Most[0], Most[1], Most[2]}};
+  }
+};
+
+/// A vertex as it is posed. Those of one place and the same weights stand once.
+struct Point {
+  float Place[3];
+  float Weights[3];
+  uint8_t Bones[3];
+  uint8_t Count;
+};
+
+/// A transform in floats.
+struct FloatTransform {
+  float M[12];
+};
+FloatTransform FloatOf(const RigidTransform& t) {
+  FloatTransform f;
+  for (size_t row = 0; row < 3; ++row) {
+    for (size_t column = 0; column < 3; ++column) f.M[4 * row + column] = static_cast<float>(t.Turn[row][column]);
+    f.M[4 * row + 3] = static_cast<float>(t.Move[row]);
+  }
+  return f;
+}
+
+class BoxMeasurer {
+ public:
+  BoxMeasurer(const ModelBones& bones, const BuiltMeshes& meshes, const BuiltSkeleton& skeleton)
+      : m_bones(bones), m_skeleton(skeleton) {
+    for (const ModelBone& bone : bones.Bones) m_toBone.push_back(bone.ToModel.Inverse());
+    m_points.reserve(meshes.Vertices.size());
+    for (const model::VvdVertex& vertex : meshes.Vertices) {
+      Point point = {};
+      std::memcpy(point.Place, &vertex.Position, sizeof point.Place);
+      std::memcpy(point.Weights, vertex.Weights, sizeof point.Weights);
+      std::memcpy(point.Bones, vertex.Bones, sizeof point.Bones);
+      point.Count = std::min<uint8_t>(vertex.WeightCount, 3);
+      m_points.push_back(point);
+    }
+    const auto bytes = [](const Point& a, const Point& b) { return std::memcmp(&a, &b, sizeof a); };
+    std::sort(m_points.begin(), m_points.end(), [&](const Point& a, const Point& b) { return bytes(a, b) < 0; });
+    m_points.erase(
+        std::unique(m_points.begin(), m_points.end(), [&](const Point& a, const Point& b) { return bytes(a, b) == 0; }),
+        m_points.end());
+  }
+
+  Box Measure(const BuiltAnimation& animation) const {
+    Box box;
+    if (m_bones.Static) {
+      for (const Point& point : m_points) box.Take(point.Place);
+      box.Take(Vec3{0, 0, 0});
+      std::vector<RigidTransform> world(1);
+      TakeHitboxes(world, box);
+      return box;
+    }
+    const size_t count = m_bones.Bones.size();
+    std::vector<RigidTransform> world(count);
+    std::vector<FloatTransform> skin(count);
+    for (int32_t frame = 0; frame < animation.FrameCount; ++frame) {
+      if (frame > 0 && SameFrame(animation, frame)) continue;
+      for (size_t i = 0; i < count; ++i) {
+        const ModelBone& bone = m_bones.Bones[i];
+        RigidTransform local = TransformOf(animation.Pose(frame, i, count));
+        if (animation.Delta) local = RigidTransform::Of(bone.Angles, bone.Position) * local;
+        world[i] = bone.Parent < 0 ? local : world[static_cast<size_t>(bone.Parent)] * local;
+        skin[i] = FloatOf(world[i] * m_toBone[i]);
+        box.Take(MoveOf(world[i]));
+      }
+      TakePoints(skin, box);
+      TakeHitboxes(world, box);
+    }
+    return box;
+  }
+
+ private:
+  bool SameFrame(const BuiltAnimation& animation, int32_t frame) const {
+    const size_t count = m_bones.Bones.size();
+    return std::memcmp(&animation.Pose(frame, 0, count), &animation.Pose(frame - 1, 0, count),
+                       count * sizeof(BonePose)) == 0;
+  }
+  void TakePoints(const std::vector<FloatTransform>& skin, Box& box) const {
+    for (const Point& point : m_points) {
+      float posed[3] = {0, 0, 0};
+      for (int i = 0; i < point.Count; ++i) {
+        if (point.Bones[i] >= skin.size()) continue;
+        const float* m = skin[point.Bones[i]].M;
+        for (int row = 0; row < 3; ++row) {
+          const float* r = m + static_cast<ptrdiff_t>(4) * row;
+          posed[row] +=
+              point.Weights[i] * (r[0] * point.Place[0] + r[1] * point.Place[1] + r[2] * point.Place[2] + r[3]);
+        }
+      }
+      box.Take(posed);
+    }
+  }
+  void TakeHitboxes(const std::vector<RigidTransform>& world, Box& box) const {
+    for (const BuiltHitboxSet& set : m_skeleton.HitboxSets) {
+      for (const BuiltHitbox& hitbox : set.Boxes) {
+        for (int corner = 0; corner < 8; ++corner) {
+          const Vec3 p = {(corner & 1) != 0 ? hitbox.Maximum.x : hitbox.Minimum.x,
+                          (corner & 2) != 0 ? hitbox.Maximum.y : hitbox.Minimum.y,
+                          (corner & 4) != 0 ? hitbox.Maximum.z : hitbox.Minimum.z};
+          box.Take(world[static_cast<size_t>(hitbox.Bone)].Apply(p));
+        }
+      }
+    }
+  }
+
+  const ModelBones& m_bones;
+  const BuiltSkeleton& m_skeleton;
+  std::vector<RigidTransform> m_toBone;
+  std::vector<Point> m_points;
+};
+
+}  // namespace
+
+Vec3 MeasureSequences(const ModelBones& bones, const BuiltMeshes& meshes, const BuiltSkeleton& skeleton,
+                      const std::optional<std::array<Vec3, 2>>& collision, BuiltMotion& motion) {
+  const BoxMeasurer measurer(bones, meshes, skeleton);
+  std::vector<Box> boxes;
+  boxes.reserve(motion.Animations.size());
+  for (const BuiltAnimation& animation : motion.Animations) boxes.push_back(measurer.Measure(animation));
+  Vec3 middle = {0, 0, 0};
+  bool first = true;
+  for (BuiltSequence& sequence : motion.Sequences) {
+    const bool isFirst = std::exchange(first, false);
+    if ((sequence.Flags & model::SequenceFlagDeclared) != 0) continue;
+    Box box;
+    for (const int32_t animation : sequence.Animations) box.Take(boxes[static_cast<size_t>(animation)]);
+    if (isFirst) {
+      const auto plain = box.Corners();
+      middle = {(plain[0].x + plain[1].x) / 2, (plain[0].y + plain[1].y) / 2, (plain[0].z + plain[1].z) / 2};
+      if (collision) {
+        const Vec3 &least = (*collision)[0], &most = (*collision)[1];
+        box.Take(Vec3{least.x - CollisionMargin, least.y - CollisionMargin, least.z - CollisionMargin});
+        box.Take(Vec3{most.x + CollisionMargin, most.y + CollisionMargin, most.z + CollisionMargin});
+      }
+    }
+    sequence.Box = box.Corners();
+  }
+  return middle;
+}
+
+}  // namespace tarnwick::compiler

@@ -1,0 +1,158 @@
+// The frames of a source as poses of the model's bones.
+
+#include <cmath>
+#include <numbers>
+
+#include "compiler/animation/animation_words.h"
+#include "compiler/skeleton/euler.h"
+
+namespace tarnwick::compiler {
+
+using model::RigidTransform;
+
+namespace {
+
+constexpr float QuarterTurn = std::numbers::pi_v<float> / 2;
+
+RigidTransform TransformOf(const smd::SourcePose& pose) {
+  return RigidTransform::Of(model::EulerAngles{pose.Rotation.X, pose.Rotation.Y, pose.Rotation.Z},
+                            model::Vec3{pose.Position.X, pose.Position.Y, pose.Position.Z});
+}
+
+BonePose RestOf(const ModelBone& bone) {
+  return {{bone.Position.x, bone.Position.y, bone.Position.z}, {bone.Angles.x, bone.Angles.y, bone.Angles.z}};
+}
+
+/// Where a bone's frames come from: a node of the source, and whether its parent there is the bone's own.
+struct Track {
+  int32_t Node = -1;
+  bool Direct = true;
+};
+
+class FrameTaker {
+ public:
+  FrameTaker(const ModelBones& bones, const smd::SmdSource& source, const SourceUse& use)
+      : m_bones(bones), m_source(source), m_use(use) {
+    FindTracks();
+  }
+
+  void Take(int32_t frame, BonePose* poses) {
+    if (m_needWorld) FindWorld(frame);
+    for (size_t i = 0; i < m_tracks.size(); ++i) {
+      const Track& track = m_tracks[i];
+      const ModelBone& bone = m_bones.Bones[i];
+      if (track.Node < 0) {
+        poses[i] = RestOf(bone);
+        continue;
+      }
+      if (track.Direct) {
+        const smd::SourcePose& pose = m_source.PoseOf(frame, static_cast<size_t>(track.Node));
+        poses[i] = {{pose.Position.X, pose.Position.Y, pose.Position.Z},
+                    {pose.Rotation.X, pose.Rotation.Y, pose.Rotation.Z}};
+      } else {
+        const RigidTransform& world = m_world[static_cast<size_t>(track.Node)];
+        const int32_t parent = bone.Parent < 0 ? -1 : m_tracks[static_cast<size_t>(bone.Parent)].Node;
+        const RigidTransform local = parent < 0 ? world : m_world[static_cast<size_t>(parent)].Inverse() * world;
+        const model::Vec3 place = MoveOf(local);
+        const model::EulerAngles angles = EulerOf(local);
+        poses[i] = {{place.x, place.y, place.z}, {angles.x, angles.y, angles.z}};
+      }
+      for (float& axis : poses[i].Position) axis *= m_use.Scale;
+      if (bone.Parent < 0) TurnRoot(poses[i]);
+    }
+  }
+
+ private:
+  void FindTracks() {
+    m_tracks.resize(m_bones.Bones.size());
+    std::vector<int32_t> boneOf(m_source.Nodes.size(), -1);
+    for (size_t node = 0; node < m_source.Nodes.size(); ++node) {
+      const int32_t bone = m_bones.Named(m_source.Nodes[node].Name);
+      if (bone < 0) continue;  // a bone that was dropped
+      boneOf[node] = bone;
+      if (m_tracks[static_cast<size_t>(bone)].Node < 0)
+        m_tracks[static_cast<size_t>(bone)].Node = static_cast<int32_t>(node);
+    }
+    for (size_t i = 0; i < m_tracks.size(); ++i) {
+      if (m_tracks[i].Node < 0) continue;
+      const int32_t parent = m_source.Nodes[static_cast<size_t>(m_tracks[i].Node)].Parent;
+      const int32_t parentBone = parent < 0 ? -1 : boneOf[static_cast<size_t>(parent)];
+      // A missing parent of the model has no place in the source: the relation of the source then stands.
+      const int32_t own = m_bones.Bones[i].Parent;
+      const bool ownIsThere = own < 0 || m_tracks[static_cast<size_t>(own)].Node >= 0;
+      m_tracks[i].Direct = (parent < 0 && own < 0) || (parent >= 0 && parentBone == own && own >= 0) || !ownIsThere;
+      m_needWorld = m_needWorld || !m_tracks[i].Direct;
+    }
+  }
+  void FindWorld(int32_t frame) {
+    m_world.resize(m_source.Nodes.size());
+    std::vector<char> done(m_source.Nodes.size(), 0);
+    std::vector<int32_t> chain;
+    for (size_t node = 0; node < m_world.size(); ++node) {
+      chain.clear();
+      for (auto at = static_cast<int32_t>(node); at >= 0 && done[static_cast<size_t>(at)] == 0;
+           at = m_source.Nodes[static_cast<size_t>(at)].Parent) {
+        chain.push_back(at);
+      }
+      for (size_t i = chain.size(); i-- > 0;) {
+        const auto at = static_cast<size_t>(chain[i]);
+        const int32_t parent = m_source.Nodes[at].Parent;
+        const RigidTransform local = TransformOf(m_source.PoseOf(frame, at));
+        m_world[at] = parent < 0 ? local : m_world[static_cast<size_t>(parent)] * local;
+        done[at] = 1;
+      }
+    }
+  }
+  /// Sources look north where models look east.
+  void TurnRoot(BonePose& pose) const {
+    const float x = pose.Position[0], y = pose.Position[1];
+    pose.Position[0] = -y;
+    pose.Position[1] = x;
+    pose.Angles[2] += QuarterTurn;
+    if (m_use.OriginTurn != 0) {
+      const double turn = double{m_use.OriginTurn} * (std::numbers::pi / 180);
+      const double c = std::cos(turn), s = std::sin(turn);
+      const double px = pose.Position[0], py = pose.Position[1];
+      pose.Position[0] = static_cast<float>(px * c - py * s);
+      pose.Position[1] = static_cast<float>(px * s + py * c);
+      pose.Angles[2] += static_cast<float>(turn);
+    }
+    pose.Position[0] += m_use.Origin.x;
+    pose.Position[1] += m_use.Origin.y;
+    pose.Position[2] += m_use.Origin.z;
+  }
+
+  const ModelBones& m_bones;
+  const smd::SmdSource& m_source;
+  const SourceUse& m_use;
+  std::vector<Track> m_tracks;
+  std::vector<RigidTransform> m_world;
+  bool m_needWorld = false;
+};
+
+}  // namespace
+
+void TakeRestPose(const ModelBones& bones, BuiltAnimation& animation) {
+  animation.FrameCount = 1;
+  animation.Poses.clear();
+  for (const ModelBone& bone : bones.Bones) animation.Poses.push_back(RestOf(bone));
+}
+
+bool TakeFrames(CompileContext& context, const ModelBones& bones, const SourceUse& use, BuiltAnimation& animation) {
+  const smd::SmdSource* source = context.Source(use.Source);
+  if (source == nullptr || bones.Static || source->FrameCount == 0) {
+    TakeRestPose(bones, animation);
+    return source != nullptr;
+  }
+  const auto size = static_cast<int64_t>(bones.Bones.size() * sizeof(BonePose)) * source->FrameCount;
+  if (!context.Spend(size, use.At)) return false;
+  animation.FrameCount = source->FrameCount;
+  animation.Poses.resize(bones.Bones.size() * static_cast<size_t>(source->FrameCount));
+  FrameTaker taker(bones, *source, use);
+  for (int32_t frame = 0; frame < source->FrameCount; ++frame) {
+    taker.Take(frame, &animation.Pose(frame, 0, bones.Bones.size()));
+  }
+  return true;
+}
+
+}  // namespace tarnwick::compiler

@@ -1,0 +1,103 @@
+#include "compiler/files/model_files.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "core/output_file.h"
+#include "core/paths.h"
+
+namespace tarnwick::compiler {
+
+namespace {
+
+bool Fail(CompileReport& report, core::TroubleKind kind, std::string file, std::string text) {
+  report.Troubles.push_back(
+      {.Level = core::Severity::Error, .Kind = kind, .File = std::move(file), .Text = std::move(text)});
+  ++report.Errors;
+  return false;
+}
+
+/// The name's path below the folder of models, with slashes; nothing if it would lead elsewhere.
+std::optional<std::string> SafePath(std::string name) {
+  std::replace(name.begin(), name.end(), '\\', '/');
+  const bool absolute = name.starts_with('/') || name.find(':') != std::string::npos;
+  const bool hasControl = std::ranges::any_of(name, [](char c) { return static_cast<unsigned char>(c) < 0x20; });
+  if (absolute || hasControl) return std::nullopt;
+  std::string path;
+  for (size_t at = 0; at <= name.size();) {
+    const size_t end = std::min(name.find('/', at), name.size());
+    const std::string_view part = std::string_view(name).substr(at, end - at);
+    at = end + 1;
+    if (part.empty() || part == ".") continue;
+    if (part == "..") return std::nullopt;
+    path += (path.empty() ? "" : "/") + std::string(part);
+  }
+  if (path.empty() || core::EqualIgnoringCase(core::LastComponent(path), ".mdl")) return std::nullopt;
+  return path;
+}
+
+/// Whether `path`, with all links followed, lies in `folder`.
+bool LiesIn(const std::filesystem::path& path, const std::filesystem::path& folder) {
+  std::error_code error;
+  const auto whole = std::filesystem::weakly_canonical(path, error);
+  const auto base = std::filesystem::weakly_canonical(folder, error);
+  const auto [end, nothing] = std::mismatch(base.begin(), base.end(), whole.begin(), whole.end());
+  return !error && end == base.end();
+}
+
+}  // namespace
+
+bool WriteModelFiles(const CompiledFiles& files, const std::string& modelName, const std::string& gameDirectory,
+                     CompileReport& report) {
+  const auto path = SafePath(modelName);
+  if (!path) {
+    return Fail(report, core::TroubleKind::Refused, modelName,
+                "the model's name \"" + modelName + "\" is no place below the folder of models");
+  }
+  std::string folder = gameDirectory.empty() ? "." : gameDirectory;
+  while (folder.size() > 1 && (folder.back() == '/' || folder.back() == '\\')) folder.pop_back();
+  folder += "/models/";
+  const std::string base = folder + path->substr(0, path->size() - std::string_view(".mdl").size());
+  std::error_code error;
+  const auto native = core::NativePath(base);
+  std::filesystem::create_directories(core::NativePath(folder), error);
+  if (!error && !LiesIn(native.parent_path(), core::NativePath(folder))) {
+    return Fail(report, core::TroubleKind::Refused, base, base + " would lie outside of " + folder);
+  }
+  if (!error) std::filesystem::create_directories(native.parent_path(), error);
+  if (error) {
+    return Fail(report, core::TroubleKind::Unwritable, base,
+                "the folder of " + base + " cannot be made: " + error.message());
+  }
+  struct Entry {
+    std::string_view Ending;
+    const std::string& Bytes;
+  };
+  const Entry entries[] = {
+      {".vvd", files.Vvd}, {".dx90.vtx", files.Vtx}, {".phy", files.Phy}, {".ani", files.Ani}, {".mdl", files.Mdl}};
+  std::vector<core::OutputFile> outputs;
+  for (const Entry& entry : entries) {
+    if (entry.Bytes.empty()) continue;
+    const std::string name = base + std::string(entry.Ending);
+    std::string reason;
+    auto output = core::OutputFile::Create(name, &reason);
+    if (!output || !output->Write(entry.Bytes)) {
+      return Fail(report, core::TroubleKind::Unwritable, name,
+                  name + " cannot be written: " + (output ? output->Error() : reason));
+    }
+    outputs.push_back(std::move(*output));
+  }
+  for (core::OutputFile& output : outputs) {
+    if (!output.Commit()) {
+      return Fail(report, core::TroubleKind::Unwritable, output.Path(),
+                  output.Path() + " cannot be written: " + output.Error());
+    }
+    report.Files.push_back({output.Path(), static_cast<int64_t>(output.Size())});
+  }
+  return true;
+}
+
+}  // namespace tarnwick::compiler

@@ -1,0 +1,482 @@
+#include "compiler/plan/plan_reader.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "compiler/plan/body_plan.h"
+#include "compiler/plan/collision_plan.h"
+#include "compiler/plan/key_value_text.h"
+#include "core/paths.h"
+#include "model/bone_math.h"
+#include "model/studio_records.h"
+#include "qc/tables.h"
+
+namespace tarnwick::compiler {
+
+using qc::Command;
+using qc::Key;
+using qc::Option;
+using qc::Statement;
+
+namespace {
+
+constexpr uint32_t FlagObsolete = 0x200;
+constexpr uint32_t FlagNoForcedFade = 0x800;
+constexpr uint32_t FlagForcePhonemeCrossfade = 0x1000;
+constexpr uint32_t FlagConstantLight = 0x2000;
+constexpr uint32_t FlagAmbientBoost = 0x10000;
+constexpr uint32_t FlagNoShadows = 0x20000;
+constexpr uint32_t FlagTextureShadows = 0x40000;
+constexpr size_t MostMaterialFolders = 32;
+
+struct ContentsWord {
+  std::string_view Word;
+  int32_t Value;
+};
+constexpr ContentsWord ContentsWords[] = {{"solid", 1}, {"grate", 8}, {"notsolid", 0}, {"monster", 0x2000000}};
+
+model::Vec3 VecAt(const Statement& s, size_t first) {
+  return {static_cast<float>(s.Number(first)), static_cast<float>(s.Number(first + 1)),
+          static_cast<float>(s.Number(first + 2))};
+}
+model::Vec3 VecAt(const Option& o, size_t first) {
+  return {static_cast<float>(o.Number(first)), static_cast<float>(o.Number(first + 1)),
+          static_cast<float>(o.Number(first + 2))};
+}
+
+class PlanReader {
+ public:
+  explicit PlanReader(CompilePlan& plan) : m_plan(plan) {}
+
+  void Run() {
+    for (const Statement& statement : m_plan.Script.Statements) Read(statement);
+    // A level is chosen by its threshold; the shadow's stands behind all.
+    std::stable_sort(m_plan.Lods.begin(), m_plan.Lods.end(), [](const PlanLod& a, const PlanLod& b) {
+      return a.Shadow != b.Shadow ? b.Shadow : !a.Shadow && a.Threshold < b.Threshold;
+    });
+  }
+
+ private:
+  qc::Messages& Told() { return m_plan.Script.Told; }
+  std::string Text(const Statement& s, size_t i) const {
+    return i < s.Arguments.size() ? std::string(s.Arguments[i].Text) : std::string();
+  }
+  float Number(const Statement& s, size_t i) const { return static_cast<float>(s.Number(i)); }
+  void NotBuilt(const Statement& s) {
+    Told().Warning(core::TroubleKind::Lost, s.At, std::string(s.Name) + " is known, but nothing is built from it");
+  }
+
+  void Read(const Statement& s) {
+    if (s.Arguments.empty() && NeedsArguments(s.Kind)) return;  // told by the script's reader
+    if (ReadHeader(s) || ReadBones(s) || ReadMotion(s) || ReadBodies(s)) return;
+    switch (s.Kind) {
+      case Command::Cd:
+      case Command::PushD:
+      case Command::PopD:
+      case Command::AddSearchDir:
+      case Command::ExternalTextures:
+      case Command::ClipToTextures:
+      case Command::CdTexture:
+      case Command::SequenceGroup:
+      case Command::SequenceGroupSize:
+      case Command::BoneSaveFrame:
+      case Command::DeclareAnimation:
+        break;
+      default:
+        if (const qc::StatementRow* row = qc::FindStatement(s.Name);
+            row != nullptr && row->State == qc::Support::Built) {
+          NotBuilt(s);  // the others were told when the script was read
+        }
+    }
+  }
+
+  static bool NeedsArguments(Command kind) {
+    for (const qc::StatementRow& row : qc::StatementRows()) {
+      if (row.Kind != kind) continue;
+      return !row.Arguments.empty() && row.Arguments[0] != '?' && row.Arguments[0] != 'L';
+    }
+    return false;
+  }
+
+  // Name, place, flags
+
+  bool ReadHeader(const Statement& s) {
+    switch (s.Kind) {
+      case Command::ModelName: {
+        m_plan.ModelName = Text(s, 0);
+        const std::string lower = core::LowerAscii(m_plan.ModelName);
+        if (!lower.ends_with(".mdl")) m_plan.ModelName += ".mdl";
+        return true;
+      }
+      case Command::Scale: {
+        const float scale = Number(s, 0);
+        if (std::isfinite(scale) && scale != 0) m_use.Scale = scale;
+        return true;
+      }
+      case Command::Origin:
+        m_use.Origin = VecAt(s, 0);
+        m_use.OriginTurn = static_cast<float>(s.Number(3));
+        return true;
+      case Command::UpAxis:
+        m_use.YUp = core::EqualIgnoringCase(Text(s, 0), "Y");
+        return true;
+      case Command::SurfaceProp:
+        m_plan.SurfaceProp = Text(s, 0);
+        return true;
+      case Command::JointSurfaceProp:
+        m_plan.BoneSurfaces.push_back({s.At, Text(s, 0), Text(s, 1)});
+        return true;
+      case Command::Contents:
+        m_plan.Contents = ContentsOf(s, 0);
+        return true;
+      case Command::JointContents:
+        m_plan.BoneContents.push_back({s.At, Text(s, 0), ContentsOf(s, 1)});
+        return true;
+      case Command::EyePosition:
+        m_plan.EyePosition = VecAt(s, 0);
+        return true;
+      case Command::IllumPosition:
+        m_plan.IllumPosition = VecAt(s, 0);
+        m_plan.IllumBone = Text(s, 3);
+        if (!m_plan.IllumBone.empty()) {
+          Told().Warning(core::TroubleKind::Lost, s.At,
+                         "the bone of $illumposition is not built; the place is the model's");
+        }
+        return true;
+      case Command::BBox:
+        m_plan.HullBox = {VecAt(s, 0), VecAt(s, 3)};
+        return true;
+      case Command::CBox:
+        m_plan.ViewBox = {VecAt(s, 0), VecAt(s, 3)};
+        return true;
+      case Command::MaxEyeDeflection:
+        m_plan.MaxEyeDeflection = Number(s, 0);
+        return true;
+      case Command::ConstantDirectionalLight:
+        m_plan.Flags |= FlagConstantLight;
+        m_plan.ConstantLight = Number(s, 0);
+        return true;
+      case Command::KeyValues:
+        if (s.Text >= 0) m_plan.KeyValues += KeyValueText(m_plan.Script.KeyValues[static_cast<size_t>(s.Text)]);
+        return true;
+      case Command::StaticProp:
+        m_plan.StaticProp = true;
+        m_plan.Flags |= model::ModelFlagStatic;
+        return true;
+      default:
+        return ReadFlag(s);
+    }
+  }
+  bool ReadFlag(const Statement& s) {
+    switch (s.Kind) {
+      case Command::Opaque:
+        return Flag(model::ModelFlagOpaque);
+      case Command::MostlyOpaque:
+        return Flag(model::ModelFlagMostlyOpaque);
+      case Command::Obsolete:
+        return Flag(FlagObsolete);
+      case Command::AmbientBoost:
+        return Flag(FlagAmbientBoost);
+      case Command::DoNotCastShadows:
+        return Flag(FlagNoShadows);
+      case Command::CastTextureShadows:
+        return Flag(FlagTextureShadows);
+      case Command::NoForcedFade:
+        return Flag(FlagNoForcedFade);
+      case Command::ForcePhonemeCrossfade:
+        return Flag(FlagForcePhonemeCrossfade);
+      case Command::SkipBoneInBBox:
+        m_plan.SkipBonesInBoxes = true;
+        return true;
+      default:
+        return false;
+    }
+  }
+  bool Flag(uint32_t flag) {
+    m_plan.Flags |= flag;
+    return true;
+  }
+  int32_t ContentsOf(const Statement& s, size_t first) {
+    int32_t contents = 0;
+    bool none = false;
+    for (size_t i = first; i < s.Arguments.size(); ++i) {
+      const auto* word = std::ranges::find_if(
+          ContentsWords, [&](const ContentsWord& w) { return core::EqualIgnoringCase(w.Word, s.Arguments[i].Text); });
+      if (word == std::end(ContentsWords)) {
+        Told().Warning(core::TroubleKind::Unknown, s.Arguments[i].At,
+                       "no contents are known by " + qc::Shown(s.Arguments[i].Text));
+      } else {
+        contents |= word->Value;
+        none = none || word->Value == 0;
+      }
+    }
+    return contents == 0 && !none ? 1 : contents;
+  }
+
+  // Bodies, materials, levels of detail, collision
+
+  bool ReadBodies(const Statement& s) {
+    switch (s.Kind) {
+      case Command::CdMaterials:
+        for (const qc::Argument& argument : s.Arguments) AddFolder(s, argument);
+        return true;
+      case Command::RenameMaterial:
+        m_plan.RenamedMaterials.emplace_back(Text(s, 0), Text(s, 1));
+        return true;
+      case Command::TextureGroup: {
+        PlanSkins& skins = m_plan.Skins.emplace_back(PlanSkins{s.At, {}});
+        for (const auto& row : s.Rows) {
+          std::vector<std::string>& names = skins.Rows.emplace_back();
+          for (const qc::Argument& name : row) names.emplace_back(name.Text);
+        }
+        return true;
+      }
+      case Command::Body:
+      case Command::Model:
+      case Command::BodyGroup:
+        m_plan.BodyParts.push_back(ReadBodyPart(s, m_use));
+        return true;
+      case Command::AppendBlankBodyGroup:
+        for (PlanBodyPart& part : m_plan.BodyParts) {
+          if (core::EqualIgnoringCase(part.Name, Text(s, 0))) part.Models.emplace_back();
+        }
+        return true;
+      case Command::Lod:
+      case Command::ShadowLod:
+        m_plan.Lods.push_back(ReadLod(s, m_use));
+        return true;
+      case Command::MinLod:
+        m_plan.LeastLod = Whole(s.Number(0));
+        return true;
+      case Command::AllowRootLods:
+        m_plan.AllowedRootLods = 1;
+        return true;
+      case Command::SkinnedLods:
+        m_plan.SkinnedLods = true;
+        return true;
+      case Command::CollisionModel:
+      case Command::CollisionJoints:
+        if (m_plan.Collision)
+          Told().Warning(core::TroubleKind::Refused, s.At, "a second collision model takes the first one's place");
+        m_plan.Collision = ReadCollision(s, m_use);
+        return true;
+      case Command::CollisionText:
+        if (s.Text >= 0) m_plan.CollisionTexts.push_back(s.Text);
+        return true;
+      case Command::IncludeModel: {
+        std::string name = Text(s, 0);
+        if (!core::LowerAscii(name).starts_with("models/") && !core::LowerAscii(name).starts_with("models\\")) {
+          name = "models/" + name;
+        }
+        m_plan.IncludedModels.push_back(name);
+        return true;
+      }
+      default:
+        return false;
+    }
+  }
+  void AddFolder(const Statement& s, const qc::Argument& argument) {
+    std::string folder(argument.Text);
+    std::replace(folder.begin(), folder.end(), '/', '\\');
+    if (!folder.empty() && folder.back() != '\\') folder += '\\';
+    if (m_plan.MaterialFolders.size() == MostMaterialFolders) {
+      Told().Error(core::TroubleKind::Limit, s.At, "more than 32 material folders");
+    }
+    m_plan.MaterialFolders.push_back(std::move(folder));
+  }
+  static int32_t Whole(double value) {
+    return std::isfinite(value) ? static_cast<int32_t>(std::clamp(value, -2147483648.0, 2147483647.0)) : 0;
+  }
+
+  // Bones
+
+  bool ReadBones(const Statement& s) {
+    switch (s.Kind) {
+      case Command::DefineBone:
+        ReadDefinedBone(s);
+        return true;
+      case Command::UnlockDefineBones:
+        m_plan.UnlockDefinedBones = true;
+        return true;
+      case Command::BoneMerge:
+        m_plan.MergedBones.push_back(Text(s, 0));
+        return true;
+      case Command::AlwaysCollapse:
+        m_plan.CollapsedBones.push_back(Text(s, 0));
+        return true;
+      case Command::CollapseBones:
+        m_plan.CollapseBones = true;
+        return true;
+      case Command::Hierarchy:
+        m_plan.Hierarchy.emplace_back(Text(s, 0), Text(s, 1));
+        return true;
+      case Command::RenameBone:
+        m_plan.RenamedBones.emplace_back(Text(s, 0), Text(s, 1));
+        return true;
+      case Command::Root:
+        return true;  // the first root is one in any case
+      case Command::Attachment:
+        ReadAttachment(s);
+        return true;
+      case Command::HBoxSet:
+        m_plan.GivenHitboxes = true;
+        m_plan.HitboxSets.push_back({Text(s, 0), {}});
+        return true;
+      case Command::HBox:
+        m_plan.GivenHitboxes = true;
+        if (m_plan.HitboxSets.empty()) m_plan.HitboxSets.push_back({"default", {}});
+        m_plan.HitboxSets.back().Boxes.push_back({s.At, Whole(s.Number(0)), Text(s, 1), VecAt(s, 2), VecAt(s, 5)});
+        return true;
+      case Command::HGroup:
+        m_plan.HitGroups.push_back({s.At, Text(s, 1), Whole(s.Number(0))});
+        return true;
+      case Command::JiggleBone:
+        m_plan.JiggleBones.push_back({s.At, Text(s, 0), &s});
+        return true;
+      case Command::ProceduralBones:
+        if (s.Arguments[0].Source >= 0) m_plan.VrdSources.push_back(s.Arguments[0].Source);
+        return true;
+      case Command::PoseParameter:
+        ReadPoseParameter(s);
+        return true;
+      case Command::IkChain:
+        ReadIkChain(s);
+        return true;
+      case Command::IkAutoplayLock:
+        m_plan.AutoplayLocks.push_back({s.At, Text(s, 0), Number(s, 1), Number(s, 2)});
+        return true;
+      default:
+        return false;
+    }
+  }
+  void ReadDefinedBone(const Statement& s) {
+    const auto again = std::ranges::find_if(
+        m_plan.DefinedBones, [&](const PlanBone& b) { return core::EqualIgnoringCase(b.Name, Text(s, 0)); });
+    if (again != m_plan.DefinedBones.end()) return;  // the first counts
+    const auto radians = [&](size_t i) { return static_cast<float>(s.Number(i) * (3.14159265358979323846 / 180)); };
+    // Typed as pitch, yaw and roll.
+    m_plan.DefinedBones.push_back({s.At, Text(s, 0), Text(s, 1), VecAt(s, 2), {radians(7), radians(5), radians(6)}});
+    for (size_t i = 8; i < s.Arguments.size(); ++i) {
+      if (s.Number(i) == 0) continue;
+      Told().Warning(core::TroubleKind::Lost, s.Arguments[i].At, "the fix-up of a defined bone is not built");
+      break;
+    }
+  }
+  void ReadAttachment(const Statement& s) {
+    PlanAttachment attachment{s.At, Text(s, 0), Text(s, 1), VecAt(s, 2), {}, false, false, false, {}};
+    for (const Option& option : s.Options) {
+      switch (option.Kind) {
+        case Key::Absolute:
+          attachment.Absolute = true;
+          break;
+        case Key::Rigid:
+          attachment.Rigid = true;
+          break;
+        case Key::WorldAlign:
+          attachment.WorldAlign = true;
+          break;
+        case Key::Rotate: {
+          const model::Vec3 angles = VecAt(option, 0);
+          attachment.Rotation = {angles.x, angles.y, angles.z};
+          break;
+        }
+        case Key::XAndZAxes: {
+          const model::Vec3 x = VecAt(option, 0), z = VecAt(option, 3);
+          attachment.Axes = {x.x, x.y, x.z, z.x, z.y, z.z};
+          break;
+        }
+        default:
+          break;
+      }
+    }
+    m_plan.Attachments.push_back(std::move(attachment));
+  }
+  void ReadPoseParameter(const Statement& s) {
+    PlanPoseParameter pose{s.At, Text(s, 0), Number(s, 1), Number(s, 2), 0, false};
+    if (s.Arguments.size() > 3) {
+      pose.Wrap = Number(s, 3);
+      pose.Loops = true;
+    }
+    for (const Option& option : s.Options) {
+      if (option.Kind == Key::Loop) {
+        pose.Wrap = static_cast<float>(option.Number(0));
+        pose.Loops = true;
+      } else if (option.Kind == Key::Wrap) {
+        pose.Wrap = pose.End - pose.Start;
+        pose.Loops = true;
+      }
+    }
+    m_plan.PoseParameters.push_back(std::move(pose));
+  }
+  void ReadIkChain(const Statement& s) {
+    PlanIkChain chain{s.At, Text(s, 0), Text(s, 1), {0, 0, 0}, {}, 0, 0, 0};
+    for (const Option& option : s.Options) {
+      const auto value = static_cast<float>(option.Number(0));
+      if (option.Kind == Key::Knee) chain.Knee = VecAt(option, 0);
+      if (option.Kind == Key::Center) chain.Center = VecAt(option, 0);
+      if (option.Kind == Key::Height) chain.Height = value;
+      if (option.Kind == Key::Pad) chain.Pad = value;
+      if (option.Kind == Key::Floor) chain.Floor = value;
+    }
+    m_plan.IkChains.push_back(std::move(chain));
+  }
+
+  // Animations
+
+  bool ReadMotion(const Statement& s) {
+    switch (s.Kind) {
+      case Command::Animation:
+      case Command::Sequence:
+      case Command::CmdList:
+      case Command::DeclareSequence:
+      case Command::Continue:
+      case Command::Append:
+      case Command::Prepend:
+        m_plan.Motions.push_back({&s, m_use});
+        m_plan.Motions.back().Settings.At = s.At;
+        return true;
+      case Command::WeightList:
+        m_plan.WeightLists.push_back(WeightsOf(s, Text(s, 0)));
+        return true;
+      case Command::DefaultWeightList:
+        m_plan.DefaultWeights = WeightsOf(s, {});
+        return true;
+      case Command::CalcTransitions:
+        m_plan.CalcTransitions = true;
+        return true;
+      case Command::LCaseAllSequences:
+        m_plan.LowerCaseSequences = true;
+        return true;
+      case Command::AnimBlockSize:
+        Told().Warning(core::TroubleKind::Lost, s.At, "animations stay in the model's own file; no block file is made");
+        return true;
+      case Command::SectionFrames:
+        m_plan.SectionFrames = std::max(Whole(s.Number(0)), 0);
+        m_plan.LeastSectionedFrames = std::max(Whole(s.Number(1)), 0);
+        return true;
+      default:
+        return false;
+    }
+  }
+  static PlanWeightList WeightsOf(const Statement& s, std::string name) {
+    PlanWeightList list{std::move(name), {}};
+    for (const auto& row : s.Rows) {
+      if (row.size() >= 2) list.Bones.emplace_back(std::string(row[0].Text), static_cast<float>(row[1].Number));
+    }
+    return list;
+  }
+
+  CompilePlan& m_plan;
+  SourceUse m_use;  // what holds for the statements that follow
+};
+
+}  // namespace
+
+std::unique_ptr<CompilePlan> ReadPlan(qc::Script script) {
+  auto plan = std::make_unique<CompilePlan>();
+  plan->Script = std::move(script);
+  PlanReader(*plan).Run();
+  return plan;
+}
+
+}  // namespace tarnwick::compiler

@@ -1,0 +1,328 @@
+#include "compiler/skeleton/build_bones.h"
+
+#include <algorithm>
+#include <unordered_map>
+
+#include "compiler/mesh/corner_weights.h"
+#include "compiler/skeleton/euler.h"
+#include "core/paths.h"
+#include "model/studio_records.h"
+
+namespace tarnwick::compiler {
+
+using model::RigidTransform;
+
+namespace {
+
+/// A bone that some source or statement names.
+struct Candidate {
+  std::string Name;
+  int32_t Parent = -1;
+  std::string ParentName;  // of a definition, until all bones are known
+  model::Vec3 Position = {0, 0, 0};
+  model::EulerAngles Angles = {0, 0, 0};
+  bool Defined = false;
+  bool Kept = false;
+  bool Collapsed = false;
+  RigidTransform ToModel;
+};
+
+class BoneJoiner {
+ public:
+  BoneJoiner(CompileContext& context, ModelBones& bones) : m_context(context), m_plan(context.Plan), m_bones(bones) {}
+
+  bool Run() {
+    Define();
+    for (const PlanBodyPart& part : m_plan.BodyParts) {
+      for (const PlanModel& model : part.Models) AddNodes(model.Mesh, true);
+    }
+    for (const PlanLod& lod : m_plan.Lods) {
+      for (const PlanReplacement& replacement : lod.Replacements) AddNodes(replacement.Mesh, true);
+    }
+    for (size_t i = 0; i < m_plan.Script.Sources.size(); ++i) {
+      if (m_plan.Script.Sources[i].Kind != qc::SourceKind::Animation) continue;
+      SourceUse use;
+      use.Source = static_cast<int32_t>(i);
+      AddNodes(use, false);
+    }
+    if (m_all.size() > 8 * MostBones) return Fail("the sources name more bones than any model can hold");
+    Resolve();
+    Place();
+    Keep();
+    return Order();
+  }
+
+ private:
+  bool Fail(std::string text) {
+    m_context.Error({0, 1, 1, 0}, std::move(text), core::TroubleKind::Limit);
+    return false;
+  }
+  std::string Renamed(const std::string& name) const {
+    for (const auto& [from, to] : m_plan.RenamedBones) {
+      if (core::EqualIgnoringCase(from, name)) return to;
+    }
+    return name;
+  }
+  int32_t Find(const std::string& name) const {
+    const auto found = m_byName.find(core::LowerAscii(Renamed(name)));
+    return found == m_byName.end() ? -1 : found->second;
+  }
+  int32_t Add(const std::string& name) {
+    const auto [found, added] =
+        m_byName.try_emplace(core::LowerAscii(Renamed(name)), static_cast<int32_t>(m_all.size()));
+    if (!added) return -1;
+    m_all.push_back({});
+    m_all.back().Name = Renamed(name);
+    return found->second;
+  }
+
+  void Define() {
+    for (const PlanBone& bone : m_plan.DefinedBones) {
+      const int32_t number = Add(bone.Name);
+      if (number < 0) continue;
+      Candidate& candidate = m_all.back();
+      candidate.ParentName = bone.Parent;
+      candidate.Position = bone.Position;
+      candidate.Angles = bone.Angles;
+      candidate.Defined = true;
+      candidate.Kept = true;
+    }
+  }
+
+  /// Bones of a source that were not seen yet, where they stand in its first frame.
+  void AddNodes(const SourceUse& use, bool isMesh) {
+    const smd::SmdSource* source = m_context.Source(use.Source);
+    if (source == nullptr) return;
+    std::vector<std::pair<size_t, int32_t>> added;
+    for (size_t i = 0; i < source->Nodes.size(); ++i) {
+      const int32_t number = Add(source->Nodes[i].Name);
+      if (number >= 0) added.emplace_back(i, number);
+      const int32_t known = number >= 0 ? number : Find(source->Nodes[i].Name);
+      Candidate& candidate = m_all[static_cast<size_t>(known)];
+      const bool unlocked = isMesh && candidate.Defined && m_plan.UnlockDefinedBones;
+      if ((number < 0 && !unlocked) || source->FrameCount == 0) continue;
+      const smd::SourcePose& pose = source->PoseOf(0, i);
+      candidate.Position = {pose.Position.X * use.Scale, pose.Position.Y * use.Scale, pose.Position.Z * use.Scale};
+      candidate.Angles = {pose.Rotation.X, pose.Rotation.Y, pose.Rotation.Z};
+    }
+    for (const auto& [node, number] : added) {
+      const int32_t parent = source->Nodes[node].Parent;
+      if (parent < 0) continue;
+      m_all[static_cast<size_t>(number)].Parent = Find(source->Nodes[static_cast<size_t>(parent)].Name);
+    }
+  }
+
+  void Resolve() {
+    for (Candidate& bone : m_all) {
+      if (!bone.ParentName.empty()) bone.Parent = Find(bone.ParentName);
+    }
+    for (size_t i = 0; i < m_all.size(); ++i) CutRing(static_cast<int32_t>(i));
+  }
+  void CutRing(int32_t bone) {
+    int32_t at = m_all[static_cast<size_t>(bone)].Parent;
+    for (size_t steps = 0; at >= 0; ++steps) {
+      if (at == bone || steps > m_all.size()) {
+        m_context.Warning({0, 1, 1, 0}, "the bone " + qc::Shown(m_all[static_cast<size_t>(bone)].Name) +
+                                            " would hang from itself; it is made a root");
+        m_all[static_cast<size_t>(bone)].Parent = -1;
+        return;
+      }
+      at = m_all[static_cast<size_t>(at)].Parent;
+    }
+  }
+
+  RigidTransform WorldOf(int32_t bone) const {
+    RigidTransform world;
+    std::vector<int32_t> chain;
+    for (int32_t at = bone; at >= 0; at = m_all[static_cast<size_t>(at)].Parent) chain.push_back(at);
+    for (size_t i = chain.size(); i-- > 0;) {
+      const Candidate& link = m_all[static_cast<size_t>(chain[i])];
+      world = world * RigidTransform::Of(link.Angles, link.Position);
+    }
+    return world;
+  }
+  void Place() {
+    for (size_t i = 0; i < m_all.size(); ++i) m_all[i].ToModel = WorldOf(static_cast<int32_t>(i));
+    for (const auto& [child, parent] : m_plan.Hierarchy) {
+      const int32_t bone = Find(child);
+      if (bone < 0) continue;
+      m_all[static_cast<size_t>(bone)].Parent = parent.empty() ? -1 : Find(parent);
+      CutRing(bone);
+      Rehang(m_all[static_cast<size_t>(bone)]);
+    }
+  }
+  /// The place in the parent's space anew, from where the bones stand.
+  void Rehang(Candidate& bone) {
+    const RigidTransform local =
+        bone.Parent < 0 ? bone.ToModel : m_all[static_cast<size_t>(bone.Parent)].ToModel.Inverse() * bone.ToModel;
+    bone.Position = MoveOf(local);
+    bone.Angles = EulerOf(local);
+  }
+
+  void Need(const std::string& name) {
+    const int32_t bone = Find(name);
+    if (bone >= 0) m_all[static_cast<size_t>(bone)].Kept = true;
+  }
+  void NeedWeighted(const SourceUse& use) {
+    const smd::SmdSource* source = m_context.Source(use.Source);
+    if (source == nullptr || source->Nodes.empty()) return;
+    std::vector<int32_t> numbers;
+    for (const smd::SourceNode& node : source->Nodes) numbers.push_back(std::max(Find(node.Name), 0));
+    for (const smd::SourceCorner& corner : source->Corners) {
+      const CornerWeights weights = WeightsOfCorner(*source, corner, numbers, m_context.Options.KeepValues);
+      for (int32_t i = 0; i < weights.Count; ++i) m_all[static_cast<size_t>(weights.Bones[i])].Kept = true;
+    }
+  }
+  void Keep() {
+    for (const PlanBodyPart& part : m_plan.BodyParts) {
+      for (const PlanModel& model : part.Models) {
+        NeedWeighted(model.Mesh);
+        for (const PlanFaceLine& line : model.Face) {
+          if (const auto* eye = std::get_if<PlanEyeball>(&line)) Need(eye->Bone);
+          if (const auto* mouth = std::get_if<PlanMouth>(&line)) Need(mouth->Bone);
+        }
+      }
+    }
+    for (const PlanLod& lod : m_plan.Lods) {
+      for (const PlanReplacement& replacement : lod.Replacements) NeedWeighted(replacement.Mesh);
+      for (const auto& [from, to] : lod.Bones) Need(to);
+    }
+    for (const PlanAttachment& attachment : m_plan.Attachments) {
+      if (!attachment.Rigid) Need(attachment.Bone);
+    }
+    for (const PlanHitboxSet& set : m_plan.HitboxSets) {
+      for (const PlanHitbox& box : set.Boxes) Need(box.Bone);
+    }
+    for (const std::string& name : m_plan.MergedBones) Need(name);
+    for (const PlanIkChain& chain : m_plan.IkChains) Need(chain.Bone);
+    for (const PlanJiggleBone& jiggle : m_plan.JiggleBones) Need(jiggle.Bone);
+    for (const std::string& name : m_plan.CollapsedBones) {
+      const int32_t bone = Find(name);
+      if (bone >= 0) m_all[static_cast<size_t>(bone)].Collapsed = true;
+    }
+    // A model of animations alone needs all bones.
+    const bool none = std::ranges::none_of(m_all, [](const Candidate& bone) { return bone.Kept; });
+    for (Candidate& bone : m_all) bone.Kept = bone.Kept || none;
+    for (size_t i = 0; i < m_all.size(); ++i) {
+      if (!m_all[i].Kept) continue;
+      for (int32_t at = m_all[i].Parent; at >= 0 && !m_all[static_cast<size_t>(at)].Kept;
+           at = m_all[static_cast<size_t>(at)].Parent) {
+        m_all[static_cast<size_t>(at)].Kept = true;
+      }
+    }
+    for (Candidate& bone : m_all) bone.Kept = bone.Kept && !bone.Collapsed;
+  }
+
+  int32_t KeptAncestor(int32_t bone) const {
+    while (bone >= 0 && !m_all[static_cast<size_t>(bone)].Kept) bone = m_all[static_cast<size_t>(bone)].Parent;
+    return bone;
+  }
+
+  bool Order() {
+    std::vector<int32_t> numbers(m_all.size(), -1);
+    if (m_all.empty()) {  // a mesh without nodes, or no source at all
+      m_bones.Bones.push_back({});
+      m_bones.Bones.back().Name = "root";
+      return true;
+    }
+    for (size_t i = 0; i < m_all.size(); ++i) Emit(static_cast<int32_t>(i), numbers);
+    if (m_bones.Bones.size() > MostBones) {
+      return Fail("the model needs " + std::to_string(m_bones.Bones.size()) + " bones; the format holds " +
+                  std::to_string(MostBones));
+    }
+    for (size_t i = 0; i < m_all.size(); ++i) {
+      const int32_t kept = KeptAncestor(static_cast<int32_t>(i));
+      m_bones.AddName(m_all[i].Name, kept >= 0 ? numbers[static_cast<size_t>(kept)] : 0);
+    }
+    for (const auto& [from, to] : m_plan.RenamedBones) {
+      const int32_t bone = m_bones.Find(to);
+      if (bone >= 0) m_bones.Rename(from, bone);
+    }
+    return true;
+  }
+  /// Parents come ahead of their children.
+  void Emit(int32_t number, std::vector<int32_t>& numbers) {
+    std::vector<int32_t> chain;
+    for (int32_t at = number; at >= 0 && numbers[static_cast<size_t>(at)] < 0;
+         at = m_all[static_cast<size_t>(at)].Parent) {
+      chain.push_back(at);
+    }
+    for (size_t i = chain.size(); i-- > 0;) {
+      Candidate& candidate = m_all[static_cast<size_t>(chain[i])];
+      if (!candidate.Kept) continue;
+      const int32_t parent = KeptAncestor(candidate.Parent);
+      if (parent != candidate.Parent) {
+        candidate.Parent = parent;
+        Rehang(candidate);
+      }
+      numbers[static_cast<size_t>(chain[i])] = static_cast<int32_t>(m_bones.Bones.size());
+      ModelBone& bone = m_bones.Bones.emplace_back();
+      bone.Name = candidate.Name;
+      bone.Parent = parent < 0 ? -1 : numbers[static_cast<size_t>(parent)];
+      bone.Position = candidate.Position;
+      bone.Angles = candidate.Angles;
+      bone.ToModel = RigidTransform::Of(bone.Angles, bone.Position);
+      if (bone.Parent >= 0) bone.ToModel = m_bones.Bones[static_cast<size_t>(bone.Parent)].ToModel * bone.ToModel;
+    }
+  }
+
+  CompileContext& m_context;
+  const CompilePlan& m_plan;
+  ModelBones& m_bones;
+  std::vector<Candidate> m_all;
+  std::unordered_map<std::string, int32_t> m_byName;
+};
+
+/// Which bones stand for others at each level of detail.
+void BuildLodBones(CompileContext& context, ModelBones& bones) {
+  const std::vector<PlanLod>& lods = context.Plan.Lods;
+  bones.LodBones.resize(lods.size() + 1);
+  for (size_t i = 0; i < lods.size(); ++i) {
+    if (lods[i].Bones.empty() && lods[i].CollapsedTrees.empty()) continue;
+    std::vector<int32_t>& map = bones.LodBones[i + 1];
+    for (size_t bone = 0; bone < bones.Bones.size(); ++bone) map.push_back(static_cast<int32_t>(bone));
+    for (const std::string& name : lods[i].CollapsedTrees) {
+      const int32_t root = bones.Find(name);
+      for (size_t bone = 0; root >= 0 && bone < map.size(); ++bone) {
+        int32_t at = static_cast<int32_t>(bone);
+        while (at > root) at = bones.Bones[static_cast<size_t>(at)].Parent;
+        if (at == root) map[bone] = root;
+      }
+    }
+    for (const auto& [from, to] : lods[i].Bones) {
+      const int32_t bone = bones.Find(from), other = bones.Find(to);
+      if (bone < 0 || other < 0) {
+        context.Warning(lods[i].At, "no bone is called " + qc::Shown(bone < 0 ? from : to));
+        continue;
+      }
+      map[static_cast<size_t>(bone)] = other;
+    }
+    for (int32_t& bone : map) bone = map[static_cast<size_t>(bone)];
+  }
+}
+
+void MarkUses(CompileContext& context, ModelBones& bones) {
+  const CompilePlan& plan = context.Plan;
+  for (const std::string& name : plan.MergedBones) {
+    const int32_t bone = bones.Find(name);
+    if (bone >= 0) bones.Bones[static_cast<size_t>(bone)].Flags |= model::BoneFlagMerge;
+  }
+}
+
+}  // namespace
+
+bool BuildBones(CompileContext& context, ModelBones& bones) {
+  bones.Static = context.Plan.StaticProp;
+  if (bones.Static) {
+    bones.Bones.push_back({});
+    bones.Bones.back().Name = "static_prop";
+    bones.Bones.back().Flags = model::BoneFlagVertexLod0;
+  } else if (!BoneJoiner(context, bones).Run()) {
+    return false;
+  }
+  BuildLodBones(context, bones);
+  MarkUses(context, bones);
+  return true;
+}
+
+}  // namespace tarnwick::compiler

@@ -1,0 +1,225 @@
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+#include "compiler/skeleton/build_skeleton.h"
+#include "core/file_image.h"
+#include "model/bone_math.h"
+#include "model/studio_records.h"
+#include "qc/vrd_file.h"
+
+namespace tarnwick::compiler {
+
+using model::StudioJiggleBone;
+using qc::Key;
+
+namespace {
+
+constexpr double Degree = std::numbers::pi / 180;
+constexpr float DefaultStiffness = 100;
+constexpr float FarBase = 100;
+
+float Radians(double degrees) {
+  return static_cast<float>(degrees * Degree);
+}
+
+StudioJiggleBone DefaultJiggle() {
+  StudioJiggleBone bone = {};
+  bone.YawStiffness = bone.PitchStiffness = bone.AlongStiffness = DefaultStiffness;
+  bone.BaseStiffness = DefaultStiffness;
+  const model::JiggleBaseLimit far = {-FarBase, FarBase, 0};
+  bone.Left = bone.Up = bone.Forward = far;
+  return bone;
+}
+
+void TakeProperty(const qc::Option& p, StudioJiggleBone& bone) {
+  const auto value = static_cast<float>(p.Number(0));
+  const auto limit = [&](float& least, float& most, uint32_t flag) {
+    least = Radians(p.Number(0));
+    most = Radians(p.Number(1));
+    bone.Flags |= flag;
+  };
+  switch (p.Kind) {
+    case Key::Length:
+      bone.Length = value;
+      break;
+    case Key::TipMass:
+      bone.TipMass = value;
+      break;
+    case Key::YawStiffness:
+      bone.YawStiffness = value;
+      break;
+    case Key::YawDamping:
+      bone.YawDamping = value;
+      break;
+    case Key::PitchStiffness:
+      bone.PitchStiffness = value;
+      break;
+    case Key::PitchDamping:
+      bone.PitchDamping = value;
+      break;
+    case Key::AlongStiffness:
+      bone.AlongStiffness = value;
+      break;
+    case Key::AlongDamping:
+      bone.AlongDamping = value;
+      break;
+    case Key::AllowLengthFlex:
+      bone.Flags &= ~model::JiggleFlagKeepLength;
+      break;
+    case Key::AngleConstraint:
+      bone.AngleLimit = Radians(p.Number(0));
+      bone.Flags |= model::JiggleFlagAngleLimit;
+      break;
+    case Key::YawConstraint: {
+      float least = 0, most = 0;
+      limit(least, most, model::JiggleFlagYawLimit);
+      bone.Yaw.Minimum = least;
+      bone.Yaw.Maximum = most;
+      break;
+    }
+    case Key::PitchConstraint: {
+      float least = 0, most = 0;
+      limit(least, most, model::JiggleFlagPitchLimit);
+      bone.Pitch.Minimum = least;
+      bone.Pitch.Maximum = most;
+      break;
+    }
+    case Key::YawFriction:
+      bone.Yaw.Friction = value;
+      break;
+    case Key::YawBounce:
+      bone.Yaw.Bounce = value;
+      break;
+    case Key::PitchFriction:
+      bone.Pitch.Friction = value;
+      break;
+    case Key::PitchBounce:
+      bone.Pitch.Bounce = value;
+      break;
+    default:
+      break;
+  }
+}
+
+void TakeBaseProperty(const qc::Option& p, StudioJiggleBone& bone) {
+  const auto value = static_cast<float>(p.Number(0));
+  const auto take = [&](model::JiggleBaseLimit limit, bool friction) {
+    if (friction) return model::JiggleBaseLimit{limit.Minimum, limit.Maximum, value};
+    return model::JiggleBaseLimit{value, static_cast<float>(p.Number(1)), limit.Friction};
+  };
+  switch (p.Kind) {
+    case Key::BaseMass:
+      bone.BaseMass = value;
+      break;
+    case Key::Stiffness:
+      bone.BaseStiffness = value;
+      break;
+    case Key::Damping:
+      bone.BaseDamping = value;
+      break;
+    case Key::LeftConstraint:
+    case Key::LeftFriction:
+      bone.Left = take(bone.Left, p.Kind == Key::LeftFriction);
+      break;
+    case Key::UpConstraint:
+    case Key::UpFriction:
+      bone.Up = take(bone.Up, p.Kind == Key::UpFriction);
+      break;
+    case Key::ForwardConstraint:
+    case Key::ForwardFriction:
+      bone.Forward = take(bone.Forward, p.Kind == Key::ForwardFriction);
+      break;
+    default:
+      break;
+  }
+}
+
+StudioJiggleBone JiggleOf(CompileContext& context, const qc::Statement& statement) {
+  StudioJiggleBone bone = DefaultJiggle();
+  for (const qc::Option& group : statement.Options) {
+    switch (group.Kind) {
+      case Key::IsRigid:
+      case Key::IsFlexible:
+        bone.Flags |= model::JiggleFlagKeepLength |
+                      (group.Kind == Key::IsRigid ? model::JiggleFlagRigid : model::JiggleFlagFlexible);
+        for (const qc::Option& property : group.Options) TakeProperty(property, bone);
+        break;
+      case Key::HasBaseSpring:
+        bone.Flags |= model::JiggleFlagBaseSpring;
+        for (const qc::Option& property : group.Options) TakeBaseProperty(property, bone);
+        break;
+      default:
+        context.Warning(group.At, qc::Shown(group.Name) + " is known, but nothing is built from it",
+                        core::TroubleKind::Lost);
+    }
+  }
+  return bone;
+}
+
+model::Quat QuatOf(const std::array<double, 3>& degrees) {
+  model::Quat q;
+  model::EulerToQuat({Radians(degrees[0]), Radians(degrees[1]), Radians(degrees[2])}, q);
+  return q;
+}
+
+void AddDriven(CompileContext& context, ModelBones& bones, const qc::Place& at, const qc::VrdBone& helper,
+               BuiltSkeleton& skeleton) {
+  BuiltDrivenBone driven;
+  driven.Bone = bones.Find(helper.Name);
+  driven.Driver = bones.Find(helper.Driver);
+  if (helper.What != qc::VrdBone::Kind::Helper) {
+    return context.Warning(at, "an aim constraint is known, but nothing is built from it", core::TroubleKind::Lost);
+  }
+  if (driven.Bone < 0 || driven.Driver < 0) {
+    return context.Warning(at, "no bone is called " + qc::Shown(driven.Bone < 0 ? helper.Name : helper.Driver));
+  }
+  for (const qc::VrdTrigger& typed : helper.Triggers) {
+    model::StudioTrigger trigger = {};
+    const float angle = Radians(typed.ConeAngle);
+    trigger.InverseTolerance = angle == 0 ? 0 : 1 / angle;
+    trigger.DriverRotation = QuatOf(typed.Driver);
+    trigger.Rotation = QuatOf(typed.Rotation);
+    const auto place = [&](size_t i) { return static_cast<float>(helper.BasePosition[i] + typed.Position[i]); };
+    trigger.Position = {place(0), place(1), place(2)};
+    driven.Triggers.push_back(trigger);
+  }
+  skeleton.DrivenBones.push_back(std::move(driven));
+}
+
+}  // namespace
+
+void BuildProceduralBones(CompileContext& context, ModelBones& bones, BuiltSkeleton& skeleton) {
+  for (const PlanJiggleBone& typed : context.Plan.JiggleBones) {
+    const int32_t bone = bones.Find(typed.Bone);
+    if (bone < 0) {
+      context.Warning(typed.At, "no bone is called " + qc::Shown(typed.Bone));
+      continue;
+    }
+    skeleton.JiggleBones.push_back({bone, JiggleOf(context, *typed.Words)});
+  }
+  for (const int32_t source : context.Plan.VrdSources) {
+    const qc::Source& file = context.Plan.Script.Sources[static_cast<size_t>(source)];
+    if (file.Path.empty()) continue;
+    const auto image = context.Read(file.Path);
+    if (!image) continue;
+    const auto bytes = image->Bytes();
+    const qc::VrdFile vrd = qc::ReadVrdText({reinterpret_cast<const char*>(bytes.data()), bytes.size()}, file.Path);
+    for (qc::Message message : vrd.Told.All()) {
+      message.Level = std::min(message.Level, core::Severity::Warning);
+      context.Tell(qc::MessageTrouble(vrd.Files, message));
+    }
+    for (const qc::VrdBone& helper : vrd.Bones) AddDriven(context, bones, file.At, helper, skeleton);
+  }
+  const auto byBone = [](const auto& a, const auto& b) { return a.Bone < b.Bone; };
+  std::ranges::stable_sort(skeleton.DrivenBones, byBone);
+  std::ranges::stable_sort(skeleton.JiggleBones, byBone);
+  for (const BuiltDrivenBone& driven : skeleton.DrivenBones) {
+    bones.Bones[static_cast<size_t>(driven.Bone)].Flags |= model::BoneFlagProcedural;
+  }
+  for (const BuiltJiggleBone& jiggle : skeleton.JiggleBones) {
+    bones.Bones[static_cast<size_t>(jiggle.Bone)].Flags |= model::BoneFlagProcedural;
+  }
+}
+
+}  // namespace tarnwick::compiler
