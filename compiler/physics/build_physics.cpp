@@ -1,0 +1,479 @@
+#include "compiler/physics/build_physics.h"
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <string>
+#include <utility>
+
+#include "compiler/mesh/corner_weights.h"
+#include "compiler/physics/collision_pieces.h"
+#include "compiler/physics/collision_text.h"
+#include "core/number_parse.h"
+#include "core/paths.h"
+#include "model/phy_measures.h"
+#include "model/phy_values.h"
+#include "model/phy_writer.h"
+#include "qc/messages.h"
+
+namespace tarnwick::compiler {
+
+namespace {
+
+/// The friction of a joint as typed is multiplied by this (supposed from the values that models hold).
+constexpr double FrictionFactor = 0.2;
+constexpr float LeastMass = 1;
+/// Bytes that a corner takes while pieces are made, about; hulls cost more than that in time.
+constexpr int64_t CornerCost = 600;
+
+/// One rigid body to be.
+struct Body {
+  int32_t Bone = 0;
+  int32_t Parent = -1;  // another body
+  std::vector<CollisionCorner> Corners;
+};
+
+class PhysicsBuild {
+ public:
+  PhysicsBuild(CompileContext& context, const ModelBones& bones, BuiltPhysics& physics,
+               const std::optional<model::RigidTransform>& rootPose)
+      : m_context(context), m_plan(*context.Plan.Collision), m_bones(bones), m_physics(physics), m_rootPose(rootPose) {}
+
+  bool Run() {
+    const smd::SmdSource* source = m_context.Source(m_plan.Mesh.Source);
+    if (source == nullptr || m_bones.Bones.empty()) return false;
+    TellNotBuilt();
+    if (!m_context.Spend(static_cast<int64_t>(source->Corners.size()) * CornerCost, m_plan.At)) return false;
+    FindMerges();
+    GatherBodies(*source);
+    OrderBodies();
+    if (!MakeSolids()) return false;
+    FindBoneSolids();
+    MakeText();
+    return true;
+  }
+
+ private:
+  void TellNotBuilt() {
+    const auto tell = [&](const char* word) {
+      m_context.Warning(m_plan.At, std::string(word) + " is not built", core::TroubleKind::Lost);
+    };
+    if (m_plan.AutoMass) tell("$automass");
+    if (m_plan.MassCenter) tell("$masscenter");
+    if (m_plan.Drag) tell("$drag");
+#ifndef TARNWICK_HULLS
+    m_context.Warning(m_plan.At, "this build makes no convex hulls: pieces have to be closed and convex as they stand",
+                      core::TroubleKind::Lost);
+#endif
+  }
+
+  int32_t BoneNamed(const std::string& name) const {
+    return m_bones.Find(name);
+  }
+
+  void FindMerges() {
+    m_target.resize(m_bones.Bones.size());
+    for (size_t i = 0; i < m_target.size(); ++i) m_target[i] = static_cast<int32_t>(i);
+    for (const auto& [into, other] : m_plan.Merged) {
+      const int32_t first = BoneNamed(into), second = BoneNamed(other);
+      if (first < 0) {
+        m_context.Warning(m_plan.At,
+                          "$jointmerge names the bone " + qc::Shown(into) + ", which the model does not have",
+                          core::TroubleKind::Missing);
+      }
+      if (first >= 0 && second >= 0 && first != second) m_target[static_cast<size_t>(second)] = first;
+    }
+    // What was merged into a bone goes on with it; a ring of merges ends.
+    for (int32_t& target : m_target) {
+      for (size_t steps = 0; steps < m_target.size() && m_target[static_cast<size_t>(target)] != target; ++steps) {
+        target = m_target[static_cast<size_t>(target)];
+      }
+    }
+    for (const std::string& name : m_plan.Skipped) {
+      const int32_t bone = BoneNamed(name);
+      if (bone >= 0) m_skipped[bone] = true;
+    }
+  }
+
+  /// Where a point of the source stands in the space of its body.
+  model::RigidTransform PlacementOf(int32_t bone) const {
+    const model::RigidTransform quarter = model::RigidTransform::QuarterTurn();
+    if (m_plan.AssumeWorldSpace && !m_plan.Joints) return {};
+    if (m_bones.Static) return quarter;
+    const model::RigidTransform& rest = m_bones.Bones[static_cast<size_t>(bone)].ToModel;
+    if (m_plan.Joints) return rest.Inverse();
+    if (m_rootPose && m_context.Options.KeepValues) return *m_rootPose * m_bones.Bones[0].ToModel.Inverse();
+    return quarter;
+  }
+
+  static model::Vec3 Vector(const smd::Triple& t) {
+    return {t.X, t.Y, t.Z};
+  }
+
+  static CollisionCorner CornerOf(const smd::SourceCorner& corner, const SourceUse& use) {
+    CollisionCorner made{Vector(corner.Position), Vector(corner.Normal)};
+    if (use.YUp) {
+      made.Position = {made.Position.x, -made.Position.z, made.Position.y};
+      made.Normal = {made.Normal.x, -made.Normal.z, made.Normal.y};
+    }
+    if (use.Scale != 1) {
+      made.Position = {made.Position.x * use.Scale, made.Position.y * use.Scale, made.Position.z * use.Scale};
+    }
+    return made;
+  }
+
+  void GatherBodies(const smd::SmdSource& source) {
+    const std::vector<int32_t> nodes = m_bones.OfNodes(source);
+    std::map<int32_t, size_t> bodyOf;
+    for (size_t t = 0; 3 * t + 2 < source.Corners.size(); ++t) {
+      int32_t bone = 0;
+      if (m_plan.Joints && !m_bones.Static && !nodes.empty()) {
+        bone = m_target[static_cast<size_t>(BoneOfTriangle(source, t, nodes))];
+        if (m_skipped.count(bone) != 0) continue;
+      }
+      const auto [entry, isNew] = bodyOf.try_emplace(bone, m_bodies.size());
+      if (isNew) m_bodies.push_back({bone, -1, {}});
+      Body& body = m_bodies[entry->second];
+      for (size_t k = 0; k < 3; ++k) body.Corners.push_back(CornerOf(source.Corners[3 * t + k], m_plan.Mesh));
+    }
+    if (!m_plan.Joints && m_bodies.size() == 1) m_bodies[0].Bone = 0;
+  }
+
+  /// The bone that most of a triangle follows: of its corners' heaviest bones the one that is met most, the first of
+  /// equally many.
+  int32_t BoneOfTriangle(const smd::SmdSource& source, size_t t, const std::vector<int32_t>& nodes) const {
+    int32_t bones[3];
+    for (size_t k = 0; k < 3; ++k) {
+      bones[k] = WeightsOfCorner(source, source.Corners[3 * t + k], nodes, m_context.Options.KeepValues).Bones[0];
+    }
+    return bones[1] == bones[2] ? bones[1] : bones[0];
+  }
+
+  /// Finds the parents, and puts the bodies in order: the root, those that joint statements name, in the order in which
+  /// they do first, then the others by their bones.
+  void OrderBodies() {
+    std::sort(m_bodies.begin(), m_bodies.end(), [](const Body& a, const Body& b) { return a.Bone < b.Bone; });
+    std::vector<size_t> order;
+    std::vector<bool> taken(m_bodies.size());
+    const auto take = [&](size_t body) {
+      if (body < m_bodies.size() && !taken[body]) {
+        taken[body] = true;
+        order.push_back(body);
+      }
+    };
+    const auto bodyOf = [&](int32_t bone) {
+      const auto found =
+          std::lower_bound(m_bodies.begin(), m_bodies.end(), bone, [](const Body& a, int32_t b) { return a.Bone < b; });
+      return found != m_bodies.end() && found->Bone == bone ? static_cast<size_t>(found - m_bodies.begin())
+                                                            : m_bodies.size();
+    };
+    for (size_t i = 0; i < m_bodies.size(); ++i) {
+      if (AncestorBody(m_bodies[i].Bone, bodyOf) == m_bodies.size()) {
+        take(i);
+        break;
+      }
+    }
+    for (const std::string& name : m_plan.NamedBones) {
+      const int32_t bone = BoneNamed(name);
+      if (bone >= 0) take(bodyOf(bone));
+    }
+    for (size_t i = 0; i < m_bodies.size(); ++i) take(i);
+    std::vector<size_t> places(m_bodies.size());
+    for (size_t i = 0; i < order.size(); ++i) places[order[i]] = i;
+    std::vector<Body> ordered;
+    ordered.reserve(order.size());
+    for (const size_t i : order) {
+      const size_t parent = AncestorBody(m_bodies[i].Bone, bodyOf);
+      if (parent < m_bodies.size()) m_bodies[i].Parent = static_cast<int32_t>(places[parent]);
+    }
+    for (const size_t i : order) ordered.push_back(std::move(m_bodies[i]));
+    m_bodies = std::move(ordered);
+  }
+
+  template <typename BodyOf>
+  size_t AncestorBody(int32_t bone, const BodyOf& bodyOf) const {
+    for (bone = m_bones.Bones[static_cast<size_t>(bone)].Parent; bone >= 0;
+         bone = m_bones.Bones[static_cast<size_t>(bone)].Parent) {
+      const size_t body = bodyOf(bone);
+      if (body < m_bodies.size()) return body;
+    }
+    return m_bodies.size();
+  }
+
+  PieceRule RuleOfPieces() const {
+    PieceRule rule;
+    rule.NormalAngle = m_context.Options.NormalAngle;
+    rule.KeepClosed = m_context.Options.KeepValues;
+    rule.Split =
+        m_plan.Joints ? m_plan.ConcavePerJoint || (m_plan.Concave && m_context.Options.KeepValues) : m_plan.Concave;
+#ifndef TARNWICK_HULLS
+    rule.KeepClosed = true;
+    rule.Split = true;
+#endif
+    return rule;
+  }
+
+  std::string NameOf(const Body& body) const {
+    if (m_plan.Joints) return m_bones.Bones[static_cast<size_t>(body.Bone)].Name;
+    std::string name(m_plan.Mesh.Name.substr(m_plan.Mesh.Name.find_last_of("/\\") + 1));
+    const size_t dot = name.rfind('.');
+    return dot == std::string::npos ? name : name.substr(0, dot);
+  }
+
+  bool MakeSolids() {
+    std::vector<Body> made;
+    std::vector<int32_t> newPlaces(m_bodies.size(), -1);
+    for (size_t i = 0; i < m_bodies.size(); ++i) {
+      if (MakeSolid(m_bodies[i])) {
+        newPlaces[i] = static_cast<int32_t>(made.size());
+        made.push_back(m_bodies[i]);
+      }
+    }
+    for (Body& body : made) {
+      int32_t parent = body.Parent;
+      while (parent >= 0 && newPlaces[static_cast<size_t>(parent)] < 0)
+        parent = m_bodies[static_cast<size_t>(parent)].Parent;
+      body.Parent = parent < 0 ? -1 : newPlaces[static_cast<size_t>(parent)];
+    }
+    m_bodies = std::move(made);
+    if (m_bodies.empty()) {
+      m_context.Warning(m_plan.At,
+                        "the collision mesh " + qc::Shown(m_plan.Mesh.Name) +
+                            " has no body with a volume; the model has no collision model",
+                        core::TroubleKind::Lost);
+    }
+    return !m_bodies.empty();
+  }
+
+  /// Makes the bytes of a body's solid. False if it has no piece; what the format cannot hold is an error.
+  bool MakeSolid(const Body& body) {
+    const model::RigidTransform placement = PlacementOf(body.Bone);
+    std::vector<CollisionCorner> corners = body.Corners;
+    for (CollisionCorner& corner : corners) corner.Position = placement.Apply(corner.Position);
+    std::vector<CollisionPiece> pieces = PiecesOf(corners, RuleOfPieces());
+    if (m_plan.MostPieces > 0 && pieces.size() > static_cast<size_t>(m_plan.MostPieces)) {
+      m_context.Warning(m_plan.At,
+                        qc::Shown(NameOf(body)) + " has " + std::to_string(pieces.size()) +
+                            " convex pieces, more than $maxconvexpieces allows; it becomes one",
+                        core::TroubleKind::Limit);
+      PieceRule whole = RuleOfPieces();
+      whole.Split = false;
+      whole.KeepClosed = false;
+      pieces = PiecesOf(corners, whole);
+    }
+    if (!m_plan.Joints) AddMorePieces(placement, pieces);
+    if (pieces.empty()) {
+      m_context.Warning(m_plan.At,
+                        "the collision body " + qc::Shown(NameOf(body)) +
+                            " is flat, or has more points than a solid can hold; it is left out",
+                        core::TroubleKind::Lost);
+      return false;
+    }
+    std::vector<model::PhyCorners> hull;
+    const model::PhySolid solid = SolidOf(pieces, m_plan.Joints ? body.Bone + 1 : 0, hull);
+    std::string reason;
+    auto bytes = model::WritePhySolid(solid, hull, &reason);
+    if (!bytes) {
+      m_context.Error(m_plan.At, "the collision body " + qc::Shown(NameOf(body)) + " cannot be written: " + reason,
+                      core::TroubleKind::Limit);
+      return false;
+    }
+    m_physics.Solids.push_back(std::move(*bytes));
+    m_volumes.push_back(static_cast<float>(model::MeasurePhySolid(solid).CubicInches));
+    if (!m_plan.Joints) {
+      for (const CollisionPiece& piece : pieces) {
+        for (const model::Vec3& point : piece.Points) AddToBox(point);
+      }
+    }
+    return true;
+  }
+
+  void AddToBox(const model::Vec3& point) {
+    if (!m_physics.Box) m_physics.Box = {point, point};
+    auto& [low, high] = *m_physics.Box;
+    low = {std::min<float>(low.x, point.x), std::min<float>(low.y, point.y), std::min<float>(low.z, point.z)};
+    high = {std::max<float>(high.x, point.x), std::max<float>(high.y, point.y), std::max<float>(high.z, point.z)};
+  }
+
+  /// Three numbers behind `word[` in the text of an $addconvexsrc.
+  static std::optional<model::Vec3> NumbersBehind(std::string_view text, std::string_view word) {
+    const size_t at = core::LowerAscii(text).find(word);
+    if (at == std::string::npos) return std::nullopt;
+    text.remove_prefix(at + word.size());
+    float values[3] = {0, 0, 0};
+    for (float& value : values) {
+      const size_t begin = text.find_first_of("-+.0123456789");
+      if (begin == std::string_view::npos || text.substr(0, begin).find(']') != std::string_view::npos)
+        return std::nullopt;
+      text.remove_prefix(begin);
+      const size_t end = std::min(text.find_first_not_of("-+.0123456789eE"), text.size());
+      value = static_cast<float>(std::strtod(std::string(text.substr(0, end)).c_str(), nullptr));
+      if (!std::isfinite(value)) return std::nullopt;
+      text.remove_prefix(end);
+    }
+    return model::Vec3{values[0], values[1], values[2]};
+  }
+
+  void AddMorePieces(const model::RigidTransform& placement, std::vector<CollisionPiece>& pieces) {
+    constexpr float Degree = 3.14159265358979323846f / 180;
+    for (const auto& [use, words] : m_plan.MorePieces) {
+      const smd::SmdSource* source = m_context.Source(use.Source);
+      if (source == nullptr) continue;
+      if (!m_context.Spend(static_cast<int64_t>(source->Corners.size()) * CornerCost, use.At)) return;
+      const model::Vec3 move = NumbersBehind(words, "pos[").value_or(model::Vec3{0, 0, 0});
+      const model::Vec3 turn = NumbersBehind(words, "angle[").value_or(model::Vec3{0, 0, 0});
+      // Pitch, yaw and roll, as everywhere in the language.
+      const model::RigidTransform moved =
+          placement *
+          model::RigidTransform::Of(model::EulerAngles{turn.z * Degree, turn.x * Degree, turn.y * Degree}, move);
+      std::vector<CollisionCorner> corners;
+      corners.reserve(source->Corners.size());
+      for (const smd::SourceCorner& corner : source->Corners) {
+        corners.push_back(CornerOf(corner, use));
+        corners.back().Position = moved.Apply(corners.back().Position);
+      }
+      PieceRule rule = RuleOfPieces();
+      rule.Split = false;
+      auto more = PiecesOf(corners, rule);
+      if (more.empty()) {
+        m_context.Warning(use.At, "the convex piece " + qc::Shown(use.Name) + " is flat; it is left out",
+                          core::TroubleKind::Lost);
+      }
+      for (CollisionPiece& piece : more) pieces.push_back(std::move(piece));
+    }
+  }
+
+  /// A bone has the number of its own solid, else that of the nearest ancestor with one, else 0.
+  void FindBoneSolids() {
+    m_physics.BoneSolids.assign(m_bones.Bones.size(), 0);
+    if (!m_plan.Joints) return;
+    m_solidOf.assign(m_bones.Bones.size(), -1);
+    for (size_t i = 0; i < m_bodies.size(); ++i)
+      m_solidOf[static_cast<size_t>(m_bodies[i].Bone)] = static_cast<int32_t>(i);
+    std::vector<int32_t> nearest = m_solidOf;
+    for (size_t i = 0; i < nearest.size(); ++i) {
+      const int32_t parent = m_bones.Bones[i].Parent;
+      if (nearest[i] < 0 && parent >= 0 && static_cast<size_t>(parent) < i)
+        nearest[i] = nearest[static_cast<size_t>(parent)];
+      m_physics.BoneSolids[i] = std::max(nearest[i], 0);
+    }
+  }
+
+  /// The solid of a bone that a statement names; -1, told, if it has none.
+  int32_t SolidNamed(const std::string& name, const qc::Place& at) {
+    const int32_t bone = m_plan.Joints ? BoneNamed(name) : -1;
+    const int32_t solid = bone < 0 ? -1 : m_solidOf[static_cast<size_t>(m_target[static_cast<size_t>(bone)])];
+    if (solid < 0) {
+      m_context.Warning(at, "the collision model has no body for the bone " + qc::Shown(name),
+                        core::TroubleKind::Missing);
+    }
+    return solid;
+  }
+
+  void MakeText() {
+    model::PhyValues values;
+    for (size_t i = 0; i < m_bodies.size(); ++i) {
+      model::PhySolidValues& solid = values.Solids.emplace_back();
+      solid.Name = NameOf(m_bodies[i]);
+      if (m_bodies[i].Parent >= 0) solid.Parent = NameOf(m_bodies[static_cast<size_t>(m_bodies[i].Parent)]);
+      solid.SurfaceProp = SurfaceOf(m_bodies[i].Bone);
+      solid.Damping = m_plan.Damping;
+      solid.RotationDamping = m_plan.RotDamping;
+      solid.Inertia = m_plan.Inertia;
+      solid.Volume = m_volumes[i];
+    }
+    SetJointValues(m_plan.JointInertia, values, &model::PhySolidValues::Inertia);
+    SetJointValues(m_plan.JointDamping, values, &model::PhySolidValues::Damping);
+    SetJointValues(m_plan.JointRotDamping, values, &model::PhySolidValues::RotationDamping);
+    SetJointValues(m_plan.JointMassBias, values, &model::PhySolidValues::MassBias);
+    ShareMass(values);
+    AddConstraints(values);
+    for (const auto& [first, second] : m_plan.Collide) {
+      const int32_t a = SolidNamed(first, m_plan.At), b = SolidNamed(second, m_plan.At);
+      if (a >= 0 && b >= 0) values.CollisionPairs.emplace_back(a, b);
+    }
+    values.NoSelfCollisions = m_plan.NoSelfCollisions;
+    if (m_plan.AnimatedFriction) {
+      const auto& f = *m_plan.AnimatedFriction;
+      values.AnimatedFriction = model::PhyAnimatedFriction{f[0], f[1], f[2], f[3], f[4]};
+    }
+    values.RootName = m_plan.RootBone;
+    values.TotalMass = m_plan.Mass;
+    values.IsConcave = m_plan.Concave;
+    values.JointMerges = m_plan.Merged;
+    std::string tail;
+    for (const int32_t number : m_context.Plan.CollisionTexts) {
+      const auto& texts = m_context.Plan.Script.KeyValues;
+      if (number >= 0 && static_cast<size_t>(number) < texts.size()) {
+        tail += FormatCollisionText(texts[static_cast<size_t>(number)]);
+      }
+    }
+    m_physics.Text = model::FormatPhyText(values, tail);
+    m_physics.Mass = m_plan.Mass;
+  }
+
+  void SetJointValues(const std::vector<PlanJointValue>& joints, model::PhyValues& values,
+                      float model::PhySolidValues::*field) {
+    for (const PlanJointValue& joint : joints) {
+      const int32_t solid = SolidNamed(joint.Bone, joint.At);
+      if (solid >= 0) values.Solids[static_cast<size_t>(solid)].*field = joint.Value;
+    }
+  }
+
+  /// A bone's surface is that of the nearest statement for it or a bone above it, else the model's.
+  const std::string& SurfaceOf(int32_t bone) const {
+    for (; m_plan.Joints && bone >= 0; bone = m_bones.Bones[static_cast<size_t>(bone)].Parent) {
+      for (const PlanBoneText& text : m_context.Plan.BoneSurfaces) {
+        if (BoneNamed(text.Bone) == bone) return text.Text;
+      }
+    }
+    return m_context.Plan.SurfaceProp;
+  }
+
+  /// The mass is shared by volume and bias, but no solid is lighter than 1.
+  void ShareMass(model::PhyValues& values) const {
+    double sum = 0;
+    for (const model::PhySolidValues& solid : values.Solids) sum += double{solid.Volume} * double{solid.MassBias};
+    for (model::PhySolidValues& solid : values.Solids) {
+      const double share =
+          sum > 0 ? double{solid.Volume} * double{solid.MassBias} / sum : 1 / static_cast<double>(values.Solids.size());
+      solid.Mass = std::max(LeastMass, static_cast<float>(double{m_plan.Mass} * share));
+    }
+  }
+
+  void AddConstraints(model::PhyValues& values) {
+    for (size_t i = 0; i < m_bodies.size(); ++i) {
+      if (m_bodies[i].Parent < 0) continue;
+      m_constraintOf[static_cast<int32_t>(i)] = values.Constraints.size();
+      values.Constraints.push_back({m_bodies[i].Parent, static_cast<int32_t>(i), {}});
+    }
+    for (const PlanConstraint& constraint : m_plan.Constraints) {
+      const int32_t solid = SolidNamed(constraint.Bone, constraint.At);
+      const auto found = m_constraintOf.find(solid);
+      if (found == m_constraintOf.end() || constraint.Axis < 0 || constraint.Axis > 2) continue;
+      values.Constraints[found->second].Axes[static_cast<size_t>(constraint.Axis)] = {
+          constraint.Minimum, constraint.Maximum, static_cast<float>(double{constraint.Friction} * FrictionFactor)};
+    }
+  }
+
+  CompileContext& m_context;
+  const PlanCollision& m_plan;
+  const ModelBones& m_bones;
+  BuiltPhysics& m_physics;
+  const std::optional<model::RigidTransform>& m_rootPose;
+  std::vector<int32_t> m_target;  // of a bone: the bone that its triangles are merged into
+  std::map<int32_t, bool> m_skipped;
+  std::vector<Body> m_bodies;
+  std::vector<float> m_volumes;    // cubic inches
+  std::vector<int32_t> m_solidOf;  // of a bone; -1 for none
+  std::map<int32_t, size_t> m_constraintOf;
+};
+
+}  // namespace
+
+bool BuildPhysics(CompileContext& context, const ModelBones& bones, BuiltPhysics& physics,
+                  const std::optional<model::RigidTransform>& rootPose) {
+  return PhysicsBuild(context, bones, physics, rootPose).Run();
+}
+
+}  // namespace tarnwick::compiler
