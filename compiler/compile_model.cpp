@@ -180,6 +180,13 @@ bool MakeFiles(CompileContext& context, const ModelParts& parts, CompiledFiles& 
   return context.ErrorCount() == 0;
 }
 
+qc::ReadOptions ReadOptionsOf(const CompileOptions& options, bool findSources) {
+  qc::ReadOptions read;
+  read.FindSources = findSources;
+  read.Read = options.Read;
+  return read;
+}
+
 struct Outcome {
   std::optional<CompiledFiles> Files;
   std::string ModelName;
@@ -218,18 +225,16 @@ Outcome Compile(qc::Script script, bool byName, const CompileOptions& options, C
 
 std::optional<CompiledFiles> CompileToMemory(const std::string& path, const CompileOptions& options,
                                              CompileReport& report) {
-  return Compile(qc::ReadScript(path, {.FindSources = true, .Read = options.Read}), false, options, report).Files;
+  return Compile(qc::ReadScript(path, ReadOptionsOf(options, true)), false, options, report).Files;
 }
 
 std::optional<CompiledFiles> CompileTextToMemory(std::string_view text, const std::string& path,
                                                  const CompileOptions& options, CompileReport& report) {
-  return Compile(qc::ReadScriptText(text, path, {.FindSources = false, .Read = options.Read}), true, options, report)
-      .Files;
+  return Compile(qc::ReadScriptText(text, path, ReadOptionsOf(options, false)), true, options, report).Files;
 }
 
 bool CompileModel(const std::string& path, const CompileOptions& options, CompileReport& report) {
-  const Outcome outcome =
-      Compile(qc::ReadScript(path, {.FindSources = true, .Read = options.Read}), false, options, report);
+  const Outcome outcome = Compile(qc::ReadScript(path, ReadOptionsOf(options, true)), false, options, report);
   return outcome.Files && WriteModelFiles(*outcome.Files, outcome.ModelName, options.GameDirectory, report);
 }
 

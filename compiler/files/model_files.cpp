@@ -23,7 +23,8 @@ bool Fail(CompileReport& report, core::TroubleKind kind, std::string file, std::
 /// The name's path below the folder of models, with slashes; nothing if it would lead elsewhere.
 std::optional<std::string> SafePath(std::string name) {
   std::replace(name.begin(), name.end(), '\\', '/');
-  const bool absolute = name.starts_with('/') || name.find(':') != std::string::npos;
+  // A separator ahead means the folder of models too.
+  const bool absolute = name.find(':') != std::string::npos;
   const bool hasControl = std::ranges::any_of(name, [](char c) { return static_cast<unsigned char>(c) < 0x20; });
   if (absolute || hasControl) return std::nullopt;
   std::string path;

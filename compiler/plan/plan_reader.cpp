@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "compiler/plan/angles.h"
 #include "compiler/plan/body_plan.h"
 #include "compiler/plan/collision_plan.h"
 #include "compiler/plan/key_value_text.h"
@@ -353,7 +354,7 @@ class PlanReader {
     const auto again = std::ranges::find_if(
         m_plan.DefinedBones, [&](const PlanBone& b) { return core::EqualIgnoringCase(b.Name, Text(s, 0)); });
     if (again != m_plan.DefinedBones.end()) return;  // the first counts
-    const auto radians = [&](size_t i) { return static_cast<float>(s.Number(i) * (3.14159265358979323846 / 180)); };
+    const auto radians = [&](size_t i) { return RadiansOf(s.Number(i)); };
     // Typed as pitch, yaw and roll.
     m_plan.DefinedBones.push_back({s.At, Text(s, 0), Text(s, 1), VecAt(s, 2), {radians(7), radians(5), radians(6)}});
     for (size_t i = 8; i < s.Arguments.size(); ++i) {

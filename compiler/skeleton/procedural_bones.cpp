@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <cmath>
-#include <numbers>
 
+#include "compiler/plan/angles.h"
 #include "compiler/skeleton/build_skeleton.h"
 #include "core/file_image.h"
 #include "model/bone_math.h"
@@ -15,13 +15,8 @@ using qc::Key;
 
 namespace {
 
-constexpr double Degree = std::numbers::pi / 180;
 constexpr float DefaultStiffness = 100;
 constexpr float FarBase = 100;
-
-float Radians(double degrees) {
-  return static_cast<float>(degrees * Degree);
-}
 
 StudioJiggleBone DefaultJiggle() {
   StudioJiggleBone bone = {};
@@ -35,8 +30,8 @@ StudioJiggleBone DefaultJiggle() {
 void TakeProperty(const qc::Option& p, StudioJiggleBone& bone) {
   const auto value = static_cast<float>(p.Number(0));
   const auto limit = [&](float& least, float& most, uint32_t flag) {
-    least = Radians(p.Number(0));
-    most = Radians(p.Number(1));
+    least = RadiansOf(p.Number(0));
+    most = RadiansOf(p.Number(1));
     bone.Flags |= flag;
   };
   switch (p.Kind) {
@@ -68,7 +63,7 @@ void TakeProperty(const qc::Option& p, StudioJiggleBone& bone) {
       bone.Flags &= ~model::JiggleFlagKeepLength;
       break;
     case Key::AngleConstraint:
-      bone.AngleLimit = Radians(p.Number(0));
+      bone.AngleLimit = RadiansOf(p.Number(0));
       bone.Flags |= model::JiggleFlagAngleLimit;
       break;
     case Key::YawConstraint: {
@@ -159,7 +154,7 @@ StudioJiggleBone JiggleOf(CompileContext& context, const qc::Statement& statemen
 
 model::Quat QuatOf(const std::array<double, 3>& degrees) {
   model::Quat q;
-  model::EulerToQuat({Radians(degrees[0]), Radians(degrees[1]), Radians(degrees[2])}, q);
+  model::EulerToQuat({RadiansOf(degrees[0]), RadiansOf(degrees[1]), RadiansOf(degrees[2])}, q);
   return q;
 }
 
@@ -176,7 +171,7 @@ void AddDriven(CompileContext& context, ModelBones& bones, const qc::Place& at, 
   }
   for (const qc::VrdTrigger& typed : helper.Triggers) {
     model::StudioTrigger trigger = {};
-    const float angle = Radians(typed.ConeAngle);
+    const float angle = RadiansOf(typed.ConeAngle);
     trigger.InverseTolerance = angle == 0 ? 0 : 1 / angle;
     trigger.DriverRotation = QuatOf(typed.Driver);
     trigger.Rotation = QuatOf(typed.Rotation);
