@@ -1,0 +1,78 @@
+#include "smd/smd_reader.h"
+
+#include <gmock/gmock.h>
+
+#include <bit>
+#include <cstdlib>
+
+namespace tarnwick::smd {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+TEST(SmdReader, ReadsWhatPeopleAndToolsWrite) {
+  SmdSource source;
+  const auto messages = ReadSource(
+      "\xEF\xBB\xBFversion 1\r\nnodes // bones\r\n  7 \"left arm\" 3\r\n3 root -1\r\nend\r\n"
+      "skeleton\r\ntime 0\r\n3\t0 0 1e1 0 0 0 # up\r\n7 1 2 3 .5 -.5 +1\r\ntime 1\r\n3 0 0 20 0 0 0\r\nend\r\n"
+      "triangles\r\nfolder\\my skin.tga\r\n"
+      "3 0 0 0 0 0 1 0 0\r\n3 1 0 0 0 0 1 1 0 1 7 0.25\r\n7 0 1 0 0 0 1 0 1 2 3 0.5 7 0.5\r\nend",
+      "arm.smd", source);
+  EXPECT_THAT(messages, IsEmpty());
+  ASSERT_THAT(source.Nodes, SizeIs(2));
+  EXPECT_EQ(source.Nodes[0].Name, "left arm");
+  EXPECT_EQ(source.Nodes[0].Parent, 1);
+  EXPECT_EQ(source.FrameCount, 2);
+  EXPECT_EQ(source.PoseOf(0, 1).Position.Z, 10);
+  EXPECT_EQ(source.PoseOf(1, 0).Position.Y, 2) << "what a frame leaves out is held";
+  EXPECT_THAT(source.Materials, ElementsAre("folder\\my skin.tga"));
+  ASSERT_THAT(source.Corners, SizeIs(3));
+  EXPECT_EQ(source.Corners[0].LinkCount, 0U);
+  EXPECT_EQ(source.Corners[1].LinkCount, 2U) << "what the links leave belongs to the corner's own bone";
+  EXPECT_EQ(source.Links[1].Weight, 0.75f);
+}
+
+TEST(SmdReader, TellsWhatIsWrongByLine) {
+  const struct {
+    const char* Text;
+    int64_t Line;
+    const char* Told;
+  } cases[] = {
+      {"hello\n", 1, "no SMD file"},
+      {"version 1\nnodes\n0 \"a\"\nend\n", 3, "a node needs"},
+      {"version 1\nnodes\n0 \"a\" 1\n1 \"b\" 0\nend\n", 5, "hangs from itself"},
+      {"version 1\nnodes\n0 \"a\" -1\nend\nskeleton\n0 0 0 0 0 0 0\nend\n", 6, "ahead of the first frame"},
+      {"version 1\nnodes\n0 \"a\" -1\nend\ntriangles\nskin\n0 0 0 0 0 0 1 0 0\n0 1 2\nend\n", 8, "a corner"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.Text);
+    SmdSource source;
+    const auto messages = ReadSource(c.Text, "a.smd", source);
+    ASSERT_FALSE(messages.empty());
+    EXPECT_TRUE(messages[0].IsError);
+    EXPECT_EQ(messages[0].Line, c.Line);
+    EXPECT_THAT(messages[0].Text, HasSubstr(c.Told));
+  }
+}
+
+TEST(SmdReader, ReadsNumbersToTheNearestFloat) {
+  const char* texts[] = {"0",          "-0.000000", "16777217",         "0.1",   "1e-40", "123456789.123456789",
+                         "8388609.5",  "3.4e38",    "0.000030517579",   "5.",    ".5",    "9007199254740993",
+                         "1.00000006", "-2.5E+3",   "0.50000002980232", "1e400", "1e-999"};
+  for (const char* text : texts) {
+    float value = 7;
+    const std::string_view whole = text;
+    EXPECT_EQ(ParseFloat(whole.data(), whole.data() + whole.size(), value), whole.data() + whole.size()) << text;
+    EXPECT_EQ(std::bit_cast<uint32_t>(value), std::bit_cast<uint32_t>(std::strtof(text, nullptr))) << text;
+  }
+  float value = 7;
+  for (const std::string_view none : {"", "-", ".", "x", "e5"}) {
+    EXPECT_EQ(ParseFloat(none.data(), none.data() + none.size(), value), none.data()) << none;
+  }
+}
+
+}  // namespace
+}  // namespace tarnwick::smd
