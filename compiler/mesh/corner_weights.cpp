@@ -36,7 +36,10 @@ CornerWeights WeightsOfCorner(const smd::SmdSource& source, const smd::SourceCor
         std::remove_if(links, links + count, [](const smd::Link& link) { return !(link.Weight >= LeastWeight); }) -
         links);
   }
-  std::stable_sort(links, links + count, [](const smd::Link& a, const smd::Link& b) { return a.Weight > b.Weight; });
+  // Values that are kept stand in their order too: not every model has the heaviest first.
+  if (!keepValues || count > 3) {
+    std::stable_sort(links, links + count, [](const smd::Link& a, const smd::Link& b) { return a.Weight > b.Weight; });
+  }
   count = std::min<size_t>(count, 3);
   float sum = 0;
   for (size_t i = 0; i < count; ++i) sum += links[i].Weight;

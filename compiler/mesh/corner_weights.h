@@ -8,7 +8,8 @@
 
 namespace tarnwick::compiler {
 
-/// The weights of a corner as the model keeps them: bones by number, at most three, heaviest first.
+/// The weights of a corner as the model keeps them: bones by number, at most three, heaviest first where they are not
+/// kept as the source has them.
 struct CornerWeights {
   int32_t Count = 0;
   int32_t Bones[3] = {0, 0, 0};

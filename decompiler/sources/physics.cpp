@@ -1,6 +1,7 @@
 #include "decompiler/sources/physics.h"
 
 #include <algorithm>
+#include <cmath>
 #include <memory>
 #include <span>
 #include <utility>
@@ -22,6 +23,13 @@ namespace {
 
 /// Bytes of a triangle's four lines, about, and of what stands for it in memory.
 constexpr int64_t TriangleCost = 360;
+
+/// The point that the six decimals of a source file tell. What is derived from it then comes out the same when the
+/// model that a compile makes of the file is taken apart.
+Vec3 AsWritten(const Vec3& p) {
+  const auto written = [](float value) { return static_cast<float>(std::round(double{value} * 1e6) / 1e6); };
+  return {written(p.x), written(p.y), written(p.z)};
+}
 
 /// The file beside the model; nothing if it has none.
 std::optional<core::FileImage> LoadPhysics(JobContext& job) {
@@ -176,7 +184,7 @@ class PhysicsExport {
       PhySolid& solid = *m_file.Solids[i];
       const RigidTransform placement = PlacementOf(source, rest);
       PhysicsMesh mesh{.Bone = source.Bone, .Points = std::move(solid.Points), .Pieces = std::move(solid.Pieces)};
-      for (Vec3& point : mesh.Points) point = placement.Apply(PhyToModel(point));
+      for (Vec3& point : mesh.Points) point = AsWritten(placement.Apply(PhyToModel(point)));
       m_job.Lose("copies of physics pieces", RemoveCopies(mesh));
       source.IsWritten = true;
       source.PieceCount = mesh.Pieces.size();
