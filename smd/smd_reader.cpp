@@ -44,10 +44,21 @@ const char* ParseLongFloat(const char* at, const char* end, float& value) {
   const auto read = std::from_chars(begin, end, value);
   if (read.ec == std::errc()) return read.ptr;
   if (read.ec != std::errc::result_out_of_range) return at;
-  // Too small or too large for a float: a double tells which.
+  // Too small or too large for a float: a double, or else the exponent's sign, tells which.
   const auto again = std::from_chars(begin, end, wide);
-  const bool small = again.ec == std::errc() && std::abs(wide) < 1;
-  value = small ? 0 : std::numeric_limits<float>::infinity();
+  const std::string_view text(begin, static_cast<size_t>(read.ptr - begin));
+  const size_t exponent = text.find_first_of("eE");
+  const bool smallText = exponent == std::string_view::npos ? text.find_first_of("123456789") > text.find('.')
+                                                            : text.substr(exponent + 1).starts_with('-');
+  const bool inDouble = again.ec == std::errc();
+  if (inDouble && std::abs(wide) <= double{std::numeric_limits<float>::max()}) {
+    value = static_cast<float>(wide);
+  } else if (!inDouble && smallText) {
+    value = 0;
+  } else {
+    value = std::numeric_limits<float>::infinity();
+  }
+  if (text.starts_with('-')) value = -std::abs(value);
   return read.ptr;
 }
 
