@@ -26,6 +26,7 @@ struct Options {
   bool KeepRotations = false;
   bool Plain = false;
   bool NoPhysics = false;
+  bool NoAnimations = false;
   bool Recursive = false;
   bool OwnFolders = false;
   bool Json = false;
@@ -36,6 +37,7 @@ struct Options {
     return (Unweighted ? decompiler::DecompileOptionUnweightedSmd : 0) |
            (KeepRotations ? decompiler::DecompileOptionKeepRotations : 0) |
            (NoPhysics ? decompiler::DecompileOptionNoPhysics : 0) |
+           (NoAnimations ? decompiler::DecompileOptionNoAnimations : 0) |
            (Plain ? 0 : decompiler::DecompileOptionReadyToCompile);
   }
 };
@@ -96,6 +98,9 @@ void AddDecompileVerb(CLI::App& program, Invocation& invocation) {
                  "Write the plain form: names with their folders, one $model line a model, LOD commands behind each. "
                  "Without it the sources are ready to compile");
   verb->add_flag("--no-physics", options->NoPhysics, "Leave the physics file (.phy) of a model alone");
+  verb->add_flag("--no-animations", options->NoAnimations,
+                 "Leave animations and sequences out of sources that are ready to compile; the script shows the first "
+                 "mesh at rest");
   verb->add_flag("-r,--recursive", options->Recursive,
                  "Take every .mdl file below a DIRECTORY; each gets a folder like its path");
   verb->add_option("-j,--jobs", options->Jobs, "Models at a time")->check(CLI::Range(1, 1024))->capture_default_str();

@@ -63,7 +63,7 @@ bool LoadModel(JobContext& job) {
 /// Finds and loads the .vtx file. False, told, if there is none.
 bool LoadVertices(JobContext& job) {
   const std::string& modelPath = job.Job().ModelPath;
-  const auto path = FindVtxFile(job, modelPath);
+  const auto path = job.ReadyToCompile() ? FindMatchingVtxFile(job, modelPath) : FindVtxFile(job, modelPath);
   if (!path) {
     job.Error("Unable to load vertices file: " +
                   modelPath.substr(0, modelPath.size() - std::min<size_t>(4, modelPath.size())) + ".vtx",

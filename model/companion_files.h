@@ -17,6 +17,10 @@ namespace tarnwick::model {
 /// last four characters of the path.
 [[nodiscard]] std::optional<std::string> FindVtxFile(ModelReader& reader, const std::string& modelPath);
 
+/// Among those four files the first that was made together with the model, as its checksum tells; the first that is
+/// there if none was.
+[[nodiscard]] std::optional<std::string> FindMatchingVtxFile(ModelReader& reader, const std::string& modelPath);
+
 /// Warns if the file at `path` was made together with another model: its `checksum` is not that of the reader's model.
 void CheckChecksum(ModelReader& reader, const std::string& path, int32_t checksum);
 

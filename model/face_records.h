@@ -46,6 +46,9 @@ inline constexpr int32_t FlexOpAdd = 4;
 inline constexpr int32_t FlexOpSubtract = 5;
 inline constexpr int32_t FlexOpMultiply = 6;
 inline constexpr int32_t FlexOpDivide = 7;
+inline constexpr int32_t FlexOpNegate = 8;
+inline constexpr int32_t FlexOpLarger = 13;   // of two values
+inline constexpr int32_t FlexOpSmaller = 14;  // of two values
 static_assert(sizeof(StudioFlexOp) == 8);
 
 /// A slider of the face poser: one controller, or a left and a right one.

@@ -15,7 +15,8 @@ PosePlayer::PosePlayer(const core::RecordArray<StudioBone>& bones, const Checked
       m_animation(animation),
       m_positions(static_cast<size_t>(bones.Count())),
       m_rotations(static_cast<size_t>(bones.Count())),
-      m_changes(static_cast<size_t>(bones.Count())) {
+      m_changes(static_cast<size_t>(bones.Count())),
+      m_running(static_cast<size_t>(bones.Count())) {
   m_tracks.reserve(2 * m_positions.size());
   m_turning.reserve(m_positions.size());
   m_angles.reserve(m_positions.size());
@@ -42,6 +43,7 @@ void PosePlayer::Open(const std::optional<AnimData>& data, int32_t frame) {
   m_data = data;
   m_image = data ? data->View() : core::ImageView();
   m_tracks.clear();
+  std::fill(m_running.begin(), m_running.end(), uint8_t{0});
   m_heldUntil = std::numeric_limits<int32_t>::max();
   const bool delta = m_animation.IsDelta();
   auto anim = data ? AnimRecordAt(*data) : std::nullopt;
@@ -75,6 +77,7 @@ void PosePlayer::AddTrack(const AnimRecord& anim, int64_t triple, bool isRotatio
   RunTrack& track = m_tracks.emplace_back();
   track.Bone = anim->Bone;
   track.IsRotation = isRotation;
+  m_running[anim->Bone] |= isRotation ? RotationBit : PositionBit;
   track.IsDelta = (anim->Flags & AnimIsDelta) != 0;
   const StudioBone& bone = *m_bones[track.Bone];
   track.IsAligned = !track.IsDelta && (bone.Flags & BoneFlagFixedAlignment) != 0;

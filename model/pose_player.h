@@ -27,6 +27,10 @@ class PosePlayer {
   bool PositionChanged(size_t bone) const { return (m_changes[bone] & PositionBit) != 0; }
   bool Changed(size_t bone) const { return m_changes[bone] != 0; }
 
+  /// Whether the bone's rotation or position comes out of runs at the frame of the last GoTo; else it stands still.
+  bool RotationRuns(size_t bone) const { return (m_running[bone] & RotationBit) != 0; }
+  bool PositionRuns(size_t bone) const { return (m_running[bone] & PositionBit) != 0; }
+
   std::span<const Vec3> Positions() const { return m_positions; }
   std::span<const Quat> Rotations() const { return m_rotations; }
 
@@ -85,6 +89,7 @@ class PosePlayer {
   std::vector<Vec3> m_positions;
   std::vector<Quat> m_rotations;
   std::vector<uint8_t> m_changes;
+  std::vector<uint8_t> m_running;
 };
 
 }  // namespace tarnwick::model

@@ -14,13 +14,20 @@ namespace tarnwick::model {
 struct VtxHeader {
   int32_t Version;  // 0x00 up to 7
   char Unread04[0x10 - 0x04];
-  int32_t Checksum;  // 0x10 that of the .mdl file
-  int32_t LodCount;  // 0x14 of every model
-  int32_t Unread18;
-  int32_t BodyPartCount;   // 0x1C
-  int32_t BodyPartOffset;  // 0x20 VtxBodyPart
+  int32_t Checksum;            // 0x10 that of the .mdl file
+  int32_t LodCount;            // 0x14 of every model
+  int32_t MaterialListOffset;  // 0x18 VtxMaterialList, one a LOD
+  int32_t BodyPartCount;       // 0x1C
+  int32_t BodyPartOffset;      // 0x20 VtxBodyPart
 };
 static_assert(offsetof(VtxHeader, LodCount) == 0x14 && sizeof(VtxHeader) == 0x24);
+
+/// The materials that a level of detail shows in the place of others; what an entry holds is not known.
+struct VtxMaterialList {
+  int32_t Count;   // 0x00 0 in files seen
+  int32_t Offset;  // 0x04
+};
+static_assert(sizeof(VtxMaterialList) == 8);
 
 /// The triangles of a StudioBodyPart; this record and those below it stand in the order of the .mdl file.
 struct VtxBodyPart {
@@ -75,6 +82,8 @@ struct VtxStrip {
   int32_t BoneStateCount;   // 0x13
   int32_t BoneStateOffset;  // 0x17
 };
+/// Bits of VtxStripGroup's Flags: flexes move its triangles.
+inline constexpr uint8_t StripGroupFlagsFlexed = 0x1 | 0x4;
 inline constexpr uint8_t StripFlagTriangleStrip = 0x2;
 static_assert(offsetof(VtxStrip, Flags) == 0x12 && sizeof(VtxStrip) == 27);
 

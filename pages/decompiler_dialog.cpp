@@ -70,6 +70,7 @@ CDecompilerDialog::CDecompilerDialog(const PageContext& context, QWidget* parent
   connect(m_ui->browseOutputButton, &QAbstractButton::clicked, this, &CDecompilerDialog::OnBrowseOutput);
   // Sources that are compiled are kept apart; the plain form goes where the box says.
   connect(m_ui->readyCheck, &QAbstractButton::toggled, m_ui->physicsCheck, &QWidget::setEnabled);
+  connect(m_ui->readyCheck, &QAbstractButton::toggled, m_ui->animationsCheck, &QWidget::setEnabled);
   connect(m_ui->readyCheck, &QAbstractButton::clicked, m_ui->ownFoldersCheck, &QAbstractButton::setChecked);
   connect(m_ui->extractButton, &QAbstractButton::clicked, this, &CDecompilerDialog::OnExtract);
 }
@@ -90,6 +91,8 @@ void CDecompilerDialog::OnInitDialog() {
   m_ui->readyCheck->setChecked(setting::ReadyToCompile.Read(Settings()) != 0);
   m_ui->physicsCheck->setChecked(setting::ModelPhysics.Read(Settings()) != 0);
   m_ui->physicsCheck->setEnabled(m_ui->readyCheck->isChecked());
+  m_ui->animationsCheck->setChecked(setting::ModelAnimations.Read(Settings()) != 0);
+  m_ui->animationsCheck->setEnabled(m_ui->readyCheck->isChecked());
   m_ui->ownFoldersCheck->setChecked(setting::OwnModelFolders.Read(Settings()) != 0 && m_ui->readyCheck->isChecked());
   OfferRecentPaths();
 }
@@ -175,9 +178,11 @@ void CDecompilerDialog::OnExtract() {
   }
   if (m_ui->readyCheck->isChecked()) job.Options |= decompiler::DecompileOptionReadyToCompile;
   if (!m_ui->physicsCheck->isChecked()) job.Options |= decompiler::DecompileOptionNoPhysics;
+  if (!m_ui->animationsCheck->isChecked()) job.Options |= decompiler::DecompileOptionNoAnimations;
   setting::CheckBoxSettings.Write(Settings(), kept);
   setting::ReadyToCompile.Write(Settings(), m_ui->readyCheck->isChecked() ? 1 : 0);
   setting::ModelPhysics.Write(Settings(), m_ui->physicsCheck->isChecked() ? 1 : 0);
+  setting::ModelAnimations.Write(Settings(), m_ui->animationsCheck->isChecked() ? 1 : 0);
   setting::OwnModelFolders.Write(Settings(), job.OwnFolders ? 1 : 0);
   for (const std::string& path : job.Inputs) RememberPath(Settings(), setting::RecentModels, path);
   RememberPath(Settings(), setting::RecentDirectories, job.OutputDirectory);

@@ -23,12 +23,24 @@ std::string FilesWritten(size_t count) {
   return jobs::Counted(count, "file") + " written";
 }
 
+int64_t LostIn(const jobs::ItemResult& result) {
+  int64_t lost = 0;
+  for (const decompiler::LostKind& kind : result.Lost) lost += kind.Count;
+  return lost;
+}
+
+/// ", 3 things lost", or nothing.
+std::string LostText(int64_t lost) {
+  return lost > 0 ? ", " + jobs::Counted(static_cast<size_t>(lost), "thing") + " lost" : "";
+}
+
 /// What the list says of a model that is done.
 std::string ResultText(const jobs::ItemResult& result) {
   if (result.Judged == jobs::Verdict::Stopped) return "stopped";
   if (result.Succeeded()) {
     const size_t warnings = result.Count(core::Severity::Warning);
-    return FilesWritten(result.Files.size()) + (warnings > 0 ? ", " + jobs::Counted(warnings, "warning") : "");
+    return FilesWritten(result.Files.size()) + (warnings > 0 ? ", " + jobs::Counted(warnings, "warning") : "") +
+           LostText(LostIn(result));
   }
   const core::Trouble* error = result.First(core::Severity::Error);
   return "failed" + (error == nullptr ? std::string() : ": " + error->Text);
@@ -60,6 +72,7 @@ QProgressBar& CDecompilerStatus::Bar() const {
 void CDecompilerStatus::Begin(const std::string& outputDirectory) {
   m_folder = outputDirectory;
   m_count = m_modelsDone = m_filesDone = 0;
+  m_lost = 0;
   m_ui->logEdit->Clear();
   m_ui->resultList->clear();
   m_ui->resultList->hide();
@@ -117,11 +130,21 @@ void CDecompilerStatus::OnModelFinished(const jobs::ItemFinished& finished) {
   const QString text = ToQt(ResultText(finished.Result)).simplified();
   row->setText(ResultColumn, text);
   row->setToolTip(ResultColumn, text);
+  for (const decompiler::LostKind& lost : finished.Result.Lost) {
+    auto* kind = new QTreeWidgetItem(row, {"lost", ToQt(lost.Kind + ": " + std::to_string(lost.Count))});
+    kind->setData(ModelColumn, FolderRole, row->data(ModelColumn, FolderRole));
+  }
+  m_lost += LostIn(finished.Result);
+  // What was lost of the only model stands in the list too, open.
+  if (m_count == 1 && row->childCount() > 0) {
+    row->setExpanded(true);
+    m_ui->resultList->show();
+  }
 }
 
 void CDecompilerStatus::OnFinished(const jobs::JobResult& result) {
   m_ui->stopButton->setEnabled(false);
-  std::string text = m_count == 1 ? FilesWritten(m_filesDone) : jobs::SummaryLine(result, "model");
+  std::string text = (m_count == 1 ? FilesWritten(m_filesDone) : jobs::SummaryLine(result, "model")) + LostText(m_lost);
   if (m_count == 0 && !result.Troubles.empty()) text = result.Troubles.front().Text;
   m_ui->fileLabel->setText(ToQt(text));
 }

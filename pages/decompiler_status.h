@@ -44,6 +44,7 @@ class CDecompilerStatus : public platform::CDialog {
   size_t m_count = 0;
   size_t m_modelsDone = 0;
   size_t m_filesDone = 0;  // of the models that are done
+  int64_t m_lost = 0;      // things of theirs that the sources do not say
 };
 
 }  // namespace tarnwick::pages

@@ -27,9 +27,9 @@ tests::ModelBuilder Walker() {
   tests::ModelBuilder model;
   model.Name = "samples/walker.mdl";
   model.Bones = WalkerBones();
-  model.Textures = {"walker_cloth", "walker_skin", "eyeball_r", "eyeball_l"};
+  model.Textures = {"walker_cloth", "walker_skin", "eyeball_r", "eyeball_l", "walker_cloth_red"};
   model.MaterialDirectories = {"models/walker/"};
-  model.SkinFamilies = {{Cloth, Skin, RightEye, LeftEye}};
+  model.SkinFamilies = {{Cloth, Skin, RightEye, LeftEye, RedCloth}, {RedCloth, Skin, RightEye, LeftEye, RedCloth}};
   model.BodyParts = {
       {.Name = "figure",
        .Models = {{.Name = "walker.smd", .Meshes = WalkerMeshes(counts), .SwitchDistances = {0, 30, -1}}}}};

@@ -24,7 +24,7 @@ enum WalkerBone : uint8_t {
 };
 
 /// Its materials.
-enum WalkerMaterial { Cloth, Skin, RightEye, LeftEye };
+enum WalkerMaterial { Cloth, Skin, RightEye, LeftEye, RedCloth };
 
 /// Its flexes.
 enum WalkerFlex { UpperLidRight, LowerLidRight, UpperLidLeft, LowerLidLeft, SmileRight, SmileLeft, MouthOpen };

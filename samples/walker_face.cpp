@@ -50,6 +50,8 @@ void AddWalkerFace(tests::ModelBuilder& model) {
                  MakeFlex(head, nearCount, SmileRight, MouthHeight, 0, {-0.2f, 0, 0.6f}),
                  MakeFlex(head, nearCount, MouthOpen, 59, 0, {-0.3f, 0, -0.8f})};
   head.Flexes[4].Partner = SmileLeft;
+  figure.Meshes[RightEye].Eyeball = 0;
+  figure.Meshes[LeftEye].Eyeball = 1;
   figure.Eyeballs = {MakeEye(-EyeSide, RightEye, UpperLidRight, LowerLidRight),
                      MakeEye(EyeSide, LeftEye, UpperLidLeft, LowerLidLeft)};
 

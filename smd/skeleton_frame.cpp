@@ -1,6 +1,9 @@
 #include "smd/skeleton_frame.h"
 
+#include <algorithm>
+#include <cmath>
 #include <cstring>
+#include <string>
 #include <utility>
 
 #include "core/number_text.h"
@@ -11,6 +14,23 @@ namespace {
 
 /// A bone's number, six floats with their blanks, and the end of the line.
 constexpr size_t LongestLine = 7 * core::LongestNumberText;
+
+/// Six decimals where they read as the same float, else the shortest decimal that does.
+char* WriteExact(char* out, float value) {
+  char* const end = core::WriteFixed<6>(out, value);
+  const double rounded = std::nearbyint(double{value} * 1e6) / 1e6;
+  if (static_cast<float>(rounded) == value || !std::isfinite(value)) return end;
+  const std::string text = core::ShortestDecimal(value);
+  return std::copy(text.begin(), text.end(), out);
+}
+
+char* WriteThreeExact(char* out, float x, float y, float z) {
+  for (const float value : {x, y, z}) {
+    *out++ = ' ';
+    out = WriteExact(out, value);
+  }
+  return out;
+}
 
 char* WriteThree(char* out, float x, float y, float z) {
   *out++ = ' ';
@@ -53,7 +73,7 @@ void SkeletonFrame::Begin() {
   m_length = 0;
 }
 
-void SkeletonFrame::Line(const Triple* position, const Triple* rotation) {
+void SkeletonFrame::Line(const Triple* position, const Triple* rotation, ExactNumbers exact) {
   CopyKept();
   Place& place = m_places[m_bone];
   const Place before = place;
@@ -61,14 +81,16 @@ void SkeletonFrame::Line(const Triple* position, const Triple* rotation) {
   place.Line = m_length;
   if (position != nullptr) {
     out = core::WriteIntegerWide(out, static_cast<int64_t>(m_bone), 3);
-    out = WriteThree(out, position->X, position->Y, position->Z);
+    out = exact.Position ? WriteThreeExact(out, position->X, position->Y, position->Z)
+                         : WriteThree(out, position->X, position->Y, position->Z);
     place.OddPositions = CountNonFinite(position->X, position->Y, position->Z);
   } else {
     out = CopyPart(out, m_previous.get() + before.Line, before.Rotation - before.Line);
   }
   place.Rotation = static_cast<size_t>(out - m_text.get());
   if (rotation != nullptr) {
-    out = WriteThree(out, rotation->X, rotation->Y, rotation->Z);
+    out = exact.Rotation ? WriteThreeExact(out, rotation->X, rotation->Y, rotation->Z)
+                         : WriteThree(out, rotation->X, rotation->Y, rotation->Z);
     std::memcpy(out, core::PlatformLineEnd.data(), core::PlatformLineEnd.size());
     out += core::PlatformLineEnd.size();
     place.OddRotations = CountNonFinite(rotation->X, rotation->Y, rotation->Z);

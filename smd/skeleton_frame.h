@@ -11,6 +11,12 @@
 
 namespace tarnwick::smd {
 
+/// Which numbers of a line read as the very floats that they are: those have more than six decimals where they must.
+struct ExactNumbers {
+  bool Position = false;
+  bool Rotation = false;
+};
+
 /// The text of a skeleton's pose, one line "%3d %f %f %f %f %f %f\n" a bone. What has not changed is carried over from
 /// pose to pose: for each pose the bones are told in order, each kept or with new numbers.
 ///
@@ -27,7 +33,7 @@ class SkeletonFrame {
   /// The next bone's line is that of the pose before.
   void Keep() { ++m_bone; }
   /// The next bone's line holds these numbers; nullptr for numbers that are those of the pose before.
-  void Line(const Triple* position, const Triple* rotation);
+  void Line(const Triple* position, const Triple* rotation, ExactNumbers exact = {});
   /// Writes the lines of the pose, all of whose bones are told.
   void Write(core::TextWriter& writer);
 

@@ -21,6 +21,8 @@ inline constexpr uint32_t DecompileOptionKeepRotations = 2;
 inline constexpr uint32_t DecompileOptionReadyToCompile = 4;
 /// The physics file beside the model is left alone.
 inline constexpr uint32_t DecompileOptionNoPhysics = 8;
+/// Sources that are ready to compile are without animations; their script shows the first mesh at rest.
+inline constexpr uint32_t DecompileOptionNoAnimations = 16;
 
 /// How far a job has got, told as it goes on.
 struct DecompileProgress {

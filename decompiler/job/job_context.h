@@ -31,6 +31,7 @@ class JobContext : private core::TroubleSink, public ModelReader {
   bool Unweighted() const { return (m_job.Options & DecompileOptionUnweightedSmd) != 0; }
   bool KeepRotations() const { return (m_job.Options & DecompileOptionKeepRotations) != 0; }
   bool ReadyToCompile() const { return (m_job.Options & DecompileOptionReadyToCompile) != 0; }
+  bool WithoutAnimations() const { return (m_job.Options & DecompileOptionNoAnimations) != 0; }
   bool WithoutPhysics() const { return (m_job.Options & DecompileOptionNoPhysics) != 0; }
 
   /// The open QC script.
@@ -47,6 +48,9 @@ class JobContext : private core::TroubleSink, public ModelReader {
 
   /// `name` as a word of the script; in the plain form as it stands.
   std::string Word(std::string_view name) const { return ReadyToCompile() ? ScriptWord(name) : std::string(name); }
+
+  /// The first mesh that the script names, as it types it; empty before it has one.
+  std::string FirstMesh;
 
   /// Which delta reference file the job has; empty until the first delta animation.
   std::string DeltaReference;

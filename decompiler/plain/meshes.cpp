@@ -3,7 +3,7 @@
 #include <memory>
 #include <string>
 
-#include "decompiler/stages/face.h"
+#include "decompiler/plain/face.h"
 #include "decompiler/stages/mesh_file.h"
 #include "decompiler/stages/reference_skeleton.h"
 #include "decompiler/writers/lod_blocks.h"

@@ -4,6 +4,7 @@
 
 #include "decompiler/sources/script_values.h"
 #include "decompiler/stages/animation_file.h"
+#include "model/anim_block_file.h"
 #include "model/animation_check.h"
 #include "model/pose_player.h"
 #include "model/script_records.h"
@@ -43,6 +44,32 @@ std::vector<TravelPart> TravelOf(JobContext& job, const core::Record<StudioAnimD
     travel.push_back({last, part->Position, part->StartSpeed, part->EndSpeed});
   }
   return travel;
+}
+
+/// The IK rules of an animation, which lie with its data. Nothing if they do not lie in the file.
+std::optional<core::RecordArray<StudioIkRule>> IkRulesOf(JobContext& job,
+                                                         const core::Record<StudioAnimDesc>& animation) {
+  if (animation->Block <= 0) {
+    return job.Table<StudioIkRule>("IK rule table", animation.Offset() + animation->IkRuleOffset,
+                                   animation->IkRuleCount);
+  }
+  const auto base = GetAnimBlockBase(job, animation->Block);
+  if (!base) return std::nullopt;
+  return base->View().Array<StudioIkRule>(base->Offset + animation->BlockIkRuleOffset, animation->IkRuleCount);
+}
+
+/// What an IK rule has of its own in place of its chain's.
+std::string IkRuleValues(JobContext& job, const StudioIkRule& rule) {
+  std::string words;
+  if (rule.Height != 0) words += " height " + Number(job, rule.Height);
+  if (rule.Floor != 0) words += " floor " + Number(job, rule.Floor);
+  if (rule.Radius != 0) words += " radius " + Number(job, rule.Radius);
+  const Vec3 place = rule.Position;
+  const Quat turn = rule.Rotation;
+  const bool moved = place.x != 0 || place.y != 0 || place.z != 0 || turn.x != 0 || turn.y != 0 || turn.z != 0;
+  if (moved) job.Lose("places that IK rules hold");
+  if (rule.Slot != rule.Chain) job.Lose("slots of IK rules");
+  return words;
 }
 
 }  // namespace
@@ -137,7 +164,7 @@ std::optional<Animations::Own> Animations::Write(int64_t number, std::string_vie
                         Quoted(m_job, m_job.DeltaReference) + " fps 30\n");
   }
   const std::string file = m_job.Names.Take(AnimationStem(animation.Name), AnimationExtension);
-  if (!WriteAnimationFile(m_job, animation, file, {animation.IsDelta(), false, TravelOf(m_job, description)}) ||
+  if (!WriteAnimationFile(m_job, animation, file, {animation.IsDelta(), false, true, TravelOf(m_job, description)}) ||
       m_job.Animations.Exports[number].State != AnimationFiles::Outcome::Written) {
     m_job.Lose("animations that cannot be read or written");
     return std::nullopt;
@@ -183,15 +210,13 @@ std::string Animations::TravelWords(const core::Record<StudioAnimDesc>& animatio
 std::string Animations::IkRuleWords(const core::Record<StudioAnimDesc>& animation) {
   std::string words;
   if (animation->IkRuleCount == 0) return words;
-  if (animation->Block != 0) {
-    m_job.Lose("IK rules in the animation block file", animation->IkRuleCount);
-    return words;
-  }
   const auto header = m_job.Model.Header();
   const auto chains = m_job.Model.View().Array<StudioIkChain>(header->IkChainOffset, header->IkChainCount);
-  const auto rules =
-      m_job.Table<StudioIkRule>("IK rule table", animation.Offset() + animation->IkRuleOffset, animation->IkRuleCount);
-  if (!rules || !chains || !m_job.Spend(rules->Count() * RecordCost)) return words;
+  const auto rules = IkRulesOf(m_job, animation);
+  if (!rules || !chains || !m_job.Spend(rules->Count() * RecordCost)) {
+    m_job.Lose("IK rules that cannot be read", animation->IkRuleCount);
+    return words;
+  }
   bool exact = true;
   for (const auto rule : *rules) {
     const auto chain = chains->Holds(rule->Chain)
@@ -209,12 +234,13 @@ std::string Animations::IkRuleWords(const core::Record<StudioAnimDesc>& animatio
     } else {
       words += " release";
     }
+    words += IkRuleValues(m_job, *rule);
     words += " range";
     for (const float part : {rule->Start, rule->Peak, rule->Tail, rule->End}) {
-      words += " " + std::to_string(FrameAt(part, animation->FrameCount, exact));
+      words += " " + FrameAt(part, animation->FrameCount, exact);
     }
     if (rule->Contact != rule->Peak) {
-      words += " contact " + std::to_string(FrameAt(rule->Contact, animation->FrameCount, exact));
+      words += " contact " + FrameAt(rule->Contact, animation->FrameCount, exact);
     }
     words += "\n";
   }

@@ -160,7 +160,11 @@ void WriteIncludedModels(JobContext& job) {
     if (!name || !job.ScriptWithinBounds()) return;
     std::string path(*name);
     std::replace(path.begin(), path.end(), '\\', '/');
-    if (path.starts_with(Folder)) path.erase(0, Folder.size());
+    if (path.starts_with(Folder)) {
+      path.erase(0, Folder.size());
+    } else {
+      job.Lose("included models outside the folder of models");
+    }
     job.Script().Text("$includemodel " + Quoted(job, path) + "\n");
   }
 }

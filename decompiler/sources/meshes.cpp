@@ -1,14 +1,20 @@
 #include "decompiler/sources/meshes.h"
 
+#include <map>
 #include <memory>
+#include <optional>
 #include <string>
 
+#include "core/paths.h"
+#include "decompiler/sources/face.h"
+#include "decompiler/sources/lod_bones.h"
 #include "decompiler/sources/script_values.h"
-#include "decompiler/stages/face.h"
 #include "decompiler/stages/mesh_file.h"
 #include "decompiler/stages/reference_skeleton.h"
 #include "decompiler/writers/lod_blocks.h"
 #include "decompiler/writers/mesh_names.h"
+#include "model/vtx_layout.h"
+#include "model/vtx_tree.h"
 
 namespace tarnwick::decompiler::sources {
 
@@ -25,11 +31,14 @@ class MeshExport {
     if (!parts) return;
     m_skeleton = FormatReferenceSkeleton(m_job);
     if (m_skeleton == nullptr) return;
-    FindFaces(*parts);
+    m_faces = ReadFaceNames(m_job);
+    FindSharedPlace(*parts);
     for (int64_t b = 0; b < parts->Count() && !m_job.Stopped() && m_job.ScriptWithinBounds(); ++b) {
       ExportBodyPart((*parts)[b], b);
     }
+    FinishLods();
     m_lodBlocks.Write(m_job.Script());
+    if (!m_sharedWritten) LoseSharedFace(m_job);
   }
 
  private:
@@ -37,18 +46,24 @@ class MeshExport {
   struct ModelNames {
     std::string File;   // of the reference
     std::string Typed;  // as the script names it: a compile keeps that as the model's name
-    std::string Base;   // before it was made unique; its LODs are named after it
+    std::string Stem;   // of the file, before it was made unique; its LODs are named after it
   };
 
-  void FindFaces(const core::RecordArray<StudioBodyPart>& parts) {
-    for (const auto part : parts) {
+  /// What the file holds once for all faces stands in the last block of one: a rule may name any flex ahead of it.
+  /// Where no model has a face of its own, in the block of the last one that can have one.
+  void FindSharedPlace(const core::RecordArray<StudioBodyPart>& parts) {
+    bool faceFound = false;
+    for (int64_t b = 0; b < parts.Count(); ++b) {
+      const auto part = parts[b];
       const auto models = m_job.Model.View().Array<StudioModel>(part.Offset() + part->ModelOffset, part->ModelCount);
-      if (!models) continue;
-      for (const auto model : *models) {
-        if (!m_job.Spend(int64_t{sizeof(StudioModel)})) return;
-        if (HasFace(m_job, model)) m_anyFace = true;
-      }
+      if (!m_job.Spend(int64_t{sizeof(StudioModel)})) return;
+      if (!models || models->Count() != 1 || (*models)[0]->MeshCount == 0) continue;
+      const bool hasFace = HasFace(m_job, (*models)[0]);
+      if (faceFound && !hasFace) continue;
+      faceFound = hasFace;
+      m_sharedPart = b;
     }
+    if (!faceFound && !HasSharedFace(m_job)) m_sharedPart = -1;
   }
 
   void ExportBodyPart(const core::Record<StudioBodyPart>& part, int64_t index) {
@@ -66,7 +81,9 @@ class MeshExport {
         continue;
       }
       const auto lods = LodsOf(m_job, index, m);
-      if (!lods || lods->Count() == 0 || !ExportModel(*name, model, *lods, grouped)) LeaveOut("  ", "model", m);
+      if (!lods || lods->Count() == 0 || !ExportModel(*name, model, *lods, grouped ? -1 : index)) {
+        LeaveOut("  ", "model", m);
+      }
     }
     if (grouped) m_job.Script().Text("}\n");
   }
@@ -80,39 +97,52 @@ class MeshExport {
   /// Gives the model's files their names. The script types the name that the model has, where a file straight in the
   /// folder can have it.
   ModelNames NamesOf(const core::Record<StudioModel>& model) {
+    constexpr std::string_view Extension = ".smd";
     const std::string_view stored = core::FixedText(model->Name);
+    const std::string base = CleanFileName(MeshBaseName(stored));
     ModelNames names;
-    names.Base = CleanFileName(MeshBaseName(stored));
-    names.File = m_job.Names.Take(FileStem(names.Base), ".smd");
-    const std::string stem(FileStem(names.File));
-    names.Typed = stored == stem && stem.find('.') == std::string::npos ? stem : names.File;
+    names.Stem = FileStem(base);
+    std::string extension(Extension);
+    if (core::LowerAscii(names.Stem).ends_with(Extension) && names.Stem.size() > Extension.size()) {
+      const size_t stem = names.Stem.size() - Extension.size();
+      extension = names.Stem.substr(stem);  // ".SMD" stays as it was typed
+      names.Stem.resize(stem);
+    }
+    names.File = m_job.Names.Take(names.Stem, extension);
+    const std::string taken(FileStem(names.File));
+    names.Typed = stored == taken && taken.find('.') == std::string::npos ? taken : names.File;
     if (stored != names.Typed) m_job.Lose("names of meshes that no file can have");
     return names;
   }
 
+  /// `part` is the number of the body part that the model is all of; -1 where a group offers it.
   bool ExportModel(std::string_view partName, const core::Record<StudioModel>& model,
-                   const core::RecordArray<VtxModelLod>& lods, bool grouped) {
+                   const core::RecordArray<VtxModelLod>& lods, int64_t part) {
     const ModelNames names = NamesOf(model);
     if (!WriteMeshFile(m_job, m_skeleton, names.File, model, lods[0])) return false;
+    if (m_job.FirstMesh.empty()) m_job.FirstMesh = names.Typed;
     core::TextWriter& script = m_job.Script();
-    if (grouped) {
+    if (part < 0) {
       script.Text("  studio " + Quoted(m_job, names.Typed) + "\n");
-      if (HasFace(m_job, model)) m_job.Lose("faces of models that a body group offers");
-    } else if (HasFaceBlock(model)) {
+      LoseModelFace(m_job, model);
+    } else if (m_faces && (part == m_sharedPart || HasFace(m_job, model))) {
       script.Text("$model " + Quoted(m_job, partName) + " " + Quoted(m_job, names.Typed) + " {\n");
-      WriteFace(m_job, model);
+      if (HasFace(m_job, model)) WriteModelFace(m_job, model, *m_faces);
+      if (part == m_sharedPart) WriteSharedFace(m_job, *m_faces);
+      m_sharedWritten = m_sharedWritten || part == m_sharedPart;
       script.Text("}\n");
     } else {
       script.Text("$body " + Quoted(m_job, partName) + " " + Quoted(m_job, names.Typed) + "\n");
+      if (!m_faces) LoseModelFace(m_job, model);
     }
-    for (int64_t l = 1; l < lods.Count(); ++l) ExportLod(model, lods[l], names, static_cast<int>(l));
+    for (int64_t l = 1; l < lods.Count(); ++l) {
+      const auto index = static_cast<int>(l);
+      ExportLod(model, lods[l], names, index);
+      CountFlexedGroups(model, lods[0], lods[l], index);
+      const auto replaced = FindReplacedBones(m_job, model, lods[0], lods[l], index);
+      m_replacedBones[index].insert(replaced.begin(), replaced.end());
+    }
     return true;
-  }
-
-  /// Whether the model's `$model` line carries a block of face commands.
-  bool HasFaceBlock(const core::Record<StudioModel>& model) const {
-    if (m_anyFace) return HasFace(m_job, model);
-    return model->EyeballCount != 0 || m_header->MouthCount != 0;
   }
 
   void ExportLod(const core::Record<StudioModel>& model, const core::Record<VtxModelLod>& lod, const ModelNames& names,
@@ -123,7 +153,7 @@ class MeshExport {
       }
       return;
     }
-    const std::string file = m_job.Names.Take(FileStem(LodName(index, names.Base)), ".smd");
+    const std::string file = m_job.Names.Take(LodName(index, names.Stem), ".smd");
     if (WriteMeshFile(m_job, m_skeleton, file, model, lod)) {
       m_lodBlocks.Replace(index, lod->SwitchDistance, names.Typed, file);
     } else {
@@ -131,11 +161,63 @@ class MeshExport {
     }
   }
 
+  bool HasFlexedGroups(const core::Record<StudioModel>& model, const core::Record<VtxModelLod>& lod) const {
+    const core::ImageView vtx = m_job.Model.Vtx->View();
+    for (int64_t i = 0; i < model->MeshCount; ++i) {
+      const auto mesh = VtxMeshAt(vtx, lod, i);
+      for (int64_t g = 0; mesh && g < (*mesh)->StripGroupCount; ++g) {
+        const auto group = StripGroupAt(vtx, m_job.Model.Layout, *mesh, g);
+        if (!group || !m_job.Spend(RecordCost)) return false;
+        if (((*group)->Flags & StripGroupFlagsFlexed) != 0) return true;
+      }
+    }
+    return false;
+  }
+
+  /// Notes whether a model whose flexes move it drops them at a level of detail.
+  void CountFlexedGroups(const core::Record<StudioModel>& model, const core::Record<VtxModelLod>& reference,
+                         const core::Record<VtxModelLod>& lod, int index) {
+    if (!HasFace(m_job, model) || !HasStripGroups(m_job, model, lod) || !HasFlexedGroups(model, reference)) return;
+    (HasFlexedGroups(model, lod) ? m_facial : m_faceless)[index] += 1;
+  }
+
+  void FinishLods() {
+    for (const auto& [lod, count] : m_faceless) {
+      if (m_facial.contains(lod)) {
+        m_job.Lose("models that alone drop their faces at a level of detail", count);
+      } else {
+        m_lodBlocks.Add(lod, "nofacial");
+      }
+    }
+    const Skeleton* skeleton = GetSkeleton(m_job);
+    for (const auto& [lod, bones] : m_replacedBones) {
+      for (const auto& [bone, other] : bones) {
+        m_lodBlocks.Add(lod, "replacebone " + Quoted(m_job, skeleton->Names[static_cast<size_t>(bone)]) + " " +
+                                 Quoted(m_job, skeleton->Names[static_cast<size_t>(other)]));
+      }
+    }
+    CountReplacedMaterials();
+  }
+
+  void CountReplacedMaterials() {
+    const core::ImageView vtx = m_job.Model.Vtx->View();
+    const auto header = vtx.At<VtxHeader>(0);
+    if (!header) return;
+    const int64_t offset = (*header)->MaterialListOffset;
+    const auto lists = vtx.Array<VtxMaterialList>(offset, (*header)->LodCount);
+    if (offset < int64_t{sizeof(VtxHeader)} || !lists || !m_job.Spend(lists->Count() * RecordCost)) return;
+    for (const auto list : *lists) m_job.Lose("materials that a level of detail replaces", list->Count);
+  }
+
   JobContext& m_job;
   core::Record<StudioHeader> m_header;
   std::shared_ptr<const smd::SkeletonText> m_skeleton;
   LodBlocks m_lodBlocks;
-  bool m_anyFace = false;
+  std::optional<FaceNames> m_faces;
+  int64_t m_sharedPart = -1;  // the body part whose block holds what all faces share
+  bool m_sharedWritten = false;
+  std::map<int, int64_t> m_facial, m_faceless;                // models that keep and drop their flexes, by LOD
+  std::map<int, std::map<int32_t, int32_t>> m_replacedBones;  // by LOD: which bone another one replaces
 };
 
 }  // namespace

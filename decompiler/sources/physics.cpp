@@ -160,7 +160,9 @@ class PhysicsExport {
   RigidTransform PlacementOf(const SourceSolid& solid, const std::vector<RigidTransform>& rest) {
     if (m_collision.IsJoined) return rest[static_cast<size_t>(solid.Bone)];
     const RigidTransform turnedBack = RigidTransform::QuarterTurn().Inverse();
-    if ((m_job.Model.Header()->Flags & ModelFlagStatic) != 0 || rest.empty()) return turnedBack;
+    if ((m_job.Model.Header()->Flags & ModelFlagStatic) != 0 || rest.empty() || m_job.WithoutAnimations()) {
+      return turnedBack;
+    }
     const auto pose = FirstRootPose(m_job, m_skeleton);
     return pose ? rest[0] * pose->Inverse() : turnedBack;
   }
@@ -257,7 +259,11 @@ class PhysicsExport {
 void WritePhysics(JobContext& job) {
   if (job.WithoutPhysics() || job.Stopped()) return;
   const auto image = LoadPhysics(job);
-  if (!image) return;
+  if (!image) {
+    // Without a collision model there is no statement for a mass.
+    if (job.Model.Header()->Mass != 1) job.Lose("masses of physics that are not there");
+    return;
+  }
   const Skeleton* skeleton = GetSkeleton(job);
   auto file = ReadPhyFile(image->View(), image->Path(), job.Troubles());
   if (!file || skeleton == nullptr) return job.Script().Text("// the physics file cannot be read\n");

@@ -44,6 +44,12 @@ void WriteStorage(JobContext& job) {
   job.Script().Text("$sectionframes " + std::to_string(length) + " " + std::to_string(least) + "\n");
 }
 
+/// A compile asks for a sequence of whatever has a mesh.
+void WriteRestSequence(JobContext& job) {
+  if (job.FirstMesh.empty()) return;
+  job.Script().Text("$sequence \"idle\" " + Quoted(job, job.FirstMesh) + "\n");
+}
+
 }  // namespace
 
 void WriteScript(JobContext& job) {
@@ -58,8 +64,12 @@ void WriteScript(JobContext& job) {
   WriteBoxes(job);
   WriteIkStatements(job);
   WriteProceduralBones(job);
-  WriteStorage(job);
-  WriteSequences(job);
+  if (job.WithoutAnimations()) {
+    WriteRestSequence(job);
+  } else {
+    WriteStorage(job);
+    WriteSequences(job);
+  }
   WriteIncludedModels(job);
   WritePhysics(job);
   WriteModelKeyValues(job);

@@ -1,10 +1,10 @@
 #include "decompiler/sources/script_values.h"
 
 #include <cmath>
+#include <limits>
 #include <numbers>
 
 #include "core/number_text.h"
-#include "model/truncate.h"
 
 namespace tarnwick::decompiler::sources {
 
@@ -59,15 +59,20 @@ std::optional<std::string_view> BoneName(JobContext& job, std::string_view user,
   return std::nullopt;
 }
 
-int32_t FrameAt(float part, int32_t frames, bool& exact) {
+std::string FrameAt(float part, int32_t frames, bool& exact) {
   if (frames <= 1 || !std::isfinite(part)) {
     exact = exact && (part == 0 || !std::isfinite(part));
-    return 0;
+    return "0";
   }
   const auto last = static_cast<float>(frames - 1);
-  const float frame = std::round(part * last);
-  if (frame / last != part) exact = false;
-  return TruncateToInt(frame);
+  const float frame = part * last;
+  const float above = std::nextafter(frame, std::numeric_limits<float>::max());
+  const float below = std::nextafter(frame, std::numeric_limits<float>::lowest());
+  for (const float candidate : {std::round(frame), frame, above, below}) {
+    if (candidate / last == part) return core::ShortestDecimal(candidate);
+  }
+  exact = false;
+  return core::ShortestDecimal(frame);
 }
 
 }  // namespace tarnwick::decompiler::sources

@@ -26,7 +26,8 @@ namespace tarnwick::decompiler::sources {
 [[nodiscard]] std::optional<std::string_view> BoneName(JobContext& job, std::string_view user, int64_t userOffset,
                                                        int64_t index);
 
-/// The frame that lies at `part` (0 to 1) of `frames` frames. `exact` is cleared if no frame gives that part back.
-[[nodiscard]] int32_t FrameAt(float part, int32_t frames, bool& exact);
+/// The frame that lies at `part` (0 to 1) of `frames` frames, as a script has it: a whole number where one gives the
+/// part back, else one with a fraction. `exact` is cleared if none does.
+[[nodiscard]] std::string FrameAt(float part, int32_t frames, bool& exact);
 
 }  // namespace tarnwick::decompiler::sources

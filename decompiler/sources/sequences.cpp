@@ -180,6 +180,8 @@ class Sequences {
     if ((left & SequenceFlagCalcBlend) != 0) m_job.Lose("blends that were computed from an attachment");
     m_job.Lose("sequence flags without a statement", std::popcount(left & ~SequenceFlagCalcBlend));
     m_job.Lose("activity modifiers", sequence->ActivityModifierCount);
+    if (sequence->CyclePose != 0) m_job.Lose("pose parameters that drive a cycle");
+    if (sequence->EntryPhase != 0 || sequence->ExitPhase != 0) m_job.Lose("phases of transitions");
     return words;
   }
 
@@ -224,7 +226,7 @@ class Sequences {
       const bool whole = std::ranges::all_of(parts, [](float part) { return part == 0 || !std::isfinite(part); });
       words += (whole ? "  addlayer " : "  blendlayer ") + Quoted(m_job, *label);
       for (size_t i = 0; !whole && i < std::size(parts); ++i) {
-        words += " " + std::to_string(FrameAt(parts[i], m_animationTable[firstAnimation]->FrameCount, exact));
+        words += " " + FrameAt(parts[i], m_animationTable[firstAnimation]->FrameCount, exact);
       }
       words += "\n";
     }
@@ -266,7 +268,7 @@ class Sequences {
       } else {
         words += Quoted(m_job, event->NameOffset == 0 ? "" : m_job.Model.NameOf(event, event->NameOffset).value_or(""));
       }
-      words += " " + std::to_string(FrameAt(event->Cycle, frames, exact));
+      words += " " + FrameAt(event->Cycle, frames, exact);
       const std::string_view options = core::FixedText(event->Options);
       if (!options.empty()) words += " " + Quoted(m_job, options);
       words += " }\n";

@@ -82,11 +82,11 @@ bool GatherPiece(JobContext& job, const core::Record<StudioMesh>& mesh, const co
   return true;
 }
 
-void GatherFrames(JobContext& job, const ModelFlexes& flexes, const FlexTables& tables, VtaContent& content) {
-  for (size_t d = 0; d < tables.Frame.size(); ++d) {
-    if (tables.Frame[d] == 0) continue;
-    Frame frame{tables.Frame[d], tables.Names[d], {}};
-    for (const MeshFlex& entry : flexes.ByDescriptor[d]) {
+void GatherFrames(JobContext& job, const ModelFlexes& flexes, const std::vector<VtaFrame>& frames,
+                  VtaContent& content) {
+  for (const VtaFrame& wanted : frames) {
+    Frame frame{wanted.Number, wanted.Name, {}};
+    for (const MeshFlex& entry : wanted.Flexes) {
       if (!GatherPiece(job, flexes.Meshes[entry.Mesh], entry.Flex, flexes.VertAnimSizeOf(*entry.Flex), frame)) break;
     }
     content.Frames.push_back(std::move(frame));
@@ -146,14 +146,14 @@ void WriteContent(core::TextWriter& writer, const VtaContent& content) {
 }  // namespace
 
 bool WriteVtaFile(JobContext& job, const core::Record<StudioModel>& model, const ModelFlexes& flexes,
-                  const FlexTables& tables, int32_t frameCount) {
-  auto file = job.Create(tables.VtaName);
+                  const std::string& name, const std::vector<VtaFrame>& frames, int32_t frameCount) {
+  auto file = job.Create(name);
   if (!file) {
-    DecompileLog(job, "Unable to open " + tables.VtaName + "\r\n");
-    job.RecordError("Unable to open " + tables.VtaName, core::TroubleKind::Unwritable, "Unable to open a VTA file");
+    DecompileLog(job, "Unable to open " + name + "\r\n");
+    job.RecordError("Unable to open " + name, core::TroubleKind::Unwritable, "Unable to open a VTA file");
     return false;
   }
-  DecompileLog(job, "Creating " + tables.VtaName + "\r\n");
+  DecompileLog(job, "Creating " + name + "\r\n");
   auto content = std::make_shared<VtaContent>();
   content->Skeleton = FormatReferenceSkeleton(job);
   if (content->Skeleton == nullptr) return false;
@@ -161,10 +161,10 @@ bool WriteVtaFile(JobContext& job, const core::Record<StudioModel>& model, const
   const auto frameSize = static_cast<int64_t>(content->Skeleton->BoneLines.size());
   if (!job.Spend(FileCost + (int64_t{frameCount} + 1) * (frameSize + LineCost))) return false;
   GatherVertices(job, model, *content);
-  if (content->HasVertices) GatherFrames(job, flexes, tables, *content);
+  if (content->HasVertices) GatherFrames(job, flexes, frames, *content);
   const bool complete = content->HasVertices;
   if (!complete) {
-    job.LogError(tables.VtaName + " is not complete: the model's vertices cannot be reached", core::TroubleKind::Lost,
+    job.LogError(name + " is not complete: the model's vertices cannot be reached", core::TroubleKind::Lost,
                  "a VTA file is not complete");
     if (job.ReadyToCompile()) return false;
   }

@@ -58,6 +58,7 @@ class AnimationText {
   AnimationText(const AnimationSmdModel& model, const CheckedAnimation& animation, const AnimationSmdForm& form)
       : m_model(model),
         m_onDefaultPose(form.OnDefaultPose && animation.IsDelta()),
+        m_exactWhereStill(form.ExactWhereStill),
         m_travel(form.Travel),
         m_player(model.Bones, animation),
         m_frame(static_cast<size_t>(model.Bones.Count())),
@@ -107,7 +108,9 @@ class AnimationText {
         const bool turned = m_player.RotationChanged(bone);
         const smd::Triple rotation = turned ? ToTriple(*angles++) : smd::Triple{};
         m_frame.Line(m_player.PositionChanged(bone) || Travels(bone) ? &position : nullptr,
-                     turned ? &rotation : nullptr);
+                     turned ? &rotation : nullptr,
+                     {.Position = m_exactWhereStill && !m_player.PositionRuns(bone) && !Travels(bone),
+                      .Rotation = m_exactWhereStill && !m_player.RotationRuns(bone)});
       } else {
         m_frame.Keep();
       }
@@ -121,6 +124,7 @@ class AnimationText {
 
   const AnimationSmdModel& m_model;
   bool m_onDefaultPose;
+  bool m_exactWhereStill;
   const std::vector<TravelPart>& m_travel;
   Vec3 m_travelled = {};
   PosePlayer m_player;
@@ -168,7 +172,7 @@ void WriteBindPoseSmd(core::TextWriter& writer, const AnimationSmdModel& model, 
     EulerAngles angles;
     QuatToEuler(turn, angles);
     const smd::Triple position = ToTriple(place), rotation = ToTriple(angles);
-    frame.Line(&position, &rotation);
+    frame.Line(&position, &rotation, {.Position = turned, .Rotation = turned});
   }
   writer.Raw(model.Head);
   for (int time = 0; time < 2; ++time) {

@@ -45,6 +45,7 @@ struct TravelPart {
 struct AnimationSmdForm {
   bool OnDefaultPose = false;           // a delta animation is shown applied to the default pose
   bool FirstFrameTwice = true;          // frame 0 stands before all frames once more
+  bool ExactWhereStill = false;         // numbers that come out of no runs read as the very floats that they are
   std::vector<TravelPart> Travel = {};  // put back into the roots' positions; in rising order of frames
 };
 

@@ -24,6 +24,11 @@ void LodBlocks::Remove(int lod, float switchDistance, const std::string& stem) {
   LinesOf(lod, switchDistance) += "  removemodel \"" + stem + "\"\n";
 }
 
+void LodBlocks::Add(int lod, const std::string& line) {
+  const auto block = m_blocks.find(lod);
+  if (block != m_blocks.end()) block->second.Lines += "  " + line + "\n";
+}
+
 void LodBlocks::Write(core::TextWriter& script) const {
   for (const auto& [lod, block] : m_blocks) {
     if (block.SwitchDistance == -1.0f) {

@@ -18,6 +18,8 @@ class LodBlocks {
   void Replace(int lod, float switchDistance, const std::string& stem, const std::string& lodName);
   /// The model `stem` is not shown at LOD `lod`.
   void Remove(int lod, float switchDistance, const std::string& stem);
+  /// Adds a line of other words to the block of a LOD that has one.
+  void Add(int lod, const std::string& line);
 
   /// Writes the blocks in rising order of their LODs.
   void Write(core::TextWriter& script) const;

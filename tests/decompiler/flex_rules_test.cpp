@@ -1,10 +1,10 @@
-#include "decompiler/writers/flex_rule_text.h"
+#include "decompiler/plain/flex_rule_text.h"
 
 #include <gtest/gtest.h>
 
 #include "support/face_description.h"
 
-namespace tarnwick::decompiler {
+namespace tarnwick::decompiler::plain {
 namespace {
 
 std::optional<std::string> Text(const std::vector<StudioFlexOp>& ops, size_t mostBytes = 1 << 20) {
@@ -43,4 +43,4 @@ TEST(FlexRules, TakesAnyLengthAndDepthUpToItsBound) {
 }
 
 }  // namespace
-}  // namespace tarnwick::decompiler
+}  // namespace tarnwick::decompiler::plain

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <bit>
 #include <cstdint>
 #include <string>
@@ -16,12 +17,15 @@ struct VertAnimDescription {
   int16_t Vertex = 0;  // within the mesh
   model::Vec3 PositionDelta = {0, 0, 0};
   model::Vec3 NormalDelta = {0, 0, 0};
+  uint8_t Speed = 255;
+  uint8_t Side = 0;
 };
 
 struct FlexDescription {
   int32_t FlexDesc = 0;
   std::vector<VertAnimDescription> VertAnims = {VertAnimDescription{}};
   int32_t Partner = 0;
+  std::array<float, 4> Targets = {0, 1, 10, 11};
   bool Wrinkles = false;  // its vertex animations drive wrinkles too
 };
 
@@ -32,6 +36,8 @@ struct EyeballDescription {
   float Radius = 0.5f;
   int32_t Texture = 0;
   float IrisScale = 1;
+  model::Vec3 Up = {0, 0, 1};
+  model::Vec3 Forward = {0, -1, 0};
   float UpperTarget[3] = {-0.5f, 0, 0.5f};  // lowered, neutral, raised
   float LowerTarget[3] = {-0.5f, 0, 0.5f};
   int32_t UpperLidFlexDesc = 0;

@@ -12,6 +12,8 @@ using namespace model;
 StudioVertAnim ToRecord(const VertAnimDescription& anim) {
   StudioVertAnim record{};
   record.Vertex = anim.Vertex;
+  record.Speed = anim.Speed;
+  record.Side = anim.Side;
   const float position[] = {anim.PositionDelta.x, anim.PositionDelta.y, anim.PositionDelta.z};
   const float normal[] = {anim.NormalDelta.x, anim.NormalDelta.y, anim.NormalDelta.z};
   for (size_t axis = 0; axis < 3; ++axis) {
@@ -29,6 +31,8 @@ StudioEyeball ToRecord(const EyeballDescription& eyeball) {
   record.Radius = eyeball.Radius;
   record.Texture = eyeball.Texture;
   record.IrisScale = eyeball.IrisScale;
+  record.Up = eyeball.Up;
+  record.Forward = eyeball.Forward;
   for (size_t i = 0; i < 3; ++i) {
     record.UpperTarget[i] = eyeball.UpperTarget[i];
     record.LowerTarget[i] = eyeball.LowerTarget[i];
@@ -57,6 +61,7 @@ void WriteFlexes(const MeshDescription& mesh, size_t b, size_t m, size_t k, File
     }
     flexes[f].FlexDesc = flex.FlexDesc;
     flexes[f].Partner = flex.Partner;
+    for (size_t t = 0; t < flex.Targets.size(); ++t) flexes[f].Targets[t] = flex.Targets[t];
     flexes[f].VertAnimCount = static_cast<int32_t>(count);
     flexes[f].VertAnimOffset = flexes.To(offset, f);
   }

@@ -60,6 +60,7 @@ struct MeshDescription {
                                              VertexDescription{.Position = {0, 1, 0}, .V = 1}};
   std::vector<LodDescription> Lods = {Triangles({0, 1, 2})};  // those that are missing have no strip group
   std::vector<FlexDescription> Flexes = {};
+  int32_t Eyeball = -1;  // of the model, if the mesh is the white of it
 };
 
 struct ModelDescription {

@@ -26,6 +26,10 @@ void WriteMeshes(const ModelDescription& model, size_t bodyPartIndex, size_t mod
     meshes[i].ModelOffset = meshes.To(owner, i);
     meshes[i].VertexCount = static_cast<int32_t>(mesh.Vertices.size());
     meshes[i].FirstVertex = firstVertex;
+    if (mesh.Eyeball >= 0) {
+      meshes[i].Kind = model::MeshKindEyeball;
+      meshes[i].Eyeball = mesh.Eyeball;
+    }
     firstVertex += meshes[i].VertexCount;
   }
   auto& record = mdl.Record<StudioModel>(PlaceName("models", {bodyPartIndex}), static_cast<int64_t>(modelIndex));

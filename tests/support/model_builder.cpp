@@ -36,6 +36,7 @@ ModelFiles ModelBuilder::Build() const {
   WriteAnimations(*this, mdl, files.Ani);
   WriteSequences(*this, mdl);
   WriteScriptRecords(*this, mdl);
+  header[0].Mass = 1;
   header[0].Length = static_cast<int32_t>(mdl.Size());
 
   if (!BodyParts.empty()) {

@@ -9,7 +9,7 @@
 #include "decompiler/writers/model_names.h"
 #include "model/face_records.h"
 
-namespace tarnwick::decompiler {
+namespace tarnwick::decompiler::plain {
 
 /// The names that a rule's operations can push.
 struct FlexRuleNames {
@@ -23,4 +23,4 @@ struct FlexRuleNames {
 [[nodiscard]] std::optional<std::string> FlexRuleText(const core::RecordArray<StudioFlexOp>& ops,
                                                       const FlexRuleNames& names, size_t mostBytes, int& skipped);
 
-}  // namespace tarnwick::decompiler
+}  // namespace tarnwick::decompiler::plain

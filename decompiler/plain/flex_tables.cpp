@@ -1,8 +1,8 @@
-#include "decompiler/stages/flex_tables.h"
+#include "decompiler/plain/flex_tables.h"
 
 #include "model/face_records.h"
 
-namespace tarnwick::decompiler {
+namespace tarnwick::decompiler::plain {
 
 std::optional<FlexTables> MakeFlexTables(JobContext& job) {
   const auto header = job.Model.Header();
@@ -20,4 +20,4 @@ std::optional<FlexTables> MakeFlexTables(JobContext& job) {
   return tables;
 }
 
-}  // namespace tarnwick::decompiler
+}  // namespace tarnwick::decompiler::plain

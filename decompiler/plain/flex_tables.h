@@ -8,7 +8,7 @@
 
 #include "decompiler/job/job_context.h"
 
-namespace tarnwick::decompiler {
+namespace tarnwick::decompiler::plain {
 
 /// What the commands of one model's face share.
 struct FlexTables {
@@ -21,4 +21,4 @@ struct FlexTables {
 /// Empty tables with the descriptors' names. Nothing, told, if the descriptor table is damaged.
 [[nodiscard]] std::optional<FlexTables> MakeFlexTables(JobContext& job);
 
-}  // namespace tarnwick::decompiler
+}  // namespace tarnwick::decompiler::plain

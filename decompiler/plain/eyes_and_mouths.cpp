@@ -1,9 +1,9 @@
 #include <cmath>
 
-#include "decompiler/stages/face.h"
+#include "decompiler/plain/face.h"
 #include "model/bone_math.h"
 
-namespace tarnwick::decompiler {
+namespace tarnwick::decompiler::plain {
 
 namespace {
 
@@ -92,4 +92,4 @@ void WriteEyesAndMouths(JobContext& job, const core::Record<StudioModel>& model,
   }
 }
 
-}  // namespace tarnwick::decompiler
+}  // namespace tarnwick::decompiler::plain

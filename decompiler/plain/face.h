@@ -2,10 +2,10 @@
 
 #include <cstdint>
 
-#include "decompiler/stages/flex_tables.h"
+#include "decompiler/plain/flex_tables.h"
 #include "model/face_records.h"
 
-namespace tarnwick::decompiler {
+namespace tarnwick::decompiler::plain {
 
 /// Writes the commands of a model's face into its open `$model` block, and its VTA file: the three operations below,
 /// in their order.
@@ -21,4 +21,4 @@ void WriteEyesAndMouths(JobContext& job, const core::Record<StudioModel>& model,
 /// Writes the `flexcontroller`, `localvar` and rule lines.
 void WriteFlexControllers(JobContext& job, const FlexTables& tables);
 
-}  // namespace tarnwick::decompiler
+}  // namespace tarnwick::decompiler::plain

@@ -2,10 +2,10 @@
 #include <set>
 #include <string>
 
-#include "decompiler/stages/face.h"
-#include "decompiler/writers/flex_rule_text.h"
+#include "decompiler/plain/face.h"
+#include "decompiler/plain/flex_rule_text.h"
 
-namespace tarnwick::decompiler {
+namespace tarnwick::decompiler::plain {
 
 namespace {
 
@@ -67,4 +67,4 @@ void WriteFlexControllers(JobContext& job, const FlexTables& tables) {
   }
 }
 
-}  // namespace tarnwick::decompiler
+}  // namespace tarnwick::decompiler::plain

@@ -1,4 +1,4 @@
-#include "decompiler/writers/flex_rule_text.h"
+#include "decompiler/plain/flex_rule_text.h"
 
 #include <bit>
 
@@ -7,7 +7,7 @@
 // An expression is kept as a tree and printed once at the end. Joining texts at each operation would copy the left
 // side of a long sum again and again.
 
-namespace tarnwick::decompiler {
+namespace tarnwick::decompiler::plain {
 
 namespace {
 
@@ -113,4 +113,4 @@ std::optional<std::string> FlexRuleText(const core::RecordArray<StudioFlexOp>& o
   return Print(nodes, slots[0], mostBytes);
 }
 
-}  // namespace tarnwick::decompiler
+}  // namespace tarnwick::decompiler::plain

@@ -1,8 +1,8 @@
-#include "decompiler/stages/face.h"
+#include "decompiler/plain/face.h"
 
 #include "decompiler/stages/vta_file.h"
 
-namespace tarnwick::decompiler {
+namespace tarnwick::decompiler::plain {
 
 namespace {
 
@@ -42,10 +42,19 @@ void WriteFlexLine(JobContext& job, const core::Record<StudioFlex>& flex, size_t
                       frameCount);
 }
 
+/// A frame for each descriptor that has one.
+std::vector<VtaFrame> FramesOf(const FlexTables& tables, const ModelFlexes& flexes) {
+  std::vector<VtaFrame> frames;
+  for (size_t d = 0; d < tables.Frame.size(); ++d) {
+    if (tables.Frame[d] != 0) frames.push_back({tables.Frame[d], tables.Names[d], flexes.ByDescriptor[d]});
+  }
+  return frames;
+}
+
 }  // namespace
 
 int32_t WriteFlexFile(JobContext& job, const core::Record<StudioModel>& model, FlexTables& tables) {
-  tables.VtaName = job.ReadyToCompile() ? job.Names.Take(VtaStem, ".vta") : std::string(VtaStem) + ".vta";
+  tables.VtaName = std::string(VtaStem) + ".vta";
   job.Script().Format("     flexfile \"%s\" {\n", tables.VtaName);
   const auto eyes =
       job.Table<StudioEyeball>("eyeball table", model.Offset() + model->EyeballOffset, model->EyeballCount);
@@ -65,7 +74,7 @@ int32_t WriteFlexFile(JobContext& job, const core::Record<StudioModel>& model, F
     }
   }
   job.Script().Text("     }\n");
-  return WriteVtaFile(job, model, *flexes, tables, frameCount) ? frameCount : 0;
+  return WriteVtaFile(job, model, *flexes, tables.VtaName, FramesOf(tables, *flexes), frameCount) ? frameCount : 0;
 }
 
 void WriteFace(JobContext& job, const core::Record<StudioModel>& model) {
@@ -76,4 +85,4 @@ void WriteFace(JobContext& job, const core::Record<StudioModel>& model) {
   if (frames != 0) WriteFlexControllers(job, *tables);
 }
 
-}  // namespace tarnwick::decompiler
+}  // namespace tarnwick::decompiler::plain

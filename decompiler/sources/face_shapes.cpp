@@ -1,0 +1,175 @@
+#include "decompiler/sources/face_shapes.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+#include "model/bone_math.h"
+#include "model/vertex_file.h"
+
+namespace tarnwick::decompiler::sources {
+
+namespace {
+
+constexpr float WholeSide = 255;
+/// From this version on all speeds are the highest.
+constexpr int32_t VersionOfWholeSpeeds = 49;
+
+/// Calls `take` with each vertex animation of a flex and its record's place.
+template <typename Take>
+void ForEachChange(JobContext& job, const FaceShapes& shapes, const core::Record<StudioFlex>& flex, const Take& take) {
+  const int64_t size = shapes.Flexes.VertAnimSizeOf(*flex);
+  const int64_t offset = flex.Offset() + flex->VertAnimOffset;
+  if (flex->VertAnimCount <= 0 || !job.Model.View().Fits(offset, flex->VertAnimCount, size)) return;
+  if (!job.Spend(int64_t{flex->VertAnimCount} * int64_t{sizeof(StudioVertAnim)})) return;
+  for (int64_t i = 0; i < flex->VertAnimCount; ++i) {
+    if (const auto change = job.Model.View().At<StudioVertAnim>(offset + i * size)) take(*change, offset + i * size);
+  }
+}
+
+struct SidePoint {
+  float X;
+  uint8_t Side;
+};
+
+std::vector<SidePoint> SidesOf(JobContext& job, const FaceShapes& shapes, const FaceShape& shape) {
+  std::vector<SidePoint> points;
+  for (const MeshFlex& entry : shape.Flexes) {
+    const auto vertices = GetMeshVertexData(job, shapes.Flexes.Meshes[entry.Mesh]);
+    if (!vertices) continue;
+    ForEachChange(job, shapes, entry.Flex, [&](const core::Record<StudioVertAnim>& change, int64_t) {
+      const VvdVertex* vertex = GetMeshVertex(*vertices, change->Vertex);
+      if (vertex != nullptr && std::isfinite(vertex->Position.x)) points.push_back({vertex->Position.x, change->Side});
+    });
+  }
+  return points;
+}
+
+/// The side that a vertex at `x` has: a smooth step from 0 at -width to 255 at width.
+float SideAt(float x, float width) {
+  const float t = std::clamp((x + width) / (2 * width), 0.0f, 1.0f);
+  return WholeSide * (3 - 2 * t) * t * t;
+}
+
+int64_t CountMisses(const std::vector<SidePoint>& points, float width, bool mirrored) {
+  return std::count_if(points.begin(), points.end(), [&](const SidePoint& point) {
+    const float side = SideAt(mirrored ? -point.X : point.X, width);
+    return std::abs(side - static_cast<float>(point.Side)) > 1;
+  });
+}
+
+/// The widths that the vertices between the sides ask for, least first.
+std::vector<float> WidthsOf(const std::vector<SidePoint>& points) {
+  std::vector<float> widths;
+  for (const SidePoint& point : points) {
+    if (point.Side == 0 || point.Side == WholeSide) continue;
+    // The inverse of the smooth step 3 t t - 2 t t t.
+    const double step = point.Side / double{WholeSide};
+    const double part = 1 - 2 * (0.5 - std::sin(std::asin(1 - 2 * step) / 3));  // from -1 to 1 across the band
+    if (std::abs(part) > 0.05) widths.push_back(static_cast<float>(std::abs(double{point.X} / part)));
+  }
+  std::sort(widths.begin(), widths.end());
+  return widths;
+}
+
+float Rounded(float value, float step) {
+  return std::round(value / step) * step;
+}
+
+bool SpeedsFollow(JobContext& job, const FaceShapes& shapes, const core::Record<StudioFlex>& flex) {
+  std::vector<std::pair<float, uint8_t>> moves;
+  float longest = 0;
+  bool allWhole = true;
+  ForEachChange(job, shapes, flex, [&](const core::Record<StudioVertAnim>& change, int64_t) {
+    Vec3 delta;
+    DecodeVec48(change->PositionDelta, delta);
+    const float length = std::sqrt(delta.x * delta.x + delta.y * delta.y + delta.z * delta.z);
+    longest = std::max(longest, length);
+    allWhole = allWhole && change->Speed == WholeSide;
+    moves.emplace_back(length, change->Speed);
+  });
+  if (job.Model.Header()->Version >= VersionOfWholeSpeeds && allWhole) return true;
+  return std::ranges::all_of(moves, [&](const auto& move) {
+    if (longest == 0) return true;
+    const float speed = WholeSide * move.first / longest;
+    return std::abs(speed - static_cast<float>(move.second)) <= 1.5f;
+  });
+}
+
+bool HasWrinkles(JobContext& job, const FaceShapes& shapes, const core::Record<StudioFlex>& flex) {
+  bool any = false;
+  if (flex->VertAnimKind != VertAnimWrinkle) return any;
+  ForEachChange(job, shapes, flex, [&](const core::Record<StudioVertAnim>&, int64_t offset) {
+    const auto record = job.Model.View().At<StudioWrinkleVertAnim>(offset);
+    any = any || (record && (*record)->WrinkleDelta != 0);
+  });
+  return any;
+}
+
+}  // namespace
+
+std::optional<FaceShapes> GatherFaceShapes(JobContext& job, const core::Record<StudioModel>& model,
+                                           size_t descriptorCount) {
+  auto flexes = GatherFlexes(job, model, descriptorCount);
+  if (!flexes) return std::nullopt;
+  FaceShapes shapes{std::move(*flexes), {}};
+  for (size_t d = 0; d < descriptorCount; ++d) {
+    const auto first = static_cast<std::ptrdiff_t>(shapes.Shapes.size());
+    for (const MeshFlex& entry : shapes.Flexes.ByDescriptor[d]) {
+      const StudioFlex& flex = *entry.Flex;
+      const std::array<float, 4> targets = {flex.Targets[0], flex.Targets[1], flex.Targets[2], flex.Targets[3]};
+      if (!job.Spend(static_cast<int64_t>(shapes.Shapes.size()) - first)) return shapes;
+      const auto found = std::find_if(shapes.Shapes.begin() + first, shapes.Shapes.end(), [&](const FaceShape& shape) {
+        return shape.Partner == flex.Partner && shape.Targets == targets && shape.Flexes.back().Mesh != entry.Mesh;
+      });
+      if (found != shapes.Shapes.end()) {
+        found->Flexes.push_back(entry);
+      } else {
+        shapes.Shapes.push_back({d, flex.Partner, targets, {entry}});
+      }
+    }
+  }
+  return shapes;
+}
+
+PairSplit FindPairSplit(JobContext& job, const FaceShapes& shapes, const FaceShape& shape) {
+  const std::vector<SidePoint> points = SidesOf(job, shapes, shape);
+  PairSplit split;
+  if (points.empty()) return split;
+  // Where no vertex lies between the sides any width fits that ends ahead of the nearest vertex.
+  std::vector<float> widths = WidthsOf(points);
+  float nearest = 1;
+  for (const SidePoint& point : points) {
+    if (point.X != 0) nearest = std::min(nearest, std::abs(point.X));
+  }
+  std::vector<float> candidates = {1};
+  if (!widths.empty()) {
+    const float middle = widths[widths.size() / 2];
+    for (const float step : {1.0f, 0.5f, 0.1f, 0.01f, 0.001f}) candidates.push_back(Rounded(middle, step));
+    candidates.push_back(middle);
+  } else {
+    candidates.push_back(nearest);
+  }
+  int64_t least = -1;
+  for (const float width : candidates) {
+    if (!(width > 0) || !std::isfinite(width)) continue;
+    for (const bool mirrored : {false, true}) {
+      const int64_t misses = CountMisses(points, width, mirrored);
+      if (least >= 0 && misses >= least) continue;
+      least = misses;
+      split = {width, mirrored, misses == 0};
+    }
+  }
+  return split;
+}
+
+void CountLostOfShapes(JobContext& job, const FaceShapes& shapes) {
+  for (const FaceShape& shape : shapes.Shapes) {
+    for (const MeshFlex& entry : shape.Flexes) {
+      if (HasWrinkles(job, shapes, entry.Flex)) job.Lose("flexes whose wrinkles have no statement");
+      if (!SpeedsFollow(job, shapes, entry.Flex)) job.Lose("flexes whose speeds do not follow from their moves");
+    }
+  }
+}
+
+}  // namespace tarnwick::decompiler::sources
