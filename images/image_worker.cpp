@@ -6,7 +6,7 @@
 #include "core/paths.h"
 #include "core/program_directory.h"
 #include "images/limits.h"
-#include "images/sanitized.h"
+#include "core/sanitized.h"
 #include "process/run.h"
 
 namespace tarnwick::images {

@@ -37,6 +37,12 @@ struct StartOptions {
   /// Names of processes, as the system lists them, that the child may start but that serve others too: they are not
   /// ended with the child (POSIX).
   std::span<const std::string_view> Shared = {};
+  /// Whether the child gets a minder (`tarnwick-minder` beside the running program), by which its end also reaches what
+  /// has left its group and session and cleared its environment (Linux; on Windows a job object always does that).
+  bool Minded = false;
+  /// The bytes of memory that the child, and each process that it starts, may have for itself; 0 for no limit. Address
+  /// space that is only reserved, as Wine does, does not count (Linux, Windows).
+  uint64_t MostMemory = 0;
 };
 
 /// A running child process and everything that it starts. Destroying the object leaves the child running.

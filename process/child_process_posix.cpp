@@ -1,15 +1,21 @@
 #include <fcntl.h>
 #include <spawn.h>
+#ifdef __linux__
+#include <sys/resource.h>
+#endif
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
 #include <string_view>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "process/child_process.h"
 #include "process/marked_processes_posix.h"
+#include "process/minder_posix.h"
+#include "process/minder_protocol.h"
 
 // Declared by some C libraries alone.
 extern char** environ;  // NOLINT(readability-redundant-declaration)
@@ -57,7 +63,10 @@ class SpawnPlan {
     posix_spawnattr_destroy(&m_attributes);
   }
 
-  void TakeAs(int descriptor, int target) { posix_spawn_file_actions_adddup2(&m_actions, descriptor, target); }
+  void TakeAs(int descriptor, int target) {
+    posix_spawn_file_actions_adddup2(&m_actions, descriptor, target);
+    if (target >= m_firstClosed) m_firstClosed = target + 1;
+  }
   void OpenAs(const char* path, int flags, int target) {
     posix_spawn_file_actions_addopen(&m_actions, target, path, flags, 0);
   }
@@ -66,7 +75,7 @@ class SpawnPlan {
   std::optional<SystemError> Run(const Command& command, std::vector<std::string> environment, short groupFlag,
                                  pid_t& child) {
     // Whatever else this process has open must not keep a pipe open in the child.
-    posix_spawn_file_actions_addclosefrom_np(&m_actions, 3);
+    posix_spawn_file_actions_addclosefrom_np(&m_actions, m_firstClosed);
     sigset_t none;
     sigemptyset(&none);
     sigset_t usual;
@@ -89,7 +98,16 @@ class SpawnPlan {
  private:
   posix_spawn_file_actions_t m_actions{};
   posix_spawnattr_t m_attributes{};
+  int m_firstClosed = STDERR_FILENO + 1;
 };
+
+/// Bounds the memory of a child that has just started.
+void LimitMemory([[maybe_unused]] pid_t child, [[maybe_unused]] uint64_t bytes) {
+#ifdef __linux__
+  const rlimit limit{bytes, bytes};
+  prlimit(child, RLIMIT_DATA, &limit, nullptr);
+#endif
+}
 
 }  // namespace
 
@@ -101,13 +119,34 @@ struct ChildProcess::State {
   pid_t Child = -1;
   std::string Mark;
   std::span<const std::string_view> Shared;
+  MinderLink Minder;  // open if `Child` is the minder of the program
 
-  void Signal(int number) const {
+  void Signal(int number) {
     if (Child <= 0) return;
+    if (Minder.IsOpen()) {
+      // A minder finds more than a mark does, which it bears itself.
+      if (!(number == SIGKILL ? Minder.Kill() : Minder.Terminate())) SignalMarkedProcesses(Mark, number, Shared);
+      return;
+    }
     // The child is not collected yet, so its number, and that of its group, cannot be another's. What serves others
     // too may stand in the group.
     kill(Shared.empty() ? -Child : Child, number);
     SignalMarkedProcesses(Mark, number, Shared);
+  }
+
+  /// Starts the minder by `command`, which tells it what to start.
+  std::optional<SystemError> StartMinded(const Command& command, SpawnPlan& plan,
+                                         const std::vector<std::string>& environment) {
+    PipeEnd minderEnd;
+    if (auto error = Minder.Open(minderEnd)) return error;
+    plan.TakeAs(Descriptor(minderEnd), MinderSocket);
+    auto error = plan.Run(command, environment, POSIX_SPAWN_SETPGROUP, Child);
+    minderEnd.Close();
+    if (!error) error = Minder.WaitForStart();
+    if (!error) return std::nullopt;
+    Minder.Close();
+    if (Child > 0) waitpid(std::exchange(Child, -1), nullptr, 0);
+    return error;
   }
 };
 
@@ -137,10 +176,17 @@ std::optional<SystemError> ChildProcess::Start(const Command& command, const Pip
   plan.TakeAs(Descriptor(output), STDOUT_FILENO);
   if (options.Errors == ErrorOutput::WithOutput) plan.TakeAs(Descriptor(output), STDERR_FILENO);
   if (options.Errors == ErrorOutput::Dropped) plan.OpenAs("/dev/null", O_WRONLY, STDERR_FILENO);
-  return plan.Run(command, EnvironmentWith(additions), POSIX_SPAWN_SETPGROUP, m_state->Child);
+  const std::vector<std::string> environment = EnvironmentWith(additions);
+  if (const auto minder = options.Minded ? FindMinder() : std::nullopt) {
+    return m_state->StartMinded(MindedCommand(*minder, command, options.MostMemory, options.Shared), plan, environment);
+  }
+  auto error = plan.Run(command, environment, POSIX_SPAWN_SETPGROUP, m_state->Child);
+  if (!error && options.MostMemory > 0) LimitMemory(m_state->Child, options.MostMemory);
+  return error;
 }
 
 bool ChildProcess::HasEnded() {
+  if (m_state->Child > 0 && m_state->Minder.IsOpen()) return m_state->Minder.HasEnded();
   siginfo_t info{};
   // WNOWAIT leaves the child uncollected, which keeps the group's number ours until `Collect`.
   return m_state->Child <= 0 ||
@@ -158,7 +204,14 @@ void ChildProcess::Kill() {
 
 std::optional<ProcessEnd> ChildProcess::Collect() {
   int status = 0;
-  if (m_state->Child <= 0 || waitpid(m_state->Child, &status, WNOHANG) != m_state->Child) return std::nullopt;
+  if (m_state->Child > 0 && m_state->Minder.IsOpen()) {
+    if (!m_state->Minder.HasEnded()) return std::nullopt;
+    m_state->Minder.Close();  // it ends now
+    waitpid(m_state->Child, &status, 0);
+    status = m_state->Minder.Status().value_or(status);
+  } else if (m_state->Child <= 0 || waitpid(m_state->Child, &status, WNOHANG) != m_state->Child) {
+    return std::nullopt;
+  }
   m_state->Child = -1;
   if (WIFSIGNALED(status)) return ProcessEnd{128 + WTERMSIG(status), WTERMSIG(status)};
   return ProcessEnd{WEXITSTATUS(status), 0};

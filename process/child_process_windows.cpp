@@ -116,6 +116,12 @@ std::optional<SystemError> ChildProcess::Start(const Command& command, const Pip
   }
   m_state->Process = process.hProcess;
   m_state->Job = CreateJobObjectW(nullptr, nullptr);
+  if (m_state->Job != nullptr && options.MostMemory > 0) {
+    JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits{};
+    limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_PROCESS_MEMORY;
+    limits.ProcessMemoryLimit = static_cast<SIZE_T>(options.MostMemory);
+    SetInformationJobObject(m_state->Job, JobObjectExtendedLimitInformation, &limits, sizeof limits);
+  }
   if (m_state->Job != nullptr) AssignProcessToJobObject(m_state->Job, process.hProcess);
   ResumeThread(process.hThread);
   CloseHandle(process.hThread);

@@ -55,6 +55,8 @@ int ConsoleCapture::RunAndCapture(const process::Command& command, char* outputB
   ProgramStart start;
   process::ChildProcess child;
   if (failed("CreateProcess", PrepareStart(command, Options.Start, start))) return 0;
+  start.Options.Minded = true;
+  start.Options.MostMemory = Options.MostMemory;
   if (failed("CreateProcess", child.Start(start.Command, ChildStdinRead, ChildStdoutWrite, start.Options))) return 0;
 
   process::WriteToPipe(ChildStdinWrite, ChildInput, sizeof ChildInput);

@@ -22,6 +22,10 @@ struct ToolRunRequest {
   int32_t OutputSize = 0;  // bytes of the buffer
 };
 
+/// As much memory as the machine has: a tool that runs wild is refused more before the whole system stands still. 0
+/// where that is not known, and in a build with a sanitizer, whose tools need more than any limit.
+uint64_t DefaultMostMemory();
+
 /// What a caller may want of a run beyond its text.
 struct ToolRunOptions {
   StartSettings Start;
@@ -36,6 +40,8 @@ struct ToolRunOptions {
   std::chrono::milliseconds QuietAfterEnd{1000};
   /// How long a tool that is asked to stop gets before it is killed.
   std::chrono::milliseconds StopGrace{1000};
+  /// The bytes of memory that the tool, and each process that it starts, may have; 0 for no limit.
+  uint64_t MostMemory = DefaultMostMemory();
 };
 
 /// A step of a run that the system refused.

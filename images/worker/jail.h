@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-#include "images/sanitized.h"
+#include "core/sanitized.h"
 
 namespace tarnwick::images {
 

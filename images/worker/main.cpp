@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "images/limits.h"
-#include "images/sanitized.h"
+#include "core/sanitized.h"
 #include "images/worker/jail.h"
 #include "images/worker/job.h"
 

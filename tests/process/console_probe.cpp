@@ -71,6 +71,19 @@ void StartGrandchild(char* program, const char* mode, const char* milliseconds, 
 #endif
 }
 
+#ifndef _WIN32
+/// Starts this program again as a daemon: a child of nobody's, in a session of its own, with an empty environment.
+void StartDaemon(char* program, const char* milliseconds) {
+  if (fork() != 0) return;
+  setsid();
+  if (fork() != 0) std::_Exit(0);
+  char* words[] = {program, const_cast<char*>("stubborn"), const_cast<char*>(milliseconds), nullptr};
+  char* nothing[] = {nullptr};
+  execve(program, words, nothing);
+  std::_Exit(127);
+}
+#endif
+
 }  // namespace
 
 int main(int count, char** arguments) {
@@ -100,9 +113,18 @@ int main(int count, char** arguments) {
     StartGrandchild(arguments[0], "stubborn", value, true);
     PrintProcess();
     Sleep(std::atoi(value));
+#ifndef _WIN32
+  } else if (mode == "daemon") {  // beside its starter, which waits
+    StartDaemon(arguments[0], value);
+    PrintProcess();
+    Sleep(std::atoi(value));
+  } else if (mode == "daemon-alone") {
+    StartDaemon(arguments[0], value);
+#endif
   } else if (mode == "self") {
     std::printf("%s\n", arguments[0]);
-  } else if (mode == "memory") {  // so many megabytes
+  } else if (mode == "memory" || mode == "slow-memory") {  // so many megabytes
+    if (mode == "slow-memory") Sleep(50);
     const size_t size = static_cast<size_t>(std::atoi(value)) << 20;
     void* volatile memory = std::malloc(size);
     std::printf("%s %s\n", memory != nullptr ? "got" : "refused", value);

@@ -5,6 +5,7 @@
 
 #include <thread>
 
+#include "core/sanitized.h"
 #include "support/scratch_folder.h"
 
 namespace tarnwick::process {
@@ -81,6 +82,38 @@ TEST(Run, WaitsForAGrandchildThatStillPrintsButNotForOneThatIsSilent) {
   EXPECT_TRUE(run.Outcome.OutputAbandoned);
   EXPECT_THAT(run.Output, StartsWith("process "));
 }
+
+// A sanitizer's own memory is more than any limit.
+#if defined(__linux__) && !TARNWICK_SANITIZED
+TEST(Run, BoundsTheMemoryOfTheChildAndOfWhatItStarts) {
+  for (const bool minded : {false, true}) {
+    SCOPED_TRACE(minded);
+    StartOptions start;
+    start.Minded = minded;
+    start.MostMemory = uint64_t{256} << 20;
+    EXPECT_EQ(RunProbe({"memory", "64"}, {}, start).Output, "got 64\n");
+    EXPECT_EQ(RunProbe({"slow-memory", "512"}, {}, start).Output, "refused 512\n");
+    EXPECT_EQ(RunProbe({"slow-memory", "512"}).Output, "got 512\n");
+  }
+}
+#endif
+
+#ifdef __linux__
+TEST(Run, AMinderPassesOnHowTheChildStartsAndEnds) {
+  StartOptions minded;
+  minded.Minded = true;
+  EXPECT_EQ(RunProbe({"exit", "3"}, {}, minded).Outcome.End->ExitCode, 3);
+  EXPECT_EQ(CrashCause(*RunProbe({"crash"}, {}, minded).Outcome.End), "signal 6");
+  EXPECT_EQ(RunProbe({"streams"}, {}, minded).Output, "out0 err0 out1 err1 out2 err2 ");
+  EXPECT_EQ(RunProbe({"arguments", "", "a b", "\"\\"}, {}, minded).Output, "[]\n[a b]\n[\"\\]\n");
+  const CapturedRun missing = RunAndKeep({"/no/such/program", {}}, minded, {});
+  ASSERT_TRUE(missing.NotStarted);
+  EXPECT_EQ(missing.NotStarted->Code, RunAndKeep({"/no/such/program", {}}, {}, {}).NotStarted->Code);
+  RunOptions options;
+  options.QuietAfterEnd = milliseconds(100);
+  EXPECT_TRUE(RunProbe({"leave", "2000"}, options, minded).Outcome.OutputAbandoned) << "what it left runs on";
+}
+#endif
 
 }  // namespace
 }  // namespace tarnwick::process

@@ -84,6 +84,17 @@ TEST(ConsoleStop, EndsWhatTheToolStartedAlsoOutsideItsProcessGroup) {
   EXPECT_TRUE(AllEnd(left.Text)) << left.Text;
 }
 
+#ifdef __linux__
+TEST(ConsoleStop, EndsWhatHasLeftItsGroupItsSessionAndItsEnvironment) {
+  const ProbeRun beside = RunAndStop({"daemon", "30000"}, 2);
+  EXPECT_TRUE(beside.Outcome.Stopped);
+  EXPECT_TRUE(AllEnd(beside.Text)) << beside.Text;
+  const ProbeRun alone = RunAndStop({"daemon-alone", "30000"}, 1);
+  EXPECT_TRUE(alone.Outcome.Stopped) << "its starter is gone, but it holds the output";
+  EXPECT_TRUE(AllEnd(alone.Text)) << alone.Text;
+}
+#endif
+
 TEST(ConsoleStop, TheTextSaysSo) {
   std::stop_source stop;
   stop.request_stop();
