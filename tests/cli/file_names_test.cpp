@@ -10,6 +10,7 @@
 
 #include "command_line.h"
 #include "images/test_image.h"
+#include "support/model_builder.h"
 #include "support/vtf_builder.h"
 
 namespace tarnwick::tests {
@@ -102,6 +103,45 @@ TEST_F(FileNames, EveryCharacterReachesTheMaterialTool) {
   }
   const auto result = RunCommand(arguments);
   EXPECT_EQ(result.ExitCode, 0) << result.Err;
+}
+
+TEST_F(FileNames, ATextureOfATreeCannotLeadOutOfTheOutputFolder) {
+  Texture("tree/in/..\\..\\pwned.vtf");
+  Texture("tree/in/a.vtf");
+  const auto result = RunCommand({"vtf", "-r", "-o", Folder.Path("out/deep"), Folder.Path("tree")});
+  EXPECT_EQ(result.ExitCode, 1) << "it was not exported, and that is told";
+  EXPECT_THAT(result.Err, HasSubstr("a name with a backslash would be taken for a path"));
+  EXPECT_THAT(Folder.Files(), ElementsAre("out/deep/in/a.tga", "tree/in/..\\..\\pwned.vtf", "tree/in/a.vtf"));
+}
+
+TEST_F(FileNames, EveryCharacterIsAModelsName) {
+  std::vector<std::string> folders;
+  for (const std::string& name : AllCharacters()) {
+    ModelBuilder{}.Write(Folder.Path("in"), name);
+    folders.push_back(name);
+  }
+  const auto result = RunCommand({"decompile", "-q", "-o", Folder.Path("out"), Folder.Path("in")});
+  EXPECT_EQ(result.ExitCode, 0) << result.Err;
+  std::vector<std::string> made;
+  for (const auto& entry : fs::directory_iterator(Folder.Path("out"))) made.push_back(entry.path().filename());
+  EXPECT_THAT(made, UnorderedElementsAreArray(folders));
+}
+
+TEST_F(FileNames, EveryCharacterIsAProjectsAndASourcesName) {
+  for (const std::string& name : AllCharacters()) {
+    SCOPED_TRACE(name);
+    const std::string project = Folder.Path(name + ".sc");
+    WriteText(project, "\"Model Compiler/Model File\" \"box.mdl\"\n\"Model Compiler/Phy SMD Check\" \"1\"\n");
+    const std::string smd = Folder.Path(name + ".smd");
+    WriteText(smd, "version 1\nnodes\n0 root -1\nend\ntriangles\nwood\n");
+    EXPECT_EQ(RunCommand({"project", "set", project, "Reference SMD", "box.smd"}).ExitCode, 0);
+    EXPECT_EQ(RunCommand({"project", "get", project, "Reference SMD"}).Out, "box.smd\n");
+    EXPECT_EQ(RunCommand({"project", "show", project}).ExitCode, 0);
+    const auto qc = RunCommand({"qc", project});
+    EXPECT_EQ(qc.Out, Folder.Path("box.qc") + "\n") << qc.Err;
+    EXPECT_THAT(RunCommand({"smd", "info", "--json", smd}).Out, HasSubstr("\"bones\":1"));
+    EXPECT_EQ(RunCommand({"smd", "replace", "--yes", smd, "wood", "oak"}).Out, smd + ": 1 replaced\n");
+  }
 }
 
 TEST_F(FileNames, AProgramAtABlankInTheToolsPathIsNotRun) {
