@@ -54,7 +54,7 @@ class ConsoleHost : public jobs::Host {
 };
 
 /// The exit code of a verb whose job came to this.
-int ExitCodeOf(const jobs::JobResult& result);
+[[nodiscard]] int ExitCodeOf(const jobs::JobResult& result);
 
 /// The word of a verdict in JSON: "ok", "failed", "stopped", "not begun".
 const char* OutcomeWord(jobs::Verdict verdict);

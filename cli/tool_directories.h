@@ -35,8 +35,6 @@ struct ToolDirectories {
   void AddSdkOptions(CLI::App& verb);
   /// Fills what was not given from the settings.
   void FillFromSettings(std::ostream& err);
-  /// The folder to take `tool` from: the SDK's, or where none is set the program's own tools.
-  std::string SdkFor(const tools::SdkTool& tool) const { return tools::SdkDirectoryOrBundled(Sdk, tool); }
   tools::StartSettings Start() const { return {Wine}; }
 };
 

@@ -21,10 +21,10 @@ struct CompileImages {
 };
 
 /// What keeps the job from starting: no game directory is named, or it is none. Nothing if it can start.
-std::optional<core::Trouble> ObstacleOf(const CompileImages& job);
+[[nodiscard]] std::optional<core::Trouble> ObstacleOf(const CompileImages& job);
 
 /// The image's texture is the target of its item.
-JobPlan Plan(const CompileImages& job);
+[[nodiscard]] JobPlan Plan(const CompileImages& job);
 
 /// Converts each image with its maps to TGA files below the game's materialsrc and runs vtex on them, one image after
 /// the other. Asks before it puts materials into no directory of their own, before two images become one texture, for

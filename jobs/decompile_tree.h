@@ -25,7 +25,7 @@ struct DecompileTree {
 /// The models that the job finds, and the directory of each: the output directory itself for the only model that is
 /// named, unless it is to have a folder of its own; else one below it, of the model's name, or of its path below the
 /// folder in which it was found. No two models share a directory.
-JobPlan Plan(const DecompileTree& job);
+[[nodiscard]] JobPlan Plan(const DecompileTree& job);
 
 /// Decompiles every model. Missing directories are made when a model is there; one that stays empty goes again. A
 /// failure ends no other model.

@@ -32,7 +32,7 @@ struct ExportTextures {
 };
 
 /// The textures that the job finds; the target of each is the image of its first frame.
-JobPlan Plan(const ExportTextures& job);
+[[nodiscard]] JobPlan Plan(const ExportTextures& job);
 
 /// Exports every texture. Asks before files that stand where its files go are replaced, but those that were named
 /// themselves. Without KeepTga nothing but the images is left behind, and an older image gives way to a whole new one

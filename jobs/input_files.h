@@ -24,10 +24,11 @@ struct InputFiles {
 /// The files that `inputs` name: files as they stand, and of folders every file with `extension` (".vtf", in any case)
 /// in them or, with `recursive`, below them, sorted. One whose name holds a backslash, where that is no separator, is
 /// refused.
-InputFiles FindInputFiles(const std::vector<std::string>& inputs, std::string_view extension, bool recursive);
+[[nodiscard]] InputFiles FindInputFiles(const std::vector<std::string>& inputs, std::string_view extension,
+                                        bool recursive);
 
 /// `name` less `extension`, in any case, if it ends so.
-std::string WithoutExtension(std::string name, std::string_view extension);
+[[nodiscard]] std::string WithoutExtension(std::string name, std::string_view extension);
 
 /// Gives out names, each once in any case: the later of two gets "_2", "_3", ...
 class UniqueNames {

@@ -16,7 +16,7 @@ class MadeFolder {
   ~MadeFolder();
 
   /// Makes the folder at `path` with all that lead to it. Says why that failed; "" if the folder is there.
-  std::string Make(const std::string& path);
+  [[nodiscard]] std::string Make(const std::string& path);
 
  private:
   std::vector<std::filesystem::path> m_made;  // the innermost last

@@ -12,6 +12,7 @@ namespace tarnwick::model {
 // the nodes of a tree over the ledges. Lengths are metres, in axes of their own (see phy_solid.h).
 #pragma pack(push, 1)
 
+/// The start of a .phy file.
 struct PhyHeader {
   int32_t HeaderSize;  // 0x00 16
   int32_t Zero04;
@@ -20,6 +21,7 @@ struct PhyHeader {
 };
 static_assert(offsetof(PhyHeader, Checksum) == 12 && sizeof(PhyHeader) == 16);
 
+/// What stands in front of each solid.
 struct PhySolidHeader {
   int32_t Size;         // 0x00 of what follows this field
   char Tag[4];          // 0x04 "VPHY"
@@ -32,6 +34,7 @@ struct PhySolidHeader {
 static_assert(offsetof(PhySolidHeader, SurfaceSize) == 12 && offsetof(PhySolidHeader, AxisMapSize) == 28);
 static_assert(sizeof(PhySolidHeader) == 32);
 
+/// The surface of a solid: its mass properties, and the root of the tree over its ledges.
 struct PhySurface {
   Vec3 MassCentre;            // 0x00
   Vec3 Inertia;               // 0x0C per mass
@@ -47,6 +50,7 @@ static_assert(offsetof(PhySurface, RootOffset) == 0x20 && sizeof(PhySurface) == 
 inline constexpr uint32_t PhyLedgePiece = 4;
 inline constexpr uint32_t PhyLedgeHull = 5;
 
+/// A closed triangle mesh: a convex piece of the solid, or a hull around pieces that the tree holds together.
 struct PhyLedge {
   int32_t PointOffset;  // 0x00 PhyPoint, from the ledge's start
   int32_t BoneOrNode;   // 0x04 of a piece: bone + 1 in a joined model, 0 in a single one; of a hull: PhyNode, from here
@@ -63,18 +67,21 @@ struct PhyEdge {
   uint16_t Point() const { return static_cast<uint16_t>(Bits); }
 };
 
+/// A triangle of a ledge, with its three sides in order.
 struct PhyTriangle {
   uint32_t Bits;     // 0x00 0-11: its number in the ledge; 12-23: the triangle across; 24-30: material; 31: virtual
   PhyEdge Edges[3];  // 0x04
 };
 static_assert(sizeof(PhyTriangle) == 16);
 
+/// A corner, which the triangles of several ledges may share.
 struct PhyPoint {
   Vec3 Position;
   float Unused0C;  // left-over bytes
 };
 static_assert(sizeof(PhyPoint) == 16);
 
+/// A node of the tree over the ledges: a box, and what is in it.
 struct PhyNode {
   int32_t RightOffset;  // 0x00 PhyNode, from this node; 0 in a leaf. The left child stands behind its parent
   int32_t LedgeOffset;  // 0x04 PhyLedge, from this node; a leaf's piece, the root's hull, else 0

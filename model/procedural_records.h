@@ -31,6 +31,7 @@ static_assert(offsetof(StudioTrigger, Position) == 0x14 && sizeof(StudioTrigger)
 struct JiggleLimit {
   float Minimum, Maximum, Friction, Bounce;
 };
+/// The same without a bounce, for the base of the spring.
 struct JiggleBaseLimit {
   float Minimum, Maximum, Friction;
 };

@@ -20,7 +20,7 @@ struct ProcessEnd {
 };
 
 /// What ended a program that did not end by itself, such as "signal 11" or "exception 0xC0000005"; "" for one that did.
-std::string CrashCause(const ProcessEnd& end);
+[[nodiscard]] std::string CrashCause(const ProcessEnd& end);
 
 /// Where a child's words go besides its standard output.
 enum class ErrorOutput {
@@ -56,11 +56,11 @@ class ChildProcess {
   /// Starts the program whose file is at `command.Program`, with its arguments to the byte: no window, `input` as its
   /// standard input (none if that is not open), `output` as its standard output, this process's current directory, and
   /// nothing else that this process has open. A program that cannot be started is told by the system's error.
-  std::optional<SystemError> Start(const Command& command, const PipeEnd& input, const PipeEnd& output,
-                                   const StartOptions& options = {});
+  [[nodiscard]] std::optional<SystemError> Start(const Command& command, const PipeEnd& input, const PipeEnd& output,
+                                                 const StartOptions& options = {});
 
   /// Whether the child itself has ended; what it started may run on.
-  bool HasEnded();
+  [[nodiscard]] bool HasEnded();
   /// Asks the child and all that it started to end (POSIX); ends them at once (Windows).
   void Terminate();
   /// Ends the child and all that it started at once.
@@ -74,6 +74,6 @@ class ChildProcess {
 };
 
 /// Starts a program as a shell does that opens it: in a session of its own, without input or output, not waited for.
-std::optional<SystemError> StartDetached(const Command& command, const StartOptions& options = {});
+[[nodiscard]] std::optional<SystemError> StartDetached(const Command& command, const StartOptions& options = {});
 
 }  // namespace tarnwick::process

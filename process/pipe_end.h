@@ -44,10 +44,10 @@ class PipeEnd {
 };
 
 /// Makes an anonymous pipe whose ends a child can inherit.
-std::optional<SystemError> CreateInheritablePipe(PipeEnd& read, PipeEnd& write);
+[[nodiscard]] std::optional<SystemError> CreateInheritablePipe(PipeEnd& read, PipeEnd& write);
 
 /// Keeps children from inheriting `end`.
-std::optional<SystemError> StopInheriting(PipeEnd& end);
+[[nodiscard]] std::optional<SystemError> StopInheriting(PipeEnd& end);
 
 /// Writes `size` bytes; whether that worked is not told, since the reader may be gone.
 void WriteToPipe(PipeEnd& end, const char* bytes, size_t size);
@@ -61,6 +61,6 @@ struct PipeRead {
 
 /// Reads up to `size` bytes as soon as there are any. `Nothing` after `wait` without one; `End` when the last writing
 /// end is closed, and after any failure.
-PipeRead ReadFromPipe(PipeEnd& end, char* target, size_t size, std::chrono::milliseconds wait);
+[[nodiscard]] PipeRead ReadFromPipe(PipeEnd& end, char* target, size_t size, std::chrono::milliseconds wait);
 
 }  // namespace tarnwick::process

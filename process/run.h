@@ -45,7 +45,7 @@ struct RunOutcome {
 /// Reads what `child`, just started, prints to the other end of `output`, until that has ended, and collects the child.
 /// This side's copy of the end that the child writes to is closed already. After a cut the child and all that it
 /// started are ended before this returns.
-RunOutcome FollowToEnd(ChildProcess& child, PipeEnd& output, const RunOptions& options);
+[[nodiscard]] RunOutcome FollowToEnd(ChildProcess& child, PipeEnd& output, const RunOptions& options);
 
 /// A run whose output is kept.
 struct CapturedRun {

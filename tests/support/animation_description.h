@@ -6,6 +6,9 @@
 #include <string>
 #include <vector>
 
+#include "model/animation_records.h"
+#include "model/script_records.h"
+
 namespace tarnwick::tests {
 
 // The animations and sequences of a model of the model writer.
@@ -44,6 +47,8 @@ struct AnimationDescription {
   AnimDataDescription Data = {};
   int32_t SectionFrames = 0;
   std::vector<AnimDataDescription> Sections = {};
+  std::vector<model::StudioMovement> Movements = {};
+  std::vector<model::StudioIkRule> IkRules = {};
 };
 
 struct EventDescription {
@@ -68,6 +73,11 @@ struct SequenceDescription {
   int32_t ExitNode = 0;
   int32_t NodeFlags = 0;
   std::vector<float> PoseKeys = {};
+  float FadeIn = 0;
+  float FadeOut = 0;
+  std::vector<model::StudioAutoLayer> Layers = {};
+  std::vector<float> Weights = {};  // of each bone; empty for a sequence without a list
+  std::vector<model::StudioIkLock> IkLocks = {};
 };
 
 }  // namespace tarnwick::tests

@@ -170,6 +170,13 @@ void WriteAnimations(const ModelBuilder& model, FileBuilder& mdl, FileBuilder& a
       anims[i].DataOffset = offset;
     });
     mdl.Align(4);
+    const size_t number = static_cast<size_t>(i);
+    const int64_t movements = WriteRecords(animation.Movements, PlaceName("movements", {number}), mdl);
+    const int64_t rules = WriteRecords(animation.IkRules, PlaceName("ik rules", {number}), mdl);
+    anims[i].MovementCount = static_cast<int32_t>(animation.Movements.size());
+    anims[i].MovementOffset = anims.To(movements, i);
+    anims[i].IkRuleCount = static_cast<int32_t>(animation.IkRules.size());
+    anims[i].IkRuleOffset = anims.To(rules, i);
     if (animation.Sections.empty()) continue;
     const auto sections = mdl.Reserve<StudioAnimSection>(static_cast<int64_t>(animation.Sections.size()),
                                                          PlaceName("anim sections", {static_cast<size_t>(i)}));

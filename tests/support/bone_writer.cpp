@@ -62,6 +62,31 @@ void WritePhysicsSolids(const ModelBuilder& model, const FileBuilder::Table<mode
   }
 }
 
+/// Enters `procedure` and the place of its record, which is about to be written, in the bone.
+void EnterProcedure(const FileBuilder::Table<model::StudioBone>& bones, int64_t i, int32_t procedure, int64_t place) {
+  bones[i].ProceduralType = procedure;
+  bones[i].ProceduralOffset = bones.To(place, i);
+  bones[i].Flags |= model::BoneFlagProcedural;
+}
+
+/// What moves the bone beside the animations.
+void WriteProcedure(const BoneDescription& bone, const FileBuilder::Table<model::StudioBone>& bones, int64_t i,
+                    FileBuilder& mdl) {
+  const size_t number = static_cast<size_t>(i);
+  if (bone.Jiggle) {
+    mdl.Mark(PlaceName("jiggle bone", {number}));
+    EnterProcedure(bones, i, model::BoneProcedureJiggle, mdl.AppendValue(*bone.Jiggle));
+  }
+  if (bone.Driven) {
+    const auto driven = mdl.Reserve<model::StudioDrivenBone>(1, PlaceName("driven bone", {number}));
+    const auto triggers = mdl.Reserve<model::StudioTrigger>(static_cast<int64_t>(bone.Driven->Triggers.size()),
+                                                            PlaceName("triggers", {number}));
+    for (int64_t k = 0; k < triggers.Count; ++k) triggers[k] = bone.Driven->Triggers[static_cast<size_t>(k)];
+    driven[0] = {bone.Driven->Driver, static_cast<int32_t>(triggers.Count), driven.To(triggers.Offset)};
+    EnterProcedure(bones, i, model::BoneProcedureDriven, driven.Offset);
+  }
+}
+
 }  // namespace
 
 void WriteBones(const ModelBuilder& model, FileBuilder& mdl) {
@@ -88,6 +113,15 @@ void WriteBones(const ModelBuilder& model, FileBuilder& mdl) {
     record.Alignment = bone.Alignment;
     record.Flags = bone.Flags;
     record.Contents = 1;
+  }
+  mdl.Align(4);
+  for (int64_t i = 0; i < count; ++i) {
+    const BoneDescription& bone = model.Bones[static_cast<size_t>(i)];
+    WriteProcedure(bone, bones, i, mdl);
+    if (bone.SurfaceProp.empty()) continue;
+    const int32_t text = mdl.Text(bone.SurfaceProp);
+    bones[i].SurfacePropOffset = bones.To(text, i);
+    mdl.Align(4);
   }
   if (model.Physics) WritePhysicsSolids(model, bones);
   mdl.Align(4);

@@ -2,17 +2,25 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "model/bone_math_types.h"
+#include "model/procedural_records.h"
 #include "model/vvd_records.h"
 #include "support/face_description.h"
 
 namespace tarnwick::tests {
 
 // What a model of the model writer is made of: skeleton, materials and meshes. Every value has a sound default.
+
+/// What a bone does that follows another one.
+struct DrivenDescription {
+  int32_t Driver = 0;
+  std::vector<model::StudioTrigger> Triggers = {};
+};
 
 struct BoneDescription {
   std::string Name = "root";
@@ -23,6 +31,9 @@ struct BoneDescription {
   std::array<float, 3> RotationScale = {0.001f, 0.001f, 0.001f};
   model::Quat Alignment = {0, 0, 0, 1};
   uint32_t Flags = 0;
+  std::string SurfaceProp = {};
+  std::optional<DrivenDescription> Driven = {};
+  std::optional<model::StudioJiggleBone> Jiggle = {};
 };
 
 struct BoneWeight {

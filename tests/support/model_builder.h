@@ -18,10 +18,11 @@ namespace tarnwick::tests {
 /// The files of a built model. Their tables have these names, for FileBuilder::Record (b, m, k, l: body part, model,
 /// mesh, LOD; n: any number):
 ///   Mdl: header, bones, textures, material directories, skins, body parts, "models b", "meshes b.m", "flexes b.m.k",
-///        "vert anims b.m.k.n", "eyeballs b.m", anims, "anim data n", "anim sections n", "section data n.s", sequences,
-///        "events n", "blends n", "pose keys n", nodes, pose parameters, hitbox sets, "hitboxes n", attachments,
-///        includes, ik chains, "ik links n", flex descs, flex controllers, flex rules, "flex ops n", mouths, anim
-///        blocks
+///        "vert anims b.m.k.n", "eyeballs b.m", anims, "anim data n", "movements n", "ik rules n", "anim sections n",
+///        "section data n.s", "jiggle bone n", "driven bone n", "triggers n", "autoplay locks", sequences,
+///        "events n", "blends n", "pose keys n", "layers n", "ik locks n", "weights n", nodes, pose parameters, hitbox
+///        sets, "hitboxes n", attachments, includes, ik chains, "ik links n", flex descs, flex controllers, flex rules,
+///        "flex ops n", mouths, anim blocks
 ///   Vtx: header, body parts, "models b", "lods b.m", "meshes b.m.l", "groups b.m.l.k", "strips b.m.l.k.n",
 ///        "vertices b.m.l.k.n", "indices b.m.l.k.n"
 ///   Vvd: header, fixups, vertices
@@ -68,6 +69,7 @@ struct ModelBuilder {
   std::vector<AttachmentDescription> Attachments = {};
   std::vector<std::string> IncludedModels = {};
   std::vector<IkChainDescription> IkChains = {};
+  std::vector<model::StudioIkLock> AutoplayLocks = {};
   std::string SurfaceProp = "metal";
   std::string KeyValues = {};
   model::Vec3 EyePosition = {0, 0, 0};

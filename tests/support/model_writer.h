@@ -29,6 +29,15 @@ FileBuilder::Table<T> ReserveInHeader(const std::vector<D>& described, const std
   return table;
 }
 
+/// Adds `records` as they stand; gives the place of the first.
+template <typename T>
+int64_t WriteRecords(const std::vector<T>& records, const std::string& name, FileBuilder& file) {
+  const int64_t place = file.Size();
+  file.Mark(name);
+  for (const T& record : records) file.AppendValue(record);
+  return place;
+}
+
 /// The same for records that hold no more than a name.
 template <core::PackedRecord T>
 void WriteNamesInHeader(const std::vector<std::string>& names, const std::string& table, FileBuilder& file,

@@ -54,6 +54,9 @@ void WriteIkChains(const ModelBuilder& model, FileBuilder& mdl) {
     chains[i] = StudioIkChain{chains.To(name, i), 0, static_cast<int32_t>(links.Count), chains.To(links.Offset, i)};
     mdl.Align(4);
   }
+  HeaderOf(mdl).IkLockCount = static_cast<int32_t>(model.AutoplayLocks.size());
+  const auto locks = static_cast<int32_t>(WriteRecords(model.AutoplayLocks, "autoplay locks", mdl));
+  HeaderOf(mdl).IkLockOffset = locks;
 }
 
 void WritePoseParameters(const ModelBuilder& model, FileBuilder& mdl) {

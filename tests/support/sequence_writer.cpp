@@ -42,6 +42,23 @@ void WriteBlends(const SequenceDescription& sequence, const Sequences& sequences
   for (const float key : sequence.PoseKeys) mdl.AppendValue(key);
 }
 
+/// What plays with the sequence: layers, a weight list, locks of limbs.
+void WriteCompanions(const SequenceDescription& sequence, const Sequences& sequences, int64_t i, FileBuilder& mdl) {
+  const auto place = [&](const auto& records, const char* name) {
+    return sequences.To(WriteRecords(records, PlaceName(name, {static_cast<size_t>(i)}), mdl), i);
+  };
+  sequences[i].FadeIn = sequence.FadeIn;
+  sequences[i].FadeOut = sequence.FadeOut;
+  const int32_t layers = place(sequence.Layers, "layers");
+  const int32_t locks = place(sequence.IkLocks, "ik locks");
+  const int32_t weights = place(sequence.Weights, "weights");
+  sequences[i].LayerCount = static_cast<int32_t>(sequence.Layers.size());
+  sequences[i].LayerOffset = layers;
+  sequences[i].IkLockCount = static_cast<int32_t>(sequence.IkLocks.size());
+  sequences[i].IkLockOffset = locks;
+  sequences[i].WeightOffset = sequence.Weights.empty() ? 0 : weights;
+}
+
 }  // namespace
 
 void WriteSequences(const ModelBuilder& model, FileBuilder& mdl) {
@@ -63,6 +80,7 @@ void WriteSequences(const ModelBuilder& model, FileBuilder& mdl) {
     mdl.Align(4);
     WriteEvents(sequence, sequences, i, mdl);
     WriteBlends(sequence, sequences, i, mdl);
+    WriteCompanions(sequence, sequences, i, mdl);
   }
 }
 
