@@ -30,6 +30,7 @@ void CGameConfigDialog::OnInitDialog() {
   m_sdkDirectory = setting::SdkDirectory.Read(m_settings);
   m_gameDirectory = setting::GameDirectory.Read(m_settings);
   m_wineProgram = setting::WineProgram.Read(m_settings);
+  m_uncommonFormats = setting::UncommonImageFormats.Read(m_settings) != 0;
   CDialog::OnInitDialog();
   platform::LoadAllCaptionBitmaps(*this);
 }
@@ -38,6 +39,7 @@ void CGameConfigDialog::DoDataExchange(platform::CDataExchange& exchange) {
   DDX_Text(exchange, *m_ui->gameEdit, m_gameDirectory);
   DDX_Text(exchange, *m_ui->sdkEdit, m_sdkDirectory);
   DDX_Text(exchange, *m_ui->wineEdit, m_wineProgram);
+  DDX_Check(exchange, *m_ui->uncommonCheck, m_uncommonFormats);
 }
 
 void CGameConfigDialog::OnBrowseGame() {
@@ -76,6 +78,9 @@ void CGameConfigDialog::OnOK() {
   setting::GameDirectory.Write(m_settings, m_gameDirectory);
   setting::SdkDirectory.Write(m_settings, m_sdkDirectory);
   if (m_wineProgram != setting::WineProgram.Read(m_settings)) setting::WineProgram.Write(m_settings, m_wineProgram);
+  if (m_uncommonFormats != (setting::UncommonImageFormats.Read(m_settings) != 0)) {
+    setting::UncommonImageFormats.Write(m_settings, m_uncommonFormats ? 1 : 0);
+  }
   EndDialog(Accepted);
 }
 

@@ -11,9 +11,9 @@ class GameConfigDialog;
 
 namespace tarnwick::app {
 
-/// Sets the Steam game directory, the SDK tools directory and, where Windows programs need it, the Wine that runs them.
-/// A directory that is picked with a browse button is stored at once, all else on OK. Nothing is checked: a wrong one
-/// shows when a tool is not found.
+/// Sets the Steam game directory, the SDK tools directory and, where Windows programs need it, the Wine that runs them;
+/// also whether images of uncommon formats are read. A directory that is picked with a browse button is stored at once,
+/// all else on OK. Nothing is checked: a wrong one shows when a tool is not found.
 class CGameConfigDialog : public platform::CDialog {
   Q_OBJECT
 
@@ -37,6 +37,7 @@ class CGameConfigDialog : public platform::CDialog {
   std::string m_gameDirectory;
   std::string m_sdkDirectory;
   std::string m_wineProgram;
+  bool m_uncommonFormats = true;
 };
 
 }  // namespace tarnwick::app

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <QAbstractButton>
 #include <QKeySequence>
 #include <QLineEdit>
 #include <QPushButton>
@@ -196,6 +197,9 @@ TEST_F(MainDialog, ConfiguringStoresABrowsedDirectoryAtOnceAndTheRestOnOk) {
 
   m_desktop.Choices = {"/opt/wine/bin/wine"};
   tests::WhenModalOpens([](QWidget& dialog) {
+    auto& uncommon = ControlOf<QAbstractButton>(dialog, "uncommonCheck");
+    EXPECT_TRUE(uncommon.isChecked()) << "all formats are read unless a person wants less to trust";
+    uncommon.click();
     ControlOf<QLineEdit>(dialog, "gameEdit").setText("/games/räv/");
     ControlOf<QLineEdit>(dialog, "sdkEdit").clear();
     Click(dialog, "browseWineButton");
@@ -203,6 +207,7 @@ TEST_F(MainDialog, ConfiguringStoresABrowsedDirectoryAtOnceAndTheRestOnOk) {
     QTest::keyClick(&ControlOf<QLineEdit>(dialog, "sdkEdit"), Qt::Key_Return);
   });
   Click(*m_dialog, "configureButton");
+  EXPECT_EQ(m_settings.GetInt("Tarnwick", "Uncommon Image Formats", 1), 0);
   EXPECT_EQ(GameDirectory(), "/games/räv/");
   EXPECT_EQ(Value("Tarnwick/GameDirectory"), "/games/räv/");
   EXPECT_EQ(Value("Tarnwick/SDKDirectory"), "");
