@@ -3,12 +3,13 @@
 #include <QContextMenuEvent>
 #include <QKeyEvent>
 #include <QMenu>
-#include <QScrollArea>
 #include <QShortcut>
 
 #include "app/about_dlg.h"
 #include "app/game_config_dialog.h"
 #include "app/game_directory_help_dialog.h"
+#include "app/help_window.h"
+#include "app/page_area.h"
 #include "core/settings_table.h"
 #include "pages/web_addresses.h"
 #include "platform/bitmap_button.h"
@@ -24,6 +25,14 @@ namespace tarnwick::app {
 namespace setting = core::setting;
 using platform::JobRunner;
 using platform::ToQt;
+
+namespace {
+
+/// What the document about the window calls the pages, by tab.
+constexpr std::array<const char*, 4> HelpHeadings = {"Compiling models", "Compiling materials", "Decompiling a model",
+                                                     "Exporting textures"};
+
+}  // namespace
 
 CKilndeskDlg::CKilndeskDlg(core::AppSettings& settings, platform::Desktop& desktop)
     : CDialog(desktop),
@@ -84,11 +93,7 @@ void CKilndeskDlg::OpenStartFiles() {
 
 void CKilndeskDlg::AddPage(pages::CPage& page, const char* tabText) {
   page.Create();
-  // A page that is taller than a small screen is scrolled; nothing of it is cut off.
-  auto* area = new QScrollArea(m_ui->tabs);
-  area->setFrameShape(QFrame::NoFrame);
-  area->setWidgetResizable(true);
-  area->setWidget(&page);
+  auto* area = new CPageArea(page, m_ui->tabs);
   page.show();
   m_ui->tabs->addTab(area, tabText);
 }
@@ -116,7 +121,10 @@ bool CKilndeskDlg::MayClose() {
       DesktopSeam().ShowBox(this, {"A job is still running.\nStop it and close Tarnwick?",
                                    {},
                                    platform::BoxIcon::Question,
-                                   platform::BoxButtons::YesNo});
+                                   platform::BoxButtons::YesNo,
+                                   {},
+                                   {},
+                                   true});
   return answer == platform::BoxAnswer::Yes;  // the runners stop their jobs as they go
 }
 
@@ -134,11 +142,22 @@ void CKilndeskDlg::OnConfigure() {
 }
 
 void CKilndeskDlg::OnHelp() {
-  OpenPage(pages::HelpPage);
+  if (!m_help) m_help = std::make_unique<CHelpWindow>(DesktopSeam(), this, [this] { OpenPage(pages::HelpPage); });
+  m_help->ShowAt(HelpHeadings[static_cast<size_t>(m_ui->tabs->currentIndex())]);
 }
 
 void CKilndeskDlg::OnCheckForUpdates() {
-  OpenPage(pages::UpdatePage);
+  platform::MessageBoxRequest box{"This is Tarnwick " TARNWICK_VERSION
+                                  ".\nIt does not look for a newer version by itself: the maker's page tells "
+                                  "whether there is one.",
+                                  "Check For Updates", platform::BoxIcon::Information, platform::BoxButtons::OkCancel};
+  box.OkLabel = "Open the Page";
+  box.Details = pages::UpdatePage;
+  if (!pages::HasWebHost()) {
+    box.Details =
+        std::string("No maker's host was set when this program was built; the page would be ") + pages::UpdatePage;
+  }
+  if (DesktopSeam().ShowBox(this, box) == platform::BoxAnswer::Ok) OpenPage(pages::UpdatePage);
 }
 
 void CKilndeskDlg::OpenPage(const char* address) {

@@ -19,6 +19,8 @@ class KilndeskDlg;
 
 namespace tarnwick::app {
 
+class CHelpWindow;
+
 /// The main dialog: the game directory, the four pages behind their tabs, and what belongs to the program as a whole.
 /// The pages exist for the dialog's whole life; changing tabs only hides and shows them.
 class CKilndeskDlg : public platform::CDialog {
@@ -39,7 +41,7 @@ class CKilndeskDlg : public platform::CDialog {
   void OnInitDialog() override;
   /// "Exit" and the close box: saves the pages' values and ends the dialog. Asks first while a job is running.
   void OnCancel() override;
-  /// Opens the maker's page that tells whether there is a newer version.
+  /// Says which version this is, and opens the maker's page that tells whether there is a newer one.
   virtual void OnCheckForUpdates();
 
   void keyPressEvent(QKeyEvent* event) override;
@@ -70,6 +72,7 @@ class CKilndeskDlg : public platform::CDialog {
   pages::CVTFDialog m_texturePage;
   std::array<pages::CPage*, PageCount> m_pages;  // by tab
   std::vector<std::string> m_startFiles;
+  std::unique_ptr<CHelpWindow> m_help;           // once it has been wanted
   QByteArray m_startGeometry;
 };
 

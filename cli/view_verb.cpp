@@ -37,15 +37,16 @@ int View(Options options, Invocation& invocation) {
   for (const std::string& warning : warnings) invocation.Err << "Warning: " << warning << '\n';
   const process::Command command = tools::HlmvCommand(options.Directories.Sdk, game, modelFile);
   const auto error = tools::StartHlmv(command, options.Directories.Start());
+  const std::string failure = error ? tools::HlmvErrorText(command) + ": " + error->Message : std::string();
   if (options.Json) {
     nlohmann::ordered_json json{{"model", options.Model},         {"outcome", error ? "failed" : "ok"},
                                 {"program", command.Program},     {"parameters", command.Shown.substr(1)},
                                 {"arguments", command.Arguments}, {"warnings", warnings}};
-    if (error) json["error"] = error->Message;
+    if (error) json["error"] = failure;
     invocation.Out << json.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace) << '\n';
   }
   if (error) {
-    invocation.Err << tools::HlmvErrorText(command) << ": " << error->Message << '\n';
+    invocation.Err << failure << '\n';
     if (!tools::ToolExists(command.Program)) invocation.Err << SdkAdvice << '\n';
     return ExitFailure;
   }

@@ -7,6 +7,7 @@
 
 #include "core/paths.h"
 #include "images/tga_path.h"
+#include "jobs/before_run.h"
 #include "jobs/image_questions.h"
 #include "jobs/last_line.h"
 #include "jobs/not_begun.h"
@@ -70,6 +71,7 @@ void CompileOne(const CompileImages& job, const images::ImageWorker& worker, siz
   calls.Run.AnnounceStart = false;
   calls.Run.OnText = [&](std::string_view text) { run.ToolText(text); };
   calls.OnToolStart = [&](const std::string& commandLine) { run.Command(commandLine); };
+  calls.OnWarning = [&](const std::string& warning) { return TellBeforeRun(run, warning); };
 
   const FileBefore texture(run.Result.Target);
   const std::string materialPath = CompiledPath(job, images::TgaPath(run.Result.Input, ""), ".vmt");
@@ -79,6 +81,9 @@ void CompileOne(const CompileImages& job, const images::ImageWorker& worker, siz
   run.Result.Shown = result.Log;
   run.Result.Notes = result.Run.Notes;
   if (run.Stop.stop_requested()) return run.Fail(core::TroubleKind::Stopped, "stopped");
+  if (result.Maps.Base.empty() && run.Result.First(core::Severity::Error) == nullptr) {
+    return run.Fail(core::TroubleKind::Unreadable, "the image could not be converted", run.Result.Input);
+  }
   if (!result.ToolFound || run.Result.First(core::Severity::Error) != nullptr) return;
   const auto& end = result.Run.Outcome.End;
   if (end && end->ExitCode != 0) return run.Fail(core::TroubleKind::Tool, "vtex did not succeed");

@@ -9,6 +9,7 @@
 #include "core/paths.h"
 #include "images/image_format.h"
 #include "images/tga_path.h"
+#include "jobs/before_run.h"
 #include "jobs/image_questions.h"
 #include "jobs/input_files.h"
 #include "jobs/last_line.h"
@@ -175,15 +176,18 @@ class Export {
   tools::FinishedRun RunTool(const std::string& tga) {
     const process::Command command = tools::Vtf2tgaCommand(
         tools::SdkDirectoryOrBundled(m_job.SdkDirectory, tools::Vtf2tga), m_run.Result.Source, tga);
-    m_run.Command(command.Line());
     tools::ToolRunOptions options;
     options.Start = m_job.Start;
     options.Stop = m_run.Stop;
     options.AnnounceStart = false;
     options.OnText = [this](std::string_view text) { m_run.ToolText(text); };
-    tools::FinishedRun finished =
-        tools::RunTool(tools::ToolRun::Vtf2tga, command, options, tools::CheckVtf2tgaRun(m_run.Result.Source, tga));
-    m_run.Result.Shown = finished.TextWithNotes();
+    std::string warnings;
+    for (const std::string& warning : tools::CheckVtf2tgaRun(m_run.Result.Source, tga)) {
+      warnings += "\r\n" + TellBeforeRun(m_run, warning);
+    }
+    m_run.Command(command.Line());
+    tools::FinishedRun finished = tools::RunTool(tools::ToolRun::Vtf2tga, command, options);
+    m_run.Result.Shown = finished.TextWithNotes() + warnings;
     m_run.Result.Notes = finished.Notes;
     return finished;
   }

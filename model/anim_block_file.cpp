@@ -37,16 +37,19 @@ void ClearData(StudioAnimDesc& animation) {
   animation.Block = -1;
 }
 
-std::optional<core::FileImage> Missing(ModelReader& reader, std::string_view name, std::string_view folder,
-                                       std::string_view reason) {
-  reader.Tell({core::Severity::Error,
-               core::TroubleKind::Missing,
-               std::string(name),
-               std::nullopt,
-               "Animation block file " + std::string(name) + " in " + std::string(folder.empty() ? "." : folder) +
-                   ": " + std::string(reason) + "; animations that lie in it keep the default pose",
-               {}});
+/// Tells of a block file that cannot be had, in the words in which a vertex file is missed.
+std::optional<core::FileImage> Missing(ModelReader& reader, core::TroubleKind kind, const std::string& path,
+                                       const std::string& what, std::string alike) {
+  reader.Tell({.Kind = kind,
+               .File = path,
+               .Text = what + "; animations that lie in it keep the default pose",
+               .Alike = std::move(alike)});
   return std::nullopt;
+}
+
+std::optional<core::FileImage> NotNamed(ModelReader& reader, const std::string& name, const std::string& why) {
+  return Missing(reader, core::TroubleKind::Missing, name, "No animation block file: " + why,
+                 "No animation block file");
 }
 
 }  // namespace
@@ -69,22 +72,27 @@ bool UpgradeAnimBlockHeader(std::span<std::byte> image) {
 }
 
 std::optional<core::FileImage> LoadAnimBlockFile(ModelReader& reader, std::string_view name) {
-  const std::string folder(core::DirectoryWithSeparator(reader.Model.Mdl.Path()));
+  const std::string& mdl = reader.Model.Mdl.Path();
+  const std::string folder(core::DirectoryWithSeparator(mdl));
   const std::string file(core::LastComponent(name));
+  if (file.empty()) return NotNamed(reader, {}, mdl + " gives it no name");
+  std::string path = folder + file;
   if (name.size() >= 3 && core::EqualIgnoringCase(name.substr(name.size() - 3), "mdl")) {
-    return Missing(reader, file, folder, "a model cannot be a block file");
+    return NotNamed(reader, path, path + " cannot be one, since it is a model");
   }
-  if (file.empty()) return Missing(reader, "\"\"", folder, "the model gives it no name");
-  std::string path = folder.empty() ? file : folder + "/" + file;
   if (!core::FileExists(path)) {
     if (auto found = core::FindIgnoringCase(path)) {
       reader.Note(*found, "Using " + *found + " for " + file);
       path = std::move(*found);
     }
   }
+  if (!core::FileExists(path)) return NotNamed(reader, path, path);
   std::string reason;
   auto image = core::FileImage::Read(path, &reason);
-  if (!image) return Missing(reader, file, folder, reason);
+  if (!image) {
+    return Missing(reader, core::TroubleKind::Unreadable, path, "Unable to read " + path + ": " + reason,
+                   "Unable to read the animation block file");
+  }
 
   const auto version = image->View().Value<int32_t>(offsetof(StudioHeader, Version));
   if (version == CurrentVersion) return image;

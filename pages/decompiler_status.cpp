@@ -43,7 +43,15 @@ std::string ResultText(const jobs::ItemResult& result) {
            LostText(LostIn(result));
   }
   const core::Trouble* error = result.First(core::Severity::Error);
-  return "failed" + (error == nullptr ? std::string() : ": " + error->Text);
+  if (error == nullptr) return "failed";
+  return "failed: " + error->Text + (error->Details.empty() ? "" : " (" + error->Details + ")");
+}
+
+/// A trouble as the log has it: on one line.
+std::string LogLine(const core::Trouble& trouble) {
+  const std::string told = trouble.Caption.empty() ? trouble.Text : trouble.Caption + ": " + trouble.Text;
+  const std::string text = trouble.Details.empty() ? told : told + " (" + trouble.Details + ")";
+  return platform::FromQt(ToQt(text).simplified()) + "\n";
 }
 
 }  // namespace
@@ -87,10 +95,8 @@ void CDecompilerStatus::Show(const jobs::Event& event) {
                  [this](const jobs::Line& line) { m_ui->logEdit->Append(line.Text); },
                  [this](const jobs::Told& told) {
                    // A trouble with a box has no line of its own; neither has one of the job as a whole.
-                   if (!told.Trouble.Caption.empty()) {
-                     m_ui->logEdit->Append(told.Trouble.Caption + ": " + told.Trouble.Text + "\n");
-                   } else if (told.Item == jobs::NoItem) {
-                     m_ui->logEdit->Append(told.Trouble.Text + "\n");
+                   if (!told.Trouble.Caption.empty() || told.Item == jobs::NoItem) {
+                     m_ui->logEdit->Append(LogLine(told.Trouble));
                    }
                  },
                  [this](const jobs::Progress& progress) { OnProgress(progress); },
@@ -128,6 +134,9 @@ void CDecompilerStatus::OnModelFinished(const jobs::ItemFinished& finished) {
   m_filesDone += finished.Result.Files.size();
   QTreeWidgetItem* row = m_ui->resultList->topLevelItem(m_ui->resultList->topLevelItemCount() - 1);
   const QString text = ToQt(ResultText(finished.Result)).simplified();
+  if (!finished.Result.Succeeded()) {  // the last line tells which model it was, also among many
+    m_ui->logEdit->Append(platform::FromQt(row->text(ModelColumn) + ": " + text) + "\n");
+  }
   row->setText(ResultColumn, text);
   row->setToolTip(ResultColumn, text);
   for (const decompiler::LostKind& lost : finished.Result.Lost) {

@@ -185,7 +185,8 @@ void CMDLDialog::OnLoad() {
                                    platform::BoxIcon::Question,
                                    platform::BoxButtons::OkCancel,
                                    {},
-                                   "Load"}) != platform::BoxAnswer::Ok) {
+                                   "Load",
+                                   true}) != platform::BoxAnswer::Ok) {
     return;
   }
   PageReport report(DesktopSeam(), this);
@@ -224,8 +225,11 @@ void CMDLDialog::OnView() {
   const std::string gameDirectory = setting::GameDirectory.Read(Settings());
   const process::Command command = tools::HlmvCommand(setting::SdkDirectory.Read(Settings()), gameDirectory,
                                                       tools::ModelFileOf(gameDirectory, m_project.modelFile));
-  if (!tools::StartHlmv(command, {setting::WineProgram.Read(Settings())})) return;
-  DesktopSeam().Box(this, platform::BoxIcon::None, tools::HlmvErrorText(command));
+  const auto error = tools::StartHlmv(command, {setting::WineProgram.Read(Settings())});
+  if (!error) return;
+  platform::MessageBoxRequest box{tools::HlmvErrorText(command), {}, platform::BoxIcon::None};
+  box.Details = error->Message;
+  DesktopSeam().ShowBox(this, box);
 }
 
 void CMDLDialog::OnInspect() {

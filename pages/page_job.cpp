@@ -68,6 +68,9 @@ platform::MessageBoxRequest BoxOf(const jobs::Question& question) {
   platform::MessageBoxRequest box{question.Text, question.Caption, question.Icon, platform::BoxButtons::OkCancel};
   box.Details = question.Details;
   box.OkLabel = question.Yes;
+  // A yes by a slip of the hand would cost what cannot be had back.
+  box.RefusalIsDefault =
+      question.Kind == jobs::QuestionKind::Overwrite || question.Kind == jobs::QuestionKind::UseDamaged;
   return box;
 }
 

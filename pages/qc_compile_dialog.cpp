@@ -52,9 +52,22 @@ void CQCCompileDialog::OnCompile() {
 }
 
 void CQCCompileDialog::OnEdit() {
-  if (DesktopSeam().Edit(FromQt(m_ui->qcFileEdit->text()))) return;
-  DesktopSeam().Box(this, platform::BoxIcon::Stop,
-                    "No editor Association for the file type. \r\nPlease set one up in windows filemanager", "Error");
+  const std::string file = FromQt(m_ui->qcFileEdit->text());
+  platform::MessageBoxRequest box{"There is no file " + file, "Error", platform::BoxIcon::Stop};
+  if (file.empty()) box.Text = "No QC file is named.";
+  switch (DesktopSeam().Edit(file)) {
+    case platform::EditStart::Begun:
+      return;
+    case platform::EditStart::NoFile:
+      break;
+    case platform::EditStart::NoEditor:
+      box.Text = "No editor Association for the file type. \r\nPlease set one up in windows filemanager";
+#ifndef _WIN32
+      box.Details = "The environment variable VISUAL or EDITOR names the editor as well.";
+#endif
+      break;
+  }
+  DesktopSeam().ShowBox(this, box);
 }
 
 void CQCCompileDialog::OnBrowse() {

@@ -12,7 +12,7 @@ namespace tarnwick::platform {
 
 using core::BoxIcon;  // Stop, Exclamation and Information beep as the platform does
 
-/// The buttons of a message box, the first of each being the default one.
+/// The buttons of a message box, the first of each being the default one unless the box says otherwise.
 enum class BoxButtons { Ok, OkCancel, YesNo, YesNoCancel };
 
 /// How the user left a message box. Esc and the close box count as Cancel (No where there is none, Ok where that is
@@ -27,6 +27,15 @@ struct MessageBoxRequest {
   BoxButtons Buttons = BoxButtons::Ok;
   std::string Details = {};  // a second, quieter paragraph; may be empty
   std::string OkLabel = {};  // for the OK button; empty: the platform's
+  /// Whether Enter answers Cancel (No where there is none) as Esc does: for a question whose yes loses something.
+  bool RefusalIsDefault = false;
+};
+
+/// What became of the wish to edit a file.
+enum class EditStart {
+  Begun,
+  NoFile,    // there is no such file
+  NoEditor,  // there is no program for it, or none that starts
 };
 
 /// One file chooser.
@@ -65,8 +74,8 @@ class Desktop {
   /// Starts the user's web browser with `address`: for when Open has failed. False if there is none or it does not
   /// start.
   virtual bool OpenInBrowser(const std::string& /*address*/) { return false; }
-  /// Opens a text file in the user's editor. False if there is none or it does not start.
-  virtual bool Edit(const std::string& path) = 0;
+  /// Opens a text file in the user's editor.
+  virtual EditStart Edit(const std::string& path) = 0;
 
   /// Shows a box with an OK button: the short form of ShowBox.
   void Box(QWidget* owner, BoxIcon icon, const std::string& text, const std::string& caption = {}) {

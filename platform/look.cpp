@@ -1,9 +1,11 @@
 #include "platform/look.h"
 
 #include <QApplication>
+#include <QEvent>
 #include <QProxyStyle>
 #include <QStyleOptionButton>
 #include <algorithm>
+#include <cmath>
 
 namespace tarnwick::platform {
 
@@ -31,10 +33,62 @@ class PlainButtons : public QProxyStyle {
   }
 };
 
+double Luminance(const QColor& color) {
+  const auto linear = [](double part) {
+    return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+  };
+  return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
+}
+
+QColor Mixed(const QColor& text, const QColor& base, double share) {
+  const auto mix = [share](int a, int b) { return static_cast<int>(std::lround(a * share + b * (1 - share))); };
+  return {mix(text.red(), base.red()), mix(text.green(), base.green()), mix(text.blue(), base.blue())};
+}
+
+/// Themes know a dark palette, but not all of them this role, which then keeps the black of the light one.
+class PlaceholderKeeper : public QObject {
+ public:
+  using QObject::QObject;
+
+  static void Mend() {
+    QPalette palette = QApplication::palette();
+    for (const auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
+      palette.setColor(group, QPalette::PlaceholderText, PlaceholderColor(palette, group));
+    }
+    if (palette != QApplication::palette()) QApplication::setPalette(palette);
+  }
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    if (watched == qApp && event->type() == QEvent::ApplicationPaletteChange) Mend();
+    return false;
+  }
+};
+
 }  // namespace
+
+double Contrast(const QColor& a, const QColor& b) {
+  const auto [darker, lighter] = std::minmax({Luminance(a), Luminance(b)});
+  return (lighter + 0.05) / (darker + 0.05);
+}
+
+QColor PlaceholderColor(const QPalette& palette, QPalette::ColorGroup group) {
+  const QColor base = palette.color(group, QPalette::Base);
+  const QColor text = palette.color(group, QPalette::Text);
+  const QColor least = palette.color(group, QPalette::PlaceholderText);
+  const QColor seen = Mixed(least, base, least.alphaF());
+  if (Contrast(seen, base) >= ReadableContrast) return least;
+  for (double share = 0.6; share < 1; share += 0.1) {
+    const QColor mixed = Mixed(text, base, share);
+    if (Contrast(mixed, base) >= ReadableContrast) return mixed;
+  }
+  return text;
+}
 
 void ApplyLook(const QString& style) {
   QApplication::setStyle(style.isEmpty() ? new PlainButtons : new PlainButtons(style));
+  qApp->installEventFilter(new PlaceholderKeeper(qApp));
+  PlaceholderKeeper::Mend();
 }
 
 void ShowAsReadOnly(QWidget& field) {

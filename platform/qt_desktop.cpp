@@ -15,6 +15,7 @@
 
 #include "core/paths.h"
 #include "core/report.h"
+#include "platform/editor.h"
 #include "platform/text.h"
 
 namespace tarnwick::platform {
@@ -104,6 +105,9 @@ BoxAnswer QtDesktop::ShowBox(QWidget* owner, const MessageBoxRequest& request) {
   box.setStandardButtons(QtButtons(request.Buttons));
   box.setInformativeText(ToQt(request.Details));
   if (!request.OkLabel.empty()) box.button(QMessageBox::Ok)->setText(ToQt(request.OkLabel));
+  if (request.RefusalIsDefault && request.Buttons != BoxButtons::Ok) {
+    box.setDefaultButton(request.Buttons == BoxButtons::YesNo ? QMessageBox::No : QMessageBox::Cancel);
+  }
   box.setTextInteractionFlags(Qt::TextSelectableByMouse);
   switch (box.exec()) {
     case QMessageBox::Ok:
@@ -158,9 +162,11 @@ bool QtDesktop::OpenInNewWindow(const std::string& addressOrPath) {
 #endif
 }
 
-bool QtDesktop::Edit(const std::string& path) {
+EditStart QtDesktop::Edit(const std::string& path) {
   const QString native = QtPath(path);
-  return QFileInfo::exists(native) && QDesktopServices::openUrl(QUrl::fromLocalFile(native));
+  if (!QFileInfo(native).isFile()) return EditStart::NoFile;
+  if (StartEditor(native) || QDesktopServices::openUrl(QUrl::fromLocalFile(native))) return EditStart::Begun;
+  return EditStart::NoEditor;
 }
 
 }  // namespace tarnwick::platform

@@ -17,7 +17,7 @@ class QtDesktop : public Desktop {
   bool Open(const std::string& addressOrPath) override;
   bool OpenInNewWindow(const std::string& addressOrPath) override;
   bool OpenInBrowser(const std::string& address) override { return StartBrowser(address); }
-  bool Edit(const std::string& path) override;
+  EditStart Edit(const std::string& path) override;
 };
 
 }  // namespace tarnwick::platform

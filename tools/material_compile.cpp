@@ -72,13 +72,16 @@ MaterialResult RunVtex(const MaterialCompile& job, size_t index, const std::stri
   result.Image = run.SourceImage;
   result.Maps = ConvertImages(run, gameDirectory + run.OutputSubdirectory, calls.ConvertToTga, result.Log);
   if (calls.Run.Stop.stop_requested()) return result;
+  if (result.Maps.Base.empty()) return result;  // its failure has been told; a tool without a name tells nothing
   result.ToolFound = RequireTool(SdkToolPath(sdkDirectory, Vtex), Vtex, calls.Report);
   if (!result.ToolFound) return result;
 
   const process::Command command = VtexCommand(sdkDirectory, run, result.Maps);
+  for (const std::string& warning : CheckVtexRun(gameDirectory, run.OutputSubdirectory, result.Maps)) {
+    if (calls.OnWarning) result.Log += calls.OnWarning(warning);
+  }
   if (calls.OnToolStart) calls.OnToolStart(command.Line());
-  result.Run =
-      RunTool(ToolRun::Vtex, command, calls.Run, CheckVtexRun(gameDirectory, run.OutputSubdirectory, result.Maps));
+  result.Run = RunTool(ToolRun::Vtex, command, calls.Run);
   result.Log += result.Run.TextWithNotes();
   if (result.Run.Outcome.Failure) ReportFatalSystemError(*result.Run.Outcome.Failure, calls.Report);
   return result;

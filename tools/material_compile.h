@@ -48,20 +48,22 @@ struct MaterialResult {
   FinishedRun Run;
 };
 
-/// What a compile needs of its caller. `OnToolStart` may be empty.
+/// What a compile needs of its caller. All but the report and the conversion may be empty.
 struct MaterialCompileCalls {
   core::Report& Report;
   ImageToTga ConvertToTga = {};
   ToolRunOptions Run = {};
   /// Called before the tool starts, with its command line.
   std::function<void(const std::string& commandLine)> OnToolStart = {};
+  /// Gets each warning of the checks before the run, and gives the line of the log for it.
+  std::function<std::string(const std::string& warning)> OnWarning = {};
 };
 
 /// The part of the destination that lies behind the game directory.
 std::string OutputSubdirectory(const MaterialCompile& job);
 
 /// Converts and runs vtex for image number `index` of the job. A missing tool is told in a box, and the conversions
-/// stand. After a stop no tool starts.
+/// stand. After a stop, or where the image could not be converted, no tool starts.
 MaterialResult RunVtex(const MaterialCompile& job, size_t index, const std::string& sdkDirectory,
                        const std::string& gameDirectory, const MaterialCompileCalls& calls);
 

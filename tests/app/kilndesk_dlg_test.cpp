@@ -3,15 +3,21 @@
 #include <gmock/gmock.h>
 
 #include <QAbstractButton>
+#include <QComboBox>
 #include <QKeySequence>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QTabWidget>
 #include <QTest>
+#include <QTextBlock>
 #include <algorithm>
 #include <cctype>
 #include <semaphore>
 
+#include "app/document_view.h"
+#include "app/help_window.h"
 #include "controls/html_static.h"
 #include "platform/job_runner.h"
 #include "window_support/memory_settings.h"
@@ -256,16 +262,74 @@ TEST_F(MainDialog, EnterPressesExtractWhateverWasPressedBefore) {
   EXPECT_TRUE(Extracted(*m_dialog));
 }
 
-TEST_F(MainDialog, OpensTheMakersPagesAndSaysWhenThatFails) {
+TEST_F(MainDialog, HelpShowsItsOwnDocumentAtThePartAboutTheTab) {
   Open();
-  Click(*m_dialog, "helpButton");
+  Tabs().setCurrentIndex(3);
+  QTest::keyClick(m_dialog.get(), Qt::Key_F1);
+  auto* help = m_dialog->findChild<CHelpWindow*>();
+  ASSERT_TRUE(help != nullptr && help->isVisible());
+  auto& view = ControlOf<CDocumentView>(*help, "documentView");
+  EXPECT_EQ(view.textCursor().block().text(), "Exporting textures");
+  EXPECT_GT(view.verticalScrollBar()->value(), 0);
+  EXPECT_FALSE(view.loadResource(QTextDocument::ImageResource, QUrl("pictures/main-model-compile-light.png")).isNull());
+  EXPECT_TRUE(m_desktop.Opened.empty()) << "no browser is needed";
+  auto& documents = ControlOf<QComboBox>(*help, "documentCombo");
+  for (int i = 1; i < documents.count(); ++i) {
+    emit documents.activated(i);
+    EXPECT_GT(view.toPlainText().size(), 1000) << i;
+    EXPECT_EQ(documents.currentIndex(), i);
+  }
+  Click(*help, "backButton");
+  EXPECT_EQ(documents.currentIndex(), documents.count() - 2);
+  Click(*help, "webButton");
+  EXPECT_THAT(m_desktop.Opened, ElementsAre(EndsWith("/mossgate.php?program=Tarnwick_help")));
+  m_desktop.OpenSucceeds = false;
+  Click(*help, "webButton");
+  EXPECT_THAT(m_desktop.Boxes, ElementsAre(ShownBox{BoxIcon::None, "Error starting Explorer", ""}));
+  Click(*help, "closeButton");
+  EXPECT_FALSE(help->isVisible());
+  EXPECT_TRUE(m_dialog->isVisible());
+}
+
+TEST_F(MainDialog, EveryPartThatHelpOpensAtIsInTheDocument) {
+  Open();
+  for (int tab = 0; tab < Tabs().count(); ++tab) {
+    Tabs().setCurrentIndex(tab);
+    Click(*m_dialog, "helpButton");
+    auto& view = ControlOf<CDocumentView>(*m_dialog->findChild<CHelpWindow*>(), "documentView");
+    EXPECT_GT(view.textCursor().block().blockFormat().headingLevel(), 0) << Tabs().tabText(tab).toStdString();
+    EXPECT_GT(view.textCursor().position(), 0);
+  }
+}
+
+TEST_F(MainDialog, CheckingForUpdatesSaysWhatItCanBeforeItOpensAPage) {
+  Open();
+  m_desktop.BoxAnswers = {BoxAnswer::Cancel};
+  Click(*m_dialog, "updatesButton");
+  EXPECT_THAT(m_desktop.LastBox.Text, testing::MatchesRegex("This is Tarnwick [0-9.]+\\..*by itself.*"));
+  EXPECT_THAT(m_desktop.LastBox.Details, testing::HasSubstr("No maker's host was set"));
+  EXPECT_TRUE(m_desktop.Opened.empty());
   Click(*m_dialog, "updatesButton");
   EXPECT_THAT(m_desktop.Opened,
-              ElementsAre(EndsWith("/mossgate.php?program=Tarnwick_help"),
-                          EndsWith("/mossgate.php?program=checkversion&name=tarnwick&version=0.3.1a/")));
-  m_desktop.OpenSucceeds = false;
-  Click(*m_dialog, "helpButton");
-  EXPECT_THAT(m_desktop.Boxes, ElementsAre(ShownBox{BoxIcon::None, "Error starting Explorer", ""}));
+              ElementsAre(EndsWith("/mossgate.php?program=checkversion&name=tarnwick&version=0.3.1a/")));
+}
+
+TEST_F(MainDialog, NoPageScrollsSidewaysOnAScreenOf768Lines) {
+  m_settings.Values["Tarnwick/GameDirectory"] = "/home/ada/a game directory with a name that is longer than most/mod";
+  m_settings.Values["Tarnwick/Reference"] = "/home/ada/a folder with a name that is longer than most of them/crate.smd";
+  Open();
+  m_dialog->resize(m_dialog->width(), 500);  // as low as a small screen has it, so that pages scroll down
+  auto& innerTabs = ControlOf<QTabWidget>(*m_dialog->findChild<pages::CMDLSelDialog*>(), "tabs");
+  for (int tab = 0; tab < Tabs().count(); ++tab) {
+    Tabs().setCurrentIndex(tab);
+    for (int inner = 0; inner < innerTabs.count(); ++inner) {
+      innerTabs.setCurrentIndex(inner);
+      QApplication::processEvents();
+      const auto* area = qobject_cast<QScrollArea*>(Tabs().currentWidget());
+      ASSERT_NE(area, nullptr);
+      EXPECT_EQ(area->horizontalScrollBar()->maximum(), 0) << "tab " << tab << ", " << inner;
+    }
+  }
 }
 
 TEST_F(MainDialog, ShowsItsSmallDialogs) {
@@ -311,6 +375,7 @@ TEST_F(MainDialog, AsksBeforeItClosesOnARunningJob) {
   EXPECT_FALSE(m_dialog->isVisible());
   ASSERT_EQ(m_desktop.Boxes.size(), 2u);
   EXPECT_EQ(m_desktop.Boxes.front().Buttons, BoxButtons::YesNo);
+  EXPECT_TRUE(m_desktop.LastBox.RefusalIsDefault) << "Enter pressed by habit stops no job";
   m_dialog.reset();  // ends, since the job is told to stop
 }
 

@@ -102,6 +102,7 @@ TEST(AnimBlockFile, IsMissedInOneError) {
     ASSERT_EQ(errors.size(), 1u) << name;
     EXPECT_THAT(errors[0], HasSubstr(core::LastComponent(name)));
     EXPECT_THAT(errors[0], HasSubstr(job.Folder.Path()));
+    EXPECT_THAT(errors[0], testing::StartsWith("No animation block file: ")) << "as a vertex file is missed";
   }
 }
 

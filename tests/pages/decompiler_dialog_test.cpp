@@ -195,6 +195,7 @@ TEST_F(DecompilePage, DecompilesAllThatIsDroppedAndTellsWhatBecameOfEach) {
   ASSERT_TRUE(WaitForJob());
   EXPECT_THAT(Rows(Status()), ElementsAre("a.mdl|2 files written", HasSubstr("b.mdl|failed: Unable to load vertices"),
                                           "d.mdl|2 files written"));
+  EXPECT_THAT(Log(), HasSubstr("\nb.mdl: failed: Unable to load vertices")) << "the log names the model";
   EXPECT_TRUE(ControlOf<QTreeWidget>(Status(), "resultList").isVisible());
   EXPECT_THAT(ControlOf<QLabel>(Status(), "fileLabel").text().toStdString(),
               testing::AllOf(HasSubstr("3 models, 4 files"), EndsWith("1 failed")));

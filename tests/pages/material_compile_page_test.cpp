@@ -214,6 +214,7 @@ TEST_F(MaterialCompilePage, UsesADamagedImageWhenTheUserSaysSo) {
   Compile();
   ASSERT_EQ(m_desktop.Boxes.size(), 1u);
   EXPECT_THAT(m_desktop.Boxes[0].Text, StartsWith("Unable to create TGA file "));
+  EXPECT_TRUE(m_desktop.LastBox.RefusalIsDefault) << "Enter pressed by habit takes no damaged image";
   EXPECT_EQ(State(), "0 of 1 compiled, 1 failed");
   Compile();
   EXPECT_EQ(State(), "1 of 1 compiled");

@@ -126,7 +126,10 @@ TEST_F(ModelPages, BrowseForFiles) {
   Click(*script, "browseButton");
   Click(*script, "editButton");
   EXPECT_THAT(m_desktop.Opened, testing::ElementsAre("/m/new.qc"));
-  m_desktop.OpenSucceeds = false;
+  m_desktop.EditEndsAs = platform::EditStart::NoFile;
+  Click(*script, "editButton");
+  EXPECT_EQ(m_desktop.Boxes.back().Text, "There is no file /m/new.qc");
+  m_desktop.EditEndsAs = platform::EditStart::NoEditor;
   Click(*script, "editButton");
   EXPECT_THAT(m_desktop.Boxes.back().Text, StartsWith("No editor Association for the file type. \r\n"));
 }

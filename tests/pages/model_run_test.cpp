@@ -3,9 +3,11 @@
 #include <gmock/gmock.h>
 
 #include <QClipboard>
+#include <QElapsedTimer>
 #include <QGuiApplication>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QTimer>
 #include <algorithm>
 #include <filesystem>
 
@@ -98,6 +100,22 @@ TEST_F(ModelPages, ShowARunInColoursCopyItsCommandAndKeepItWhole) {
   EXPECT_THAT(m_desktop.Boxes.front().Text, StartsWith("Unable to write " + m_folder.Path("no such folder/log.txt: ")));
 }
 
+TEST_F(ModelPages, LiveOnWhileAToolPrintsTenMegabytes) {
+  Tool("studiomdl.exe", "yes 'WARNING: a line of the usual length that is printed far too often' | head -c 10000000\n");
+  const auto page = Open<CQCCompileDialog>();
+  ControlOf<QLineEdit>(*page, "qcFileEdit").setText("/m/a.qc");
+  QElapsedTimer clock;
+  qint64 longest = 0;
+  QTimer beat;
+  QObject::connect(&beat, &QTimer::timeout, [&] { longest = std::max(longest, clock.restart()); });
+  beat.start(10);
+  clock.start();
+  Click(*page, "compileButton");
+  ASSERT_TRUE(tests::WaitUntil([&] { return page->OutputText().find("complete") != std::string::npos; }));
+  EXPECT_LT(longest, 1000) << "milliseconds without an answer to the user";
+  EXPECT_LT(page->OutputText().size(), 10'000u);
+}
+
 TEST_F(ModelPages, ViewTheCompiledModel) {
   Tool("hlmv.exe", "for word; do echo \"$word\"; done > \"$0.new\"\nmv \"$0.new\" \"$0.words\"\n");
   const auto page = OpenCrate();
@@ -108,6 +126,29 @@ TEST_F(ModelPages, ViewTheCompiledModel) {
   m_settings.Values["Tarnwick/SDKDirectory"] = "/no/sdk";
   Click(*page, "viewButton");
   EXPECT_THAT(m_desktop.Boxes, testing::ElementsAre(ShownBox{BoxIcon::None, "Error starting /no/sdk/hlmv.exe", ""}));
+  EXPECT_THAT(m_desktop.LastBox.Details, HasSubstr("No such file"));
+}
+
+TEST_F(ModelPages, ViewSaysWhyTheViewerDidNotStart) {
+  Tool("hlmv.exe", "");
+  const auto page = OpenCrate();
+  const auto cause = [&] {
+    m_desktop.LastBox = {};
+    Click(*page, "viewButton");
+    EXPECT_EQ(m_desktop.LastBox.Text, "Error starting " + m_folder.Path("hlmv.exe"));
+    return m_desktop.LastBox.Details;
+  };
+  std::filesystem::permissions(m_folder.Path("hlmv.exe"), std::filesystem::perms::owner_read);
+  EXPECT_THAT(cause(), HasSubstr("ermission"));
+  // A Windows program for 32-bit processors, where no Wine is to be had.
+  std::string program(128, '\0');
+  program.replace(0, 2, "MZ");
+  program[0x3C] = 0x40;
+  program.replace(0x40, 6, std::string("PE\0\0\x4C\x01", 6));
+  std::filesystem::remove(m_folder.Path("hlmv.exe"));
+  tests::WriteText(m_folder.Path("hlmv.exe"), program);
+  m_settings.Values["Tarnwick/Wine Program"] = "/no/wine";
+  EXPECT_THAT(cause(), HasSubstr("/no/wine"));
 }
 
 TEST_F(ModelPages, CompileAReadyMadeScript) {

@@ -1,6 +1,7 @@
 #include "app/about_dlg.h"
 #include "app/game_config_dialog.h"
 #include "app/game_directory_help_dialog.h"
+#include "app/help_window.h"
 #include "app/kilndesk_dlg.h"
 #include "core/settings_table.h"
 #include "pages/collision_help_dialog.h"
@@ -71,6 +72,12 @@ std::vector<Subject> ShellSubjects() {
        [](Stage& stage) { return Created(std::make_unique<app::CGameDirectoryHelpDialog>(stage.Desktop, nullptr)); }},
       {"collision-help",
        [](Stage& stage) { return Created(std::make_unique<pages::CCollisionHelpDialog>(stage.Desktop, nullptr)); }},
+      {"help",
+       [](Stage& stage) {
+         auto help = std::make_unique<app::CHelpWindow>(stage.Desktop, nullptr, [] {});
+         help->ShowAt("Compiling models");
+         return help;
+       }},
       {"about", [](Stage& stage) { return Created(std::make_unique<app::CAboutDlg>(stage.Desktop, nullptr)); }},
   };
 }

@@ -31,6 +31,10 @@ class MaterialCompileTest : public ::testing::Test {
       log += (alpha ? "merged " : "converted ") + source + "\r\n";
       return source == "bad.png" ? std::string() : directory + "/" + source + ".tga";
     };
+    calls.OnWarning = [this](const std::string& warning) {
+      m_warnings.push_back(warning);
+      return std::string();
+    };
     calls.OnToolStart = [this](const std::string& line) { m_started = line; };
     return RunVtex(job, index, m_folder.Path(), "G:", calls);
   }
@@ -38,6 +42,7 @@ class MaterialCompileTest : public ::testing::Test {
   tests::ScratchFolder m_folder;
   tests::RecordingReport m_report;
   std::vector<std::string> m_conversions;
+  std::vector<std::string> m_warnings;
   std::string m_started;  // the tool's command line
 };
 
@@ -57,9 +62,16 @@ TEST_F(MaterialCompileTest, ConvertsAnImageAndRunsTheToolOnIt) {
                            " -nopause -shader VertexLitGeneric -vmtparam $model 1 \"" + destination + "/a.png.tga\"";
   EXPECT_EQ(m_started, line);
   EXPECT_THAT(result.Log, ::testing::StartsWith("converted a.png\r\n" + line + "\r\n"));
-  // A conversion that failed is told by the conversion; the tool gets what there is.
-  EXPECT_THAT(Run(Job(), 1).Run.CommandLine, ::testing::EndsWith(" \"\""));
+  EXPECT_THAT(m_warnings, ElementsAre(::testing::HasSubstr(destination + "/a.png.tga"), ::testing::HasSubstr("G:")))
+      << "what the checks before the run found";
   EXPECT_THAT(m_report.Boxes, IsEmpty());
+}
+
+TEST_F(MaterialCompileTest, StartsNoToolOnAnImageThatCouldNotBeConverted) {
+  InstallTool();
+  const MaterialResult result = Run(Job(), 1);
+  EXPECT_EQ(m_started, "");
+  EXPECT_EQ(result.Log, "converted bad.png\r\n");
 }
 
 TEST_F(MaterialCompileTest, PutsEachMapWhereItsCheckBoxesSay) {

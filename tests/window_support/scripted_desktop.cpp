@@ -6,6 +6,7 @@ using platform::BoxAnswer;
 using platform::BoxButtons;
 
 BoxAnswer ScriptedDesktop::ShowBox(QWidget*, const platform::MessageBoxRequest& request) {
+  LastBox = request;
   Boxes.push_back({request.Icon, request.Text, request.Caption, request.Buttons});
   if (BoxAnswers.empty()) {
     return request.Buttons == BoxButtons::Ok || request.Buttons == BoxButtons::OkCancel ? BoxAnswer::Ok
@@ -53,9 +54,9 @@ bool ScriptedDesktop::Open(const std::string& addressOrPath) {
   return OpenSucceeds;
 }
 
-bool ScriptedDesktop::Edit(const std::string& path) {
+platform::EditStart ScriptedDesktop::Edit(const std::string& path) {
   Opened.push_back(path);
-  return OpenSucceeds;
+  return EditEndsAs;
 }
 
 }  // namespace tarnwick::tests

@@ -28,15 +28,17 @@ class ScriptedDesktop : public platform::Desktop {
   std::optional<std::string> ChooseFolder(QWidget* owner, const std::string& title,
                                           const std::string& startDirectory) override;
   bool Open(const std::string& addressOrPath) override;
-  bool Edit(const std::string& path) override;
+  platform::EditStart Edit(const std::string& path) override;
 
   // Answers, used up from the front.
   std::deque<platform::BoxAnswer> BoxAnswers;
   std::deque<std::string> Choices;  // for choosers of every kind; "" cancels
-  bool OpenSucceeds = true;         // for Open and Edit
+  bool OpenSucceeds = true;
+  platform::EditStart EditEndsAs = platform::EditStart::Begun;
 
   // What was asked.
   std::vector<ShownBox> Boxes;
+  platform::MessageBoxRequest LastBox;  // the last of them, with all that it holds
   std::vector<platform::FileRequest> FileRequests;
   std::vector<std::pair<std::string, std::string>> FolderRequests;  // title and start directory
   std::vector<std::string> Opened;                                  // addresses and paths, also of Edit
