@@ -33,8 +33,13 @@ void CLogView::Append(std::string_view text) {
   SeeWhetherTheUserScrolled();
   QTextCursor end(document());
   end.movePosition(QTextCursor::End);
-  end.insertText(LastLines(added, KeptLines).toString());
+  end.insertText(LastLines(added, m_keptLines).toString());
   KeepEndInSight();
+}
+
+void CLogView::KeepLines(int count) {
+  m_keptLines = count;
+  setMaximumBlockCount(count);
 }
 
 void CLogView::Clear() {

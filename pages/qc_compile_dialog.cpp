@@ -22,7 +22,7 @@ CQCCompileDialog::CQCCompileDialog(const PageContext& context, QWidget* parent)
   m_ui->setupUi(this);
   m_runner =
       std::make_unique<ToolRunner>(*this, ToolRunControls{m_ui->progressBar, m_ui->stopButton, m_ui->copyCommandButton,
-                                                          m_ui->wholeLogButton, m_ui->inputs});
+                                                          m_ui->wholeLogButton, m_ui->verdictLabel, m_ui->inputs});
   connect(m_ui->browseButton, &QAbstractButton::clicked, this, &CQCCompileDialog::OnBrowse);
   connect(m_ui->editButton, &QAbstractButton::clicked, this, &CQCCompileDialog::OnEdit);
   connect(m_ui->compileButton, &QAbstractButton::clicked, this, &CQCCompileDialog::OnCompile);

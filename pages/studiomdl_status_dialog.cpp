@@ -19,7 +19,7 @@ void CStudioMDLStatusDialog::Clear() {
 }
 
 ToolRunControls CStudioMDLStatusDialog::Controls() const {
-  return {m_ui->progressBar, m_ui->stopButton, m_ui->copyCommandButton, m_ui->wholeLogButton};
+  return {m_ui->progressBar, m_ui->stopButton, m_ui->copyCommandButton, m_ui->wholeLogButton, m_ui->verdictLabel};
 }
 
 }  // namespace tarnwick::pages

@@ -3,11 +3,13 @@
 #include <QAbstractButton>
 #include <QClipboard>
 #include <QGuiApplication>
+#include <QLabel>
 #include <QProgressBar>
 #include <algorithm>
 #include <utility>
 #include <variant>
 
+#include "pages/compile_verdict.h"
 #include "pages/whole_log_dialog.h"
 #include "platform/dialog.h"
 #include "platform/text.h"
@@ -27,7 +29,10 @@ ToolRunner::ToolRunner(platform::CDialog& page, const ToolRunControls& controls)
 void ToolRunner::Start(const jobs::CompileModels& job, tools::PageLog& log, Done done) {
   if (IsRunning()) return;
   m_shellLine = tools::ShellLine(jobs::CommandOf(job, job.Inputs.front()), job.Start);
+  m_gameDirectory = job.GameDirectory;
+  m_firstError.clear();
   m_wholeLog = tools::WholeLog();
+  m_controls.Verdict->hide();
   m_wrapper.emplace(tools::RuleOf(job.Shown));
   m_log = &log;
   m_done = std::move(done);
@@ -39,7 +44,7 @@ void ToolRunner::Start(const jobs::CompileModels& job, tools::PageLog& log, Done
                .OnEvent = [this](const jobs::Event& event) { Show(event); }});
   m_controls.StopButton->setEnabled(true);
   m_controls.CopyCommandButton->setEnabled(true);
-  m_controls.WholeLogButton->setEnabled(false);
+  m_controls.WholeLogButton->setEnabled(true);
 }
 
 void ToolRunner::Show(const jobs::Event& event) {
@@ -54,7 +59,11 @@ void ToolRunner::Show(const jobs::Event& event) {
 void ToolRunner::OnLine(const jobs::Line& line) {
   if (line.Source == jobs::LineSource::Command) ToLog(line.Text);
   if (line.Source != jobs::LineSource::Tool) return;
+  if (line.Kind == tools::LineKind::Error && m_firstError.empty()) {
+    m_firstError = line.Text.substr(0, line.Text.find_last_not_of("\r\n") + 1);
+  }
   m_wholeLog.Append(line.Text);
+  if (m_shownLog) m_shownLog->Grow(line.Text);
   ToLog(m_wrapper->Wrap(line.Text));
 }
 
@@ -65,8 +74,13 @@ void ToolRunner::ToLog(std::string_view text) {
 
 void ToolRunner::OnEnd(const jobs::ItemResult& result) {
   ToLog(std::string_view(result.Shown).substr(std::min(m_logged, result.Shown.size())));
+  ToLog(VerdictLines(result, m_gameDirectory));
+  std::string verdict = CompileVerdict(result, m_gameDirectory);
+  const core::Trouble* error = result.First(core::Severity::Error);
+  if (error != nullptr) verdict += "\nThe first error: " + error->Text;
+  m_controls.Verdict->setText(platform::ToQt(verdict));
+  m_controls.Verdict->show();
   m_controls.StopButton->setEnabled(false);
-  m_controls.WholeLogButton->setEnabled(true);
   if (m_done) m_done(result);
 }
 
@@ -75,7 +89,10 @@ void ToolRunner::OnCopyCommand() {
 }
 
 void ToolRunner::OnWholeLog() {
-  CWholeLogDialog(m_page.DesktopSeam(), m_controls.WholeLogButton->window(), m_shellLine, m_wholeLog).DoModal();
+  CWholeLogDialog dialog(m_page.DesktopSeam(), m_controls.WholeLogButton->window(), m_shellLine, m_wholeLog,
+                         m_firstError);
+  m_shownLog = &dialog;
+  dialog.DoModal();
 }
 
 }  // namespace tarnwick::pages

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QPointer>
 #include <functional>
 #include <optional>
 #include <string>
@@ -12,9 +13,12 @@
 #include "tools/whole_log.h"
 
 class QAbstractButton;
+class QLabel;
 class QProgressBar;
 
 namespace tarnwick::pages {
+
+class CWholeLogDialog;
 
 /// The controls in which a run of a tool is seen and steered.
 struct ToolRunControls {
@@ -22,11 +26,12 @@ struct ToolRunControls {
   QAbstractButton* StopButton;
   QAbstractButton* CopyCommandButton;
   QAbstractButton* WholeLogButton;
+  QLabel* Verdict;            // says in the end what became of the model
   QWidget* Inputs = nullptr;  // what cannot be used during a run; null for the whole page
 };
 
 /// Compiles a model for a page: the tool's text goes to a log as it comes, wrapped as the job's rule says, and the run
-/// can be stopped. One run at a time for each runner.
+/// can be stopped. Its verdict stands behind the text and in a label. One run at a time for each runner.
 class ToolRunner : public QObject {
   Q_OBJECT
 
@@ -55,7 +60,10 @@ class ToolRunner : public QObject {
   platform::CDialog& m_page;
   ToolRunControls m_controls;
   std::string m_shellLine;  // of the last run
+  std::string m_gameDirectory;
+  std::string m_firstError;  // the line of the tool
   tools::WholeLog m_wholeLog;
+  QPointer<CWholeLogDialog> m_shownLog;  // while it is open
   std::optional<tools::OutputWrapper> m_wrapper;
   tools::PageLog* m_log = nullptr;
   Done m_done;

@@ -264,8 +264,10 @@ TEST_F(MainDialog, EnterPressesExtractWhateverWasPressedBefore) {
 
 TEST_F(MainDialog, HelpShowsItsOwnDocumentAtThePartAboutTheTab) {
   Open();
+  m_dialog->activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(m_dialog.get()));
   Tabs().setCurrentIndex(3);
-  QTest::keyClick(m_dialog.get(), Qt::Key_F1);
+  QTest::keyClick(m_dialog->focusWidget(), Qt::Key_F1);
   auto* help = m_dialog->findChild<CHelpWindow*>();
   ASSERT_TRUE(help != nullptr && help->isVisible());
   auto& view = ControlOf<CDocumentView>(*help, "documentView");

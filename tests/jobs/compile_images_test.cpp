@@ -82,6 +82,17 @@ TEST_F(CompileImagesTest, JudgesByWhatTheToolWrote) {
   EXPECT_EQ(result.Items[0].First(Severity::Error)->Kind, TroubleKind::Tool);
 }
 
+TEST_F(CompileImagesTest, TellsWhatTheChecksBeforeTheToolFound) {
+  const JobResult result = jobs::Run(Job({Image("a.tga")}), m_host, {});
+  EXPECT_TRUE(result.Succeeded());
+  ASSERT_NE(result.Items[0].First(Severity::Warning), nullptr);
+  EXPECT_THAT(result.Items[0].First(Severity::Warning)->Text,
+              AllOf(testing::StartsWith("there is no gameinfo.txt in"), HasSubstr(m_folder.Path("game"))));
+  EXPECT_THAT(m_host.Text(LineSource::Log), HasSubstr("Warning: there is no gameinfo.txt in"));
+  EXPECT_THAT(result.Items[0].Shown, HasSubstr("Warning: there is no gameinfo.txt in"));
+  EXPECT_EQ(result.Items[0].Notes, "");
+}
+
 TEST_F(CompileImagesTest, TakesADamagedImageOnlyWhereThatIsWanted) {
   const std::string image = Image("a.tga");
   tests::WriteText(image, tests::ReadText(image).substr(0, 200));

@@ -85,7 +85,7 @@ TEST_F(MaterialCompilePage, GoesThroughTheListPastAnImageThatIsNone) {
   Compile();
   EXPECT_THAT(m_desktop.Boxes, ElementsAre(ShownBox{BoxIcon::Stop,
                                                     "Unable to create TGA file " + m_folder.Path("game") +
-                                                        "\\materialsrc\\models\\props/bad.tga\n",
+                                                        "/materialsrc/models/props/bad.tga\n",
                                                     "TGA Error"}));
   EXPECT_TRUE(std::filesystem::exists(m_folder.Path("game/materials/models/props/good.vmt")));
   EXPECT_EQ(State(), "1 of 2 compiled, 1 failed");

@@ -5,10 +5,13 @@
 #include <QClipboard>
 #include <QElapsedTimer>
 #include <QGuiApplication>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QTextBlock>
 #include <QTimer>
 #include <algorithm>
+#include <chrono>
 #include <filesystem>
 
 #include "model_page.h"
@@ -69,7 +72,7 @@ TEST_F(ModelPages, ShowARunInColoursCopyItsCommandAndKeepItWhole) {
        "echo 'WARNING: thin'\necho 'ERROR: gone'\necho 'Working on \"error.smd\"'\nyes 0123456789 | head -n 7000\n");
   const auto page = OpenCrate();
   auto& status = *page->findChild<CStudioMDLStatusDialog*>();
-  EXPECT_FALSE(ControlOf<QPushButton>(status, "wholeLogButton").isEnabled());
+  EXPECT_FALSE(ControlOf<QPushButton>(status, "wholeLogButton").isEnabled()) << "nothing has been run";
   Click(*page, "compileButton");
   ASSERT_TRUE(tests::WaitUntil([&] { return page->isEnabled(); }));
   auto& output = ControlOf<CToolOutput>(status, "outputEdit");
@@ -98,6 +101,71 @@ TEST_F(ModelPages, ShowARunInColoursCopyItsCommandAndKeepItWhole) {
   EXPECT_THAT(tests::ReadText(m_folder.Path("log.txt")), AllOf(StartsWith(command), EndsWith("\n0123456789\n")));
   ASSERT_EQ(m_desktop.Boxes.size(), 1u);
   EXPECT_THAT(m_desktop.Boxes.front().Text, StartsWith("Unable to write " + m_folder.Path("no such folder/log.txt: ")));
+}
+
+TEST_F(ModelPages, TheVerdictTellsWhatTheRunLeft) {
+  const std::string model = m_folder.Path("game/models/props/crate.mdl");
+  std::filesystem::create_directories(m_folder.Path("game/models/props"));
+  tests::WriteText(m_folder.Path("game/gameinfo.txt"), "");
+  tests::WriteText(m_folder.Path("crate.smd"), "");
+  const auto page = OpenCrate();
+  auto& status = *page->findChild<CStudioMDLStatusDialog*>();
+  const auto& verdict = ControlOf<QLabel>(status, "verdictLabel");
+  const auto run = [&](const std::string& commands) {
+    Tool("studiomdl.exe", commands);
+    m_settings.Values["Tarnwick/GameDirectory"] = m_folder.Path("game/");
+    Click(*page, "compileButton");
+    EXPECT_FALSE(verdict.isVisible()) << "none before the end";
+    EXPECT_TRUE(tests::WaitUntil([&] { return page->isEnabled(); }));
+    EXPECT_TRUE(verdict.isVisible());
+    return verdict.text().toStdString();
+  };
+  EXPECT_EQ(run("echo model > '" + model + "'\necho 'WARNING: thin'\n"),
+            "props/crate.mdl was written (6 bytes); no errors, 1 warning");
+  using namespace std::chrono_literals;
+  std::filesystem::last_write_time(model, std::filesystem::file_time_type::clock::now() - 73h);
+  const std::string failed = "props/crate.mdl was not written, the file there is 3 days old; 2 errors, no warnings";
+  EXPECT_EQ(run("yes 0123456789 | head -n 7000\necho 'ERROR: gone'\necho 'ERROR: more'\n"),
+            failed + "\nThe first error: ERROR: gone");
+  EXPECT_THAT(status.Text(), EndsWith("[" + failed + "]\r\n[The first error: ERROR: gone]\r\n"))
+      << "also behind a text that stops at its limit";
+  std::filesystem::remove(model);
+  EXPECT_THAT(run("kill -SEGV $$\n"),
+              AllOf(StartsWith("props/crate.mdl was not written, and there is none; "), HasSubstr("crashed")));
+}
+
+TEST_F(ModelPages, TheWholeLogOpensDuringARunAtItsFirstError) {
+  Tool("studiomdl.exe",
+       "yes 'all is well' | head -n 300\necho 'ERROR: the first'\nyes 'all is well' | head -n 300\n"
+       "echo 'ERROR: the second'\nwhile [ ! -e \"$0.go\" ]; do sleep 0.05; done\necho 'the end'\n");
+  const auto page = OpenCrate();
+  auto& status = *page->findChild<CStudioMDLStatusDialog*>();
+  Click(*page, "compileButton");
+  ASSERT_TRUE(tests::WaitUntil([&] { return status.Text().find("the second") != std::string::npos; }));
+  EXPECT_FALSE(page->isEnabled()) << "it still runs";
+  tests::WhenModalOpens([&](QWidget& dialog) {
+    auto& output = ControlOf<CToolOutput>(dialog, "outputEdit");
+    EXPECT_EQ(output.textCursor().block().text(), "ERROR: the first");
+    const int top = output.cursorForPosition(QPoint(0, 0)).blockNumber();
+    EXPECT_GT(top, 200) << "in sight";
+    tests::WriteText(m_folder.Path("studiomdl.exe.go"), "");
+    EXPECT_TRUE(tests::WaitUntil([&] { return output.toPlainText().contains("the end"); })) << "it grows";
+    Click(dialog, "okButton");
+  });
+  Click(status, "wholeLogButton");
+  ASSERT_TRUE(tests::WaitUntil([&] { return page->isEnabled(); }));
+}
+
+TEST_F(ModelPages, TellWhatWorksWithoutAnSdk) {
+  const auto page = OpenCrate();
+  for (const char* sdk : {"", "/no/sdk"}) {
+    m_settings.Values["Tarnwick/SDKDirectory"] = sdk;
+    Click(*page, "compileButton");
+    EXPECT_THAT(m_desktop.LastBox.Text, StartsWith("Command " + std::string(sdk) + "/studiomdl.exe not found.\r\n"));
+    EXPECT_THAT(m_desktop.LastBox.Details,
+                AllOf(HasSubstr(*sdk == 0 ? "No directory of the SDK is set" : "set to /no/sdk"),
+                      HasSubstr("Without it the rest works"), HasSubstr("\"Configure\"")));
+  }
 }
 
 TEST_F(ModelPages, LiveOnWhileAToolPrintsTenMegabytes) {

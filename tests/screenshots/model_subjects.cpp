@@ -1,4 +1,5 @@
 #include <QAbstractButton>
+#include <QLabel>
 
 #include "app/kilndesk_dlg.h"
 #include "core/settings_table.h"
@@ -40,6 +41,11 @@ std::unique_ptr<QWidget> FinishedRun(Stage& stage) {
   status->Log().AppendPageLog(
       "/home/ada/sdk/bin/studiomdl.exe -game \"/home/ada/mod\" \"/home/ada/crate/crate.qc\"\r\n"
       "Working on \"crate.qc\"\r\nWARNING: bone pelvis is not used\r\nERROR: could not load file spin.smd\r\n");
+  auto* verdict = status->findChild<QLabel*>("verdictLabel");
+  verdict->setText(
+      "props/crate.mdl was not written, the file there is 3 days old; 1 error, 1 warning\n"
+      "The first error: ERROR: could not load file spin.smd");
+  verdict->show();
   return status;
 }
 
@@ -47,9 +53,11 @@ std::unique_ptr<QWidget> WholeLog(Stage& stage) {
   tools::WholeLog log;
   log.Append("Working on \"crate.qc\"\r\nSMD MODEL crate.smd\r\nWARNING: bone pelvis is not used\r\n");
   for (int i = 1; i <= 40; ++i) log.Append("Processing material " + std::to_string(i) + " of 40\r\n");
-  return std::make_unique<pages::CWholeLogDialog>(
+  auto dialog = std::make_unique<pages::CWholeLogDialog>(
       stage.Desktop, nullptr, "/home/ada/sdk/bin/studiomdl.exe -game \"/home/ada/mod\" \"/home/ada/crate/crate.qc\"",
       log);
+  dialog->Create();
+  return dialog;
 }
 
 tests::CrateProject& Crate() {
