@@ -55,10 +55,18 @@ CKilndeskDlg::CKilndeskDlg(core::AppSettings& settings, platform::Desktop& deskt
   connect(m_ui->gameDirectoryHelpButton, &QAbstractButton::clicked, this, &CKilndeskDlg::OnGameDirectoryHelp);
   connect(&m_materialPage, &pages::CMatDialog::MaterialDirectoryChanged, &m_modelPage,
           &pages::CMDLSelDialog::SetMaterialDirectory);
+  // Ctrl-Tab belongs to the inner tabs while the focus is there.
+  connect(new QShortcut(QKeySequence("Ctrl+PgDown"), this), &QShortcut::activated, this, [this] { TurnTo(1); });
+  connect(new QShortcut(QKeySequence("Ctrl+PgUp"), this), &QShortcut::activated, this, [this] { TurnTo(-1); });
   connect(new QShortcut(QKeySequence::HelpContents, this), &QShortcut::activated, this, &CKilndeskDlg::OnHelp);
 }
 
 CKilndeskDlg::~CKilndeskDlg() = default;
+
+void CKilndeskDlg::TurnTo(int step) {
+  const int count = m_ui->tabs->count();
+  m_ui->tabs->setCurrentIndex((m_ui->tabs->currentIndex() + count + step) % count);
+}
 
 void CKilndeskDlg::OnInitDialog() {
   CDialog::OnInitDialog();

@@ -51,6 +51,7 @@ class CKilndeskDlg : public platform::CDialog {
   static constexpr int PageCount = 4;
 
   void AddPage(pages::CPage& page, const char* tabText);
+  void TurnTo(int step);
   void OnAbout();
   void OnConfigure();
   void OnGameDirectoryHelp();
@@ -72,7 +73,7 @@ class CKilndeskDlg : public platform::CDialog {
   pages::CVTFDialog m_texturePage;
   std::array<pages::CPage*, PageCount> m_pages;  // by tab
   std::vector<std::string> m_startFiles;
-  std::unique_ptr<CHelpWindow> m_help;           // once it has been wanted
+  std::unique_ptr<CHelpWindow> m_help;  // once it has been wanted
   QByteArray m_startGeometry;
 };
 

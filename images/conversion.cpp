@@ -19,8 +19,13 @@ namespace {
 
 constexpr std::string_view FailureCaption = "TGA Error";
 
+/// `path` with separators of one kind, for a person to read.
+std::string ShownPath(const std::string& path) {
+  return core::PathText(core::NativePath(path));
+}
+
 std::string FailureText(const std::string& destination) {
-  return "Unable to create TGA file " + destination + "\n";
+  return "Unable to create TGA file " + ShownPath(destination) + "\n";
 }
 
 /// Appends "Converting <name> from " and what becomes of what. A format that has no word leaves the line open; the
@@ -125,7 +130,7 @@ bool Convert(WorkerRequest request, const std::string& destination, bool lineOpe
     if (!answer.Done) kind = answer.Damaged ? core::TroubleKind::Damaged : core::TroubleKind::Unreadable;
     reason = answer.Done ? output->Error() : answer.Reason;
   } else {
-    reason = destination + " cannot be created: " + reason;
+    reason = ShownPath(destination) + " cannot be created: " + reason;
   }
   ReportFailure(kind, request.Source, destination, reason, lineOpen, context.Report);
   return false;

@@ -4,15 +4,32 @@
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QDropEvent>
+#include <QGroupBox>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QTimer>
 
 #include "platform/dropped_files.h"
 #include "platform/tab_order.h"
 #include "platform/window_placing.h"
 
 namespace tarnwick::platform {
+
+namespace {
+
+/// The letter of a group box leads to the group's first field; Qt goes to what had the focus in the group last, which
+/// may be the button beside the field. False if `watched` is no such box.
+bool FocusGroup(QObject* watched) {
+  auto* group = qobject_cast<QGroupBox*>(watched);
+  QWidget* field = group == nullptr || group->isCheckable() ? nullptr : FirstField(*group);
+  if (field == nullptr) return false;
+  field->setFocus(Qt::ShortcutFocusReason);
+  BringIntoSight(*field);
+  return true;
+}
+
+}  // namespace
 
 CDialog::CDialog(Desktop& desktop, QWidget* parent, Style style) : QDialog(parent), m_desktop(desktop), m_style(style) {
   if (style == Style::Page) setWindowFlags(Qt::Widget);
@@ -77,6 +94,7 @@ void CDialog::OnCancel() {
 
 bool CDialog::eventFilter(QObject* watched, QEvent* event) {
   const QEvent::Type type = event->type();
+  if (type == QEvent::Shortcut) return FocusGroup(watched);
   if (type != QEvent::DragEnter && type != QEvent::DragMove && type != QEvent::Drop) {
     return QDialog::eventFilter(watched, event);
   }
@@ -121,6 +139,9 @@ void CDialog::Prepare() {
     if (CDialog::Of(button) != this) continue;
     if (button->isDefault() && m_mainButton == nullptr) m_mainButton = button;
     button->setAutoDefault(false);
+  }
+  for (QGroupBox* group : findChildren<QGroupBox*>()) {
+    if (CDialog::Of(group) == this) group->installEventFilter(this);
   }
   for (const QDialogButtonBox* box : findChildren<QDialogButtonBox*>()) {
     if (m_mainButton != nullptr || CDialog::Of(box) != this) continue;
@@ -175,6 +196,12 @@ void CDialog::showEvent(QShowEvent* event) {
   FitOnScreen(*this);
   QDialog::showEvent(event);
   KeepOnScreen(*this);
+  // Some systems give a window its frame only once it is on the screen.
+  for (const int milliseconds : {50, 300}) {
+    QTimer::singleShot(milliseconds, this, [this] {
+      if (isVisible() && !isMinimized()) KeepOnScreen(*this);
+    });
+  }
   QWidget* first = FirstField(*this);
   if (first == nullptr) first = m_mainButton;
   if (first != nullptr && !event->spontaneous()) first->setFocus(Qt::TabFocusReason);

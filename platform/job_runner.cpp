@@ -75,7 +75,8 @@ class WorkerReport : public JobReport {
 struct JobRunner::Job {
   WorkerReport Report;
   std::atomic<bool> Ended = false;
-  std::jthread Thread;  // last, so that it ends before what it uses
+  QPointer<QWidget> FocusMeanwhile;  // to which the focus has gone from what cannot have it now
+  std::jthread Thread;               // last, so that it ends before what it uses
 };
 
 JobRunner::JobRunner(CDialog& page) : QObject(&page), m_page(page) {}
@@ -98,12 +99,14 @@ bool JobRunner::Start(Work work, JobView view) {
   m_focus = QApplication::focusWidget();
   if (m_view.Disabled == nullptr) m_view.Disabled = &m_page;
   m_view.Disabled->setEnabled(false);
+  const QPointer<QWidget> focusMeanwhile = m_page.window()->focusWidget();
   qApp->installEventFilter(this);  // a disabled button keeps a click from the page
   // A page's status windows are disabled with it; they are what the user looks at meanwhile.
   for (QWidget* child : m_view.Disabled->findChildren<QWidget*>()) {
     if (child->isWindow()) child->setEnabled(true);
   }
   m_job = std::make_unique<Job>();
+  m_job->FocusMeanwhile = focusMeanwhile;
   m_job->Thread = std::jthread([job = m_job.get(), work = std::move(work)](const std::stop_token& stop) {
     try {
       work(job->Report, stop);
@@ -153,7 +156,10 @@ void JobRunner::ShowWaitingBox() {
   if (!box) return;
   m_showingBox = true;
   const QPointer<JobRunner> alive(this);
-  const BoxAnswer answer = m_page.DesktopSeam().ShowBox(&m_page, *box);
+  // Over the window that the user looks at, which has the focus again when the box is closed.
+  QWidget* status = m_view.Bar != nullptr ? m_view.Bar->window() : nullptr;
+  QWidget* owner = status != nullptr && status->isVisible() ? status : &m_page;
+  const BoxAnswer answer = m_page.DesktopSeam().ShowBox(owner, *box);
   if (!alive) return;
   m_showingBox = false;
   m_job->Report.AnswerBox(answer);
@@ -161,10 +167,12 @@ void JobRunner::ShowWaitingBox() {
 
 void JobRunner::Finish() {
   killTimer(m_timer);
+  const QWidget* focusNow = m_page.window()->focusWidget();
+  const bool userMovedIt = focusNow != nullptr && focusNow != m_job->FocusMeanwhile;
   m_job.reset();
   qApp->removeEventFilter(this);
   m_view.Disabled->setEnabled(true);
-  if (m_focus && QApplication::focusWidget() == nullptr) m_focus->setFocus();
+  if (m_focus && m_focus->window() == m_page.window() && !userMovedIt) m_focus->setFocus();
   if (m_view.Bar != nullptr) m_view.Bar->setValue(100);
   const JobView view = std::exchange(m_view, {});
   if (view.Done) view.Done();

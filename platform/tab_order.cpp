@@ -69,7 +69,14 @@ bool MoveFocus(QWidget& window, bool next) {
   const size_t step = next ? 1 : order.size() - 1;
   QWidget* target = order[(static_cast<size_t>(place - order.begin()) + step) % order.size()];
   target->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+  BringIntoSight(*target);
   return true;
+}
+
+void BringIntoSight(QWidget& control) {
+  for (QWidget* outer = control.parentWidget(); outer != nullptr; outer = outer->parentWidget()) {
+    if (auto* area = qobject_cast<QScrollArea*>(outer)) area->ensureWidgetVisible(&control);
+  }
 }
 
 QWidget* FirstField(QWidget& window) {

@@ -9,6 +9,9 @@ namespace tarnwick::platform {
 /// through the page of a tab control behind its tabs. False, and nothing done, if there is none.
 bool MoveFocus(QWidget& window, bool next);
 
+/// Scrolls what `control` stands in so that it can be seen.
+void BringIntoSight(QWidget& control);
+
 /// The first field of `window` in its tab order that a user can fill: a line or box to type into, a list to choose
 /// from, a box to tick. Null if there is none.
 QWidget* FirstField(QWidget& window);

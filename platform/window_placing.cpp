@@ -11,12 +11,21 @@ namespace tarnwick::platform {
 
 namespace {
 
-/// What the frame of `window` takes: as it is, or, before the system has made one, about as much as frames do.
-QSize FrameSize(const QWidget& window) {
-  const QSize frame = window.frameGeometry().size() - window.geometry().size();
-  if (frame.height() > 0) return frame;
+bool FrameIsKnown(const QWidget& window) {
+  return window.frameGeometry() != window.geometry();
+}
+
+/// What the frame of `window` takes on each side: as it is, or, before the system has made one, about as much as frames
+/// do.
+QMargins FrameOf(const QWidget& window) {
+  const QRect frame = window.frameGeometry();
+  const QRect client = window.geometry();
+  if (FrameIsKnown(window)) {
+    return {client.left() - frame.left(), client.top() - frame.top(), frame.right() - client.right(),
+            frame.bottom() - client.bottom()};
+  }
   const int title = window.style()->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, &window);
-  return {8, title + 8};
+  return {4, title + 4, 4, 4};
 }
 
 /// Puts all that stands in `window` into an area that scrolls.
@@ -37,7 +46,7 @@ void ScrollContents(QWidget& window) {
 
 void FitOnScreen(QWidget& window) {
   if (window.screen() == nullptr) return;
-  const QSize room = window.screen()->availableGeometry().size() - FrameSize(window);
+  const QSize room = window.screen()->availableGeometry().marginsRemoved(FrameOf(window)).size();
   const QSize least = window.minimumSizeHint().expandedTo(window.minimumSize());
   if (window.layout() != nullptr && (least.width() > room.width() || least.height() > room.height())) {
     ScrollContents(window);
@@ -45,14 +54,20 @@ void FitOnScreen(QWidget& window) {
   window.resize(window.size().boundedTo(room));
 }
 
+QPoint PlaceInRoom(const QRect& client, const QMargins& frame, const QRect& room) {
+  const QRect free = room.marginsRemoved(frame);
+  return {std::max(free.left(), std::min(client.left(), free.right() + 1 - client.width())),
+          std::max(free.top(), std::min(client.top(), free.bottom() + 1 - client.height()))};
+}
+
 void KeepOnScreen(QWidget& window) {
   if (window.screen() == nullptr) return;
-  const QRect room = window.screen()->availableGeometry();
-  const QSize size = window.geometry().size() + FrameSize(window);
-  const QPoint place = window.pos();  // of the frame
-  const int left = std::max(room.left(), std::min(place.x(), room.right() + 1 - size.width()));
-  const int top = std::max(room.top(), std::min(place.y(), room.bottom() + 1 - size.height()));
-  if (QPoint(left, top) != place) window.move(left, top);
+  const QMargins frame = FrameOf(window);
+  const QPoint client = window.geometry().topLeft();
+  const QPoint place = PlaceInRoom(window.geometry(), frame, window.screen()->availableGeometry());
+  if (place == client) return;
+  // A window is moved by its frame; as long as it has none the system takes the point for that of its contents.
+  window.move(FrameIsKnown(window) ? place - QPoint(frame.left(), frame.top()) : place);
 }
 
 void CenterOver(const QWidget& reference, QWidget& window) {

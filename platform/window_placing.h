@@ -1,5 +1,9 @@
 #pragma once
 
+#include <QMargins>
+#include <QPoint>
+#include <QRect>
+
 class QWidget;
 
 namespace tarnwick::platform {
@@ -11,6 +15,10 @@ void CenterOver(const QWidget& reference, QWidget& window);
 /// Makes `window` no larger than the free part of its screen, its frame included. What then does not fit into it is
 /// scrolled. Called before the window is shown for the first time.
 void FitOnScreen(QWidget& window);
+
+/// Where the contents of a window, now at `client`, stand so that they lie in `room` with a frame of that width; a
+/// window that is too large has its title bar in the room.
+QPoint PlaceInRoom(const QRect& client, const QMargins& frame, const QRect& room);
 
 /// Moves `window` so that all of it, its title bar above all, lies on the free part of its screen.
 void KeepOnScreen(QWidget& window);

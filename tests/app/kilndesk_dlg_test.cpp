@@ -262,6 +262,22 @@ TEST_F(MainDialog, EnterPressesExtractWhateverWasPressedBefore) {
   EXPECT_TRUE(Extracted(*m_dialog));
 }
 
+TEST_F(MainDialog, KeysLeadFromTabToTabAndToTheFieldOfAGroup) {
+  Open();
+  m_dialog->activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(m_dialog.get()));
+  QTest::keyClick(m_dialog->focusWidget(), Qt::Key_PageDown, Qt::ControlModifier);
+  QTest::keyClick(m_dialog->focusWidget(), Qt::Key_PageDown, Qt::ControlModifier);
+  EXPECT_EQ(Tabs().currentIndex(), 2);
+  auto* page = m_dialog->findChild<pages::CDecompilerDialog*>();
+  auto& browse = ControlOf<QPushButton>(*page, "browseModelButton");
+  browse.setFocus();
+  QTest::keyClick(&browse, Qt::Key_M, Qt::AltModifier);
+  EXPECT_EQ(m_dialog->focusWidget(), &ControlOf<QLineEdit>(*page, "modelEdit")) << "not the button beside it";
+  for (int i = 0; i < 3; ++i) QTest::keyClick(m_dialog->focusWidget(), Qt::Key_PageUp, Qt::ControlModifier);
+  EXPECT_EQ(Tabs().currentIndex(), 3) << "round";
+}
+
 TEST_F(MainDialog, HelpShowsItsOwnDocumentAtThePartAboutTheTab) {
   Open();
   m_dialog->activateWindow();

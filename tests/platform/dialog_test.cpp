@@ -7,6 +7,7 @@
 #include <QTest>
 
 #include "platform/dropped_files.h"
+#include "platform/window_placing.h"
 #include "window_support/scripted_desktop.h"
 #include "window_support/window_actions.h"
 
@@ -92,6 +93,16 @@ TEST(Dialog, GetsFilesThatAreDroppedOnAnEditBox) {
   EXPECT_THAT(window.Dropped, ElementsAre("/m/a b.mdl", "/m/ä.mdl"));
   EXPECT_TRUE(window.DropIsOverSecond);
   EXPECT_EQ(window.Second.text(), "") << "the edit box does not take the drop as text";
+}
+
+TEST(WindowPlacing, KeepsTheTitleBarInReach) {
+  const QMargins frame(1, 20, 1, 5);
+  const QRect room(0, 30, 1366, 738);  // below a panel
+  EXPECT_EQ(PlaceInRoom(QRect(300, 0, 740, 700), frame, room), QPoint(300, 50));
+  EXPECT_EQ(PlaceInRoom(QRect(300, 100, 740, 700), frame, room), QPoint(300, 63));
+  EXPECT_EQ(PlaceInRoom(QRect(-50, 60, 100, 100), frame, room), QPoint(1, 60));
+  EXPECT_EQ(PlaceInRoom(QRect(1300, 60, 100, 100), frame, room), QPoint(1265, 60));
+  EXPECT_EQ(PlaceInRoom(QRect(10, 40, 2000, 2000), frame, room), QPoint(1, 50)) << "the title first";
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <QLineEdit>
 #include <QProgressBar>
 #include <QTest>
 #include <memory>
@@ -63,6 +64,26 @@ TEST_F(JobRunnerTest, KeepsTheWindowAliveAndThePageDisabled) {
   EXPECT_EQ(m_done, 1);
   EXPECT_EQ(m_bar.value(), 100);
   EXPECT_TRUE(m_page.isEnabled());
+}
+
+TEST_F(JobRunnerTest, GivesTheFocusBackToTheFieldThatHadIt) {
+  QWidget window;
+  auto* page = new CDialog(m_desktop, &window, CDialog::Style::Page);
+  auto* field = new QLineEdit(page);
+  new QLineEdit(&window);  // gets the focus meanwhile
+  auto* third = new QLineEdit(&window);
+  window.show();
+  window.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+  JobRunner jobs(*page);
+  for (QWidget* chosen : {static_cast<QWidget*>(nullptr), static_cast<QWidget*>(third)}) {
+    field->setFocus();
+    jobs.Start([](core::Report&, const std::stop_token&) {}, {});
+    EXPECT_NE(window.focusWidget(), field) << "the page is disabled";
+    if (chosen != nullptr) chosen->setFocus();
+    ASSERT_TRUE(tests::WaitUntil([&] { return !jobs.IsRunning(); }));
+    EXPECT_EQ(window.focusWidget(), chosen == nullptr ? field : chosen);
+  }
 }
 
 TEST_F(JobRunnerTest, AsksForTheWorkerAndAnswersCancelAtTheEnd) {

@@ -108,6 +108,17 @@ TEST_P(EveryWindow, TabGoesDownTheForm) {
   EXPECT_LE(backward, 2);
 }
 
+TEST_P(EveryWindow, BringsWhatTabComesToIntoSight) {
+  const size_t count = TabStops().size();
+  for (const Qt::Key key : {Qt::Key_Tab, Qt::Key_Backtab}) {
+    for (size_t i = 0; i < count; ++i) {
+      QTest::keyClick(m_window->focusWidget(), key);
+      const QWidget* stop = m_window->focusWidget();
+      EXPECT_FALSE(stop->visibleRegion().isEmpty()) << stop->objectName().toStdString();
+    }
+  }
+}
+
 TEST_P(EveryWindow, GivesEveryButtonWordsOrAPictureWithAName) {
   for (const QPushButton* button : m_window->findChildren<QPushButton*>()) {
     const std::string name = button->objectName().toStdString();
