@@ -1,0 +1,176 @@
+#include <array>
+#include <cstring>
+
+#include "model/animation_check.h"
+#include "model/comparison/compared_tables.h"
+#include "model/comparison/record_fields.h"
+#include "model/pose_player.h"
+
+namespace tarnwick::model {
+
+namespace {
+
+constexpr RecordField AnimationFields[] = {
+    {"frames per second", offsetof(StudioAnimDesc, Fps), 1, TextGrain},
+    {"flags", offsetof(StudioAnimDesc, Flags)},
+    {"number of frames", offsetof(StudioAnimDesc, FrameCount)},
+    {"frames of a section", offsetof(StudioAnimDesc, SectionFrames)},
+};
+constexpr RecordField MovementFields[] = {
+    {"last frame of a movement", offsetof(StudioMovement, LastFrame)},
+    {"axes of a movement", offsetof(StudioMovement, Flags)},
+    {"speeds of a movement", offsetof(StudioMovement, StartSpeed), 2, 1e-3},
+    {"angle of a movement", offsetof(StudioMovement, Angle), 1, 1e-3},
+    {"direction of a movement", offsetof(StudioMovement, Direction), 3, 1e-3},
+    {"end of a movement", offsetof(StudioMovement, Position), 3, 1e-3},
+};
+constexpr RecordField IkRuleFields[] = {
+    {"type of an ik rule", offsetof(StudioIkRule, Type)},
+    {"chain of an ik rule", offsetof(StudioIkRule, Chain)},
+    {"bone of an ik rule", offsetof(StudioIkRule, Bone)},
+    {"slot of an ik rule", offsetof(StudioIkRule, Slot)},
+    {"measures of an ik rule", offsetof(StudioIkRule, Height), 3, 1e-3},
+    {"place of an ik rule", offsetof(StudioIkRule, Position), 3, 1e-3},
+    {"rotation of an ik rule", offsetof(StudioIkRule, Rotation), 4, 1e-3},
+    {"range of an ik rule", offsetof(StudioIkRule, Start), 4, 1e-3},
+    {"contact of an ik rule", offsetof(StudioIkRule, Contact), 1, 1e-3},
+};
+
+using AnimationRecord = core::Record<StudioAnimDesc>;
+
+/// What a bone in a frame costs a reader.
+constexpr int64_t PoseCost = 8;
+
+/// How far two decoded values of a bone lie apart at most where they are one source's: a step of its tracks, or of the
+/// packed forms.
+struct PoseGrain {
+  double Position;
+  double Rotation;  // radians
+};
+
+PoseGrain GrainOf(const StudioBone& a, const StudioBone& b) {
+  // A packed rotation has 15 bits for its coarsest part, a half-float ten.
+  constexpr double PackedRotation = 2e-4;
+  constexpr double Some = 1.01;  // a step, and what floats lose of it
+  const auto largest = [](const Vec3& one, const Vec3& other) {
+    return double{std::max({one.x, one.y, one.z, other.x, other.y, other.z})};
+  };
+  const double turn = largest(a.RotationScale, b.RotationScale);
+  return {Some * largest(a.PositionScale, b.PositionScale), std::max(PackedRotation, Some * turn * std::sqrt(3.0))};
+}
+
+/// The angle between two rotations of unit length, in radians; exact for small ones.
+double AngleBetween(const Quat& a, const Quat& b) {
+  const double sign = double{a.x} * b.x + double{a.y} * b.y + double{a.z} * b.z + double{a.w} * b.w < 0 ? -1 : 1;
+  const double x = a.x - sign * b.x;
+  const double y = a.y - sign * b.y;
+  const double z = a.z - sign * b.z;
+  const double w = a.w - sign * b.w;
+  return 2 * std::sqrt(x * x + y * y + z * z + w * w);
+}
+
+class FrameComparison {
+ public:
+  FrameComparison(const ComparedModels& models, const Skeleton& first, const Skeleton& second)
+      : m_models(models), m_first(first), m_second(second), m_count(std::min(first.Count(), second.Count())) {}
+
+  void Compare(const AnimationRecord& first, const AnimationRecord& second, const std::string& name) {
+    const int32_t frames = std::min(first->FrameCount, second->FrameCount);
+    if (frames <= 0) return;
+    if (!m_models.First.Spend(int64_t{frames} * m_count * PoseCost)) return;
+    const auto a = CheckAnimation(m_models.First, first, name);
+    const auto b = CheckAnimation(m_models.Second, second, name);
+    if (!a || !b) return;
+    PosePlayer one(m_first.Bones, *a);
+    PosePlayer other(m_second.Bones, *b);
+    for (int32_t frame = 0; frame < frames; ++frame) {
+      const bool oneMoved = one.GoTo(frame);
+      const bool otherMoved = other.GoTo(frame);
+      if (!oneMoved && !otherMoved) continue;
+      for (int64_t bone = 0; bone < m_count; ++bone) CompareBone(one, other, bone, frame, name);
+    }
+  }
+
+ private:
+  void CompareBone(const PosePlayer& one, const PosePlayer& other, int64_t bone, int32_t frame,
+                   const std::string& name) {
+    const auto number = static_cast<size_t>(bone);
+    const Vec3& a = one.Positions()[number];
+    const Vec3& b = other.Positions()[number];
+    const Quat& p = one.Rotations()[number];
+    const Quat& q = other.Rotations()[number];
+    const bool moved = std::memcmp(&a, &b, sizeof a) != 0;
+    const bool turned = std::memcmp(&p, &q, sizeof p) != 0;
+    if (!moved && !turned) return;
+    const auto where = [&] {
+      return "animation " + name + ", frame " + std::to_string(frame) + ", " +
+             Place("bone", m_first.Names[number], bone);
+    };
+    const PoseGrain grain = GrainOf(*m_first.Bones[bone], *m_second.Bones[bone]);
+    if (moved) {
+      // A half-float's step grows with the value.
+      const double size = std::max({std::abs(a.x), std::abs(a.y), std::abs(a.z), 1.0f});
+      m_models.Differences.Numbers(ModelTable::Frames, "position", where, std::array{a.x, a.y, a.z},
+                                   std::array{b.x, b.y, b.z}, std::max(grain.Position / size, 0.001));
+    }
+    if (turned) {
+      const double angle = AngleBetween(p, q);
+      if (!(angle > 0)) return;
+      m_models.Differences.Add(
+          ModelTable::Frames, "rotation", where(), DifferenceList::NumberText(std::array{p.x, p.y, p.z, p.w}),
+          DifferenceList::NumberText(std::array{q.x, q.y, q.z, q.w}), angle, angle <= grain.Rotation);
+    }
+  }
+
+  const ComparedModels& m_models;
+  const Skeleton& m_first;
+  const Skeleton& m_second;
+  const int64_t m_count;
+};
+
+/// Where the ik rules of an animation stand; nothing for those of a block file.
+std::pair<int64_t, int64_t> IkRules(const AnimationRecord& animation) {
+  if (animation->IkRuleOffset == 0) return {0, 0};
+  return {animation.Offset() + animation->IkRuleOffset, animation->IkRuleCount};
+}
+
+}  // namespace
+
+void CompareAnimations(const ComparedModels& models) {
+  const Skeleton* first = GetSkeleton(models.First);
+  const Skeleton* second = GetSkeleton(models.Second);
+  const auto a = models.First.Model.Header();
+  const auto b = models.Second.Model.Header();
+  CompareTables<StudioAnimDesc>(
+      models, ModelTable::Animations, "animations", {a->AnimOffset, a->AnimCount}, {b->AnimOffset, b->AnimCount},
+      [&](const AnimationRecord& one, const AnimationRecord& other, int64_t i) {
+        if (models.IsStopped()) return;
+        const std::string_view name = TextOf(models.First, one, one->NameOffset);
+        const auto where = [&] { return Place("animation", name, i); };
+        models.Differences.Text(ModelTable::Animations, "name", where, name,
+                                TextOf(models.Second, other, other->NameOffset));
+        CompareFields(models.Differences, ModelTable::Animations, AnimationFields, *one, *other, where);
+        models.Differences.Whole(ModelTable::Animations, "number of ik rules", where, one->IkRuleCount,
+                                 other->IkRuleCount);
+        CompareTables<StudioMovement>(
+            models, ModelTable::Animations, "movements", where,
+            {one.Offset() + one->MovementOffset, one->MovementCount},
+            {other.Offset() + other->MovementOffset, other->MovementCount}, [&](const auto& x, const auto& y, int64_t) {
+              CompareFields(models.Differences, ModelTable::Animations, MovementFields, *x, *y, where);
+            });
+        const auto rules = IkRules(one);
+        const auto otherRules = IkRules(other);
+        if (rules.second == otherRules.second) {
+          CompareTables<StudioIkRule>(models, ModelTable::Animations, "ik rules", where, rules, otherRules,
+                                      [&](const auto& x, const auto& y, int64_t) {
+                                        CompareFields(models.Differences, ModelTable::Animations, IkRuleFields, *x, *y,
+                                                      where);
+                                      });
+        }
+        if (first != nullptr && second != nullptr) {
+          FrameComparison(models, *first, *second).Compare(one, other, std::string(name));
+        }
+      });
+}
+
+}  // namespace tarnwick::model

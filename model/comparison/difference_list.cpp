@@ -1,0 +1,57 @@
+#include "model/comparison/difference_list.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <utility>
+
+namespace tarnwick::model {
+
+namespace {
+
+constexpr size_t LongestText = 80;
+
+}  // namespace
+
+void DifferenceList::Add(ModelTable table, std::string_view what, std::string where, std::string first,
+                         std::string second, double amount, bool isRounding) {
+  for (ModelDifference& known : m_differences) {
+    if (known.Table != table || known.What != what || known.IsRounding != isRounding) continue;
+    ++known.Count;
+    if (amount <= known.Largest) return;
+    known.Where = std::move(where);
+    known.First = std::move(first);
+    known.Second = std::move(second);
+    known.Largest = amount;
+    return;
+  }
+  m_differences.push_back(
+      {table, std::string(what), std::move(where), std::move(first), std::move(second), 1, amount, isRounding});
+}
+
+std::vector<ModelDifference> DifferenceList::Take() {
+  std::stable_sort(m_differences.begin(), m_differences.end(), [](const auto& a, const auto& b) {
+    return std::pair(a.Table, a.IsRounding) < std::pair(b.Table, b.IsRounding);
+  });
+  return std::exchange(m_differences, {});
+}
+
+std::string DifferenceList::NumberText(std::span<const float> numbers) {
+  std::string text;
+  for (const float number : numbers) {
+    std::array<char, 32> one{};
+    std::snprintf(one.data(), one.size(), "%.6g", double{number});
+    text += (text.empty() ? "" : " ") + std::string(one.data());
+  }
+  return text;
+}
+
+std::string DifferenceList::Quoted(std::string_view text) {
+  std::string shown(text.substr(0, LongestText));
+  for (char& c : shown) {
+    if (static_cast<unsigned char>(c) < 0x20) c = ' ';
+  }
+  return "\"" + shown + (text.size() > LongestText ? "...\"" : "\"");
+}
+
+}  // namespace tarnwick::model

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "model/comparison/difference.h"
+
+namespace tarnwick::model {
+
+/// Gathers differences, those of one kind (table, what differs, rounding or not) as one. `where` is a function that
+/// names the place; it is called where something differs only.
+class DifferenceList {
+ public:
+  /// Whole numbers and texts differ or not; there is no rounding of them.
+  template <typename Where>
+  void Whole(ModelTable table, std::string_view what, const Where& where, int64_t first, int64_t second) {
+    if (first != second) Add(table, what, where(), std::to_string(first), std::to_string(second), 0, false);
+  }
+  template <typename Where>
+  void Text(ModelTable table, std::string_view what, const Where& where, std::string_view first,
+            std::string_view second) {
+    if (first != second) Add(table, what, where(), Quoted(first), Quoted(second), 0, false);
+  }
+  /// Numbers that belong together; they differ by what those that lie farthest apart differ by. Up to `grain`, for
+  /// numbers above 1 up to that part of them, is rounding.
+  template <typename Where>
+  void Numbers(ModelTable table, std::string_view what, const Where& where, std::span<const float> first,
+               std::span<const float> second, double grain) {
+    double largest = 0;
+    bool isRounding = true;
+    bool differs = false;
+    for (size_t i = 0; i < first.size(); ++i) {
+      if (first[i] == second[i] || (std::isnan(first[i]) && std::isnan(second[i]))) continue;
+      differs = true;
+      const double amount = std::abs(double{first[i]} - double{second[i]});
+      const double size = std::max(std::abs(double{first[i]}), std::abs(double{second[i]}));
+      isRounding = isRounding && amount <= grain * std::max(1.0, size);
+      if (std::isfinite(amount)) largest = std::max(largest, amount);
+    }
+    if (differs) Add(table, what, where(), NumberText(first), NumberText(second), largest, isRounding);
+  }
+  /// A difference whose size is known.
+  void Add(ModelTable table, std::string_view what, std::string where, std::string first, std::string second,
+           double amount, bool isRounding);
+
+  /// What was gathered: in the order of the tables, in each what is more than rounding ahead of the rest.
+  std::vector<ModelDifference> Take();
+
+  static std::string NumberText(std::span<const float> numbers);
+
+ private:
+  static std::string Quoted(std::string_view text);
+
+  std::vector<ModelDifference> m_differences;
+};
+
+}  // namespace tarnwick::model

@@ -1,0 +1,62 @@
+#include "model/comparison/compared_tables.h"
+#include "model/comparison/record_fields.h"
+
+namespace tarnwick::model {
+
+namespace {
+
+constexpr RecordField HeaderFields[] = {
+    {"version", offsetof(StudioHeader, Version)},   {"eye position", offsetof(StudioHeader, EyePosition), 3, TextGrain},
+    {"flags", offsetof(StudioHeader, Flags)},       {"mass", offsetof(StudioHeader, Mass), 1, TextGrain},
+    {"contents", offsetof(StudioHeader, Contents)},
+};
+
+constexpr RecordField SecondHeaderFields[] = {
+    {"illumination attachment", offsetof(StudioSecondHeader, IllumAttachment)},
+    {"eye deflection", offsetof(StudioSecondHeader, MaxEyeDeflection), 1, AngleGrain},
+};
+
+/// Boxes and what follows from them: their sides are sums over all vertices of all frames.
+constexpr double BoxGrain = 0.02;
+
+constexpr RecordField BoxFields[] = {
+    {"illumination position", offsetof(StudioHeader, IllumPosition), 3, BoxGrain},
+    {"hull", offsetof(StudioHeader, HullMinimum), 6, BoxGrain},
+    {"view box", offsetof(StudioHeader, ViewMinimum), 6, TextGrain},
+};
+
+std::optional<core::Record<StudioSecondHeader>> SecondHeader(const ModelReader& reader) {
+  const int32_t offset = reader.Model.Header()->SecondHeaderOffset;
+  constexpr int32_t FirstVersion = 48;
+  if (offset == 0 || reader.Model.Header()->Version < FirstVersion) return std::nullopt;
+  return reader.Model.View().At<StudioSecondHeader>(offset);
+}
+
+std::string_view KeyValues(const ModelReader& reader) {
+  const auto header = reader.Model.Header();
+  if (header->KeyValueSize <= 0) return {};
+  return reader.Model.View().Text(header->KeyValueOffset).value_or("");
+}
+
+}  // namespace
+
+void CompareHeaders(const ComparedModels& models) {
+  const auto a = models.First.Model.Header();
+  const auto b = models.Second.Model.Header();
+  const auto nowhere = [] { return std::string(); };
+  DifferenceList& differences = models.Differences;
+  differences.Text(ModelTable::Header, "name", nowhere, core::FixedText(a->Name), core::FixedText(b->Name));
+  CompareFields(differences, ModelTable::Header, HeaderFields, *a, *b, nowhere);
+  CompareFields(differences, ModelTable::Boxes, BoxFields, *a, *b, nowhere);
+  differences.Text(ModelTable::Header, "surface property", nowhere, TextOf(models.First, a, a->SurfacePropOffset),
+                   TextOf(models.Second, b, b->SurfacePropOffset));
+  differences.Text(ModelTable::Header, "key values", nowhere, KeyValues(models.First), KeyValues(models.Second));
+  differences.Whole(ModelTable::Header, "constant light", nowhere, a->ConstantLight, b->ConstantLight);
+  differences.Whole(ModelTable::Header, "root level of detail", nowhere, a->RootLod, b->RootLod);
+  differences.Whole(ModelTable::Header, "allowed root levels", nowhere, a->AllowedRootLods, b->AllowedRootLods);
+  const auto one = SecondHeader(models.First);
+  const auto other = SecondHeader(models.Second);
+  if (one && other) CompareFields(differences, ModelTable::Header, SecondHeaderFields, **one, **other, nowhere);
+}
+
+}  // namespace tarnwick::model

@@ -1,0 +1,181 @@
+#include <array>
+
+#include "model/comparison/compared_tables.h"
+#include "model/comparison/record_fields.h"
+#include "model/mesh_pieces.h"
+#include "model/vtx_tree.h"
+
+namespace tarnwick::model {
+
+namespace {
+
+/// Weights are divided by their sum, which costs more than the six decimals.
+constexpr double WeightGrain = 1e-5;
+/// Normals are made of unit length again.
+constexpr double NormalGrain = 1e-5;
+
+constexpr RecordField VertexFields[] = {
+    {"position", offsetof(VvdVertex, Position), 3, TextGrain},
+    {"normal", offsetof(VvdVertex, Normal), 3, NormalGrain},
+    {"texture coordinates", offsetof(VvdVertex, U), 2, TextGrain},
+};
+
+constexpr RecordField MeshFields[] = {
+    {"texture of a mesh", offsetof(StudioMesh, Material)},
+    {"vertices of a mesh", offsetof(StudioMesh, VertexCount)},
+    {"flexes of a mesh", offsetof(StudioMesh, FlexCount)},
+    {"kind of a mesh", offsetof(StudioMesh, Kind)},
+    {"eyeball of a mesh", offsetof(StudioMesh, Eyeball)},
+    {"vertices of a mesh's levels", offsetof(StudioMesh, LodVertexCounts), 8},
+};
+
+using ModelRecord = core::Record<StudioModel>;
+
+/// The vertices at the corners of a piece's triangles, in their order.
+class Corners {
+ public:
+  explicit Corners(const MeshPiece& piece) : m_piece(piece) {}
+
+  /// The next corner; null behind the last one.
+  const VvdVertex* Next() {
+    while (m_strip < m_piece.Strips.size() && m_corner >= m_piece.Strips[m_strip].IndexCount) {
+      ++m_strip;
+      m_corner = 0;
+    }
+    if (m_strip == m_piece.Strips.size()) return nullptr;
+    const StripPiece& strip = m_piece.Strips[m_strip];
+    const int64_t index = strip.Indices[m_corner++]->Vertex;
+    return GetMeshVertex(m_piece.Vertices, strip.GroupVertices[index]->MeshVertex);
+  }
+
+  static int64_t Count(const MeshPiece& piece) {
+    int64_t count = 0;
+    for (const StripPiece& strip : piece.Strips) count += strip.IndexCount;
+    return count;
+  }
+
+ private:
+  const MeshPiece& m_piece;
+  size_t m_strip = 0;
+  int64_t m_corner = 0;
+};
+
+void CompareWeights(DifferenceList& differences, const VvdVertex& a, const VvdVertex& b,
+                    const std::function<std::string()>& where) {
+  constexpr size_t Most = std::size(VvdVertex{}.Weights);
+  differences.Whole(ModelTable::Vertices, "number of weights", where, a.WeightCount, b.WeightCount);
+  const size_t count = std::min({Most, size_t{a.WeightCount}, size_t{b.WeightCount}});
+  std::array<float, Most> first{};
+  std::array<float, Most> second{};
+  for (size_t i = 0; i < count; ++i) {
+    differences.Whole(ModelTable::Vertices, "bone of a weight", where, a.Bones[i], b.Bones[i]);
+    first[i] = a.Weights[i];
+    second[i] = b.Weights[i];
+  }
+  differences.Numbers(ModelTable::Vertices, "weights", where, first, second, WeightGrain);
+}
+
+/// Compares triangle by triangle: what stands at each corner is all that a triangle shows, whatever numbers its
+/// vertices have.
+void ComparePieces(const ComparedModels& models, const MeshPiece& first, const MeshPiece& second,
+                   const std::string& place) {
+  const auto whole = [&] { return place; };
+  models.Differences.Whole(ModelTable::Triangles, "number of triangles", whole, Corners::Count(first) / 3,
+                           Corners::Count(second) / 3);
+  Corners firstCorners(first);
+  Corners secondCorners(second);
+  for (int64_t k = 0;; ++k) {
+    const VvdVertex* a = firstCorners.Next();
+    const VvdVertex* b = secondCorners.Next();
+    if (a == nullptr || b == nullptr) return;
+    if (std::memcmp(a, b, sizeof *a) == 0) continue;
+    const std::function<std::string()> where = [&] {
+      return place + ", triangle " + std::to_string(k / 3) + ", corner " + std::to_string(k % 3);
+    };
+    CompareFields(models.Differences, ModelTable::Vertices, VertexFields, *a, *b, where);
+    CompareWeights(models.Differences, *a, *b, where);
+  }
+}
+
+void CompareLevel(const ComparedModels& models, const ModelRecord& first, const ModelRecord& second,
+                  const core::Record<VtxModelLod>& firstLod, const core::Record<VtxModelLod>& secondLod,
+                  const std::string& place) {
+  const auto where = [&] { return place; };
+  const std::array<float, 1> a{firstLod->SwitchDistance};
+  const std::array<float, 1> b{secondLod->SwitchDistance};
+  models.Differences.Numbers(ModelTable::Levels, "switch distance", where, a, b, TextGrain);
+  const MeshPieces firstPieces = GatherMeshPieces(models.First, first, firstLod);
+  const MeshPieces secondPieces = GatherMeshPieces(models.Second, second, secondLod);
+  models.Differences.Whole(ModelTable::Triangles, "number of meshes", where,
+                           static_cast<int64_t>(firstPieces.Meshes.size()),
+                           static_cast<int64_t>(secondPieces.Meshes.size()));
+  const size_t count = std::min(firstPieces.Meshes.size(), secondPieces.Meshes.size());
+  for (size_t i = 0; i < count && !models.IsStopped(); ++i) {
+    const std::string mesh = place + ", mesh " + std::string(firstPieces.Meshes[i].Material);
+    models.Differences.Text(
+        ModelTable::Triangles, "material", [&] { return mesh; }, firstPieces.Meshes[i].Material,
+        secondPieces.Meshes[i].Material);
+    ComparePieces(models, firstPieces.Meshes[i], secondPieces.Meshes[i], mesh);
+  }
+}
+
+void CompareModel(const ComparedModels& models, const ModelRecord& first, const ModelRecord& second, int64_t part,
+                  int64_t number, int64_t levels, const std::string& place) {
+  const auto where = [&] { return place; };
+  models.Differences.Text(ModelTable::Bodies, "name of a model", where, core::FixedText(first->Name),
+                          core::FixedText(second->Name));
+  models.Differences.Whole(ModelTable::Vertices, "number of vertices", where, first->VertexCount, second->VertexCount);
+  CompareTables<StudioMesh>(
+      models, ModelTable::Bodies, "meshes", where, {first.Offset() + first->MeshOffset, first->MeshCount},
+      {second.Offset() + second->MeshOffset, second->MeshCount}, [&](const auto& a, const auto& b, int64_t i) {
+        CompareFields(models.Differences, ModelTable::Bodies, MeshFields, *a, *b,
+                      [&] { return place + ", mesh " + std::to_string(i); });
+      });
+  if (!models.First.Model.Vtx || !models.Second.Model.Vtx) return;
+  const core::ImageView a = models.First.Model.Vtx->View();
+  const core::ImageView b = models.Second.Model.Vtx->View();
+  const auto firstModel = VtxModelAt(a, part, number);
+  const auto secondModel = VtxModelAt(b, part, number);
+  if (!firstModel || !secondModel) return;
+  for (int64_t level = 0; level < levels; ++level) {
+    const auto firstLod = VtxLodAt(a, *firstModel, level);
+    const auto secondLod = VtxLodAt(b, *secondModel, level);
+    if (!firstLod || !secondLod || !models.First.Spend(RecordCost)) return;
+    CompareLevel(models, first, second, *firstLod, *secondLod, place + ", level " + std::to_string(level));
+  }
+}
+
+int64_t LevelCount(const ModelReader& reader) {
+  if (!reader.Model.Vtx) return 0;
+  const auto header = reader.Model.Vtx->View().At<VtxHeader>(0);
+  return header ? (*header)->LodCount : 0;
+}
+
+}  // namespace
+
+void CompareMeshes(const ComparedModels& models) {
+  const auto a = models.First.Model.Header();
+  const auto b = models.Second.Model.Header();
+  const int64_t levels = std::min(LevelCount(models.First), LevelCount(models.Second));
+  models.Differences.Whole(
+      ModelTable::Levels, "number of levels", [] { return std::string(); }, LevelCount(models.First),
+      LevelCount(models.Second));
+  CompareTables<StudioBodyPart>(
+      models, ModelTable::Bodies, "body parts", {a->BodyPartOffset, a->BodyPartCount},
+      {b->BodyPartOffset, b->BodyPartCount}, [&](const auto& first, const auto& second, int64_t part) {
+        const std::string name = Place("body part", TextOf(models.First, first, first->NameOffset), part);
+        const auto where = [&] { return name; };
+        models.Differences.Text(ModelTable::Bodies, "name", where, TextOf(models.First, first, first->NameOffset),
+                                TextOf(models.Second, second, second->NameOffset));
+        models.Differences.Whole(ModelTable::Bodies, "base", where, first->Base, second->Base);
+        CompareTables<StudioModel>(
+            models, ModelTable::Bodies, "models", where, {first.Offset() + first->ModelOffset, first->ModelCount},
+            {second.Offset() + second->ModelOffset, second->ModelCount},
+            [&](const auto& one, const auto& other, int64_t number) {
+              if (models.IsStopped()) return;
+              CompareModel(models, one, other, part, number, levels, name + ", model " + std::to_string(number));
+            });
+      });
+}
+
+}  // namespace tarnwick::model

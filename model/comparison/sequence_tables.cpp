@@ -1,0 +1,180 @@
+#include "model/animation_records.h"
+#include "model/comparison/compared_tables.h"
+#include "model/comparison/record_fields.h"
+#include "model/script_records.h"
+
+namespace tarnwick::model {
+
+namespace {
+
+/// Sides are sums over all vertices of all frames.
+constexpr double BoxGrain = 0.02;
+
+constexpr RecordField SequenceFields[] = {
+    {"flags", offsetof(StudioSeqDesc, Flags)},
+    {"activity weight", offsetof(StudioSeqDesc, ActivityWeight)},
+    {"size of the grid", offsetof(StudioSeqDesc, BlendSize), 2},
+    {"pose parameters", offsetof(StudioSeqDesc, PoseParameter), 2},
+    {"range of the grid", offsetof(StudioSeqDesc, PoseStart), 4, TextGrain},
+    {"fades", offsetof(StudioSeqDesc, FadeIn), 2, TextGrain},
+    {"nodes", offsetof(StudioSeqDesc, EntryNode), 3},
+    {"phases", offsetof(StudioSeqDesc, EntryPhase), 2, TextGrain},
+    {"cycle's pose parameter", offsetof(StudioSeqDesc, CyclePose)},
+};
+constexpr RecordField SequenceBoxFields[] = {{"sequence's box", offsetof(StudioSeqDesc, Minimum), 6, BoxGrain}};
+constexpr RecordField EventFields[] = {
+    {"cycle", offsetof(StudioEvent, Cycle), 1, 1e-4},
+    {"number", offsetof(StudioEvent, Event)},
+    {"type", offsetof(StudioEvent, Type)},
+};
+constexpr RecordField LayerFields[] = {
+    {"flags", offsetof(StudioAutoLayer, Flags)},
+    {"range", offsetof(StudioAutoLayer, Start), 4, 1e-4},
+};
+constexpr RecordField LockFields[] = {
+    {"chain of a lock", offsetof(StudioIkLock, Chain)},
+    {"weights of a lock", offsetof(StudioIkLock, PositionWeight), 2, TextGrain},
+};
+
+#pragma pack(push, 1)
+struct PackedFloat {
+  float Value;
+};
+#pragma pack(pop)
+
+using SequenceRecord = core::Record<StudioSeqDesc>;
+
+std::string_view KeyValues(const ModelReader& reader, const SequenceRecord& sequence) {
+  if (sequence->KeyValueSize <= 0) return {};
+  return reader.Model.View().Text(sequence.Offset() + sequence->KeyValueOffset).value_or("");
+}
+
+class SequenceComparison {
+ public:
+  SequenceComparison(const ComparedModels& models, const SequenceRecord& first, const SequenceRecord& second,
+                     int64_t number)
+      : m_models(models),
+        m_first(first),
+        m_second(second),
+        m_place(Place("sequence", TextOf(models.First, first, first->LabelOffset), number)) {}
+
+  void Compare() {
+    const auto where = [&] { return m_place; };
+    Text("label", m_first->LabelOffset, m_second->LabelOffset);
+    Text("activity", m_first->ActivityOffset, m_second->ActivityOffset);
+    CompareFields(m_models.Differences, ModelTable::Sequences, SequenceFields, *m_first, *m_second, where);
+    CompareFields(m_models.Differences, ModelTable::Boxes, SequenceBoxFields, *m_first, *m_second, where);
+    m_models.Differences.Text(ModelTable::Sequences, "key values", where, KeyValues(m_models.First, m_first),
+                              KeyValues(m_models.Second, m_second));
+    CompareEvents();
+    Table<StudioAutoLayer>(
+        ModelTable::Layers, "layers", {m_first->LayerOffset, m_first->LayerCount},
+        {m_second->LayerOffset, m_second->LayerCount}, [&](const auto& a, const auto& b) {
+          m_models.Differences.Whole(ModelTable::Layers, "sequence", where, a->Sequence, b->Sequence);
+          m_models.Differences.Whole(ModelTable::Layers, "pose parameter", where, a->PoseParameter, b->PoseParameter);
+          CompareFields(m_models.Differences, ModelTable::Layers, LayerFields, *a, *b, where);
+        });
+    Table<StudioIkLock>(ModelTable::Sequences, "ik locks", {m_first->IkLockOffset, m_first->IkLockCount},
+                        {m_second->IkLockOffset, m_second->IkLockCount}, [&](const auto& a, const auto& b) {
+                          CompareFields(m_models.Differences, ModelTable::Sequences, LockFields, *a, *b, where);
+                        });
+    CompareGrid();
+    CompareWeights();
+  }
+
+ private:
+  void Text(std::string_view what, int32_t first, int32_t second) {
+    m_models.Differences.Text(
+        ModelTable::Sequences, what, [&] { return m_place; }, TextOf(m_models.First, m_first, first),
+        TextOf(m_models.Second, m_second, second));
+  }
+
+  template <typename T, typename Compare>
+  void Table(ModelTable table, const std::string& what, std::pair<int32_t, int32_t> first,
+             std::pair<int32_t, int32_t> second, const Compare& compare) {
+    CompareTables<T>(
+        m_models, table, what, [&] { return m_place; }, {m_first.Offset() + first.first, first.second},
+        {m_second.Offset() + second.first, second.second},
+        [&](const auto& a, const auto& b, int64_t) { compare(a, b); });
+  }
+
+  void CompareEvents() {
+    CompareTables<StudioEvent>(
+        m_models, ModelTable::Events, "events", [&] { return m_place; },
+        {m_first.Offset() + m_first->EventOffset, m_first->EventCount},
+        {m_second.Offset() + m_second->EventOffset, m_second->EventCount},
+        [&](const auto& a, const auto& b, int64_t i) {
+          const auto where = [&] { return m_place + ", event " + std::to_string(i); };
+          CompareFields(m_models.Differences, ModelTable::Events, EventFields, *a, *b, where);
+          m_models.Differences.Text(ModelTable::Events, "options", where, core::FixedText(a->Options),
+                                    core::FixedText(b->Options));
+          m_models.Differences.Text(ModelTable::Events, "name", where, TextOf(m_models.First, a, a->NameOffset),
+                                    TextOf(m_models.Second, b, b->NameOffset));
+        });
+  }
+
+  /// The animations of the grid by their numbers, and where they stand on its axes.
+  void CompareGrid() {
+    const auto where = [&] { return m_place; };
+    Table<StudioShort>(ModelTable::Sequences, "animations", {m_first->BlendOffset, Cells(*m_first)},
+                       {m_second->BlendOffset, Cells(*m_second)}, [&](const auto& a, const auto& b) {
+                         m_models.Differences.Whole(ModelTable::Sequences, "animation of the grid", where, a->Value,
+                                                    b->Value);
+                       });
+    const bool a = m_first->PoseKeyOffset != 0;
+    const bool b = m_second->PoseKeyOffset != 0;
+    m_models.Differences.Whole(ModelTable::Sequences, "pose keys", where, a ? 1 : 0, b ? 1 : 0);
+    if (!a || !b) return;
+    Table<PackedFloat>(ModelTable::Sequences, "pose keys", {m_first->PoseKeyOffset, Keys(*m_first)},
+                       {m_second->PoseKeyOffset, Keys(*m_second)}, [&](const auto& x, const auto& y) {
+                         Floats(ModelTable::Sequences, "pose key", x->Value, y->Value, 1e-4, m_place);
+                       });
+  }
+
+  void CompareWeights() {
+    const int32_t bones = m_models.First.Model.Header()->BoneCount;
+    const int32_t otherBones = m_models.Second.Model.Header()->BoneCount;
+    if (bones != otherBones || m_first->WeightOffset == 0 || m_second->WeightOffset == 0) return;
+    CompareTables<PackedFloat>(
+        m_models, ModelTable::Sequences, "bone weights", [&] { return m_place; },
+        {m_first.Offset() + m_first->WeightOffset, bones}, {m_second.Offset() + m_second->WeightOffset, bones},
+        [&](const auto& a, const auto& b, int64_t bone) {
+          Floats(ModelTable::Sequences, "weight", a->Value, b->Value, TextGrain,
+                 m_place + ", bone " + std::to_string(bone));
+        });
+  }
+
+  void Floats(ModelTable table, std::string_view what, float a, float b, double grain, const std::string& place) {
+    m_models.Differences.Numbers(
+        table, what, [&] { return place; }, {&a, 1}, {&b, 1}, grain);
+  }
+
+  /// Sizes come from the file; what they ask for is refused where it does not lie inside.
+  static int32_t Cells(const StudioSeqDesc& sequence) {
+    return static_cast<int32_t>(
+        std::clamp<int64_t>(int64_t{sequence.BlendSize[0]} * sequence.BlendSize[1], 0, INT16_MAX));
+  }
+  static int32_t Keys(const StudioSeqDesc& sequence) {
+    return static_cast<int32_t>(
+        std::clamp<int64_t>(int64_t{sequence.BlendSize[0]} + sequence.BlendSize[1], 0, INT16_MAX));
+  }
+
+  const ComparedModels& m_models;
+  const SequenceRecord& m_first;
+  const SequenceRecord& m_second;
+  const std::string m_place;
+};
+
+}  // namespace
+
+void CompareSequences(const ComparedModels& models) {
+  const auto a = models.First.Model.Header();
+  const auto b = models.Second.Model.Header();
+  CompareTables<StudioSeqDesc>(models, ModelTable::Sequences, "sequences", {a->SequenceOffset, a->SequenceCount},
+                               {b->SequenceOffset, b->SequenceCount},
+                               [&](const SequenceRecord& first, const SequenceRecord& second, int64_t i) {
+                                 SequenceComparison(models, first, second, i).Compare();
+                               });
+}
+
+}  // namespace tarnwick::model
