@@ -33,6 +33,8 @@ void CGameConfigDialog::OnInitDialog() {
   m_uncommonFormats = setting::UncommonImageFormats.Read(m_settings) != 0;
   CDialog::OnInitDialog();
   platform::LoadAllCaptionBitmaps(*this);
+  connect(m_ui->sdkEdit, &QLineEdit::textChanged, this, &CGameConfigDialog::ShowToolsInUse);
+  ShowToolsInUse();
 }
 
 void CGameConfigDialog::DoDataExchange(platform::CDataExchange& exchange) {
@@ -57,12 +59,26 @@ void CGameConfigDialog::OnBrowseSdk() {
 }
 
 void CGameConfigDialog::OnOwnTools() {
-  if (const auto directory = tools::BundledSdkDirectory()) {
-    m_ui->sdkEdit->setText(platform::ToQt(*directory));  // stored on OK, as if typed
-  } else {
+  const auto own = tools::BundledSdkDirectory();
+  if (!own) {
     DesktopSeam().Box(this, platform::BoxIcon::Exclamation,
-                      "The tools vtex and vtf2tga are not in the directory sdk beside the program.", "Warning");
+                      "The program's own tools are not in the directory sdk beside the program.", "Warning");
+    return;
   }
+  const std::string sdkDirectory = platform::FromQt(m_ui->sdkEdit->text());
+  if (tools::HoldsSdkTools(sdkDirectory)) {
+    // A directory of our own in its place would hide the SDK's tools, hlmv too.
+    DesktopSeam().Box(this, platform::BoxIcon::Information,
+                      "The directory holds tools of the SDK, which come first; our own stand in for those that it "
+                      "lacks.\r\nEmpty it to use our own alone.",
+                      "Own Tools");
+    return;
+  }
+  m_ui->sdkEdit->setText(platform::ToQt(*own));  // stored on OK, as if typed
+}
+
+void CGameConfigDialog::ShowToolsInUse() {
+  m_ui->toolsLabel->setText(platform::ToQt(tools::ToolsInUseText(platform::FromQt(m_ui->sdkEdit->text()))));
 }
 
 void CGameConfigDialog::OnBrowseWine() {

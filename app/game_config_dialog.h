@@ -30,6 +30,7 @@ class CGameConfigDialog : public platform::CDialog {
   void OnBrowseGame();
   void OnBrowseSdk();
   void OnOwnTools();
+  void ShowToolsInUse();
   void OnBrowseWine();
 
   core::AppSettings& m_settings;

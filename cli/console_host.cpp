@@ -63,6 +63,7 @@ void ConsoleHost::ToLog(size_t item, const std::string& text) {
 }
 
 void ConsoleHost::PrintTroubles(const jobs::ItemResult& result) {
+  if (m_style.ResultsSayAll) return;
   for (const core::Trouble& trouble : result.Troubles) {
     m_err << result.Input << ": " << TroubleLine(trouble) << '\n';
   }

@@ -20,6 +20,7 @@ struct ConsoleStyle {
   /// log then comes as it is told as well. Null: they are part of the log.
   std::ostream* ToolLines = nullptr;
   bool ShowsProgress = true;  // a bar at the bottom of a terminal, in place of the log of several items
+  bool ResultsSayAll = false;  // the result line of an item tells its troubles, so nothing else need
   /// The line that standard output gets for an item that has ended or was not begun, or "" for none.
   std::function<std::string(const jobs::ItemResult&)> ResultLine;
 };

@@ -35,6 +35,8 @@ struct ToolDirectories {
   void AddSdkOptions(CLI::App& verb);
   /// Fills what was not given from the settings.
   void FillFromSettings(std::ostream& err);
+  /// Where `tool` is taken from: the SDK's directory, or where that lacks it the program's own tools.
+  tools::ToolChoice ToolFor(const tools::SdkTool& tool) const { return tools::ToolInUse(Sdk, tool); }
   tools::StartSettings Start() const { return {Wine}; }
 };
 

@@ -9,8 +9,8 @@ namespace tarnwick::cli {
 
 int PrintVtfInfo(const std::vector<std::string>& files, bool json, Invocation& invocation) {
   // Only the program's own tool can tell the facts of a texture, so the SDK's is not asked.
-  const std::string folder = tools::SdkDirectoryOrBundled("", tools::Vtf2tga);
-  if (folder.empty()) {
+  const auto folder = tools::OwnToolDirectory(tools::Vtf2tga);
+  if (!folder) {
     invocation.Err << "Error: the program's own vtf2tga.exe is not in " << core::ProgramDirectory() << "/sdk\n";
     return ExitFailure;
   }
@@ -18,7 +18,7 @@ int PrintVtfInfo(const std::vector<std::string>& files, bool json, Invocation& i
   tools::ToolRunOptions options;
   options.AnnounceStart = false;
   for (const std::string& file : files) {
-    process::Command command{tools::SdkToolPath(folder, tools::Vtf2tga)};
+    process::Command command{tools::SdkToolPath(*folder, tools::Vtf2tga)};
     command.Word("-nopause").Word(json ? "-json" : "-info").Word("-i").InQuotes(file);
     const auto run = tools::RunTool(tools::ToolRun::Vtf2tga, command, options);
     const std::string said = run.Outcome.Log.Text();

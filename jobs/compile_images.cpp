@@ -77,7 +77,7 @@ void CompileOne(const CompileImages& job, const images::ImageWorker& worker, siz
   const std::string materialPath = CompiledPath(job, images::TgaPath(run.Result.Input, ""), ".vmt");
   const FileBefore material(materialPath);
   const tools::MaterialResult result = tools::RunVtex(
-      job.Form, index, tools::SdkDirectoryOrBundled(job.SdkDirectory, tools::Vtex), job.GameDirectory, calls);
+      job.Form, index, tools::ToolInUse(job.SdkDirectory, tools::Vtex).Directory, job.GameDirectory, calls);
   run.Result.Shown = result.Log;
   run.Result.Notes = result.Run.Notes;
   if (run.Stop.stop_requested()) return run.Fail(core::TroubleKind::Stopped, "stopped");
@@ -141,8 +141,8 @@ JobResult Run(const CompileImages& job, Host& host, const std::stop_token& stop)
                                      .Assumed = true})) {
     return NotBegun(plan, NotWanted(), host);
   }
-  if (tools::SdkDirectoryOrBundled(job.SdkDirectory, tools::Vtex) != job.SdkDirectory) {
-    host.On(Line{NoItem, LineSource::Log, tools::LineKind::Plain, OwnToolNote(tools::Vtex)});
+  if (tools::ToolInUse(job.SdkDirectory, tools::Vtex).StandsIn) {
+    host.On(Line{NoItem, LineSource::Log, tools::LineKind::Plain, tools::OwnToolNote(tools::Vtex) + "\r\n"});
   }
   images::ImageWorker worker;
   worker.ReadFamiliarOnly(!job.UncommonFormats);

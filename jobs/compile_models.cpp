@@ -134,7 +134,7 @@ void CompileOne(const CompileModels& job, ItemRun& run) {
 
 /// The folder whose studiomdl runs.
 std::string SdkOf(const CompileModels& job) {
-  return tools::SdkDirectoryOrBundled(job.SdkDirectory, tools::Studiomdl);
+  return tools::ToolInUse(job.SdkDirectory, tools::Studiomdl).Directory;
 }
 
 }  // namespace
@@ -156,8 +156,8 @@ JobPlan Plan(const CompileModels& job) {
 JobResult Run(const CompileModels& job, Host& host, const std::stop_token& stop) {
   const JobPlan plan = Plan(job);
   if (const auto obstacle = ObstacleOf(job)) return NotBegun(plan, *obstacle, host);
-  if (SdkOf(job) != job.SdkDirectory) {
-    host.On(Line{NoItem, LineSource::Log, tools::LineKind::Plain, OwnToolNote(tools::Studiomdl)});
+  if (tools::ToolInUse(job.SdkDirectory, tools::Studiomdl).StandsIn) {
+    host.On(Line{NoItem, LineSource::Log, tools::LineKind::Plain, tools::OwnToolNote(tools::Studiomdl) + "\r\n"});
   }
   return RunItems(plan, {}, host, stop, [&](size_t, ItemRun& run) { CompileOne(job, run); });
 }

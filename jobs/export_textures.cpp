@@ -174,8 +174,8 @@ class Export {
   }
 
   tools::FinishedRun RunTool(const std::string& tga) {
-    const process::Command command = tools::Vtf2tgaCommand(
-        tools::SdkDirectoryOrBundled(m_job.SdkDirectory, tools::Vtf2tga), m_run.Result.Source, tga);
+    const process::Command command =
+        tools::Vtf2tgaCommand(tools::ToolInUse(m_job.SdkDirectory, tools::Vtf2tga).Directory, m_run.Result.Source, tga);
     tools::ToolRunOptions options;
     options.Start = m_job.Start;
     options.Stop = m_run.Stop;
@@ -317,14 +317,14 @@ JobPlan Plan(const ExportTextures& job) {
 
 JobResult Run(const ExportTextures& job, Host& host, const std::stop_token& stop) {
   const JobPlan plan = Plan(job);
-  const std::string sdk = tools::SdkDirectoryOrBundled(job.SdkDirectory, tools::Vtf2tga);
-  const auto missing = tools::MissingTool(tools::SdkToolPath(sdk, tools::Vtf2tga), tools::Vtf2tga);
+  const tools::ToolChoice tool = tools::ToolInUse(job.SdkDirectory, tools::Vtf2tga);
+  const auto missing = tools::MissingTool(tools::SdkToolPath(tool.Directory, tools::Vtf2tga), tools::Vtf2tga);
   if (missing && !plan.Items.empty()) return NotBegun(plan, *missing, host);
   if (job.KeepTga && !MayReplace(plan, job.Place == ImagePlace::ExactlyOutput, host)) {
     return NotBegun(plan, NotWanted(), host);
   }
-  if (sdk != job.SdkDirectory)
-    host.On(Line{NoItem, LineSource::Log, tools::LineKind::Plain, OwnToolNote(tools::Vtf2tga)});
+  if (tool.StandsIn)
+    host.On(Line{NoItem, LineSource::Log, tools::LineKind::Plain, tools::OwnToolNote(tools::Vtf2tga) + "\r\n"});
   images::ImageWorker worker;
   worker.ReadFamiliarOnly(!job.UncommonFormats);
   worker.StopWith(stop);

@@ -16,10 +16,6 @@ JobResult NotBegun(const JobPlan& plan, const core::Trouble& trouble, Host& host
   return result;
 }
 
-std::string OwnToolNote(const tools::SdkTool& tool) {
-  return "No SDK directory is set: the program's own " + std::string(tool.Name) + " is used.\r\n";
-}
-
 core::Trouble NotWanted() {
   return {.Kind = core::TroubleKind::Stopped, .Text = "Nothing was done, as it was not wanted."};
 }

@@ -4,7 +4,6 @@
 
 #include "jobs/host.h"
 #include "jobs/item_run.h"
-#include "tools/sdk_tools.h"
 
 namespace tarnwick::jobs {
 
@@ -13,8 +12,5 @@ JobResult NotBegun(const JobPlan& plan, const core::Trouble& trouble, Host& host
 
 /// The trouble of a job that the user did not want when asked.
 core::Trouble NotWanted();
-
-/// The line that says that the program's own `tool` stands in for the SDK's.
-std::string OwnToolNote(const tools::SdkTool& tool);
 
 }  // namespace tarnwick::jobs

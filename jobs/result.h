@@ -2,12 +2,14 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "core/trouble.h"
 #include "core/written_file.h"
 #include "decompiler/decompile_job.h"
+#include "jobs/verification.h"
 
 namespace tarnwick::jobs {
 
@@ -33,6 +35,7 @@ struct ItemResult {
   size_t MoreErrors = 0;                        // of a tool that told very many: those that are not in Troubles
   size_t MoreWarnings = 0;                      // the same
   std::vector<decompiler::LostKind> Lost = {};  // what the output does not say, though the input held it
+  std::optional<Verification> Verified = {};    // of a verification that came to its end
   double Seconds = 0;
 
   bool Succeeded() const { return Judged == Verdict::Succeeded; }

@@ -1,6 +1,8 @@
 #include "tools/sdk_tools.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <utility>
 
 #include "core/paths.h"
 #include "core/program_directory.h"
@@ -11,6 +13,17 @@ namespace tarnwick::tools {
 namespace {
 
 constexpr const char* BundledFolder = "sdk";
+
+constexpr SdkTool AllTools[] = {Studiomdl, Vtex, Vtf2tga};
+
+std::string OwnFolder() {
+  return core::ProgramDirectory() + core::PathSeparator + BundledFolder;
+}
+
+bool IsSameFolder(const std::string& a, const std::string& b) {
+  std::error_code error;
+  return std::filesystem::equivalent(core::NativePath(a), core::NativePath(b), error) && !error;
+}
 
 }  // namespace
 
@@ -39,15 +52,52 @@ bool RequireTool(const std::string& toolPath, const SdkTool& tool, core::Report&
 }
 
 std::optional<std::string> BundledSdkDirectory() {
-  const std::string folder = core::ProgramDirectory() + core::PathSeparator + BundledFolder;
-  if (!ToolExists(SdkToolPath(folder, Vtex)) || !ToolExists(SdkToolPath(folder, Vtf2tga))) return std::nullopt;
+  const std::string folder = OwnFolder();
+  for (const SdkTool& tool : AllTools) {
+    if (ToolExists(SdkToolPath(folder, tool))) return folder;
+  }
+  return std::nullopt;
+}
+
+bool HoldsSdkTools(const std::string& sdkDirectory) {
+  if (sdkDirectory.empty() || IsSameFolder(sdkDirectory, OwnFolder())) return false;
+  constexpr SdkTool Viewer{"hlmv", ""};
+  return ToolExists(SdkToolPath(sdkDirectory, Viewer)) ||
+         std::any_of(std::begin(AllTools), std::end(AllTools),
+                     [&](const SdkTool& tool) { return ToolExists(SdkToolPath(sdkDirectory, tool)); });
+}
+
+std::optional<std::string> OwnToolDirectory(const SdkTool& tool) {
+  const std::string folder = OwnFolder();
+  if (!ToolExists(SdkToolPath(folder, tool))) return std::nullopt;
   return folder;
 }
 
-std::string SdkDirectoryOrBundled(const std::string& sdkDirectory, const SdkTool& tool) {
-  if (!sdkDirectory.empty()) return sdkDirectory;
-  const auto bundled = BundledSdkDirectory();
-  return bundled && ToolExists(SdkToolPath(*bundled, tool)) ? *bundled : std::string();
+ToolChoice ToolInUse(const std::string& sdkDirectory, const SdkTool& tool) {
+  if (!sdkDirectory.empty() && ToolExists(SdkToolPath(sdkDirectory, tool))) {
+    return {sdkDirectory, false};
+  }
+  if (auto own = OwnToolDirectory(tool)) return {std::move(*own), true};
+  return {sdkDirectory, false};
+}
+
+std::string OwnToolNote(const SdkTool& tool) {
+  return std::string(tool.Name) + ": our own";
+}
+
+std::string ToolsInUseText(const std::string& sdkDirectory) {
+  std::string text;
+  for (const SdkTool& tool : AllTools) {
+    const ToolChoice choice = ToolInUse(sdkDirectory, tool);
+    if (!text.empty()) text += ", ";
+    if (choice.StandsIn || IsSameFolder(choice.Directory, OwnFolder())) {
+      text += OwnToolNote(tool);
+    } else {
+      const bool found = !choice.Directory.empty() && ToolExists(SdkToolPath(choice.Directory, tool));
+      text += std::string(tool.Name) + (found ? ": the SDK's" : ": not found");
+    }
+  }
+  return text;
 }
 
 }  // namespace tarnwick::tools

@@ -27,11 +27,30 @@ std::string SdkToolPath(std::string_view sdkDirectory, const SdkTool& tool);
 /// Whether the tool at `toolPath` is there. If it is not, the user is told so.
 [[nodiscard]] bool RequireTool(const std::string& toolPath, const SdkTool& tool, core::Report& report);
 
-/// The folder of the program's own texture tools, vtex and vtf2tga, which serve where no SDK is installed. Nothing if
-/// they do not lie beside the running program.
+/// The folder of the program's own tools, which stand in where the SDK has none. Nothing if none of them lies there.
 std::optional<std::string> BundledSdkDirectory();
 
-/// The folder to take `tool` from: `sdkDirectory` if one is set, else the bundled one if the tool is there, else "".
-std::string SdkDirectoryOrBundled(const std::string& sdkDirectory, const SdkTool& tool);
+/// Where a tool is taken from.
+struct ToolChoice {
+  std::string Directory = {};  // to be handed to SdkToolPath
+  bool StandsIn = false;       // one of the program's own, since the directory that was asked for lacks it
+};
+
+/// The tool that runs for `tool`: the SDK's if it is in `sdkDirectory`, else the program's own. Each tool is looked for
+/// by itself, so a directory that lacks one hides none of the others. Where there is neither, the SDK's directory, and
+/// RequireTool tells that it is missing.
+ToolChoice ToolInUse(const std::string& sdkDirectory, const SdkTool& tool);
+
+/// Whether a tool of the SDK, and not only the program's own, lies in `sdkDirectory`; the model viewer counts too.
+bool HoldsSdkTools(const std::string& sdkDirectory);
+
+/// The program's own tool alone, for what no SDK's tool can do. Nothing if it is not there.
+std::optional<std::string> OwnToolDirectory(const SdkTool& tool);
+
+/// What a page and the command line say of a tool of ours that stands in: "studiomdl: our own".
+std::string OwnToolNote(const SdkTool& tool);
+
+/// What a page says of the tools in use: "studiomdl: our own, vtex: the SDK's, vtf2tga: not found".
+std::string ToolsInUseText(const std::string& sdkDirectory);
 
 }  // namespace tarnwick::tools

@@ -5,6 +5,7 @@
 #include <QAbstractButton>
 #include <QComboBox>
 #include <QKeySequence>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QScrollArea>
@@ -20,6 +21,7 @@
 #include "app/help_window.h"
 #include "controls/html_static.h"
 #include "platform/job_runner.h"
+#include "support/scratch_folder.h"
 #include "window_support/memory_settings.h"
 #include "window_support/scripted_desktop.h"
 #include "window_support/window_actions.h"
@@ -33,6 +35,7 @@ using platform::BoxButtons;
 using platform::BoxIcon;
 using testing::ElementsAre;
 using testing::EndsWith;
+using testing::HasSubstr;
 using tests::Click;
 using tests::ControlOf;
 using tests::ShownBox;
@@ -183,6 +186,25 @@ TEST_F(MainDialog, ConfiguringOffersTheProgramsOwnTextureTools) {
   });
   Click(*m_dialog, "configureButton");
   EXPECT_THAT(Value("Tarnwick/SDKDirectory"), EndsWith("/bin/sdk"));
+}
+
+TEST_F(MainDialog, ConfiguringNamesTheToolsInUseAndKeepsTheSdks) {
+  Open();
+  const tests::ScratchFolder sdk;
+  tests::WriteText(sdk.Path("vtex.exe"), "");
+  tests::WhenModalOpens([&](QWidget& dialog) {
+    auto& directory = ControlOf<QLineEdit>(dialog, "sdkEdit");
+    const auto shown = [&] { return ControlOf<QLabel>(dialog, "toolsLabel").text().toStdString(); };
+    EXPECT_THAT(shown(), HasSubstr("vtex: our own"));
+    directory.setText(QString::fromStdString(sdk.Path()));
+    EXPECT_THAT(shown(), HasSubstr("vtex: the SDK's, vtf2tga: our own"));
+    Click(dialog, "ownToolsButton");
+    EXPECT_EQ(directory.text().toStdString(), sdk.Path()) << "our own tools hide none of the SDK's";
+    QTest::keyClick(&dialog, Qt::Key_Escape);
+  });
+  Click(*m_dialog, "configureButton");
+  ASSERT_EQ(m_desktop.Boxes.size(), 1u);
+  EXPECT_THAT(m_desktop.Boxes[0].Text, HasSubstr("which come first"));
 }
 
 TEST_F(MainDialog, ConfiguringStoresABrowsedDirectoryAtOnceAndTheRestOnOk) {

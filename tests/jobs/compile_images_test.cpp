@@ -60,7 +60,7 @@ TEST_F(CompileImagesTest, TellsAnImageFromItsConversionToItsFiles) {
   EXPECT_THAT(m_host.Text(LineSource::Log), HasSubstr("Converting Brick.tga from "));
   EXPECT_THAT(m_host.Text(LineSource::Command), HasSubstr("/vtex.exe -nopause -shader VertexLitGeneric"));
   EXPECT_THAT(m_host.Text(LineSource::Tool), HasSubstr("brick.vtf: 8 x 8, DXT1"));
-  EXPECT_THAT(m_host.Text(LineSource::Log), HasSubstr("the program's own vtex is used"));
+  EXPECT_THAT(m_host.Text(LineSource::Log), HasSubstr("vtex: our own"));
   EXPECT_THAT(result.Items[0].Shown, HasSubstr(result.Items[0].CommandLine + "\r\n"));
 }
 

@@ -193,24 +193,16 @@ TEST_F(VtfPage, StopsAToolThatDoesNotEndAndHasItsWholeLog) {
   EXPECT_TRUE(m_desktop.Boxes.empty());
 }
 
-TEST_F(VtfPage, TellsOfAMissingTool) {
+TEST_F(VtfPage, UsesTheProgramsOwnToolWhereTheSdkHasNoneAndSaysSo) {
   Open();
-  m_settings.Values["Tarnwick/SDKDirectory"] = "C:\\sdk";
-  Export(WriteTexture("a.vtf", 1, 2, 3), m_folder.Path("a.tga"));
-  EXPECT_THAT(m_desktop.Boxes,
-              ElementsAre(ShownBox{
-                  BoxIcon::Stop,
-                  "Command C:/sdk/vtf2tga.exe not found.\r\nPlease set correct HL2 SDK path using configure button",
-                  "VTF2TGA ERROR"}));
-  EXPECT_EQ(m_folder.Files().size(), 1u);
-}
-
-TEST_F(VtfPage, UsesTheProgramsOwnToolWithoutAnSdkAndSaysSo) {
-  Open();
-  m_settings.Values["Tarnwick/SDKDirectory"].clear();
-  Export(WriteTexture("a.vtf", 1, 2, 3), m_folder.Path("a.tga"));
-  EXPECT_THAT(m_folder.Files(), ElementsAre("a.tga", "a.vtf"));
-  EXPECT_THAT(Log(), testing::EndsWith("No SDK directory is set: the program's own vtf2tga is used.\n"));
+  for (const char* sdk : {"", "C:\\sdk"}) {
+    m_settings.Values["Tarnwick/SDKDirectory"] = sdk;
+    Export(WriteTexture("a.vtf", 1, 2, 3), m_folder.Path("a.tga"));
+    EXPECT_THAT(m_folder.Files(), ElementsAre("a.tga", "a.vtf"));
+    EXPECT_THAT(Log(), testing::EndsWith("vtf2tga: our own\n"));
+    std::filesystem::remove(m_folder.Path("a.tga"));
+  }
+  EXPECT_TRUE(m_desktop.Boxes.empty());
 }
 
 TEST_F(VtfPage, AsksBeforeItReplacesTheTgaFileBesideTheImage) {

@@ -51,6 +51,27 @@ TEST(SdkTools, AMissingToolIsToldWithItsPath) {
   EXPECT_EQ(report.Boxes, std::vector{expected});
 }
 
+TEST(SdkTools, EachToolIsTheSdksWhereItHasOneAndElseOurs) {
+  if (!BundledSdkDirectory()) GTEST_SKIP() << "the program's own tools are not built";
+  const std::string own = *BundledSdkDirectory();
+  tests::ScratchFolder sdk;
+  tests::WriteText(sdk.Path("vtex.exe"), "");
+  EXPECT_EQ(ToolInUse(sdk.Path(), Vtex).Directory, sdk.Path());
+  EXPECT_FALSE(ToolInUse(sdk.Path(), Vtex).StandsIn);
+  for (const std::string& directory : {sdk.Path(), std::string("/no/sdk"), std::string()}) {
+    EXPECT_EQ(ToolInUse(directory, Vtf2tga).Directory, own);
+    EXPECT_TRUE(ToolInUse(directory, Vtf2tga).StandsIn);
+  }
+  EXPECT_FALSE(ToolInUse(own, Vtex).StandsIn) << "it is what was asked for";
+  EXPECT_NE(ToolsInUseText(own + "/").find("vtex: our own"), std::string::npos);
+  EXPECT_TRUE(HoldsSdkTools(sdk.Path()));
+  EXPECT_FALSE(HoldsSdkTools(own));
+  EXPECT_NE(ToolsInUseText(sdk.Path()).find("vtex: the SDK's, vtf2tga: our own"), std::string::npos);
+  constexpr SdkTool Nobody{"nobody", ""};
+  EXPECT_EQ(ToolInUse(sdk.Path(), Nobody).Directory, sdk.Path());
+  EXPECT_FALSE(ToolInUse(sdk.Path(), Nobody).StandsIn);
+}
+
 TEST(VtexCommand, NamesAMapAsTheMaterialRefersToIt) {
   const struct {
     const char *Map, *Subdirectory, *Name;

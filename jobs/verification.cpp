@@ -1,0 +1,47 @@
+#include "jobs/verification.h"
+
+#include <algorithm>
+
+namespace tarnwick::jobs {
+
+namespace {
+
+/// Differences that the one line of a model tells; those behind them are counted.
+constexpr size_t MostInALine = 3;
+
+}  // namespace
+
+bool Verification::IsSameButForRounding() const {
+  return RealCount() == 0;
+}
+
+size_t Verification::RealCount() const {
+  const auto model = std::count_if(Model.begin(), Model.end(), [](const auto& one) { return !one.IsRounding; });
+  const auto sources = std::count_if(Sources.begin(), Sources.end(), [](const auto& one) { return !one.IsRounding(); });
+  return static_cast<size_t>(model + sources);
+}
+
+std::vector<std::string> Verification::Lines() const {
+  std::vector<std::string> lines;
+  for (const bool rounding : {false, true}) {
+    for (const model::ModelDifference& one : Model) {
+      if (one.IsRounding == rounding) lines.push_back(DifferenceLine(one));
+    }
+    for (const smd::SourceDifference& one : Sources) {
+      if (one.IsRounding() == rounding) lines.push_back(DifferenceLine(one));
+    }
+  }
+  return lines;
+}
+
+std::string Verification::Line() const {
+  if (IsSame()) return "same";
+  const std::vector<std::string> lines = Lines();
+  const size_t told = IsSameButForRounding() ? lines.size() : RealCount();
+  std::string line = IsSameButForRounding() ? "same but for rounding: " : "differs: ";
+  for (size_t i = 0; i < std::min(told, MostInALine); ++i) line += (i > 0 ? "; " : "") + lines[i];
+  if (told > MostInALine) line += "; and " + std::to_string(told - MostInALine) + " more";
+  return line;
+}
+
+}  // namespace tarnwick::jobs

@@ -1,0 +1,158 @@
+#include "jobs/verify_models.h"
+
+#include <atomic>
+#include <filesystem>
+#include <utility>
+
+#include "core/paths.h"
+#include "decompiler/decompile_job.h"
+#include "jobs/input_files.h"
+#include "jobs/scratch_directory.h"
+#include "model/comparison/model_comparison.h"
+#include "model/loaded_model.h"
+#include "smd/source_comparison.h"
+
+namespace tarnwick::jobs {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view ModelExtension = ".mdl";
+constexpr const char* ScriptName = "ravelback.qc";
+
+/// Passes errors on: what a step on the way logs and warns of shows in the comparison, if it matters.
+class ErrorsOnly : public core::Report {
+ public:
+  ErrorsOnly(ItemRun& run, std::string step) : m_run(run), m_step(std::move(step)) {}
+
+  void Log(std::string_view) override {}
+  void Tell(const core::Trouble& trouble) override {
+    if (trouble.Level != core::Severity::Error) return;
+    core::Trouble told = trouble;
+    told.Caption.clear();  // a box for every model that fails would be too many
+    told.Text = m_step + ": " + told.Text;
+    told.Alike = m_step + ": " + trouble.SharedText();
+    m_run.Tell(told);
+  }
+
+ private:
+  ItemRun& m_run;
+  const std::string m_step;
+};
+
+class ModelRound {
+ public:
+  ModelRound(const ModelCompiler& compiler, ItemRun& run, const fs::path& folder)
+      : m_compiler(compiler), m_run(run), m_folder(folder), m_onStop(run.Stop, [this] { m_stopped = true; }) {}
+
+  void Work() {
+    const std::string sources = MakeFolder("sources");
+    const std::string compiled = MakeFolder("compiled");
+    const std::string again = MakeFolder("again");
+    MakeFolder("compiled/models");
+    if (Failed() || !Decompile(m_run.Result.Source, sources, "decompiling")) return;
+    Step("compiling", 1);
+    ErrorsOnly compileReport(m_run, "compiling");
+    const auto model = m_compiler({sources + core::PathSeparator + ScriptName, compiled, Version()}, compileReport);
+    if (!model && !Failed()) compileReport.ErrorBox(core::TroubleKind::Lost, "no model was made", "");
+    if (Stopped() || Failed()) return;
+    Step("decompiling again", 2);
+    if (!Decompile(*model, again, "decompiling again")) return;
+    Step("comparing", 3);
+    Compare(*model, sources, again);
+  }
+
+ private:
+  static constexpr size_t Steps = 4;
+
+  std::string MakeFolder(const char* name) {
+    const fs::path path = m_folder / name;
+    std::error_code error;
+    fs::create_directories(path, error);
+    if (error) {
+      m_run.Fail(core::TroubleKind::Unwritable,
+                 "The folder " + core::PathText(path) + " cannot be made: " + error.message(), core::PathText(path));
+    }
+    return core::PathText(path);
+  }
+
+  void Step(const char* name, size_t number) { m_run.Progressed(name, number, Steps); }
+  bool Failed() const { return m_run.Result.First(core::Severity::Error) != nullptr; }
+  bool Stopped() {
+    if (m_stopped && !Failed()) m_run.Fail(core::TroubleKind::Stopped, "The verification was stopped");
+    return m_stopped;
+  }
+
+  int32_t Version() const {
+    const auto mdl = model::LoadModelFile(m_run.Result.Source);
+    const auto header = mdl ? mdl->View().At<model::StudioHeader>(0) : std::nullopt;
+    return header ? (*header)->Version : 0;
+  }
+
+  bool Decompile(const std::string& path, const std::string& folder, const std::string& step) {
+    ErrorsOnly report(m_run, step);
+    decompiler::DecompileJob job;
+    job.ModelPath = path;
+    job.OutputDirectory = folder;
+    job.Options = decompiler::DecompileOptionReadyToCompile;
+    job.Helpers = &m_run.Helpers;
+    job.StopRequested = &m_stopped;
+    const auto result = decompiler::DecompileModel(job, report);
+    if (!result.Completed && !Failed()) report.ErrorBox(core::TroubleKind::Lost, "it did not come to its end", "");
+    return !Stopped() && !Failed();
+  }
+
+  void Compare(const std::string& model, const std::string& sources, const std::string& again) {
+    ErrorsOnly report(m_run, "comparing");
+    auto differences = model::CompareModels(m_run.Result.Source, model, report, [this] { return m_stopped.load(); });
+    if (Stopped() || !differences) return;
+    Verification& verified = m_run.Result.Verified.emplace();
+    verified.Model = std::move(*differences);
+    verified.Sources = smd::CompareSources(sources, again, report);
+    for (const std::string& line : verified.Lines()) m_run.Log(line + "\r\n");
+    m_run.Result.Shown = verified.Line();
+    if (verified.IsSameButForRounding()) return;
+    m_run.Tell({.Kind = core::TroubleKind::Mismatch,
+                .File = m_run.Result.Source,
+                .Text = m_run.Result.Source + " " + verified.Line(),
+                .Alike = "it is not the same after decompiling and compiling"});
+  }
+
+  const ModelCompiler& m_compiler;
+  ItemRun& m_run;
+  const fs::path m_folder;
+  std::atomic<bool> m_stopped = false;
+  const std::stop_callback<std::function<void()>> m_onStop;  // behind what it sets
+};
+
+}  // namespace
+
+JobPlan Plan(const VerifyModels& job) {
+  JobPlan plan;
+  InputFiles found = FindInputFiles(job.Inputs, ModelExtension, job.Recursive);
+  plan.Troubles = std::move(found.Troubles);
+  UniqueNames folders;
+  for (const InputFile& file : found.Files) {
+    std::string target;
+    if (!job.KeepDirectory.empty()) {
+      const std::string folder = folders.Take(WithoutExtension(file.Name, ModelExtension));
+      target = core::PathText(core::NativePath(job.KeepDirectory) / core::NativePath(folder));
+    }
+    plan.Items.push_back({file.Path, std::move(target)});
+  }
+  return plan;
+}
+
+JobResult Run(const VerifyModels& job, Host& host, const std::stop_token& stop) {
+  return RunItems(Plan(job), {job.Threads, job.Threads}, host, stop, [&](size_t, ItemRun& run) {
+    if (!run.Result.Target.empty()) return ModelRound(job.Compiler, run, core::NativePath(run.Result.Target)).Work();
+    const ScratchDirectory scratch;
+    if (scratch.Path().empty()) {
+      return run.Fail(core::TroubleKind::Unwritable, "No folder for temporary files can be made: " + scratch.Problem());
+    }
+    ModelRound(job.Compiler, run, scratch.Path()).Work();
+  });
+}
+
+}  // namespace tarnwick::jobs

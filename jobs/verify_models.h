@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <stop_token>
+#include <string>
+#include <vector>
+
+#include "jobs/host.h"
+#include "jobs/item_run.h"
+
+namespace tarnwick::jobs {
+
+/// Makes a model of a script, with nothing changed that the script says.
+struct ModelCompile {
+  std::string Script;
+  std::string GameDirectory;  // the files come to lie below its folder "models", which is there
+  int32_t Version = 48;       // of the model
+};
+/// Compiles and gives the path of the .mdl file; nothing, told to the report as errors, if there is none.
+using ModelCompiler = std::function<std::optional<std::string>(const ModelCompile&, core::Report&)>;
+
+/// The proof that sources hold all of a model: each model is decompiled, compiled and decompiled again, and both the
+/// models and the sources are compared.
+struct VerifyModels {
+  std::vector<std::string> Inputs = {};  // models, and folders that are searched for them
+  bool Recursive = false;                // also the folders below a folder
+  std::string KeepDirectory = {};        // where sources and compiled models stay; "" to leave nothing
+  int Threads = 1;                       // models at a time
+  ModelCompiler Compiler = {};           // empty for the program's own
+};
+
+/// The models that the job finds. The target of each is its folder below KeepDirectory, "" without one.
+JobPlan Plan(const VerifyModels& job);
+
+/// Verifies every model. An item has succeeded if what came back is the same or differs by rounding alone; its result
+/// holds the verification. A model that cannot be read, written, compiled or compared has failed with the reason. What
+/// is made lies in a folder that goes away with the job: in `sources` the first sources, in `compiled` the model made
+/// of them, in `again` the sources of that.
+JobResult Run(const VerifyModels& job, Host& host, const std::stop_token& stop);
+
+}  // namespace tarnwick::jobs

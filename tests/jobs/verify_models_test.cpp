@@ -1,0 +1,112 @@
+#include "jobs/verify_models.h"
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+
+#include "support/model_builder.h"
+#include "support/recording_host.h"
+#include "support/scratch_folder.h"
+
+namespace {
+
+using namespace tarnwick;
+using namespace tarnwick::jobs;
+using namespace tarnwick::tests;
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+using testing::StartsWith;
+
+/// A model of one sequence, so that its sources have an animation too.
+ModelBuilder Crate() {
+  ModelBuilder model;
+  model.Animations = {{}};
+  model.Sequences = {{}};
+  return model;
+}
+
+/// A compiler that gives `model` for every script that is there.
+ModelCompiler Gives(const ModelBuilder& model) {
+  return [model](const ModelCompile& compile, core::Report& report) -> std::optional<std::string> {
+    if (!core::FileExists(compile.Script)) {
+      report.ErrorBox(core::TroubleKind::Missing, "no script", "");
+      return std::nullopt;
+    }
+    return model.Write(compile.GameDirectory + "/models", "made");
+  };
+}
+
+class VerifyModelsJob : public testing::Test {
+ protected:
+  const ItemResult& Verify(const ModelCompiler& compiler, const std::string& keep = {}) {
+    m_result = jobs::Run({.Inputs = {m_folder.Path("cube.mdl")}, .KeepDirectory = keep, .Compiler = compiler}, m_host,
+                         m_stop.get_token());
+    return m_result.Items.at(0);
+  }
+
+  ScratchFolder m_folder;
+  RecordingHost m_host;
+  std::stop_source m_stop;
+  JobResult m_result;
+};
+
+TEST_F(VerifyModelsJob, TellsWhetherAModelComesBackTheSame) {
+  Crate().Write(m_folder.Path());
+  const ItemResult& same = Verify(Gives(Crate()));
+  EXPECT_EQ(same.Judged, Verdict::Succeeded);
+  EXPECT_EQ(same.Shown, "same");
+
+  ModelBuilder near = Crate();
+  near.BodyParts[0].Models[0].Meshes[0].Vertices[1].Position.x = 1.000001f;
+  EXPECT_EQ(Verify(Gives(near)).Judged, Verdict::Succeeded);
+  EXPECT_THAT(m_result.Items[0].Shown,
+              AllOf(StartsWith("same but for rounding: vertices: position"), HasSubstr("1e-06")));
+
+  ModelBuilder other = Crate();
+  other.BodyParts[0].Models[0].Meshes[0].Vertices[1].Position.x = 2;
+  const ItemResult& differs = Verify(Gives(other));
+  EXPECT_EQ(differs.Judged, Verdict::Failed);
+  EXPECT_THAT(differs.Shown, AllOf(StartsWith("differs: vertices: position differs by 1, in body part body"),
+                                   HasSubstr("cube.smd: 1 line differs by 1")));
+  EXPECT_THAT(differs.Verified->Model, SizeIs(1));
+  EXPECT_THAT(m_folder.Files(), SizeIs(3)) << "nothing but the model is left";
+}
+
+TEST_F(VerifyModelsJob, KeepsEachStepWhereItIsAsked) {
+  Crate().Write(m_folder.Path());
+  EXPECT_EQ(Verify(Gives(Crate()), m_folder.Path("kept")).Target, m_folder.Joined("kept/cube"));
+  for (const char* name : {"sources/ravelback.qc", "compiled/models/made.mdl", "again/ravelback.qc"}) {
+    EXPECT_TRUE(core::FileExists(m_folder.Path(std::string("kept/cube/") + name))) << name;
+  }
+}
+
+TEST_F(VerifyModelsJob, NamesTheStepThatFailedAndWhy) {
+  WriteText(m_folder.Path("cube.mdl"), "");
+  EXPECT_EQ(Verify(Gives(Crate())).Judged, Verdict::Failed);
+  EXPECT_THAT(m_result.Items[0].First(core::Severity::Error)->Text, StartsWith("decompiling: "));
+
+  Crate().Write(m_folder.Path());
+  const auto refuses = [](const ModelCompile&, core::Report& report) -> std::optional<std::string> {
+    report.Tell({.Text = "ravelback.qc:3: error: no such mesh"});
+    return std::nullopt;
+  };
+  EXPECT_EQ(Verify(refuses).First(core::Severity::Error)->Text, "compiling: ravelback.qc:3: error: no such mesh");
+  EXPECT_FALSE(m_result.Items[0].Verified);
+
+  const auto silent = [](const ModelCompile&, core::Report&) -> std::optional<std::string> { return std::nullopt; };
+  EXPECT_EQ(Verify(silent).Judged, Verdict::Failed);
+}
+
+TEST_F(VerifyModelsJob, EndsBetweenItsStepsWhenItIsStopped) {
+  Crate().Write(m_folder.Path());
+  const auto stops = [this](const ModelCompile& compile, core::Report& report) {
+    m_stop.request_stop();
+    return Gives(Crate())(compile, report);
+  };
+  EXPECT_EQ(Verify(stops).Judged, Verdict::Stopped);
+  EXPECT_FALSE(m_result.Items[0].Verified);
+}
+
+}  // namespace
