@@ -19,7 +19,7 @@ struct ConsoleStyle {
   /// Where command lines and the tools' lines go as they come, of a job that does its items one after the other; the
   /// log then comes as it is told as well. Null: they are part of the log.
   std::ostream* ToolLines = nullptr;
-  bool ShowsProgress = true;  // a bar at the bottom of a terminal, in place of the log of several items
+  bool ShowsProgress = true;   // a bar at the bottom of a terminal, in place of the log of several items
   bool ResultsSayAll = false;  // the result line of an item tells its troubles, so nothing else need
   /// The line that standard output gets for an item that has ended or was not begun, or "" for none.
   std::function<std::string(const jobs::ItemResult&)> ResultLine;

@@ -14,6 +14,7 @@
 #include "cli/project_verb.h"
 #include "cli/qc_verb.h"
 #include "cli/smd_verb.h"
+#include "cli/verify_verb.h"
 #include "cli/view_verb.h"
 
 namespace tarnwick::cli {
@@ -21,7 +22,7 @@ namespace tarnwick::cli {
 namespace {
 
 constexpr AddVerb VerbTable[] = {
-    AddDecompileVerb,   AddCompileVerb, AddQcVerb, AddProjectVerb, AddSmdVerb, AddArchiveVerb,
+    AddDecompileVerb,   AddCompileVerb, AddVerifyVerb, AddQcVerb, AddProjectVerb, AddSmdVerb, AddArchiveVerb,
 #ifdef TARNWICK_HAS_IMAGES
     AddMaterialVerb,    AddVtfVerb,
 #endif

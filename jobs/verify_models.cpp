@@ -7,6 +7,7 @@
 #include "core/paths.h"
 #include "decompiler/decompile_job.h"
 #include "jobs/input_files.h"
+#include "jobs/own_compiler.h"
 #include "jobs/scratch_directory.h"
 #include "model/comparison/model_comparison.h"
 #include "model/loaded_model.h"
@@ -145,13 +146,14 @@ JobPlan Plan(const VerifyModels& job) {
 }
 
 JobResult Run(const VerifyModels& job, Host& host, const std::stop_token& stop) {
+  const ModelCompiler compiler = job.Compiler ? job.Compiler : CompileUnchanged;
   return RunItems(Plan(job), {job.Threads, job.Threads}, host, stop, [&](size_t, ItemRun& run) {
-    if (!run.Result.Target.empty()) return ModelRound(job.Compiler, run, core::NativePath(run.Result.Target)).Work();
+    if (!run.Result.Target.empty()) return ModelRound(compiler, run, core::NativePath(run.Result.Target)).Work();
     const ScratchDirectory scratch;
     if (scratch.Path().empty()) {
       return run.Fail(core::TroubleKind::Unwritable, "No folder for temporary files can be made: " + scratch.Problem());
     }
-    ModelRound(job.Compiler, run, scratch.Path()).Work();
+    ModelRound(compiler, run, scratch.Path()).Work();
   });
 }
 

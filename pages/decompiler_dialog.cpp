@@ -10,6 +10,7 @@
 #include "core/paths.h"
 #include "core/settings_table.h"
 #include "jobs/decompile_tree.h"
+#include "jobs/verify_models.h"
 #include "pages/recent_paths.h"
 #include "platform/bitmap_button.h"
 #include "platform/dropped_files.h"
@@ -63,7 +64,8 @@ void OfferPaths(QLineEdit& box, const std::vector<std::string>& paths) {
 CDecompilerDialog::CDecompilerDialog(const PageContext& context, QWidget* parent)
     : CPage(context, parent),
       m_ui(std::make_unique<Ui::DecompilerDialog>()),
-      m_status(context.Desktop, this, [this] { m_job.RequestStop(); }),
+      m_status(
+          context.Desktop, this, [this] { m_job.RequestStop(); }, [this] { OnVerify(); }),
       m_job(*this) {
   m_ui->setupUi(this);
   connect(m_ui->browseModelButton, &QAbstractButton::clicked, this, &CDecompilerDialog::OnBrowseModel);
@@ -191,6 +193,15 @@ void CDecompilerDialog::OnExtract() {
   m_status.Begin(job.OutputDirectory);
   platform::CenterOver(*this, m_status);
   m_status.show();
+  m_job.Start([job](jobs::Host& host, const std::stop_token& stop) { jobs::Run(job, host, stop); },
+              {.Bar = &m_status.Bar(), .OnEvent = [this](const jobs::Event& event) { m_status.Show(event); }});
+}
+
+void CDecompilerDialog::OnVerify() {
+  if (m_job.IsRunning() || m_status.Models().empty()) return;
+  const jobs::VerifyModels job{.Inputs = m_status.Models(),
+                               .Threads = 1};
+  m_status.BeginVerifying();
   m_job.Start([job](jobs::Host& host, const std::stop_token& stop) { jobs::Run(job, host, stop); },
               {.Bar = &m_status.Bar(), .OnEvent = [this](const jobs::Event& event) { m_status.Show(event); }});
 }

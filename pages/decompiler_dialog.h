@@ -33,6 +33,8 @@ class CDecompilerDialog : public CPage {
   void OnBrowseOutput();
   /// Starts the job; the log window shows how it goes on.
   void OnExtract();
+  /// Verifies the models of the last job, beside the window.
+  void OnVerify();
 
  protected:
   void OnInitDialog() override;

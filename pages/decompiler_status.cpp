@@ -2,6 +2,7 @@
 
 #include <QHeaderView>
 #include <QTreeWidget>
+#include <algorithm>
 #include <variant>
 
 #include "core/paths.h"
@@ -37,6 +38,7 @@ std::string LostText(int64_t lost) {
 /// What the list says of a model that is done.
 std::string ResultText(const jobs::ItemResult& result) {
   if (result.Judged == jobs::Verdict::Stopped) return "stopped";
+  if (result.Verified) return result.Shown;
   if (result.Succeeded()) {
     const size_t warnings = result.Count(core::Severity::Warning);
     return FilesWritten(result.Files.size()) + (warnings > 0 ? ", " + jobs::Counted(warnings, "warning") : "") +
@@ -54,9 +56,25 @@ std::string LogLine(const core::Trouble& trouble) {
   return platform::FromQt(ToQt(text).simplified()) + "\n";
 }
 
+/// "2 of 3 models are the same, 1 but for rounding".
+std::string VerifiedText(const jobs::JobResult& result) {
+  const auto count = [&](auto is) {
+    return static_cast<size_t>(
+        std::count_if(result.Items.begin(), result.Items.end(),
+                      [&](const jobs::ItemResult& item) { return item.Verified && is(*item.Verified); }));
+  };
+  const size_t same = count([](const jobs::Verification& one) { return one.IsSameButForRounding(); });
+  const size_t exact = count([](const jobs::Verification& one) { return one.IsSame(); });
+  std::string text = std::to_string(same) + " of " + jobs::Counted(result.Items.size(), "model") +
+                     (same == 1 ? " is the same" : " are the same");
+  if (exact < same) text += ", " + std::to_string(same - exact) + " but for rounding";
+  return text;
+}
+
 }  // namespace
 
-CDecompilerStatus::CDecompilerStatus(platform::Desktop& desktop, QWidget* parent, std::function<void()> stop)
+CDecompilerStatus::CDecompilerStatus(platform::Desktop& desktop, QWidget* parent, std::function<void()> stop,
+                                     std::function<void()> verify)
     : CDialog(desktop, parent), m_ui(std::make_unique<Ui::DecompilerStatus>()) {
   m_ui->setupUi(this);
   connect(m_ui->okButton, &QAbstractButton::clicked, this, &QDialog::accept);
@@ -65,6 +83,7 @@ CDecompilerStatus::CDecompilerStatus(platform::Desktop& desktop, QWidget* parent
     m_ui->stopButton->setEnabled(false);
     stop();
   });
+  connect(m_ui->verifyButton, &QAbstractButton::clicked, this, [verify = std::move(verify)] { verify(); });
   connect(m_ui->resultList, &QTreeWidget::itemActivated, this, [this](const QTreeWidgetItem* row) {
     OpenFolder(platform::FromQt(row->data(ModelColumn, FolderRole).toString()));
   });
@@ -79,6 +98,9 @@ QProgressBar& CDecompilerStatus::Bar() const {
 
 void CDecompilerStatus::Begin(const std::string& outputDirectory) {
   m_folder = outputDirectory;
+  m_models.clear();
+  m_isVerifying = false;
+  m_ui->verifyButton->setEnabled(false);
   m_count = m_modelsDone = m_filesDone = 0;
   m_lost = 0;
   m_ui->logEdit->Clear();
@@ -86,6 +108,15 @@ void CDecompilerStatus::Begin(const std::string& outputDirectory) {
   m_ui->resultList->hide();
   m_ui->fileLabel->setText("Looking for models");
   m_ui->stopButton->setEnabled(true);
+}
+
+void CDecompilerStatus::BeginVerifying() {
+  m_isVerifying = true;
+  m_count = m_modelsDone = m_filesDone = 0;
+  m_ui->resultList->clear();
+  m_ui->verifyButton->setEnabled(false);
+  m_ui->stopButton->setEnabled(true);
+  m_ui->logEdit->Append("\n");
 }
 
 void CDecompilerStatus::Show(const jobs::Event& event) {
@@ -112,18 +143,19 @@ void CDecompilerStatus::OnStarted(const jobs::Started& started) {
 }
 
 void CDecompilerStatus::OnModelStarted(const jobs::ItemStarted& started) {
-  if (m_count == 1) m_folder = started.Target;
-  m_ui->fileLabel->setText("Loading the model");
+  if (m_count == 1 && !m_isVerifying) m_folder = started.Target;
+  m_ui->fileLabel->setText(m_isVerifying ? "Verifying the model" : "Loading the model");
   auto* row = new QTreeWidgetItem(m_ui->resultList);
   row->setText(ModelColumn, ToQt(core::LastComponent(started.Input)));
   row->setToolTip(ModelColumn, ToQt(started.Input));
-  row->setText(ResultColumn, "decompiling");
+  row->setText(ResultColumn, m_isVerifying ? "verifying" : "decompiling");
   row->setData(ModelColumn, FolderRole, ToQt(started.Target));
   m_ui->resultList->scrollToItem(row);
 }
 
 void CDecompilerStatus::OnProgress(const jobs::Progress& progress) {
   if (progress.Begun == 0) return;
+  if (m_isVerifying) return m_ui->fileLabel->setText(ToQt("Verifying the model: " + progress.File));
   std::string text = FilesWritten(m_filesDone + progress.Done) + ", writing " + progress.File;
   if (m_count > 1) text = std::to_string(m_modelsDone) + " of " + jobs::Counted(m_count, "model") + ", " + text;
   m_ui->fileLabel->setText(ToQt(text));
@@ -131,6 +163,14 @@ void CDecompilerStatus::OnProgress(const jobs::Progress& progress) {
 
 void CDecompilerStatus::OnModelFinished(const jobs::ItemFinished& finished) {
   ++m_modelsDone;
+  const jobs::ItemResult& result = finished.Result;
+  if (m_isVerifying) {
+    const core::Trouble* error = result.First(core::Severity::Error);
+    const bool isTold = result.Verified || error == nullptr;
+    m_ui->logEdit->Append(result.Input + ": " + (isTold ? ResultText(result) : error->Text) + "\n");
+  } else if (!result.Files.empty()) {
+    m_models.push_back(result.Source);
+  }
   m_filesDone += finished.Result.Files.size();
   QTreeWidgetItem* row = m_ui->resultList->topLevelItem(m_ui->resultList->topLevelItemCount() - 1);
   const QString text = ToQt(ResultText(finished.Result)).simplified();
@@ -153,6 +193,8 @@ void CDecompilerStatus::OnModelFinished(const jobs::ItemFinished& finished) {
 
 void CDecompilerStatus::OnFinished(const jobs::JobResult& result) {
   m_ui->stopButton->setEnabled(false);
+  m_ui->verifyButton->setEnabled(!m_models.empty());
+  if (m_isVerifying) return m_ui->fileLabel->setText(ToQt(VerifiedText(result)));
   std::string text = (m_count == 1 ? FilesWritten(m_filesDone) : jobs::SummaryLine(result, "model")) + LostText(m_lost);
   if (m_count == 0 && !result.Troubles.empty()) text = result.Troubles.front().Text;
   m_ui->fileLabel->setText(ToQt(text));

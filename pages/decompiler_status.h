@@ -3,6 +3,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "jobs/events.h"
 #include "platform/dialog.h"
@@ -21,13 +22,19 @@ class CDecompilerStatus : public platform::CDialog {
   Q_OBJECT
 
  public:
-  /// `stop` is called when the user wants the job to end.
-  CDecompilerStatus(platform::Desktop& desktop, QWidget* parent, std::function<void()> stop);
+  /// `stop` is called when the user wants the job to end, `verify` when the models of the last one are to be verified.
+  CDecompilerStatus(platform::Desktop& desktop, QWidget* parent, std::function<void()> stop,
+                    std::function<void()> verify);
   ~CDecompilerStatus() override;
 
   /// Empties the window for a job that writes into `outputDirectory`.
   void Begin(const std::string& outputDirectory);
+  /// Readies the window for a verification of the models of the job before, whose text stays.
+  void BeginVerifying();
   void Show(const jobs::Event& event);
+
+  /// The models that the last job has decompiled.
+  const std::vector<std::string>& Models() const { return m_models; }
 
   QProgressBar& Bar() const;
 
@@ -41,6 +48,8 @@ class CDecompilerStatus : public platform::CDialog {
 
   std::unique_ptr<Ui::DecompilerStatus> m_ui;
   std::string m_folder;  // of the only model, or of all
+  bool m_isVerifying = false;
+  std::vector<std::string> m_models;
   size_t m_count = 0;
   size_t m_modelsDone = 0;
   size_t m_filesDone = 0;  // of the models that are done
