@@ -25,7 +25,6 @@ std::optional<std::string> CompileUnchanged(const ModelCompile& compile, core::R
   options.GameDirectory = compile.GameDirectory;
   options.Version = WrittenVersion(compile.Version);
   options.NormalAngle = 0;
-  options.PlainV = true;
   options.KeepValues = true;
   compiler::CompileReport done;
   const bool isWritten = compiler::CompileModel(compile.Script, options, done);

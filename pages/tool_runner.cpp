@@ -57,6 +57,8 @@ void ToolRunner::Show(const jobs::Event& event) {
 }
 
 void ToolRunner::OnLine(const jobs::Line& line) {
+  // Which tool runs, told ahead of the run.
+  if (line.Source == jobs::LineSource::Log && line.Item == jobs::NoItem) m_log->AppendPageLog(line.Text);
   if (line.Source == jobs::LineSource::Command) ToLog(line.Text);
   if (line.Source != jobs::LineSource::Tool) return;
   if (line.Kind == tools::LineKind::Error && m_firstError.empty()) {

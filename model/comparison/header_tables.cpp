@@ -38,6 +38,30 @@ std::string_view KeyValues(const ModelReader& reader) {
   return reader.Model.View().Text(header->KeyValueOffset).value_or("");
 }
 
+/// Either slash separates folders.
+std::string WithSlashes(std::string_view name) {
+  std::string text(name);
+  std::replace(text.begin(), text.end(), '\\', '/');
+  return text;
+}
+
+/// The words and braces of a text of keys and values, a blank between two: what stands between them does not count.
+std::string WordsOf(std::string_view text) {
+  std::string words;
+  while (true) {
+    text.remove_prefix(std::min(text.find_first_not_of(" \t\r\n"), text.size()));
+    if (text.empty()) return words;
+    size_t end = 1;
+    if (text[0] == '"') {
+      end = std::min(text.find('"', 1), text.size() - 1) + 1;
+    } else if (text[0] != '{' && text[0] != '}') {
+      end = std::min(text.find_first_of(" \t\r\n{}\""), text.size());
+    }
+    words += (words.empty() ? "" : " ") + std::string(text.substr(0, end));
+    text.remove_prefix(end);
+  }
+}
+
 }  // namespace
 
 void CompareHeaders(const ComparedModels& models) {
@@ -45,12 +69,14 @@ void CompareHeaders(const ComparedModels& models) {
   const auto b = models.Second.Model.Header();
   const auto nowhere = [] { return std::string(); };
   DifferenceList& differences = models.Differences;
-  differences.Text(ModelTable::Header, "name", nowhere, core::FixedText(a->Name), core::FixedText(b->Name));
+  differences.Text(ModelTable::Header, "name", nowhere, WithSlashes(core::FixedText(a->Name)),
+                   WithSlashes(core::FixedText(b->Name)));
   CompareFields(differences, ModelTable::Header, HeaderFields, *a, *b, nowhere);
   CompareFields(differences, ModelTable::Boxes, BoxFields, *a, *b, nowhere);
   differences.Text(ModelTable::Header, "surface property", nowhere, TextOf(models.First, a, a->SurfacePropOffset),
                    TextOf(models.Second, b, b->SurfacePropOffset));
-  differences.Text(ModelTable::Header, "key values", nowhere, KeyValues(models.First), KeyValues(models.Second));
+  differences.Text(ModelTable::Header, "key values", nowhere, WordsOf(KeyValues(models.First)),
+                   WordsOf(KeyValues(models.Second)));
   differences.Whole(ModelTable::Header, "constant light", nowhere, a->ConstantLight, b->ConstantLight);
   differences.Whole(ModelTable::Header, "root level of detail", nowhere, a->RootLod, b->RootLod);
   differences.Whole(ModelTable::Header, "allowed root levels", nowhere, a->AllowedRootLods, b->AllowedRootLods);

@@ -1,5 +1,9 @@
+#include <algorithm>
 #include <array>
+#include <limits>
+#include <utility>
 
+#include "core/paths.h"
 #include "model/comparison/compared_tables.h"
 #include "model/comparison/record_fields.h"
 #include "model/mesh_pieces.h"
@@ -60,17 +64,27 @@ class Corners {
   int64_t m_corner = 0;
 };
 
+/// A vertex's weights by bone: their order shows in nothing.
+std::array<std::pair<int, float>, 3> WeightsByBone(const VvdVertex& vertex) {
+  std::array<std::pair<int, float>, 3> weights;
+  weights.fill({std::numeric_limits<int>::max(), 0.0f});
+  const size_t count = std::min(weights.size(), size_t{vertex.WeightCount});
+  for (size_t i = 0; i < count; ++i) weights[i] = {vertex.Bones[i], vertex.Weights[i]};
+  std::sort(weights.begin(), weights.end());
+  return weights;
+}
+
 void CompareWeights(DifferenceList& differences, const VvdVertex& a, const VvdVertex& b,
                     const std::function<std::string()>& where) {
-  constexpr size_t Most = std::size(VvdVertex{}.Weights);
   differences.Whole(ModelTable::Vertices, "number of weights", where, a.WeightCount, b.WeightCount);
-  const size_t count = std::min({Most, size_t{a.WeightCount}, size_t{b.WeightCount}});
-  std::array<float, Most> first{};
-  std::array<float, Most> second{};
-  for (size_t i = 0; i < count; ++i) {
-    differences.Whole(ModelTable::Vertices, "bone of a weight", where, a.Bones[i], b.Bones[i]);
-    first[i] = a.Weights[i];
-    second[i] = b.Weights[i];
+  const auto one = WeightsByBone(a);
+  const auto other = WeightsByBone(b);
+  std::array<float, 3> first{};
+  std::array<float, 3> second{};
+  for (size_t i = 0; i < std::min({one.size(), size_t{a.WeightCount}, size_t{b.WeightCount}}); ++i) {
+    differences.Whole(ModelTable::Vertices, "bone of a weight", where, one[i].first, other[i].first);
+    first[i] = one[i].second;
+    second[i] = other[i].second;
   }
   differences.Numbers(ModelTable::Vertices, "weights", where, first, second, WeightGrain);
 }
@@ -119,11 +133,19 @@ void CompareLevel(const ComparedModels& models, const ModelRecord& first, const 
   }
 }
 
+/// A model is named after its source; of that name the last part counts, without its ending and its letters' case.
+std::string SourceName(std::string_view name) {
+  constexpr std::string_view Ending = ".smd";
+  std::string text = core::LowerAscii(core::LastComponent(name));
+  if (text.ends_with(Ending)) text.resize(text.size() - Ending.size());
+  return text;
+}
+
 void CompareModel(const ComparedModels& models, const ModelRecord& first, const ModelRecord& second, int64_t part,
                   int64_t number, int64_t levels, const std::string& place) {
   const auto where = [&] { return place; };
-  models.Differences.Text(ModelTable::Bodies, "name of a model", where, core::FixedText(first->Name),
-                          core::FixedText(second->Name));
+  models.Differences.Text(ModelTable::Bodies, "name of a model", where, SourceName(core::FixedText(first->Name)),
+                          SourceName(core::FixedText(second->Name)));
   models.Differences.Whole(ModelTable::Vertices, "number of vertices", where, first->VertexCount, second->VertexCount);
   CompareTables<StudioMesh>(
       models, ModelTable::Bodies, "meshes", where, {first.Offset() + first->MeshOffset, first->MeshCount},

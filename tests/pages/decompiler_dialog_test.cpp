@@ -212,6 +212,28 @@ TEST_F(DecompilePage, DecompilesAllThatIsDroppedAndTellsWhatBecameOfEach) {
   EXPECT_THAT(m_folder.Files(), Contains("new/out/cube.smd"));
 }
 
+TEST_F(DecompilePage, VerifiesTheModelsOfTheLastJobBesideTheWindow) {
+  Open();
+  auto& verify = ControlOf<QPushButton>(Status(), "verifyButton");
+  EXPECT_FALSE(verify.isEnabled()) << "no job has been";
+  for (const char* name : {"a", "b"}) tests::ModelBuilder{}.Write(m_folder.Path(), name);
+  ControlOf<QLineEdit>(*m_page, "modelEdit").setText(QString::fromStdString(m_folder.Path()));
+  ControlOf<QLineEdit>(*m_page, "outputEdit").setText(QString::fromStdString(m_folder.Path("out")));
+  Click(*m_page, "extractButton");
+  ASSERT_TRUE(WaitForJob());
+  const auto files = m_folder.Files();
+  EXPECT_TRUE(verify.isEnabled());
+  QTest::keyClick(&Status(), Qt::Key_V, Qt::AltModifier);
+  EXPECT_FALSE(m_page->isEnabled());
+  EXPECT_FALSE(verify.isEnabled());
+  ASSERT_TRUE(WaitForJob());
+  EXPECT_THAT(Rows(Status()), testing::SizeIs(2));
+  EXPECT_THAT(Log(), testing::AllOf(HasSubstr(m_folder.Path("a.mdl: ")), HasSubstr(m_folder.Path("b.mdl: "))));
+  EXPECT_THAT(ControlOf<QLabel>(Status(), "fileLabel").text().toStdString(), HasSubstr("of 2 models"));
+  EXPECT_TRUE(verify.isEnabled()) << "it may be asked again";
+  EXPECT_EQ(m_folder.Files(), files) << "nothing is left";
+}
+
 TEST_F(DecompilePage, SaysThatAFolderHoldsNoModel) {
   Open();
   std::filesystem::create_directory(m_folder.Path("empty"));
