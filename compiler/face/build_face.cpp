@@ -84,7 +84,7 @@ class FaceBuild {
     const auto number = static_cast<int32_t>(m_built->Eyeballs.size());
     m_built->Eyeballs.push_back(record);
     m_eyes.push_back(eye.Name);
-    const std::string white = m_textures.NameOf(eye.Material);
+    const std::string white = m_textures.NameInScript(eye.Material);
     for (BuiltMesh& mesh : m_model->Meshes) {
       if (mesh.Eyeball >= 0) continue;
       if (!core::EqualIgnoringCase(m_meshes.Textures[static_cast<size_t>(mesh.Texture)], white)) continue;

@@ -31,11 +31,16 @@ double LengthOf(const std::array<double, 3>& v) {
   return std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]);
 }
 
+/// A part of 255; what is no number is none of it.
+uint8_t ByteOf(double part) {
+  return part > 0 ? static_cast<uint8_t>(std::min(255 * part, 255.0)) : uint8_t{0};
+}
+
 /// 0 on one side of the face, 255 on the other, a smooth step across the band between.
 uint8_t SideOf(float x, float band) {
   const double width = std::max(std::abs(double{band}), 1e-6);
   const double t = std::clamp((double{x} + width) / (2 * width), 0.0, 1.0);
-  return static_cast<uint8_t>(std::lround(255 * t * t * (3 - 2 * t)));
+  return ByteOf(t * t * (3 - 2 * t) + 0.5 / 255);
 }
 
 }  // namespace
@@ -153,9 +158,7 @@ bool ShapeFile::AddFlex(CompileContext& context, const FlexShape& flex, const Bu
       if (next + 1 < changes.size() && changes[next + 1].Vertex == change.Vertex) continue;
       model::StudioVertAnim record{};
       record.Vertex = static_cast<int16_t>(static_cast<uint16_t>(change.Vertex - first));
-      record.Speed =
-          longest > 0 ? static_cast<uint8_t>(std::clamp(255 * double{flex.Decay} * change.Length / longest, 0.0, 255.0))
-                      : uint8_t{0};
+      record.Speed = longest > 0 ? ByteOf(double{flex.Decay} * change.Length / longest) : uint8_t{0};
       if (flex.Partner != 0) record.Side = SideOf(change.RestX, flex.SideBand);
       record.PositionDelta = EncodeVec48(change.Position[0], change.Position[1], change.Position[2]);
       record.NormalDelta = EncodeVec48(change.Normal[0], change.Normal[1], change.Normal[2]);

@@ -125,13 +125,15 @@ class MeshBuild {
 
   /// Puts the name of the level's own material into `name`. False if the level leaves its triangles out.
   bool TakeLevelsName(const PlanLod& lod, std::string& name) const {
-    const auto is = [&](const std::string& other) { return core::EqualIgnoringCase(m_textures.NameOf(other), name); };
+    const auto is = [&](const std::string& other) {
+      return core::EqualIgnoringCase(m_textures.NameInScript(other), name);
+    };
     for (const std::string& removed : lod.RemovedMeshes) {
       if (is(removed)) return false;
     }
     for (const auto& [from, to] : lod.Materials) {
       if (!is(from)) continue;
-      name = m_textures.NameOf(to);
+      name = m_textures.NameInScript(to);
       break;
     }
     return true;
@@ -190,7 +192,7 @@ class MeshBuild {
 
   /// The normals of a material point away from a middle.
   void MakeSphere(const PlanSphereNormals& sphere, std::map<int32_t, MeshDraft>& drafts) {
-    const int32_t texture = m_textures.FindKnown(m_textures.NameOf(sphere.Material));
+    const int32_t texture = m_textures.FindKnown(m_textures.NameInScript(sphere.Material));
     const auto found = drafts.find(texture);
     if (found == drafts.end()) {
       m_context.Warning(sphere.At, "no triangle wears the material \"" + sphere.Material + "\"");

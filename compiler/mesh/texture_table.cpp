@@ -1,6 +1,7 @@
 #include "compiler/mesh/texture_table.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "core/paths.h"
 
@@ -10,7 +11,7 @@ TextureTable::TextureTable(const CompilePlan& plan) {
   const auto& folders = plan.MaterialFolders;
   m_keepFolders = std::find(folders.begin(), folders.end(), "") != folders.end();
   for (const auto& [from, to] : plan.RenamedMaterials) {
-    m_renamed.try_emplace(core::LowerAscii(NameOf(from)), NameOf(to));
+    m_renamed.try_emplace(core::LowerAscii(NameInScript(from)), NameInScript(to));
   }
 }
 
@@ -26,6 +27,16 @@ std::string TextureTable::NameOf(std::string_view material) const {
     material = material.substr(0, dot);
   }
   return std::string(material);
+}
+
+std::string TextureTable::NameInScript(std::string_view name) const {
+  constexpr std::string_view Images[] = {".tga", ".bmp", ".vmt", ".vtf", ".psd",
+                                         ".png", ".jpg", ".pcx", ".tif", ".dds"};
+  const std::string lower = core::LowerAscii(name);
+  const bool isImage = std::any_of(std::begin(Images), std::end(Images),
+                                   [&](std::string_view ending) { return lower.ends_with(ending); });
+  // What NameOf takes away is then not a part of the name.
+  return NameOf(isImage ? std::string(name) : std::string(name) + ".tga");
 }
 
 int32_t TextureTable::Find(const std::string& name) {
@@ -58,7 +69,7 @@ std::vector<std::string> TextureTable::Names() const {
 
 std::vector<std::vector<int16_t>> MakeSkins(const std::vector<PlanSkins>& groups, TextureTable& textures) {
   const auto numberOf = [&](const std::string& material) {
-    const std::string name = textures.NameOf(material);
+    const std::string name = textures.NameInScript(material);
     const int32_t known = textures.FindKnown(name);
     return known >= 0 ? known : textures.Find(name);
   };

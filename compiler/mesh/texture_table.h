@@ -19,6 +19,9 @@ class TextureTable {
   /// folder unless the script keeps folders.
   std::string NameOf(std::string_view material) const;
 
+  /// The same of a name of the script, which has an extension only where it is that of an image.
+  std::string NameInScript(std::string_view name) const;
+
   /// The texture of that name; a new one if there is none. Letters of either case are alike.
   int32_t Find(const std::string& name);
   /// The same, -1 if there is none: by the name in the sources, or by the one that the script gave it.

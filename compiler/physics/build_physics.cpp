@@ -269,6 +269,7 @@ class PhysicsBuild {
                         core::TroubleKind::Lost);
       return false;
     }
+    if (!SpendOn(pieces)) return false;
     std::vector<model::PhyCorners> hull;
     const model::PhySolid solid = SolidOf(pieces, m_plan.Joints ? body.Bone + 1 : 0, hull);
     std::string reason;
@@ -286,6 +287,21 @@ class PhysicsBuild {
       }
     }
     return true;
+  }
+
+  /// Pays for what a surface's derived values cost: the cells of half an inch that its triangles cross, and the look
+  /// for the triangle across each.
+  bool SpendOn(const std::vector<CollisionPiece>& pieces) {
+    double steps = 0;
+    for (const CollisionPiece& piece : pieces) {
+      const auto triangles = static_cast<double>(piece.Triangles.size());
+      double size = 0;
+      for (const model::Vec3& p : piece.Points) {
+        for (const float value : {float{p.x}, float{p.y}, float{p.z}}) size = std::max(size, std::abs(double{value}));
+      }
+      steps += triangles * triangles + triangles * std::min(size, 1e6) * 4;
+    }
+    return m_context.Spend(static_cast<int64_t>(std::min(steps * 4, 1e15)), m_plan.At);
   }
 
   void AddToBox(const model::Vec3& point) {

@@ -168,7 +168,9 @@ model::PhySolid SolidOf(const std::vector<CollisionPiece>& pieces, int32_t boneN
   const std::vector<model::Vec3> points = numbers.Points();
   hull.clear();
   if (pieces.size() > 1) {
-    if (auto round = HullOf(points)) hull = std::move(*round);
+    auto round = HullOf(points);
+    // Pieces that all lie in one plane have no hull; any closed mesh stands for it.
+    hull = round ? std::move(*round) : solid.Pieces.front().Triangles;
   }
   solid.Points.reserve(points.size());
   for (const model::Vec3& point : points) solid.Points.push_back(model::ModelToPhy(point));
