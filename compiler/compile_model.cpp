@@ -114,7 +114,11 @@ class SourceLoader {
                       .Text = place + (message.IsError ? "error: " : "warning: ") + message.Text,
                       .Alike = message.Text});
     }
-    m_context.SetSource(static_cast<int32_t>(file.Number), std::move(file.Source));
+    const smd::SmdSource& read = file.Source;
+    const size_t size = read.Poses.size() * sizeof(smd::SourcePose) + read.Corners.size() * sizeof(smd::SourceCorner);
+    if (m_context.Spend(static_cast<int64_t>(size), source.At)) {
+      m_context.SetSource(static_cast<int32_t>(file.Number), std::move(file.Source));
+    }
   }
 
   CompileContext& m_context;
@@ -199,11 +203,12 @@ Outcome Compile(qc::Script script, bool byName, const CompileOptions& options, C
   TellScript(context);
   Outcome outcome;
   outcome.ModelName = plan->ModelName;
-  if (plan->Script.Sound() || context.ErrorCount() == 0) {
+  if (context.ErrorCount() == 0) {
     SourceLoader(context, byName).Load();
     ModelParts parts;
     CompiledFiles files;
-    if (RunStages(context, parts) && MakeFiles(context, parts, files)) {
+    // Sources that are damaged have told so; no stage need be ready for them.
+    if (context.ErrorCount() == 0 && RunStages(context, parts) && MakeFiles(context, parts, files)) {
       report.Bones = static_cast<int32_t>(parts.Bones.Bones.size());
       report.Sequences = static_cast<int32_t>(parts.Motion.Sequences.size());
       report.Animations = static_cast<int32_t>(parts.Motion.Animations.size());

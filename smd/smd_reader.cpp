@@ -192,6 +192,7 @@ class Reader {
   // Blocks
 
   void Nodes() {
+    if (m_source.FrameCount > 0 || !m_source.Corners.empty()) Tell(true, "nodes stand behind what names them");
     while (NextLine()) {
       if (AtEnd()) continue;
       const char* begin = m_at;
@@ -204,6 +205,7 @@ class Reader {
         Tell(true, "a node needs a number, a name and the number of its parent");
         continue;
       }
+      if (m_source.FrameCount > 0 || !m_source.Corners.empty()) continue;
       if (m_source.Nodes.size() >= MostSourceNodes) {
         Tell(true, "more than " + std::to_string(MostSourceNodes) + " nodes");
         continue;

@@ -42,6 +42,7 @@ void Append(std::string& bytes, const T& value) {
 }
 
 int16_t StepOf(double change, float scale) {
+  if (!std::isfinite(change)) return 0;
   return static_cast<int16_t>(std::clamp(std::round(change / double{scale}), -LargestStep, LargestStep));
 }
 
@@ -74,13 +75,14 @@ void AppendRuns(std::string& bytes, std::span<const int16_t> values) {
 
 uint64_t Pack64(const model::Quat& q) {
   const auto part = [](float value) {
-    const double step = std::round(double{value} * 1048576.5) + 1048576;
+    const double step = std::isfinite(value) ? std::round(double{value} * 1048576.5) + 1048576 : 0;
     return static_cast<uint64_t>(std::clamp(step, 0.0, 2097151.0));
   };
   return part(q.x) | part(q.y) << 21 | part(q.z) << 42 | uint64_t{q.w < 0 ? 1U : 0U} << 63;
 }
 void AppendPacked48(std::string& bytes, const model::Quat& q) {
   const auto part = [](float value, double half) {
+    if (!std::isfinite(value)) return uint16_t{0};
     return static_cast<uint16_t>(std::clamp(std::round(double{value} * half) + half, 0.0, 2 * half - 1));
   };
   Append(bytes, part(q.x, 32768));
