@@ -100,9 +100,6 @@ class MdlWriter {
               (m_parts.Meshes.ShadowLod ? model::ModelFlagShadowLod : 0);
     h.Mass = m_parts.Physics ? m_parts.Physics->Mass : 1.0f;
     h.Contents = m_plan.Contents;
-    if (m_plan.ConstantLight && std::isfinite(*m_plan.ConstantLight)) {
-      h.ConstantLight = static_cast<uint8_t>(std::clamp(*m_plan.ConstantLight * 255.0f, 0.0f, 255.0f));
-    }
     h.AllowedRootLods = static_cast<uint8_t>(m_plan.AllowedRootLods.value_or(0));
     if (m_new) h.SecondHeaderOffset = static_cast<int32_t>(m_second);
     m_texts.Name(offsetof(StudioHeader, AnimBlockNameOffset), 0, "");

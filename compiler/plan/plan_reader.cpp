@@ -21,20 +21,13 @@ using qc::Statement;
 
 namespace {
 
-constexpr uint32_t FlagObsolete = 0x200;
-constexpr uint32_t FlagNoForcedFade = 0x800;
-constexpr uint32_t FlagForcePhonemeCrossfade = 0x1000;
-constexpr uint32_t FlagConstantLight = 0x2000;
-constexpr uint32_t FlagAmbientBoost = 0x10000;
-constexpr uint32_t FlagNoShadows = 0x20000;
-constexpr uint32_t FlagTextureShadows = 0x40000;
 constexpr size_t MostMaterialFolders = 32;
 
 struct ContentsWord {
   std::string_view Word;
   int32_t Value;
 };
-constexpr ContentsWord ContentsWords[] = {{"solid", 1}, {"grate", 8}, {"notsolid", 0}, {"monster", 0x2000000}};
+constexpr ContentsWord ContentsWords[] = {{"solid", 1}, {"grate", 8}, {"notsolid", 0}};
 
 model::Vec3 VecAt(const Statement& s, size_t first) {
   return {static_cast<float>(s.Number(first)), static_cast<float>(s.Number(first + 1)),
@@ -153,10 +146,6 @@ class PlanReader {
       case Command::MaxEyeDeflection:
         m_plan.MaxEyeDeflection = Number(s, 0);
         return true;
-      case Command::ConstantDirectionalLight:
-        m_plan.Flags |= FlagConstantLight;
-        m_plan.ConstantLight = Number(s, 0);
-        return true;
       case Command::KeyValues:
         if (s.Text >= 0) m_plan.KeyValues += KeyValueText(m_plan.Script.KeyValues[static_cast<size_t>(s.Text)]);
         return true;
@@ -174,18 +163,6 @@ class PlanReader {
         return Flag(model::ModelFlagOpaque);
       case Command::MostlyOpaque:
         return Flag(model::ModelFlagMostlyOpaque);
-      case Command::Obsolete:
-        return Flag(FlagObsolete);
-      case Command::AmbientBoost:
-        return Flag(FlagAmbientBoost);
-      case Command::DoNotCastShadows:
-        return Flag(FlagNoShadows);
-      case Command::CastTextureShadows:
-        return Flag(FlagTextureShadows);
-      case Command::NoForcedFade:
-        return Flag(FlagNoForcedFade);
-      case Command::ForcePhonemeCrossfade:
-        return Flag(FlagForcePhonemeCrossfade);
       case Command::SkipBoneInBBox:
         m_plan.SkipBonesInBoxes = true;
         return true;

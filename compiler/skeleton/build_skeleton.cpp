@@ -28,10 +28,30 @@ Vec3 Unit(const Vec3& v) {
   return length > 0 ? Vec3{v.x / length, v.y / length, v.z / length} : v;
 }
 
+bool GivesAngles(const Matrix3x4& matrix, const model::PitchYawRoll& typed) {
+  model::PitchYawRoll angles;
+  model::MatrixToAngles(matrix, angles);
+  return angles.Pitch == typed.Pitch && angles.Yaw == typed.Yaw && angles.Roll == typed.Roll;
+}
+
+/// The rotation with typed angles. The two factors between degrees and radians are not quite each other's inverse:
+/// where angles would come back otherwise than typed, and a rotation a hair away gives them back, that one is taken.
+Matrix3x4 RotationOf(const model::PitchYawRoll& typed) {
+  Matrix3x4 plain;
+  model::AnglesToMatrix(typed, plain);
+  if (GivesAngles(plain, typed)) return plain;
+  const auto radians = [](float degrees) { return static_cast<float>(double{degrees} / model::RadiansToDegrees); };
+  const model::EulerAngles angles = {radians(typed.Roll), radians(typed.Pitch), radians(typed.Yaw)};
+  const Matrix3x4 near = MatrixOf(RigidTransform::Of(angles, Vec3{0, 0, 0}));
+  constexpr float Hair = 2.4e-7f;
+  bool isNear = true;
+  for (int i = 0; i < 12; ++i) isNear = isNear && std::abs(near.m[i] - plain.m[i]) <= Hair;
+  return isNear && GivesAngles(near, typed) ? near : plain;
+}
+
 Matrix3x4 Typed(const PlanAttachment& attachment) {
-  Matrix3x4 placement;
-  const model::PitchYawRoll none = {0, 0, 0};
-  model::AnglesPosToMatrix(attachment.Rotation.value_or(none), attachment.Position, placement);
+  Matrix3x4 placement = RotationOf(attachment.Rotation.value_or(model::PitchYawRoll{0, 0, 0}));
+  model::SetMatrixColumn(placement, 3, attachment.Position);
   if (attachment.Axes) {
     const auto& a = *attachment.Axes;
     const Vec3 x = Unit({a[0], a[1], a[2]});
