@@ -136,7 +136,7 @@ TEST(ReadyToCompile, WritesWhatStandsStillAsTheVeryNumber) {
   model.Sequences = {SequenceDescription{.Events = {{.Cycle = 0.3f, .Event = 5}}}};
   const DecompiledModel job(model, DecompileOptionReadyToCompile | DecompileOptionKeepRotations);
   EXPECT_THAT(job.File("idle.smd"),
-              HasSubstr("time 1\n  0 0.33333334 0.500000 0.000000001 0.000000 0.000000 0.001000\n"));
+              HasSubstr("time 1\n  0 0.33333334 0.500000 0.000000001 0.000000 -0.000000 0.001000\n"));
   // An event that no whole frame gives back stands at a part of one.
   EXPECT_THAT(job.Script(), HasSubstr("{ event 5 0.3 }"));
 }
