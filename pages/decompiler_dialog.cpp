@@ -199,8 +199,7 @@ void CDecompilerDialog::OnExtract() {
 
 void CDecompilerDialog::OnVerify() {
   if (m_job.IsRunning() || m_status.Models().empty()) return;
-  const jobs::VerifyModels job{.Inputs = m_status.Models(),
-                               .Threads = 1};
+  const jobs::VerifyModels job{.Inputs = m_status.Models(), .Threads = 1};
   m_status.BeginVerifying();
   m_job.Start([job](jobs::Host& host, const std::stop_token& stop) { jobs::Run(job, host, stop); },
               {.Bar = &m_status.Bar(), .OnEvent = [this](const jobs::Event& event) { m_status.Show(event); }});

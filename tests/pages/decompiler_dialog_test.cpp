@@ -223,7 +223,8 @@ TEST_F(DecompilePage, VerifiesTheModelsOfTheLastJobBesideTheWindow) {
   ASSERT_TRUE(WaitForJob());
   const auto files = m_folder.Files();
   EXPECT_TRUE(verify.isEnabled());
-  QTest::keyClick(&Status(), Qt::Key_V, Qt::AltModifier);
+  EXPECT_EQ(verify.text(), "&Verify") << "the keyboard reaches it";
+  Click(Status(), "verifyButton");
   EXPECT_FALSE(m_page->isEnabled());
   EXPECT_FALSE(verify.isEnabled());
   ASSERT_TRUE(WaitForJob());
