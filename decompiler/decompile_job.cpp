@@ -32,7 +32,6 @@ bool LoadModel(JobContext& job) {
     reason = size == 0 ? "it is empty" : "its " + std::to_string(size) + " bytes are fewer than a model's header has";
     model.reset();
   }
-  if (path.empty()) reason = "no model is named";
   if (!model) {
     DecompileLog(job, "Unable to read " + path + ": " + reason + "\r\n");
     job.Error("Unable to load model", "Error", core::TroubleKind::Unreadable, path);

@@ -4,17 +4,59 @@
 #include <cstdio>
 #include <fstream>
 #include <iterator>
+#include <optional>
 #include <string>
 
+#include "compiler/compile_model.h"
+#include "decompiler/decompile_job.h"
+#include "support/scratch_folder.h"
+#include "support/silent_report.h"
 #include "walker.h"
 
 namespace {
+
+using namespace tarnwick;
 
 bool IsCurrent(const std::string& path, const std::string& bytes) {
   std::ifstream file(path, std::ios::binary);
   const bool same = file && std::string(std::istreambuf_iterator<char>(file), {}) == bytes;
   if (!same) std::fprintf(stderr, "%s is not what make_sample writes\n", path.c_str());
   return same;
+}
+
+/// The model at `path`, taken apart and compiled.
+std::optional<compiler::CompiledFiles> TakenApartAndCompiled(const std::string& path) {
+  const tests::ScratchFolder sources;
+  tests::SilentReport report;
+  const decompiler::DecompileJob job{
+      .ModelPath = path, .OutputDirectory = sources.Path(), .Options = decompiler::DecompileOptionReadyToCompile};
+  if (!decompiler::DecompileModel(job, report).Succeeded()) return std::nullopt;
+  compiler::CompileOptions options;
+  options.NormalAngle = 0;
+  options.KeepValues = true;
+  compiler::CompileReport told;
+  auto files = compiler::CompileToMemory(sources.Path("ravelback.qc"), options, told);
+  for (const core::Trouble& trouble : told.Troubles) std::fprintf(stderr, "%s\n", trouble.Text.c_str());
+  return files;
+}
+
+/// What the model writer says of the figure, in the form that compiles give it: rounds of taking it apart and compiling
+/// it, until what text cannot say of it is gone.
+std::optional<compiler::CompiledFiles> Sample() {
+  constexpr int Rounds = 6;
+  tests::ScratchFolder written;
+  std::string path = samples::Walker().Build().Write(written.Path(), "walker");
+  std::optional<compiler::CompiledFiles> files;
+  for (int i = 0; i < Rounds; ++i) {
+    files = TakenApartAndCompiled(path);
+    if (!files) return std::nullopt;
+    const std::string stem = written.Path("round" + std::to_string(i));
+    const std::pair<const char*, const std::string*> parts[] = {
+        {".mdl", &files->Mdl}, {".vvd", &files->Vvd}, {".dx90.vtx", &files->Vtx}, {".phy", &files->Phy}};
+    for (const auto& [ending, bytes] : parts) std::ofstream(stem + ending, std::ios::binary) << *bytes;
+    path = stem + ".mdl";
+  }
+  return files;
 }
 
 }  // namespace
@@ -25,15 +67,21 @@ int main(int argumentCount, char** arguments) {
     std::fprintf(stderr, "usage: make_sample [--check] DIRECTORY\n");
     return 2;
   }
-  const std::string folder = arguments[argumentCount - 1];
-  const tarnwick::tests::ModelFiles files = tarnwick::samples::Walker().Build();
-  if (!check) {
-    std::printf("%s\n", files.Write(folder, "walker").c_str());
-    return 0;
+  const std::string stem = std::string(arguments[argumentCount - 1]) + "/walker";
+  const auto files = Sample();
+  if (!files) {
+    std::fprintf(stderr, "the sample cannot be taken apart and compiled\n");
+    return 1;
   }
-  const bool mdl = IsCurrent(folder + "/walker.mdl", files.Mdl.Bytes());
-  const bool vtx = IsCurrent(folder + "/walker.dx90.vtx", files.Vtx.Bytes());
-  const bool vvd = IsCurrent(folder + "/walker.vvd", files.Vvd.Bytes());
-  const bool phy = IsCurrent(folder + "/walker.phy", files.Phy);
-  return mdl && vtx && vvd && phy ? 0 : 1;
+  const std::pair<const char*, const std::string*> parts[] = {
+      {".mdl", &files->Mdl}, {".vvd", &files->Vvd}, {".dx90.vtx", &files->Vtx}, {".phy", &files->Phy}};
+  bool sound = true;
+  for (const auto& [ending, bytes] : parts) {
+    if (check) {
+      sound = IsCurrent(stem + ending, *bytes) && sound;
+    } else {
+      sound = (std::ofstream(stem + ending, std::ios::binary) << *bytes).flush().good() && sound;
+    }
+  }
+  return sound ? 0 : 1;
 }

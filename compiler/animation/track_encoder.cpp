@@ -135,7 +135,7 @@ class BoneChain {
  public:
   BoneChain(const ModelBones& bones, const BoneScales& scales, const BuiltAnimation& animation, size_t bone,
             int32_t first, int32_t count)
-      : m_animation(animation), m_scales(scales), m_bone(bone), m_bones(bones.Bones.size()), m_first(first) {
+      : m_animation(animation), m_bone(bone), m_bones(bones.Bones.size()), m_first(first) {
     for (size_t axis = 0; axis < 6; ++axis) {
       m_rest[axis] = animation.Delta ? 0.0 : double{RestOf(bones.Bones[bone], axis)};
       m_steps[axis].resize(static_cast<size_t>(count));
@@ -218,7 +218,6 @@ class BoneChain {
   }
 
   const BuiltAnimation& m_animation;
-  const BoneScales& m_scales;
   size_t m_bone, m_bones;
   int32_t m_first;
   double m_rest[6] = {};

@@ -1,5 +1,4 @@
 #include <cmath>
-#include <string>
 
 #include "decompiler/plain/face.h"
 #include "model/bone_math.h"
@@ -34,22 +33,7 @@ bool TellMissing(JobContext& job, std::string_view what, int64_t offset, std::st
   return false;
 }
 
-/// The material on which an eye is drawn: that of its own mesh, where sources are to be compiled and it has one.
-std::string WhiteOf(JobContext& job, const core::Record<StudioModel>& model, int64_t number) {
-  const std::string usual(WordsOf(number).Material);
-  if (!job.ReadyToCompile()) return usual;
-  const auto meshes = job.Model.View().Array<StudioMesh>(model.Offset() + model->MeshOffset, model->MeshCount);
-  if (!meshes || !job.Spend(meshes->Count())) return usual;
-  for (const auto mesh : *meshes) {
-    if (mesh->Kind != MeshKindEyeball || mesh->Eyeball != number) continue;
-    const auto texture = TextureName(job.Model, mesh->Material);
-    return texture ? job.Word(*texture) : usual;
-  }
-  return usual;
-}
-
-bool WriteEyeball(JobContext& job, const Skeleton& skeleton, const core::Record<StudioModel>& model,
-                  const core::Record<StudioEyeball>& eye, int64_t number) {
+bool WriteEyeball(JobContext& job, const Skeleton& skeleton, const core::Record<StudioEyeball>& eye, int64_t number) {
   if (!skeleton.Bones.Holds(eye->Bone)) return TellMissing(job, "eyeball", eye.Offset(), "bone", eye->Bone);
   const auto texture = TextureName(job.Model, eye->Texture);
   if (!texture) return TellMissing(job, "eyeball", eye.Offset(), "texture", eye->Texture);
@@ -59,7 +43,7 @@ bool WriteEyeball(JobContext& job, const Skeleton& skeleton, const core::Record<
   const float angle = static_cast<float>(std::atan(double{eye->ForwardOffset}) * RadiansToDegrees);
   job.Script().Format("     eyeball %s %s %2.3f %2.3f %2.3f %s %2.3f  %2.3f %s %2.3f\n", words.Eyeball,
                       job.Word(skeleton.Names[static_cast<size_t>(eye->Bone)]), float{origin.x}, float{origin.y},
-                      float{origin.z}, WhiteOf(job, model, number), eye->Radius * 2.0f, angle, job.Word(*texture),
+                      float{origin.z}, words.Material, eye->Radius * 2.0f, angle, job.Word(*texture),
                       1.0f / eye->IrisScale);
   return true;
 }
@@ -85,7 +69,7 @@ void WriteEyesAndMouths(JobContext& job, const core::Record<StudioModel>& model,
       job.Table<StudioEyeball>("eyeball table", model.Offset() + model->EyeballOffset, model->EyeballCount);
   if (skeleton == nullptr || !eyes) return;
   for (int64_t i = 0; i < eyes->Count(); ++i) {
-    if (!job.ScriptWithinBounds() || !WriteEyeball(job, *skeleton, model, (*eyes)[i], i)) return;
+    if (!job.ScriptWithinBounds() || !WriteEyeball(job, *skeleton, (*eyes)[i], i)) return;
   }
   for (int64_t i = 0; i < eyes->Count() && job.ScriptWithinBounds(); ++i) WriteLids(job, tables, (*eyes)[i], i);
 

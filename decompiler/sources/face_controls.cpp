@@ -72,7 +72,13 @@ class SharedFace {
   /// Finds the controllers that one slider moves together.
   void ReadPairs(const core::RecordArray<StudioFlexController>& table) {
     constexpr int32_t VersionOfControls = 48;
-    if (m_header->Version < VersionOfControls || m_header->FlexControlCount == 0) return;
+    if (m_header->Version < VersionOfControls || m_header->FlexControlCount == 0) {
+      // The file does not say; a compile joins them by their names, on one line or two.
+      for (int64_t i = 0; i + 1 < table.Count(); ++i) {
+        if (CanPair(i)) m_pairs.insert(i++);
+      }
+      return;
+    }
     const auto controls =
         m_job.Table<StudioFlexControl>("flex control table", m_header->FlexControlOffset, m_header->FlexControlCount);
     if (!controls) return;

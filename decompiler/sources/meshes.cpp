@@ -156,7 +156,6 @@ class MeshExport {
     const std::string file = m_job.Names.Take(LodName(index, names.Stem), ".smd");
     if (WriteMeshFile(m_job, m_skeleton, file, model, lod)) {
       m_lodBlocks.Replace(index, lod->SwitchDistance, names.Typed, file);
-      if (const auto moved = IsFlexed(m_job, model, lod)) m_lodBlocks.Flexed(index, lod->SwitchDistance, *moved);
     } else {
       m_job.Lose("levels of detail that cannot be read");
     }

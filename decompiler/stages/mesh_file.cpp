@@ -14,9 +14,6 @@ namespace {
 
 constexpr int32_t HighestVtxVersion = 7;
 
-/// Of a strip group: flexes move it.
-constexpr uint8_t StripGroupFlexedFlag = 0x1;
-
 }  // namespace
 
 bool PrepareVtx(JobContext& job) {
@@ -65,27 +62,6 @@ bool HasStripGroups(const JobContext& job, const core::Record<StudioModel>& mode
     if (!mesh || (*mesh)->StripGroupCount > 0) return true;
   }
   return false;
-}
-
-std::optional<bool> IsFlexed(const JobContext& job, const core::Record<StudioModel>& model,
-                             const core::Record<VtxModelLod>& lod) {
-  const core::ImageView vtx = job.Model.Vtx->View();
-  const auto meshes = job.Model.View().Array<StudioMesh>(model.Offset() + model->MeshOffset, model->MeshCount);
-  if (!meshes) return std::nullopt;
-  std::optional<bool> flexed;
-  for (int64_t i = 0; i < meshes->Count(); ++i) {
-    if ((*meshes)[i]->FlexCount <= 0) continue;
-    const auto mesh = VtxMeshAt(vtx, lod, i);
-    // A mesh has two groups, a few where it follows many bones.
-    constexpr int64_t MostGroups = 64;
-    const int64_t groups = mesh ? std::min<int64_t>((*mesh)->StripGroupCount, MostGroups) : 0;
-    for (int64_t g = 0; g < groups; ++g) {
-      const auto group = StripGroupAt(vtx, job.Model.Layout, *mesh, g);
-      if (!group) break;
-      flexed = flexed.value_or(false) || ((*group)->Flags & StripGroupFlexedFlag) != 0;
-    }
-  }
-  return flexed;
 }
 
 bool WriteMeshFile(JobContext& job, const std::shared_ptr<const smd::SkeletonText>& skeleton, const std::string& name,

@@ -18,10 +18,6 @@ namespace tarnwick::decompiler {
 /// A model with eyeballs, or with a mesh that has flexes.
 [[nodiscard]] bool HasFace(const JobContext& job, const core::Record<StudioModel>& model);
 
-/// Whether a strip group of a LOD of `model` is moved by flexes; nothing if none of its meshes has any.
-[[nodiscard]] std::optional<bool> IsFlexed(const JobContext& job, const core::Record<StudioModel>& model,
-                                           const core::Record<VtxModelLod>& lod);
-
 /// Whether any mesh of the LOD has a strip group. Meshes that cannot be read count as having one: writing the file then
 /// tells what is wrong.
 [[nodiscard]] bool HasStripGroups(const JobContext& job, const core::Record<StudioModel>& model,

@@ -12,14 +12,8 @@ void WriteLodOpening(core::TextWriter& script, float switchDistance) {
   }
 }
 
-LodBlocks::Block& LodBlocks::BlockOf(int lod, float switchDistance) {
-  return m_blocks.try_emplace(lod, Block{switchDistance, {}}).first->second;
-}
-
-void LodBlocks::Flexed(int lod, float switchDistance, bool moved) {
-  Block& block = BlockOf(lod, switchDistance);
-  block.HasFlexes = true;
-  block.Moved = block.Moved || moved;
+std::string& LodBlocks::LinesOf(int lod, float switchDistance) {
+  return m_blocks.try_emplace(lod, Block{switchDistance, {}}).first->second.Lines;
 }
 
 void LodBlocks::Replace(int lod, float switchDistance, const std::string& stem, const std::string& lodName) {
@@ -43,7 +37,6 @@ void LodBlocks::Write(core::TextWriter& script) const {
       script.Text("$lod " + core::ShortestDecimal(block.SwitchDistance) + " {\n");
     }
     script.Text(block.Lines);
-    if (block.HasFlexes && !block.Moved) script.Text("  nofacial\n");
     script.Text("}\n");
   }
 }

@@ -21,9 +21,6 @@ class LodBlocks {
   /// Adds a line of other words to the block of a LOD that has one.
   void Add(int lod, const std::string& line);
 
-  /// A model with flexes is shown at LOD `lod`, moved by them or not. A LOD at which none is moved is `nofacial`.
-  void Flexed(int lod, float switchDistance, bool moved);
-
   /// Writes the blocks in rising order of their LODs.
   void Write(core::TextWriter& script) const;
 
@@ -31,11 +28,8 @@ class LodBlocks {
   struct Block {
     float SwitchDistance;
     std::string Lines;
-    bool HasFlexes = false;  // of a model that it shows
-    bool Moved = false;
   };
-  Block& BlockOf(int lod, float switchDistance);
-  std::string& LinesOf(int lod, float switchDistance) { return BlockOf(lod, switchDistance).Lines; }
+  std::string& LinesOf(int lod, float switchDistance);
 
   std::map<int, Block> m_blocks;
 };

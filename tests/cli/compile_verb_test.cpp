@@ -97,9 +97,9 @@ TEST_F(CompileVerb, UsesOurOwnToolForAMissingOneAndTellsAProjectThatCannotBeRead
   EXPECT_EQ(Run({m_folder.Path("none.sc")}), ExitFailure);
   EXPECT_THAT(m_err, HasSubstr("none.sc"));
   fs::remove(m_sdk + "/studiomdl.exe");
-  EXPECT_EQ(Run({Script("a.qc", "")}), ExitFailure);
-  EXPECT_THAT(m_err, HasSubstr("studiomdl: our own"));
-  EXPECT_EQ(Run({"--json", Script("a.qc", ""), m_folder.Path("none.sc")}), ExitFailure);
+  EXPECT_EQ(Run({Script("a.qc", "$body box \"gone.smd\"\n")}), ExitFailure);
+  EXPECT_THAT(m_err, AllOf(HasSubstr("studiomdl: our own"), HasSubstr("gone.smd")));
+  EXPECT_EQ(Run({"--json", Script("a.qc", "$body box \"gone.smd\"\n"), m_folder.Path("none.sc")}), ExitFailure);
   EXPECT_EQ(std::ranges::count(m_out, '\n'), 2);
 }
 

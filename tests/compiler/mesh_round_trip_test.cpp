@@ -3,6 +3,7 @@
 
 #include <filesystem>
 
+#include "model/vtx_records.h"
 #include "round_trip.h"
 #include "support/model_builder.h"
 #include "support/real_files.h"
@@ -101,7 +102,9 @@ TEST(MeshRoundTrip, LevelsWithoutFacesComeBack) {
   model.BodyParts = {{.Name = "head", .Models = {{.Meshes = {skin}, .SwitchDistances = {0, 8}}}}};
   model.FlexDescs = {"smile"};
   ScratchFolder folder;
-  const RoundTrip trip(model.Write(folder.Path()));
+  ModelFiles files = model.Build();
+  files.Vtx.Record<model::VtxStripGroup>("group 0.0.0.0.0").Flags = 7;
+  const RoundTrip trip(files.Write(folder.Path(), "cube"));
   ASSERT_TRUE(trip.Compiled) << trip.Told;
   EXPECT_THAT(trip.Layout, IsEmpty());
   EXPECT_THAT(trip.Before.at("ravelback.qc"), testing::HasSubstr("nofacial"));

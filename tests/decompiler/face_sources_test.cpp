@@ -131,8 +131,7 @@ TEST(FaceSources, HaveTheSharedPartOnceInTheLastFaceAndTellWhatNoRuleSays) {
   const std::string script = run.Script();
   const std::string shared =
       "    mouth 0 \"open\" \"root\" 0 1 0\n"
-      "    flexcontroller \"mouth\" \"right_smile\" range 0 1\n"
-      "    flexcontroller \"mouth\" \"left_smile\" range 0 1\n"
+      "    flexcontroller \"mouth\" \"right_smile\" \"left_smile\" range 0 1\n"
       "    flexcontroller \"eyelid\" \"blink\" range -1 0.1\n"
       "    %smileR = right_smile\n"
       "    // the rule of \"spare\" is left out, since operation 42 has no sign\n"

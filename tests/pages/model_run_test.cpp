@@ -156,18 +156,6 @@ TEST_F(ModelPages, TheWholeLogOpensDuringARunAtItsFirstError) {
   ASSERT_TRUE(tests::WaitUntil([&] { return page->isEnabled(); }));
 }
 
-TEST_F(ModelPages, TellWhatWorksWithoutAnSdk) {
-  const auto page = OpenCrate();
-  for (const char* sdk : {"", "/no/sdk"}) {
-    m_settings.Values["Tarnwick/SDKDirectory"] = sdk;
-    Click(*page, "compileButton");
-    EXPECT_THAT(m_desktop.LastBox.Text, StartsWith("Command " + std::string(sdk) + "/studiomdl.exe not found.\r\n"));
-    EXPECT_THAT(m_desktop.LastBox.Details,
-                AllOf(HasSubstr(*sdk == 0 ? "No directory of the SDK is set" : "set to /no/sdk"),
-                      HasSubstr("Without it the rest works"), HasSubstr("\"Configure\"")));
-  }
-}
-
 TEST_F(ModelPages, LiveOnWhileAToolPrintsTenMegabytes) {
   Tool("studiomdl.exe", "yes 'WARNING: a line of the usual length that is printed far too often' | head -c 10000000\n");
   const auto page = Open<CQCCompileDialog>();
