@@ -5,8 +5,8 @@
 
 #include "core/paths.h"
 #include "core/program_directory.h"
-#include "images/limits.h"
 #include "core/sanitized.h"
+#include "images/limits.h"
 #include "process/run.h"
 
 namespace tarnwick::images {

@@ -256,7 +256,7 @@ struct CompilePlan {
   std::string IllumBone;
   std::optional<std::array<model::Vec3, 2>> HullBox, ViewBox;
   std::optional<float> MaxEyeDeflection;  // degrees
-  std::string KeyValues;  // as the file holds them, without the zero byte; empty for none
+  std::string KeyValues;                  // as the file holds them, without the zero byte; empty for none
   bool AutoCenter = false;
 
   std::vector<std::string> MaterialFolders;  // with backslashes, as the file holds them

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "images/limits.h"
 #include "core/sanitized.h"
+#include "images/limits.h"
 #include "images/worker/jail.h"
 #include "images/worker/job.h"
 

@@ -37,7 +37,8 @@ Subject MainWindow(const char* name, int tab) {
 }
 
 std::unique_ptr<QWidget> RunningJob(Stage& stage) {
-  auto status = std::make_unique<pages::CDecompilerStatus>(stage.Desktop, nullptr, [] {}, [] {});
+  auto status = std::make_unique<pages::CDecompilerStatus>(
+      stage.Desktop, nullptr, [] {}, [] {});
   status->Begin("/home/ada/sources");
   status->Show(jobs::Started{2});
   status->Show(jobs::ItemStarted{0, "/home/ada/models/crate.mdl", "/home/ada/sources/crate"});
