@@ -27,7 +27,7 @@ bool CDocumentView::GoToHeading(const QString& heading) {
 }
 
 QVariant CDocumentView::loadResource(int type, const QUrl& name) {
-  const QVariant loaded = QTextBrowser::loadResource(type, name);
+  QVariant loaded = QTextBrowser::loadResource(type, name);
   if (type != QTextDocument::ImageResource) return loaded;
   const QImage picture = QImage::fromData(loaded.toByteArray());
   const int room = std::max(viewport()->width() - Margins, LeastPictureWidth);

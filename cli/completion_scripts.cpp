@@ -54,9 +54,10 @@ std::string FindCommand(const std::vector<CompletedCommand>& commands, const std
   for (const CompletedCommand& command : commands) {
     if (command.Path.empty()) continue;
     const size_t last = command.Path.rfind(' ');
-    const std::string above = last == std::string::npos ? "" : command.Path.substr(0, last);
-    const std::string verb = last == std::string::npos ? command.Path : command.Path.substr(last + 1);
-    text += "      " + Quoted(above + " " + verb) + ") command=" + Quoted(command.Path) + " ;;\n";
+    std::string verbs = last == std::string::npos ? "" : command.Path.substr(0, last);
+    verbs += ' ';
+    verbs += last == std::string::npos ? command.Path : command.Path.substr(last + 1);
+    text.append("      ").append(Quoted(verbs)).append(") command=").append(Quoted(command.Path)).append(" ;;\n");
   }
   return text + "    esac\n  done\n";
 }

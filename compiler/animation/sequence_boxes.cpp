@@ -1,6 +1,9 @@
 #include "compiler/animation/sequence_boxes.h"
 
 #include <algorithm>
+#include <array>
+#include <bit>
+#include <cstdint>
 #include <cstring>
 #include <limits>
 #include <utility>
@@ -77,11 +80,11 @@ class BoxMeasurer {
       point.Count = std::min<uint8_t>(vertex.WeightCount, 3);
       m_points.push_back(point);
     }
-    const auto bytes = [](const Point& a, const Point& b) { return std::memcmp(&a, &b, sizeof a); };
-    std::sort(m_points.begin(), m_points.end(), [&](const Point& a, const Point& b) { return bytes(a, b) < 0; });
-    m_points.erase(
-        std::unique(m_points.begin(), m_points.end(), [&](const Point& a, const Point& b) { return bytes(a, b) == 0; }),
-        m_points.end());
+    // By their bits: an order that every float takes part in, also what is not a number.
+    const auto bits = [](const Point& point) { return std::bit_cast<std::array<uint32_t, sizeof(Point) / 4>>(point); };
+    std::sort(m_points.begin(), m_points.end(), [&](const Point& a, const Point& b) { return bits(a) < bits(b); });
+    const auto same = [&](const Point& a, const Point& b) { return bits(a) == bits(b); };
+    m_points.erase(std::unique(m_points.begin(), m_points.end(), same), m_points.end());
   }
 
   Box Measure(const BuiltAnimation& animation) const {

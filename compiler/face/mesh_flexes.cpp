@@ -75,7 +75,7 @@ std::optional<ShapeFile> ShapeFile::Open(CompileContext& context, const qc::Plac
   ShapeMatch match(points);
   std::vector<std::pair<int32_t, uint32_t>> found;
   for (int32_t i = 0; i < model.VertexCount; ++i) {
-    const model::VvdVertex& vertex = meshes.Vertices[static_cast<size_t>(model.FirstVertex + i)];
+    const model::VvdVertex& vertex = meshes.Vertices[static_cast<size_t>(model.FirstVertex) + static_cast<size_t>(i)];
     const int32_t point = match.Find(vertex.Position, vertex.Normal);
     if (point >= 0) found.emplace_back(point, static_cast<uint32_t>(i));
   }

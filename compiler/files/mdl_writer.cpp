@@ -27,7 +27,7 @@ constexpr int32_t OldVersion = 44;  // without a second header, whole animations
 constexpr size_t JiggleBoneSize = 140;
 
 void CopyName(char* to, size_t size, const std::string& name) {
-  std::memcpy(to, name.data(), std::min(size - 1, name.size()));
+  name.copy(to, size - 1);  // zeros follow: the record was made of them
 }
 
 class MdlWriter {

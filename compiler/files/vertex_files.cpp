@@ -45,7 +45,7 @@ std::vector<Run> RunsOf(const BuiltMeshes& meshes) {
   for (const BuiltBodyPart& part : meshes.BodyParts) {
     for (const BuiltModel& model : part.Models) {
       for (const BuiltMesh& mesh : model.Meshes) {
-        const auto first = static_cast<size_t>(model.FirstVertex + mesh.FirstVertex);
+        const auto first = static_cast<size_t>(model.FirstVertex) + static_cast<size_t>(mesh.FirstVertex);
         for (size_t i = first; i < first + static_cast<size_t>(mesh.VertexCount); ++i) {
           const size_t lod = meshes.VertexLods[i];
           if (runs.empty() || runs.back().Lod != lod || i == first) runs.push_back({lod, i, 0});
