@@ -145,6 +145,7 @@ class IkRules {
           break;
         case Key::Release:
           record.Type = model::IkRuleRelease;
+          record.Bone = 0;  // only what is touched can be no bone
           break;
         case Key::Range:
           TakeRange(option, record);

@@ -7,6 +7,7 @@
 
 #include "core/key_values.h"
 #include "decompiler/sources/script_values.h"
+#include "decompiler/sources/sequence_box.h"
 #include "decompiler/writers/balanced_braces.h"
 #include "model/animation_records.h"
 #include "model/script_records.h"
@@ -24,6 +25,12 @@ constexpr float NoEyeDeflection = 1e-6f;
 
 bool SameBox(const Vec3& a, const Vec3& b) {
   return a.x == b.x && a.y == b.y && a.z == b.z;
+}
+
+/// Boxes differ by less than this where animations are rounded before the box is made of them.
+constexpr float BoxHair = 0.1f;
+bool IsNear(const Vec3& a, const Vec3& b) {
+  return std::abs(a.x - b.x) < BoxHair && std::abs(a.y - b.y) < BoxHair && std::abs(a.z - b.z) < BoxHair;
 }
 
 bool IsZero(const Vec3& v) {
@@ -134,13 +141,18 @@ void WriteMaterialFolders(JobContext& job) {
   }
 }
 
-void WriteBoxes(JobContext& job) {
+void WriteBoxes(JobContext& job, bool hasCollision) {
   const auto header = job.Model.Header();
   const auto sequences = job.Model.View().Array<StudioSeqDesc>(header->SequenceOffset, header->SequenceCount);
   const Vec3 least = header->HullMinimum, most = header->HullMaximum;
-  const bool computed = sequences && sequences->Count() > 0
-                            ? SameBox(least, (*sequences)[0]->Minimum) && SameBox(most, (*sequences)[0]->Maximum)
-                            : IsZero(least) && IsZero(most);
+  bool computed = sequences && sequences->Count() > 0
+                      ? SameBox(least, (*sequences)[0]->Minimum) && SameBox(most, (*sequences)[0]->Maximum)
+                      : IsZero(least) && IsZero(most);
+  // A collision model that is not there any more took part in the box.
+  if (computed && !hasCollision) {
+    const auto box = BoxOfFirstSequence(job);
+    computed = !box || (IsNear(box->Least, least) && IsNear(box->Most, most));
+  }
   if (!computed) job.Script().Text("$bbox " + Numbers(job, least) + " " + Numbers(job, most) + "\n");
   const Vec3 viewLeast = header->ViewMinimum, viewMost = header->ViewMaximum;
   if (!IsZero(viewLeast) || !IsZero(viewMost)) {

@@ -8,8 +8,9 @@ namespace tarnwick::decompiler::sources {
 void WriteHeaderStatements(JobContext& job);
 /// $cdmaterials, a line a folder.
 void WriteMaterialFolders(JobContext& job);
-/// $bbox and $cbox, where a compile would not compute them.
-void WriteBoxes(JobContext& job);
+/// $bbox and $cbox, where a compile would not compute them. `hasCollision`: the script has a collision model, which
+/// widens the box. Called behind the animations.
+void WriteBoxes(JobContext& job, bool hasCollision);
 /// $includemodel.
 void WriteIncludedModels(JobContext& job);
 /// $keyvalues, a block for each that the model holds. Braces are balanced.

@@ -85,18 +85,23 @@ class PhysicsExport {
   PhysicsExport(JobContext& job, const Skeleton& skeleton, const std::string& path, PhyFile file)
       : m_job(job), m_skeleton(skeleton), m_path(path), m_file(std::move(file)) {}
 
-  void Run() {
+  /// Whether the script has the statement.
+  bool Run() {
     m_collision.Values =
         TakePhyValues(m_file.Text, static_cast<int64_t>(m_file.Solids.size()), m_path, m_job.Troubles());
-    if (!TakeSolids()) return;
+    if (!TakeSolids()) return false;
     FindParents();
-    if (!GatherMeshes()) return;
-    if (m_meshes.empty()) return m_job.Script().Text("// the physics file has no solid that can be read\n");
+    if (!GatherMeshes()) return false;
+    if (m_meshes.empty()) {
+      m_job.Script().Text("// the physics file has no solid that can be read\n");
+      return false;
+    }
     NameFile();
-    if (!WriteFile()) return;
+    if (!WriteFile()) return false;
     WriteCollisionStatement(m_job, m_collision);
     WriteCollisionText(m_job, m_collision.Values.Others);
     CountSurfaces();
+    return true;
   }
 
  private:
@@ -256,23 +261,26 @@ class PhysicsExport {
 
 }  // namespace
 
-void WritePhysics(JobContext& job) {
-  if (job.WithoutPhysics() || job.Stopped()) return;
+bool WritePhysics(JobContext& job) {
+  if (job.WithoutPhysics() || job.Stopped()) return false;
   const auto image = LoadPhysics(job);
   if (!image) {
     // Without a collision model there is no statement for a mass.
     if (job.Model.Header()->Mass != 1) job.Lose("masses of physics that are not there");
-    return;
+    return false;
   }
   const Skeleton* skeleton = GetSkeleton(job);
   auto file = ReadPhyFile(image->View(), image->Path(), job.Troubles());
-  if (!file || skeleton == nullptr) return job.Script().Text("// the physics file cannot be read\n");
+  if (!file || skeleton == nullptr) {
+    job.Script().Text("// the physics file cannot be read\n");
+    return false;
+  }
   if (file->Checksum != static_cast<uint32_t>(job.Model.Header()->Checksum)) {
     job.Warn(image->Path() + " was not made together with " + job.Model.Mdl.Path() +
                  " (they have different checksums); the physics may be wrong",
              core::TroubleKind::Mismatch);
   }
-  PhysicsExport(job, *skeleton, image->Path(), std::move(*file)).Run();
+  return PhysicsExport(job, *skeleton, image->Path(), std::move(*file)).Run();
 }
 
 }  // namespace tarnwick::decompiler::sources

@@ -61,7 +61,6 @@ void WriteScript(JobContext& job) {
   WritePoseParameterStatements(job);
   WriteAttachmentStatements(job);
   WriteHitboxStatements(job);
-  WriteBoxes(job);
   WriteIkStatements(job);
   WriteProceduralBones(job);
   if (job.WithoutAnimations()) {
@@ -71,7 +70,8 @@ void WriteScript(JobContext& job) {
     WriteSequences(job);
   }
   WriteIncludedModels(job);
-  WritePhysics(job);
+  const bool hasCollision = WritePhysics(job);
+  WriteBoxes(job, hasCollision);
   WriteModelKeyValues(job);
 }
 

@@ -1,11 +1,99 @@
 #include "decompiler/sources/skin_statements.h"
 
 #include <algorithm>
+#include <map>
+#include <optional>
+#include <set>
 #include <vector>
 
 #include "decompiler/sources/script_values.h"
 
 namespace tarnwick::decompiler::sources {
+
+namespace {
+
+/// Tables with more columns than this are written in the order in which they stand.
+constexpr size_t MostOrderedColumns = 256;
+
+using Skins = core::RecordArray<StudioShort>;
+
+/// The textures that meshes show.
+std::set<int32_t> TexturesOfMeshes(JobContext& job) {
+  std::set<int32_t> textures;
+  const auto header = job.Model.Header();
+  const core::ImageView view = job.Model.View();
+  const auto parts = view.Array<StudioBodyPart>(header->BodyPartOffset, header->BodyPartCount);
+  if (!parts || !job.Spend(parts->Count() * RecordCost)) return textures;
+  for (const auto part : *parts) {
+    const auto models = view.Array<StudioModel>(part.Offset() + part->ModelOffset, part->ModelCount);
+    if (!models || !job.Spend(models->Count() * RecordCost)) continue;
+    for (const auto model : *models) {
+      const auto meshes = view.Array<StudioMesh>(model.Offset() + model->MeshOffset, model->MeshCount);
+      if (!meshes || !job.Spend(meshes->Count() * RecordCost)) continue;
+      for (const auto mesh : *meshes) textures.insert(mesh->Material);
+    }
+  }
+  return textures;
+}
+
+/// The columns in which some family differs from the first, and those of textures that are in the model for no other
+/// reason than that they stand in its table.
+std::vector<int64_t> ColumnsToTell(const Skins& skins, int64_t families, int64_t references,
+                                   const std::set<int32_t>& shown) {
+  std::vector<int64_t> columns;
+  std::set<int32_t> told = shown;
+  const auto differs = [&](int64_t column) {
+    for (int64_t family = 1; family < families; ++family) {
+      if (skins[family * references + column]->Value != skins[column]->Value) return true;
+    }
+    return false;
+  };
+  for (int64_t column = 0; column < references; ++column) {
+    if (!differs(column)) continue;
+    columns.push_back(column);
+    for (int64_t family = 0; family < families; ++family) told.insert(skins[family * references + column]->Value);
+  }
+  for (int64_t column = 0; column < references; ++column) {
+    if (told.insert(skins[column]->Value).second) columns.push_back(column);
+  }
+  std::sort(columns.begin(), columns.end());
+  // Families that are all alike are families all the same.
+  if (columns.empty()) columns.push_back(0);
+  return columns;
+}
+
+/// A compile numbers the textures that no mesh shows as it meets them, row by row. The columns in an order in which
+/// that gives the numbers that they have, as far as one does.
+std::vector<int64_t> InOrderOfTextures(const Skins& skins, int64_t families, int64_t references,
+                                       std::set<int32_t> known, std::vector<int64_t> columns) {
+  if (columns.size() > MostOrderedColumns) return columns;
+  std::map<int64_t, std::set<int64_t>> ahead;  // of each column
+  for (int64_t family = 0; family < families; ++family) {
+    std::map<int32_t, int64_t> met;
+    for (const int64_t column : columns) {
+      const int32_t texture = skins[family * references + column]->Value;
+      if (!known.contains(texture)) met.try_emplace(texture, column);
+    }
+    std::optional<int64_t> before;
+    for (const auto& [texture, column] : met) {
+      if (before && *before != column) ahead[column].insert(*before);
+      before = column;
+      known.insert(texture);
+    }
+  }
+  std::vector<int64_t> ordered;
+  while (!columns.empty()) {
+    auto next = std::ranges::find_if(columns, [&](int64_t column) {
+      return std::ranges::none_of(columns, [&](int64_t other) { return ahead[column].contains(other); });
+    });
+    if (next == columns.end()) next = columns.begin();  // they wait for each other
+    ordered.push_back(*next);
+    columns.erase(next);
+  }
+  return ordered;
+}
+
+}  // namespace
 
 void WriteSkinStatements(JobContext& job) {
   const auto header = job.Model.Header();
@@ -15,16 +103,9 @@ void WriteSkinStatements(JobContext& job) {
   const auto skins = job.Table<StudioShort>("skin table", header->SkinOffset, references * families);
   if (!skins || !job.Spend(skins->Count() * RecordCost)) return;
 
-  std::vector<int64_t> columns;
-  for (int64_t column = 0; column < references; ++column) {
-    bool differs = false;
-    for (int64_t family = 1; family < families && !differs; ++family) {
-      differs = (*skins)[family * references + column]->Value != (*skins)[column]->Value;
-    }
-    if (differs) columns.push_back(column);
-  }
-  // Families that are all alike are families all the same.
-  if (columns.empty()) columns.push_back(0);
+  const std::set<int32_t> shown = TexturesOfMeshes(job);
+  const std::vector<int64_t> columns =
+      InOrderOfTextures(*skins, families, references, shown, ColumnsToTell(*skins, families, references, shown));
 
   job.Script().Text("$texturegroup \"skinfamilies\" {\n");
   for (int64_t family = 0; family < families && job.ScriptWithinBounds(); ++family) {
