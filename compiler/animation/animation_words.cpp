@@ -218,7 +218,11 @@ bool ApplyAnimationWord(CompileContext& context, const ModelBones& bones, const 
   };
   switch (word.Kind) {
     case Key::Fps:
-      if (word.Number(0) > 0) animation.Fps = static_cast<float>(word.Number(0));
+      if (word.Number(0) > 0) {
+        animation.Fps = static_cast<float>(word.Number(0));
+      } else {
+        context.Warning(word.At, "fps is above 0; the animation keeps 30 frames a second");
+      }
       return true;
     case Key::Loop:
       animation.Loops = true;
@@ -288,11 +292,11 @@ bool ApplyAnimationWord(CompileContext& context, const ModelBones& bones, const 
       return true;
     case Key::CounterRotate:
     case Key::CounterRotateTo:
+    case Key::AutoIk:
       context.Warning(word.At, qc::Shown(word.Name) + " is known, but nothing is built from it",
                       core::TroubleKind::Lost);
       return true;
-    case Key::NoAutoIk:
-    case Key::AutoIk:
+    case Key::NoAutoIk:  // rules are made of `ikrule` alone
     case Key::NoAnimBlock:
     case Key::NoAnimBlockStall:
     case Key::AlignBoneTo:

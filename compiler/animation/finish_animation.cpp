@@ -164,7 +164,6 @@ class IkRules {
           record.Radius = static_cast<float>(option.Number(0));
           break;
         case Key::UseSource:
-        case Key::UseSequence:
           break;
         default:
           m_context.Warning(option.At, qc::Shown(option.Name) + " is known, but nothing is built from it",

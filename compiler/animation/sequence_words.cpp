@@ -287,6 +287,16 @@ class SequenceWords {
   size_t m_axes = 0;
 };
 
+/// A word that changes the frames of an animation as it is made.
+bool ChangesFrames(Key kind) {
+  constexpr Key Kinds[] = {Key::Frames,  Key::NumFrames, Key::Origin,      Key::Rotate,      Key::Angles,
+                           Key::Scale,   Key::Reverse,   Key::StartLoop,   Key::FixupLoop,   Key::FudgeLoop,
+                           Key::Align,   Key::AlignTo,   Key::RotateTo,    Key::Subtract,    Key::PreSubtract,
+                           Key::Extract, Key::WalkFrame, Key::LinearDelta, Key::SplineDelta, Key::NoAnimation,
+                           Key::IkRule};
+  return std::ranges::find(Kinds, kind) != std::end(Kinds);
+}
+
 }  // namespace
 
 void ApplySequenceWords(CompileContext& context, const ModelBones& bones, const std::vector<const Option*>& words,
@@ -299,6 +309,12 @@ void ApplySequenceWords(CompileContext& context, const ModelBones& bones, const 
         BuiltAnimation& animation = motion.Animations[static_cast<size_t>(a)];
         if (word->Kind == Key::Loop) animation.Loops = true;
         if (word->Kind == Key::Fps && word->Number(0) > 0) animation.Fps = static_cast<float>(word->Number(0));
+      }
+      if (ChangesFrames(word->Kind)) {
+        context.Warning(
+            word->At,
+            qc::Shown(word->Name) + " belongs to an $animation; those that the sequence names stay as they are",
+            core::TroubleKind::Lost);
       }
     }
   }

@@ -1,10 +1,12 @@
 // The frames of a source as poses of the model's bones.
 
-#include <cmath>
 #include <numbers>
+#include <optional>
 
 #include "compiler/animation/animation_words.h"
+#include "compiler/animation/pose_math.h"
 #include "compiler/skeleton/euler.h"
+#include "compiler/skeleton/source_placement.h"
 
 namespace tarnwick::compiler {
 
@@ -32,7 +34,7 @@ struct Track {
 class FrameTaker {
  public:
   FrameTaker(const ModelBones& bones, const smd::SmdSource& source, const SourceUse& use)
-      : m_bones(bones), m_source(source), m_use(use) {
+      : m_bones(bones), m_source(source), m_use(use), m_placement(PlacementOf(use)) {
     FindTracks();
   }
 
@@ -105,26 +107,17 @@ class FrameTaker {
   }
   /// Sources look north where models look east.
   void TurnRoot(BonePose& pose) const {
+    if (m_placement) pose = PoseOf(*m_placement * TransformOf(pose));
     const float x = pose.Position[0], y = pose.Position[1];
     pose.Position[0] = -y;
     pose.Position[1] = x;
     pose.Angles[2] += QuarterTurn;
-    if (m_use.OriginTurn != 0) {
-      const double turn = double{m_use.OriginTurn} * (std::numbers::pi / 180);
-      const double c = std::cos(turn), s = std::sin(turn);
-      const double px = pose.Position[0], py = pose.Position[1];
-      pose.Position[0] = static_cast<float>(px * c - py * s);
-      pose.Position[1] = static_cast<float>(px * s + py * c);
-      pose.Angles[2] += static_cast<float>(turn);
-    }
-    pose.Position[0] += m_use.Origin.x;
-    pose.Position[1] += m_use.Origin.y;
-    pose.Position[2] += m_use.Origin.z;
   }
 
   const ModelBones& m_bones;
   const smd::SmdSource& m_source;
   const SourceUse& m_use;
+  std::optional<RigidTransform> m_placement;
   std::vector<Track> m_tracks;
   std::vector<RigidTransform> m_world;
   bool m_needWorld = false;

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "compiler/files/commit_together.h"
 #include "core/output_file.h"
 #include "core/paths.h"
 
@@ -47,6 +48,19 @@ bool LiesIn(const std::filesystem::path& path, const std::filesystem::path& fold
   const auto base = std::filesystem::weakly_canonical(folder, error);
   const auto [end, nothing] = std::mismatch(base.begin(), base.end(), whole.begin(), whole.end());
   return !error && end == base.end();
+}
+
+void RemoveOld(const std::string& path, CompileReport& report) {
+  std::error_code error;
+  if (!std::filesystem::exists(core::NativePath(path), error)) return;
+  const bool removed = std::filesystem::remove(core::NativePath(path), error);
+  const core::Severity level = removed ? core::Severity::Note : core::Severity::Warning;
+  report.Troubles.push_back({.Level = level,
+                             .Kind = removed ? core::TroubleKind::Lost : core::TroubleKind::Unwritable,
+                             .File = path,
+                             .Text = removed ? path + " of the model before is removed; the model has none now"
+                                             : path + " of the model before cannot be removed: " + error.message()});
+  if (!removed) ++report.Warnings;
 }
 
 }  // namespace
@@ -91,12 +105,16 @@ bool WriteModelFiles(const CompiledFiles& files, const std::string& modelName, c
     }
     outputs.push_back(std::move(*output));
   }
-  for (core::OutputFile& output : outputs) {
-    if (!output.Commit()) {
-      return Fail(report, core::TroubleKind::Unwritable, output.Path(),
-                  output.Path() + " cannot be written: " + output.Error());
-    }
+  std::string failed, reason;
+  if (!CommitTogether(outputs, failed, reason)) {
+    return Fail(report, core::TroubleKind::Unwritable, failed, failed + " cannot be written: " + reason);
+  }
+  for (const core::OutputFile& output : outputs) {
     report.Files.push_back({output.Path(), static_cast<int64_t>(output.Size())});
+  }
+  // What the model had before and has no more would be taken for a part of it.
+  for (const Entry& entry : entries) {
+    if (entry.Bytes.empty()) RemoveOld(base + std::string(entry.Ending), report);
   }
   return true;
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <set>
 #include <string>
 #include <utility>
 
@@ -35,6 +36,13 @@ bool SameMesh(std::string_view a, std::string_view b) {
   return first == second || first + ".smd" == second || second + ".smd" == first;
 }
 
+/// A mesh's name without folder and extension.
+std::string StemOf(std::string_view name) {
+  std::string stem = PlainName(core::LastComponent(name));
+  if (stem.ends_with(".smd")) stem.resize(stem.size() - 4);
+  return stem;
+}
+
 class MeshBuild {
  public:
   MeshBuild(CompileContext& context, ModelBones& bones, BuiltMeshes& meshes)
@@ -58,6 +66,7 @@ class MeshBuild {
       }
     }
     TellUnknownReplacements();
+    TellUnknownMaterials();
     return AddSkins();
   }
 
@@ -85,12 +94,28 @@ class MeshBuild {
     return std::max(lod, std::min(least, last));
   }
 
+  /// Whether a replacement's name is that of the model's mesh. A folder may be left out where the rest tells enough.
+  bool Means(const std::string& name, const PlanModel& model) const {
+    if (SameMesh(name, model.Name)) return true;
+    if (name.find_first_of("/\\") != std::string::npos) return false;
+    const std::string wanted = StemOf(name);
+    if (wanted.empty() || StemOf(model.Name) != wanted) return false;
+    size_t named = 0;
+    for (const PlanBodyPart& part : m_plan.BodyParts) {
+      for (const PlanModel& other : part.Models) {
+        if (SameMesh(name, other.Name)) return false;
+        named += StemOf(other.Name) == wanted && !SameMesh(other.Name, model.Name) ? 1U : 0U;
+      }
+    }
+    return named == 0;
+  }
+
   /// The mesh that `model` shows at a level; nothing if it shows none.
   const SourceUse* MeshAt(const PlanModel& model, size_t level) {
     if (level == 0) return model.Mesh.Source >= 0 ? &model.Mesh : nullptr;
     const auto& replacements = m_plan.Lods[level - 1].Replacements;
     for (size_t i = 0; i < replacements.size(); ++i) {
-      if (!SameMesh(replacements[i].Model, model.Name)) continue;
+      if (!Means(replacements[i].Model, model)) continue;
       m_replacementUsed[level - 1][i] = true;
       return replacements[i].Mesh.Source >= 0 ? &replacements[i].Mesh : nullptr;
     }
@@ -316,6 +341,33 @@ class MeshBuild {
         if (m_replacementUsed[lod][i] || lod + 1 < LevelAt(0)) continue;
         m_context.Warning(replacements[i].At,
                           "no body shows the mesh \"" + replacements[i].Model + "\"; its replacement is left out");
+      }
+    }
+  }
+
+  void TellUnknownMaterials() {
+    if (m_plan.Lods.empty()) return;
+    std::set<int32_t> sources;
+    for (const PlanBodyPart& part : m_plan.BodyParts) {
+      for (const PlanModel& model : part.Models) sources.insert(model.Mesh.Source);
+    }
+    for (const PlanLod& lod : m_plan.Lods) {
+      for (const PlanReplacement& replacement : lod.Replacements) sources.insert(replacement.Mesh.Source);
+    }
+    std::set<std::string> worn;
+    for (const int32_t number : sources) {
+      const smd::SmdSource* source = m_context.Source(number);
+      if (source == nullptr) continue;
+      for (const std::string& material : source->Materials) worn.insert(core::LowerAscii(m_textures.NameOf(material)));
+    }
+    const auto isWorn = [&](const std::string& typed) {
+      return worn.contains(core::LowerAscii(m_textures.NameInScript(typed)));
+    };
+    for (const PlanLod& lod : m_plan.Lods) {
+      std::vector<std::string> names = lod.RemovedMeshes;
+      for (const auto& [from, to] : lod.Materials) names.push_back(from);
+      for (const std::string& name : names) {
+        if (!isWorn(name)) m_context.Warning(lod.At, "no mesh wears the material " + qc::Shown(name));
       }
     }
   }

@@ -3,12 +3,14 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <optional>
 #include <string>
 #include <utility>
 
 #include "compiler/mesh/corner_weights.h"
 #include "compiler/physics/collision_pieces.h"
 #include "compiler/physics/collision_text.h"
+#include "compiler/skeleton/source_placement.h"
 #include "core/number_parse.h"
 #include "core/paths.h"
 #include "model/phy_measures.h"
@@ -110,14 +112,17 @@ class PhysicsBuild {
     return {t.X, t.Y, t.Z};
   }
 
-  static CollisionCorner CornerOf(const smd::SourceCorner& corner, const SourceUse& use) {
+  static CollisionCorner CornerOf(const smd::SourceCorner& corner, const SourceUse& use,
+                                  const std::optional<model::RigidTransform>& placement) {
     CollisionCorner made{Vector(corner.Position), Vector(corner.Normal)};
-    if (use.YUp) {
-      made.Position = {made.Position.x, -made.Position.z, made.Position.y};
-      made.Normal = {made.Normal.x, -made.Normal.z, made.Normal.y};
-    }
     if (use.Scale != 1) {
       made.Position = {made.Position.x * use.Scale, made.Position.y * use.Scale, made.Position.z * use.Scale};
+    }
+    if (placement) {
+      made.Position = placement->Apply(made.Position);
+      model::RigidTransform turn = *placement;
+      turn.Move = {0, 0, 0};
+      made.Normal = turn.Apply(made.Normal);
     }
     return made;
   }
@@ -125,6 +130,7 @@ class PhysicsBuild {
   void GatherBodies(const smd::SmdSource& source) {
     const std::vector<int32_t> nodes = m_bones.OfNodes(source);
     std::map<int32_t, size_t> bodyOf;
+    const auto placement = compiler::PlacementOf(m_plan.Mesh);
     for (size_t t = 0; 3 * t + 2 < source.Corners.size(); ++t) {
       int32_t bone = 0;
       if (m_plan.Joints && !m_bones.Static && !nodes.empty()) {
@@ -134,7 +140,8 @@ class PhysicsBuild {
       const auto [entry, isNew] = bodyOf.try_emplace(bone, m_bodies.size());
       if (isNew) m_bodies.push_back({bone, -1, {}});
       Body& body = m_bodies[entry->second];
-      for (size_t k = 0; k < 3; ++k) body.Corners.push_back(CornerOf(source.Corners[3 * t + k], m_plan.Mesh));
+      for (size_t k = 0; k < 3; ++k)
+        body.Corners.push_back(CornerOf(source.Corners[3 * t + k], m_plan.Mesh, placement));
     }
     if (!m_plan.Joints && m_bodies.size() == 1) m_bodies[0].Bone = 0;
   }
@@ -342,10 +349,11 @@ class PhysicsBuild {
       const model::RigidTransform moved =
           placement *
           model::RigidTransform::Of(model::EulerAngles{turn.z * Degree, turn.x * Degree, turn.y * Degree}, move);
+      const auto placed = compiler::PlacementOf(use);
       std::vector<CollisionCorner> corners;
       corners.reserve(source->Corners.size());
       for (const smd::SourceCorner& corner : source->Corners) {
-        corners.push_back(CornerOf(corner, use));
+        corners.push_back(CornerOf(corner, use, placed));
         corners.back().Position = moved.Apply(corners.back().Position);
       }
       PieceRule rule = RuleOfPieces();

@@ -271,6 +271,7 @@ struct CompilePlan {
   std::vector<PlanBone> DefinedBones;
   bool UnlockDefinedBones = false;
   std::vector<std::string> MergedBones, CollapsedBones;
+  std::vector<PlanBoneText> Roots;  // without a text
   bool CollapseBones = false;
   std::vector<std::pair<std::string, std::string>> Hierarchy;     // child, parent
   std::vector<std::pair<std::string, std::string>> RenamedBones;  // old, new

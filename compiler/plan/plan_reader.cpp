@@ -73,8 +73,11 @@ class PlanReader {
       case Command::CdTexture:
       case Command::SequenceGroup:
       case Command::SequenceGroupSize:
-      case Command::BoneSaveFrame:
       case Command::DeclareAnimation:
+        break;
+      case Command::BoneSaveFrame:
+        Told().Note(core::TroubleKind::Lost, s.At,
+                    "$bonesaveframe has no effect: animations stay in the model's own file");
         break;
       default:
         if (const qc::StatementRow* row = qc::FindStatement(s.Name);
@@ -292,7 +295,8 @@ class PlanReader {
         m_plan.RenamedBones.emplace_back(Text(s, 0), Text(s, 1));
         return true;
       case Command::Root:
-        return true;  // the first root is one in any case
+        m_plan.Roots.push_back({s.At, Text(s, 0), {}});
+        return true;
       case Command::Attachment:
         ReadAttachment(s);
         return true;
@@ -390,7 +394,12 @@ class PlanReader {
     PlanIkChain chain{s.At, Text(s, 0), Text(s, 1), {0, 0, 0}, {}, 0, 0, 0};
     for (const Option& option : s.Options) {
       const auto value = static_cast<float>(option.Number(0));
-      if (option.Kind == Key::Knee) chain.Knee = VecAt(option, 0);
+      if (option.Kind == Key::Knee) {
+        chain.Knee = VecAt(option, 0);
+      } else {
+        Told().Warning(core::TroubleKind::Lost, option.At,
+                       qc::Shown(option.Name) + " of an $ikchain is known, but nothing is built from it");
+      }
       if (option.Kind == Key::Center) chain.Center = VecAt(option, 0);
       if (option.Kind == Key::Height) chain.Height = value;
       if (option.Kind == Key::Pad) chain.Pad = value;

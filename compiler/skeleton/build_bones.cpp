@@ -1,10 +1,12 @@
 #include "compiler/skeleton/build_bones.h"
 
 #include <algorithm>
+#include <cmath>
 #include <unordered_map>
 
 #include "compiler/mesh/corner_weights.h"
 #include "compiler/skeleton/euler.h"
+#include "compiler/skeleton/source_placement.h"
 #include "core/paths.h"
 #include "model/studio_records.h"
 
@@ -48,6 +50,7 @@ class BoneJoiner {
     if (m_all.size() > 8 * MostBones) return Fail("the sources name more bones than any model can hold");
     Resolve();
     Place();
+    TellRoots();
     Keep();
     return Order();
   }
@@ -93,6 +96,7 @@ class BoneJoiner {
   void AddNodes(const SourceUse& use, bool isMesh) {
     const smd::SmdSource* source = m_context.Source(use.Source);
     if (source == nullptr) return;
+    const auto placement = PlacementOf(use);
     std::vector<std::pair<size_t, int32_t>> added;
     for (size_t i = 0; i < source->Nodes.size(); ++i) {
       const int32_t number = Add(source->Nodes[i].Name);
@@ -104,6 +108,11 @@ class BoneJoiner {
       const smd::SourcePose& pose = source->PoseOf(0, i);
       candidate.Position = {pose.Position.X * use.Scale, pose.Position.Y * use.Scale, pose.Position.Z * use.Scale};
       candidate.Angles = {pose.Rotation.X, pose.Rotation.Y, pose.Rotation.Z};
+      if (placement && source->Nodes[i].Parent < 0) {
+        const RigidTransform placed = *placement * RigidTransform::Of(candidate.Angles, candidate.Position);
+        candidate.Position = MoveOf(placed);
+        candidate.Angles = EulerOf(placed);
+      }
     }
     for (const auto& [node, number] : added) {
       const int32_t parent = source->Nodes[node].Parent;
@@ -173,6 +182,37 @@ class BoneJoiner {
       for (int32_t i = 0; i < weights.Count; ++i) m_all[static_cast<size_t>(weights.Bones[i])].Kept = true;
     }
   }
+  /// The bones that some animation moves against their parents.
+  std::vector<bool> FindMoving() const {
+    constexpr float Still = 1e-5f;
+    const auto differ = [](const smd::Triple& a, const smd::Triple& b) {
+      return std::abs(a.X - b.X) > Still || std::abs(a.Y - b.Y) > Still || std::abs(a.Z - b.Z) > Still;
+    };
+    std::vector<bool> moving(m_all.size());
+    for (size_t i = 0; i < m_plan.Script.Sources.size(); ++i) {
+      const smd::SmdSource* source = m_context.Source(static_cast<int32_t>(i));
+      if (source == nullptr || m_plan.Script.Sources[i].Kind != qc::SourceKind::Animation) continue;
+      for (size_t node = 0; node < source->Nodes.size(); ++node) {
+        const int32_t bone = Find(source->Nodes[node].Name);
+        for (int32_t frame = 1; bone >= 0 && frame < source->FrameCount; ++frame) {
+          const smd::SourcePose &a = source->PoseOf(0, node), &b = source->PoseOf(frame, node);
+          if (differ(a.Position, b.Position) || differ(a.Rotation, b.Rotation))
+            moving[static_cast<size_t>(bone)] = true;
+        }
+      }
+    }
+    return moving;
+  }
+  void TellRoots() const {
+    for (const PlanBoneText& root : m_plan.Roots) {
+      const int32_t bone = Find(root.Bone);
+      if (bone >= 0 && m_all[static_cast<size_t>(bone)].Parent < 0) continue;
+      m_context.Warning(root.At,
+                        bone < 0 ? "no bone is called " + qc::Shown(root.Bone)
+                                 : qc::Shown(root.Bone) + " has a parent; $root does not make it the first",
+                        core::TroubleKind::Lost);
+    }
+  }
   void Keep() {
     for (const PlanBodyPart& part : m_plan.BodyParts) {
       for (const PlanModel& model : part.Models) {
@@ -200,6 +240,7 @@ class BoneJoiner {
       const int32_t bone = Find(name);
       if (bone >= 0) m_all[static_cast<size_t>(bone)].Collapsed = true;
     }
+    const std::vector<bool> moving = m_plan.CollapseBones ? FindMoving() : std::vector<bool>();
     // A model of animations alone needs all bones.
     const bool none = std::ranges::none_of(m_all, [](const Candidate& bone) { return bone.Kept; });
     for (Candidate& bone : m_all) bone.Kept = bone.Kept || none;
@@ -207,7 +248,7 @@ class BoneJoiner {
       if (!m_all[i].Kept) continue;
       for (int32_t at = m_all[i].Parent; at >= 0 && !m_all[static_cast<size_t>(at)].Kept;
            at = m_all[static_cast<size_t>(at)].Parent) {
-        m_all[static_cast<size_t>(at)].Kept = true;
+        m_all[static_cast<size_t>(at)].Kept = !m_plan.CollapseBones || moving[static_cast<size_t>(at)];
       }
     }
     for (Candidate& bone : m_all) bone.Kept = bone.Kept && !bone.Collapsed;

@@ -62,9 +62,9 @@ class BoxMaker {
         if (!m_skeleton.Bones.Holds(box->Bone)) continue;
         const Vec3 least = box->Minimum, most = box->Maximum;
         for (int i = 0; i < 8; ++i) {
-          m_corners.push_back({static_cast<size_t>(box->Bone),
-                               {(i & 1) != 0 ? most.x : least.x, (i & 2) != 0 ? most.y : least.y,
-                                (i & 4) != 0 ? most.z : least.z}});
+          m_corners.push_back(
+              {static_cast<size_t>(box->Bone),
+               {(i & 1) != 0 ? most.x : least.x, (i & 2) != 0 ? most.y : least.y, (i & 4) != 0 ? most.z : least.z}});
         }
       }
     }

@@ -1,0 +1,214 @@
+// Scripts as people write them: what takes effect, what is told, and what becomes of the files.
+
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <filesystem>
+
+#include "compiler/files/commit_together.h"
+#include "compiler/files/model_files.h"
+#include "model/animation_records.h"
+#include "round_trip.h"
+#include "workshop.h"
+
+namespace tarnwick::compiler {
+namespace {
+
+using namespace tests;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+constexpr std::string_view Head = "$modelname a.mdl\n$cd parts\n";
+
+std::string BoneName(const CompiledFiles& files, int number) {
+  const int64_t at = HeaderOf(files).BoneOffset + int64_t{number} * static_cast<int64_t>(sizeof(model::StudioBone));
+  return files.Mdl.c_str() + at + RecordAt<model::StudioBone>(files.Mdl, at).NameOffset;
+}
+
+std::vector<std::string> TextureNames(const CompiledFiles& files) {
+  const model::StudioHeader header = HeaderOf(files);
+  std::vector<std::string> names;
+  for (int32_t i = 0; i < header.TextureCount; ++i) {
+    const int64_t at = header.TextureOffset + int64_t{i} * static_cast<int64_t>(sizeof(model::StudioTexture));
+    names.emplace_back(files.Mdl.c_str() + at + RecordAt<model::StudioTexture>(files.Mdl, at).NameOffset);
+  }
+  return names;
+}
+
+/// A pyramid with a square foot of `size` and the materials a and b.
+std::string Pyramid(int size) {
+  const std::string s = std::to_string(size);
+  const std::string x = "0 " + s + " 0 0 0 0 1 0 0\n", y = "0 0 " + s + " 0 0 0 1 0 1\n",
+                    z = "0 0 0 " + s + " 0 0 1 1 1\n", o = "0 0 0 0 0 0 1 0 0\n";
+  return "version 1\nnodes\n0 \"root\" -1\nend\nskeleton\ntime 0\n0 0 0 0 0 0 0\nend\ntriangles\na\n" + o + y + x +
+         "a\n" + o + x + z + "b\n" + o + z + y + "b\n" + x + y + z + "end\n";
+}
+
+TEST(CompileScript, TellsWhatItDoesNotBuild) {
+  const struct {
+    const char* Line;
+    const char* Told;
+  } cases[] = {
+      {"$root arm", "\"arm\" has a parent"},
+      {"$root elbow", "no bone is called \"elbow\""},
+      {"$bonesaveframe arm position", "$bonesaveframe has no effect"},
+      {"$ikchain c arm knee 0 1 0 height 3", "\"height\" of an $ikchain"},
+      {"$sequence s swing fps 0", "fps is above 0"},
+      {"$sequence s swing autoik", "\"autoik\" is known"},
+      {"$animation n swing\n$sequence s n frames 0 1", "\"frames\" belongs to an $animation"},
+      {"$lod 5 { replacematerial velvet silk }", "no mesh wears the material \"velvet\""},
+      {"$lod 5 { removemodel hand }", "no body shows the mesh \"hand\""},
+      {"$ikchain c arm\n$sequence s swing { ikrule c release usesequence }", "\"usesequence\" is known"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.Line);
+    Workshop shop;
+    EXPECT_TRUE(shop.Compile(std::string(Head) + "$body b arm\n$sequence idle swing\n" + c.Line + "\n"));
+    EXPECT_THAT(shop.Texts(), Contains(HasSubstr(c.Told)));
+  }
+}
+
+TEST(CompileScript, PlacesBonesAndAnimationsWithTheirMeshes) {
+  // (8, 0, 0) and (0, 8, 4) of the mesh; a source's X is the model's Y.
+  const struct {
+    const char* Line;
+    model::Vec3 Least, Most, Root;
+  } cases[] = {
+      {"", {-8, 0, 0}, {0, 8, 4}, {0, 0, 0}},
+      {"$upaxis y", {0, 0, 0}, {4, 8, 8}, {0, 0, 0}},
+      {"$origin 1 2 3", {-10, 1, 3}, {-2, 9, 7}, {1, 2, 3}},
+      {"$scale 2\n$origin 1 2 3 90", {-18, -15, 3}, {-2, 1, 11}, {1, 2, 3}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.Line);
+    Workshop shop;
+    const auto files = shop.Compile(std::string(Head) + c.Line + "\n$body b arm\n$sequence idle arm\n");
+    ASSERT_TRUE(files);
+    const model::StudioHeader header = HeaderOf(*files);
+    const auto near = [](const model::Vec3& a, const model::Vec3& b) {
+      return std::abs(a.x - b.x) < 1e-4f && std::abs(a.y - b.y) < 1e-4f && std::abs(a.z - b.z) < 1e-4f;
+    };
+    const model::Vec3 least = header.HullMinimum, most = header.HullMaximum;
+    EXPECT_TRUE(near(least, c.Least)) << least.x << " " << least.y << " " << least.z;
+    EXPECT_TRUE(near(most, c.Most)) << most.x << " " << most.y << " " << most.z;
+    EXPECT_TRUE(near(RecordAt<model::StudioBone>(files->Mdl, header.BoneOffset).Position, c.Root));
+  }
+}
+
+TEST(CompileScript, CollapsesBonesThatHoldNothingAndStandStill) {
+  const std::string mesh =
+      "version 1\nnodes\n0 \"root\" -1\n1 \"mid\" 0\n2 \"tip\" 1\nend\nskeleton\ntime 0\n0 0 0 0 0 0 0\n1 2 0 0 0 0 0\n"
+      "2 2 0 0 0 0 0\nend\ntriangles\nm\n0 0 0 0 0 0 1 0 0\n2 8 0 0 0 0 1 1 0\n2 0 8 4 0 0 1 0 1\nend\n";
+  const std::string swing =
+      "version 1\nnodes\n0 \"root\" -1\n1 \"mid\" 0\n2 \"tip\" 1\nend\nskeleton\ntime 0\n0 0 0 0 0 0 0\n1 2 0 0 0 0 0\n"
+      "2 2 0 0 0 0 0\ntime 1\n1 2 0 0 0 0 1\nend\n";
+  const auto bones = [&](const std::string& lines) {
+    Workshop shop;
+    WriteText(shop.Folder.Path("parts/limb.smd"), mesh);
+    WriteText(shop.Folder.Path("parts/wave.smd"), swing);
+    const auto files = shop.Compile(std::string(Head) + "$body b limb\n" + lines);
+    std::vector<std::string> names;
+    for (int i = 0; files && i < HeaderOf(*files).BoneCount; ++i) names.push_back(BoneName(*files, i));
+    return names;
+  };
+  EXPECT_THAT(bones("$sequence idle limb\n"), ElementsAre("root", "mid", "tip"));
+  EXPECT_THAT(bones("$collapsebones\n$sequence idle limb\n"), ElementsAre("root", "tip"));
+  EXPECT_THAT(bones("$collapsebones\n$sequence idle wave\n"), ElementsAre("root", "mid", "tip"));
+}
+
+TEST(CompileScript, FindsTheMeshOfALevelByItsBareName) {
+  for (const char* name : {"arm", "ARM.smd", "parts\\Arm"}) {
+    Workshop shop;
+    EXPECT_TRUE(
+        shop.Compile("$modelname a.mdl\n$body b parts/arm.smd\n$sequence idle parts/swing\n$lod 5 { removemodel " +
+                     std::string(name) + " }\n"));
+    EXPECT_THAT(shop.Texts(), testing::IsEmpty()) << name;
+  }
+  Workshop shop;  // two of that name
+  WriteText(shop.Folder.Path("more/arm.smd"), ArmMesh);
+  EXPECT_TRUE(
+      shop.Compile("$modelname a.mdl\n$body b parts/arm\n$body c more/arm\n$sequence idle parts/swing\n"
+                   "$lod 5 { removemodel arm }\n"));
+  EXPECT_THAT(shop.Texts(), Contains(HasSubstr("no body shows the mesh \"arm\"")));
+}
+
+TEST(CompileScript, NamesABoneInRulesThatLetALimbGo) {
+  Workshop shop;
+  const auto files =
+      shop.Compile(std::string(Head) +
+                   "$body b arm\n$ikchain c arm\n$sequence idle swing { ikrule c release ikrule c touch \"\" }\n");
+  ASSERT_TRUE(files);
+  const int64_t at = HeaderOf(*files).AnimOffset;
+  const auto animation = RecordAt<model::StudioAnimDesc>(files->Mdl, at);
+  ASSERT_EQ(animation.IkRuleCount, 2);
+  const int64_t rules = at + animation.IkRuleOffset;
+  EXPECT_EQ(RecordAt<model::StudioIkRule>(files->Mdl, rules).Bone, 0);
+  EXPECT_EQ(RecordAt<model::StudioIkRule>(files->Mdl, rules + int64_t{sizeof(model::StudioIkRule)}).Bone, -1);
+}
+
+TEST(CompileScript, ComesBackWithoutTheCollisionModel) {
+  Workshop shop;
+  WriteText(shop.Folder.Path("parts/roof.smd"), Pyramid(8));
+  WriteText(shop.Folder.Path("parts/block.smd"), Pyramid(20));
+  // Commas where blanks should be, as they are met.
+  const std::string script = std::string(Head) +
+                             "$body b roof\n$texturegroup s { { b , a } { late , later } { z , a } }\n"
+                             "$sequence idle roof\n$sequence two roof\n";
+  const auto with = shop.Compile(script + "$collisionmodel block\n");
+  const auto without = shop.Compile(script);
+  ASSERT_TRUE(with && without);
+  EXPECT_THAT(TextureNames(*with), ElementsAre("a", "b", ",", "late", "later", "z"));
+  EXPECT_NE(HeaderOf(*with).HullMaximum.z, HeaderOf(*without).HullMaximum.z);
+  for (const CompiledFiles* files : {&*with, &*without}) {
+    ScratchFolder folder;
+    WriteText(folder.Path("roof.mdl"), files->Mdl);
+    WriteText(folder.Path("roof.vvd"), files->Vvd);
+    WriteText(folder.Path("roof.dx90.vtx"), files->Vtx);
+    RoundTrip trip(folder.Path("roof.mdl"));
+    ASSERT_TRUE(trip.Compiled) << trip.Told;
+    EXPECT_EQ(trip.Before["ravelback.qc"].find("$bbox") != std::string::npos, files == &*with);
+    EXPECT_EQ(trip.Before["ravelback.qc"], trip.After["ravelback.qc"]);
+    EXPECT_EQ(TextureNames(trip.Files), TextureNames(*files));
+    EXPECT_NEAR(HeaderOf(trip.Files).HullMinimum.x, HeaderOf(*files).HullMinimum.x, 1e-4);
+    EXPECT_NEAR(HeaderOf(trip.Files).HullMaximum.z, HeaderOf(*files).HullMaximum.z, 1e-4);
+  }
+}
+
+TEST(ModelFiles, RemovesWhatTheModelHasNoMore) {
+  ScratchFolder folder;
+  CompileReport report;
+  CompiledFiles files;
+  files.Mdl = "mdl";
+  files.Phy = "phy";
+  ASSERT_TRUE(WriteModelFiles(files, "a.mdl", folder.Path("game"), report));
+  files.Phy.clear();
+  EXPECT_TRUE(report.Troubles.empty());
+  ASSERT_TRUE(WriteModelFiles(files, "a.mdl", folder.Path("game"), report));
+  EXPECT_FALSE(std::filesystem::exists(folder.Path("game/models/a.phy")));
+  ASSERT_EQ(report.Troubles.size(), 1U);
+  EXPECT_THAT(report.Troubles[0].Text, HasSubstr("a.phy of the model before is removed"));
+}
+
+TEST(ModelFiles, GetTheirNamesTogetherOrNotAtAll) {
+  ScratchFolder folder;
+  WriteText(folder.Path("old"), "before");
+  std::vector<core::OutputFile> files;
+  for (const char* name : {"new", "old", "taken", "never"}) {
+    auto file = core::OutputFile::Create(folder.Path(name));
+    ASSERT_TRUE(file && file->Write("after"));
+    files.push_back(std::move(*file));
+  }
+  std::filesystem::create_directory(folder.Path("taken"));
+  WriteText(folder.Path("taken/in the way"), "");
+  std::string path, reason;
+  EXPECT_FALSE(CommitTogether(files, path, reason));
+  EXPECT_EQ(path, folder.Path("taken"));
+  EXPECT_FALSE(reason.empty());
+  files.clear();
+  EXPECT_THAT(folder.Files(), testing::UnorderedElementsAre("old", "taken/in the way"));
+  EXPECT_EQ(ReadText(folder.Path("old")), "before");
+}
+
+}  // namespace
+}  // namespace tarnwick::compiler
