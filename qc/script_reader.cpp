@@ -26,7 +26,7 @@ void ScriptReader::ReadAll() {
     } else if (word.Text.starts_with('$')) {
       m_words.Take();
       Unknown(word);
-      SkipStatement();
+      SkipStatement(word.At.Column);
       lost = false;
     } else {
       if (!lost) {
@@ -35,7 +35,7 @@ void ScriptReader::ReadAll() {
                                   : Shown(word.Text) + " stands where a statement should begin");
       }
       lost = true;
-      SkipStatement();
+      SkipStatement(word.At.Column);
     }
   }
   CheckNames();
@@ -58,12 +58,13 @@ void ScriptReader::Unknown(const Word& word) {
                "the statement " + Shown(word.Text) + " is not known" + DidYouMean(near.Best()));
 }
 
-/// Passes over words up to the line that begins the next statement.
-void ScriptReader::SkipStatement() {
+/// Passes over words up to the line that begins the next statement. Within braces that is one that stands no further in
+/// than `column`: their end is missing then, where what stands further in is a part of what is passed over.
+void ScriptReader::SkipStatement(uint32_t column) {
   size_t depth = 0;
   while (const Word* word = m_words.Peek()) {
     if (word->FirstOfLine && word->Text.starts_with('$')) {
-      if (depth == 0 || FindStatement(word->Text) != nullptr) return;
+      if (depth == 0 || (word->At.Column <= column && FindStatement(word->Text) != nullptr)) return;
     }
     if (word->Is('{')) ++depth;
     if (word->Is('}') && depth > 0) --depth;

@@ -39,7 +39,7 @@ class ScriptReader {
   void TellState(Support state, std::string_view name, const Place& at);
   bool Check(const Statement& statement);
   void Unknown(const Word& word);
-  void SkipStatement();
+  void SkipStatement(uint32_t column);
   void SkipExtraWords(const Context& context);
   void ActOnFolders(const Statement& statement);
 

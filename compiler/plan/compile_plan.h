@@ -238,6 +238,7 @@ struct PlanJiggleBone {
 struct PlanWeightList {
   std::string Name;
   std::vector<std::pair<std::string, float>> Bones;
+  qc::Place At;
 };
 
 /// What a script asks for, statement by statement, with every default in place. Names are as typed; they are matched

@@ -100,6 +100,9 @@ class PlanReader {
   bool ReadHeader(const Statement& s) {
     switch (s.Kind) {
       case Command::ModelName: {
+        if (!m_plan.ModelName.empty()) {
+          Told().Warning(core::TroubleKind::Refused, s.At, "a second $modelname takes the first one's place");
+        }
         m_plan.ModelName = Text(s, 0);
         const std::string lower = core::LowerAscii(m_plan.ModelName);
         if (!lower.ends_with(".mdl")) m_plan.ModelName += ".mdl";
@@ -107,7 +110,11 @@ class PlanReader {
       }
       case Command::Scale: {
         const float scale = Number(s, 0);
-        if (std::isfinite(scale) && scale != 0) m_use.Scale = scale;
+        if (std::isfinite(scale) && scale != 0) {
+          m_use.Scale = scale;
+        } else {
+          Told().Warning(core::TroubleKind::Refused, s.At, "a scale of 0 leaves nothing; $scale is passed over");
+        }
         return true;
       }
       case Command::Origin:
@@ -446,7 +453,7 @@ class PlanReader {
     }
   }
   static PlanWeightList WeightsOf(const Statement& s, std::string name) {
-    PlanWeightList list{std::move(name), {}};
+    PlanWeightList list{std::move(name), {}, s.At};
     for (const auto& row : s.Rows) {
       if (row.size() >= 2) list.Bones.emplace_back(std::string(row[0].Text), static_cast<float>(row[1].Number));
     }

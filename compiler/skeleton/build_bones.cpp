@@ -51,6 +51,7 @@ class BoneJoiner {
     Resolve();
     Place();
     TellRoots();
+    TellWeights();
     Keep();
     return Order();
   }
@@ -211,6 +212,14 @@ class BoneJoiner {
                         bone < 0 ? "no bone is called " + qc::Shown(root.Bone)
                                  : qc::Shown(root.Bone) + " has a parent; $root does not make it the first",
                         core::TroubleKind::Lost);
+    }
+  }
+  void TellWeights() const {
+    for (const PlanWeightList& list : m_plan.WeightLists) {
+      for (const auto& [bone, weight] : list.Bones) {
+        if (Find(bone) < 0)
+          m_context.Warning(list.At, "no bone is called " + qc::Shown(bone) + "; its weight is left out");
+      }
     }
   }
   void Keep() {

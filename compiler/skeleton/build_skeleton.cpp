@@ -164,6 +164,9 @@ void BuildHitboxes(CompileContext& context, ModelBones& bones, const BuiltMeshes
         context.Warning(box.At, "no bone is called " + qc::Shown(box.Bone) + "; its hit box is left out");
         continue;
       }
+      if (box.Minimum.x > box.Maximum.x || box.Minimum.y > box.Maximum.y || box.Minimum.z > box.Maximum.z) {
+        context.Warning(box.At, "the hit box is inside out: nothing can hit it");
+      }
       set.Boxes.push_back({bone, box.Group, box.Minimum, box.Maximum});
     }
   }
