@@ -7,9 +7,9 @@
 
 #include "core/paths.h"
 #include "images/tga_path.h"
-#include "jobs/before_run.h"
 #include "jobs/image_questions.h"
 #include "jobs/last_line.h"
+#include "jobs/logged_warning.h"
 #include "jobs/not_begun.h"
 #include "jobs/written_anew.h"
 #include "tools/sdk_tools.h"
@@ -71,7 +71,7 @@ void CompileOne(const CompileImages& job, const images::ImageWorker& worker, siz
   calls.Run.AnnounceStart = false;
   calls.Run.OnText = [&](std::string_view text) { run.ToolText(text); };
   calls.OnToolStart = [&](const std::string& commandLine) { run.Command(commandLine); };
-  calls.OnWarning = [&](const std::string& warning) { return TellBeforeRun(run, warning); };
+  calls.OnWarning = [&](const std::string& warning) { return TellLoggedWarning(run, warning); };
 
   const FileBefore texture(run.Result.Target);
   const std::string materialPath = CompiledPath(job, images::TgaPath(run.Result.Input, ""), ".vmt");

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "core/paths.h"
+#include "jobs/logged_warning.h"
 #include "jobs/not_begun.h"
 #include "jobs/project_script.h"
 #include "jobs/written_anew.h"
@@ -36,12 +37,6 @@ std::string ModelStemOf(const std::string& gameDirectory, const std::string& scr
     stem.resize(stem.size() - ModelEndings[0].size());
   }
   return stem;
-}
-
-/// A warning, which the log has a line of as well.
-void Warn(ItemRun& run, const std::string& text) {
-  run.Log("Warning: " + text + "\r\n");
-  run.Tell({.Level = core::Severity::Warning, .Kind = core::TroubleKind::Missing, .Text = text});
 }
 
 /// The files that a model's compile writes, watched over the run of the tool.
@@ -77,7 +72,7 @@ void JudgeModel(const ModelFiles& files, ItemRun& run) {
   result.Files = files.Written();
   if (!files.AreKnown()) {
     if (core::FileExists(result.Source)) {
-      Warn(run, "the script names no model, so whether one was written is not known");
+      TellLoggedWarning(run, "the script names no model, so whether one was written is not known");
     } else {
       run.Fail(core::TroubleKind::Missing, "there is no script " + result.Source, result.Source);
     }
@@ -108,7 +103,7 @@ void CompileOne(const CompileModels& job, ItemRun& run) {
   }
   const tools::RunWarnings looks = tools::CheckStudiomdlRun(job.GameDirectory, result.Source);
   warnings.insert(warnings.end(), looks.begin(), looks.end());
-  for (const std::string& warning : warnings) Warn(run, warning);
+  for (const std::string& warning : warnings) TellLoggedWarning(run, warning);
 
   const std::string stem = ModelStemOf(job.GameDirectory, result.Source);
   if (!stem.empty()) result.Target = stem + std::string(ModelEndings[0]);

@@ -9,10 +9,10 @@
 #include "core/paths.h"
 #include "images/image_format.h"
 #include "images/tga_path.h"
-#include "jobs/before_run.h"
 #include "jobs/image_questions.h"
 #include "jobs/input_files.h"
 #include "jobs/last_line.h"
+#include "jobs/logged_warning.h"
 #include "jobs/made_folder.h"
 #include "jobs/not_begun.h"
 #include "jobs/texture_images.h"
@@ -183,7 +183,7 @@ class Export {
     options.OnText = [this](std::string_view text) { m_run.ToolText(text); };
     std::string warnings;
     for (const std::string& warning : tools::CheckVtf2tgaRun(m_run.Result.Source, tga)) {
-      warnings += "\r\n" + TellBeforeRun(m_run, warning);
+      warnings += "\r\n" + TellLoggedWarning(m_run, warning);
     }
     m_run.Command(command.Line());
     tools::FinishedRun finished = tools::RunTool(tools::ToolRun::Vtf2tga, command, options);

@@ -1,5 +1,6 @@
 #include "pages/page_job.h"
 
+#include <condition_variable>
 #include <mutex>
 #include <utility>
 #include <variant>
@@ -12,18 +13,27 @@ namespace tarnwick::pages {
 
 namespace {
 
+/// As many lines wait for the window at most. A tool that prints faster than they can be shown is held up.
+constexpr size_t MostWaiting = 4'000;
+
 /// Keeps the events until the window's thread fetches them.
 class WindowHost : public jobs::Host {
  public:
   explicit WindowHost(JobBoxes boxes) : m_boxes(boxes) {}
 
-  /// Where boxes go; set before the job starts.
-  void SetReport(platform::JobReport& report) { m_report = &report; }
+  /// Where boxes go, and what ends a wait for the window; set before the job starts.
+  void Begin(platform::JobReport& report, const std::stop_token& stop) {
+    m_report = &report;
+    m_stop = stop;
+  }
 
   void On(const jobs::Event& event) override {
     if (const auto* started = std::get_if<jobs::Started>(&event)) m_count = started->Count;
     {
-      const std::lock_guard lock(m_mutex);
+      std::unique_lock lock(m_mutex);
+      if (std::holds_alternative<jobs::Line>(event)) {
+        m_taken.wait(lock, m_stop, [this] { return m_events.size() < MostWaiting; });
+      }
       m_events.push_back(event);
     }
     const auto* told = std::get_if<jobs::Told>(&event);
@@ -36,14 +46,17 @@ class WindowHost : public jobs::Host {
 
   std::vector<jobs::Event> Take() {
     const std::lock_guard lock(m_mutex);
+    m_taken.notify_all();
     return std::exchange(m_events, {});
   }
 
  private:
   const JobBoxes m_boxes;
   platform::JobReport* m_report = nullptr;
+  std::stop_token m_stop;
   size_t m_count = 0;
   std::mutex m_mutex;
+  std::condition_variable_any m_taken;
   std::vector<jobs::Event> m_events;
 };
 
@@ -58,7 +71,7 @@ bool PageJob::Start(Work work, PageJobView view) {
   };
   return m_runner.Start(
       [host, work = std::move(work)](platform::JobReport& report, const std::stop_token& stop) {
-        host->SetReport(report);
+        host->Begin(report, stop);
         work(*host, stop);
       },
       {.Bar = view.Bar, .Disabled = view.Disabled, .LogGrew = {}, .Tick = showEvents, .Done = showEvents});

@@ -85,14 +85,14 @@ void CVtexStatusDialog::OnLine(const jobs::Line& line) {
     m_note = " - " + ToQt(line.Text).trimmed();
     return;
   }
-  m_logs.back().Whole += line.Text;
+  m_logs.back().Whole.Append(line.Text);
   if (IsLastShown()) m_ui->logEdit->Append(line.Text);
 }
 
 void CVtexStatusDialog::OnItemFinished(const jobs::ItemFinished& finished) {
   MaterialLog& log = m_logs.back();
   log.Shown = finished.Result.Shown;
-  log.Whole += finished.Result.Notes;
+  log.Whole.Append(finished.Result.Notes);
   log.IsDone = true;
   m_ui->countBar->setValue(static_cast<int>(++m_done));
   const int row = static_cast<int>(m_logs.size()) - 1;
@@ -100,8 +100,9 @@ void CVtexStatusDialog::OnItemFinished(const jobs::ItemFinished& finished) {
   const core::Trouble* error = finished.Result.First(core::Severity::Error);
   // What has no box of its own stands behind the tool's text.
   if (error != nullptr && error->Caption.empty() && log.Shown.find(error->Text) == std::string::npos) {
-    log.Shown += "\r\n[" + error->Text + "]\r\n";
-    log.Whole += "\r\n[" + error->Text + "]\r\n";
+    const std::string told = "\r\n[" + error->Text + "]\r\n";
+    log.Shown += told;
+    log.Whole.Append(told);
   }
   if (IsLastShown()) ShowLog();
 }
@@ -122,7 +123,7 @@ void CVtexStatusDialog::ShowLog() {
   const int row = m_ui->materialCombo->currentIndex();
   if (row < 0) return;
   const MaterialLog& log = m_logs[static_cast<size_t>(row)];
-  m_ui->logEdit->Append(m_ui->wholeLogButton->isChecked() || !log.IsDone ? log.Whole : log.Shown);
+  m_ui->logEdit->Append(m_ui->wholeLogButton->isChecked() || !log.IsDone ? log.Whole.Text() : log.Shown);
 }
 
 }  // namespace tarnwick::pages

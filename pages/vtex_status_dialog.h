@@ -7,6 +7,7 @@
 
 #include "jobs/events.h"
 #include "platform/dialog.h"
+#include "tools/whole_log.h"
 
 class QProgressBar;
 
@@ -42,10 +43,12 @@ class CVtexStatusDialog : public platform::CDialog {
   bool IsLastShown() const;
 
   std::unique_ptr<Ui::VtexStatusDialog> m_ui;
+  static constexpr size_t KeptBytes = size_t{1} << 20;  // of each material
+
   /// What is shown of a material; `Shown` is there at its end.
   struct MaterialLog {
     std::string Shown;
-    std::string Whole;  // everything that was printed so far
+    tools::WholeLog Whole{KeptBytes};  // everything that was printed so far
     bool IsDone = false;
   };
   std::vector<MaterialLog> m_logs;  // one for each material so far

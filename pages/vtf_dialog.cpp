@@ -185,8 +185,7 @@ void CVTFDialog::Start(jobs::ExportTextures job) {
   job.Start.WineProgram = setting::WineProgram.Read(Settings());
   job.UncommonFormats = setting::UncommonImageFormats.Read(Settings()) != 0;
   m_finishedLog.clear();
-  m_wholeLog.clear();
-  m_runningLog.clear();
+  m_wholeLog = m_runningLog = tools::WholeLog(KeptBytes);
   m_note.clear();
   m_count = 0;
   m_ui->logEdit->Clear();
@@ -218,7 +217,7 @@ void CVTFDialog::Show(const jobs::Event& event, Pictures& pictures) {
                      m_note += line.Text;
                      return;
                    }
-                   m_runningLog += line.Text;
+                   m_runningLog.Append(line.Text);
                    m_ui->logEdit->Append(line.Text);
                  },
                  [&](const jobs::ItemFinished& finished) { OnItemFinished(finished, pictures); },
@@ -232,7 +231,8 @@ void CVTFDialog::OnItemFinished(const jobs::ItemFinished& finished, Pictures& pi
   const jobs::ItemResult& result = finished.Result;
   const std::string end = m_count > 1 ? "\r\n" : "";
   m_finishedLog += result.Shown + end;
-  m_wholeLog += std::exchange(m_runningLog, {}) + result.Notes + end;
+  m_wholeLog.Append(m_runningLog.Text() + result.Notes + end);
+  m_runningLog = tools::WholeLog(KeptBytes);
   ShowLog();
   const Pictures::Each each = pictures.Take(finished.Item);
   if (each.Picture) {
@@ -255,13 +255,13 @@ void CVTFDialog::OnFinished(const jobs::JobResult& result) {
   }
   if (last.empty()) return;
   m_finishedLog += last;
-  m_wholeLog += last;
+  m_wholeLog.Append(last);
   ShowLog();
 }
 
 void CVTFDialog::ShowLog() {
   m_ui->logEdit->Clear();
-  m_ui->logEdit->Append((m_ui->wholeLogButton->isChecked() ? m_wholeLog : m_finishedLog) + m_runningLog);
+  m_ui->logEdit->Append((m_ui->wholeLogButton->isChecked() ? m_wholeLog.Text() : m_finishedLog) + m_runningLog.Text());
 }
 
 }  // namespace tarnwick::pages

@@ -6,6 +6,7 @@
 #include "jobs/export_textures.h"
 #include "pages/page.h"
 #include "pages/page_job.h"
+#include "tools/whole_log.h"
 
 namespace Ui {
 class VtfDialog;
@@ -45,10 +46,12 @@ class CVTFDialog : public CPage {
   void OnFinished(const jobs::JobResult& result);
   void ShowLog();
 
+  static constexpr size_t KeptBytes = size_t{4} << 20;  // of a tool that prints on and on
+
   std::unique_ptr<Ui::VtfDialog> m_ui;
   std::string m_finishedLog;  // of the textures of this job that are done
-  std::string m_wholeLog;     // the same, with everything that the tool printed
-  std::string m_runningLog;   // of the one at hand
+  tools::WholeLog m_wholeLog{KeptBytes};    // the same, with everything that the tool printed
+  tools::WholeLog m_runningLog{KeptBytes};  // of the one at hand
   std::string m_note;         // on which tool is used
   size_t m_count = 0;
   PageJob m_job;

@@ -193,6 +193,22 @@ TEST_F(VtfPage, StopsAToolThatDoesNotEndAndHasItsWholeLog) {
   EXPECT_TRUE(m_desktop.Boxes.empty());
 }
 
+TEST_F(VtfPage, StaysInHandWhileAToolPrintsWithoutEnd) {
+  Open();
+  m_settings.Values["Tarnwick/SDKDirectory"] = m_folder.Path();
+  tests::WriteShellProgram(m_folder.Path("vtf2tga.exe"), "exec yes $(printf '%0900d' 7)\n");
+  Input().setText("a.vtf");
+  Output().setText(QString::fromStdString(m_folder.Path("a.png")));
+  const auto& log = ControlOf<QPlainTextEdit>(*m_page, "logEdit");
+  Click(*m_page, "extractButton");
+  ASSERT_TRUE(tests::WaitUntil([&] { return log.document()->blockCount() >= 10'000; }));  // 9 MB
+  Click(*m_page, "stopButton");
+  ASSERT_TRUE(WaitForJob());
+  Click(*m_page, "wholeLogButton");
+  EXPECT_THAT(Log(), AllOf(HasSubstr(" bytes of output are left out here]"), HasSubstr("[Stopped.")));
+  EXPECT_LT(Log().size(), size_t{5} << 20);
+}
+
 TEST_F(VtfPage, UsesTheProgramsOwnToolWhereTheSdkHasNoneAndSaysSo) {
   Open();
   for (const char* sdk : {"", "C:\\sdk"}) {

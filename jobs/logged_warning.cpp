@@ -1,8 +1,8 @@
-#include "jobs/before_run.h"
+#include "jobs/logged_warning.h"
 
 namespace tarnwick::jobs {
 
-std::string TellBeforeRun(ItemRun& run, std::string_view warning) {
+std::string TellLoggedWarning(ItemRun& run, std::string_view warning) {
   constexpr std::string_view Word = "Warning: ";
   if (warning.starts_with(Word)) warning.remove_prefix(Word.size());
   std::string line = std::string(Word) + std::string(warning) + "\r\n";
