@@ -49,7 +49,7 @@ void ModelReader::DamagedTable(const std::string& path, std::string_view what, i
 
 void ModelReader::DamagedName(std::string_view what, int64_t offset) {
   Damaged(Model.Mdl.Path(), what, offset,
-          "is no text inside the file of at most " + std::to_string(LongestName) + " bytes");
+          "is no text of at most " + std::to_string(LongestName) + " bytes that ends inside the file");
 }
 
 void ModelReader::DamagedAnimation(const std::string& path, std::string_view what, int64_t offset,

@@ -1,5 +1,6 @@
 #include "pages/decompiler_status.h"
 
+#include <QFileInfo>
 #include <QHeaderView>
 #include <QTreeWidget>
 #include <algorithm>
@@ -35,14 +36,20 @@ std::string LostText(int64_t lost) {
   return lost > 0 ? ", " + jobs::Counted(static_cast<size_t>(lost), "thing") + " lost" : "";
 }
 
+/// ", 2 errors, 1 warning", or nothing.
+std::string TroublesText(const jobs::ItemResult& result) {
+  const size_t errors = result.Count(core::Severity::Error);
+  const size_t warnings = result.Count(core::Severity::Warning);
+  return (errors > 0 ? ", " + jobs::Counted(errors, "error") : "") +
+         (warnings > 0 ? ", " + jobs::Counted(warnings, "warning") : "");
+}
+
 /// What the list says of a model that is done.
 std::string ResultText(const jobs::ItemResult& result) {
   if (result.Judged == jobs::Verdict::Stopped) return "stopped";
   if (result.Verified) return result.Shown;
   if (result.Succeeded()) {
-    const size_t warnings = result.Count(core::Severity::Warning);
-    return FilesWritten(result.Files.size()) + (warnings > 0 ? ", " + jobs::Counted(warnings, "warning") : "") +
-           LostText(LostIn(result));
+    return FilesWritten(result.Files.size()) + TroublesText(result) + LostText(LostIn(result));
   }
   const core::Trouble* error = result.First(core::Severity::Error);
   if (error == nullptr) return "failed";
@@ -56,7 +63,7 @@ std::string LogLine(const core::Trouble& trouble) {
   return platform::FromQt(ToQt(text).simplified()) + "\n";
 }
 
-/// "2 of 3 models are the same, 1 but for rounding".
+/// "2 of 3 models come back the same, 1 but for rounding".
 std::string VerifiedText(const jobs::JobResult& result) {
   const auto count = [&](auto is) {
     return static_cast<size_t>(
@@ -66,7 +73,7 @@ std::string VerifiedText(const jobs::JobResult& result) {
   const size_t same = count([](const jobs::Verification& one) { return one.IsSameButForRounding(); });
   const size_t exact = count([](const jobs::Verification& one) { return one.IsSame(); });
   std::string text = std::to_string(same) + " of " + jobs::Counted(result.Items.size(), "model") +
-                     (same == 1 ? " is the same" : " are the same");
+                     (same == 1 ? " comes back the same" : " come back the same");
   if (exact < same) text += ", " + std::to_string(same - exact) + " but for rounding";
   return text;
 }
@@ -99,6 +106,7 @@ QProgressBar& CDecompilerStatus::Bar() const {
 void CDecompilerStatus::Begin(const std::string& outputDirectory) {
   m_folder = outputDirectory;
   m_models.clear();
+  m_folders.clear();
   m_isVerifying = false;
   m_ui->verifyButton->setEnabled(false);
   m_count = m_modelsDone = m_filesDone = 0;
@@ -149,7 +157,8 @@ void CDecompilerStatus::OnModelStarted(const jobs::ItemStarted& started) {
   row->setText(ModelColumn, ToQt(core::LastComponent(started.Input)));
   row->setToolTip(ModelColumn, ToQt(started.Input));
   row->setText(ResultColumn, m_isVerifying ? "verifying" : "decompiling");
-  row->setData(ModelColumn, FolderRole, ToQt(started.Target));
+  // Also while a model is verified its row leads to the sources that were made of it.
+  row->setData(ModelColumn, FolderRole, ToQt(m_isVerifying ? m_folders[started.Input] : started.Target));
   m_ui->resultList->scrollToItem(row);
 }
 
@@ -170,6 +179,7 @@ void CDecompilerStatus::OnModelFinished(const jobs::ItemFinished& finished) {
     m_ui->logEdit->Append(result.Input + ": " + (isTold ? ResultText(result) : error->Text) + "\n");
   } else if (!result.Files.empty()) {
     m_models.push_back(result.Source);
+    m_folders[result.Source] = result.Target;
   }
   m_filesDone += finished.Result.Files.size();
   QTreeWidgetItem* row = m_ui->resultList->topLevelItem(m_ui->resultList->topLevelItemCount() - 1);
@@ -195,13 +205,18 @@ void CDecompilerStatus::OnFinished(const jobs::JobResult& result) {
   m_ui->stopButton->setEnabled(false);
   m_ui->verifyButton->setEnabled(!m_models.empty());
   if (m_isVerifying) return m_ui->fileLabel->setText(ToQt(VerifiedText(result)));
-  std::string text = (m_count == 1 ? FilesWritten(m_filesDone) : jobs::SummaryLine(result, "model")) + LostText(m_lost);
+  std::string text = jobs::SummaryLine(result, "model");
+  if (m_count == 1 && result.Items.size() == 1) text = FilesWritten(m_filesDone) + TroublesText(result.Items.front());
+  text += LostText(m_lost);
   if (m_count == 0 && !result.Troubles.empty()) text = result.Troubles.front().Text;
   m_ui->fileLabel->setText(ToQt(text));
 }
 
 void CDecompilerStatus::OpenFolder(const std::string& folder) {
-  if (DesktopSeam().Open(folder)) return;
+  // A model of which nothing was written has no folder of its own: then the one above it.
+  QFileInfo there(ToQt(folder));
+  while (!there.isDir() && there.path() != there.filePath()) there.setFile(there.path());
+  if (DesktopSeam().Open(platform::FromQt(there.filePath()))) return;
   DesktopSeam().Box(this, platform::BoxIcon::Stop, "Unable to open the folder " + folder, "Error");
 }
 

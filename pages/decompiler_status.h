@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -50,6 +51,7 @@ class CDecompilerStatus : public platform::CDialog {
   std::string m_folder;  // of the only model, or of all
   bool m_isVerifying = false;
   std::vector<std::string> m_models;
+  std::map<std::string, std::string> m_folders;  // of their sources, by model
   size_t m_count = 0;
   size_t m_modelsDone = 0;
   size_t m_filesDone = 0;  // of the models that are done

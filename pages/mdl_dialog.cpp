@@ -223,12 +223,19 @@ bool CMDLDialog::HasUnsavedChanges() const {
 void CMDLDialog::OnView() {
   UpdateData(true);
   const std::string gameDirectory = setting::GameDirectory.Read(Settings());
-  const process::Command command = tools::HlmvCommand(setting::SdkDirectory.Read(Settings()), gameDirectory,
-                                                      tools::ModelFileOf(gameDirectory, m_project.modelFile));
+  const std::string sdk = setting::SdkDirectory.Read(Settings());
+  const process::Command command =
+      tools::HlmvCommand(sdk, gameDirectory, tools::ModelFileOf(gameDirectory, m_project.modelFile));
   const auto error = tools::StartHlmv(command, {setting::WineProgram.Read(Settings())});
   if (!error) return;
   platform::MessageBoxRequest box{tools::HlmvErrorText(command), {}, platform::BoxIcon::None};
   box.Details = error->Message;
+  if (sdk.empty()) {
+    box.Details =
+        "hlmv, which shows models, comes with the SDK. No directory of the SDK is set: that is done with \"Configure\" "
+        "at "
+        "the top of the window.";
+  }
   DesktopSeam().ShowBox(this, box);
 }
 

@@ -37,7 +37,7 @@ class WindowHost : public jobs::Host {
       m_events.push_back(event);
     }
     const auto* told = std::get_if<jobs::Told>(&event);
-    if (told != nullptr && (m_boxes == JobBoxes::Always || m_count == 1)) m_report->Tell(told->Trouble);
+    if (told != nullptr && HasBox(told->Trouble)) m_report->Tell(told->Trouble);
   }
 
   bool Ask(const jobs::Question& question) override {
@@ -51,10 +51,18 @@ class WindowHost : public jobs::Host {
   }
 
  private:
+  /// One table of a damaged file that is not there often takes many with it: the first has a box, the log has all.
+  bool HasBox(const core::Trouble& trouble) {
+    if (m_boxes == JobBoxes::OfTheOnlyItem && m_count != 1) return false;
+    const bool isDamage = trouble.Kind == core::TroubleKind::Damaged && !trouble.Caption.empty();
+    return !isDamage || !std::exchange(m_damageWasShown, true);
+  }
+
   const JobBoxes m_boxes;
   platform::JobReport* m_report = nullptr;
   std::stop_token m_stop;
   size_t m_count = 0;
+  bool m_damageWasShown = false;
   std::mutex m_mutex;
   std::condition_variable_any m_taken;
   std::vector<jobs::Event> m_events;

@@ -49,10 +49,10 @@ class CVTFDialog : public CPage {
   static constexpr size_t KeptBytes = size_t{4} << 20;  // of a tool that prints on and on
 
   std::unique_ptr<Ui::VtfDialog> m_ui;
-  std::string m_finishedLog;  // of the textures of this job that are done
+  std::string m_finishedLog;                // of the textures of this job that are done
   tools::WholeLog m_wholeLog{KeptBytes};    // the same, with everything that the tool printed
   tools::WholeLog m_runningLog{KeptBytes};  // of the one at hand
-  std::string m_note;         // on which tool is used
+  std::string m_note;                       // on which tool is used
   size_t m_count = 0;
   PageJob m_job;
 };

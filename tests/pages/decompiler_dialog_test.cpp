@@ -171,6 +171,33 @@ TEST_F(DecompilePage, ShowsWhyAJobFailed) {
   EXPECT_TRUE(m_folder.Files().empty());
 }
 
+TEST_F(DecompilePage, ShowsOneBoxForADamagedModelAndTheRestInItsLog) {
+  Open();
+  const std::string model = tests::ModelBuilder{}.Write(m_folder.Path());
+  std::filesystem::resize_file(model, 420);  // the tables behind the header are gone
+  ControlOf<QLineEdit>(*m_page, "modelEdit").setText(QString::fromStdString(model));
+  ControlOf<QLineEdit>(*m_page, "outputEdit").setText(QString::fromStdString(m_folder.Path("out")));
+  Click(*m_page, "extractButton");
+  ASSERT_TRUE(WaitForJob());
+  ASSERT_EQ(m_desktop.Boxes.size(), 1u);
+  EXPECT_EQ(m_desktop.Boxes.front().Caption, "Damaged File");
+  EXPECT_GT(QString::fromStdString(Log()).count("Damaged File: "), 1);
+  EXPECT_THAT(ControlOf<QLabel>(Status(), "fileLabel").text().toStdString(), EndsWith(" errors"));
+}
+
+TEST_F(DecompilePage, OpensTheFolderAboveWhereAModelHasWrittenNothing) {
+  Open();
+  const std::string model = tests::ModelBuilder{}.Write(m_folder.Path());
+  std::filesystem::remove(m_folder.Path("cube.dx90.vtx"));
+  std::filesystem::create_directory(m_folder.Path("out"));
+  ControlOf<QLineEdit>(*m_page, "modelEdit").setText(QString::fromStdString(model));
+  ControlOf<QLineEdit>(*m_page, "outputEdit").setText(QString::fromStdString(m_folder.Path("out")));
+  Click(*m_page, "extractButton");
+  ASSERT_TRUE(WaitForJob());
+  Click(Status(), "openFolderButton");
+  EXPECT_THAT(m_desktop.Opened, ElementsAre(m_folder.Path("out")));
+}
+
 /// The rows of the list of models, their columns parted by a bar.
 std::vector<std::string> Rows(QWidget& status) {
   std::vector<std::string> rows;
@@ -233,6 +260,9 @@ TEST_F(DecompilePage, VerifiesTheModelsOfTheLastJobBesideTheWindow) {
   EXPECT_THAT(ControlOf<QLabel>(Status(), "fileLabel").text().toStdString(), HasSubstr("of 2 models"));
   EXPECT_TRUE(verify.isEnabled()) << "it may be asked again";
   EXPECT_EQ(m_folder.Files(), files) << "nothing is left";
+  auto& list = ControlOf<QTreeWidget>(Status(), "resultList");
+  emit list.itemActivated(list.topLevelItem(1), 0);
+  EXPECT_THAT(m_desktop.Opened, ElementsAre(m_folder.Path("out/b")));
 }
 
 TEST_F(DecompilePage, SaysThatAFolderHoldsNoModel) {

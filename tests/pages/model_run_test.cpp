@@ -183,6 +183,9 @@ TEST_F(ModelPages, ViewTheCompiledModel) {
   Click(*page, "viewButton");
   EXPECT_THAT(m_desktop.Boxes, testing::ElementsAre(ShownBox{BoxIcon::None, "Error starting /no/sdk/hlmv.exe", ""}));
   EXPECT_THAT(m_desktop.LastBox.Details, HasSubstr("No such file"));
+  m_settings.Values["Tarnwick/SDKDirectory"] = "";
+  Click(*page, "viewButton");
+  EXPECT_THAT(m_desktop.LastBox.Details, HasSubstr("No directory of the SDK is set"));
 }
 
 TEST_F(ModelPages, ViewSaysWhyTheViewerDidNotStart) {
