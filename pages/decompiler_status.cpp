@@ -184,7 +184,7 @@ void CDecompilerStatus::OnModelFinished(const jobs::ItemFinished& finished) {
   m_filesDone += finished.Result.Files.size();
   QTreeWidgetItem* row = m_ui->resultList->topLevelItem(m_ui->resultList->topLevelItemCount() - 1);
   const QString text = ToQt(ResultText(finished.Result)).simplified();
-  if (!finished.Result.Succeeded()) {  // the last line tells which model it was, also among many
+  if (!m_isVerifying && !result.Succeeded()) {  // the last line tells which model it was, also among many
     m_ui->logEdit->Append(platform::FromQt(row->text(ModelColumn) + ": " + text) + "\n");
   }
   row->setText(ResultColumn, text);

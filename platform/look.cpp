@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QEvent>
+#include <QGroupBox>
 #include <QProxyStyle>
 #include <QStyleOptionButton>
 #include <algorithm>
@@ -12,8 +13,11 @@ namespace tarnwick::platform {
 namespace {
 
 constexpr int CaptionMargin = 12;  // beside a button's text; some styles leave next to none
+constexpr int GroupMargin = 5;     // above and below what a group holds, at most
 
-class PlainButtons : public QProxyStyle {
+/// The desktop's style with plain buttons, and with groups that are low enough for the pages to fit a screen of 768
+/// pixels.
+class TidyStyle : public QProxyStyle {
  public:
   using QProxyStyle::QProxyStyle;
 
@@ -21,6 +25,12 @@ class PlainButtons : public QProxyStyle {
                 QStyleHintReturn* result) const override {
     if (hint == SH_DialogButtonBox_ButtonsHaveIcons) return 0;
     return QProxyStyle::styleHint(hint, option, widget, result);
+  }
+
+  int pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const override {
+    const int pixels = QProxyStyle::pixelMetric(metric, option, widget);
+    const bool isAboveOrBelow = metric == PM_LayoutTopMargin || metric == PM_LayoutBottomMargin;
+    return isAboveOrBelow && qobject_cast<const QGroupBox*>(widget) != nullptr ? std::min(pixels, GroupMargin) : pixels;
   }
 
   QSize sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& contents,
@@ -86,7 +96,7 @@ QColor PlaceholderColor(const QPalette& palette, QPalette::ColorGroup group) {
 }
 
 void ApplyLook(const QString& style) {
-  QApplication::setStyle(style.isEmpty() ? new PlainButtons : new PlainButtons(style));
+  QApplication::setStyle(style.isEmpty() ? new TidyStyle : new TidyStyle(style));
   qApp->installEventFilter(new PlaceholderKeeper(qApp));
   PlaceholderKeeper::Mend();
 }

@@ -15,12 +15,14 @@
 #include <QTextBlock>
 #include <algorithm>
 #include <cctype>
+#include <functional>
 #include <semaphore>
 
 #include "app/document_view.h"
 #include "app/help_window.h"
 #include "controls/html_static.h"
 #include "platform/job_runner.h"
+#include "platform/look.h"
 #include "support/scratch_folder.h"
 #include "window_support/memory_settings.h"
 #include "window_support/scripted_desktop.h"
@@ -354,22 +356,37 @@ TEST_F(MainDialog, CheckingForUpdatesSaysWhatItCanBeforeItOpensAPage) {
               ElementsAre(EndsWith("/mossgate.php?program=checkversion&name=tarnwick&version=0.3.1a/")));
 }
 
+/// The area of each page, with each of the pages for models in turn.
+void ForEachPageArea(QWidget& dialog, QTabWidget& tabs, const std::function<void(const QScrollArea& area)>& look) {
+  auto& innerTabs = ControlOf<QTabWidget>(*dialog.findChild<pages::CMDLSelDialog*>(), "tabs");
+  for (int tab = 0; tab < tabs.count(); ++tab) {
+    tabs.setCurrentIndex(tab);
+    for (int inner = 0; inner < innerTabs.count(); ++inner) {
+      SCOPED_TRACE(std::to_string(tab) + ", " + std::to_string(inner));
+      innerTabs.setCurrentIndex(inner);
+      QApplication::processEvents();
+      const auto* area = qobject_cast<QScrollArea*>(tabs.currentWidget());
+      ASSERT_NE(area, nullptr);
+      look(*area);
+    }
+  }
+}
+
 TEST_F(MainDialog, NoPageScrollsSidewaysOnAScreenOf768Lines) {
   m_settings.Values["Tarnwick/GameDirectory"] = "/home/ada/a game directory with a name that is longer than most/mod";
   m_settings.Values["Tarnwick/Reference"] = "/home/ada/a folder with a name that is longer than most of them/crate.smd";
   Open();
   m_dialog->resize(m_dialog->width(), 500);  // as low as a small screen has it, so that pages scroll down
-  auto& innerTabs = ControlOf<QTabWidget>(*m_dialog->findChild<pages::CMDLSelDialog*>(), "tabs");
-  for (int tab = 0; tab < Tabs().count(); ++tab) {
-    Tabs().setCurrentIndex(tab);
-    for (int inner = 0; inner < innerTabs.count(); ++inner) {
-      innerTabs.setCurrentIndex(inner);
-      QApplication::processEvents();
-      const auto* area = qobject_cast<QScrollArea*>(Tabs().currentWidget());
-      ASSERT_NE(area, nullptr);
-      EXPECT_EQ(area->horizontalScrollBar()->maximum(), 0) << "tab " << tab << ", " << inner;
-    }
-  }
+  ForEachPageArea(*m_dialog, Tabs(),
+                  [](const QScrollArea& area) { EXPECT_EQ(area.horizontalScrollBar()->maximum(), 0); });
+}
+
+TEST_F(MainDialog, AScreenOf768LinesHasEveryPageWhole) {
+  platform::ApplyLook("Fusion");
+  Open();
+  m_dialog->resize(m_dialog->width(), 736);  // the frame takes the rest
+  ForEachPageArea(*m_dialog, Tabs(),
+                  [](const QScrollArea& area) { EXPECT_EQ(area.verticalScrollBar()->maximum(), 0); });
 }
 
 TEST_F(MainDialog, ShowsItsSmallDialogs) {

@@ -263,6 +263,13 @@ TEST_F(DecompilePage, VerifiesTheModelsOfTheLastJobBesideTheWindow) {
   auto& list = ControlOf<QTreeWidget>(Status(), "resultList");
   emit list.itemActivated(list.topLevelItem(1), 0);
   EXPECT_THAT(m_desktop.Opened, ElementsAre(m_folder.Path("out/b")));
+
+  std::filesystem::remove(m_folder.Path("b.dx90.vtx"));
+  const auto lines = [this] { return QString::fromStdString(Log()).count("b.mdl: "); };
+  const auto before = lines();
+  Click(Status(), "verifyButton");
+  ASSERT_TRUE(WaitForJob());
+  EXPECT_EQ(lines(), before + 1) << "a failure is told once";
 }
 
 TEST_F(DecompilePage, SaysThatAFolderHoldsNoModel) {

@@ -49,6 +49,25 @@ std::unique_ptr<QWidget> FinishedRun(Stage& stage) {
   return status;
 }
 
+/// The page's log after a compile by the program's own studiomdl.
+std::unique_ptr<QWidget> CompiledByOurOwn(Stage& stage) {
+  auto status = std::make_unique<pages::CStudioMDLStatusDialog>(stage.Desktop, nullptr);
+  status->Create();
+  status->Log().AppendPageLog(
+      "studiomdl: our own\r\n/opt/tarnwick/bin/sdk/studiomdl.exe -game \"/home/ada/mod\" "
+      "\"/home/ada/walker/walker.qc\"\r\n"
+      "Working on \"walker.qc\"\r\nwriting /home/ada/mod/models/props/walker.mdl: 2316 bytes\r\n"
+      "bones 1, vertices 691, triangles 792, animations 1, sequences 1\r\nCompleted \"walker.qc\"\r\n\r\n"
+      "[props/walker.mdl was written (2.26 KB); no errors, no warnings]\r\n");
+  auto* verdict = status->findChild<QLabel*>("verdictLabel");
+  verdict->setText("props/walker.mdl was written (2.26 KB); no errors, no warnings");
+  verdict->show();
+  for (const char* button : {"copyCommandButton", "wholeLogButton"}) {
+    status->findChild<QAbstractButton*>(button)->setEnabled(true);
+  }
+  return status;
+}
+
 std::unique_ptr<QWidget> WholeLog(Stage& stage) {
   tools::WholeLog log;
   log.Append("Working on \"crate.qc\"\r\nSMD MODEL crate.smd\r\nWARNING: bone pelvis is not used\r\n");
@@ -125,6 +144,7 @@ std::vector<Subject> ModelSubjects() {
       {"main-model-compile", LoadedProject},
       {"main-existing-qc", ReadyMadeScript},
       {"studiomdl-status", FinishedRun},
+      {"studiomdl-status-written", CompiledByOurOwn},
       {"whole-log", WholeLog},
       {"studiomdl-options",
        [](Stage& stage) {

@@ -1,3 +1,6 @@
+#include <QProgressBar>
+#include <array>
+
 #include "app/about_dlg.h"
 #include "app/game_config_dialog.h"
 #include "app/game_directory_help_dialog.h"
@@ -54,6 +57,72 @@ std::unique_ptr<QWidget> RunningJob(Stage& stage) {
   return Created(std::move(status));
 }
 
+jobs::ItemResult Result(size_t files, std::vector<decompiler::LostKind> lost) {
+  jobs::ItemResult result{.Judged = jobs::Verdict::Succeeded};
+  for (size_t i = 0; i < files; ++i) result.Files.push_back({"file" + std::to_string(i), 1'000});
+  result.Lost = std::move(lost);
+  return result;
+}
+
+constexpr std::array Names = {"walker", "crate", "lamp", "barrel rusty"};
+
+std::unique_ptr<pages::CDecompilerStatus> Jobs(Stage& stage, const std::vector<jobs::ItemResult>& results) {
+  auto status = std::make_unique<pages::CDecompilerStatus>(
+      stage.Desktop, nullptr, [] {}, [] {});
+  status->Begin("/home/ada/sources");
+  status->Show(jobs::Started{results.size()});
+  jobs::JobResult all;
+  for (size_t i = 0; i < results.size(); ++i) {
+    const std::string name = Names[i];
+    const std::string folder = "/home/ada/sources/" + name;
+    jobs::ItemResult result = results[i];
+    result.Input = result.Source = "/home/ada/models/" + name + ".mdl";
+    result.Target = folder;
+    status->Show(jobs::ItemStarted{i, result.Input, folder});
+    status->Show(jobs::Line{i, jobs::LineSource::Log, tools::LineKind::Plain,
+                            "Loaded model " + result.Input + "\r\nCreating " + folder + "/ravelback.qc\r\n"});
+    for (const core::Trouble& trouble : result.Troubles) status->Show(jobs::Told{i, trouble});
+    status->Show(jobs::ItemFinished{i, result});
+    all.Items.push_back(result);
+  }
+  status->Show(jobs::Finished{all});
+  status->Bar().setValue(100);
+  status->Create();
+  return status;
+}
+
+/// One model that is complete but for some things.
+std::unique_ptr<QWidget> LostThings(Stage& stage) {
+  return Jobs(stage, {Result(9, {{"header flags", 1}, {"names of hit boxes", 17}, {"unknown bone flags", 3}})});
+}
+
+/// Several models, with all that can become of one.
+std::unique_ptr<QWidget> SeveralModels(Stage& stage) {
+  jobs::ItemResult damaged{.Judged = jobs::Verdict::Failed};
+  damaged.Troubles = {{.Text = "the bones at byte 408 (4,000,000 records) run past the end of the file (2,064 bytes)"}};
+  return Jobs(stage,
+              {Result(9, {}), Result(4, {{"masses of physics", 1}}), damaged, {.Judged = jobs::Verdict::Stopped}});
+}
+
+/// Two models after "Verify", one of which does not come back.
+std::unique_ptr<QWidget> Verified(Stage& stage) {
+  auto status = Jobs(stage, {Result(9, {}), Result(4, {})});
+  status->BeginVerifying();
+  jobs::JobResult all;
+  all.Items = {{.Judged = jobs::Verdict::Succeeded}, {.Judged = jobs::Verdict::Failed}};
+  all.Items[0].Verified.emplace();
+  all.Items[0].Shown = all.Items[0].Verified->Line();
+  all.Items[1].Troubles = {{.Text = "crate.qc(12): could not load file lid.smd"}};
+  status->Show(jobs::Started{all.Items.size()});
+  for (size_t i = 0; i < all.Items.size(); ++i) {
+    all.Items[i].Input = status->Models()[i];
+    status->Show(jobs::ItemStarted{i, all.Items[i].Input, {}});
+    status->Show(jobs::ItemFinished{i, all.Items[i]});
+  }
+  status->Show(jobs::Finished{all});
+  return status;
+}
+
 }  // namespace
 
 std::vector<Subject> ShellSubjects() {
@@ -64,6 +133,9 @@ std::vector<Subject> ShellSubjects() {
       MainWindow("main-model-decompile", 2),
       MainWindow("main-vtf-export", 3),
       {"decompiler-status", RunningJob},
+      {"decompiler-status-lost", LostThings},
+      {"decompiler-status-several", SeveralModels},
+      {"decompiler-status-verified", Verified},
       {"game-config",
        [](Stage& stage) {
          FillDirectories(stage);
