@@ -46,6 +46,7 @@ CMaterialList::CMaterialList(QWidget* parent) : QTreeWidget(parent) {
 void CMaterialList::InsertColumns() {
   setColumnCount(ColumnCount);
   setHeaderLabels({"Filename", "Type", "Size"});
+  headerItem()->setTextAlignment(SizeColumn, Qt::AlignRight | Qt::AlignVCenter);
   FitColumns();
 }
 
