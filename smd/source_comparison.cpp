@@ -157,7 +157,13 @@ std::map<std::string, fs::path> FilesOf(const std::string& folder) {
   const fs::path top = core::NativePath(folder);
   for (fs::recursive_directory_iterator at(top, error), end; !error && at != end; at.increment(error)) {
     std::error_code ignored;
-    if (at->is_regular_file(ignored)) files[core::PathText(at->path().lexically_relative(top))] = at->path();
+    if (!at->is_regular_file(ignored)) continue;
+    std::string name;  // alike on every system
+    for (const fs::path& part : at->path().lexically_relative(top)) {
+      if (!name.empty()) name += '/';
+      name += core::PathText(part);
+    }
+    files[name] = at->path();
   }
   return files;
 }

@@ -54,6 +54,7 @@ struct PhysicsFixture {
   }
 };
 
+#ifdef TARNWICK_HULLS
 TEST(BuildPhysics, MakesOneTurnedHullWithDefaults) {
   PhysicsFixture fixture;
   SourceBuilder source;
@@ -76,6 +77,7 @@ TEST(BuildPhysics, MakesOneTurnedHullWithDefaults) {
   EXPECT_NEAR(float{(*fixture.Physics.Box)[0].x}, -2, 1e-4);
   EXPECT_THAT(fixture.Compile.Told, IsEmpty());
 }
+#endif
 
 TEST(BuildPhysics, PartsConcaveMeshesByConnectionAndLeavesFlatSetsOut) {
   PhysicsFixture fixture;
@@ -128,6 +130,7 @@ TEST(BuildPhysics, KeepsClosedPiecesTriangleByTriangle) {
   }
 }
 
+#ifdef TARNWICK_HULLS
 TEST(BuildPhysics, MakesJointsInTheOrderOfTheirStatements) {
   PhysicsFixture fixture;
   fixture.Compile.AddBone("arm", 0, {0, 0, 10});
@@ -177,6 +180,7 @@ TEST(BuildPhysics, MakesJointsInTheOrderOfTheirStatements) {
   EXPECT_EQ(fixture.File.Solids[2]->Pieces[0].BoneNumber, 3);
   EXPECT_FALSE(fixture.Physics.Box.has_value());
 }
+#endif
 
 TEST(BuildPhysics, TellsWhatCannotBeMade) {
   PhysicsFixture fixture;

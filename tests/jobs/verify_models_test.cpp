@@ -4,6 +4,7 @@
 
 #include <filesystem>
 
+#include "core/paths.h"
 #include "support/model_builder.h"
 #include "support/recording_host.h"
 #include "support/scratch_folder.h"
@@ -76,7 +77,7 @@ TEST_F(VerifyModelsJob, TellsWhetherAModelComesBackTheSame) {
 
 TEST_F(VerifyModelsJob, KeepsEachStepWhereItIsAsked) {
   Crate().Write(m_folder.Path());
-  EXPECT_EQ(Verify(Gives(Crate()), m_folder.Path("kept")).Target, m_folder.Joined("kept/cube"));
+  EXPECT_EQ(Verify(Gives(Crate()), m_folder.Path("kept")).Target, m_folder.Path("kept") + core::PathSeparator + "cube");
   for (const char* name : {"sources/ravelback.qc", "compiled/models/made.mdl", "again/ravelback.qc"}) {
     EXPECT_TRUE(core::FileExists(m_folder.Path(std::string("kept/cube/") + name))) << name;
   }
