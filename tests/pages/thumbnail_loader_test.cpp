@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <QElapsedTimer>
+#include <QCoreApplication>
 
 #include "support/scratch_folder.h"
 #include "window_support/window_actions.h"
@@ -24,11 +24,9 @@ TEST(ThumbnailLoader, EndsAtOnceWhateverItsWorkersAreAt) {
   QObject::connect(loader.get(), &ThumbnailLoader::Failed, &here, count);
   for (int i = 0; i < Wanted; ++i) loader->Load(path);
   ASSERT_TRUE(tests::WaitUntil([&] { return answers > 0; }));
-  QElapsedTimer clock;
-  clock.start();
   loader.reset();
-  EXPECT_LT(clock.elapsed(), 1000);
-  EXPECT_LT(answers, Wanted) << "the workers were at work";
+  QCoreApplication::processEvents();  // what was answered until the end
+  EXPECT_LT(answers, Wanted / 2) << "it did not wait for its workers";
 }
 
 }  // namespace
