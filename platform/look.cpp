@@ -88,8 +88,8 @@ QColor PlaceholderColor(const QPalette& palette, QPalette::ColorGroup group) {
   const QColor least = palette.color(group, QPalette::PlaceholderText);
   const QColor seen = Mixed(least, base, least.alphaF());
   if (Contrast(seen, base) >= ReadableContrast) return least;
-  for (double share = 0.6; share < 1; share += 0.1) {
-    const QColor mixed = Mixed(text, base, share);
+  for (int tenths = 6; tenths < 10; ++tenths) {
+    const QColor mixed = Mixed(text, base, tenths / 10.0);
     if (Contrast(mixed, base) >= ReadableContrast) return mixed;
   }
   return text;
