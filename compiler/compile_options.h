@@ -17,8 +17,6 @@ struct CompileOptions {
   int32_t Version = 48;       // 44, 48 or 49
   /// Corners of one place whose normals are less than this many degrees apart become one vertex; 0: only equal ones.
   float NormalAngle = 2;
-  /// Texture coordinates as our decompiler writes them: stored v is 0 - v, not 1 - v.
-  bool PlainV = false;
   /// Normals, weights and coordinates are kept as the sources have them: no unit length, no dropped weights.
   bool KeepValues = false;
   /// Reads files in place of the disk.

@@ -211,7 +211,7 @@ class FaceBuild {
   void AddRule(const PlanFlexRule& line) {
     const auto& rules = m_context.Plan.Script.Rules;
     if (line.Rule < 0 || static_cast<size_t>(line.Rule) >= rules.size()) return;
-    AddFlexRule(m_context, rules[static_cast<size_t>(line.Rule)], line.At, m_names, m_face);
+    AddFlexRule(m_context, rules[static_cast<size_t>(line.Rule)], m_names, m_face);
   }
 
   void AddMouth(const PlanMouth& mouth) {

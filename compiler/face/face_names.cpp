@@ -69,8 +69,7 @@ std::string NotAController(std::string_view name, const BuiltFace& face) {
 
 }  // namespace
 
-bool AddFlexRule(CompileContext& context, const qc::FlexRule& rule, const qc::Place& at, FaceNames& names,
-                 BuiltFace& face) {
+bool AddFlexRule(CompileContext& context, const qc::FlexRule& rule, FaceNames& names, BuiltFace& face) {
   if (rule.Nodes.empty()) return false;
   BuiltFlexRule built;
   built.Descriptor = names.Descriptor(rule.Flex);
@@ -109,7 +108,6 @@ bool AddFlexRule(CompileContext& context, const qc::FlexRule& rule, const qc::Pl
       return false;
     }
   }
-  static_cast<void>(at);
   face.Rules.push_back(std::move(built));
   return true;
 }

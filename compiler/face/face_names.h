@@ -38,8 +38,7 @@ class FaceNames {
 
 /// The operations of a rule on a stack machine. What names no controller, and what no operation is known for, is told;
 /// nothing is then added. A flex that nothing else names gets its descriptor here.
-bool AddFlexRule(CompileContext& context, const qc::FlexRule& rule, const qc::Place& at, FaceNames& names,
-                 BuiltFace& face);
+bool AddFlexRule(CompileContext& context, const qc::FlexRule& rule, FaceNames& names, BuiltFace& face);
 
 /// The sliders of the controllers: one for each, or for two that follow each other and differ by `right_` and `left_`.
 std::vector<BuiltFlexControl> ControlsOf(const std::vector<BuiltFlexController>& controllers);

@@ -79,7 +79,7 @@ MeshVertex CornerVertices::Make(const smd::SourceCorner& corner) const {
   vertex.Position = PlaceOf(corner.Position);
   vertex.Normal = DirectionOf(corner.Normal);
   vertex.U = corner.U;
-  vertex.V = m_options.PlainV ? Negated(corner.V) : m_options.KeepValues ? FromOne(corner.V) : 1.0f - corner.V;
+  vertex.V = m_options.KeepValues ? FromOne(corner.V) : 1.0f - corner.V;
   vertex.Weights = WeightsOfCorner(m_source, corner, m_bones, m_options.KeepValues);
   if (m_static) vertex.Weights = {1, {0, 0, 0}, {1, 0, 0}};
   return vertex;

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "compiler/plan/option_values.h"
+
 namespace tarnwick::compiler {
 
 using qc::Key;
@@ -10,12 +12,6 @@ using qc::Option;
 
 namespace {
 
-std::string TextAt(const Option& option, size_t i) {
-  return i < option.Arguments.size() ? std::string(option.Arguments[i].Text) : std::string();
-}
-float NumberAt(const Option& option, size_t i) {
-  return static_cast<float>(option.Number(i));
-}
 int32_t FrameOf(const Option& option, size_t i) {
   const double value = option.Number(i);
   return std::isfinite(value) ? static_cast<int32_t>(std::clamp(value, -1e9, 1e9)) : 0;

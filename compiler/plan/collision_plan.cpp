@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "compiler/plan/body_plan.h"
+#include "compiler/plan/option_values.h"
 #include "core/paths.h"
 
 namespace tarnwick::compiler {
@@ -12,13 +13,6 @@ using qc::Key;
 using qc::Option;
 
 namespace {
-
-std::string TextAt(const Option& option, size_t i) {
-  return i < option.Arguments.size() ? std::string(option.Arguments[i].Text) : std::string();
-}
-float NumberAt(const Option& option, size_t i) {
-  return static_cast<float>(option.Number(i));
-}
 
 void NameBone(PlanCollision& collision, const std::string& bone) {
   const bool known =

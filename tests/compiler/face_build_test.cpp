@@ -53,7 +53,7 @@ struct RuleFixture {
     names.Descriptor("known");
     for (const char* name : {"right_a", "left_a", "b"}) names.AddController({"eyes", name, 0, 1});
     bool added = false;
-    Compile.Run([&](CompileContext& context) { added = AddFlexRule(context, rule, {}, names, Face); });
+    Compile.Run([&](CompileContext& context) { added = AddFlexRule(context, rule, names, Face); });
     return added;
   }
 };
