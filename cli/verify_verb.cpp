@@ -80,7 +80,7 @@ std::string ModelJson(const jobs::ItemResult& result) {
 std::string ModelLine(const jobs::ItemResult& result) {
   if (result.Verified) return result.Input + ": " + result.Shown;
   const core::Trouble* error = result.First(core::Severity::Error);
-  const std::string reason = error == nullptr ? std::string() : ": " + OneLine(error->Text);
+  const std::string reason = error == nullptr ? std::string() : ": " + LineOf(*error);
   return result.Input + ": " + OutcomeWord(result.Judged) + reason;
 }
 

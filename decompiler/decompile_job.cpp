@@ -34,7 +34,7 @@ bool LoadModel(JobContext& job) {
   }
   if (!model) {
     DecompileLog(job, "Unable to read " + path + ": " + reason + "\r\n");
-    job.Error("Unable to load model", "Error", core::TroubleKind::Unreadable, path);
+    job.Error("Unable to load model", "Error", core::TroubleKind::Unreadable, path, {}, path + ": " + reason);
     return false;
   }
   job.Model.Mdl = std::move(*model);

@@ -58,11 +58,12 @@ void JobContext::TellLost() {
 }
 
 void JobContext::Error(std::string_view text, std::string_view caption, core::TroubleKind kind, std::string file,
-                       std::string alike) {
+                       std::string alike, std::string details) {
   Tell({.Kind = kind,
         .File = std::move(file),
         .Text = std::string(text),
         .Caption = std::string(caption),
+        .Details = std::move(details),
         .Alike = std::move(alike)});
 }
 

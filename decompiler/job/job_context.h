@@ -76,9 +76,9 @@ class JobContext : private core::TroubleSink, public ModelReader {
   void Lose(std::string_view kind, int64_t count = 1);
   /// Tells, once a job, that things of `kind` (in the plural) were changed so that the sources compile, and how.
   void CleanOnce(std::string_view kind, std::string_view how);
-  /// A box with the stop icon.
+  /// A box with the stop icon; `alike` and `details` as a trouble has them.
   void Error(std::string_view text, std::string_view caption, core::TroubleKind kind, std::string file = {},
-             std::string alike = {});
+             std::string alike = {}, std::string details = {});
   /// Whether the caller wants the job to end; told in the log the first time.
   bool Stopped();
 

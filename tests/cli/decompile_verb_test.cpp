@@ -83,7 +83,9 @@ TEST_F(DecompileVerb, PrintsAJsonObjectForEachModel) {
   std::getline(lines, line);
   const auto second = nlohmann::json::parse(line);
   EXPECT_EQ(second["outcome"], "failed");
-  EXPECT_THAT(second["errors"], ElementsAre("Error: Unable to load model"));
+  // The file and the reason, as the window's box and list have them.
+  EXPECT_THAT(second["errors"],
+              ElementsAre(testing::StartsWith("Error: Unable to load model: " + m_models.Path("none.mdl") + ": ")));
   EXPECT_FALSE(std::getline(lines, line));
 }
 

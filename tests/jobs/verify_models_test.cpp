@@ -86,7 +86,9 @@ TEST_F(VerifyModelsJob, KeepsEachStepWhereItIsAsked) {
 TEST_F(VerifyModelsJob, NamesTheStepThatFailedAndWhy) {
   WriteText(m_folder.Path("cube.mdl"), "");
   EXPECT_EQ(Verify(Gives(Crate())).Judged, Verdict::Failed);
-  EXPECT_THAT(m_result.Items[0].First(core::Severity::Error)->Text, StartsWith("decompiling: "));
+  const core::Trouble& empty = *m_result.Items[0].First(core::Severity::Error);
+  EXPECT_EQ(empty.Text, "decompiling: Unable to load model");
+  EXPECT_EQ(empty.Details, m_folder.Path("cube.mdl") + ": it is empty");
 
   Crate().Write(m_folder.Path());
   const auto refuses = [](const ModelCompile&, core::Report& report) -> std::optional<std::string> {
