@@ -11,7 +11,15 @@ set(CMAKE_INCLUDE_DIRECTORIES_PROJECT_BEFORE ON)
 
 find_program(CCACHE ccache)
 if(CCACHE)
-  set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
+  # What is compiled with a precompiled header goes into the cache only where it is told that this is meant.
+  set(CMAKE_CXX_COMPILER_LAUNCHER
+      ${CMAKE_COMMAND} -E env CCACHE_SLOPPINESS=pch_defines,time_macros ${CCACHE})
+endif()
+
+# A quick linker where there is one: the sanitizers' programs are large.
+find_program(MOLD mold)
+if(MOLD AND NOT CMAKE_CROSSCOMPILING AND NOT MSVC)
+  add_link_options(-fuse-ld=mold)
 endif()
 
 add_library(tarnwick_options INTERFACE)
@@ -49,10 +57,43 @@ if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
   add_link_options(-Wl,-z,now,-z,relro $<$<STREQUAL:${kind},EXECUTABLE>:-pie>)
 endif()
 
+# Adds the headers that follow as the precompiled header `name`, which `tarnwick_precompiled` then gives to targets; they
+# are read with the options and libraries that follow LIKE. No file may rely on it: builds without TARNWICK_PRECOMPILE
+# show what it does not include itself.
+function(tarnwick_precompiled_header name)
+  if(NOT TARNWICK_PRECOMPILE)
+    return()
+  endif()
+  cmake_parse_arguments(PARSE_ARGV 1 header "" "" "OPTIONS;LIKE")
+  file(WRITE ${CMAKE_BINARY_DIR}/${name}.cpp "")
+  add_library(${name} OBJECT ${CMAKE_BINARY_DIR}/${name}.cpp)
+  target_compile_options(${name} PRIVATE ${header_OPTIONS})
+  target_link_libraries(${name} PRIVATE ${header_LIKE} tarnwick_options)
+  set_target_properties(${name} PROPERTIES AUTOMOC OFF AUTOUIC OFF AUTORCC OFF)
+  target_precompile_headers(${name} PRIVATE ${header_UNPARSED_ARGUMENTS})
+endfunction()
+
+# Lets `target` use the precompiled header `name`.
+function(tarnwick_precompiled target name)
+  if(TARGET ${name})
+    target_precompile_headers(${target} REUSE_FROM ${name})
+    # GCC 12 no longer knows the library's headers as the system's once they are precompiled, and warns of them.
+    target_compile_options(${target} PRIVATE
+      "$<$<CXX_COMPILER_ID:GNU>:-Wno-array-bounds;-Wno-stringop-overflow;-Wno-stringop-overread>")
+  endif()
+endfunction()
+
 # Applies the project's warnings to `target`.
 function(tarnwick_target target)
   target_link_libraries(${target} PRIVATE tarnwick_options)
 endfunction()
+
+# Options for code that people wait for while it is compiled, never while it runs: options, tests.
+if(TARNWICK_SANITIZE)
+  set(TARNWICK_QUICK_COMPILE -O0)
+else()
+  set(TARNWICK_QUICK_COMPILE $<$<NOT:$<CONFIG:Debug>>:-O1>)
+endif()
 
 # Lets the compiler make vector code of the loops in these files, in every build but one for a debugger: see
 # core/vector_code.h. Neither errno nor floating-point exceptions are looked at there, and a multiplication may be fused
