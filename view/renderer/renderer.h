@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <memory>
 #include <string>
@@ -20,7 +21,7 @@ struct DrawTarget {
   int Height = 0;
   /// Behind the model, where the view's state names no colour: red, green, blue and alpha from 0 to 1, not multiplied.
   /// What is drawn has an alpha of 1, so an alpha of 0 gives the model alone.
-  float Background[4] = {0, 0, 0, 0};
+  std::array<float, 4> Background = {0, 0, 0, 0};
   float LineWidth = 1;  // of everything that is drawn as lines, in pixels
 };
 
