@@ -134,8 +134,8 @@ void ModelCanvas::PaintBoneNames(const ViewState& state, const ScenePose& pose) 
   const std::span<const Matrix34> bones = pose.Bones();
   const QColor behind = palette().color(QPalette::Base);
   for (size_t i = 0; i < bones.size() && i < m_model.Model->Bones.size(); ++i) {
-    const Vec3 place = state.Eye.Project(bones[i].Translation(), static_cast<float>(width()),
-                                         static_cast<float>(height()));
+    const Vec3 place =
+        state.Eye.Project(bones[i].Translation(), static_cast<float>(width()), static_cast<float>(height()));
     if (!(place.Z >= -1 && place.Z <= 1)) continue;
     const QPointF point(place.X + 4, place.Y - 4);
     const QString name = ToQt(m_model.Model->Bones[i].Name);

@@ -62,7 +62,7 @@ QAction* ModelView::Command(QMenu& menu, const QString& text, const QKeySequence
   return action;
 }
 
-void ModelView::Switch(QMenu& menu, const QString& text, const QKeySequence& key, bool ViewExtras::* extra) {
+void ModelView::Switch(QMenu& menu, const QString& text, const QKeySequence& key, bool ViewExtras::*extra) {
   QAction* action = Command(menu, text, key, [this, extra] {
     Change([extra](ViewState& state) { state.Extras.*extra = !(state.Extras.*extra); });
   });
@@ -71,8 +71,7 @@ void ModelView::Switch(QMenu& menu, const QString& text, const QKeySequence& key
 }
 
 void ModelView::MakeCommands() {
-  Command(*m_menu, "&Frame the model", Qt::Key_F, [this] { FrameModel(); })
-      ->setShortcuts({Qt::Key_F, Qt::Key_Home});
+  Command(*m_menu, "&Frame the model", Qt::Key_F, [this] { FrameModel(); })->setShortcuts({Qt::Key_F, Qt::Key_Home});
   QMenu& sides = *m_menu->addMenu("Look from the &side");
   const struct {
     const char* Text;
@@ -102,16 +101,14 @@ void ModelView::MakeCommands() {
                {"S&haded", Qt::Key_S, ShadingMode::Shaded},
                {"&Wireframe", Qt::Key_W, ShadingMode::Wireframe}};
   for (const auto& each : modes) {
-    QAction* action = Command(*m_menu, each.Text, each.Key, [this, mode = each.Mode] {
-      Change([mode](ViewState& state) { state.Mode = mode; });
-    });
+    QAction* action = Command(*m_menu, each.Text, each.Key,
+                              [this, mode = each.Mode] { Change([mode](ViewState& state) { state.Mode = mode; }); });
     action->setCheckable(true);
     m_marks.emplace_back(action, [mode = each.Mode](const ViewState& state) { return state.Mode == mode; });
   }
   QMenu& extras = *m_menu->addMenu("Sho&w too");
-  QAction* lines = Command(extras, "&Lines of the triangles", Qt::Key_L, [this] {
-    Change([](ViewState& state) { state.WireOverMesh = !state.WireOverMesh; });
-  });
+  QAction* lines = Command(extras, "&Lines of the triangles", Qt::Key_L,
+                           [this] { Change([](ViewState& state) { state.WireOverMesh = !state.WireOverMesh; }); });
   lines->setCheckable(true);
   m_marks.emplace_back(lines, [](const ViewState& state) { return state.WireOverMesh; });
   Switch(extras, "&Bones", Qt::Key_B, &ViewExtras::Bones);
@@ -124,9 +121,8 @@ void ModelView::MakeCommands() {
   Switch(extras, "&Ground grid", Qt::Key_G, &ViewExtras::Grid);
 
   m_menu->addSeparator();
-  QAction* play = Command(*m_menu, "&Play", Qt::Key_Space, [this] {
-    Change([](ViewState& state) { state.IsPlaying = !state.IsPlaying; });
-  });
+  QAction* play = Command(*m_menu, "&Play", Qt::Key_Space,
+                          [this] { Change([](ViewState& state) { state.IsPlaying = !state.IsPlaying; }); });
   play->setCheckable(true);
   m_marks.emplace_back(play, [](const ViewState& state) { return state.IsPlaying; });
   Command(*m_menu, "&Next frame", Qt::Key_Period, [this] { StepFrame(1); });
@@ -273,8 +269,8 @@ void ModelView::mouseMoveEvent(QMouseEvent* event) {
   if (!m_isDragging && moved.manhattanLength() < QApplication::startDragDistance()) return;
   m_isDragging = true;
   m_grip = event->position();
-  const bool pans = (event->buttons() & Qt::MiddleButton) ||
-                    (event->modifiers() & (Qt::ShiftModifier | Qt::ControlModifier));
+  const bool pans =
+      (event->buttons() & Qt::MiddleButton) || (event->modifiers() & (Qt::ShiftModifier | Qt::ControlModifier));
   Change([&](ViewState& state) {
     if (pans) {
       const auto points = static_cast<float>(std::max(height(), 1));

@@ -76,7 +76,7 @@ class ModelView : public QWidget {
  private:
   void MakeCommands();
   QAction* Command(QMenu& menu, const QString& text, const QKeySequence& key, const std::function<void()>& act);
-  void Switch(QMenu& menu, const QString& text, const QKeySequence& key, bool ViewExtras::* extra);
+  void Switch(QMenu& menu, const QString& text, const QKeySequence& key, bool ViewExtras::*extra);
   void ShowCommands();
   void Tick();
   void Redraw();

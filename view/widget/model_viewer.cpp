@@ -187,8 +187,7 @@ void ModelViewer::KeepState() {
 
 void ModelViewer::TakeState() {
   const bool moves = m_view->HasModel() && m_view->State().Sequence >= 0;
-  for (QWidget* each : std::initializer_list<QWidget*>{m_play, m_frame,
-                                                       findChild<QToolButton*>("previousFrameButton"),
+  for (QWidget* each : std::initializer_list<QWidget*>{m_play, m_frame, findChild<QToolButton*>("previousFrameButton"),
                                                        findChild<QToolButton*>("nextFrameButton")}) {
     if (each != nullptr) each->setEnabled(moves);
   }
@@ -213,8 +212,9 @@ void ModelViewer::ShowTime() {
   m_frame->setRange(0, static_cast<int>(std::lround(std::clamp(last, 0.0f, 1e6f) * StepsAFrame)));
   m_frame->setValue(static_cast<int>(std::lround(std::clamp(frame, 0.0f, 1e6f) * StepsAFrame)));
   const QLocale numbers;
-  m_time->setText(QString("%1 of %2").arg(numbers.toString(static_cast<double>(frame), 'f', 1),
-                                          numbers.toString(static_cast<double>(last), 'g', 4)));
+  m_time->setText(QString("%1 of %2")
+                      .arg(numbers.toString(static_cast<double>(frame), 'f', 1),
+                           numbers.toString(static_cast<double>(last), 'g', 4)));
 }
 
 void ModelViewer::SavePicture() {

@@ -46,9 +46,8 @@ void PosePad::paintEvent(QPaintEvent*) {
   painter.drawLine(QPointF(room.left(), room.center().y()), QPointF(room.right(), room.center().y()));
   painter.setPen(Qt::NoPen);
   painter.setBrush(palette().color(QPalette::Highlight));
-  painter.drawEllipse(
-      QPointF(room.left() + m_place.x() * room.width(), room.bottom() - m_place.y() * room.height()), PointRadius,
-      PointRadius);
+  painter.drawEllipse(QPointF(room.left() + m_place.x() * room.width(), room.bottom() - m_place.y() * room.height()),
+                      PointRadius, PointRadius);
 }
 
 void PosePad::mousePressEvent(QMouseEvent* event) {

@@ -122,9 +122,8 @@ DisplayTab::DisplayTab(ModelView& view)
     const int at = static_cast<int>(m_boxes.size());
     boxes->addWidget(box, at / 2, at % 2);
     m_boxes.emplace_back(box, each.Value);
-    connect(box, &QCheckBox::clicked, this, [this, value = each.Value](bool on) {
-      View().Change([&](ViewState& state) { value(state) = on; });
-    });
+    connect(box, &QCheckBox::clicked, this,
+            [this, value = each.Value](bool on) { View().Change([&](ViewState& state) { value(state) = on; }); });
   }
   auto* content = new QWidget;
   auto* inner = new QVBoxLayout(content);
@@ -134,9 +133,8 @@ DisplayTab::DisplayTab(ModelView& view)
   auto* rows = new QVBoxLayout(this);
   rows->setContentsMargins(0, 0, 0, 0);
   rows->addWidget(Scrolled(content));
-  connect(m_mode, &QComboBox::currentIndexChanged, this, [this](int mode) {
-    View().Change([&](ViewState& state) { state.Mode = static_cast<ShadingMode>(mode); });
-  });
+  connect(m_mode, &QComboBox::currentIndexChanged, this,
+          [this](int mode) { View().Change([&](ViewState& state) { state.Mode = static_cast<ShadingMode>(mode); }); });
   connect(m_background, &QComboBox::activated, this, &DisplayTab::ChooseBackground);
   connect(m_lightYaw, &QSlider::valueChanged, this, [this](int degrees) {
     View().Change([&](ViewState& state) { state.LightYaw = static_cast<float>(degrees); });
@@ -193,9 +191,8 @@ PartsTab::PartsTab(ModelView& view)
   connect(m_skin, &QSpinBox::valueChanged, this,
           [this](int skin) { View().Change([&](ViewState& state) { state.Skin = skin; }); });
   connect(m_lod, &QComboBox::currentIndexChanged, this, [this](int choice) {
-    View().Change([&](ViewState& state) {
-      state.FixedLod = choice > 0 ? std::optional<int32_t>(choice - 1) : std::nullopt;
-    });
+    View().Change(
+        [&](ViewState& state) { state.FixedLod = choice > 0 ? std::optional<int32_t>(choice - 1) : std::nullopt; });
   });
   connect(m_hitboxSet, &QComboBox::currentIndexChanged, this,
           [this](int set) { View().Change([&](ViewState& state) { state.HitboxSet = std::max(set, 0); }); });
