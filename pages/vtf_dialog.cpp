@@ -101,6 +101,7 @@ CVTFDialog::CVTFDialog(const PageContext& context, QWidget* parent)
   connect(m_ui->browseOutputButton, &QAbstractButton::clicked, this, &CVTFDialog::OnBrowseOutput);
   connect(m_ui->extractButton, &QAbstractButton::clicked, this, &CVTFDialog::ExtractVtf);
   connect(m_ui->wholeLogButton, &QAbstractButton::toggled, this, &CVTFDialog::ShowLog);
+  connect(m_ui->inputEdit, &QLineEdit::textChanged, this, &CVTFDialog::ShowTexture);
   connect(m_ui->stopButton, &QAbstractButton::clicked, this, [this] { m_job.RequestStop(); });
 }
 
@@ -111,6 +112,11 @@ void CVTFDialog::OnInitDialog() {
   platform::LoadAllCaptionBitmaps(*this);
   m_ui->inputEdit->setText(ToQt(setting::VtfExportFile.Read(Settings())));
   m_ui->outputEdit->setText(ToQt(setting::TgaExportFile.Read(Settings())));
+}
+
+void CVTFDialog::ShowTexture() {
+  m_ui->texture->ShowFile(m_ui->inputEdit->text());
+  if (!m_job.IsRunning()) m_ui->pictureTabs->setCurrentWidget(m_ui->texture);
 }
 
 void CVTFDialog::SaveSettings() {
@@ -235,6 +241,7 @@ void CVTFDialog::OnItemFinished(const jobs::ItemFinished& finished, Pictures& pi
   m_runningLog = tools::WholeLog(KeptBytes);
   ShowLog();
   const Pictures::Each each = pictures.Take(finished.Item);
+  m_ui->pictureTabs->setCurrentWidget(m_ui->picture);
   if (each.Picture) {
     m_ui->picture->ShowPicture(ToQtImage(*each.Picture), ToQt(result.Files.front().Path));
   } else {

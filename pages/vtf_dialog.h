@@ -14,7 +14,8 @@ class VtfDialog;
 
 namespace tarnwick::pages {
 
-/// The tab "VTF Export": writes textures as images by means of vtf2tga and shows what became of them.
+/// The tab "VTF Export": shows the texture that is named, writes textures as images by means of vtf2tga and shows what
+/// became of them.
 class CVTFDialog : public CPage {
   Q_OBJECT
 
@@ -37,6 +38,7 @@ class CVTFDialog : public CPage {
  private:
   struct Pictures;
   class PicturingHost;
+  void ShowTexture();
   void SuggestOutputName(const std::string& input);
   void SetOutput(const std::string& path);
   void ExtractAll(const std::vector<std::string>& inputs);

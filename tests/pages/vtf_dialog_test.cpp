@@ -2,16 +2,22 @@
 
 #include <gmock/gmock.h>
 
+#include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QSpinBox>
+#include <QTabWidget>
+#include <QTest>
 
-#include "pages/picture_view.h"
 #include "project/model_options.h"
 #include "settings/documents_folder.h"
 #include "support/file_builder.h"
 #include "support/scratch_folder.h"
+#include "support/vtf_builder.h"
 #include "tools/sdk_tools.h"
+#include "view/widget/picture_view.h"
+#include "view/widget/texture_view.h"
 #include "window_support/memory_settings.h"
 #include "window_support/scripted_desktop.h"
 #include "window_support/window_actions.h"
@@ -66,7 +72,7 @@ class VtfPage : public testing::Test {
   QLineEdit& Input() { return ControlOf<QLineEdit>(*m_page, "inputEdit"); }
   QLineEdit& Output() { return ControlOf<QLineEdit>(*m_page, "outputEdit"); }
   std::string Log() { return ControlOf<QPlainTextEdit>(*m_page, "logEdit").toPlainText().toStdString(); }
-  const QImage& Picture() { return m_page->findChild<CPictureView*>()->Picture(); }
+  const QImage& Picture() { return m_page->findChild<view::PictureView*>("picture")->Picture(); }
   bool WaitForJob() {
     return tests::WaitUntil([this] { return ControlOf<QWidget>(*m_page, "controls").isEnabled(); });
   }
@@ -143,6 +149,97 @@ TEST_F(VtfPage, WritesTheImageAndShowsIt) {
   EXPECT_THAT(m_desktop.Boxes,
               ElementsAre(ShownBox{BoxIcon::Stop, "Unable to create TGA file " + m_folder.Path("wall.vmt") + "\n",
                                    "TGA Error"}));
+}
+
+/// Pixels in the order blue, green, red, alpha.
+std::string Pixels(int count, uint8_t blue, uint8_t green, uint8_t red, uint8_t alpha) {
+  std::string pixels;
+  for (int i = 0; i < count; ++i) {
+    for (const uint8_t value : {blue, green, red, alpha}) pixels += static_cast<char>(value);
+  }
+  return pixels;
+}
+
+TEST_F(VtfPage, ShowsEachImageOfTheTextureThatIsNamed) {
+  Open();
+  auto& view = ControlOf<view::TextureView>(*m_page, "texture");
+  const QImage& shown = ControlOf<view::PictureView>(view, "texturePicture").Picture();
+  const auto settle = [&] { return tests::WaitUntil([&] { return !view.IsBusy(); }); };
+  auto& mip = ControlOf<QComboBox>(view, "mipCombo");
+  auto& frame = ControlOf<QSpinBox>(view, "frameSpin");
+  auto& channels = ControlOf<QComboBox>(view, "channelsCombo");
+  // The smallest mip level stands first, of each level its frames.
+  const std::string smoke = m_folder.Path("smoke.vtf");
+  tests::VtfBuilder builder;
+  builder.Format(textures::PixelFormat::Bgra8888).Mips(2).Frames(2);
+  tests::WriteText(smoke, builder
+                              .Pixels(Pixels(4, 1, 2, 3, 4) + Pixels(4, 5, 6, 7, 8) + Pixels(16, 9, 10, 11, 12) +
+                                      Pixels(16, 13, 14, 15, 16))
+                              .Build());
+  tests::Drop(Input(), {smoke});
+  ASSERT_TRUE(settle());
+  EXPECT_EQ(shown.size(), QSize(4, 4));
+  EXPECT_EQ(shown.pixelColor(3, 3), QColor(11, 10, 9, 12));
+  EXPECT_THAT(ControlOf<QLabel>(view, "textureFacts").text().toStdString(),
+              AllOf(StartsWith("4 × 4, BGRA8888, 2 mip levels, 2 frames, version 7.2, "), HasSubstr("Flags 0x0000")));
+  frame.setValue(1);
+  ASSERT_TRUE(settle());
+  EXPECT_EQ(shown.pixelColor(0, 0), QColor(15, 14, 13, 16));
+  mip.setCurrentIndex(1);
+  ASSERT_TRUE(settle());
+  EXPECT_EQ(shown.size(), QSize(2, 2));
+  EXPECT_EQ(shown.pixelColor(0, 0), QColor(7, 6, 5, 8));
+  const struct {
+    const char* Name;
+    QColor Shown;
+  } cases[] = {{"Colour", QColor(7, 6, 5)},
+               {"Red", QColor(7, 7, 7)},
+               {"Green", QColor(6, 6, 6)},
+               {"Blue", QColor(5, 5, 5)},
+               {"Alpha", QColor(8, 8, 8)}};
+  for (const auto& each : cases) {
+    channels.setCurrentText(each.Name);
+    ASSERT_TRUE(settle());
+    EXPECT_EQ(shown.pixelColor(1, 1), each.Shown) << each.Name;
+  }
+  EXPECT_THAT(m_folder.Files(), ElementsAre("smoke.vtf")) << "nothing is exported by looking";
+
+  // Written anew with fewer images while the last of them is looked at.
+  channels.setCurrentText("Colour");
+  tests::WriteText(smoke,
+                   tests::VtfBuilder().Format(textures::PixelFormat::Bgra8888).Pixels(Pixels(16, 1, 1, 99, 1)).Build());
+  ASSERT_TRUE(tests::WaitUntil([&] { return shown.size() == QSize(4, 4); }));
+  EXPECT_EQ(shown.pixelColor(0, 0), QColor(99, 1, 1));
+  EXPECT_FALSE(frame.isVisible());
+
+  tests::WriteText(m_folder.Path("cut.vtf"), builder.Build().substr(0, 90));
+  for (const auto& [file, reason] :
+       {std::pair("cut.vtf", "runs past the end of the file"), {"none.vtf", "No such file"}}) {
+    Input().setText(QString::fromStdString(m_folder.Path(file)));
+    ASSERT_TRUE(settle());
+    EXPECT_TRUE(shown.isNull());
+    EXPECT_THAT(ControlOf<view::PictureView>(view, "texturePicture").accessibleDescription().toStdString(),
+                AllOf(StartsWith("No picture: "), HasSubstr(reason)));
+  }
+}
+
+TEST_F(VtfPage, ZoomsThePictureByWheelKeysAndList) {
+  Open();
+  tests::Drop(Input(), {WriteTexture("a.vtf", 1, 2, 3)});
+  auto& view = ControlOf<view::TextureView>(*m_page, "texture");
+  ASSERT_TRUE(tests::WaitUntil([&] { return !view.IsBusy(); }));
+  auto& picture = ControlOf<view::PictureView>(view, "texturePicture");
+  auto& zoom = ControlOf<QComboBox>(view, "zoomCombo");
+  EXPECT_EQ(zoom.currentText(), "Fit");
+  zoom.setCurrentText("400 %");
+  EXPECT_EQ(picture.Zoom(), 4);
+  QTest::keyClick(&picture, Qt::Key_Plus);
+  QTest::keyClick(&picture, Qt::Key_Plus);
+  EXPECT_EQ(zoom.currentText(), "800 %");
+  QTest::keyClick(&picture, Qt::Key_Minus);
+  EXPECT_EQ(zoom.currentText(), "565.7 %") << "between the steps of the list";
+  QTest::keyClick(&picture, Qt::Key_0);
+  EXPECT_EQ(zoom.currentText(), "Fit");
 }
 
 TEST_F(VtfPage, ExportsSeveralDroppedTexturesOneAfterTheOther) {

@@ -7,8 +7,12 @@
 #include "app/kilndesk_dlg.h"
 #include "core/settings_table.h"
 #include "pages/material_list.h"
-#include "pages/picture_view.h"
+#include "pages/vtf_dialog.h"
 #include "screenshots/subject.h"
+#include "support/scratch_folder.h"
+#include "support/vtf_builder.h"
+#include "view/widget/picture_view.h"
+#include "view/widget/texture_view.h"
 
 namespace tarnwick::screenshots {
 
@@ -100,11 +104,38 @@ std::unique_ptr<QWidget> ExportedTexture(Stage& stage) {
   setting::VtfExportFile.Write(stage.Settings, "/home/ada/game/materials/props/crate.vtf");
   setting::TgaExportFile.Write(stage.Settings, "/home/ada/game/materials/props/crate.png");
   auto window = MainWindow(stage, 3);
-  window->findChild<pages::CPictureView*>()->ShowPicture(Texture(QColor(170, 110, 50), 256), "crate.tga");
+  window->findChild<view::PictureView*>("picture")->ShowPicture(Texture(QColor(170, 110, 50), 256), "crate.tga");
   window->findChild<pages::CVTFDialog*>()->findChild<QPlainTextEdit*>("logEdit")->setPlainText(
       "/home/ada/sdk/bin/vtf2tga.exe -nopause -i \"/home/ada/game/materials/props/crate.vtf\" -o "
       "\"/home/ada/game/materials/props/crate.tga\"\nvtf width: 256\nvtf height: 256\nConverting crate.tga from TGA to "
       "PNG\n");
+  return window;
+}
+
+/// The page before anything is exported: an animated texture with alpha.
+std::unique_ptr<QWidget> NamedTexture(Stage& stage) {
+  static const QTemporaryDir folder;
+  const std::string path = folder.filePath("crate.vtf").toStdString();
+  constexpr int Side = 256;
+  QByteArray pixels;
+  for (int size = 1; size <= Side; size *= 2) {
+    for (int frame = 0; frame < 2; ++frame) {
+      const QImage image = Texture(QColor(170, 110, 50 + 100 * frame), size);
+      pixels.append(reinterpret_cast<const char*>(image.constBits()), image.sizeInBytes());
+    }
+  }
+  tests::WriteText(path, tests::VtfBuilder()
+                             .Size(Side, Side)
+                             .Format(textures::PixelFormat::Bgra8888)
+                             .Mips(9)
+                             .Frames(2)
+                             .Pixels(pixels.toStdString())
+                             .Build());
+  setting::VtfExportFile.Write(stage.Settings, path);
+  setting::TgaExportFile.Write(stage.Settings, path.substr(0, path.size() - 3) + "png");
+  auto window = MainWindow(stage, 3);
+  auto* view = window->findChild<view::TextureView*>();
+  for (int i = 0; i < 100 && view->IsBusy(); ++i) QTest::qWait(20);
   return window;
 }
 
@@ -114,6 +145,7 @@ std::vector<Subject> TextureSubjects() {
   return {{"materials", Materials},
           {"envmap-settings", Envmap},
           {"vtex-status", RunningCompile},
+          {"vtf-named", NamedTexture},
           {"vtf-exported", ExportedTexture}};
 }
 

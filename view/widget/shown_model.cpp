@@ -1,0 +1,65 @@
+#include "view/widget/shown_model.h"
+
+#include "core/paths.h"
+#include "view/materials/material_loader.h"
+#include "view/scene/make_scene.h"
+
+namespace tarnwick::view {
+
+namespace {
+
+class Kept : public core::TroubleSink {
+ public:
+  explicit Kept(std::vector<core::Trouble>& troubles) : m_troubles(troubles) {}
+  void Tell(const core::Trouble& trouble) override { m_troubles.push_back(trouble); }
+
+ private:
+  std::vector<core::Trouble>& m_troubles;
+};
+
+bool IsSmd(const std::string& path) {
+  return core::LowerAscii(path).ends_with(".smd");
+}
+
+/// Why nothing came of loading, from what was told meanwhile.
+std::string ErrorOf(const std::vector<core::Trouble>& troubles, const std::string& path) {
+  for (const core::Trouble& trouble : troubles) {
+    if (trouble.Level != core::Severity::Error) continue;
+    return trouble.Details.empty() ? trouble.Text : trouble.Text + " (" + trouble.Details + ")";
+  }
+  return path + " cannot be shown";
+}
+
+}  // namespace
+
+std::vector<std::string> ModelSource::FilesOf(const std::string& path) {
+  std::vector<std::string> files = {path};
+  if (IsSmd(path) || path.size() < 4) return files;
+  const std::string stem = path.substr(0, path.size() - 4);
+  for (const char* ending : {".vvd", ".dx90.vtx", ".dx80.vtx", ".vtx", ".phy", ".ani"}) files.push_back(stem + ending);
+  return files;
+}
+
+ShownModel ModelSource::Load(const std::string& path, const std::string& gameDirectory) {
+  const std::lock_guard lock(m_lock);
+  ShownModel shown;
+  Kept sink(shown.Troubles);
+  auto scene = IsSmd(path) ? MakeSmdScene(path, sink) : MakeScene(path, sink);
+  if (!scene) {
+    shown.Error = ErrorOf(shown.Troubles, path);
+    return shown;
+  }
+  if (!m_game || m_gameDirectory != gameDirectory) {
+    m_game = std::make_unique<GameMaterials>(gameDirectory, sink);
+    m_gameDirectory = gameDirectory;
+  } else {
+    m_game->Refresh();  // a material may have been compiled since
+  }
+  const MaterialFiles files(*m_game, path);
+  shown.Materials =
+      std::make_shared<MaterialSet>(LoadMaterials(scene->Materials, scene->MaterialDirectories, files, m_textures));
+  shown.Model = std::make_shared<Scene>(std::move(*scene));
+  return shown;
+}
+
+}  // namespace tarnwick::view

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "core/trouble.h"
+#include "view/materials/material.h"
+#include "view/materials/material_files.h"
+#include "view/materials/texture_cache.h"
+#include "view/scene/scene.h"
+
+namespace tarnwick::view {
+
+/// A model that was loaded to be shown, with its materials.
+struct ShownModel {
+  std::shared_ptr<const Scene> Model = {};            // null if it could not be read
+  std::shared_ptr<const MaterialSet> Materials = {};  // never null where Model is not
+  std::vector<core::Trouble> Troubles = {};           // of the model and its companions, in their order
+  std::string Error = {};                             // without a Model: why, for people
+};
+
+/// Loads models one after the other, on any thread; keeps the game's places and decoded textures from one to the next.
+class ModelSource {
+ public:
+  /// The model (.mdl) or the mesh (.smd) at `path`, its materials from the game in `gameDirectory` ("" for none) too.
+  ShownModel Load(const std::string& path, const std::string& gameDirectory);
+
+  /// The files that `path` is shown from, for whoever watches them.
+  static std::vector<std::string> FilesOf(const std::string& path);
+
+ private:
+  std::mutex m_lock;
+  std::string m_gameDirectory;
+  std::unique_ptr<GameMaterials> m_game;  // of that directory
+  TextureCache m_textures;
+};
+
+}  // namespace tarnwick::view
