@@ -47,6 +47,16 @@ std::optional<core::FileImage> Missing(ModelReader& reader, core::TroubleKind ki
   return std::nullopt;
 }
 
+/// `image` brought to the version that the other functions read.
+core::FileImage Upgraded(core::FileImage image) {
+  const auto version = image.View().Value<int32_t>(offsetof(StudioHeader, Version));
+  if (version == CurrentVersion) return image;
+  std::vector<std::byte> bytes(image.Bytes().begin(), image.Bytes().end());
+  // Only blocks are read from the file, so tables of its own that are beyond an upgrade do no harm.
+  if (!UpgradeAnimBlockHeader(bytes)) return image;
+  return core::FileImage::FromBytes(image.Path(), bytes);
+}
+
 std::optional<core::FileImage> NotNamed(ModelReader& reader, const std::string& name, const std::string& why) {
   return Missing(reader, core::TroubleKind::Missing, name, "No animation block file: " + why,
                  "No animation block file");
@@ -94,12 +104,12 @@ std::optional<core::FileImage> LoadAnimBlockFile(ModelReader& reader, std::strin
                    "Unable to read the animation block file");
   }
 
-  const auto version = image->View().Value<int32_t>(offsetof(StudioHeader, Version));
-  if (version == CurrentVersion) return image;
-  std::vector<std::byte> bytes(image->Bytes().begin(), image->Bytes().end());
-  // Only blocks are read from the file, so tables of its own that are beyond an upgrade do no harm.
-  if (!UpgradeAnimBlockHeader(bytes)) return image;
-  return core::FileImage::FromBytes(path, bytes);
+  return Upgraded(std::move(*image));
+}
+
+void UseAnimBlockFile(ModelReader& reader, std::optional<core::FileImage> file) {
+  reader.Model.AnimBlocksSought = true;
+  if (file) reader.Model.AnimBlocks = AnimBlockImage{Upgraded(std::move(*file))};
 }
 
 std::optional<AnimData> GetAnimBlockBase(ModelReader& reader, int32_t block) {

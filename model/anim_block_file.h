@@ -28,6 +28,10 @@ struct AnimData {
 /// changed, if the header or the animation table does not lie inside the image.
 [[nodiscard]] bool UpgradeAnimBlockHeader(std::span<std::byte> image);
 
+/// Takes `file`, which was had elsewhere, as the model's block file, upgraded; nothing for none. To be called ahead of
+/// GetAnimBlockBase, which then looks for none.
+void UseAnimBlockFile(ModelReader& reader, std::optional<core::FileImage> file);
+
 /// The first byte of block number `block`. The block file is loaded at the first call (on the reader's own thread).
 /// Nothing if there is no block file, or if the model's table has no such block inside the .mdl file.
 [[nodiscard]] std::optional<AnimData> GetAnimBlockBase(ModelReader& reader, int32_t block);

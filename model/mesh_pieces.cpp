@@ -53,8 +53,8 @@ bool GatherStrip(ModelReader& reader, const core::Record<VtxStripGroup>& group, 
 
 /// Adds the triangle lists of one mesh to `pieces`; none of them if its material is not there. False if the stage is to
 /// end here.
-bool GatherMesh(ModelReader& reader, const core::Record<StudioMesh>& mesh, const core::Record<VtxMesh>& vtxMesh,
-                MeshPieces& pieces) {
+bool GatherMesh(ModelReader& reader, const core::Record<StudioMesh>& mesh, int64_t number,
+                const core::Record<VtxMesh>& vtxMesh, MeshPieces& pieces) {
   const core::FileImage& file = *reader.Model.Vtx;
   MeshPiece* piece = nullptr;
   for (int64_t g = 0; g < vtxMesh->StripGroupCount; ++g) {
@@ -87,7 +87,7 @@ bool GatherMesh(ModelReader& reader, const core::Record<StudioMesh>& mesh, const
                          "names texture " + std::to_string(mesh->Material) + ", which is not in the file");
           return true;
         }
-        piece = &pieces.Meshes.emplace_back(MeshPiece{*material, *vertices, {}});
+        piece = &pieces.Meshes.emplace_back(MeshPiece{*material, *vertices, {}, number});
       }
       const int64_t count = (*strip)->IndexCount;
       if (!reader.Spend(count * CornerCost + count / 3 * (TriangleCost + static_cast<int64_t>(piece->Material.size()))))
@@ -114,7 +114,7 @@ MeshPieces GatherMeshPieces(ModelReader& reader, const core::Record<StudioModel>
     if (!vtxMesh) {
       reader.DamagedTable(vtx.Path(), "mesh table", lod.Offset() + lod->MeshOffset, meshes->Count(), vtx.View().Size());
     }
-    if (!vtxMesh || !reader.Spend(RecordCost) || !GatherMesh(reader, (*meshes)[i], *vtxMesh, pieces)) {
+    if (!vtxMesh || !reader.Spend(RecordCost) || !GatherMesh(reader, (*meshes)[i], i, *vtxMesh, pieces)) {
       pieces.Complete = false;
       return pieces;
     }

@@ -21,6 +21,7 @@ struct MeshPiece {
   std::string_view Material;  // the name of its texture
   MeshVertexData Vertices;
   std::vector<StripPiece> Strips;
+  int64_t Number = 0;  // of the mesh in its model
 };
 
 /// The triangles of one LOD of a model.

@@ -1,5 +1,6 @@
 #include "model/vertex_file.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "model/companion_files.h"
@@ -50,7 +51,7 @@ bool RebuildVertices(ModelReader& reader, const VvdHeader& header, VertexImage& 
   return true;
 }
 
-std::optional<VertexImage> ReadVertexImage(ModelReader& reader) {
+std::optional<core::FileImage> ReadVvdFile(ModelReader& reader) {
   const std::string path = VvdPath(reader.Model.Mdl.Path());
   const auto found = FindCompanion(reader, {&path, 1});
   if (!found) {
@@ -64,7 +65,11 @@ std::optional<VertexImage> ReadVertexImage(ModelReader& reader) {
                    "Unable to read the vertex file");
     return std::nullopt;
   }
-  VertexImage image{std::move(*file), {}, {}, false};
+  return file;
+}
+
+std::optional<VertexImage> ImageOf(ModelReader& reader, core::FileImage file) {
+  VertexImage image{std::move(file), {}, {}, false};
   const core::ImageView view = image.File.View();
   const auto header = view.At<VvdHeader>(0);
   if (!header) {
@@ -96,8 +101,36 @@ std::optional<VertexImage> ReadVertexImage(ModelReader& reader) {
 }  // namespace
 
 const VertexImage* LoadVvdFile(ModelReader& reader) {
-  if (!std::exchange(reader.Model.VerticesSought, true)) reader.Model.Vertices = ReadVertexImage(reader);
-  return reader.Model.Vertices ? &*reader.Model.Vertices : nullptr;
+  return reader.Model.VerticesSought ? UseVvdFile(reader, std::nullopt) : UseVvdFile(reader, ReadVvdFile(reader));
+}
+
+const VertexImage* UseVvdFile(ModelReader& reader, std::optional<core::FileImage> file) {
+  LoadedModel& model = reader.Model;
+  if (!std::exchange(model.VerticesSought, true) && file) model.Vertices = ImageOf(reader, std::move(*file));
+  return model.Vertices ? &*model.Vertices : nullptr;
+}
+
+std::vector<int64_t> TangentPlaces(const VertexImage& image, int64_t count) {
+  constexpr int64_t TangentSize = 4 * sizeof(float);
+  const core::ImageView view = image.File.View();
+  const auto header = view.At<VvdHeader>(0);
+  if (!header || (*header)->TangentOffset == 0 || count > image.Vertices.Count()) return {};
+  const int64_t first = (*header)->TangentOffset;
+  std::vector<int64_t> places;
+  const auto add = [&](int64_t from, int64_t run) {
+    if (!view.Fits(first + from * TangentSize, run, TangentSize)) return false;
+    for (int64_t i = 0; i < run; ++i) places.push_back(first + (from + i) * TangentSize);
+    return true;
+  };
+  places.reserve(static_cast<size_t>(count));
+  if (image.Rebuilt.empty()) return add(0, count) ? places : std::vector<int64_t>{};
+  const auto fixups = view.Array<VvdFixup>((*header)->FixupOffset, (*header)->FixupCount);
+  if (!fixups) return {};
+  for (const auto fixup : *fixups) {
+    const int64_t run = std::min<int64_t>(fixup->VertexCount, count - static_cast<int64_t>(places.size()));
+    if (fixup->Lod >= 0 && run > 0 && !add(fixup->SourceVertex, run)) return {};
+  }
+  return static_cast<int64_t>(places.size()) == count ? places : std::vector<int64_t>{};
 }
 
 std::optional<MeshVertexData> GetModelVertexData(ModelReader& reader, const core::Record<StudioModel>& model) {

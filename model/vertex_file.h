@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <vector>
 
 #include "model/model_reader.h"
 
@@ -16,6 +17,14 @@ struct MeshVertexData {
 /// Read once, at the first call. Nothing if there is no such file or its tables are damaged; the log then says
 /// so, once.
 [[nodiscard]] const VertexImage* LoadVvdFile(ModelReader& reader);
+
+/// The same of `file`, which was had elsewhere; nothing for none. To be called ahead of LoadVvdFile, which then gives
+/// this image.
+const VertexImage* UseVvdFile(ModelReader& reader, std::optional<core::FileImage> file);
+
+/// Where the tangents of `image` stand, in the order of its vertices: places in the file of four floats each. Empty if
+/// the file does not hold one for each of the first `count` vertices.
+[[nodiscard]] std::vector<int64_t> TangentPlaces(const VertexImage& image, int64_t count);
 
 /// Access to the vertices of `mesh`, whose owner is found through its back offset. Nothing if there is no vertex image,
 /// if the image's id or its vertex offset says that it holds none, or if the owner lies outside the file.

@@ -103,6 +103,21 @@ struct SceneHitboxSet {
   std::vector<SceneHitbox> Boxes;
 };
 
+/// A pose of a driving bone, and the pose that the driven one then has.
+struct SceneTrigger {
+  float InverseTolerance = 0;  // 1 / the angle in radians at which the trigger's weight ends
+  Quat DriverRotation;
+  Vec3 Position;
+  Quat Rotation;
+};
+
+/// A bone that follows the rotation of another one.
+struct SceneDrivenBone {
+  int32_t Bone = 0;
+  int32_t Driver = 0;
+  std::vector<SceneTrigger> Triggers;  // at least one
+};
+
 /// One convex piece of a solid of the collision model: triangles of points in the space of `Bone`, whose corners run
 /// counterclockwise seen from outside.
 struct SceneHull {
@@ -120,6 +135,13 @@ struct ScenePoseParameter {
   float Wrap = 0;  // values this far apart are the same; 0 for none
   bool Loops = false;
 };
+
+/// Flags of a layer beside those of its sequence: what its ramps follow.
+inline constexpr uint32_t LayerFlagSpline = 0x40;     // ramps are eased
+inline constexpr uint32_t LayerFlagCrossFade = 0x80;  // behind the tail it fades against the other layers
+inline constexpr uint32_t LayerFlagNoBlend = 0x200;   // its weight is its own, not a part of its sequence's
+inline constexpr uint32_t LayerFlagLocal = 0x1000;    // it belongs to its sequence alone, not to what lies below
+inline constexpr uint32_t LayerFlagPose = 0x4000;     // a pose parameter takes the place of the cycle
 
 /// A sequence that plays on top of another one. It is whole from Peak to Tail and not there ahead of Start and behind
 /// End: parts of the cycle, or values of a pose parameter. All four 0: always whole.
@@ -226,6 +248,9 @@ struct Scene {
 
   // The skeleton
   std::vector<SceneBone> Bones;
+  /// What turns the roots of the rest pose as the model stands when it is animated.
+  Quat RestTurn;
+  std::vector<SceneDrivenBone> DrivenBones;
   std::vector<SceneAttachment> Attachments;
   std::vector<SceneHitboxSet> HitboxSets;
   std::vector<SceneHull> Hulls;
@@ -247,6 +272,8 @@ struct Scene {
   /// Where the animations' frames come from; null without any.
   std::shared_ptr<FrameSource> Frames;
 
+  /// Fills in what follows from the rest, for whoever makes a scene.
+  void Complete();
   /// The place in Materials of a draw's slot under `skin`; -1 where the slot has none. A skin that the model does not
   /// have counts as the first.
   int32_t MaterialOf(const SceneDraw& draw, int32_t skin) const;
