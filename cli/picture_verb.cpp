@@ -131,7 +131,8 @@ int DrawPictures(Options& options, Invocation& invocation) {
     return options.Quiet ? std::string() : FileLines(result);
   };
   const InterruptFlag interrupt;
-  ConsoleHost host(invocation.Out, invocation.Err, {.Item = "model", .Quiet = options.Quiet, .ResultLine = resultLine});
+  ConsoleHost host(invocation.Out, invocation.Err,
+                   {.Item = "model", .Quiet = options.Quiet, .ShowsLog = false, .ResultLine = resultLine});
   return ExitCodeOf(jobs::Run(job, host, interrupt.Token()));
 }
 

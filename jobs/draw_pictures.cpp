@@ -124,7 +124,7 @@ class Drawing {
   void Work() {
     const std::string& path = m_run.Result.Source;
     if (!core::FileExists(path)) {
-      return m_run.Fail(core::TroubleKind::Missing, "There is no model " + path, path);
+      return m_run.Fail(core::TroubleKind::Missing, "there is no such model", path);
     }
     auto scene = view::MakeScene(path, m_run);
     if (!scene || m_run.Stop.stop_requested()) {
@@ -179,10 +179,7 @@ class Drawing {
   }
 
   bool Refuse(const std::string& why) {
-    m_run.Tell({.Kind = core::TroubleKind::Refused,
-                .File = m_run.Result.Source,
-                .Text = m_run.Result.Source + ": " + why,
-                .Alike = why});
+    m_run.Tell({.Kind = core::TroubleKind::Refused, .File = m_run.Result.Source, .Text = why});
     return false;
   }
 
@@ -196,8 +193,7 @@ class Drawing {
       m_run.Tell({.Level = core::Severity::Warning,
                   .Kind = core::TroubleKind::Missing,
                   .File = m_run.Result.Source,
-                  .Text = m_run.Result.Source + " has no mesh; its bones are drawn",
-                  .Alike = "a model has no mesh; its bones are drawn"});
+                  .Text = "it has no mesh; its bones are drawn"});
     }
     state.Eye.Yaw = m_job.Angle.Yaw;
     state.Eye.Pitch = m_job.Angle.Pitch;
@@ -217,7 +213,7 @@ class Drawing {
         m_run.Tell({.Level = core::Severity::Warning,
                     .Kind = core::TroubleKind::Missing,
                     .File = m_run.Result.Source,
-                    .Text = m_run.Result.Source + ": " + what + missing.Name + ": " + missing.Reason,
+                    .Text = what + missing.Name + ": " + missing.Reason,
                     .Alike = "a material or texture: " + missing.Reason});
       }
       m_run.Result.Missing.push_back(
