@@ -7,9 +7,9 @@
 
 #include "archives/game_files.h"
 #include "jobs/draw_pictures.h"
+#include "support/model_builder.h"
 #include "support/recording_host.h"
 #include "support/recording_troubles.h"
-#include "support/model_builder.h"
 #include "support/scratch_folder.h"
 #include "support/vtf_builder.h"
 #include "textures/pixel_rows.h"
@@ -31,12 +31,8 @@ class ModelTree {
   ModelTree() {
     std::string pixels;
     for (size_t i = 0; i < 1024 * 1024 / 2; ++i) pixels += static_cast<char>(i * 2654435761u >> 13);
-    const std::string texture = tests::VtfBuilder()
-                                    .Size(1024, 1024)
-                                    .Mips(1)
-                                    .Format(textures::PixelFormat::Dxt1)
-                                    .Pixels(pixels)
-                                    .Build();
+    const std::string texture =
+        tests::VtfBuilder().Size(1024, 1024).Mips(1).Format(textures::PixelFormat::Dxt1).Pixels(pixels).Build();
     tests::WriteText(m_folder.Path("materials/models/props/skin.vtf"), texture);
     tests::WriteText(m_folder.Path("materials/models/props/skin.vmt"),
                      "VertexLitGeneric { $basetexture models/props/skin }");
@@ -59,7 +55,7 @@ class ModelTree {
                             .V = static_cast<float>(ring) / Rings});
         if (ring == Rings || side == Sides) continue;
         const auto at = [&](int r, int s) { return static_cast<uint16_t>(r * (Sides + 1) + s); };
-        const uint16_t corners[] = {at(ring, side),     at(ring + 1, side),     at(ring + 1, side + 1),
+        const uint16_t corners[] = {at(ring, side), at(ring + 1, side),     at(ring + 1, side + 1),
                                     at(ring, side), at(ring + 1, side + 1), at(ring, side + 1)};
         strip.Vertices.insert(strip.Vertices.end(), std::begin(corners), std::end(corners));
       }
@@ -81,8 +77,8 @@ const ModelTree& Tree() {
 void ReadAndDecode(benchmark::State& state) {
   const std::string path = Tree().Path();
   for (auto _ : state) {
-    for (const std::string& file : {path, path.substr(0, path.size() - 4) + ".vvd",
-                                    path.substr(0, path.size() - 4) + ".dx90.vtx"}) {
+    for (const std::string& file :
+         {path, path.substr(0, path.size() - 4) + ".vvd", path.substr(0, path.size() - 4) + ".dx90.vtx"}) {
       benchmark::DoNotOptimize(core::FileImage::Read(file));
     }
     const auto image = core::FileImage::Read(Tree().Texture());
@@ -103,7 +99,8 @@ struct Loaded {
     Scene = *view::MakeScene(Tree().Path(), troubles);
     const view::GameMaterials game("", troubles);
     view::TextureCache cache(size_t{256} << 20, largestTexture);
-    const auto materials = view::LoadMaterials(Scene.Materials, Scene.MaterialDirectories, {game, Tree().Path()}, cache);
+    const auto materials =
+        view::LoadMaterials(Scene.Materials, Scene.MaterialDirectories, {game, Tree().Path()}, cache);
     renderer.Load(Scene, materials);
     State = view::FirstViewOf(Scene, 1);
     State.Extras.Grid = false;

@@ -4,11 +4,11 @@
 
 #include <filesystem>
 
+#include "support/drawing.h"
 #include "support/model_builder.h"
 #include "support/recording_host.h"
 #include "support/scratch_folder.h"
 #include "support/vtf_builder.h"
-#include "view/renderer/offscreen.h"
 
 namespace tarnwick::jobs {
 namespace {
@@ -24,8 +24,7 @@ using tests::ModelBuilder;
 class DrawPicturesTest : public testing::Test {
  protected:
   void SetUp() override {
-    std::string reason;
-    if (view::Offscreen::Make(reason) == nullptr) GTEST_SKIP() << reason;
+    if (const std::string reason = tests::WhyNotDrawn(); !reason.empty()) GTEST_SKIP() << reason;
   }
   JobResult Draw(DrawPictures job) {
     job.Width = job.Height = 32;

@@ -123,7 +123,7 @@ TEST_F(Materials, ThatLeadBackToThemselvesAreTold) {
 
 TEST_F(Materials, ThatAreHostileGiveThePatternAndAReason) {
   const std::string good = Plain(8, 1, 2, 3, -1);
-  VtfBuilder huge = VtfBuilder().Size(4, 4).Format(PixelFormat::Dxt1);
+  VtfBuilder huge = VtfBuilder().Size(4, 4).Format(PixelFormat::Dxt1).Pixels("few");
   huge.Header().Width = huge.Header().Height = 0xFFFF;
   const std::vector<std::pair<std::string, std::string>> files{{"empty", ""},
                                                                {"cut", good.substr(0, good.size() - 1)},
