@@ -78,8 +78,8 @@ std::vector<float> FloatsAt(ModelReader& reader, int64_t offset, int64_t count) 
 
 void TakeBlends(ModelReader& reader, const core::Record<model::StudioSeqDesc>& record, Scene& scene,
                 SceneSequence& sequence) {
-  sequence.Columns = std::clamp<int32_t>(record->BlendSize[0], 1, MostBlends);
-  sequence.Rows = std::clamp<int32_t>(record->BlendSize[1], 1, MostBlends);
+  sequence.Columns = std::clamp(int32_t{record->BlendSize[0]}, 1, MostBlends);
+  sequence.Rows = std::clamp(int32_t{record->BlendSize[1]}, 1, MostBlends);
   const int64_t count = int64_t{sequence.Columns} * sequence.Rows;
   const auto animations = static_cast<int32_t>(scene.Animations.size());
   const auto table = reader.Model.View().Array<model::StudioShort>(record.Offset() + record->BlendOffset, count);
@@ -121,7 +121,7 @@ void TakeAnimations(ModelReader& reader, Scene& scene) {
   for (const auto animation :
        TableOf<model::StudioAnimDesc>(reader, "animation table", header->AnimOffset, header->AnimCount)) {
     scene.Animations.push_back({TextOf(reader, animation, animation->NameOffset), Finite(animation->Fps),
-                                std::clamp<int32_t>(animation->FrameCount, 1, MostFrames),
+                                std::clamp(int32_t{animation->FrameCount}, 1, MostFrames),
                                 (animation->Flags & model::AnimFlagDelta) != 0});
   }
 }
@@ -149,7 +149,7 @@ void TakeSkeleton(ModelReader& reader, Scene& scene) {
       if (!reader.Spend(static_cast<int64_t>(skeleton->Names[i].size()))) break;
       SceneBone& taken = scene.Bones.emplace_back();
       taken.Name = skeleton->Names[i];
-      taken.Parent = bone->Parent < static_cast<int32_t>(i) ? std::max(bone->Parent, -1) : -1;
+      taken.Parent = bone->Parent < static_cast<int32_t>(i) ? std::max(int32_t{bone->Parent}, -1) : -1;
       taken.Position = Finite(bone->Position);
       taken.Rotation = Finite(bone->Rotation);
       taken.PoseToBone = Finite(bone->PoseToBone);

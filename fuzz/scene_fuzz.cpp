@@ -1,0 +1,67 @@
+// The scene of one model, made from memory, and what a viewer does with it. The inputs have the form of those of the
+// decompile target.
+
+#include <algorithm>
+#include <cstdlib>
+#include <string>
+
+#include "decompile_input.h"
+#include "support/recording_troubles.h"
+#include "view/scene/face.h"
+#include "view/scene/make_scene.h"
+#include "view/scene/view_state.h"
+
+namespace {
+
+using namespace tarnwick;
+using fuzz::DecompileInput;
+
+/// Ends the program if something in `scene` leads nowhere.
+void Check(const view::Scene& scene) {
+  const auto need = [](bool holds) {
+    if (!holds) std::abort();
+  };
+  need(scene.Points.size() == scene.Vertices.size() && !scene.Lods.empty() && !scene.Skins.empty());
+  for (const uint32_t index : scene.Indices) need(index < scene.Points.size());
+  for (const view::SceneVertex& vertex : scene.Vertices) {
+    for (const uint16_t bone : vertex.Bones) need(bone < std::max<size_t>(scene.Bones.size(), 1));
+  }
+  for (const view::SceneDraw& draw : scene.Draws) {
+    need(draw.FirstIndex >= 0 && draw.FirstIndex + draw.IndexCount <= static_cast<int64_t>(scene.Indices.size()));
+    need(scene.MaterialOf(draw, 0) < static_cast<int32_t>(scene.Materials.size()));
+  }
+  for (const view::SceneHull& hull : scene.Hulls) {
+    for (const uint32_t index : hull.Indices) need(index < hull.Points.size());
+  }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  const auto input = DecompileInput::Unpack({reinterpret_cast<const char*>(data), size});
+  const auto files = [&](const std::string& path, std::string*) -> std::optional<core::FileImage> {
+    for (size_t i = 0; i < input.Files.size(); ++i) {
+      if (!path.ends_with(DecompileInput::Extensions[i]) || input.Files[i].empty()) continue;
+      return core::FileImage::FromBytes(path, std::as_bytes(std::span(input.Files[i])));
+    }
+    return std::nullopt;
+  };
+  tests::RecordingTroubles troubles;
+  const auto scene = view::MakeScene("models/cube.mdl", troubles, files);
+  if (!scene) return 0;
+  Check(*scene);
+  view::ScenePose pose(*scene);
+  view::ViewState state = view::FirstViewOf(*scene, 1);
+  const auto sequences = static_cast<int32_t>(std::min<size_t>(scene->Sequences.size(), 4));
+  for (int32_t s = 0; s < sequences; ++s) {
+    pose.Set({.Sequence = s,
+              .Cycle = 0.6f,
+              .PoseParameters = {0.3f, 0.5f},
+              .Layers = {{sequences - 1, 1, 0.5f}},
+              .Seconds = 0.7f});
+  }
+  std::vector<view::ScenePoint> points;
+  view::FlexPoints(*scene, view::FlexWeights(*scene, {}), points);
+  view::Advance(*scene, state, 0.1f);
+  return 0;
+}
