@@ -55,22 +55,8 @@ class FolderWalk {
   std::vector<fs::path> m_way;
 };
 
-/// Whether `text` has `word`, which is folded.
-bool HasFolded(std::string_view text, std::string_view word) {
-  if (word.size() > text.size()) return false;
-  const char first = word.front();
-  for (size_t i = 0; i + word.size() <= text.size(); ++i) {
-    if (Folded(text[i]) == first && EqualFolded(text.substr(i, word.size()), word)) return true;
-  }
-  return false;
-}
-
 bool BeginsFolded(std::string_view text, std::string_view start) {
   return text.size() >= start.size() && EqualFolded(text.substr(0, start.size()), start);
-}
-
-bool EndsFolded(std::string_view text, std::string_view end) {
-  return text.size() >= end.size() && EqualFolded(text.substr(text.size() - end.size()), end);
 }
 
 std::vector<std::string> WordsOf(std::string_view text) {
@@ -147,7 +133,7 @@ bool ContentIndex::Order(const std::stop_token& stop) {
     const FileTable& table = Table(place);
     for (uint32_t i = 0; i < table.Count(); ++i) {
       const uint32_t folder = numbers[place][table.FolderOf(i)];
-      m_files[next[folder]++] = {place, i, folder, KindOf(table.LastPart(i)), false};
+      m_files[next[folder]++] = {place, i, folder, KindOf(table.LastPart(i)), false, 0, 0};
     }
   }
   for (size_t folder = 0; folder < m_folders.size(); ++folder) {
@@ -158,6 +144,11 @@ bool ContentIndex::Order(const std::stop_token& stop) {
     const auto lastPart = [this](const File& file) { return Table(file.Place).LastPart(file.Number); };
     std::stable_sort(first, end, [&](const File& a, const File& b) { return before(lastPart(a), lastPart(b)); });
     for (auto file = first; file != end; ++file) {
+      const std::string_view text = lastPart(*file);
+      file->Text = m_text.size();
+      file->TextSize = static_cast<uint16_t>(text.size());
+      m_text.resize(m_text.size() + text.size());
+      std::transform(text.begin(), text.end(), m_text.end() - static_cast<ptrdiff_t>(text.size()), archives::Folded);
       file->Hidden = file != first && EqualFolded(lastPart(*(file - 1)), lastPart(*file));
     }
   }
@@ -265,26 +256,25 @@ class ContentIndex::WordFilter {
   bool HasWords() const { return !m_words.empty(); }
 
   void Enter(std::string_view folder) {
-    m_folder = folder;
-    m_whole = std::string(folder) + (folder.empty() ? "" : "/");
-    for (size_t i = 0; i < m_words.size(); ++i) m_inFolder[i] = HasFolded(m_whole, m_words[i]);
+    m_whole = FoldedText(folder) + (folder.empty() ? "" : "/");
+    for (size_t i = 0; i < m_words.size(); ++i) m_inFolder[i] = m_whole.find(m_words[i]) != std::string::npos;
   }
 
-  /// How well a file of the folder fits, 0 for best; nothing if it does not.
+  /// How well a file of the folder with that folded last part fits, 0 for best; nothing if it does not.
   std::optional<uint8_t> Rank(std::string_view lastPart) const {
     bool allInLastPart = true;
     for (size_t i = 0; i < m_words.size(); ++i) {
       const std::string& word = m_words[i];
       if (word.find_first_of("*?") != std::string::npos) {
         if (!MatchesPattern(m_whole + std::string(lastPart), word)) return std::nullopt;
-      } else if (!HasFolded(lastPart, word)) {
+      } else if (lastPart.find(word) == std::string_view::npos) {
         allInLastPart = false;
         if (!m_inFolder[i] && !Crosses(word, lastPart)) return std::nullopt;
       }
     }
     if (!allInLastPart) return 3;
     const std::string& first = m_words.front();
-    if (!BeginsFolded(lastPart, first)) return 2;
+    if (!lastPart.starts_with(first)) return 2;
     return lastPart.size() == first.size() || lastPart[first.size()] == '.' ? 0 : 1;
   }
 
@@ -292,14 +282,13 @@ class ContentIndex::WordFilter {
   /// Whether the word begins in the folder's name and ends in the last part.
   bool Crosses(std::string_view word, std::string_view lastPart) const {
     const size_t slash = word.find_last_of('/');
-    return slash != std::string_view::npos && EndsFolded(m_whole, word.substr(0, slash + 1)) &&
-           BeginsFolded(lastPart, word.substr(slash + 1));
+    return slash != std::string_view::npos && m_whole.ends_with(word.substr(0, slash + 1)) &&
+           lastPart.starts_with(word.substr(slash + 1));
   }
 
   const std::vector<std::string> m_words;
   std::vector<char> m_inFolder;
-  std::string_view m_folder;
-  std::string m_whole;  // the folder with its slash
+  std::string m_whole;  // the folder with its slash, folded
 };
 
 std::optional<std::vector<uint32_t>> ContentIndex::Search(const ContentQuery& query,
@@ -313,7 +302,7 @@ std::optional<std::vector<uint32_t>> ContentIndex::Search(const ContentQuery& qu
     for (uint32_t file = m_firstFiles[folder]; file < m_firstFiles[folder + 1]; ++file) {
       if (++looked % StopEvery == 0 && stop.stop_requested()) return false;
       if (!Means(file, query)) continue;
-      const auto rank = filter.HasWords() ? filter.Rank(LastPart(file)) : 0;
+      const auto rank = filter.HasWords() ? filter.Rank(Folded(m_files[file])) : 0;
       if (rank) found[*rank].push_back(file);
     }
     return true;
