@@ -223,12 +223,12 @@ bool ContentIndex::Means(uint32_t file, const ContentQuery& query) const {
 }
 
 std::vector<std::string> ContentIndex::FoldersIn(std::optional<uint32_t> place, std::string_view folder,
-                                                 std::optional<ContentKind> kind) const {
+                                                 std::optional<ContentKind> kind, size_t most) const {
   const size_t start = folder.empty() ? 0 : folder.size() + 1;
   const ContentQuery query{.Place = place, .Kind = kind};
   std::vector<std::string> folders;
   const Range range = FolderRange(folder);
-  for (uint32_t i = range.First; i < range.End;) {
+  for (uint32_t i = range.First; i < range.End && folders.size() < most;) {
     const std::string child = m_folders[i].substr(0, m_folders[i].find('/', start));
     // Folders of one child need not stand together: "a", "a-b", "a/c".
     const bool known = !folders.empty() && EqualFolded(folders.back(), child);

@@ -66,9 +66,10 @@ class ContentIndex {
 
   /// The first file of that name that the game sees, in `place` alone if that is given.
   std::optional<uint32_t> Find(std::string_view name, std::optional<uint32_t> place = {}) const;
-  /// The folders directly in `folder` that have files of that kind in or below them, by their whole names, sorted.
+  /// The folders directly in `folder` that have files of that kind in or below them, by their whole names, sorted;
+  /// no more than `most`.
   std::vector<std::string> FoldersIn(std::optional<uint32_t> place, std::string_view folder,
-                                     std::optional<ContentKind> kind) const;
+                                     std::optional<ContentKind> kind, size_t most = MostFiles) const;
   /// The files that `query` means. Nothing if it was stopped.
   std::optional<std::vector<uint32_t>> Search(const ContentQuery& query, const std::stop_token& stop) const;
   /// `files` and, with each model, the files that belong to it (.vvd, .vtx, .phy, .ani) and lie in the same place, or,
