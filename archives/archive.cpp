@@ -138,6 +138,16 @@ std::optional<core::FileImage> Archive::Read(uint32_t file, std::string& reason)
   });
 }
 
+bool Archive::ReadStart(uint32_t file, std::span<std::byte> out) const {
+  const FilePlace& place = m_files.Place(file);
+  std::string ignored;
+  const ByteSource* const part = place.WholeSize() < out.size() ? nullptr : Reachable(place, ignored);
+  if (part == nullptr) return false;
+  const auto preloaded = out.first(std::min<size_t>(out.size(), place.PreloadSize));
+  return ReadRange(*m_own, place.PreloadOffset, preloaded, ignored) &&
+         ReadRange(*part, place.Offset, out.subspan(preloaded.size()), ignored);
+}
+
 bool Archive::ReadPieces(uint32_t file, const std::function<bool(std::string_view)>& take, std::string& reason) const {
   reason.clear();
   const FilePlace& place = m_files.Place(file);

@@ -52,6 +52,9 @@ class Archive {
   /// CRC-32 differs.
   std::optional<core::FileImage> Read(uint32_t file, std::string& reason) const;
 
+  /// Fills `out` with the file's first bytes, unchecked by its CRC-32. False if it has fewer or they cannot be had.
+  bool ReadStart(uint32_t file, std::span<std::byte> out) const;
+
   /// Hands the file to `take` in pieces and checks the CRC-32 at its end, so whoever keeps the pieces does so for good
   /// only after true. False, with `reason`, if it cannot be had or the CRC-32 differs, and if `take` gives false
   /// (`reason` is then empty).

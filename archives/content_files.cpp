@@ -1,6 +1,7 @@
 #include "archives/content_files.h"
 
 #include "archives/folded_text.h"
+#include "archives/name_pattern.h"
 #include "core/paths.h"
 
 namespace tarnwick::archives {
@@ -14,14 +15,25 @@ bool HasExtension(std::string_view name, std::string_view extension) {
          core::EqualIgnoringCase(name.substr(name.size() - extension.size()), extension);
 }
 
-/// Keeps of `names` those with the extension and puts `start` before each.
-std::vector<std::string> Chosen(const std::vector<std::string>& names, std::string_view extension,
-                                const std::string& start) {
-  std::vector<std::string> chosen;
-  for (const std::string& name : names) {
-    if (HasExtension(name, extension)) chosen.push_back(start + name);
-  }
-  return chosen;
+bool IsPattern(std::string_view name) {
+  return name.find_first_of("*?") != std::string_view::npos;
+}
+
+/// The folder of a pattern, as far as it has no wildcard; of any other name the name itself.
+std::string FixedFolder(std::string_view name) {
+  if (!IsPattern(name)) return PlainName(name);
+  const size_t slash = name.substr(0, name.find_first_of("*?")).find_last_of("/\\");
+  return slash == std::string_view::npos ? std::string() : PlainName(name.substr(0, slash));
+}
+
+/// Adds a file of the folder `folder` if it is meant.
+void AddMeant(std::vector<ListedFile>& list, const std::string& start, std::string name, const std::string& folder,
+              std::string_view pattern, std::string_view extension) {
+  if (!HasExtension(name, extension) || (IsPattern(pattern) && !MatchesPattern(name, pattern))) return;
+  // The archive's own name may begin with slashes or have doubled ones.
+  const std::string plain = PlainName(name);
+  const size_t below = folder.empty() ? 0 : folder.size() + 1;
+  list.push_back({start + name, plain.size() > below ? plain.substr(below) : plain});
 }
 
 }  // namespace
@@ -49,64 +61,127 @@ const GameFiles* ContentFiles::Game(std::string& reason) const {
   return m_game.get();
 }
 
-std::optional<core::FileImage> ContentFiles::Read(const std::string& name, std::string* reason) const {
-  std::string ignored;
-  std::string& why = reason != nullptr ? *reason : ignored;
+/// Where a file is: in an archive, or on the disk.
+struct ContentFiles::Place {
+  std::shared_ptr<const Archive> Kept = {};
+  const Archive* InArchive = nullptr;
+  uint32_t Number = 0;
+  std::string Path = {};  // on the disk
+
+  std::string Name() const { return InArchive != nullptr ? InArchive->FullName(Number) : Path; }
+};
+
+std::optional<ContentFiles::Place> ContentFiles::Find(const std::string& name, std::string& reason) const {
   const ContentName content = ReadContentName(name);
-  if (content.Where == Where::Disk) return core::FileImage::Read(name, &why);
+  if (content.Where == Where::Disk) return Place{.Path = name};
   if (content.Where == Where::Game) {
-    const GameFiles* const game = Game(why);
-    return game != nullptr ? game->Read(content.Inside, why) : std::nullopt;
+    const GameFiles* const game = Game(reason);
+    if (game == nullptr) return std::nullopt;
+    auto found = game->Find(content.Inside);
+    if (!found) {
+      reason = "no place of the game has it";
+      return std::nullopt;
+    }
+    if (found->InArchive != nullptr) return Place{.InArchive = found->InArchive, .Number = found->Number};
+    const std::string inside = PlainName(content.Inside);
+    const std::lock_guard lock(m_lock);
+    m_gameFolders.insert_or_assign(std::string(core::DirectoryWithSeparator(found->Name)),
+                                   std::string(core::DirectoryWithSeparator(inside)));
+    return Place{.Path = std::move(found->Name)};
   }
-  const auto archive = OpenArchive(content.Path, why);
+  auto archive = OpenArchive(content.Path, reason);
   if (archive == nullptr) {
-    why = content.Path + ": " + why;
+    reason = content.Path + ": " + reason;
     return std::nullopt;
   }
   const auto file = archive->Find(content.Inside);
   if (!file) {
-    why = content.Inside.empty() ? "it names no file in the archive" : "the archive has no such file";
+    reason = content.Inside.empty() ? "it names no file in the archive" : "the archive has no such file";
     return std::nullopt;
   }
-  return archive->Read(*file, why);
+  return Place{.Kept = archive, .InArchive = archive.get(), .Number = *file};
 }
 
-std::optional<std::string> ContentFiles::FindCompanion(const std::string& name) const {
-  const ContentName content = ReadContentName(name);
+std::optional<core::FileImage> ContentFiles::Read(const std::string& name, std::string* reason) const {
   std::string ignored;
-  if (content.Where == Where::Disk) return core::FindIgnoringCase(name);
-  if (content.Where == Where::Archive) {
-    const auto archive = OpenArchive(content.Path, ignored);
-    const auto file = archive != nullptr ? archive->Find(content.Inside) : std::nullopt;
-    if (file) return archive->FullName(*file);
-    if (m_gameDirectory.empty()) return std::nullopt;
-  }
-  const GameFiles* const game = Game(ignored);
-  const auto found = game != nullptr ? game->Find(content.Inside) : std::nullopt;
-  return found ? std::optional(found->Name) : std::nullopt;
+  std::string& why = reason != nullptr ? *reason : ignored;
+  const auto place = Find(name, why);
+  if (!place) return std::nullopt;
+  return place->InArchive != nullptr ? place->InArchive->Read(place->Number, why)
+                                     : core::FileImage::Read(place->Path, &why);
 }
 
-std::optional<std::vector<std::string>> ContentFiles::FilesIn(const std::string& name, std::string_view extension,
-                                                              bool below, std::string& reason) const {
+bool ContentFiles::ReadStart(const std::string& name, std::span<std::byte> out) const {
+  std::string ignored;
+  const auto place = Find(name, ignored);
+  if (!place) return false;
+  return place->InArchive != nullptr ? place->InArchive->ReadStart(place->Number, out)
+                                     : core::DiskFiles().ReadStart(place->Path, out);
+}
+
+bool ContentFiles::Holds(const std::string& name) const {
+  std::string ignored;
+  const auto place = Find(name, ignored);
+  return place && (place->InArchive != nullptr || core::FileExists(place->Path));
+}
+
+std::optional<std::string> ContentFiles::FindBeside(const std::string& name) const {
+  std::string ignored;
+  const auto place = Find(name, ignored);
+  if (!place) return std::nullopt;
+  return place->InArchive != nullptr ? place->Name() : core::FindIgnoringCase(place->Path);
+}
+
+std::optional<std::string> ContentFiles::FindElsewhere(const std::string& name) const {
+  const ContentName content = ReadContentName(name);
+  std::string inside = content.Inside;
+  if (m_gameDirectory.empty() || content.Where == Where::Game) return std::nullopt;
+  if (content.Where == Where::Disk) {
+    const std::lock_guard lock(m_lock);
+    const auto folder = m_gameFolders.find(std::string(core::DirectoryWithSeparator(name)));
+    if (folder == m_gameFolders.end()) return std::nullopt;
+    inside = folder->second + std::string(core::LastComponent(name));
+  }
+  std::string ignored;
+  const auto place = Find("game:" + inside, ignored);
+  return place ? std::optional(place->Name()) : std::nullopt;
+}
+
+std::optional<std::string> ContentFiles::Resolve(const std::string& name, std::string& reason) const {
+  const auto place = Find(name, reason);
+  return place ? std::optional(place->Name()) : std::nullopt;
+}
+
+std::optional<std::vector<ListedFile>> ContentFiles::FilesIn(const std::string& name, std::string_view extension,
+                                                             bool below, std::string& reason) const {
   reason.clear();
   const ContentName content = ReadContentName(name);
+  const bool whole = content.Where == Where::Disk && HasArchiveExtension(name);
+  if (content.Where == Where::Disk && !whole) return std::nullopt;
+  const bool pattern = IsPattern(content.Inside);
+  const std::string folder = FixedFolder(content.Inside);
+  std::vector<ListedFile> list;
   if (content.Where == Where::Game) {
     const GameFiles* const game = Game(reason);
     if (game == nullptr || game->Find(content.Inside)) return std::nullopt;
-    return Chosen(game->FilesIn(content.Inside, below), extension, "game:");
+    for (std::string& file : game->FilesIn(folder, below || pattern)) {
+      AddMeant(list, "game:", std::move(file), folder, content.Inside, extension);
+    }
+  } else {
+    const auto archive = OpenArchive(whole ? DirectoryFileOf(name) : content.Path, reason);
+    if (archive == nullptr || archive->Find(content.Inside)) return std::nullopt;
+    const FileTable& files = archive->Files();
+    std::vector<bool> wanted(files.Count());
+    for (const uint32_t file : files.FilesIn(folder, below || pattern)) wanted[file] = files.IsFirst(file);
+    for (const uint32_t file : files.SortedByName()) {
+      if (!wanted[file]) continue;
+      AddMeant(list, archive->Path() + ':', files.Name(file), folder, content.Inside, extension);
+    }
   }
-  const bool whole = content.Where == Where::Disk && HasArchiveExtension(name);
-  if (content.Where == Where::Disk && !whole) return std::nullopt;
-  const auto archive = OpenArchive(whole ? DirectoryFileOf(name) : content.Path, reason);
-  if (archive == nullptr || archive->Find(content.Inside)) return std::nullopt;
-  const FileTable& files = archive->Files();
-  std::vector<bool> wanted(files.Count());
-  for (const uint32_t file : files.FilesIn(PlainName(content.Inside), below)) wanted[file] = files.IsFirst(file);
-  std::vector<std::string> names;
-  for (const uint32_t file : files.SortedByName()) {
-    if (wanted[file] && HasExtension(files.LastPart(file), extension)) names.push_back(archive->FullName(file));
-  }
-  return names;
+  // What has the ending of a file and is no folder is a file that is not there.
+  const bool looksLikeFile = !pattern && !extension.empty() && HasExtension(content.Inside, extension);
+  if (list.empty() && looksLikeFile) return std::nullopt;
+  return list;
 }
 
 }  // namespace tarnwick::archives

@@ -14,6 +14,13 @@
 
 namespace tarnwick::archives {
 
+/// A file that a folder or a pattern means.
+struct ListedFile {
+  std::string Name;   // whole, as `ContentFiles` reads it
+  std::string Below;  // its path below the folder, or below the last folder of a pattern that has no wildcard
+  bool operator==(const ListedFile&) const = default;
+};
+
 /// Files by every name that a user may give (`ReadContentName`): on the disk, in an archive, through the search paths
 /// of a game. Archives that were opened stay open. Several threads may ask at once.
 class ContentFiles : public core::FileSource {
@@ -25,22 +32,33 @@ class ContentFiles : public core::FileSource {
 
   std::optional<core::FileImage> Read(const std::string& name, std::string* reason) const override;
 
-  /// A companion of a file in an archive is looked for in the same archive first, then through the search paths; that
-  /// of a file on the disk beside it.
-  std::optional<std::string> FindCompanion(const std::string& name) const override;
+  bool ReadStart(const std::string& name, std::span<std::byte> out) const override;
+  bool Holds(const std::string& name) const override;
+  /// In the same archive; on the disk in the same folder; of a `game:` name, wherever it is found.
+  std::optional<std::string> FindBeside(const std::string& name) const override;
+  /// Through the search paths: for a file in an archive, and for one in a loose folder of the game to which a `game:`
+  /// name has led before.
+  std::optional<std::string> FindElsewhere(const std::string& name) const override;
 
-  /// The names of all files with `extension` (".mdl", in any case; "" for all) in the folder `name` of an archive or a
-  /// game and, with `below`, under it, sorted. Nothing if `name` is a path, a file, or cannot be had; `reason` is then
-  /// empty for the first two.
-  std::optional<std::vector<std::string>> FilesIn(const std::string& name, std::string_view extension, bool below,
-                                                  std::string& reason) const;
+  /// The files with `extension` (".mdl", in any case; "" for all) that `name` means in an archive or a game, sorted: by
+  /// a folder those in it and, with `below`, under it; by a pattern (`MatchesPattern`) all that it means. Nothing if
+  /// `name` is a path or means one file, there or not, or if the place cannot be had; `reason` is empty for the first
+  /// two.
+  std::optional<std::vector<ListedFile>> FilesIn(const std::string& name, std::string_view extension, bool below,
+                                                 std::string& reason) const;
 
   /// The archive at `path`, opened once. Null, with `reason`, if it cannot be.
   std::shared_ptr<const Archive> OpenArchive(const std::string& path, std::string& reason) const;
+  /// Where a `game:` name leads: a path, or the whole name of a file in an archive; any other name stays. Nothing, with
+  /// `reason`, if no place has it.
+  std::optional<std::string> Resolve(const std::string& name, std::string& reason) const;
   /// The game's places. Null, with `reason`, if there is no game directory or its gameinfo.txt cannot be read.
   const GameFiles* Game(std::string& reason) const;
 
  private:
+  struct Place;
+  std::optional<Place> Find(const std::string& name, std::string& reason) const;
+
   const std::string m_gameDirectory;
   core::TroubleSink& m_sink;
   mutable std::mutex m_lock;
@@ -48,6 +66,8 @@ class ContentFiles : public core::FileSource {
   mutable std::unique_ptr<GameFiles> m_game;
   mutable bool m_gameTried = false;
   mutable std::string m_gameReason;  // why there is none
+  mutable std::map<std::string, std::string>
+      m_gameFolders;  // loose folders that names led to: path to name in the game
 };
 
 }  // namespace tarnwick::archives

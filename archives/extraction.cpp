@@ -7,6 +7,7 @@
 
 #include "archives/folded_text.h"
 #include "archives/name_pattern.h"
+#include "archives/output_folder.h"
 #include "archives/safe_name.h"
 #include "core/output_file.h"
 #include "core/paths.h"
@@ -21,10 +22,6 @@ namespace {
 constexpr uint64_t MostSharing = 16;
 constexpr uint64_t AlwaysAllowed = uint64_t{1} << 30;
 
-bool Inside(const fs::path& path, const fs::path& folder) {
-  return std::mismatch(folder.begin(), folder.end(), path.begin(), path.end()).first == folder.end();
-}
-
 /// One extraction while it runs.
 class Run {
  public:
@@ -32,11 +29,10 @@ class Run {
       : m_archive(archive), m_output(output), m_sink(sink) {}
 
   bool Begin() {
-    std::error_code error;
-    fs::create_directories(core::NativePath(m_output), error);
-    if (!error) m_root = fs::canonical(core::NativePath(m_output), error);
-    if (error) Tell(core::TroubleKind::Unwritable, m_output, error.message());
-    return !error;
+    std::string reason;
+    if (m_folder.Open(m_output, reason)) return true;
+    Tell(core::TroubleKind::Unwritable, m_output, reason);
+    return false;
   }
 
   /// Refuses to write more than the archive's files on the disk can honestly hold.
@@ -66,19 +62,18 @@ class Run {
   bool Extract(uint32_t file, ExtractedFile& result) {
     const FileTable& table = m_archive.Files();
     result.Name = table.Name(file);
-    std::string reason = UnsafeReason(result.Name);
-    if (!reason.empty()) return Refuse(file, core::TroubleKind::Refused, reason + "; it is not written");
-    if (!table.IsFirst(file)) {
+    std::string reason;
+    fs::path path;
+    if (UnsafeReason(result.Name).empty() && !table.IsFirst(file)) {
       return Refuse(file, core::TroubleKind::Refused,
                     "the archive has an earlier file of that name; it is not written");
     }
-    const fs::path path = m_root / core::NativePath(result.Name);
-    if (!FolderReady(path.parent_path(), reason)) return Refuse(file, core::TroubleKind::Unwritable, reason);
-    std::error_code error;
-    if (fs::is_symlink(fs::symlink_status(path, error))) {
-      return Refuse(file, core::TroubleKind::Refused, "a link of that name lies in the output folder");
+    const OutputFolder::Answer answer = m_folder.Place(result.Name, path, reason);
+    if (answer != OutputFolder::Answer::Ready) {
+      const bool refused = answer == OutputFolder::Answer::Refused;
+      return Refuse(file, refused ? core::TroubleKind::Refused : core::TroubleKind::Unwritable, reason);
     }
-    result.Path = core::PathText(core::NativePath(m_output) / core::NativePath(result.Name));
+    result.Path = m_folder.PathOf(result.Name);
     auto output = core::OutputFile::Create(core::PathText(path), &reason);
     if (!output) return Refuse(file, core::TroubleKind::Unwritable, result.Path + ": " + reason);
     const bool read = m_archive.ReadPieces(
@@ -92,25 +87,6 @@ class Run {
   }
 
  private:
-  /// Makes a folder, and finds out once whether it lies where its name says.
-  bool FolderReady(const fs::path& folder, std::string& reason) {
-    const auto [known, isNew] = m_folders.try_emplace(folder);
-    if (isNew) known->second = FolderReason(folder);
-    reason = known->second;
-    return reason.empty();
-  }
-
-  std::string FolderReason(const fs::path& folder) const {
-    // What is there of the path so far must not lead outside before anything is made in it.
-    std::error_code error;
-    const fs::path real = fs::weakly_canonical(folder, error);
-    if (!error && !Inside(real, m_root)) {
-      return core::PathText(folder) + ": a link leads outside the output folder; nothing is written there";
-    }
-    if (!error) fs::create_directories(folder, error);
-    return error ? core::PathText(folder) + ": " + error.message() : "";
-  }
-
   bool Refuse(uint32_t file, core::TroubleKind kind, const std::string& reason) {
     Tell(kind, m_archive.FullName(file), reason);
     return false;
@@ -127,8 +103,7 @@ class Run {
   const Archive& m_archive;
   const std::string& m_output;
   core::TroubleSink& m_sink;
-  fs::path m_root;                            // the output folder without links
-  std::map<fs::path, std::string> m_folders;  // those asked for so far, with what is wrong with them
+  OutputFolder m_folder;
 };
 
 }  // namespace

@@ -223,6 +223,16 @@ std::vector<std::string> GameFiles::Places() const {
   return paths;
 }
 
+std::vector<GamePlace> GameFiles::AllPlaces() const {
+  std::vector<GamePlace> places;
+  for (const Place& place : m_places) {
+    const auto* archive = std::get_if<std::shared_ptr<const Archive>>(&place);
+    places.push_back(archive != nullptr ? GamePlace{(*archive)->Path(), *archive}
+                                        : GamePlace{std::get<std::unique_ptr<LooseFolder>>(place)->Path(), nullptr});
+  }
+  return places;
+}
+
 void GameFiles::Refresh() {
   for (const Place& place : m_places) {
     if (const auto* folder = std::get_if<std::unique_ptr<LooseFolder>>(&place)) (*folder)->Refresh();

@@ -28,6 +28,12 @@ struct GameFolder {
   std::vector<std::string> Files;
 };
 
+/// One place in which a game looks for files.
+struct GamePlace {
+  std::string Path;
+  std::shared_ptr<const Archive> InArchive;  // null for a folder
+};
+
 /// All places in which a game looks for files, in its order: the first that has a file wins. Looking up is without
 /// regard to ASCII case and slash. Archives are opened at once, loose folders read when they are first looked into.
 /// Several threads may look at once.
@@ -50,6 +56,8 @@ class GameFiles {
 
   /// The paths of all places, in order, for people.
   std::vector<std::string> Places() const;
+  /// All places, in order.
+  std::vector<GamePlace> AllPlaces() const;
   /// Lets files be found that were written since. Archives stay as they were opened.
   void Refresh();
 

@@ -12,6 +12,7 @@
 
 #include "archives/archive.h"
 #include "archives/checksum.h"
+#include "archives/content_index.h"
 #include "archives/extraction.h"
 #include "archives/folded_text.h"
 #include "archives/vpk_table.h"
@@ -221,6 +222,51 @@ void ReadLoose(benchmark::State& state) {
   state.SetItemsProcessed(state.iterations() * Taken);
 }
 BENCHMARK(ReadLoose)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+std::shared_ptr<const archives::ContentIndex> Indexed() {
+  const auto archive = Opened();
+  return archives::ContentIndex::Of({{archive->Path(), archive}}, {});
+}
+
+void IndexAll(benchmark::State& state) {
+  const auto archive = Opened();
+  for (auto _ : state) {
+    if (archives::ContentIndex::Of({{archive->Path(), archive}}, {})->Count() != Files) state.SkipWithError("missing");
+  }
+}
+BENCHMARK(IndexAll)->Unit(benchmark::kMillisecond);
+
+/// What is typed into the search box, from the first letter on.
+constexpr const char* Typed[] = {"o",          "obj", "object_1", "object_199 mdl", "props_7 part.v", "set_4/object",
+                                 "*_12?_*.mdl"};
+
+/// The plain way: each whole name in small letters, looked through for each word.
+void SearchPlain(benchmark::State& state) {
+  std::vector<std::string> names(Files);
+  for (uint32_t i = 0; i < Files; ++i) names[i] = Name(i);
+  const std::string_view text = Typed[state.range(0)];
+  const size_t blank = text.find(' ');
+  for (auto _ : state) {
+    std::vector<uint32_t> found;
+    for (uint32_t i = 0; i < Files; ++i) {
+      const std::string folded = archives::FoldedText(names[i]);
+      if (folded.find(text.substr(0, blank)) == std::string::npos) continue;
+      if (blank == std::string_view::npos || folded.find(text.substr(blank + 1)) != std::string::npos) {
+        found.push_back(i);
+      }
+    }
+    benchmark::DoNotOptimize(found);
+  }
+  state.SetLabel(Typed[state.range(0)]);
+}
+BENCHMARK(SearchPlain)->DenseRange(0, 5)->Unit(benchmark::kMillisecond);
+
+void SearchIndex(benchmark::State& state) {
+  const auto index = Indexed();
+  for (auto _ : state) benchmark::DoNotOptimize(index->Search({.Words = Typed[state.range(0)]}, {}));
+  state.SetLabel(Typed[state.range(0)]);
+}
+BENCHMARK(SearchIndex)->DenseRange(0, 6)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace tarnwick::bench

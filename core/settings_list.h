@@ -58,6 +58,11 @@ TEXT_SETTING(EnvmapSpecularMap, MainSection, "Envmap SpecularMap", "")
 // The window.
 TEXT_SETTING(WindowGeometry, MainSection, "Window Geometry", "")  // position and size, base 64
 
+// The window of game content.
+TEXT_SETTING(ContentGeometry, MainSection, "Content Geometry", "")  // position and size, base 64
+TEXT_SETTING(ContentSplit, MainSection, "Content Split", "")        // between folders and files, base 64
+TEXT_SETTING(ContentOutput, MainSection, "Content Output", "")      // the folder that was extracted to
+
 // The decompiler. While OutputDirectory was never written its readers use the user's documents folder.
 TEXT_SETTING(OutputDirectory, DecompilerSection, "OutputDirectory", "")
 TEXT_SETTING(LastMdlFile, DecompilerSection, "LastMDLFile", "")

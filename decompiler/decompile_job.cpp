@@ -26,7 +26,7 @@ constexpr int32_t HighestVersion = 49;
 bool LoadModel(JobContext& job) {
   const std::string& path = job.Job().ModelPath;
   std::string reason;
-  auto model = LoadModelFile(path, &reason);
+  auto model = LoadModelFile(path, &reason, job.Files());
   if (model && !model->View().At<StudioHeader>(0)) {
     const int64_t size = model->View().Size();
     reason = size == 0 ? "it is empty" : "its " + std::to_string(size) + " bytes are fewer than a model's header has";
@@ -38,7 +38,7 @@ bool LoadModel(JobContext& job) {
     return false;
   }
   job.Model.Mdl = std::move(*model);
-  DecompileLog(job, "Loaded model " + path + "\r\n");
+  DecompileLog(job, "Loaded model " + job.Model.Mdl.Path() + "\r\n");
   const int32_t version = job.Model.Header()->Version;
   const bool known = version >= LowestVersion && version <= HighestVersion;
   const bool named = std::string_view(job.Model.Header()->Id, 4) == ModelId;
@@ -62,7 +62,7 @@ bool LoadModel(JobContext& job) {
 
 /// Finds and loads the .vtx file. False, told, if there is none.
 bool LoadVertices(JobContext& job) {
-  const std::string& modelPath = job.Job().ModelPath;
+  const std::string& modelPath = job.Model.Mdl.Path();
   const auto path = job.ReadyToCompile() ? FindMatchingVtxFile(job, modelPath) : FindVtxFile(job, modelPath);
   if (!path) {
     job.Error("Unable to load vertices file: " +
@@ -71,7 +71,7 @@ bool LoadVertices(JobContext& job) {
     return false;
   }
   std::string reason;
-  job.Model.Vtx = LoadVtxFile(*path, &reason);
+  job.Model.Vtx = LoadVtxFile(*path, &reason, job.Files());
   if (!job.Model.Vtx) {
     DecompileLog(job, "Unable to read " + *path + ": " + reason + "\r\n");
     job.Error("Unable to load vertices file: " + *path, "Error", core::TroubleKind::Unreadable, *path,

@@ -14,10 +14,10 @@ namespace {
 
 constexpr std::string_view ModelExtension = ".mdl";
 
-void DecompileOne(const DecompileTree& job, ItemRun& run) {
+void DecompileOne(const DecompileTree& job, const InputContent& content, ItemRun& run) {
   MadeFolder folder;
   // A model that is not there is told by the decompiler, and no folder is made for it.
-  if (!run.Result.Target.empty() && core::FileExists(run.Result.Source)) {
+  if (!run.Result.Target.empty() && content.Files().Holds(run.Result.Source)) {
     if (const std::string problem = folder.Make(run.Result.Target); !problem.empty()) {
       return run.Tell({.Kind = core::TroubleKind::Unwritable,
                        .File = run.Result.Target,
@@ -31,6 +31,7 @@ void DecompileOne(const DecompileTree& job, ItemRun& run) {
   decompiler::DecompileJob work;
   work.ModelPath = run.Result.Source;
   work.OutputDirectory = run.Result.Target;
+  work.Files = &content.Files();
   work.Options = job.Options;
   work.Helpers = &run.Helpers;
   work.StopRequested = &stopRequested;
@@ -49,15 +50,13 @@ void DecompileOne(const DecompileTree& job, ItemRun& run) {
 
 JobPlan Plan(const DecompileTree& job) {
   JobPlan plan;
-  std::error_code ignored;
-  const bool single =
-      job.Inputs.size() == 1 && !std::filesystem::is_directory(core::NativePath(job.Inputs[0]), ignored);
+  InputFiles found = FindInputFiles(job.Inputs, ModelExtension, job.Recursive, ContentOf(job)->Files());
+  plan.Troubles = std::move(found.Troubles);
+  const bool single = job.Inputs.size() == 1 && found.Files.size() == 1 && !found.Files[0].Listed;
   if (single && !job.OwnFolders) {
-    plan.Items.push_back({job.Inputs[0], job.OutputDirectory});
+    plan.Items.push_back({found.Files[0].Path, job.OutputDirectory});
     return plan;
   }
-  InputFiles found = FindInputFiles(job.Inputs, ModelExtension, job.Recursive);
-  plan.Troubles = std::move(found.Troubles);
   UniqueNames folders;
   for (const InputFile& file : found.Files) {
     const std::string folder = folders.Take(WithoutExtension(file.Name, ModelExtension));
@@ -67,8 +66,13 @@ JobPlan Plan(const DecompileTree& job) {
 }
 
 JobResult Run(const DecompileTree& job, Host& host, const std::stop_token& stop) {
+  DecompileTree whole = job;
+  whole.Content = ContentOf(job);
   const ThreadUse threads{job.Threads, job.OneByOne ? 1 : job.Threads};
-  return RunItems(Plan(job), threads, host, stop, [&](size_t, ItemRun& run) { DecompileOne(job, run); });
+  return RunItems(Plan(whole), threads, host, stop, [&](size_t, ItemRun& run) {
+    DecompileOne(whole, *whole.Content, run);
+    for (const core::Trouble& trouble : whole.Content->TakeTroubles()) run.Tell(trouble);
+  });
 }
 
 }  // namespace tarnwick::jobs

@@ -1,12 +1,14 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <stop_token>
 #include <string>
 #include <vector>
 
 #include "decompiler/decompile_job.h"
 #include "jobs/host.h"
+#include "jobs/input_content.h"
 #include "jobs/item_run.h"
 
 namespace tarnwick::jobs {
@@ -14,6 +16,7 @@ namespace tarnwick::jobs {
 /// Compiled models to sources, one or many.
 struct DecompileTree {
   std::vector<std::string> Inputs = {};                          // models, and folders that are searched for them
+  std::shared_ptr<InputContent> Content = {};                    // by which inputs are had; null: no game is known
   std::string OutputDirectory = ".";                             // made if missing
   bool Recursive = false;                                        // also the folders below a folder
   bool OwnFolders = false;                                       // a folder of its own also for a single model
@@ -27,7 +30,8 @@ struct DecompileTree {
 /// folder in which it was found. No two models share a directory.
 [[nodiscard]] JobPlan Plan(const DecompileTree& job);
 
-/// Decompiles every model. Missing directories are made when a model is there; one that stays empty goes again. A
+/// Decompiles every model. What goes with one in an archive is taken from the same archive, or else through the search
+/// paths of the game. Missing directories are made when a model is there; one that stays empty goes again. A
 /// failure ends no other model.
 JobResult Run(const DecompileTree& job, Host& host, const std::stop_token& stop);
 

@@ -298,7 +298,7 @@ JobPlan Plan(const ExportTextures& job) {
     plan.Items.push_back({job.Inputs[0], job.Output});
     return plan;
   }
-  InputFiles found = FindInputFiles(job.Inputs, TextureExtension, job.Recursive);
+  InputFiles found = FindInputFiles(job.Inputs, TextureExtension, job.Recursive, ContentOf(job)->Files());
   plan.Troubles = std::move(found.Troubles);
   UniqueNames names;
   for (const InputFile& file : found.Files) {

@@ -1,10 +1,12 @@
 #pragma once
 
+#include <memory>
 #include <stop_token>
 #include <string>
 #include <vector>
 
 #include "jobs/host.h"
+#include "jobs/input_content.h"
 #include "jobs/item_run.h"
 #include "tools/program_start.h"
 
@@ -19,7 +21,8 @@ enum class ImagePlace {
 
 /// Textures to images by vtf2tga, every frame, face and slice of each.
 struct ExportTextures {
-  std::vector<std::string> Inputs = {};  // textures, and folders that are searched for them
+  std::vector<std::string> Inputs = {};        // textures, and folders that are searched for them
+  std::shared_ptr<InputContent> Content = {};  // by which inputs are had; null: no game is known
   ImagePlace Place = ImagePlace::Output;
   std::string Output = ".";       // missing folders are made
   std::string Format = {};        // an ending without its dot, for images in a folder; "" for tga

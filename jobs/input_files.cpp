@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "archives/safe_name.h"
 #include "core/paths.h"
 
 namespace tarnwick::jobs {
@@ -33,37 +34,86 @@ bool HoldsForeignSeparator(std::string_view name) {
   return fs::path::preferred_separator != '\\' && name.find('\\') != std::string_view::npos;
 }
 
+/// Why what is made of a file must not get that name below a folder; "" if it may.
+std::string UnsafeOutput(const InputFile& file, std::string_view extension, bool onDisk) {
+  if (onDisk && file.Listed && HoldsForeignSeparator(file.Name)) {
+    return "a name with a backslash would be taken for a path";
+  }
+  const std::string less = WithoutExtension(file.Name, extension);
+  const std::string_view last = core::LastComponent(less);
+  if (last.empty() && file.Listed) return "it has no name but its ending";
+  if (onDisk) return last == "." || last == ".." ? "its name leads out of the folder" : "";
+  return archives::UnsafeReason(less);
+}
+
+core::Trouble Refused(const std::string& file, const std::string& reason) {
+  const std::string shown = archives::PrintableName(file);
+  return {.Kind = core::TroubleKind::Refused, .File = shown, .Text = shown + ": " + reason, .Alike = reason};
+}
+
+core::Trouble NothingIn(const std::string& input, std::string_view extension, bool recursive) {
+  return {.Kind = core::TroubleKind::Missing,
+          .File = input,
+          .Text = input + ": the folder holds no " + std::string(extension) + " file" +
+                  (recursive ? "" : " (those below it were not looked into)")};
+}
+
+/// The part of a name behind its archive, or behind `game:`.
+std::string NameInside(const std::string& input) {
+  archives::ContentName name = archives::ReadContentName(input);
+  return name.Where == archives::ContentName::Place::Disk ? std::move(name.Path) : std::move(name.Inside);
+}
+
+/// Adds the file, or why it is refused.
+void AddFile(InputFiles& found, InputFile file, std::string_view extension, bool onDisk) {
+  if (const std::string reason = UnsafeOutput(file, extension, onDisk); !reason.empty()) {
+    found.Troubles.push_back(Refused(file.Path, reason));
+  } else {
+    found.Files.push_back(std::move(file));
+  }
+}
+
+void AddFolder(InputFiles& found, const std::string& input, std::string_view extension, bool recursive) {
+  const fs::path path = core::NativePath(input);
+  std::string problem;
+  const auto files = recursive ? FilesOf<fs::recursive_directory_iterator>(path, extension, problem)
+                               : FilesOf<fs::directory_iterator>(path, extension, problem);
+  if (!problem.empty()) {
+    found.Troubles.push_back({.Kind = core::TroubleKind::Unreadable, .File = input, .Text = problem});
+  } else if (files.empty()) {
+    found.Troubles.push_back(NothingIn(input, extension, recursive));
+  }
+  for (const fs::path& file : files) {
+    AddFile(found, {core::PathText(file), core::PathText(file.lexically_relative(path)), true}, extension, true);
+  }
+}
+
 }  // namespace
 
-InputFiles FindInputFiles(const std::vector<std::string>& inputs, std::string_view extension, bool recursive) {
+InputFiles FindInputFiles(const std::vector<std::string>& inputs, std::string_view extension, bool recursive,
+                          const archives::ContentFiles& content) {
   InputFiles found;
   for (const std::string& input : inputs) {
-    const fs::path path = core::NativePath(input);
     std::error_code ignored;
-    if (!fs::is_directory(path, ignored)) {
-      found.Files.push_back({input, std::string(core::LastComponent(input))});
+    if (fs::is_directory(core::NativePath(input), ignored)) {
+      AddFolder(found, input, extension, recursive);
       continue;
     }
-    std::string problem;
-    const auto files = recursive ? FilesOf<fs::recursive_directory_iterator>(path, extension, problem)
-                                 : FilesOf<fs::directory_iterator>(path, extension, problem);
-    if (!problem.empty()) {
-      found.Troubles.push_back({.Kind = core::TroubleKind::Unreadable, .File = input, .Text = problem});
-    } else if (files.empty()) {
-      const std::string text = input + ": the folder holds no " + std::string(extension) + " file" +
-                               (recursive ? "" : " (those below it were not looked into)");
-      found.Troubles.push_back({.Kind = core::TroubleKind::Missing, .File = input, .Text = text});
+    std::string reason;
+    const auto listed = content.FilesIn(input, extension, recursive, reason);
+    if (listed && listed->empty()) found.Troubles.push_back(NothingIn(input, extension, recursive));
+    for (const archives::ListedFile& file : listed ? *listed : std::vector<archives::ListedFile>()) {
+      AddFile(found, {file.Name, file.Below, true}, extension, false);
     }
-    for (const fs::path& file : files) {
-      const std::string name = core::PathText(file.lexically_relative(path));
-      if (HoldsForeignSeparator(name)) {
-        found.Troubles.push_back(
-            {.Kind = core::TroubleKind::Refused,
-             .File = core::PathText(file),
-             .Text = core::PathText(file) + ": a name with a backslash would be taken for a path"});
-        continue;
-      }
-      found.Files.push_back({core::PathText(file), name});
+    if (listed) continue;
+    const std::string inside = NameInside(input);
+    const bool couldBeFile = core::EqualIgnoringCase(fs::path(inside).extension().string(), extension);
+    if (!reason.empty() && !couldBeFile) {
+      found.Troubles.push_back(
+          {.Kind = core::TroubleKind::Unreadable, .File = input, .Text = input + ": " + reason, .Alike = reason});
+    } else {
+      const bool onDisk = archives::ReadContentName(input).Where == archives::ContentName::Place::Disk;
+      AddFile(found, {input, std::string(core::LastComponent(inside))}, extension, onDisk);
     }
   }
   return found;

@@ -44,22 +44,24 @@ class ErrorsOnly : public core::Report {
 
 class ModelRound {
  public:
-  ModelRound(const ModelCompiler& compiler, ItemRun& run, const fs::path& folder)
-      : m_compiler(compiler), m_run(run), m_folder(folder), m_onStop(run.Stop, [this] { m_stopped = true; }) {}
+  ModelRound(const ModelCompiler& compiler, const core::FileSource& files, ItemRun& run, const fs::path& folder)
+      : m_compiler(compiler), m_files(files), m_run(run), m_folder(folder), m_onStop(run.Stop, [this] {
+          m_stopped = true;
+        }) {}
 
   void Work() {
     const std::string sources = MakeFolder("sources");
     const std::string compiled = MakeFolder("compiled");
     const std::string again = MakeFolder("again");
     MakeFolder("compiled/models");
-    if (Failed() || !Decompile(m_run.Result.Source, sources, "decompiling")) return;
+    if (Failed() || !Decompile(m_run.Result.Source, m_files, sources, "decompiling")) return;
     Step("compiling", 1);
     ErrorsOnly compileReport(m_run, "compiling");
     const auto model = m_compiler({sources + core::PathSeparator + ScriptName, compiled, Version()}, compileReport);
     if (!model && !Failed()) compileReport.ErrorBox(core::TroubleKind::Lost, "no model was made", "");
     if (Stopped() || Failed()) return;
     Step("decompiling again", 2);
-    if (!Decompile(*model, again, "decompiling again")) return;
+    if (!Decompile(*model, core::DiskFiles(), again, "decompiling again")) return;
     Step("comparing", 3);
     Compare(*model, sources, again);
   }
@@ -86,15 +88,17 @@ class ModelRound {
   }
 
   int32_t Version() const {
-    const auto mdl = model::LoadModelFile(m_run.Result.Source);
+    const auto mdl = model::LoadModelFile(m_run.Result.Source, nullptr, m_files);
     const auto header = mdl ? mdl->View().At<model::StudioHeader>(0) : std::nullopt;
     return header ? (*header)->Version : 0;
   }
 
-  bool Decompile(const std::string& path, const std::string& folder, const std::string& step) {
+  bool Decompile(const std::string& path, const core::FileSource& files, const std::string& folder,
+                 const std::string& step) {
     ErrorsOnly report(m_run, step);
     decompiler::DecompileJob job;
     job.ModelPath = path;
+    job.Files = &files;
     job.OutputDirectory = folder;
     job.Options = decompiler::DecompileOptionReadyToCompile;
     job.Helpers = &m_run.Helpers;
@@ -106,7 +110,8 @@ class ModelRound {
 
   void Compare(const std::string& model, const std::string& sources, const std::string& again) {
     ErrorsOnly report(m_run, "comparing");
-    auto differences = model::CompareModels(m_run.Result.Source, model, report, [this] { return m_stopped.load(); });
+    auto differences = model::CompareModels(
+        m_run.Result.Source, model, report, [this] { return m_stopped.load(); }, m_files);
     if (Stopped() || !differences) return;
     Verification& verified = m_run.Result.Verified.emplace();
     verified.Model = std::move(*differences);
@@ -121,6 +126,7 @@ class ModelRound {
   }
 
   const ModelCompiler& m_compiler;
+  const core::FileSource& m_files;  // have the model that is verified
   ItemRun& m_run;
   const fs::path m_folder;
   std::atomic<bool> m_stopped = false;
@@ -131,7 +137,7 @@ class ModelRound {
 
 JobPlan Plan(const VerifyModels& job) {
   JobPlan plan;
-  InputFiles found = FindInputFiles(job.Inputs, ModelExtension, job.Recursive);
+  InputFiles found = FindInputFiles(job.Inputs, ModelExtension, job.Recursive, ContentOf(job)->Files());
   plan.Troubles = std::move(found.Troubles);
   UniqueNames folders;
   for (const InputFile& file : found.Files) {
@@ -147,13 +153,16 @@ JobPlan Plan(const VerifyModels& job) {
 
 JobResult Run(const VerifyModels& job, Host& host, const std::stop_token& stop) {
   const ModelCompiler compiler = job.Compiler ? job.Compiler : CompileUnchanged;
-  return RunItems(Plan(job), {job.Threads, job.Threads}, host, stop, [&](size_t, ItemRun& run) {
-    if (!run.Result.Target.empty()) return ModelRound(compiler, run, core::NativePath(run.Result.Target)).Work();
+  VerifyModels whole = job;
+  whole.Content = ContentOf(job);
+  const core::FileSource& files = whole.Content->Files();
+  return RunItems(Plan(whole), {job.Threads, job.Threads}, host, stop, [&](size_t, ItemRun& run) {
+    if (!run.Result.Target.empty()) return ModelRound(compiler, files, run, core::NativePath(run.Result.Target)).Work();
     const ScratchDirectory scratch;
     if (scratch.Path().empty()) {
       return run.Fail(core::TroubleKind::Unwritable, "No folder for temporary files can be made: " + scratch.Problem());
     }
-    ModelRound(compiler, run, scratch.Path()).Work();
+    ModelRound(compiler, files, run, scratch.Path()).Work();
   });
 }
 

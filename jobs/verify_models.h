@@ -2,12 +2,14 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <stop_token>
 #include <string>
 #include <vector>
 
 #include "jobs/host.h"
+#include "jobs/input_content.h"
 #include "jobs/item_run.h"
 
 namespace tarnwick::jobs {
@@ -24,11 +26,12 @@ using ModelCompiler = std::function<std::optional<std::string>(const ModelCompil
 /// The proof that sources hold all of a model: each model is decompiled, compiled and decompiled again, and both the
 /// models and the sources are compared.
 struct VerifyModels {
-  std::vector<std::string> Inputs = {};  // models, and folders that are searched for them
-  bool Recursive = false;                // also the folders below a folder
-  std::string KeepDirectory = {};        // where sources and compiled models stay; "" to leave nothing
-  int Threads = 1;                       // models at a time
-  ModelCompiler Compiler = {};           // empty for the program's own
+  std::vector<std::string> Inputs = {};        // models, and folders that are searched for them
+  std::shared_ptr<InputContent> Content = {};  // by which inputs are had; null: no game is known
+  bool Recursive = false;                      // also the folders below a folder
+  std::string KeepDirectory = {};              // where sources and compiled models stay; "" to leave nothing
+  int Threads = 1;                             // models at a time
+  ModelCompiler Compiler = {};                 // empty for the program's own
 };
 
 /// The models that the job finds. The target of each is its folder below KeepDirectory, "" without one.

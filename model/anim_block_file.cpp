@@ -90,15 +90,14 @@ std::optional<core::FileImage> LoadAnimBlockFile(ModelReader& reader, std::strin
   if (name.size() >= 3 && core::EqualIgnoringCase(name.substr(name.size() - 3), "mdl")) {
     return NotNamed(reader, path, path + " cannot be one, since it is a model");
   }
-  if (!core::FileExists(path)) {
-    if (auto found = core::FindIgnoringCase(path)) {
-      reader.Note(*found, "Using " + *found + " for " + file);
-      path = std::move(*found);
-    }
+  if (!reader.Files().Holds(path)) {
+    auto found = reader.Files().FindCompanion(path);
+    if (!found) return NotNamed(reader, path, path);
+    reader.Note(*found, "Using " + *found + " for " + file);
+    path = std::move(*found);
   }
-  if (!core::FileExists(path)) return NotNamed(reader, path, path);
   std::string reason;
-  auto image = core::FileImage::Read(path, &reason);
+  auto image = reader.Files().Read(path, &reason);
   if (!image) {
     return Missing(reader, core::TroubleKind::Unreadable, path, "Unable to read " + path + ": " + reason,
                    "Unable to read the animation block file");

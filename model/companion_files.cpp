@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <fstream>
+#include <span>
 
 #include "core/paths.h"
 #include "model/vtx_records.h"
@@ -20,24 +20,26 @@ std::array<std::string, std::size(VtxExtensions)> VtxPaths(const std::string& mo
   return paths;
 }
 
-/// The checksum in the head of the .vtx file at `path`; nothing if it has no head.
-std::optional<int32_t> ReadVtxChecksum(const std::string& path) {
+/// Whether the head of the .vtx file at `path` says that it was made with the reader's model.
+bool IsMadeWithModel(const ModelReader& reader, const std::string& path) {
   VtxHeader header{};
-  std::ifstream file(core::NativePath(path), std::ios::binary);
-  file.read(reinterpret_cast<char*>(&header), sizeof header);
-  return file ? std::optional(int32_t{header.Checksum}) : std::nullopt;
+  return reader.Files().ReadStart(path, std::as_writable_bytes(std::span(&header, 1))) &&
+         header.Checksum == reader.Model.Header()->Checksum;
 }
 
 }  // namespace
 
 std::optional<std::string> FindCompanion(ModelReader& reader, std::span<const std::string> paths) {
   for (const std::string& path : paths) {
-    if (core::FileExists(path)) return path;
+    if (reader.Files().Holds(path)) return path;
   }
-  for (const std::string& path : paths) {
-    if (auto found = core::FindIgnoringCase(path)) {
-      reader.Note(*found, "Using " + *found + " for " + std::string(core::LastComponent(path)));
-      return found;
+  // All that lies beside the model comes before what a game would find elsewhere.
+  for (const auto find : {&core::FileSource::FindBeside, &core::FileSource::FindElsewhere}) {
+    for (const std::string& path : paths) {
+      if (auto found = (reader.Files().*find)(path)) {
+        reader.Note(*found, "Using " + *found + " for " + std::string(core::LastComponent(path)));
+        return found;
+      }
     }
   }
   std::string names;
@@ -57,12 +59,14 @@ std::optional<std::string> FindVtxFile(ModelReader& reader, const std::string& m
 std::optional<std::string> FindMatchingVtxFile(ModelReader& reader, const std::string& modelPath) {
   const auto paths = VtxPaths(modelPath);
   const auto first = FindCompanion(reader, paths);
-  if (!first || ReadVtxChecksum(*first) == reader.Model.Header()->Checksum) return first;
-  for (const std::string& path : paths) {
-    const auto found = core::FileExists(path) ? path : core::FindIgnoringCase(path);
-    if (!found || ReadVtxChecksum(*found) != reader.Model.Header()->Checksum) continue;
-    reader.Note(*first, *first + " was made with another model; " + *found + " was made with this one and is used");
-    return found;
+  if (!first || IsMadeWithModel(reader, *first)) return first;
+  for (const auto find : {&core::FileSource::FindBeside, &core::FileSource::FindElsewhere}) {
+    for (const std::string& path : paths) {
+      const auto found = (reader.Files().*find)(path);
+      if (!found || !IsMadeWithModel(reader, *found)) continue;
+      reader.Note(*first, *first + " was made with another model; " + *found + " was made with this one and is used");
+      return found;
+    }
   }
   return first;
 }

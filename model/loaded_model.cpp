@@ -8,12 +8,14 @@ std::optional<std::string_view> LoadedModel::Name(int64_t offset) const {
   return name;
 }
 
-std::optional<core::FileImage> LoadModelFile(const std::string& path, std::string* reason) {
-  return core::FileImage::Read(path, reason);
+std::optional<core::FileImage> LoadModelFile(const std::string& path, std::string* reason,
+                                             const core::FileSource& files) {
+  return files.Read(path, reason);
 }
 
-std::optional<core::FileImage> LoadVtxFile(const std::string& path, std::string* reason) {
-  return core::FileImage::Read(path, reason);
+std::optional<core::FileImage> LoadVtxFile(const std::string& path, std::string* reason,
+                                           const core::FileSource& files) {
+  return files.Read(path, reason);
 }
 
 std::optional<std::string_view> TextureName(const LoadedModel& model, int64_t index) {

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "core/file_image.h"
+#include "core/file_source.h"
 #include "core/image_view.h"
 #include "model/studio_records.h"
 #include "model/vtx_records.h"
@@ -66,10 +67,12 @@ struct LoadedModel {
   }
 };
 
-/// The whole .mdl file at `path`; nothing if it cannot be read.
-[[nodiscard]] std::optional<core::FileImage> LoadModelFile(const std::string& path, std::string* reason = nullptr);
-/// The whole .vtx file at `path`; nothing if it cannot be read.
-[[nodiscard]] std::optional<core::FileImage> LoadVtxFile(const std::string& path, std::string* reason = nullptr);
+/// The whole .mdl file at `path` of `files`; nothing if it cannot be read.
+[[nodiscard]] std::optional<core::FileImage> LoadModelFile(const std::string& path, std::string* reason = nullptr,
+                                                           const core::FileSource& files = core::DiskFiles());
+/// The whole .vtx file at `path` of `files`; nothing if it cannot be read.
+[[nodiscard]] std::optional<core::FileImage> LoadVtxFile(const std::string& path, std::string* reason = nullptr,
+                                                         const core::FileSource& files = core::DiskFiles());
 
 /// The name of texture number `index`, which must be a record inside the file; nothing (not told) otherwise.
 [[nodiscard]] std::optional<std::string_view> TextureName(const LoadedModel& model, int64_t index);

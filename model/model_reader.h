@@ -17,8 +17,12 @@ inline constexpr int64_t RecordCost = 64;
 /// damaged tables cannot exceed. Used by one thread; what was checked may be walked by any.
 class ModelReader {
  public:
-  /// `troubles` must outlive the reader.
-  explicit ModelReader(core::TroubleSink& troubles) : m_troubles(troubles) {}
+  /// `troubles` and `files`, from which the model's files are read, must outlive the reader.
+  explicit ModelReader(core::TroubleSink& troubles, const core::FileSource& files = core::DiskFiles())
+      : m_troubles(troubles), m_files(files) {}
+
+  /// Where the model's files come from.
+  const core::FileSource& Files() const { return m_files; }
 
   /// The model's files; the .mdl is set before anything is read.
   LoadedModel Model;
@@ -68,6 +72,7 @@ class ModelReader {
 
  private:
   core::TroubleSink& m_troubles;
+  const core::FileSource& m_files;
   int64_t m_limit = 0;
   int64_t m_spent = 0;
   bool m_limitTold = false;

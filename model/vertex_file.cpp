@@ -59,7 +59,7 @@ std::optional<core::FileImage> ReadVvdFile(ModelReader& reader) {
     return std::nullopt;
   }
   std::string reason;
-  auto file = core::FileImage::Read(*found, &reason);
+  auto file = reader.Files().Read(*found, &reason);
   if (!file) {
     TellNoVertices(reader, core::TroubleKind::Unreadable, *found, "Unable to read " + *found + ": " + reason,
                    "Unable to read the vertex file");

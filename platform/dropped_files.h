@@ -19,7 +19,11 @@ struct DroppedFiles {
   bool IsOver(const QWidget& control) const;
 };
 
-/// The local files and folders among dragged data; the point is not set.
+/// Adds names of files that this program can read where they lie, such as "a.vpk:models/crate.mdl": dropped on a
+/// window of the program they count, and the files' paths do for all other programs.
+void PutNames(QMimeData& data, const std::vector<std::string>& names);
+
+/// The local files and folders among dragged data, or the names that PutNames gave it; the point is not set.
 DroppedFiles FilesOf(const QMimeData& data);
 
 }  // namespace tarnwick::platform

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "core/file_source.h"
 #include "core/trouble.h"
 #include "core/work_queue.h"
 #include "core/written_file.h"
@@ -36,6 +37,9 @@ struct DecompileJob {
   std::string ModelPath;        // of the .mdl file
   std::string OutputDirectory;  // must exist; no separator is added or removed
   uint32_t Options = 0;         // DecompileOption bits
+
+  /// Where the model and the files that go with it are read from; nothing: the disk.
+  const core::FileSource* Files = nullptr;
 
   /// Helps with formatting and writing the job's files; nothing: the calling thread does all.
   core::WorkQueue* Helpers = nullptr;

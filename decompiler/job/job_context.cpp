@@ -8,7 +8,10 @@
 namespace tarnwick::decompiler {
 
 JobContext::JobContext(const DecompileJob& job, core::Report& report)
-    : ModelReader(static_cast<core::TroubleSink&>(*this)), m_job(job), m_report(report), m_files(job.Helpers) {
+    : ModelReader(static_cast<core::TroubleSink&>(*this), job.Files != nullptr ? *job.Files : core::DiskFiles()),
+      m_job(job),
+      m_report(report),
+      m_files(job.Helpers) {
   SetSpendLimit(job.OutputLimit);
 }
 

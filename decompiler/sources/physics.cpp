@@ -33,12 +33,12 @@ Vec3 AsWritten(const Vec3& p) {
 
 /// The file beside the model; nothing if it has none.
 std::optional<core::FileImage> LoadPhysics(JobContext& job) {
-  const std::string& modelPath = job.Job().ModelPath;
+  const std::string& modelPath = job.Model.Mdl.Path();
   const std::string wanted = modelPath.substr(0, modelPath.size() - std::min<size_t>(4, modelPath.size())) + ".phy";
-  const auto path = core::FindIgnoringCase(wanted);
+  const auto path = job.Files().FindCompanion(wanted);
   if (!path) return std::nullopt;
   std::string reason;
-  auto file = core::FileImage::Read(*path, &reason);
+  auto file = job.Files().Read(*path, &reason);
   if (file) {
     DecompileLog(job, "Loaded physics " + *path + "\r\n");
   } else {

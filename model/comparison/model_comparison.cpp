@@ -19,14 +19,14 @@ bool Load(ModelReader& reader, const std::string& path) {
     return false;
   };
   std::string reason;
-  auto mdl = LoadModelFile(path, &reason);
+  auto mdl = LoadModelFile(path, &reason, reader.Files());
   if (!mdl) return fail(path, reason);
   if (!mdl->View().At<StudioHeader>(0)) return fail(path, "it is shorter than a model's header");
   reader.Model.Mdl = std::move(*mdl);
   if (reader.Model.Header()->BodyPartCount == 0) return true;
-  const auto vtx = FindVtxFile(reader, path);
+  const auto vtx = FindVtxFile(reader, reader.Model.Mdl.Path());
   if (!vtx) return fail(path, "it has no .vtx file");
-  reader.Model.Vtx = LoadVtxFile(*vtx, &reason);
+  reader.Model.Vtx = LoadVtxFile(*vtx, &reason, reader.Files());
   if (!reader.Model.Vtx) return fail(*vtx, reason);
   reader.Model.Layout = FindVtxLayout(reader);
   return true;
@@ -36,8 +36,9 @@ bool Load(ModelReader& reader, const std::string& path) {
 
 std::optional<std::vector<ModelDifference>> CompareModels(const std::string& firstMdl, const std::string& secondMdl,
                                                           core::TroubleSink& troubles,
-                                                          const std::function<bool()>& stopped) {
-  ModelReader first(troubles);
+                                                          const std::function<bool()>& stopped,
+                                                          const core::FileSource& firstFiles) {
+  ModelReader first(troubles, firstFiles);
   ModelReader second(troubles);
   if (!Load(first, firstMdl) || !Load(second, secondMdl)) return std::nullopt;
   DifferenceList differences;

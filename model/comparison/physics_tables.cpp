@@ -24,10 +24,10 @@ struct LoadedPhysics {
 
 LoadedPhysics LoadPhysics(ModelReader& reader) {
   const std::string& mdl = reader.Model.Mdl.Path();
-  const auto path = core::FindIgnoringCase(mdl.substr(0, mdl.size() - std::min<size_t>(4, mdl.size())) + ".phy");
+  const auto path = reader.Files().FindCompanion(mdl.substr(0, mdl.size() - std::min<size_t>(4, mdl.size())) + ".phy");
   if (!path) return {};
   std::string reason;
-  LoadedPhysics physics{core::FileImage::Read(*path, &reason), {}};
+  LoadedPhysics physics{reader.Files().Read(*path, &reason), {}};
   if (!physics.Image) {
     reader.Tell({.Kind = core::TroubleKind::Unreadable,
                  .File = *path,

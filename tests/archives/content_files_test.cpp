@@ -2,6 +2,9 @@
 
 #include <gmock/gmock.h>
 
+#include <array>
+#include <span>
+
 #include "archive_builder.h"
 #include "support/recording_report.h"
 #include "support/scratch_folder.h"
@@ -21,6 +24,7 @@ class ContentFilesTest : public testing::Test {
     WriteText(m_folder.Path("mod/gameinfo.txt"), "GameInfo { FileSystem { SearchPaths { game |gameinfo_path|. } } }");
     tests::VpkBuilder vpk{.Files = {{.Name = "models/crate.mdl", .Bytes = "game mdl"},
                                     {.Name = "models/crate.vvd", .Bytes = "game vvd"},
+                                    {.Name = "models/props/box.phy", .Bytes = "game phy"},
                                     {.Name = "models/shared.ani", .Bytes = "game ani"}}};
     WriteText(m_folder.Path("mod/pak01_dir.vpk"), vpk.Build().Directory);
     WriteText(m_folder.Path("addon.gma"),
@@ -69,15 +73,50 @@ TEST_F(ContentFilesTest, CompanionsComeFromTheSameArchiveFirst) {
   EXPECT_FALSE(files.FindCompanion(m_folder.Path("none.vvd")));
 }
 
+TEST_F(ContentFilesTest, LooseFilesOfAGameHaveTheirCompanionsThroughTheSearchPaths) {
+  const ContentFiles files(m_folder.Path("mod"), m_report);
+  WriteText(m_folder.Path("mod/models/Props/box.mdl"), "box");
+  WriteText(m_folder.Path("mod/models/Props/box.vvd"), "beside");
+  std::string reason;
+  const auto path = files.Resolve("game:models/props/box.mdl", reason);
+  ASSERT_TRUE(path) << reason;
+  EXPECT_EQ(*path, m_folder.Path("mod/models/Props/box.mdl"));
+  EXPECT_EQ(Text(files, *files.FindCompanion(m_folder.Path("mod/models/Props/box.vvd"))), "beside");
+  EXPECT_EQ(Text(files, *files.FindCompanion(m_folder.Path("mod/models/Props/box.phy"))), "game phy");
+  EXPECT_FALSE(files.FindCompanion(m_folder.Path("mod/models/Props/shared.ani")));  // of models/, not of models/props/
+  // A model that no `game:` name has led to is a file like any other.
+  EXPECT_FALSE(files.FindElsewhere(m_folder.Path("mod/models/shared.ani")));
+}
+
+TEST_F(ContentFilesTest, ReadsTheStartOfFilesWithoutTheRest) {
+  const ContentFiles files(m_folder.Path("mod"), m_report);
+  for (const std::string& name : {std::string("game:models/crate.mdl"),
+                                  m_folder.Path("addon.gma") + ":models/crate.mdl", m_folder.Path("loose.mdl")}) {
+    std::array<char, 4> start{};
+    EXPECT_TRUE(files.ReadStart(name, std::as_writable_bytes(std::span(start)))) << name;
+    EXPECT_EQ(std::string(start.data(), 4), Text(files, name).substr(0, 4));
+    std::array<char, 10> longer{};
+    EXPECT_FALSE(files.ReadStart(name, std::as_writable_bytes(std::span(longer)))) << name;
+  }
+}
+
 TEST_F(ContentFilesTest, ListsFoldersInsideArchivesAndGames) {
   const ContentFiles files(m_folder.Path("mod"), m_report);
   const std::string addon = m_folder.Path("addon.gma");
   std::string reason;
   EXPECT_THAT(files.FilesIn(addon, ".mdl", true, reason),
-              Optional(ElementsAre(addon + ":models/crate.mdl", addon + ":models/sub/b.mdl")));
+              Optional(ElementsAre(ListedFile{addon + ":models/crate.mdl", "models/crate.mdl"},
+                                   ListedFile{addon + ":models/sub/b.mdl", "models/sub/b.mdl"})));
   EXPECT_THAT(files.FilesIn(addon + ":Models/", ".MDL", false, reason),
-              Optional(ElementsAre(addon + ":models/crate.mdl")));
-  EXPECT_THAT(files.FilesIn("game:models", ".vvd", true, reason), Optional(ElementsAre("game:models/crate.vvd")));
+              Optional(ElementsAre(ListedFile{addon + ":models/crate.mdl", "crate.mdl"})));
+  EXPECT_THAT(files.FilesIn(addon + ":models/s*/*", ".mdl", false, reason),
+              Optional(ElementsAre(ListedFile{addon + ":models/sub/b.mdl", "sub/b.mdl"})));
+  EXPECT_THAT(files.FilesIn("game:models", ".vvd", true, reason),
+              Optional(ElementsAre(ListedFile{"game:models/crate.vvd", "crate.vvd"})));
+  EXPECT_THAT(files.FilesIn("game:*.ani", "", false, reason),
+              Optional(ElementsAre(ListedFile{"game:models/shared.ani", "models/shared.ani"})));
+  EXPECT_THAT(files.FilesIn(addon + ":models/none", ".mdl", true, reason), Optional(ElementsAre()));
+  EXPECT_FALSE(files.FilesIn(addon + ":models/none.mdl", ".mdl", true, reason));
   EXPECT_FALSE(files.FilesIn(addon + ":models/crate.mdl", ".mdl", true, reason));
   EXPECT_FALSE(files.FilesIn(m_folder.Path("mod"), ".mdl", true, reason));
   EXPECT_EQ(reason, "");

@@ -1,0 +1,99 @@
+#pragma once
+
+#include <QTemporaryDir>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <stop_token>
+#include <string>
+#include <vector>
+
+#include "core/app_settings.h"
+#include "pages/content_reader.h"
+#include "platform/dialog.h"
+#include "platform/job_runner.h"
+
+class QMimeData;
+
+namespace Ui {
+class ContentDialog;
+}
+
+namespace tarnwick::pages {
+
+/// What the content window works with; all of it outlives the window.
+struct ContentContext {
+  core::AppSettings& Settings;
+  platform::Desktop& Desktop;
+  std::function<void()> Configure = {};  // opens the configuration of the game; may be missing
+  /// Takes names of files ("game:models/crate.mdl", "a.vpk:models/crate.mdl") into the field of a page. Gives how many
+  /// of them a page takes.
+  std::function<size_t(const std::vector<std::string>& names)> Open = {};
+};
+
+/// The window "Game content": all files of the search paths of the game, or of archives that were opened, to be looked
+/// through, searched, extracted, dragged out and opened in the field of a page.
+class CContentDialog : public platform::CDialog {
+  Q_OBJECT
+
+ public:
+  CContentDialog(const ContentContext& context, QWidget* parent);
+  ~CContentDialog() override;
+
+  /// Shows the window with the files of the game, those of one kind alone at first.
+  void BrowseGame(std::optional<archives::ContentKind> kind);
+  /// Shows the window with the files of archives.
+  void BrowseArchives(const std::vector<std::string>& paths);
+  /// Writes what is kept for the next run.
+  void SaveSettings();
+
+  void OnDropFiles(const platform::DroppedFiles& drop) override;
+
+  /// The selected files, or if there are none all that are listed, with what belongs to models where that is wanted.
+  std::vector<uint32_t> ChosenFiles() const;
+  /// Writes files to a new folder for temporary files, which lasts as long as the window, and gives their paths; those
+  /// that cannot be written are told in `reason`. Any thread may call it, one at a time.
+  std::vector<std::string> WriteForDrag(const archives::ContentIndex& index, const std::vector<uint32_t>& files,
+                                        const std::stop_token& stop, std::string& reason);
+  /// What is dragged: paths for other programs, names for the fields of this one.
+  std::unique_ptr<QMimeData> DragData(const std::vector<uint32_t>& files, const std::vector<std::string>& paths) const;
+
+ protected:
+  void OnInitDialog() override;
+  void OnCancel() override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  struct Extracting;
+
+  void Show(const ContentSource& source, std::optional<archives::ContentKind> kind);
+  void Read();
+  void Refresh();
+  void OnOpened();
+  void OnFound(const std::vector<uint32_t>& files);
+  void OnOpen();
+  void OnOpenArchive();
+  void OnExtract();
+  void OnExtracted(const Extracting& done);
+  void OnConfigure();
+  void Drag();
+  void Search();
+  void ShowMessage(const QString& text, bool configure = false);
+  void ShowState();
+  std::optional<archives::ContentKind> Kind() const;
+  std::string NameOf(uint32_t file) const;
+  ContentSource GameSource() const;
+
+  const ContentContext m_context;
+  std::unique_ptr<Ui::ContentDialog> m_ui;
+  ContentSource m_source;
+  ContentReader m_reader;
+  bool m_dragging = false;
+  QString m_outcome;                                         // of the last extraction, until something else is done
+  std::string m_outputFolder;                                // of the last extraction
+  std::deque<std::unique_ptr<QTemporaryDir>> m_dragFolders;  // removed with the window; the oldest give way
+  platform::JobRunner m_jobs;
+};
+
+}  // namespace tarnwick::pages

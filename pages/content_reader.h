@@ -1,0 +1,62 @@
+#pragma once
+
+#include <QObject>
+#include <QThreadPool>
+#include <memory>
+#include <stop_token>
+#include <string>
+#include <vector>
+
+#include "archives/content_index.h"
+
+namespace tarnwick::pages {
+
+/// Where the files of the content window come from.
+struct ContentSource {
+  std::string GameDirectory = {};          // all places that its gameinfo.txt tells
+  std::vector<std::string> Archives = {};  // where there are any, these alone
+
+  bool operator==(const ContentSource&) const = default;
+};
+
+/// Reads the files of a source and searches them, beside the window. A new wish ends the one before.
+class ContentReader : public QObject {
+  Q_OBJECT
+
+ public:
+  explicit ContentReader(QObject* parent = nullptr);
+  ~ContentReader() override;
+
+  /// Reads the source; Opened tells when its index is there or why not.
+  void Open(const ContentSource& source);
+  /// Searches the index; Found tells the files. Does nothing without an index.
+  void Search(const archives::ContentQuery& query);
+
+  bool IsOpening() const { return m_opening; }
+  bool IsSearching() const { return m_searching; }
+  /// The files; null while they are read, and where they cannot be.
+  const std::shared_ptr<const archives::ContentIndex>& Index() const { return m_index; }
+  /// Why there is no index.
+  const std::string& Reason() const { return m_reason; }
+  /// What is wrong with single places, which are then left out.
+  const std::vector<std::string>& Notes() const { return m_notes; }
+
+ signals:
+  void Opened();
+  void Found(const std::vector<uint32_t>& files);
+
+ private:
+  struct Result;
+  static Result Read(const ContentSource& source, const std::stop_token& stop);
+
+  std::shared_ptr<const archives::ContentIndex> m_index;
+  std::string m_reason;
+  std::vector<std::string> m_notes;
+  std::stop_source m_openStop;
+  std::stop_source m_searchStop;
+  bool m_opening = false;
+  bool m_searching = false;
+  QThreadPool m_pool;
+};
+
+}  // namespace tarnwick::pages
