@@ -203,10 +203,9 @@ void CDecompilerDialog::OnExtract() {
 
 void CDecompilerDialog::OnVerify() {
   if (m_job.IsRunning() || m_status.Models().empty()) return;
-  const jobs::VerifyModels job{
-      .Inputs = m_status.Models(),
-      .Content = std::make_shared<jobs::InputContent>(setting::GameDirectory.Read(Settings())),
-      .Threads = 1};
+  const jobs::VerifyModels job{.Inputs = m_status.Models(),
+                               .Content = std::make_shared<jobs::InputContent>(setting::GameDirectory.Read(Settings())),
+                               .Threads = 1};
   m_status.BeginVerifying();
   m_job.Start([job](jobs::Host& host, const std::stop_token& stop) { jobs::Run(job, host, stop); },
               {.Bar = &m_status.Bar(), .OnEvent = [this](const jobs::Event& event) { m_status.Show(event); }});
