@@ -87,7 +87,8 @@ void FromAnArchive(benchmark::State& state) {
     const archives::ContentFiles files("", troubles);
     std::string reason;
     std::vector<std::string> models;
-    for (auto& file : *files.FilesIn(TheSample().Archive, ".mdl", true, reason)) models.push_back(file.Name);
+    const auto listed = files.FilesIn(TheSample().Archive, ".mdl", true, reason);
+    for (const archives::ListedFile& file : *listed) models.push_back(file.Name);
     if (models.size() != Models) state.SkipWithError("models are missing");
     Decompile(state, models, files);
   }
