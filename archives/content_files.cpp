@@ -36,6 +36,13 @@ void AddMeant(std::vector<ListedFile>& list, const std::string& start, std::stri
   list.push_back({start + name, plain.size() > below ? plain.substr(below) : plain});
 }
 
+/// What stands before the last folder `models` of a name; nothing if it has none.
+std::optional<std::string> RootOf(const std::string& name) {
+  const std::string folded = '/' + FoldedText(name);
+  const size_t at = folded.rfind("/models/");
+  return at == std::string::npos ? std::nullopt : std::optional(name.substr(0, at));
+}
+
 }  // namespace
 
 std::shared_ptr<const Archive> ContentFiles::OpenArchive(const std::string& path, std::string& reason) const {
@@ -145,6 +152,43 @@ std::optional<std::string> ContentFiles::FindElsewhere(const std::string& name) 
   std::string ignored;
   const auto place = Find("game:" + inside, ignored);
   return place ? std::optional(place->Name()) : std::nullopt;
+}
+
+const LooseFolder& ContentFiles::Loose(const std::string& path) const {
+  const std::lock_guard lock(m_lock);
+  auto& folder = m_loose[path];
+  if (folder == nullptr) folder = std::make_unique<const LooseFolder>(path);
+  return *folder;
+}
+
+std::optional<std::string> ContentFiles::FindGameFile(const std::string& owner, const std::string& inside) const {
+  std::string ignored;
+  const std::string name = Resolve(owner, ignored).value_or(owner);
+  const ContentName content = ReadContentName(name);
+  if (content.Where == Where::Archive) {
+    if (const auto place = Find(content.Path + ':' + RootOf(content.Inside).value_or("") + inside, ignored)) {
+      return place->Name();
+    }
+  } else if (const auto root = content.Where == Where::Disk ? RootOf(name) : std::nullopt) {
+    if (auto path = Loose(root->empty() ? "." : *root).Find(PlainName(inside))) return path;
+  }
+  if (m_gameDirectory.empty()) return std::nullopt;
+  const auto place = Find("game:" + inside, ignored);
+  return place ? std::optional(place->Name()) : std::nullopt;
+}
+
+std::string ContentFiles::PlacesFor(const std::string& owner) const {
+  std::string ignored;
+  const std::string name = Resolve(owner, ignored).value_or(owner);
+  const ContentName content = ReadContentName(name);
+  std::string places;
+  if (content.Where == Where::Archive) {
+    places = content.Path;
+  } else if (const auto root = RootOf(name)) {
+    places = root->empty() ? "the current folder" : *root;
+  }
+  if (!m_gameDirectory.empty()) places += (places.empty() ? "" : ", ") + ("the game in " + m_gameDirectory);
+  return places;
 }
 
 std::optional<std::string> ContentFiles::Resolve(const std::string& name, std::string& reason) const {

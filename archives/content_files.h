@@ -10,6 +10,7 @@
 #include "archives/archive.h"
 #include "archives/archive_name.h"
 #include "archives/game_files.h"
+#include "archives/loose_folder.h"
 #include "core/file_source.h"
 
 namespace tarnwick::archives {
@@ -47,6 +48,13 @@ class ContentFiles : public core::FileSource {
   std::optional<std::vector<ListedFile>> FilesIn(const std::string& name, std::string_view extension, bool below,
                                                  std::string& reason) const;
 
+  /// The name under which to read `inside` ("materials/brick.vmt") of the game that the model or other file `owner` is
+  /// of: in the same archive, or on the disk beside the folder `models` that the owner lies in, without regard to case;
+  /// else through the search paths. Nothing if no place has it.
+  std::optional<std::string> FindGameFile(const std::string& owner, const std::string& inside) const;
+  /// The places in which `FindGameFile` looks, for people: "pak01_dir.vpk, the game in /games/mod"; "" for none.
+  std::string PlacesFor(const std::string& owner) const;
+
   /// The archive at `path`, opened once. Null, with `reason`, if it cannot be.
   std::shared_ptr<const Archive> OpenArchive(const std::string& path, std::string& reason) const;
   /// Where a `game:` name leads: a path, or the whole name of a file in an archive; any other name stays. Nothing, with
@@ -58,11 +66,13 @@ class ContentFiles : public core::FileSource {
  private:
   struct Place;
   std::optional<Place> Find(const std::string& name, std::string& reason) const;
+  const LooseFolder& Loose(const std::string& path) const;
 
   const std::string m_gameDirectory;
   core::TroubleSink& m_sink;
   mutable std::mutex m_lock;
-  mutable std::map<std::string, std::shared_ptr<const Archive>> m_archives;  // by path
+  mutable std::map<std::string, std::shared_ptr<const Archive>> m_archives;   // by path
+  mutable std::map<std::string, std::unique_ptr<const LooseFolder>> m_loose;  // by path
   mutable std::unique_ptr<GameFiles> m_game;
   mutable bool m_gameTried = false;
   mutable std::string m_gameReason;  // why there is none

@@ -8,6 +8,7 @@
 
 #include "cli/console_host.h"
 #include "cli/interrupt.h"
+#include "cli/tool_directories.h"
 #include "jobs/decompile_tree.h"
 
 namespace tarnwick::cli {
@@ -17,11 +18,14 @@ namespace {
 constexpr const char* Examples = R"(Examples:
   tarnwick-cli decompile -o sources hair.mdl
   tarnwick-cli decompile -o sources -r game/models
-  tarnwick-cli decompile --json -o sources a.mdl b.mdl >result.jsonl)";
+  tarnwick-cli decompile --json -o sources a.mdl b.mdl >result.jsonl
+  tarnwick-cli decompile -o sources -r pak01_dir.vpk:models/props
+  tarnwick-cli decompile -o crate --materials --game ~/games/mod game:models/props/crate.mdl)";
 
 struct Options {
   std::vector<std::string> Inputs;
   std::string Output = ".";
+  ToolDirectories Directories;
   bool Unweighted = false;
   bool KeepRotations = false;
   bool Plain = false;
@@ -29,6 +33,8 @@ struct Options {
   bool NoAnimations = false;
   bool Recursive = false;
   bool OwnFolders = false;
+  bool Materials = false;
+  std::string TextureFormat = "tga";
   bool Json = false;
   bool Quiet = false;
   int Jobs = std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
@@ -62,13 +68,16 @@ std::string ModelJson(const jobs::ItemResult& result) {
   return model.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
 }
 
-int Decompile(const Options& options, Invocation& invocation) {
-  const jobs::DecompileTree job{.Inputs = options.Inputs,
-                                .OutputDirectory = options.Output,
-                                .Recursive = options.Recursive,
-                                .OwnFolders = options.OwnFolders,
-                                .Options = options.Bits(),
-                                .Threads = options.Jobs};
+int Decompile(Options& options, Invocation& invocation) {
+  const jobs::DecompileTree job{
+      .Inputs = options.Inputs,
+      .Content = options.Directories.ContentFor(options.Inputs, options.Materials, invocation.Err),
+      .OutputDirectory = options.Output,
+      .Recursive = options.Recursive,
+      .OwnFolders = options.OwnFolders,
+      .Options = options.Bits(),
+      .MaterialFormat = options.Materials ? options.TextureFormat : std::string(),
+      .Threads = options.Jobs};
   const bool single = jobs::Plan(job).Items.size() == 1;
   const auto resultLine = [&](const jobs::ItemResult& result) {
     if (options.Json) return ModelJson(result);
@@ -85,7 +94,8 @@ void AddDecompileVerb(CLI::App& program, Invocation& invocation) {
   CLI::App* verb = program.add_subcommand("decompile", "Turn compiled models into QC scripts and SMD files");
   auto options = std::make_shared<Options>();
   verb->add_option("MODEL|DIRECTORY", options->Inputs,
-                   "Compiled models (.mdl, with .vvd and .vtx beside them), or folders")
+                   "Compiled models (.mdl, with .vvd and .vtx beside them), or folders; on the disk, in an archive "
+                   "(pak01_dir.vpk:models/crate.mdl), or in the game (game:models/crate.mdl)")
       ->required();
   verb->add_option("-o,--output", options->Output,
                    "Where the files go; made if missing. Those of one MODEL go straight into it, those of several each "
@@ -103,6 +113,14 @@ void AddDecompileVerb(CLI::App& program, Invocation& invocation) {
                  "mesh at rest");
   verb->add_flag("-r,--recursive", options->Recursive,
                  "Take every .mdl file below a DIRECTORY; each gets a folder like its path");
+  verb->add_flag(
+      "--materials", options->Materials,
+      "Write the materials of each model too, and their textures as images, below the folder materials beside "
+      "its sources; what is missing is told");
+  verb->add_option("--texture-format", options->TextureFormat, "The format of these images: tga or png")
+      ->check(CLI::IsMember({"tga", "png"}))
+      ->capture_default_str();
+  options->Directories.AddGameOption(*verb);
   verb->add_option("-j,--jobs", options->Jobs, "Models at a time")->check(CLI::Range(1, 1024))->capture_default_str();
   verb->add_flag("--json", options->Json, "Print one JSON object a model, one a line, on standard output");
   verb->add_flag("-q,--quiet", options->Quiet, "Print errors and warnings only");

@@ -1,7 +1,9 @@
 #include "cli/tool_directories.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 
+#include "archives/archive_name.h"
 #include "core/settings_table.h"
 #ifdef TARNWICK_HAS_SETTINGS
 #include "settings/qt_settings_store.h"
@@ -41,6 +43,15 @@ void ToolDirectories::AddOptions(CLI::App& verb) {
 void ToolDirectories::AddGameOption(CLI::App& verb) {
   verb.add_option("--game", Game,
                   "The game directory, with gameinfo.txt; without it the one that is set in the window");
+}
+
+std::shared_ptr<jobs::InputContent> ToolDirectories::ContentFor(const std::vector<std::string>& inputs, bool askForGame,
+                                                                std::ostream& err) {
+  const bool needsGame = askForGame || std::any_of(inputs.begin(), inputs.end(), [](const std::string& input) {
+                           return archives::HasArchiveExtension(input) || !jobs::IsOnDisk(input);
+                         });
+  if (needsGame && Game.empty()) FillFromSettings(err);
+  return std::make_shared<jobs::InputContent>(Game);
 }
 
 void ToolDirectories::FillFromSettings(std::ostream& err) {

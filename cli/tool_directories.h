@@ -3,8 +3,10 @@
 #include <memory>
 #include <ostream>
 #include <string>
+#include <vector>
 
 #include "core/app_settings.h"
+#include "jobs/input_content.h"
 #include "tools/program_start.h"
 #include "tools/sdk_tools.h"
 
@@ -35,11 +37,17 @@ struct ToolDirectories {
   void AddGameOption(CLI::App& verb);
   /// Adds them to a verb that needs no game: all but --game.
   void AddSdkOptions(CLI::App& verb);
+  /// Adds --game alone.
+  void AddGameOption(CLI::App& verb);
   /// Fills what was not given from the settings.
   void FillFromSettings(std::ostream& err);
   /// Where `tool` is taken from: the SDK's directory, or where that lacks it the program's own tools.
   tools::ToolChoice ToolFor(const tools::SdkTool& tool) const { return tools::ToolInUse(Sdk, tool); }
   tools::StartSettings Start() const { return {Wine}; }
+  /// By what a job has `inputs`. Where none of them is a name in an archive or a game, the settings are not asked for a
+  /// game unless `askForGame`.
+  std::shared_ptr<jobs::InputContent> ContentFor(const std::vector<std::string>& inputs, bool askForGame,
+                                                 std::ostream& err);
 };
 
 }  // namespace tarnwick::cli

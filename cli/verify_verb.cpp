@@ -9,6 +9,7 @@
 
 #include "cli/console_host.h"
 #include "cli/interrupt.h"
+#include "cli/tool_directories.h"
 #include "jobs/verify_models.h"
 
 namespace tarnwick::cli {
@@ -25,6 +26,7 @@ The exit code is 0 if every model is the same, also but for rounding.)";
 struct Options {
   std::vector<std::string> Inputs;
   std::string Keep;
+  ToolDirectories Directories;
   bool Recursive = false;
   bool Details = false;
   bool Json = false;
@@ -84,9 +86,12 @@ std::string ModelLine(const jobs::ItemResult& result) {
   return result.Input + ": " + OutcomeWord(result.Judged) + reason;
 }
 
-int Verify(const Options& options, Invocation& invocation) {
-  const jobs::VerifyModels job{
-      .Inputs = options.Inputs, .Recursive = options.Recursive, .KeepDirectory = options.Keep, .Threads = options.Jobs};
+int Verify(Options& options, Invocation& invocation) {
+  const jobs::VerifyModels job{.Inputs = options.Inputs,
+                               .Content = options.Directories.ContentFor(options.Inputs, false, invocation.Err),
+                               .Recursive = options.Recursive,
+                               .KeepDirectory = options.Keep,
+                               .Threads = options.Jobs};
   const auto resultLine = [&](const jobs::ItemResult& result) {
     if (options.Json) return ModelJson(result);
     // What went well is no news to somebody who wants none.
@@ -109,9 +114,11 @@ void AddVerifyVerb(CLI::App& program, Invocation& invocation) {
       "verify", "Decompile models, compile them and decompile them again, and tell what has changed on the way");
   auto options = std::make_shared<Options>();
   verb->add_option("MODEL|DIRECTORY", options->Inputs,
-                   "Compiled models (.mdl, with .vvd and .vtx beside them), or folders")
+                   "Compiled models (.mdl, with .vvd and .vtx beside them), or folders; on the disk, in an archive "
+                   "(pak01_dir.vpk:models/crate.mdl), or in the game (game:models/crate.mdl)")
       ->required();
   verb->add_flag("-r,--recursive", options->Recursive, "Take every .mdl file below a DIRECTORY");
+  options->Directories.AddGameOption(*verb);
   verb->add_option("-j,--jobs", options->Jobs, "Models at a time")->check(CLI::Range(1, 1024))->capture_default_str();
   verb->add_flag("--details", options->Details, "Tell every difference, a line each, on standard error");
   verb->add_flag("--json", options->Json, "Print one JSON object a model, one a line, with every difference");

@@ -1,13 +1,19 @@
 #include "cli/view_verb.h"
 
 #include <CLI/CLI.hpp>
+#include <functional>
 #include <memory>
 #include <nlohmann/json.hpp>
 
+#include "cli/interrupt.h"
 #include "cli/tool_directories.h"
 #include "core/paths.h"
+#include "jobs/input_content.h"
+#include "jobs/scratch_directory.h"
+#include "jobs/unpacked_model.h"
 #include "tools/hlmv_command.h"
 #include "tools/tool_file.h"
+#include "tools/tool_run.h"
 
 namespace tarnwick::cli {
 
@@ -15,7 +21,8 @@ namespace {
 
 constexpr const char* Examples = R"(Examples:
   tarnwick-cli view props/crate.mdl
-  tarnwick-cli view --game ~/games/mod ~/games/mod/models/props/crate.mdl)";
+  tarnwick-cli view --game ~/games/mod ~/games/mod/models/props/crate.mdl
+  tarnwick-cli view pak01_dir.vpk:models/props/crate.mdl)";
 
 struct Options {
   std::string Model;
@@ -23,20 +30,13 @@ struct Options {
   ToolDirectories Directories;
 };
 
-int View(Options options, Invocation& invocation) {
-  options.Directories.FillFromSettings(invocation.Err);
-  const std::string& game = options.Directories.Game;
-  const std::string modelFile = tools::ModelFileOf(game, options.Model);
-  const std::string path = game + "/models/" + modelFile;
-  std::vector<std::string> warnings;
-  if (game.empty()) {
-    warnings.emplace_back("no game directory is set");
-  } else if (!core::FindIgnoringCase(path)) {
-    warnings.push_back("there is no model " + path);
-  }
+/// Starts hlmv; why it cannot be started.
+using Start = std::function<std::optional<process::SystemError>(const process::Command& command)>;
+
+int Show(const Options& options, const process::Command& command, const std::vector<std::string>& warnings,
+         const Start& start, Invocation& invocation) {
   for (const std::string& warning : warnings) invocation.Err << "Warning: " << warning << '\n';
-  const process::Command command = tools::HlmvCommand(options.Directories.Sdk, game, modelFile);
-  const auto error = tools::StartHlmv(command, options.Directories.Start());
+  const auto error = start(command);
   const std::string failure = error ? tools::HlmvErrorText(command) + ": " + error->Message : std::string();
   if (options.Json) {
     nlohmann::ordered_json json{{"model", options.Model},         {"outcome", error ? "failed" : "ok"},
@@ -54,12 +54,65 @@ int View(Options options, Invocation& invocation) {
   return ExitSuccess;
 }
 
+/// Shows a model that is in an archive or a game: hlmv gets a copy on the disk, which is there until it ends.
+int ViewUnpacked(const Options& options, Invocation& invocation) {
+  const jobs::InputContent content(options.Directories.Game);
+  const jobs::ScratchDirectory scratch;
+  std::string reason = scratch.Problem();
+  const auto path = scratch.Path().empty()
+                        ? std::nullopt
+                        : jobs::UnpackModel(options.Model, content.Files(), core::PathText(scratch.Path()), reason);
+  if (!path) {
+    if (options.Json) {
+      const nlohmann::ordered_json json{{"model", options.Model}, {"outcome", "failed"}, {"error", reason}};
+      invocation.Out << json.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace) << '\n';
+    }
+    invocation.Err << "Error: " << reason << '\n';
+    return ExitFailure;
+  }
+  std::vector<std::string> warnings;
+  if (options.Directories.Game.empty()) warnings.emplace_back("no game directory is set");
+  const InterruptFlag interrupt;
+  const auto run = [&](const process::Command& command) -> std::optional<process::SystemError> {
+    tools::ToolRunOptions how;
+    how.Start = options.Directories.Start();
+    how.Stop = interrupt.Token();
+    how.AnnounceStart = false;
+    how.MostMemory = 0;
+    const auto finished = tools::RunTool(tools::ToolRun::Vtf2tga, command, how);
+    return finished.Outcome.Failure ? std::optional(finished.Outcome.Failure->Error) : std::nullopt;
+  };
+  const auto command = tools::HlmvCommandForFile(options.Directories.Sdk, options.Directories.Game, *path);
+  return Show(options, command, warnings, run, invocation);
+}
+
+int View(Options options, Invocation& invocation) {
+  options.Directories.FillFromSettings(invocation.Err);
+  if (!jobs::IsOnDisk(options.Model)) return ViewUnpacked(options, invocation);
+  const std::string& game = options.Directories.Game;
+  const std::string modelFile = tools::ModelFileOf(game, options.Model);
+  const std::string path = game + "/models/" + modelFile;
+  std::vector<std::string> warnings;
+  if (game.empty()) {
+    warnings.emplace_back("no game directory is set");
+  } else if (!core::FindIgnoringCase(path)) {
+    warnings.push_back("there is no model " + path);
+  }
+  const auto start = [&](const process::Command& command) {
+    return tools::StartHlmv(command, options.Directories.Start());
+  };
+  return Show(options, tools::HlmvCommand(options.Directories.Sdk, game, modelFile), warnings, start, invocation);
+}
+
 }  // namespace
 
 void AddViewVerb(CLI::App& program, Invocation& invocation) {
   CLI::App* verb = program.add_subcommand("view", "Show a compiled model in the SDK's model viewer, hlmv");
   auto options = std::make_shared<Options>();
-  verb->add_option("MODEL", options->Model, "A model of the game: its path, or that below the game's models folder")
+  verb->add_option("MODEL", options->Model,
+                   "A model of the game: its path, or that below the game's models folder; or one in an archive "
+                   "(pak01_dir.vpk:models/crate.mdl) or anywhere in the game (game:models/crate.mdl), which is shown "
+                   "as a copy that is there until the viewer ends")
       ->required();
   options->Directories.AddOptions(*verb);
   verb->add_flag("--json", options->Json, "Print what was started, or why not, as a JSON object");

@@ -22,6 +22,7 @@ namespace {
 constexpr const char* Examples = R"(Examples:
   tarnwick-cli vtf -o brick.png brick.vtf
   tarnwick-cli vtf -o images --format png -r game/materials
+  tarnwick-cli vtf -o images -r hl2_textures_dir.vpk:materials/brick
   tarnwick-cli vtf info brick.vtf)";
 
 constexpr const char* InfoExamples = R"(Example:
@@ -93,6 +94,7 @@ int ListFormats(Invocation& invocation) {
 int ExportTextures(Options& options, Invocation& invocation) {
   options.Directories.FillFromSettings(invocation.Err);
   const jobs::ExportTextures job{.Inputs = options.Inputs,
+                                 .Content = options.Directories.ContentFor(options.Inputs, false, invocation.Err),
                                  .Output = options.Output,
                                  .Format = options.Format,
                                  .Recursive = options.Recursive,
@@ -121,7 +123,10 @@ int ExportTextures(Options& options, Invocation& invocation) {
 void AddVtfVerb(CLI::App& program, Invocation& invocation) {
   CLI::App* verb = program.add_subcommand("vtf", "Write textures as images");
   auto options = std::make_shared<Options>();
-  verb->add_option("INPUT", options->Inputs, "Textures (.vtf), or folders");
+  verb->add_option(
+      "INPUT", options->Inputs,
+      "Textures (.vtf), or folders; on the disk, in an archive (pak01_dir.vpk:materials/brick.vtf), or in the "
+      "game (game:materials/brick.vtf)");
   verb->add_option("-o,--output", options->Output,
                    "The image of one INPUT, its extension telling the format; or a folder, made if missing, for an "
                    "image named like each INPUT. Further frames and faces get numbers behind the name")
@@ -133,20 +138,25 @@ void AddVtfVerb(CLI::App& program, Invocation& invocation) {
   verb->add_option("-j,--jobs", options->Jobs, "Textures at a time")->check(CLI::Range(1, 1024))->capture_default_str();
   verb->add_flag("--keep-tga", options->KeepTga,
                  "Leave the TGA files that vtf2tga writes beside images of other formats");
-  options->Directories.AddSdkOptions(*verb);
+  options->Directories.AddOptions(*verb);
   verb->add_flag("--json", options->Json, "Print one JSON object a texture, one a line, on standard output");
   verb->add_flag("-q,--quiet", options->Quiet, "Print errors only");
   verb->add_flag("-v,--verbose", options->Verbose, "Print the command lines and what the tools say");
   verb->footer(Examples);
 
   CLI::App* info = verb->add_subcommand("info", "Print what textures hold: size, format, flags, frames, mip levels");
-  info->add_option("FILE", options->InfoFiles, "Textures (.vtf)")->required();
+  info->add_option("FILE", options->InfoFiles, "Textures (.vtf), on the disk, in an archive or in the game")
+      ->required();
+  options->Directories.AddGameOption(*info);
   info->add_flag("--json", options->Json, "Print one JSON object a texture, one a line");
   info->footer(InfoExamples);
 
   verb->callback([options, info, &invocation] {
     if (info->parsed()) {
-      invocation.Run = [options, &invocation] { return PrintVtfInfo(options->InfoFiles, options->Json, invocation); };
+      invocation.Run = [options, &invocation] {
+        const auto content = options->Directories.ContentFor(options->InfoFiles, false, invocation.Err);
+        return PrintVtfInfo(options->InfoFiles, options->Json, *content, invocation);
+      };
     } else if (options->ListFormats) {
       invocation.Run = [&invocation] { return ListFormats(invocation); };
     } else if (options->Inputs.empty()) {

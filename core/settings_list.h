@@ -69,6 +69,7 @@ TEXT_SETTING(LastMdlFile, DecompilerSection, "LastMDLFile", "")
 NUMBER_SETTING(CheckBoxSettings, DecompilerSection, "CheckBoxSettings", 1)  // 2 and 4: the two boxes
 NUMBER_SETTING(ReadyToCompile, DecompilerSection, "ReadyToCompile", 1)
 NUMBER_SETTING(ModelAnimations, DecompilerSection, "Animations", 1)
+NUMBER_SETTING(ModelMaterials, DecompilerSection, "Materials", 0)
 NUMBER_SETTING(ModelPhysics, DecompilerSection, "Physics", 1)
 NUMBER_SETTING(OwnModelFolders, DecompilerSection, "Own Model Folders", 1)
 TEXT_SETTING(RecentModels, DecompilerSection, "Recent Models", "")            // one a line, newest first

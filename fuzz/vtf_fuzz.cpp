@@ -3,11 +3,11 @@
 #include <cstdlib>
 #include <vector>
 
-#include "sdk/vtf_info.h"
 #include "support/pixel_reference.h"
 #include "textures/pixel_rows.h"
 #include "textures/tga_writer.h"
 #include "textures/vtf_file.h"
+#include "textures/vtf_info_text.h"
 
 using namespace tarnwick;
 using namespace tarnwick::textures;
@@ -43,7 +43,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (vtf.has_value() != reason.empty()) std::abort();
   if (!vtf) return 0;
   const VtfInfo& info = vtf->Info();
-  if (sdk::VtfInfoText("x", info).empty() || sdk::VtfInfoJson("\xFF", info).empty()) std::abort();
+  if (VtfInfoText("x", info).empty() || VtfInfoJson("\xFF", info).empty()) std::abort();
   for (int mip = 0; mip < info.MipLevels; ++mip) {
     const VtfImagePlace places[] = {{mip, 0, 0, 0},
                                     {mip, info.Frames - 1, info.Faces - 1, MipSize(info.Depth, mip) - 1}};

@@ -7,12 +7,28 @@
 #include "core/paths.h"
 #include "jobs/input_files.h"
 #include "jobs/made_folder.h"
+#ifdef TARNWICK_HAS_IMAGES
+#include "jobs/model_materials.h"
+#endif
 
 namespace tarnwick::jobs {
 
 namespace {
 
 constexpr std::string_view ModelExtension = ".mdl";
+
+/// Writes the materials of the item's model, which is decompiled.
+void CopyMaterials([[maybe_unused]] const DecompileTree& job, [[maybe_unused]] const InputContent& content,
+                   [[maybe_unused]] ItemRun& run) {
+#ifdef TARNWICK_HAS_IMAGES
+  images::ImageWorker worker;
+  worker.StopWith(run.Stop);
+  CopyModelMaterials({run.Result.Source, run.Result.Target, job.MaterialFormat}, content.Files(), worker, run);
+  if (run.Stop.stop_requested()) run.Fail(core::TroubleKind::Stopped, "stopped");
+#else
+  run.Fail(core::TroubleKind::Unknown, "this build of the program cannot write materials");
+#endif
+}
 
 void DecompileOne(const DecompileTree& job, const InputContent& content, ItemRun& run) {
   MadeFolder folder;
@@ -44,6 +60,7 @@ void DecompileOne(const DecompileTree& job, const InputContent& content, ItemRun
   if (!result.Completed && run.Result.First(core::Severity::Error) == nullptr) {
     run.Fail(core::TroubleKind::Lost, "it did not come to its end");
   }
+  if (result.Completed && !job.MaterialFormat.empty()) CopyMaterials(job, content, run);
 }
 
 }  // namespace

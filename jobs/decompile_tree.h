@@ -21,6 +21,7 @@ struct DecompileTree {
   bool Recursive = false;                                        // also the folders below a folder
   bool OwnFolders = false;                                       // a folder of its own also for a single model
   uint32_t Options = decompiler::DecompileOptionReadyToCompile;  // DecompileOption bits
+  std::string MaterialFormat = {};  // "tga" or "png": write materials too, and their textures so; "" for neither
   int Threads = 1;
   bool OneByOne = false;  // one model after the other, with all threads on each
 };
@@ -31,8 +32,9 @@ struct DecompileTree {
 [[nodiscard]] JobPlan Plan(const DecompileTree& job);
 
 /// Decompiles every model. What goes with one in an archive is taken from the same archive, or else through the search
-/// paths of the game. Missing directories are made when a model is there; one that stays empty goes again. A
-/// failure ends no other model.
+/// paths of the game. With a MaterialFormat the materials
+/// follow, below the folder "materials" of each model's directory; one that is missing is a warning. Missing
+/// directories are made when a model is there; one that stays empty goes again. A failure ends no other model.
 JobResult Run(const DecompileTree& job, Host& host, const std::stop_token& stop);
 
 }  // namespace tarnwick::jobs

@@ -6,6 +6,7 @@
 #include <random>
 #include <utility>
 
+#include "core/output_file.h"
 #include "core/paths.h"
 #include "images/image_format.h"
 #include "images/tga_path.h"
@@ -15,8 +16,10 @@
 #include "jobs/logged_warning.h"
 #include "jobs/made_folder.h"
 #include "jobs/not_begun.h"
+#include "jobs/scratch_directory.h"
 #include "jobs/texture_images.h"
 #include "jobs/written_anew.h"
+#include "textures/texture_export.h"
 #include "tools/run_checks.h"
 #include "tools/sdk_tools.h"
 #include "tools/tool_run.h"
@@ -131,7 +134,7 @@ class TgaPlace {
 class Export {
  public:
   Export(const ExportTextures& job, const images::ImageWorker& worker, ItemRun& run)
-      : m_job(job), m_worker(worker), m_run(run), m_log(run, run.Result.Shown) {}
+      : m_job(job), m_worker(worker), m_run(run), m_log(run, run.Result.Shown), m_input(run.Result.Source) {}
 
   void Work() {
     const std::string& target = m_run.Result.Target;
@@ -141,13 +144,10 @@ class Export {
     if (!problem.empty()) return m_run.Fail(core::TroubleKind::Unwritable, problem, target);
 
     const std::string tga = place.FirstFile(target);
-    const tools::FinishedRun finished = RunTool(tga);
-    if (m_run.Stop.stop_requested()) return m_run.Fail(core::TroubleKind::Stopped, "stopped");
-    if (finished.Outcome.Failure) return tools::ReportFatalSystemError(*finished.Outcome.Failure, m_run);
+    const TextureImages texture(m_input, m_job.Content->Files());
+    const bool wrote = IsOnDisk(m_input) ? WriteTgaByTool(place, tga) : WriteTgaOfArchive(place, tga, texture);
+    if (!wrote) return;
     const std::vector<fs::path> files = place.Written();
-    const bool failed = finished.Outcome.End && finished.Outcome.End->ExitCode != 0;
-    if (files.empty() || failed) return TellToolFailure(finished);
-    const TextureImages texture(m_run.Result.Source);
     for (const fs::path& file : files) {
       if (!PlaceImage(file, place.Stem(), texture)) break;
     }
@@ -155,6 +155,52 @@ class Export {
   }
 
  private:
+  /// Runs the tool, and tells if it does not leave what it should.
+  bool WriteTgaByTool(const TgaPlace& place, const std::string& tga) {
+    const tools::FinishedRun finished = RunTool(tga);
+    const bool failed = finished.Outcome.End && finished.Outcome.End->ExitCode != 0;
+    if (m_run.Stop.stop_requested()) {
+      m_run.Fail(core::TroubleKind::Stopped, "stopped");
+    } else if (finished.Outcome.Failure) {
+      tools::ReportFatalSystemError(*finished.Outcome.Failure, m_run);
+    } else if (place.Written().empty() || failed) {
+      TellToolFailure(finished);
+    } else {
+      return true;
+    }
+    return false;
+  }
+
+  /// Writes what a texture in an archive holds: what our own tool would write, without it; for the SDK's tool the
+  /// texture is laid on the disk as long as that runs.
+  bool WriteTgaOfArchive(const TgaPlace& place, const std::string& tga, const TextureImages& texture) {
+    const std::string name = m_run.Result.Source;
+    const auto fail = [&](core::TroubleKind kind, const std::string& problem, const std::string& file) {
+      m_run.Fail(kind, file + ": " + problem, file);
+      return false;
+    };
+    if (!texture.IsRead()) return fail(core::TroubleKind::Unreadable, texture.Problem(), name);
+    std::string problem = texture.Problem();
+    if (tools::ToolInUse(m_job.SdkDirectory, tools::Vtf2tga).StandsIn) {
+      if (texture.Texture() == nullptr) return fail(core::TroubleKind::Damaged, problem, name);
+      const auto written = [&](const std::string& file, const auto& image, auto) {
+        m_log.Log(std::string(core::LastComponent(file)) + ": " + std::to_string(image.Width) + " x " +
+                  std::to_string(image.Height) + " of " + name + "\r\n");
+      };
+      if (textures::ExportTexture(*texture.Texture(), 0, tga, written, problem)) return true;
+      m_run.Fail(core::TroubleKind::Unwritable, problem, tga);
+      return false;
+    }
+    const ScratchDirectory scratch;
+    if (scratch.Path().empty()) return fail(core::TroubleKind::Unwritable, scratch.Problem(), "temporary files");
+    m_input = core::PathText(scratch.Path() / "texture.vtf");
+    auto file = core::OutputFile::Create(m_input, &problem);
+    if (!file) return fail(core::TroubleKind::Unwritable, problem, m_input);
+    file->Write({reinterpret_cast<const char*>(texture.Bytes().data()), texture.Bytes().size()});
+    if (!file->Commit()) return fail(core::TroubleKind::Unwritable, file->Error(), m_input);
+    return WriteTgaByTool(place, tga);
+  }
+
   /// Has the target's folder made. False if it is not there and cannot be had.
   bool MakeFolder() {
     const std::string folder = FolderOf(m_run.Result.Target);
@@ -175,14 +221,14 @@ class Export {
 
   tools::FinishedRun RunTool(const std::string& tga) {
     const process::Command command =
-        tools::Vtf2tgaCommand(tools::ToolInUse(m_job.SdkDirectory, tools::Vtf2tga).Directory, m_run.Result.Source, tga);
+        tools::Vtf2tgaCommand(tools::ToolInUse(m_job.SdkDirectory, tools::Vtf2tga).Directory, m_input, tga);
     tools::ToolRunOptions options;
     options.Start = m_job.Start;
     options.Stop = m_run.Stop;
     options.AnnounceStart = false;
     options.OnText = [this](std::string_view text) { m_run.ToolText(text); };
     std::string warnings;
-    for (const std::string& warning : tools::CheckVtf2tgaRun(m_run.Result.Source, tga)) {
+    for (const std::string& warning : tools::CheckVtf2tgaRun(m_input, tga)) {
       warnings += "\r\n" + TellLoggedWarning(m_run, warning);
     }
     m_run.Command(command.Line());
@@ -244,12 +290,13 @@ class Export {
   const images::ImageWorker& m_worker;
   ItemRun& m_run;
   KeepingReport m_log;
+  std::string m_input;  // what the tool reads
   MadeFolder m_folder;
 };
 
 /// The files that stand where those of an item go, but for its target, if `targetIsNamed`.
-std::vector<std::string> InTheWay(const PlannedItem& item, bool targetIsNamed) {
-  const TextureImages texture(item.Input);
+std::vector<std::string> InTheWay(const PlannedItem& item, bool targetIsNamed, const core::FileSource& source) {
+  const TextureImages texture(item.Input, source);
   std::vector<std::string> found;
   for (const std::string& path : texture.PathsFor(item.Target)) {
     const std::string tga = WithEnding(path, DefaultFormat);
@@ -260,11 +307,11 @@ std::vector<std::string> InTheWay(const PlannedItem& item, bool targetIsNamed) {
 }
 
 /// Whether the job may replace what stands in its way.
-bool MayReplace(const JobPlan& plan, bool targetIsNamed, Host& host) {
+bool MayReplace(const JobPlan& plan, bool targetIsNamed, const core::FileSource& source, Host& host) {
   size_t items = 0;
   std::vector<std::string> files;
   for (const PlannedItem& item : plan.Items) {
-    const auto found = InTheWay(item, targetIsNamed);
+    const auto found = InTheWay(item, targetIsNamed, source);
     items += found.empty() ? 0u : 1u;
     files.insert(files.end(), found.begin(), found.end());
   }
@@ -278,13 +325,25 @@ bool MayReplace(const JobPlan& plan, bool targetIsNamed, Host& host) {
   return host.Ask({.Kind = QuestionKind::Overwrite, .Text = text, .Caption = BoxCaption, .Assumed = true});
 }
 
+core::Trouble NoPlaceBeside(const std::string& input) {
+  return {.Kind = core::TroubleKind::Refused,
+          .File = input,
+          .Text = input + ": an image cannot be put beside a texture in an archive; name a file or a folder for it",
+          .Alike = "an image cannot be put beside a texture in an archive"};
+}
+
 }  // namespace
 
 JobPlan Plan(const ExportTextures& job) {
   JobPlan plan;
   std::error_code ignored;
+  const auto content = ContentOf(job);
   if (job.Place == ImagePlace::ExactlyOutput) {
     for (const std::string& input : job.Inputs) {
+      if (job.Output.empty() && !IsOnDisk(input)) {
+        plan.Troubles.push_back(NoPlaceBeside(input));
+        continue;
+      }
       const std::string target = job.Output.empty() ? tools::SuggestOutputName(input) : job.Output;
       plan.Items.push_back({input, EndingOf(target).empty() ? WithEnding(target, DefaultFormat) : target});
     }
@@ -292,16 +351,20 @@ JobPlan Plan(const ExportTextures& job) {
   }
   const std::string ending = EndingOf(job.Output);
   const fs::path output = core::NativePath(job.Output);
-  const bool oneFile = job.Inputs.size() == 1 && !fs::is_directory(core::NativePath(job.Inputs[0]), ignored);
+  InputFiles found = FindInputFiles(job.Inputs, TextureExtension, job.Recursive, content->Files());
+  plan.Troubles = std::move(found.Troubles);
+  const bool oneFile = job.Inputs.size() == 1 && found.Files.size() == 1 && !found.Files[0].Listed;
   if (job.Place == ImagePlace::Output && oneFile && !ending.empty() && job.Format.empty() &&
       !fs::is_directory(output, ignored)) {
     plan.Items.push_back({job.Inputs[0], job.Output});
     return plan;
   }
-  InputFiles found = FindInputFiles(job.Inputs, TextureExtension, job.Recursive, ContentOf(job)->Files());
-  plan.Troubles = std::move(found.Troubles);
   UniqueNames names;
   for (const InputFile& file : found.Files) {
+    if (job.Place == ImagePlace::BesideInput && !IsOnDisk(file.Path)) {
+      plan.Troubles.push_back(NoPlaceBeside(file.Path));
+      continue;
+    }
     if (job.Place == ImagePlace::BesideInput) {
       const std::string lower = core::LowerAscii(ending);
       const bool noImage = lower.empty() || lower == "vtf" || lower == "vmt";
@@ -315,12 +378,14 @@ JobPlan Plan(const ExportTextures& job) {
   return plan;
 }
 
-JobResult Run(const ExportTextures& job, Host& host, const std::stop_token& stop) {
+JobResult Run(const ExportTextures& given, Host& host, const std::stop_token& stop) {
+  ExportTextures job = given;
+  job.Content = ContentOf(given);
   const JobPlan plan = Plan(job);
   const tools::ToolChoice tool = tools::ToolInUse(job.SdkDirectory, tools::Vtf2tga);
   const auto missing = tools::MissingTool(tools::SdkToolPath(tool.Directory, tools::Vtf2tga), tools::Vtf2tga);
   if (missing && !plan.Items.empty()) return NotBegun(plan, *missing, host);
-  if (job.KeepTga && !MayReplace(plan, job.Place == ImagePlace::ExactlyOutput, host)) {
+  if (job.KeepTga && !MayReplace(plan, job.Place == ImagePlace::ExactlyOutput, job.Content->Files(), host)) {
     return NotBegun(plan, NotWanted(), host);
   }
   if (tool.StandsIn)
@@ -329,7 +394,10 @@ JobResult Run(const ExportTextures& job, Host& host, const std::stop_token& stop
   worker.ReadFamiliarOnly(!job.UncommonFormats);
   worker.StopWith(stop);
   const int threads = job.KeepTga ? 1 : job.Threads;
-  return RunItems(plan, {threads, threads}, host, stop, [&](size_t, ItemRun& run) { Export(job, worker, run).Work(); });
+  return RunItems(plan, {threads, threads}, host, stop, [&](size_t, ItemRun& run) {
+    Export(job, worker, run).Work();
+    for (const core::Trouble& trouble : job.Content->TakeTroubles()) run.Tell(trouble);
+  });
 }
 
 }  // namespace tarnwick::jobs

@@ -14,4 +14,8 @@ void InputContent::Tell(const core::Trouble& trouble) {
   m_troubles.push_back(trouble);
 }
 
+bool IsOnDisk(const std::string& name) {
+  return archives::ReadContentName(name).Where == archives::ContentName::Place::Disk;
+}
+
 }  // namespace tarnwick::jobs

@@ -31,6 +31,9 @@ class InputContent : private core::TroubleSink {
   const archives::ContentFiles m_files;
 };
 
+/// Whether `name` is a path, and no name in an archive or a game.
+bool IsOnDisk(const std::string& name);
+
 /// What the job was given, or a content without a game.
 template <typename Job>
 std::shared_ptr<InputContent> ContentOf(const Job& job) {

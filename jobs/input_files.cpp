@@ -5,6 +5,7 @@
 
 #include "archives/safe_name.h"
 #include "core/paths.h"
+#include "jobs/input_content.h"
 
 namespace tarnwick::jobs {
 
@@ -112,8 +113,7 @@ InputFiles FindInputFiles(const std::vector<std::string>& inputs, std::string_vi
       found.Troubles.push_back(
           {.Kind = core::TroubleKind::Unreadable, .File = input, .Text = input + ": " + reason, .Alike = reason});
     } else {
-      const bool onDisk = archives::ReadContentName(input).Where == archives::ContentName::Place::Disk;
-      AddFile(found, {input, std::string(core::LastComponent(inside))}, extension, onDisk);
+      AddFile(found, {input, std::string(core::LastComponent(inside))}, extension, IsOnDisk(input));
     }
   }
   return found;

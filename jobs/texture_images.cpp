@@ -3,12 +3,13 @@
 #include "core/output_file.h"
 #include "textures/dds_writer.h"
 #include "textures/texture_export.h"
+#include "textures/vtf_info_text.h"
 
 namespace tarnwick::jobs {
 
-TextureImages::TextureImages(const std::string& path) : m_file(core::FileImage::Read(path)) {
-  std::string ignored;
-  if (m_file) m_texture = textures::VtfFile::Open(m_file->View(), ignored);
+TextureImages::TextureImages(const std::string& name, const core::FileSource& files)
+    : m_file(files.Read(name, &m_problem)) {
+  if (m_file) m_texture = textures::VtfFile::Open(m_file->View(), m_problem);
 }
 
 std::vector<textures::VtfImagePlace> TextureImages::Places() const {
@@ -51,6 +52,15 @@ bool TextureImages::WriteDds(const std::string& name, const std::string& first, 
     return false;
   }
   return false;
+}
+
+std::optional<std::string> TextureFacts(const std::string& name, const core::FileSource& files, bool json,
+                                        std::string& reason) {
+  const TextureImages texture(name, files);
+  reason = texture.Problem();
+  if (texture.Texture() == nullptr) return std::nullopt;
+  const textures::VtfInfo& info = texture.Texture()->Info();
+  return json ? textures::VtfInfoJson(name, info) : textures::VtfInfoText(name, info);
 }
 
 }  // namespace tarnwick::jobs

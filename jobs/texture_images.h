@@ -2,10 +2,11 @@
 
 #include <map>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
-#include "core/file_image.h"
+#include "core/file_source.h"
 #include "textures/vtf_file.h"
 
 namespace tarnwick::jobs {
@@ -13,8 +14,15 @@ namespace tarnwick::jobs {
 /// What the program itself can tell of a texture that a tool exports.
 class TextureImages {
  public:
-  /// Reads the texture at `path`; one that is not understood has no images.
-  explicit TextureImages(const std::string& path);
+  /// Reads the texture of that name from `files`; one that is not understood has no images.
+  TextureImages(const std::string& name, const core::FileSource& files);
+
+  /// Null if it is not understood; `Problem` tells why.
+  const textures::VtfFile* Texture() const { return m_texture ? &*m_texture : nullptr; }
+  const std::string& Problem() const { return m_problem; }
+  /// The bytes of the file; empty if it cannot be read.
+  std::span<const std::byte> Bytes() const { return m_file ? m_file->Bytes() : std::span<const std::byte>(); }
+  bool IsRead() const { return m_file.has_value(); }
 
   /// The files that all its images go to, the first of which goes to `path` (see textures::ExportPath); `path` alone
   /// where the texture is not understood.
@@ -29,8 +37,14 @@ class TextureImages {
  private:
   std::vector<textures::VtfImagePlace> Places() const;
 
+  std::string m_problem;
   std::optional<core::FileImage> m_file;
   std::optional<textures::VtfFile> m_texture;
 };
+
+/// The facts of the texture of that name, as lines or as a JSON object (`textures::VtfInfoText`, `VtfInfoJson`);
+/// nothing, with `reason`, if it cannot be read.
+std::optional<std::string> TextureFacts(const std::string& name, const core::FileSource& files, bool json,
+                                        std::string& reason);
 
 }  // namespace tarnwick::jobs

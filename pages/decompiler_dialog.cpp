@@ -95,6 +95,7 @@ void CDecompilerDialog::OnInitDialog() {
   m_ui->physicsCheck->setEnabled(m_ui->readyCheck->isChecked());
   m_ui->animationsCheck->setChecked(setting::ModelAnimations.Read(Settings()) != 0);
   m_ui->animationsCheck->setEnabled(m_ui->readyCheck->isChecked());
+  m_ui->materialsCheck->setChecked(setting::ModelMaterials.Read(Settings()) != 0);
   m_ui->ownFoldersCheck->setChecked(setting::OwnModelFolders.Read(Settings()) != 0 && m_ui->readyCheck->isChecked());
   OfferRecentPaths();
 }
@@ -169,6 +170,8 @@ void CDecompilerDialog::OnExtract() {
   job.OneByOne = true;
   job.Threads = std::max(static_cast<int>(std::thread::hardware_concurrency()), 2);
   job.Options = 0;
+  job.Content = std::make_shared<jobs::InputContent>(setting::GameDirectory.Read(Settings()));
+  if (m_ui->materialsCheck->isChecked()) job.MaterialFormat = "tga";
   int32_t kept = 0;
   if (m_ui->unweightedCheck->isChecked()) {
     job.Options |= decompiler::DecompileOptionUnweightedSmd;
@@ -185,6 +188,7 @@ void CDecompilerDialog::OnExtract() {
   setting::ReadyToCompile.Write(Settings(), m_ui->readyCheck->isChecked() ? 1 : 0);
   setting::ModelPhysics.Write(Settings(), m_ui->physicsCheck->isChecked() ? 1 : 0);
   setting::ModelAnimations.Write(Settings(), m_ui->animationsCheck->isChecked() ? 1 : 0);
+  setting::ModelMaterials.Write(Settings(), m_ui->materialsCheck->isChecked() ? 1 : 0);
   setting::OwnModelFolders.Write(Settings(), job.OwnFolders ? 1 : 0);
   for (const std::string& path : job.Inputs) RememberPath(Settings(), setting::RecentModels, path);
   RememberPath(Settings(), setting::RecentDirectories, job.OutputDirectory);
@@ -199,7 +203,9 @@ void CDecompilerDialog::OnExtract() {
 
 void CDecompilerDialog::OnVerify() {
   if (m_job.IsRunning() || m_status.Models().empty()) return;
-  const jobs::VerifyModels job{.Inputs = m_status.Models(), .Threads = 1};
+  const jobs::VerifyModels job{.Inputs = m_status.Models(),
+                               .Content = std::make_shared<jobs::InputContent>(setting::GameDirectory.Read(Settings())),
+                               .Threads = 1};
   m_status.BeginVerifying();
   m_job.Start([job](jobs::Host& host, const std::stop_token& stop) { jobs::Run(job, host, stop); },
               {.Bar = &m_status.Bar(), .OnEvent = [this](const jobs::Event& event) { m_status.Show(event); }});

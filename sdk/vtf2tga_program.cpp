@@ -7,9 +7,9 @@
 #include "core/file_image.h"
 #include "core/paths.h"
 #include "sdk/tool_console.h"
-#include "sdk/vtf_info.h"
 #include "textures/texture_export.h"
 #include "textures/vtf_file.h"
+#include "textures/vtf_info_text.h"
 
 namespace tarnwick::sdk {
 

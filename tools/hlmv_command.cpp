@@ -28,9 +28,14 @@ std::string PathBelow(const std::string& models, std::string_view model) {
 
 process::Command HlmvCommand(std::string_view sdkDirectory, std::string_view gameDirectory,
                              std::string_view modelFile) {
+  return HlmvCommandForFile(sdkDirectory, gameDirectory,
+                            std::string(gameDirectory) + "/models/" + std::string(modelFile));
+}
+
+process::Command HlmvCommandForFile(std::string_view sdkDirectory, std::string_view gameDirectory,
+                                    const std::string& path) {
   process::Command command{std::string(sdkDirectory) + core::PathSeparator + "hlmv.exe"};
-  const std::string game(gameDirectory);
-  command.Word("-game").InQuotes(game).InQuotes(game + "/models/" + std::string(modelFile));
+  command.Word("-game").InQuotes(std::string(gameDirectory)).InQuotes(path);
   return command;
 }
 

@@ -12,6 +12,10 @@ namespace tarnwick::tools {
 /// The call of hlmv that shows `modelFile`, which is relative to the game's models directory.
 process::Command HlmvCommand(std::string_view sdkDirectory, std::string_view gameDirectory, std::string_view modelFile);
 
+/// The call that shows the model at `path`, wherever that lies.
+process::Command HlmvCommandForFile(std::string_view sdkDirectory, std::string_view gameDirectory,
+                                    const std::string& path);
+
 /// Starts hlmv without waiting for it. A failure is told by the system's error.
 std::optional<process::SystemError> StartHlmv(const process::Command& command, const StartSettings& settings);
 

@@ -4,7 +4,7 @@
 
 #include "textures/vtf_file.h"
 
-namespace tarnwick::sdk {
+namespace tarnwick::textures {
 
 /// The facts of a texture as lines "key: value\n", always the same keys in the same order:
 ///
@@ -25,12 +25,12 @@ namespace tarnwick::sdk {
 ///
 /// The words in the brackets of `flags` are missing where no bit has a name; the last value is "none" where there is
 /// no such image.
-std::string VtfInfoText(const std::string& file, const textures::VtfInfo& info);
+std::string VtfInfoText(const std::string& file, const VtfInfo& info);
 
 /// The same as a JSON object, ended by "\n". Its keys are file, version (text), width, height, depth, format,
 /// flags (number), flagNames (array of texts), frames, firstFrame, faces, mipLevels, reflectivity (array of 3),
 /// bumpScale, lowResolutionImage (null, or an object of format, width, height). A number that JSON cannot hold
 /// (infinite, not a number) is null.
-std::string VtfInfoJson(const std::string& file, const textures::VtfInfo& info);
+std::string VtfInfoJson(const std::string& file, const VtfInfo& info);
 
-}  // namespace tarnwick::sdk
+}  // namespace tarnwick::textures

@@ -1,12 +1,10 @@
-#include "sdk/vtf_info.h"
+#include "textures/vtf_info_text.h"
 
 #include <cstdio>
 #include <nlohmann/json.hpp>
 #include <vector>
 
-namespace tarnwick::sdk {
-
-using namespace textures;
+namespace tarnwick::textures {
 
 namespace {
 
@@ -89,4 +87,4 @@ std::string VtfInfoJson(const std::string& file, const VtfInfo& info) {
   return json.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
 }
 
-}  // namespace tarnwick::sdk
+}  // namespace tarnwick::textures
