@@ -186,6 +186,7 @@ struct StudioAutoLayer {
   float Start, Peak, Tail, End;  // 0x08 parts of the sequence; all 0 for its whole length
 };
 static_assert(sizeof(StudioAutoLayer) == 24);
+inline constexpr uint32_t LayerFlagLocal = 0x1000;  // supposed: the layer has a time of its own
 inline constexpr uint32_t SequenceFlagLooping = 0x1;
 inline constexpr uint32_t SequenceFlagDelta = 0x4;
 inline constexpr uint32_t SequenceFlagAutoplay = 0x8;

@@ -21,6 +21,7 @@ enum WalkerBone : uint8_t {
   LeftThigh,
   LeftCalf,
   LeftFoot,
+  Plume,
 };
 
 /// Its materials.

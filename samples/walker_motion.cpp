@@ -3,6 +3,8 @@
 #include <cmath>
 #include <functional>
 #include <numbers>
+#include <string>
+#include <utility>
 
 #include "model/animation_records.h"
 #include "walker.h"
@@ -91,11 +93,26 @@ AnimationDescription Nod() {
   return nod;
 }
 
+/// The head turned to a side and up or down, one frame: a place of the grid of `look`.
+AnimationDescription Look(const char* name, double yaw, double pitch) {
+  BoneAnimDescription head{.Bone = Head};
+  const auto held = [](double radians) { return Sample([=](double) { return radians; }, 1, RotationScale); };
+  head.RotationRuns = std::array<AxisRuns, 3>{AxisRuns{}, held(pitch), held(yaw)};
+  return {.Name = name, .FrameCount = 1, .Data = {.Bones = {head}}};
+}
+
 }  // namespace
 
 void AddWalkerMotion(tests::ModelBuilder& model) {
   using namespace model;
   model.Animations = {Idle(), Walk(), Nod()};
+  for (const auto& [row, pitch] : {std::pair{"up", -0.4}, {"ahead", 0.0}, {"down", 0.4}}) {
+    for (const auto& [column, yaw] : {std::pair{"left", 0.9}, {"middle", 0.0}, {"right", -0.9}}) {
+      model.Animations.push_back(Look((std::string("look_") + row + "_" + column).c_str(), yaw, pitch));
+    }
+  }
+  model.PoseParameters = {{.Name = "look_yaw", .Start = -50, .End = 50},
+                          {.Name = "look_pitch", .Start = -25, .End = 25}};
   model.Sequences = {
       {.Label = "idle", .Activity = "ACT_IDLE", .ActivityWeight = 1, .Flags = SequenceFlagLooping, .Blends = {0}},
       {.Label = "walk",
@@ -106,7 +123,23 @@ void AddWalkerMotion(tests::ModelBuilder& model) {
                   {.Cycle = 0.75f, .Event = 6004, .Options = "walker.step_right"}},
        .Blends = {1}},
       {.Label = "nod", .Flags = SequenceFlagDelta, .Blends = {2}},
+      // Places evenly from left to right, then from up to down.
+      {.Label = "look",
+       .Blends = {3, 4, 5, 6, 7, 8, 9, 10, 11},
+       .BlendSize = {3, 3},
+       .PoseParameter = {0, 1},
+       .PoseStart = {50, -25},
+       .PoseEnd = {-50, 25},
+       .PoseKeys = {50, 0, -50, -25, 0, 25}},
+      // Nods once while it walks: the nod comes in over 6 frames and is gone at the end.
+      {.Label = "walk_nodding",
+       .Activity = "ACT_WALK_RELAXED",
+       .ActivityWeight = 1,
+       .Flags = SequenceFlagLooping,
+       .Blends = {1},
+       .Layers = {{2, 0, 0, 0, 0.25f, 0.75f, 1}}},
   };
+  for (auto& sequence : model.Sequences) sequence.FadeIn = sequence.FadeOut = 0.2f;
 }
 
 }  // namespace tarnwick::samples

@@ -97,7 +97,10 @@ std::vector<BoneWeight> Between(uint8_t a, uint8_t b) {
 }
 
 std::vector<Tube> ClothTubes() {
-  std::vector<Tube> tubes = {{{{0, 0, 57}, 2.5f, 3, Only(Spine)},
+  std::vector<Tube> tubes = {{{{0, 0, 80}, 0.4f, 0.8f, Only(Plume)},
+                              {{0, 0, 76}, 0.7f, 1.6f, Only(Plume)},
+                              {{0, 0, 71.8f}, 0.6f, 0.6f, Between(Head, Plume)}},
+                             {{{0, 0, 57}, 2.5f, 3, Only(Spine)},
                               {{0, 0, 55}, 4.5f, 8, Only(Spine)},
                               {{0, 0, 46}, 4, 6, {{Spine, 0.75f}, {Pelvis, 0.25f}}},
                               {{0, 0, 40}, 3.5f, 5.5f, Between(Spine, Pelvis)},
@@ -173,6 +176,19 @@ MeshDescription MakeMesh(int material, const AddFunction& add, std::vector<int32
   return mesh;
 }
 
+/// The plume on the head bends up to 40 degrees and swings back.
+model::StudioJiggleBone SpringyPlume() {
+  model::StudioJiggleBone plume{};
+  plume.Flags = model::JiggleFlagFlexible | model::JiggleFlagAngleLimit | model::JiggleFlagKeepLength;
+  plume.Length = 8;
+  plume.TipMass = 4;
+  plume.YawStiffness = plume.PitchStiffness = 60;
+  plume.YawDamping = plume.PitchDamping = 3;
+  plume.AlongStiffness = 100;
+  plume.AngleLimit = static_cast<float>(40 * std::numbers::pi / 180);
+  return plume;
+}
+
 }  // namespace
 
 std::vector<tests::BoneDescription> WalkerBones() {
@@ -190,6 +206,7 @@ std::vector<tests::BoneDescription> WalkerBones() {
       {.Name = "thigh_L", .Parent = Pelvis, .Position = {0, 3.2f, -1}},
       {.Name = "calf_L", .Parent = LeftThigh, .Position = {0, 0, -16}},
       {.Name = "foot_L", .Parent = LeftCalf, .Position = {0, 0, -16}},
+      {.Name = "plume", .Parent = Head, .Position = {0, 0, 14}, .Jiggle = SpringyPlume()},
   };
   for (auto& bone : bones) bone.RotationScale = {0.0001f, 0.0001f, 0.0001f};
   return bones;

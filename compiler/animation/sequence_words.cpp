@@ -221,9 +221,8 @@ class SequenceWords {
       layer.End = PartOf(Number(word, 4));
     }
     for (const Option& option : word.Options) {
-      constexpr uint32_t LayerFlagLocal = 0x1000;
       if (option.Kind == Key::Local) {
-        layer.Flags |= LayerFlagLocal;
+        layer.Flags |= model::LayerFlagLocal;
       } else {
         NotBuilt(option);
       }

@@ -1,6 +1,7 @@
 #include "decompiler/sources/animations.h"
 
 #include <algorithm>
+#include <set>
 
 #include "decompiler/sources/script_values.h"
 #include "decompiler/stages/animation_file.h"
@@ -201,7 +202,7 @@ std::string Animations::TravelWords(const core::Record<StudioAnimDesc>& animatio
       axes += " " + std::string(axis.Word);
       left &= ~axis.Flag;
     }
-    if (left != 0 || axes.empty()) m_job.Lose("turns of movements");
+    if (left != 0 || axes.empty() || part->Angle != 0) m_job.Lose("turns of movements");
     if (!axes.empty()) words += "  walkframe " + std::to_string(part->LastFrame) + axes + "\n";
   }
   return words;
@@ -209,8 +210,9 @@ std::string Animations::TravelWords(const core::Record<StudioAnimDesc>& animatio
 
 std::string Animations::IkRuleWords(const core::Record<StudioAnimDesc>& animation) {
   std::string words;
-  if (animation->IkRuleCount == 0) return words;
   const auto header = m_job.Model.Header();
+  // A compile makes rules of its own for chains that have none.
+  if (animation->IkRuleCount == 0) return header->IkChainCount > 0 ? "  noautoik\n" : words;
   const auto chains = m_job.Model.View().Array<StudioIkChain>(header->IkChainOffset, header->IkChainCount);
   const auto rules = IkRulesOf(m_job, animation);
   if (!rules || !chains || !m_job.Spend(rules->Count() * RecordCost)) {
@@ -218,6 +220,7 @@ std::string Animations::IkRuleWords(const core::Record<StudioAnimDesc>& animatio
     return words;
   }
   bool exact = true;
+  std::set<int32_t> ruled;
   for (const auto rule : *rules) {
     const auto chain = chains->Holds(rule->Chain)
                            ? m_job.Model.NameOf((*chains)[rule->Chain], (*chains)[rule->Chain]->NameOffset)
@@ -226,6 +229,7 @@ std::string Animations::IkRuleWords(const core::Record<StudioAnimDesc>& animatio
       m_job.Lose("IK rules of an unknown kind");
       continue;
     }
+    ruled.insert(rule->Chain);
     words += "  ikrule " + Quoted(m_job, *chain);
     if (rule->Type == IkRuleTouch) {
       const auto bone =
@@ -244,6 +248,7 @@ std::string Animations::IkRuleWords(const core::Record<StudioAnimDesc>& animatio
     }
     words += "\n";
   }
+  if (static_cast<int64_t>(ruled.size()) < chains->Count()) words += "  noautoik\n";
   if (!exact) m_job.Lose("IK rules whose times lie between frames");
   return words;
 }

@@ -16,6 +16,7 @@ namespace {
 constexpr float MatrixTolerance = 1e-6f;
 constexpr int32_t ContentsDefault = 1;
 constexpr int32_t ContentsGrate = 8;
+constexpr std::string_view StaticBone = "static_prop";
 
 bool IsStatic(const JobContext& job) {
   return (job.Model.Header()->Flags & ModelFlagStatic) != 0;
@@ -103,6 +104,44 @@ Matrix3x4 TurnedBack(const Matrix3x4& stored) {
   return turned;
 }
 
+/// A compile gives a static model one bone of its own, at 0, unturned.
+void CountLostOfStaticBones(JobContext& job, const Skeleton& skeleton) {
+  if (skeleton.Count() == 0) return;
+  const StudioBone& bone = *skeleton.Bones[0];
+  const Vec3 place = bone.Position;
+  const EulerAngles turn = bone.Angles;
+  const bool moved = place.x != 0 || place.y != 0 || place.z != 0 || turn.x != 0 || turn.y != 0 || turn.z != 0;
+  if (skeleton.Count() > 1 || skeleton.Names[0] != StaticBone || moved) {
+    job.Lose("bones of a static model that a compile does not give it");
+  }
+  if (bone.Contents != job.Model.Header()->Contents) job.Lose("contents of bones");
+  const auto whole = job.Model.Name(job.Model.Header()->SurfacePropOffset);
+  const auto own = bone.SurfacePropOffset == 0 ? whole : job.Model.NameOf(skeleton.Bones[0], bone.SurfacePropOffset);
+  if (own && whole && !own->empty() && *own != *whole) job.Lose("surface properties of the bone of a static model");
+}
+
+/// Boxes that a compile makes of the vertices are of group 0.
+void CountLostOfGeneratedBoxes(JobContext& job) {
+  const auto header = job.Model.Header();
+  const auto sets = job.Model.View().Array<StudioHitboxSet>(header->HitboxSetOffset, header->HitboxSetCount);
+  if (!sets || !job.Spend(sets->Count() * RecordCost)) return;
+  for (const auto set : *sets) {
+    const auto boxes = job.Model.View().Array<StudioHitbox>(set.Offset() + set->HitboxOffset, set->HitboxCount);
+    if (!boxes || !job.Spend(boxes->Count() * RecordCost)) continue;
+    for (const auto box : *boxes)
+      job.Lose("groups of hit boxes that were made from the vertices", box->Group != 0 ? 1 : 0);
+  }
+}
+
+/// The first frames that a block file keeps at hand are those of all bones, unless the script names some.
+void CountLostZeroFrames(JobContext& job, const Skeleton& skeleton) {
+  int64_t other = 0;
+  for (const auto bone : skeleton.Bones) {
+    other += ((bone->Flags ^ skeleton.Bones[0]->Flags) & BoneFlagZeroFrames) == 0 ? 0 : 1;
+  }
+  job.Lose("bones whose first frames are kept in another way", other);
+}
+
 void WriteAttachment(JobContext& job, std::string_view name, std::string_view bone, const Matrix3x4& placement) {
   Vec3 place;
   GetMatrixColumn(placement, 3, place);
@@ -119,7 +158,9 @@ void WriteAttachment(JobContext& job, std::string_view name, std::string_view bo
 
 void WriteBoneStatements(JobContext& job) {
   const Skeleton* skeleton = GetSkeleton(job);
-  if (skeleton == nullptr || IsStatic(job)) return;
+  if (skeleton == nullptr) return;
+  if (IsStatic(job)) return CountLostOfStaticBones(job, *skeleton);
+  CountLostZeroFrames(job, *skeleton);
   for (int64_t i = 0; i < skeleton->Count(); ++i) {
     if (!job.ScriptWithinBounds()) return;
     const StudioBone& bone = *skeleton->Bones[i];
@@ -176,7 +217,7 @@ void WriteAttachmentStatements(JobContext& job) {
 
 void WriteHitboxStatements(JobContext& job) {
   const auto header = job.Model.Header();
-  if ((header->Flags & ModelFlagGeneratedHitboxes) != 0) return;
+  if ((header->Flags & ModelFlagGeneratedHitboxes) != 0) return CountLostOfGeneratedBoxes(job);
   const auto sets = job.Table<StudioHitboxSet>("hit box set table", header->HitboxSetOffset, header->HitboxSetCount);
   if (!sets) return;
   for (const auto set : *sets) {

@@ -5,10 +5,8 @@
 #include <cmath>
 #include <numbers>
 
-#include "core/key_values.h"
 #include "decompiler/sources/script_values.h"
 #include "decompiler/sources/sequence_box.h"
-#include "decompiler/writers/balanced_braces.h"
 #include "model/animation_records.h"
 #include "model/script_records.h"
 
@@ -35,6 +33,17 @@ bool IsNear(const Vec3& a, const Vec3& b) {
 
 bool IsZero(const Vec3& v) {
   return v.x == 0 && v.y == 0 && v.z == 0;
+}
+
+/// The degrees with the fewest decimals whose cosine is `cosine` as a float.
+float DegreesOfCosine(float cosine) {
+  const double degrees = std::acos(double{cosine}) * (180 / std::numbers::pi);
+  double step = 1;
+  for (int decimals = 0; decimals <= 6; ++decimals, step *= 10) {
+    const auto rounded = static_cast<float>(std::round(degrees * step) / step);
+    if (static_cast<float>(std::cos(double{rounded} * (std::numbers::pi / 180))) == cosine) return rounded;
+  }
+  return static_cast<float>(degrees);
 }
 
 /// A place that a compile turns by a quarter about Z, (x, y, z) to (-y, x, z), turned back.
@@ -80,26 +89,10 @@ void WriteEyes(JobContext& job) {
   if (!second) return;
   const float cosine = (*second)->MaxEyeDeflection;
   if (std::abs(cosine) > NoEyeDeflection && std::abs(cosine) <= 1) {
-    job.Script().Text("$maxeyedeflection " +
-                      Number(job, static_cast<float>(std::acos(double{cosine}) * (180 / std::numbers::pi))) + "\n");
+    job.Script().Text("$maxeyedeflection " + Number(job, DegreesOfCosine(cosine)) + "\n");
   }
   if ((*second)->IllumAttachment != 0) job.Lose("attachments of the illumination position");
   job.Lose("source bones", (*second)->SourceBoneCount);
-}
-
-/// Writes the children of a key-values block; every level is indented by two blanks more.
-void WriteKeys(JobContext& job, const std::vector<core::KeyValue>& keys, const std::string& indent) {
-  for (const core::KeyValue& key : keys) {
-    if (!job.ScriptWithinBounds()) return;
-    const std::string line = indent + Quoted(job, key.Key);
-    if (!key.IsBlock) {
-      job.Script().Text(line + " " + Quoted(job, key.Value) + "\n");
-      continue;
-    }
-    job.Script().Text(line + " {\n");
-    WriteKeys(job, key.Children, indent + "  ");
-    job.Script().Text(indent + "}\n");
-  }
 }
 
 }  // namespace
@@ -178,37 +171,6 @@ void WriteIncludedModels(JobContext& job) {
       job.Lose("included models outside the folder of models");
     }
     job.Script().Text("$includemodel " + Quoted(job, path) + "\n");
-  }
-}
-
-void WriteModelKeyValues(JobContext& job) {
-  const auto header = job.Model.Header();
-  if (header->KeyValueSize == 0) return;
-  const auto bytes = job.Model.View().Bytes(header->KeyValueOffset, header->KeyValueSize);
-  if (!bytes) {
-    return job.DamagedTable(job.Model.Mdl.Path(), "key value text", header->KeyValueOffset, header->KeyValueSize,
-                            job.Model.View().Size());
-  }
-  std::string_view text(reinterpret_cast<const char*>(bytes->data()), bytes->size());
-  text = text.substr(0, text.find('\0'));
-  const std::string balanced = BalanceBraces(text);
-  if (balanced != text) {
-    job.Warn("The braces of the model's key values do not balance; they are written balanced",
-             core::TroubleKind::Damaged);
-  }
-  const core::KeyValues read = core::ReadKeyValues(balanced);
-  if (!read.Error.empty()) {
-    job.Warn("The key values of the model are damaged: " + read.Error + "; what could be read is written",
-             core::TroubleKind::Damaged);
-  }
-  for (const core::KeyValue& root : read.Roots) {
-    if (!root.IsBlock) {
-      job.Lose("key values outside a block");
-      continue;
-    }
-    job.Script().Text("$keyvalues {\n");
-    WriteKeys(job, root.Children, "  ");
-    job.Script().Text("}\n");
   }
 }
 

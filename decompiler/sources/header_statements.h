@@ -13,7 +13,5 @@ void WriteMaterialFolders(JobContext& job);
 void WriteBoxes(JobContext& job, bool hasCollision);
 /// $includemodel.
 void WriteIncludedModels(JobContext& job);
-/// $keyvalues, a block for each that the model holds. Braces are balanced.
-void WriteModelKeyValues(JobContext& job);
 
 }  // namespace tarnwick::decompiler::sources

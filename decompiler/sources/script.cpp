@@ -4,6 +4,7 @@
 
 #include "decompiler/sources/bone_statements.h"
 #include "decompiler/sources/header_statements.h"
+#include "decompiler/sources/key_values.h"
 #include "decompiler/sources/meshes.h"
 #include "decompiler/sources/physics.h"
 #include "decompiler/sources/procedural_bones.h"

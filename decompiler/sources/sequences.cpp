@@ -5,9 +5,10 @@
 #include <cmath>
 #include <vector>
 
-#include "core/key_values.h"
 #include "decompiler/sources/animations.h"
+#include "decompiler/sources/key_values.h"
 #include "decompiler/sources/script_values.h"
+#include "decompiler/sources/transition_nodes.h"
 #include "decompiler/sources/weight_lists.h"
 #include "model/script_records.h"
 #include "model/sequence_blend.h"
@@ -43,6 +44,7 @@ class Sequences {
       if ((m_sequences[i]->Flags & SequenceFlagDeclared) == 0) WriteSequence(i);
     }
     m_animations.WriteUpTo(m_animationTable.Count());
+    CountLostNodes(m_job, m_sequences);
   }
 
  private:
@@ -54,7 +56,17 @@ class Sequences {
     for (const auto sequence : m_sequences) {
       const auto label = m_job.NameOf("sequence label", sequence, sequence->LabelOffset);
       if (label) m_job.Script().Text("$declaresequence " + Quoted(m_job, *label) + "\n");
+      if ((sequence->Flags & SequenceFlagDeclared) != 0) CountLostOfDeclared(sequence);
       if (!m_job.ScriptWithinBounds()) return;
+    }
+  }
+
+  /// A declared sequence is a name; the included model that has it says all else.
+  void CountLostOfDeclared(const core::Record<StudioSeqDesc>& sequence) {
+    const auto activity = m_job.Model.NameOf(sequence, sequence->ActivityOffset);
+    if ((activity && !activity->empty()) || sequence->EventCount > 0 || sequence->LayerCount > 0 ||
+        sequence->KeyValueSize > 0 || sequence->ActivityModifierCount > 0) {
+      m_job.Lose("declared sequences that hold more than a name");
     }
   }
 
@@ -91,12 +103,24 @@ class Sequences {
     }
     words += BlendWords(sequence);
     words += PlainWords(sequence, number);
-    words += NodeWords(sequence);
+    words += NodeWords(m_job, sequence);
     words += LayerWords(sequence, first);
     words += LockWords(sequence);
     words += EventWords(sequence, m_animationTable[first]->FrameCount);
-    words += KeyValueWords(sequence);
+    CountOtherLoop(sequence, *blends);
+    words += SequenceKeyValues(m_job, sequence);
     m_job.Script().Text(head + " {\n" + words + "}\n");
+  }
+
+  /// A compile lets a sequence loop if all its animations do.
+  void CountOtherLoop(const core::Record<StudioSeqDesc>& sequence, const core::RecordArray<StudioShort>& blends) {
+    bool all = true;
+    for (const auto entry : blends) {
+      all = all && (m_animationTable[AnimationNumber(entry->Value)]->Flags & AnimFlagLooping) != 0;
+    }
+    if (all != ((sequence->Flags & SequenceFlagLooping) != 0)) {
+      m_job.Lose("sequences that loop otherwise than their animations");
+    }
   }
 
   /// The animation that an entry of a blend table means: the first one for a number that is none.
@@ -117,16 +141,16 @@ class Sequences {
   }
 
   std::string BlendWords(const core::Record<StudioSeqDesc>& sequence) {
-    const auto header = m_job.Model.Header();
-    const auto poses =
-        m_job.Model.View().Array<StudioPoseParameter>(header->PoseParameterOffset, header->PoseParameterCount);
     std::string words;
     for (int axis = 0; axis < 2; ++axis) {
       const int64_t number = sequence->PoseParameter[axis];
-      if (number < 0) continue;
-      const auto name = poses && poses->Holds(number)
-                            ? m_job.Model.NameOf((*poses)[number], (*poses)[number]->NameOffset)
-                            : std::nullopt;
+      if (number < 0) {
+        // The first `blend` of a sequence is its first axis; one without a parameter has no statement.
+        const bool ranges = sequence->PoseStart[axis] != 0 || sequence->PoseEnd[axis] != 0;
+        if (ranges || (axis == 0 && sequence->PoseParameter[1] >= 0)) m_job.Lose("blend axes without a pose parameter");
+        continue;
+      }
+      const auto name = PoseName(number);
       if (!name) {
         m_job.Lose("blend axes whose pose parameter is not there");
         continue;
@@ -160,6 +184,7 @@ class Sequences {
     if (activity && !activity->empty()) {
       words += "  activity " + Quoted(m_job, *activity) + " " + std::to_string(sequence->ActivityWeight) + "\n";
     }
+    words += ModifierWords(sequence);
     if (sequence->FadeIn != DefaultFade) words += "  fadein " + Number(m_job, sequence->FadeIn) + "\n";
     if (sequence->FadeOut != DefaultFade) words += "  fadeout " + Number(m_job, sequence->FadeOut) + "\n";
     if (const std::string& list = m_weights.NameOf(number); !list.empty()) {
@@ -179,31 +204,48 @@ class Sequences {
     left &= ~(SequenceFlagDelta | SequenceFlagLayered);
     if ((left & SequenceFlagCalcBlend) != 0) m_job.Lose("blends that were computed from an attachment");
     m_job.Lose("sequence flags without a statement", std::popcount(left & ~SequenceFlagCalcBlend));
-    m_job.Lose("activity modifiers", sequence->ActivityModifierCount);
-    if (sequence->CyclePose != 0) m_job.Lose("pose parameters that drive a cycle");
-    if (sequence->EntryPhase != 0 || sequence->ExitPhase != 0) m_job.Lose("phases of transitions");
+    words += CycleWords(sequence);
+    if (sequence->ExitPhase != 0) words += "  exitphase " + Number(m_job, sequence->ExitPhase) + "\n";
+    if (sequence->EntryPhase != 0) m_job.Lose("phases at which transitions are entered");
     return words;
   }
 
-  std::optional<std::string_view> NodeName(const core::Record<StudioSeqDesc>& sequence, int32_t number) {
-    const int64_t offset = m_job.Model.Header()->NodeNameOffset + (int64_t{number} - 1) * int64_t{sizeof(StudioOffset)};
-    const auto entry = number > 0 ? m_job.Model.View().At<StudioOffset>(offset) : std::nullopt;
-    const auto name = entry ? m_job.Model.Name((*entry)->Offset) : std::nullopt;
-    if (!name) {
-      m_job.Damaged(m_job.Model.Mdl.Path(), "sequence", sequence.Offset(),
-                    "names transition node " + std::to_string(number) + ", which has no name in the file");
+  std::string ModifierWords(const core::Record<StudioSeqDesc>& sequence) {
+    std::string words;
+    const auto modifiers = m_job.Model.View().Array<StudioOffset>(sequence.Offset() + sequence->ActivityModifierOffset,
+                                                                  sequence->ActivityModifierCount);
+    if (!modifiers || !m_job.Spend(modifiers->Count() * RecordCost)) {
+      m_job.Lose("activity modifiers that cannot be read", sequence->ActivityModifierCount);
+      return words;
     }
-    return name;
+    for (const auto modifier : *modifiers) {
+      const auto name = m_job.Model.NameOf(modifier, modifier->Offset);
+      if (name && !name->empty()) {
+        words += "  activitymodifier " + Quoted(m_job, *name) + "\n";
+      } else {
+        m_job.Lose("activity modifiers that cannot be read");
+      }
+    }
+    return words;
   }
 
-  std::string NodeWords(const core::Record<StudioSeqDesc>& sequence) {
-    if (sequence->EntryNode == 0 && sequence->ExitNode == 0) return {};
-    const auto entry = NodeName(sequence, sequence->EntryNode);
-    const auto exit = entry ? NodeName(sequence, sequence->ExitNode) : std::nullopt;
-    if (!exit) return {};
-    if (sequence->EntryNode == sequence->ExitNode) return "  node " + Quoted(m_job, *entry) + "\n";
-    return (sequence->NodeFlags != 0 ? "  rtransition " : "  transition ") + Quoted(m_job, *entry) + " " +
-           Quoted(m_job, *exit) + "\n";
+  /// The pose parameter that stands for the time of the sequence.
+  std::string CycleWords(const core::Record<StudioSeqDesc>& sequence) {
+    if (sequence->CyclePose == 0) return {};
+    const auto name = PoseName(sequence->CyclePose);
+    if (!name) {
+      m_job.Lose("pose parameters of cycles that are not there");
+      return {};
+    }
+    return "  posecycle " + Quoted(m_job, *name) + "\n";
+  }
+
+  std::optional<std::string_view> PoseName(int64_t number) const {
+    const auto header = m_job.Model.Header();
+    const auto poses =
+        m_job.Model.View().Array<StudioPoseParameter>(header->PoseParameterOffset, header->PoseParameterCount);
+    if (!poses || !poses->Holds(number)) return std::nullopt;
+    return m_job.Model.NameOf((*poses)[number], (*poses)[number]->NameOffset);
   }
 
   std::string LayerWords(const core::Record<StudioSeqDesc>& sequence, int64_t firstAnimation) {
@@ -221,14 +263,17 @@ class Sequences {
         m_job.Lose("layers whose sequence is not there");
         continue;
       }
-      if (layer->Flags != 0) m_job.Lose("flags of layers");
+      const bool local = (layer->Flags & LayerFlagLocal) != 0;
+      if ((layer->Flags & ~LayerFlagLocal) != 0) m_job.Lose("flags of layers without a statement");
+      if (layer->PoseParameter > 0) m_job.Lose("pose parameters of layers");
       const float parts[] = {layer->Start, layer->Peak, layer->Tail, layer->End};
       const bool whole = std::ranges::all_of(parts, [](float part) { return part == 0 || !std::isfinite(part); });
-      words += (whole ? "  addlayer " : "  blendlayer ") + Quoted(m_job, *label);
-      for (size_t i = 0; !whole && i < std::size(parts); ++i) {
+      const bool adds = whole && !local;  // what is added takes no words
+      words += (adds ? "  addlayer " : "  blendlayer ") + Quoted(m_job, *label);
+      for (size_t i = 0; !adds && i < std::size(parts); ++i) {
         words += " " + FrameAt(parts[i], m_animationTable[firstAnimation]->FrameCount, exact);
       }
-      words += "\n";
+      words += local ? " local\n" : "\n";
     }
     if (!exact) m_job.Lose("layers whose times lie between frames");
     return words;
@@ -255,6 +300,19 @@ class Sequences {
     return words;
   }
 
+  /// An event goes by its number, or by its name where that is 0.
+  std::string EventKey(const core::Record<StudioEvent>& event) {
+    const std::string_view name =
+        event->NameOffset == 0 ? "" : m_job.Model.NameOf(event, event->NameOffset).value_or("");
+    if (event->Event != 0 || name.empty()) {
+      if (!name.empty()) m_job.Lose("names of events that have a number");
+      return std::to_string(event->Event);
+    }
+    const bool readsAsNumber = name.front() == '-' || (name.front() >= '0' && name.front() <= '9');
+    if (readsAsNumber) m_job.Lose("names of events that read as numbers");
+    return Quoted(m_job, name);
+  }
+
   std::string EventWords(const core::Record<StudioSeqDesc>& sequence, int32_t frames) {
     std::string words;
     const auto events =
@@ -262,25 +320,13 @@ class Sequences {
     if (!events || !m_job.Spend(events->Count() * RecordCost)) return words;
     bool exact = true;
     for (const auto event : *events) {
-      words += "  { event ";
-      if (event->Event != 0) {
-        words += std::to_string(event->Event);
-      } else {
-        words += Quoted(m_job, event->NameOffset == 0 ? "" : m_job.Model.NameOf(event, event->NameOffset).value_or(""));
-      }
-      words += " " + FrameAt(event->Cycle, frames, exact);
+      words += "  { event " + EventKey(event) + " " + FrameAt(event->Cycle, frames, exact);
       const std::string_view options = core::FixedText(event->Options);
       if (!options.empty()) words += " " + Quoted(m_job, options);
       words += " }\n";
     }
     if (!exact) m_job.Lose("sequences with events between frames");
     return words;
-  }
-
-  std::string KeyValueWords(const core::Record<StudioSeqDesc>& sequence) {
-    if (sequence->KeyValueSize == 0) return {};
-    m_job.Lose("key values of sequences");
-    return {};
   }
 
   JobContext& m_job;

@@ -58,7 +58,7 @@ std::vector<int64_t> ColumnsToTell(const Skins& skins, int64_t families, int64_t
   }
   std::sort(columns.begin(), columns.end());
   // Families that are all alike are families all the same.
-  if (columns.empty()) columns.push_back(0);
+  if (columns.empty() && families > 1) columns.push_back(0);
   return columns;
 }
 
@@ -93,19 +93,28 @@ std::vector<int64_t> InOrderOfTextures(const Skins& skins, int64_t families, int
   return ordered;
 }
 
+void CountTexturesOfNoUse(JobContext& job, const Skins& skins, std::set<int32_t> used) {
+  for (const auto entry : skins) used.insert(entry->Value);
+  const int32_t textures = job.Model.Header()->TextureCount;
+  const auto held = std::ranges::count_if(used, [&](int32_t texture) { return texture >= 0 && texture < textures; });
+  job.Lose("textures that no mesh and no skin shows", textures - held);
+}
+
 }  // namespace
 
 void WriteSkinStatements(JobContext& job) {
   const auto header = job.Model.Header();
   const int64_t families = header->SkinFamilyCount;
   const int64_t references = header->SkinReferenceCount;
-  if (families <= 1 || references <= 0) return;
+  if (families <= 0 || references <= 0) return;
   const auto skins = job.Table<StudioShort>("skin table", header->SkinOffset, references * families);
   if (!skins || !job.Spend(skins->Count() * RecordCost)) return;
 
   const std::set<int32_t> shown = TexturesOfMeshes(job);
+  CountTexturesOfNoUse(job, *skins, shown);
   const std::vector<int64_t> columns =
       InOrderOfTextures(*skins, families, references, shown, ColumnsToTell(*skins, families, references, shown));
+  if (columns.empty()) return;
 
   job.Script().Text("$texturegroup \"skinfamilies\" {\n");
   for (int64_t family = 0; family < families && job.ScriptWithinBounds(); ++family) {

@@ -3,6 +3,9 @@
 
 #include <gmock/gmock.h>
 
+#include <array>
+#include <string_view>
+
 #include "decompiled_model.h"
 
 namespace tarnwick::decompiler {
@@ -114,7 +117,11 @@ TEST(MotionStatements, AnAnimationTellsWhatTheModelTravelsAndWhereALimbIsHeld) {
 
 TEST(MotionStatements, ASequenceTellsItsLayersWeightsLocksAndFades) {
   ModelBuilder model = Walker();
-  model.Sequences[0].Layers = {{1, 0, 0, 0, 0, 0, 0}, {1, 0, 0, 0.1f, 0.2f, 0.8f, 1}, {7, 0, 0, 0, 0, 0, 0}};
+  model.Sequences[0].Layers = {{1, 0, 0, 0, 0, 0, 0},
+                               {1, 0, 0, 0.1f, 0.2f, 0.8f, 1},
+                               {1, 0, model::LayerFlagLocal, 0, 0, 0, 0},
+                               {1, 2, 0x4, 0, 0, 0, 0},
+                               {7, 0, 0, 0, 0, 0, 0}};
   model.Sequences[0].IkLocks = {{0, 1, 0.5f, 0, {}}};
   model.Sequences[1].Weights = {0, 0.5f, 1};
   model.AutoplayLocks = {{0, 0.25f, 1, 0, {}}};
@@ -122,16 +129,138 @@ TEST(MotionStatements, ASequenceTellsItsLayersWeightsLocksAndFades) {
   EXPECT_THAT(job.Script(), HasSubstr("$ikautoplaylock \"leg\" 0.25 1\n"));
   EXPECT_THAT(job.Script(), HasSubstr("$weightlist \"weights_1\" {\n  \"root\" 0\n  \"knee\" 0.5\n  \"foot\" 1\n}\n"));
   const std::string walk = job.Script("$sequence \"walk\"", "$sequence \"wave\"");
-  EXPECT_THAT(walk, HasSubstr("  addlayer \"wave\"\n  blendlayer \"wave\" 1 2 8 10\n  iklock \"leg\" 1 0.5\n"));
+  EXPECT_THAT(walk, HasSubstr("  addlayer \"wave\"\n  blendlayer \"wave\" 1 2 8 10\n"
+                              "  blendlayer \"wave\" 0 0 0 0 local\n  addlayer \"wave\"\n  iklock \"leg\" 1 0.5\n"));
   EXPECT_THAT(walk, testing::Not(HasSubstr("fade"))) << "these are a compile's own";
   EXPECT_THAT(job.Script("$sequence \"wave\""), HasSubstr("  fadein 0.5\n  weightlist \"weights_1\"\n"));
-  EXPECT_THAT(job.Result.Lost, testing::ElementsAre(LostKind{"layers whose sequence is not there", 1}));
+  EXPECT_THAT(job.Result.Lost, testing::ElementsAre(LostKind{"flags of layers without a statement", 1},
+                                                    LostKind{"pose parameters of layers", 1},
+                                                    LostKind{"layers whose sequence is not there", 1}));
+}
+
+TEST(MotionStatements, ASequenceTellsItsTextItsModifiersAndWhatDrivesItsTime) {
+  ModelBuilder model = Walker();
+  model.PoseParameters = {{.Name = "speed"}, {.Name = "turn"}};
+  ModelFiles files = model.Build();
+  FileBuilder& mdl = files.Mdl;
+  const std::string texts[] = {"face { \"weight\" 0.5 }", "mdlkeyvalue\n{\nface { a b [$X360] } }\n"};
+  const int32_t places[] = {mdl.Text(texts[0]), mdl.Text(texts[1])};
+  const int32_t hurt = mdl.Text("hurt"), low = mdl.Text("low");
+  mdl.Align(4);
+  const auto modifiers = mdl.Reserve<model::StudioOffset>(3);
+  modifiers[0].Offset = modifiers.To(hurt, 0);
+  modifiers[1].Offset = modifiers.To(low, 1);
+  modifiers[2].Offset = 1 << 30;
+  for (int i = 0; i < 2; ++i) {
+    auto& sequence = mdl.Record<model::StudioSeqDesc>("sequences", i);
+    const auto start = static_cast<int32_t>(mdl.Place("sequences")) + i * static_cast<int32_t>(sizeof sequence);
+    sequence.KeyValueOffset = places[i] - start;
+    sequence.KeyValueSize = static_cast<int32_t>(texts[i].size()) + 1;
+    sequence.ActivityModifierOffset = modifiers.At(0) - start;
+    sequence.ActivityModifierCount = i == 0 ? 3 : 0;
+    sequence.CyclePose = i == 0 ? 1 : 2;
+    sequence.ExitPhase = i == 0 ? 0.75f : 0;
+    sequence.EntryPhase = i == 0 ? 0 : 0.5f;
+  }
+  const DecompiledModel job(files, DecompileOptionReadyToCompile);
+  const std::string walk = job.Script("$sequence \"walk\"", "$sequence \"wave\"");
+  EXPECT_THAT(walk, HasSubstr("  activitymodifier \"hurt\"\n  activitymodifier \"low\"\n"));
+  EXPECT_THAT(walk, HasSubstr("  posecycle \"turn\"\n  exitphase 0.75\n"));
+  EXPECT_THAT(walk, testing::EndsWith("  keyvalues {\n    \"face\" {\n      \"weight\" \"0.5\"\n    }\n  }\n}\n"));
+  EXPECT_THAT(job.Script("$sequence \"wave\""),
+              HasSubstr("  keyvalues {\n    \"face\" {\n      \"a\" \"b\"\n    }\n  }\n}\n"));
+  EXPECT_THAT(job.Result.Lost,
+              testing::UnorderedElementsAre(LostKind{"activity modifiers that cannot be read", 1},
+                                            LostKind{"pose parameters of cycles that are not there", 1},
+                                            LostKind{"phases at which transitions are entered", 1},
+                                            LostKind{"conditions of key values", 1}));
+}
+
+TEST(MotionStatements, AnEventGoesByItsNameOrItsNumber) {
+  ModelBuilder model = Walker();
+  model.Sequences[0].Events = {{.Cycle = 0.5f, .Name = "AE_STEP"}, {.Event = 3001}, {}, {.Name = "5 bells"}};
+  const DecompiledModel job = Ready(model);
+  EXPECT_THAT(job.Script(), HasSubstr("  { event \"AE_STEP\" 5 }\n  { event 3001 0 }\n  { event 0 0 }\n"
+                                      "  { event \"5 bells\" 0 }\n"));
+  EXPECT_THAT(job.Result.Lost, testing::ElementsAre(LostKind{"names of events that read as numbers", 1}));
+}
+
+TEST(MotionStatements, WhatNoSequenceSaysOfTheNodesIsCounted) {
+  ModelBuilder model = Walker();
+  model.Nodes = {"stand", "lie", "fly"};
+  model.Sequences[0].EntryNode = 1;
+  model.Sequences[0].ExitNode = 2;
+  ModelFiles files = model.Build();
+  // From standing to lying, as the sequence does; from lying to standing, as none does.
+  const int32_t table = files.Mdl.Append(std::string_view("\0\2\0\1\0\0\0\0\0", 9));
+  files.Mdl.Record<model::StudioHeader>("header").NodeOffset = table;
+  const DecompiledModel job(files, DecompileOptionReadyToCompile);
+  EXPECT_THAT(job.Script(), HasSubstr("  transition \"stand\" \"lie\"\n"));
+  EXPECT_THAT(job.Result.Lost, testing::ElementsAre(LostKind{"transition nodes that no sequence names", 1},
+                                                    LostKind{"steps between nodes that no sequence makes", 1}));
+}
+
+TEST(MotionStatements, WhatASequenceHoldsAgainstItsAnimationsOrItsDeclarationIsCounted) {
+  ModelBuilder model = Walker();
+  model.Sequences[0].Flags = model::SequenceFlagLooping;
+  model.Sequences[0].PoseEnd = {0, 1};
+  model.Sequences[1].Flags = model::SequenceFlagDeclared;
+  model.Sequences[1].Activity = "ACT_WAVE";
+  const DecompiledModel job = Ready(model);
+  EXPECT_THAT(job.Script(), HasSubstr("$declaresequence \"walk\"\n$declaresequence \"wave\"\n"));
+  EXPECT_THAT(job.Result.Lost,
+              testing::UnorderedElementsAre(LostKind{"sequences that loop otherwise than their animations", 1},
+                                            LostKind{"blend axes without a pose parameter", 1},
+                                            LostKind{"declared sequences that hold more than a name", 1}));
+}
+
+TEST(MotionStatements, RulesOfLimbsInABlockFileAreRead) {
+  ModelBuilder model = Walker();
+  model.Animations[0].Data = {.Bones = {{.Bone = 0, .RawPosition = std::array{1.0f, 2.0f, 3.0f}}}, .Block = 1};
+  ModelFiles files = model.Build();
+  files.Ani.Align(4);
+  const auto rule = files.Ani.Reserve<model::StudioIkRule>(1);
+  rule[0].Type = model::IkRuleTouch;
+  rule[0].Bone = -1;
+  rule[0].End = 1;
+  auto& walk = files.Mdl.Record<model::StudioAnimDesc>("anims");
+  walk.IkRuleCount = 1;
+  walk.BlockIkRuleOffset = static_cast<int32_t>(rule.Offset - files.Ani.Place("block 1"));
+  files.Mdl.Record<model::StudioAnimBlock>("anim blocks", 1).End = static_cast<int32_t>(files.Ani.Size());
+  const DecompiledModel job(files, DecompileOptionReadyToCompile);
+  EXPECT_THAT(job.Script("$sequence \"walk\"", "$sequence \"wave\""),
+              HasSubstr("  ikrule \"leg\" touch \"\" range 0 0 0 10\n}\n"));
+  EXPECT_THAT(job.Script("$sequence \"wave\""), HasSubstr("  noautoik\n")) << "it has no rule of its own";
+  EXPECT_THAT(job.Result.Lost, IsEmpty());
+
+  files.Mdl.Record<model::StudioAnimDesc>("anims").BlockIkRuleOffset = 1 << 30;
+  const DecompiledModel damaged(files, DecompileOptionReadyToCompile);
+  EXPECT_THAT(damaged.Script(), testing::Not(HasSubstr("ikrule")));
+  EXPECT_THAT(damaged.Result.Lost, testing::ElementsAre(LostKind{"IK rules that cannot be read", 1}));
 }
 
 TEST(MotionStatements, ABoneTellsItsSurface) {
   const DecompiledModel job =
       Ready({.Bones = {{.Name = "root"}, {.Name = "shell", .Parent = 0, .SurfaceProp = "metal_box"}}});
   EXPECT_THAT(job.Script(), HasSubstr("$jointsurfaceprop \"shell\" \"metal_box\"\n"));
+}
+
+TEST(MotionStatements, AStaticModelsBoneIsTheCompilersOwnOrCounted) {
+  ModelBuilder model{.Bones = {{.Name = "static_prop"}}, .Flags = model::ModelFlagStatic};
+  EXPECT_THAT(Ready(model).Result.Lost, IsEmpty());
+  model.Bones[0] = {.Name = "Bone01", .SurfaceProp = "wood"};
+  EXPECT_THAT(Ready(model).Result.Lost,
+              testing::ElementsAre(LostKind{"bones of a static model that a compile does not give it", 1},
+                                   LostKind{"surface properties of the bone of a static model", 1}));
+}
+
+TEST(MotionStatements, BoxesMadeFromVerticesAndFirstFramesOfSomeBonesAreCounted) {
+  ModelBuilder model{.Bones = {{.Name = "root"}, {.Name = "hand", .Parent = 0, .Flags = 0x200000}},
+                     .HitboxSets = {{.Hitboxes = {{.Group = 0}, {.Group = 2}}}},
+                     .Flags = model::ModelFlagGeneratedHitboxes};
+  EXPECT_THAT(Ready(model).Result.Lost,
+              testing::ElementsAre(LostKind{"bones whose first frames are kept in another way", 1},
+                                   LostKind{"groups of hit boxes that were made from the vertices", 1}));
 }
 
 }  // namespace

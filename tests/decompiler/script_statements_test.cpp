@@ -73,6 +73,18 @@ TEST(ScriptStatements, SkinFamiliesHaveTwoShapes) {
   EXPECT_EQ(DecompiledModel(model).Script("$texturegroup"), "");
 }
 
+TEST(ScriptStatements, TexturesThatNoMeshShowsStandInTheirTable) {
+  ModelBuilder model;
+  model.Textures = {"skin", "spare", "gone"};
+  model.SkinFamilies = {{0, 1}};
+  const DecompiledModel job(model, DecompileOptionReadyToCompile);
+  EXPECT_THAT(job.Script(), HasSubstr("$texturegroup \"skinfamilies\" {\n  { \"spare\" }\n}\n"));
+  EXPECT_THAT(job.Result.Lost, testing::ElementsAre(LostKind{"textures that no mesh and no skin shows", 1}));
+  model.Textures = {"skin"};
+  model.SkinFamilies = {{0}};
+  EXPECT_THAT(DecompiledModel(model, DecompileOptionReadyToCompile).Script(), testing::Not(HasSubstr("$texturegroup")));
+}
+
 TEST(ScriptStatements, AreCleanedOfWhatBreaksAScriptToCompile) {
   ModelBuilder model = Bare();
   model.MaterialDirectories = {"models\\a\"b\r\n\\"};
@@ -101,6 +113,7 @@ TEST(ScriptStatements, AModelWithoutSequencesHasThemOnlyReadyToCompile) {
   EXPECT_EQ(DecompiledModel(model, DecompileOptionReadyToCompile).Script(),
             "$illumposition 0 0 0\n$cdmaterials \"models/props/\"\n"
             "$definebone \"root\" \"\" 0 0 0 0 0 0 0 0 0 0 0 0\n"
+            "$texturegroup \"skinfamilies\" {\n  { \"skin\" }\n}\n"
             "$animation \"@idle\" \"idle.smd\" {\n  fps 30\n}\n");
 }
 

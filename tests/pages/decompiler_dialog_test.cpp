@@ -239,6 +239,32 @@ TEST_F(DecompilePage, DecompilesAllThatIsDroppedAndTellsWhatBecameOfEach) {
   EXPECT_THAT(m_folder.Files(), Contains("new/out/cube.smd"));
 }
 
+TEST_F(DecompilePage, ListsWhatTheSourcesDoNotSay) {
+  Open();
+  const std::string odd = tests::ModelBuilder{.Flags = 0x60000}.Write(m_folder.Path(), "odd");
+  const std::string plain = tests::ModelBuilder{}.Write(m_folder.Path(), "plain");
+  auto& list = ControlOf<QTreeWidget>(Status(), "resultList");
+  ControlOf<QLineEdit>(*m_page, "outputEdit").setText(QString::fromStdString(m_folder.Path("out")));
+  ControlOf<QLineEdit>(*m_page, "modelEdit").setText(QString::fromStdString(odd));
+  Click(*m_page, "extractButton");
+  ASSERT_TRUE(WaitForJob());
+  EXPECT_EQ(ControlOf<QLabel>(Status(), "fileLabel").text(), "2 files written, 2 things lost");
+  ASSERT_TRUE(list.isVisible()) << "also for a single model";
+  ASSERT_EQ(list.topLevelItem(0)->childCount(), 1);
+  EXPECT_TRUE(list.topLevelItem(0)->isExpanded());
+  EXPECT_EQ(list.topLevelItem(0)->child(0)->text(1), "header flags without a statement: 2");
+  EXPECT_THAT(Log(), HasSubstr("Lost: header flags without a statement: 2\n"));
+  emit list.itemActivated(list.topLevelItem(0)->child(0), 0);
+  EXPECT_THAT(m_desktop.Opened, ElementsAre(m_folder.Path("out/odd"))) << "what was lost leads to the sources";
+
+  tests::Drop(ControlOf<QLabel>(*m_page, "resultLabel"), {odd, plain});
+  Click(*m_page, "extractButton");
+  ASSERT_TRUE(WaitForJob());
+  EXPECT_THAT(ControlOf<QLabel>(Status(), "fileLabel").text().toStdString(), EndsWith(", 2 things lost"));
+  EXPECT_THAT(Rows(Status()), ElementsAre("odd.mdl|2 files written, 2 things lost", "plain.mdl|2 files written"));
+  EXPECT_EQ(list.topLevelItem(1)->childCount(), 0);
+}
+
 TEST_F(DecompilePage, VerifiesTheModelsOfTheLastJobBesideTheWindow) {
   Open();
   auto& verify = ControlOf<QPushButton>(Status(), "verifyButton");

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string>
+
+#include "decompiler/job/job_context.h"
+#include "model/animation_records.h"
+
+namespace tarnwick::decompiler::sources {
+
+/// `node`, `transition` or `rtransition` of a sequence, a line; empty for one that stands in no node.
+[[nodiscard]] std::string NodeWords(JobContext& job, const core::Record<StudioSeqDesc>& sequence);
+
+/// Counts the nodes that no sequence names, and the steps between nodes that none of them makes.
+void CountLostNodes(JobContext& job, const core::RecordArray<StudioSeqDesc>& sequences);
+
+}  // namespace tarnwick::decompiler::sources
