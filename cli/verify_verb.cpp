@@ -21,7 +21,7 @@ constexpr const char* Examples = R"(Examples:
   tarnwick-cli verify -r game/models
   tarnwick-cli verify --keep rounds --json hair.mdl >result.jsonl
 
-The exit code is 0 if every model is the same, also but for rounding.)";
+The exit code is 0 if every model is the same, also but for rounding and for what no source holds.)";
 
 struct Options {
   std::vector<std::string> Inputs;
@@ -37,7 +37,8 @@ struct Options {
 const char* VerdictWord(const jobs::ItemResult& result) {
   if (!result.Verified) return OutcomeWord(result.Judged);
   if (result.Verified->IsSame()) return "same";
-  return result.Verified->IsSameButForRounding() ? "rounding" : "differs";
+  if (!result.Verified->IsSameButForRounding()) return "differs";
+  return result.Verified->HasDerived() ? "derived" : "rounding";
 }
 
 /// One line of JSON for a model; docs/command-line.md describes it.
@@ -56,7 +57,8 @@ std::string ModelJson(const jobs::ItemResult& result) {
                                       {"second", one.Second},
                                       {"count", one.Count},
                                       {"largest", one.Largest},
-                                      {"rounding", one.IsRounding}});
+                                      {"rounding", one.IsRounding},
+                                      {"derived", std::string(one.Derived)}});
     }
     for (const auto& one : result.Verified->Sources) {
       model["sources"].push_back({{"file", one.File},

@@ -16,21 +16,32 @@ bool Verification::IsSameButForRounding() const {
 }
 
 size_t Verification::RealCount() const {
-  const auto model = std::count_if(Model.begin(), Model.end(), [](const auto& one) { return !one.IsRounding; });
+  const auto model = std::count_if(Model.begin(), Model.end(), [](const auto& one) { return one.IsReal(); });
   const auto sources = std::count_if(Sources.begin(), Sources.end(), [](const auto& one) { return !one.IsRounding(); });
   return static_cast<size_t>(model + sources);
 }
 
+bool Verification::HasDerived() const {
+  return std::any_of(Model.begin(), Model.end(), [](const auto& one) { return !one.IsRounding && !one.IsReal(); });
+}
+
 std::vector<std::string> Verification::Lines() const {
   std::vector<std::string> lines;
-  for (const bool rounding : {false, true}) {
+  const auto addModel = [&](bool real, bool rounding) {
     for (const model::ModelDifference& one : Model) {
-      if (one.IsRounding == rounding) lines.push_back(DifferenceLine(one));
+      if (one.IsReal() == real && one.IsRounding == rounding) lines.push_back(DifferenceLine(one));
     }
+  };
+  const auto addSources = [&](bool rounding) {
     for (const smd::SourceDifference& one : Sources) {
       if (one.IsRounding() == rounding) lines.push_back(DifferenceLine(one));
     }
-  }
+  };
+  addModel(true, false);
+  addSources(false);
+  addModel(false, false);  // derived values
+  addModel(false, true);
+  addSources(true);
   return lines;
 }
 
@@ -38,7 +49,9 @@ std::string Verification::Line() const {
   if (IsSame()) return "same";
   const std::vector<std::string> lines = Lines();
   const size_t told = IsSameButForRounding() ? lines.size() : RealCount();
-  std::string line = IsSameButForRounding() ? "same but for rounding: " : "differs: ";
+  std::string line = !IsSameButForRounding() ? "differs: "
+                     : HasDerived()          ? "same but for what no source holds: "
+                                             : "same but for rounding: ";
   for (size_t i = 0; i < std::min(told, MostInALine); ++i) line += (i > 0 ? "; " : "") + lines[i];
   if (told > MostInALine) line += "; and " + std::to_string(told - MostInALine) + " more";
   return line;

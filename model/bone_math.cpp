@@ -1,7 +1,10 @@
 #include "model/bone_math.h"
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
+#include <iterator>
+#include <limits>
 
 namespace tarnwick::model {
 
@@ -104,6 +107,34 @@ void QuatToEuler(const Quat& q, EulerAngles& result) {
   Matrix3x4 m;
   QuatToMatrix(q, m);
   MatrixToEuler(m, result);
+}
+
+void QuatToEulerNear(const Quat& q, const EulerAngles& near, EulerAngles& result) {
+  constexpr double Pi = 3.14159265358979323846;
+  // With half the angles a, b, c these are (cos b +- sin b) times sine and cosine of a - c and of a + c.
+  const double differenceSine = double{q.x} - double{q.z}, differenceCosine = double{q.w} + double{q.y};
+  const double sumSine = double{q.x} + double{q.z}, sumCosine = double{q.w} - double{q.y};
+  const double up = std::hypot(differenceSine, differenceCosine), down = std::hypot(sumSine, sumCosine);
+  constexpr double Nothing = 2e-6;  // what floats leave of a sine where it should be 0
+  const double difference =
+      up > Nothing ? std::atan2(differenceSine, differenceCosine) : (double{near.x} - double{near.z}) / 2;
+  const double sum = down > Nothing ? std::atan2(sumSine, sumCosine) : (double{near.x} + double{near.z}) / 2;
+  const double pitch = 2 * std::atan2(up, down) - Pi / 2;
+  const double sets[2][3] = {{sum + difference, pitch, sum - difference},
+                             {sum + difference + Pi, Pi - pitch, sum - difference + Pi}};
+  const double wanted[3] = {near.x, near.y, near.z};
+  double best[3] = {}, least = std::numeric_limits<double>::infinity();
+  for (const auto& set : sets) {
+    double turned[3], miss = 0;
+    for (int i = 0; i < 3; ++i) {
+      turned[i] = set[i] - 2 * Pi * std::nearbyint((set[i] - wanted[i]) / (2 * Pi));
+      miss += (turned[i] - wanted[i]) * (turned[i] - wanted[i]);
+    }
+    if (!(miss < least)) continue;
+    least = miss;
+    std::copy(std::begin(turned), std::end(turned), std::begin(best));
+  }
+  result = {static_cast<float>(best[0]), static_cast<float>(best[1]), static_cast<float>(best[2])};
 }
 
 void EulerToQuat(const EulerAngles& e, Quat& result) {

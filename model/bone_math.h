@@ -36,6 +36,10 @@ void MatrixToEuler(const Matrix3x4& m, EulerAngles& result);
 /// QuatToMatrix, then MatrixToEuler.
 void QuatToEuler(const Quat& q, EulerAngles& result);
 void EulerToQuat(const EulerAngles& e, Quat& result);
+/// Of all angles that give the rotation `q` those nearest `near`, each in any turn. Where the X axis points along Z,
+/// what X and Z share alike is as in `near`. Exact to the float there too, where QuatToEuler loses a thousandth of a
+/// radian.
+void QuatToEulerNear(const Quat& q, const EulerAngles& near, EulerAngles& result);
 
 /// Scales `q` to unit length; the zero quaternion stays.
 void NormalizeQuat(Quat& q);

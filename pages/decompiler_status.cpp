@@ -74,7 +74,7 @@ std::string VerifiedText(const jobs::JobResult& result) {
   const size_t exact = count([](const jobs::Verification& one) { return one.IsSame(); });
   std::string text = std::to_string(same) + " of " + jobs::Counted(result.Items.size(), "model") +
                      (same == 1 ? " comes back the same" : " come back the same");
-  if (exact < same) text += ", " + std::to_string(same - exact) + " but for rounding";
+  if (exact < same) text += ", " + std::to_string(same - exact) + " but for rounding or what no source holds";
   return text;
 }
 

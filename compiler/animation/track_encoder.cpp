@@ -95,7 +95,7 @@ double AngleMiss(uint64_t packed, const model::EulerAngles& angles) {
   model::Quat q;
   model::EulerAngles is;
   model::DecodeQuat64({packed}, q);
-  model::QuatToEuler(q, is);
+  model::QuatToEulerNear(q, angles, is);
   const double miss[3] = {double{is.x} - double{angles.x}, double{is.y} - double{angles.y},
                           double{is.z} - double{angles.z}};
   double worst = 0;

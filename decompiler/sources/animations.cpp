@@ -165,7 +165,8 @@ std::optional<Animations::Own> Animations::Write(int64_t number, std::string_vie
                         Quoted(m_job, m_job.DeltaReference) + " fps 30\n");
   }
   const std::string file = m_job.Names.Take(AnimationStem(animation.Name), AnimationExtension);
-  if (!WriteAnimationFile(m_job, animation, file, {animation.IsDelta(), false, true, TravelOf(m_job, description)}) ||
+  if (!WriteAnimationFile(m_job, animation, file,
+                          {animation.IsDelta(), false, true, TravelOf(m_job, description), true}) ||
       m_job.Animations.Exports[number].State != AnimationFiles::Outcome::Written) {
     m_job.Lose("animations that cannot be read or written");
     return std::nullopt;

@@ -1,5 +1,7 @@
 #include "decompiler/writers/animation_smd.h"
 
+#include <cmath>
+
 #include "model/bone_math.h"
 #include "model/pose_player.h"
 #include "model/quick_rotations.h"
@@ -33,6 +35,17 @@ void Apply(const Matrix3x4& left, Quat& rotation, Vec3& position) {
   MatrixToQuatPos(pose, rotation, position);
 }
 
+/// Angles of the rotation `turn` of a bone whose `angles` are known: nearly straight up or down many sets of them are
+/// alike, and those that lie nearest the bone's rest angles are what the animation was made of.
+void ChooseAngles(const StudioBone& bone, bool isTurned, const Quat& turn, EulerAngles& angles) {
+  constexpr float QuarterTurn = 1.57079632679f;
+  constexpr float Steep = QuarterTurn - 0.05f;
+  if (!(std::abs(angles.y) > Steep)) return;
+  EulerAngles rest = bone.Angles;
+  if (isTurned) rest.z -= QuarterTurn;
+  QuatToEulerNear(turn, rest, angles);
+}
+
 /// Where the model has travelled to at `frame`. Within a part the speed changes evenly from its start to its end.
 Vec3 TravelledTo(const std::vector<TravelPart>& travel, int32_t frame) {
   Vec3 start = {};
@@ -59,6 +72,7 @@ class AnimationText {
       : m_model(model),
         m_onDefaultPose(form.OnDefaultPose && animation.IsDelta()),
         m_exactWhereStill(form.ExactWhereStill),
+        m_anglesNearRest(form.AnglesNearRest),
         m_travel(form.Travel),
         m_player(model.Bones, animation),
         m_frame(static_cast<size_t>(model.Bones.Count())),
@@ -97,6 +111,14 @@ class AnimationText {
     }
     m_angles.resize(m_rotations.size());
     QuickQuatToEuler(m_rotations, m_angles);
+    if (!m_anglesNearRest) return;
+    size_t number = 0;
+    for (size_t bone = 0; bone < m_positions.size(); ++bone) {
+      if (!Changed(bone) || !m_player.RotationChanged(bone)) continue;
+      const auto record = m_model.Bones[static_cast<int64_t>(bone)];
+      ChooseAngles(*record, m_model.TurnRoots && record->Parent == -1, m_rotations[number], m_angles[number]);
+      ++number;
+    }
   }
 
   void WriteLines() {
@@ -125,6 +147,7 @@ class AnimationText {
   const AnimationSmdModel& m_model;
   bool m_onDefaultPose;
   bool m_exactWhereStill;
+  bool m_anglesNearRest;
   const std::vector<TravelPart>& m_travel;
   Vec3 m_travelled = {};
   PosePlayer m_player;
@@ -168,9 +191,11 @@ void WriteBindPoseSmd(core::TextWriter& writer, const AnimationSmdModel& model, 
   for (const auto bone : model.Bones) {
     Vec3 place = bone->Position;
     Quat turn = bone->Rotation;
-    if (turned && model.TurnRoots && bone->Parent == -1) Apply(model.RootTurn, turn, place);
+    const bool isTurned = turned && model.TurnRoots && bone->Parent == -1;
+    if (isTurned) Apply(model.RootTurn, turn, place);
     EulerAngles angles;
     QuatToEuler(turn, angles);
+    if (turned) ChooseAngles(*bone, isTurned, turn, angles);
     const smd::Triple position = ToTriple(place), rotation = ToTriple(angles);
     frame.Line(&position, &rotation, {.Position = turned, .Rotation = turned});
   }

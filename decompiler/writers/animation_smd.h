@@ -47,6 +47,7 @@ struct AnimationSmdForm {
   bool FirstFrameTwice = true;          // frame 0 stands before all frames once more
   bool ExactWhereStill = false;         // numbers that come out of no runs read as the very floats that they are
   std::vector<TravelPart> Travel = {};  // put back into the roots' positions; in rising order of frames
+  bool AnglesNearRest = false;          // of bones that point nearly straight up or down those nearest the rest angles
 };
 
 /// The content of an animation's file.

@@ -109,9 +109,16 @@ class FrameComparison {
     const PoseGrain grain = GrainOf(*m_first.Bones[bone], *m_second.Bones[bone]);
     if (moved) {
       // A half-float's step grows with the value.
-      const double size = std::max({std::abs(a.x), std::abs(a.y), std::abs(a.z), 1.0f});
-      m_models.Differences.Numbers(ModelTable::Frames, "position", where, std::array{a.x, a.y, a.z},
-                                   std::array{b.x, b.y, b.z}, std::max(grain.Position / size, 0.001));
+      double largest = 0;
+      bool isRounding = true;
+      for (const auto& [x, y] : {std::pair<float, float>{a.x, b.x}, {a.y, b.y}, {a.z, b.z}}) {
+        const double amount = std::abs(double{x} - double{y});
+        isRounding = isRounding && amount <= std::max(grain.Position, 0.001 * std::max(1.0, std::abs(double{x})));
+        largest = std::max(largest, std::isfinite(amount) ? amount : 0);
+      }
+      m_models.Differences.Add(ModelTable::Frames, "position", where(),
+                               DifferenceList::NumberText(std::array<float, 3>{a.x, a.y, a.z}),
+                               DifferenceList::NumberText(std::array<float, 3>{b.x, b.y, b.z}), largest, isRounding);
     }
     if (turned) {
       const double angle = AngleBetween(p, q);

@@ -8,14 +8,17 @@ namespace tarnwick::model {
 
 namespace {
 
+/// The step of a track that turns by up to half a turn. A bone that points straight up has many sets of angles for one
+/// rotation; which of them a track holds says nothing, and no step up to this one shows in its frames.
+constexpr double RotationScaleGrain = 9.6e-5;
+
 constexpr RecordField BoneFields[] = {
     {"parent", offsetof(StudioBone, Parent)},
     {"controllers", offsetof(StudioBone, Controllers), 6},
     {"position scale", offsetof(StudioBone, PositionScale), 3, TextGrain},
-    {"rotation scale", offsetof(StudioBone, RotationScale), 3, TextGrain},
+    {"rotation scale", offsetof(StudioBone, RotationScale), 3, RotationScaleGrain},
     {"flags", offsetof(StudioBone, Flags)},
     {"procedure", offsetof(StudioBone, ProceduralType)},
-    {"physics solid", offsetof(StudioBone, PhysicsSolid)},
     {"contents", offsetof(StudioBone, Contents)},
 };
 
@@ -92,6 +95,10 @@ void CompareBones(const ComparedModels& models) {
                          TextOf(models.First, first, first->SurfacePropOffset),
                          TextOf(models.Second, second, second->SurfacePropOffset));
         CompareFields(differences, ModelTable::Bones, BoneFields, *first, *second, where);
+        if (first->PhysicsSolid != second->PhysicsSolid) {
+          differences.Add(ModelTable::Bones, "physics solid", name, std::to_string(first->PhysicsSolid),
+                          std::to_string(second->PhysicsSolid), 0, false, models.LostWithPhysics());
+        }
         CompareFields(differences, ModelTable::Poses, PoseFields, *first, *second, where);
         if (first->ProceduralType != second->ProceduralType) return;
         if (first->ProceduralType == BoneProcedureJiggle) CompareJiggleBones(models, first, second, name);

@@ -18,6 +18,10 @@ struct ComparedModels {
   ModelReader& Second;
   DifferenceList& Differences;
   const std::function<bool()>& Stopped;  // may be empty
+  bool FirstHasPhysics = true;           // a .phy file lies beside the first
+
+  /// Why a value that a compile takes from the collision model cannot come back; empty where it can.
+  std::string_view LostWithPhysics() const { return FirstHasPhysics ? "" : "not known without the .phy file"; }
 
   bool IsStopped() const { return Stopped && Stopped(); }
 };
@@ -54,6 +58,9 @@ template <core::PackedRecord T>
 std::string_view TextOf(const ModelReader& reader, const core::Record<T>& record, int32_t offset) {
   return offset == 0 ? std::string_view() : reader.Model.NameOf(record, offset).value_or("");
 }
+
+/// The .phy file that goes with a model in `files`, if there is one.
+std::optional<std::string> FindPhyFile(const core::FileSource& files, const std::string& mdl);
 
 // The tables, a kind each.
 void CompareHeaders(const ComparedModels& models);

@@ -29,7 +29,11 @@ std::string DifferenceLine(const ModelDifference& difference) {
     std::snprintf(amount.data(), amount.size(), "%.3g", difference.Largest);
     line += std::string(difference.Count > 1 ? " by up to " : " by ") + amount.data();
   }
-  if (difference.IsRounding) line += " (rounding)";
+  if (difference.IsRounding) {
+    line += " (rounding)";
+  } else if (!difference.Derived.empty()) {
+    line += " (" + std::string(difference.Derived) + ")";
+  }
   if (!difference.Where.empty()) {
     const bool many = difference.Count > 1;
     line += (many ? (difference.Largest > 0 ? ", most in " : ", first in ") : ", in ") + difference.Where;

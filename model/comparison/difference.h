@@ -45,7 +45,11 @@ struct ModelDifference {
   size_t Count = 1;         // places
   double Largest = 0;       // the largest difference of a number; 0 for what is none
   bool IsRounding = false;  // no place differs by more than rounding can make
+  /// Why the sources cannot hold the value, where a compile derives it of what the model does not keep; else empty.
+  std::string_view Derived = {};
 
+  /// More than rounding, of what the sources should have held.
+  bool IsReal() const { return !IsRounding && Derived.empty(); }
   bool operator==(const ModelDifference&) const = default;
 };
 

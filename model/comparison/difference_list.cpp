@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <tuple>
 #include <utility>
 
 namespace tarnwick::model {
@@ -14,9 +15,10 @@ constexpr size_t LongestText = 80;
 }  // namespace
 
 void DifferenceList::Add(ModelTable table, std::string_view what, std::string where, std::string first,
-                         std::string second, double amount, bool isRounding) {
+                         std::string second, double amount, bool isRounding, std::string_view derived) {
   for (ModelDifference& known : m_differences) {
-    if (known.Table != table || known.What != what || known.IsRounding != isRounding) continue;
+    if (known.Table != table || known.What != what || known.IsRounding != isRounding || known.Derived != derived)
+      continue;
     ++known.Count;
     if (amount <= known.Largest) return;
     known.Where = std::move(where);
@@ -25,13 +27,13 @@ void DifferenceList::Add(ModelTable table, std::string_view what, std::string wh
     known.Largest = amount;
     return;
   }
-  m_differences.push_back(
-      {table, std::string(what), std::move(where), std::move(first), std::move(second), 1, amount, isRounding});
+  m_differences.push_back({table, std::string(what), std::move(where), std::move(first), std::move(second), 1, amount,
+                           isRounding, derived});
 }
 
 std::vector<ModelDifference> DifferenceList::Take() {
   std::stable_sort(m_differences.begin(), m_differences.end(), [](const auto& a, const auto& b) {
-    return std::pair(a.Table, a.IsRounding) < std::pair(b.Table, b.IsRounding);
+    return std::tuple(a.Table, !a.IsReal(), a.IsRounding) < std::tuple(b.Table, !b.IsReal(), b.IsRounding);
   });
   return std::exchange(m_differences, {});
 }

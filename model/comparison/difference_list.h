@@ -17,6 +17,13 @@ namespace tarnwick::model {
 /// names the place; it is called where something differs only.
 class DifferenceList {
  public:
+  /// Steps of what was a real number: one more or less is rounding.
+  template <typename Where>
+  void Steps(ModelTable table, std::string_view what, const Where& where, int64_t first, int64_t second) {
+    if (first == second) return;
+    const auto amount = static_cast<double>(std::abs(first - second));
+    Add(table, what, where(), std::to_string(first), std::to_string(second), amount, amount <= 1);
+  }
   /// Whole numbers and texts differ or not; there is no rounding of them.
   template <typename Where>
   void Whole(ModelTable table, std::string_view what, const Where& where, int64_t first, int64_t second) {
@@ -45,9 +52,9 @@ class DifferenceList {
     }
     if (differs) Add(table, what, where(), NumberText(first), NumberText(second), largest, isRounding);
   }
-  /// A difference whose size is known.
+  /// A difference whose size is known. `derived` is as ModelDifference has it, a text that stays.
   void Add(ModelTable table, std::string_view what, std::string where, std::string first, std::string second,
-           double amount, bool isRounding);
+           double amount, bool isRounding, std::string_view derived = {});
 
   /// What was gathered: in the order of the tables, in each what is more than rounding ahead of the rest.
   std::vector<ModelDifference> Take();

@@ -99,8 +99,8 @@ void CompareMoved(const ComparedModels& models, const std::vector<MovedVertex>& 
                                floats(b.Position), DeltaGrain);
     models.Differences.Numbers(ModelTable::Faces, "normal under a flex", where, floats(a.Normal), floats(b.Normal),
                                DeltaGrain);
-    models.Differences.Whole(ModelTable::Faces, "speed of a vertex", where, a.Speed, b.Speed);
-    models.Differences.Whole(ModelTable::Faces, "side of a vertex", where, a.Side, b.Side);
+    models.Differences.Steps(ModelTable::Faces, "speed of a vertex", where, a.Speed, b.Speed);
+    models.Differences.Steps(ModelTable::Faces, "side of a vertex", where, a.Side, b.Side);
   }
 }
 

@@ -6,8 +6,9 @@ namespace tarnwick::model {
 namespace {
 
 constexpr RecordField HeaderFields[] = {
-    {"version", offsetof(StudioHeader, Version)},   {"eye position", offsetof(StudioHeader, EyePosition), 3, TextGrain},
-    {"flags", offsetof(StudioHeader, Flags)},       {"mass", offsetof(StudioHeader, Mass), 1, TextGrain},
+    {"version", offsetof(StudioHeader, Version)},
+    {"eye position", offsetof(StudioHeader, EyePosition), 3, TextGrain},
+    {"flags", offsetof(StudioHeader, Flags)},
     {"contents", offsetof(StudioHeader, Contents)},
 };
 
@@ -73,6 +74,13 @@ void CompareHeaders(const ComparedModels& models) {
                    WithSlashes(core::FixedText(b->Name)));
   CompareFields(differences, ModelTable::Header, HeaderFields, *a, *b, nowhere);
   CompareFields(differences, ModelTable::Boxes, BoxFields, *a, *b, nowhere);
+  const float mass = a->Mass, otherMass = b->Mass;
+  if (mass != otherMass) {
+    const double amount = std::abs(double{mass} - double{otherMass});
+    const bool isRounding = amount <= TextGrain * std::max(1.0, std::abs(double{mass}));
+    differences.Add(ModelTable::Header, "mass", "", DifferenceList::NumberText({&mass, 1}),
+                    DifferenceList::NumberText({&otherMass, 1}), amount, isRounding, models.LostWithPhysics());
+  }
   differences.Text(ModelTable::Header, "surface property", nowhere, TextOf(models.First, a, a->SurfacePropOffset),
                    TextOf(models.Second, b, b->SurfacePropOffset));
   differences.Text(ModelTable::Header, "key values", nowhere, WordsOf(KeyValues(models.First)),

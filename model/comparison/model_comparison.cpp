@@ -42,7 +42,7 @@ std::optional<std::vector<ModelDifference>> CompareModels(const std::string& fir
   ModelReader second(troubles);
   if (!Load(first, firstMdl) || !Load(second, secondMdl)) return std::nullopt;
   DifferenceList differences;
-  const ComparedModels models{first, second, differences, stopped};
+  const ComparedModels models{first, second, differences, stopped, FindPhyFile(firstFiles, firstMdl).has_value()};
   constexpr void (*Steps[])(const ComparedModels&) = {CompareHeaders, CompareBones,      CompareScriptTables,
                                                       CompareMeshes,  CompareAnimations, CompareSequences,
                                                       CompareFaces,   ComparePhysics};

@@ -24,7 +24,7 @@ struct LoadedPhysics {
 
 LoadedPhysics LoadPhysics(ModelReader& reader) {
   const std::string& mdl = reader.Model.Mdl.Path();
-  const auto path = reader.Files().FindCompanion(mdl.substr(0, mdl.size() - std::min<size_t>(4, mdl.size())) + ".phy");
+  const auto path = FindPhyFile(reader.Files(), mdl);
   if (!path) return {};
   std::string reason;
   LoadedPhysics physics{reader.Files().Read(*path, &reason), {}};
@@ -143,6 +143,10 @@ void CompareSolids(const ComparedModels& models, const PhyFile& first, const Phy
 }
 
 }  // namespace
+
+std::optional<std::string> FindPhyFile(const core::FileSource& files, const std::string& mdl) {
+  return files.FindCompanion(mdl.substr(0, mdl.size() - std::min<size_t>(4, mdl.size())) + ".phy");
+}
 
 void ComparePhysics(const ComparedModels& models) {
   const LoadedPhysics first = LoadPhysics(models.First);

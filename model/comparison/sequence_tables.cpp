@@ -21,7 +21,6 @@ constexpr RecordField SequenceFields[] = {
     {"phases", offsetof(StudioSeqDesc, EntryPhase), 2, TextGrain},
     {"cycle's pose parameter", offsetof(StudioSeqDesc, CyclePose)},
 };
-constexpr RecordField SequenceBoxFields[] = {{"sequence's box", offsetof(StudioSeqDesc, Minimum), 6, BoxGrain}};
 constexpr RecordField EventFields[] = {
     {"cycle", offsetof(StudioEvent, Cycle), 1, 1e-4},
     {"number", offsetof(StudioEvent, Event)},
@@ -56,6 +55,7 @@ class SequenceComparison {
       : m_models(models),
         m_first(first),
         m_second(second),
+        m_number(number),
         m_place(Place("sequence", TextOf(models.First, first, first->LabelOffset), number)) {}
 
   void Compare() {
@@ -63,7 +63,7 @@ class SequenceComparison {
     Text("label", m_first->LabelOffset, m_second->LabelOffset);
     Text("activity", m_first->ActivityOffset, m_second->ActivityOffset);
     CompareFields(m_models.Differences, ModelTable::Sequences, SequenceFields, *m_first, *m_second, where);
-    CompareFields(m_models.Differences, ModelTable::Boxes, SequenceBoxFields, *m_first, *m_second, where);
+    CompareBoxes();
     m_models.Differences.Text(ModelTable::Sequences, "key values", where, KeyValues(m_models.First, m_first),
                               KeyValues(m_models.Second, m_second));
     CompareEvents();
@@ -96,6 +96,37 @@ class SequenceComparison {
         m_models, table, what, [&] { return m_place; }, {m_first.Offset() + first.first, first.second},
         {m_second.Offset() + second.first, second.second},
         [&](const auto& a, const auto& b, int64_t) { compare(a, b); });
+  }
+
+  /// No statement holds the box of a sequence: a compile makes it of the vertices, bones and hit boxes that it knows,
+  /// some of which it drops, and the first one's of the collision model too. Of two boxes that lie one in the other the
+  /// model says nothing more; any others are a difference.
+  void CompareBoxes() {
+    const auto box = [](const SequenceRecord& sequence) {
+      const Vec3 least = sequence->Minimum, most = sequence->Maximum;
+      return std::array<float, 6>{least.x, least.y, least.z, -most.x, -most.y, -most.z};
+    };
+    const auto a = box(m_first), b = box(m_second);
+    double largest = 0;
+    bool isRounding = true, holds = true, isHeld = true;
+    for (size_t i = 0; i < a.size(); ++i) {
+      const double amount = double{a[i]} - double{b[i]};
+      const double grain = BoxGrain * std::max(1.0, std::abs(double{a[i]}));
+      isRounding = isRounding && std::abs(amount) <= grain;
+      holds = holds && amount <= grain;
+      isHeld = isHeld && -amount <= grain;
+      if (std::isfinite(amount)) largest = std::max(largest, std::abs(amount));
+    }
+    if (a == b) return;
+    std::string_view derived;
+    if (m_number == 0 && holds) derived = m_models.LostWithPhysics();
+    if (derived.empty() && (holds || isHeld)) derived = "no source holds it";
+    const auto text = [](std::array<float, 6> numbers) {
+      for (size_t i = 3; i < numbers.size(); ++i) numbers[i] = -numbers[i];
+      return DifferenceList::NumberText(numbers);
+    };
+    m_models.Differences.Add(ModelTable::Boxes, "sequence's box", m_place, text(a), text(b), largest, isRounding,
+                             derived);
   }
 
   void CompareEvents() {
@@ -162,6 +193,7 @@ class SequenceComparison {
   const ComparedModels& m_models;
   const SequenceRecord& m_first;
   const SequenceRecord& m_second;
+  const int64_t m_number;
   const std::string m_place;
 };
 

@@ -1,0 +1,98 @@
+// Sound models of every kind: compiled, taken apart, compiled and taken apart again, nothing may change.
+
+#include <gmock/gmock.h>
+
+#include <fstream>
+
+#include "compiler/compile_model.h"
+#include "decompiler/decompile_job.h"
+#include "model/comparison/model_comparison.h"
+#include "random_sources.h"
+#include "smd/source_comparison.h"
+#include "support/layout_checker.h"
+#include "support/recording_report.h"
+#include "support/scratch_folder.h"
+
+namespace tarnwick::compiler {
+namespace {
+
+using namespace tests;
+
+/// A model in a folder that is removed with it.
+struct WrittenModel {
+  ScratchFolder Folder;
+  std::vector<std::string> Told;
+  bool Made = false;
+
+  WrittenModel(const std::string& script, const CompileOptions& options) {
+    CompileReport report;
+    const auto files = CompileToMemory(script, options, report);
+    for (const core::Trouble& trouble : report.Troubles) Told.push_back(trouble.Text);
+    if (!files) return;
+    Made = true;
+    const std::pair<const char*, const std::string*> parts[] = {{"model.mdl", &files->Mdl},
+                                                                {"model.vvd", &files->Vvd},
+                                                                {"model.dx90.vtx", &files->Vtx},
+                                                                {"model.phy", &files->Phy},
+                                                                {"model.ani", &files->Ani}};
+    for (const auto& [name, bytes] : parts) {
+      if (!bytes->empty()) std::ofstream(Folder.Path(name), std::ios::binary) << *bytes;
+    }
+    Layout = CheckLayout({files->Mdl, files->Vvd, files->Vtx, files->Phy});
+  }
+  std::string Path() const { return Folder.Path("model.mdl"); }
+  std::vector<std::string> Layout;
+};
+
+void TakeApart(const std::string& model, const std::string& folder) {
+  decompiler::DecompileJob job{
+      .ModelPath = model, .OutputDirectory = folder, .Options = decompiler::DecompileOptionReadyToCompile};
+  RecordingReport report;
+  EXPECT_TRUE(decompiler::DecompileModel(job, report).Succeeded()) << report.LogText;
+}
+
+/// What is not the same behind one round, a line each.
+std::vector<std::string> Round(uint32_t seed, uint32_t things, int32_t version) {
+  ScratchFolder authors, first, second;
+  for (const auto& [name, text] : RandomSources(seed, things)) WriteText(authors.Path(name), text);
+  CompileOptions options;
+  options.Version = version;
+  const WrittenModel model(authors.Path("model.qc"), options);
+  std::vector<std::string> lines = model.Layout;
+  if (!model.Made) return model.Told;
+  TakeApart(model.Path(), first.Path());
+  options.KeepValues = true;
+  options.NormalAngle = 0;
+  const WrittenModel again(first.Path("ravelback.qc"), options);
+  lines.insert(lines.end(), again.Told.begin(), again.Told.end());
+  if (!again.Made) return lines;
+  TakeApart(again.Path(), second.Path());
+  RecordingReport report;
+  const auto differences = model::CompareModels(model.Path(), again.Path(), report);
+  for (const auto& one : differences.value_or(std::vector<model::ModelDifference>{})) {
+    if (one.IsReal()) lines.push_back(model::DifferenceLine(one));
+  }
+  for (const auto& one : smd::CompareSources(first.Path(), second.Path(), report)) {
+    if (!one.IsRounding()) lines.push_back(smd::DifferenceLine(one));
+  }
+  return lines;
+}
+
+TEST(RandomLoop, GivesModelsOfEveryKindBack) {
+  constexpr uint32_t Rounds = 48;
+  for (uint32_t seed = 0; seed < Rounds; ++seed) {
+    // Half of all things, another half each time.
+    uint32_t things = seed * 2654435761U;
+    things ^= things >> 13;
+    things *= 0x5bd1e995;
+    things ^= things >> 15;
+    if (seed % 4 != 0) things &= ~uint32_t{RandomStatic};
+    things &= (1U << RandomThings) - 1;
+    const int32_t version = seed % 5 == 1 ? 44 : seed % 5 == 2 ? 49 : 48;
+    EXPECT_THAT(Round(seed, things, version), testing::IsEmpty())
+        << "seed " << seed << ", things " << std::hex << things << ", version " << std::dec << version;
+  }
+}
+
+}  // namespace
+}  // namespace tarnwick::compiler

@@ -1,0 +1,464 @@
+#include "random_sources.h"
+
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <vector>
+
+namespace tarnwick::tests {
+
+namespace {
+
+/// A generator of its own: the library's distributions differ from system to system.
+class Dice {
+ public:
+  explicit Dice(uint32_t seed) : m_state(seed * 2654435761U + 12345) {}
+
+  int Below(int count) {
+    m_state ^= m_state << 13;
+    m_state ^= m_state >> 7;
+    m_state ^= m_state << 17;
+    return static_cast<int>((m_state >> 11) % static_cast<uint64_t>(count));
+  }
+  int From(int least, int most) { return least + Below(most - least + 1); }
+  bool Chance(int percent) { return Below(100) < percent; }
+  double Real(double least, double most) { return least + (most - least) * Below(1'000'001) / 1e6; }
+
+ private:
+  uint64_t m_state;
+};
+
+std::string Number(double value) {
+  std::array<char, 48> text{};
+  std::snprintf(text.data(), text.size(), "%.6f", value);
+  return text.data();
+}
+template <typename... Values>
+std::string Numbers(Values... values) {
+  std::string text;
+  ((text += " " + Number(values)), ...);
+  return text;
+}
+std::string Number(int value) {
+  return std::to_string(value);
+}
+
+struct Bone {
+  std::string Name;
+  int Parent = -1;
+  std::array<double, 6> Rest = {};
+};
+
+class Maker {
+ public:
+  Maker(uint32_t seed, uint32_t things) : m_dice(seed), m_things(things) {}
+
+  std::map<std::string, std::string> Make() {
+    MakeBones();
+    m_script = "$modelname \"Props/rand " + Number(m_dice.Below(100)) + ".mdl\"\n";
+    if (Has(RandomStatic)) m_script += "$staticprop\n";
+    if (Has(RandomHeader)) Header();
+    m_script += "$cdmaterials \"models/Rand\"\n";
+    if (Has(RandomBones)) DefineBones();
+    Bodies();
+    if (Has(RandomSkins)) Skins();
+    if (Has(RandomLevels)) Levels();
+    if (Has(RandomGrids)) {
+      m_script += "$poseparameter \"aim yaw\" -60 60\n$poseparameter aim_pitch -90 45 loop 360\n";
+    }
+    if (Has(RandomAttachments)) Attachments();
+    if (Has(RandomHitboxes)) Hitboxes();
+    if (Has(RandomIk)) Chains();
+    if (Has(RandomProcedures) && !Has(RandomStatic)) Procedures();
+    if (Has(RandomWords)) WeightLists();
+    Sequences();
+    if (Has(RandomCollision)) Collision();
+    m_files["model.qc"] = m_script;
+    return m_files;
+  }
+
+ private:
+  bool Has(RandomThing thing) const { return (m_things & thing) != 0; }
+  std::string Any(const std::vector<std::string>& of) {
+    return of[static_cast<size_t>(m_dice.Below(static_cast<int>(of.size())))];
+  }
+  std::string AnyBone() {
+    return "\"" + m_bones[static_cast<size_t>(m_dice.Below(static_cast<int>(m_bones.size())))].Name + "\"";
+  }
+
+  void MakeBones() {
+    const int count = Has(RandomStatic) ? m_dice.From(1, 3) : Has(RandomIk) ? m_dice.From(4, 9) : m_dice.From(1, 9);
+    for (int i = 0; i < count; ++i) {
+      Bone bone;
+      bone.Name = Any({"Bip01 Spine", "ValveBiped.arm", "bone", "tail.L", "Jaw"}) + Number(i);
+      bone.Parent = i == 0 ? -1 : Has(RandomIk) && i < 4 ? i - 1 : m_dice.From(m_dice.Chance(10) ? -1 : 0, i - 1);
+      for (size_t axis = 0; axis < 3; ++axis) bone.Rest[axis] = m_dice.Real(-12, 12);
+      for (size_t axis = 3; axis < 6; ++axis) bone.Rest[axis] = m_dice.Chance(30) ? 0 : m_dice.Real(-3.1, 3.1);
+      if (m_dice.Chance(20)) bone.Rest[4] = m_dice.Chance(50) ? 1.570796 : -1.570796;
+      m_bones.push_back(bone);
+    }
+  }
+  std::string Nodes() const {
+    std::string text = "version 1\nnodes\n";
+    for (size_t i = 0; i < m_bones.size(); ++i) {
+      text += std::to_string(i) + " \"" + m_bones[i].Name + "\" " + std::to_string(m_bones[i].Parent) + "\n";
+    }
+    return text + "end\n";
+  }
+  static std::string PoseLine(size_t bone, const std::array<double, 6>& pose) {
+    return std::to_string(bone) + Numbers(pose[0], pose[1], pose[2], pose[3], pose[4], pose[5]) + "\n";
+  }
+  std::string Rest() const {
+    std::string text = "skeleton\ntime 0\n";
+    for (size_t i = 0; i < m_bones.size(); ++i) text += PoseLine(i, m_bones[i].Rest);
+    return text + "end\n";
+  }
+
+  struct Vertex {
+    std::string Line;
+    std::array<double, 6> Place = {};  // position, normal
+  };
+  /// Round surfaces of a few materials.
+  std::string Mesh(const std::string& name, int fewest, int most) {
+    std::string triangles;
+    m_meshVertices.clear();
+    const int parts = m_dice.From(1, 3);
+    for (int part = 0; part < parts; ++part) {
+      const std::string material = Any({"Skin", "cloth_a", "metal", "glass"});
+      const int columns = m_dice.From(fewest, most), rows = m_dice.From(fewest, most);
+      const double size = m_dice.Real(1, 15), x = m_dice.Real(-20, 20), z = m_dice.Real(-20, 40);
+      std::vector<Vertex> grid;
+      for (int row = 0; row <= rows; ++row) {
+        for (int column = 0; column <= columns; ++column) {
+          const double u = double(column) / columns, v = double(row) / rows;
+          const double a = u * 6.283185, b = v * 3.141593;
+          const double nx = std::cos(a) * std::sin(b), ny = std::sin(a) * std::sin(b), nz = std::cos(b);
+          Vertex vertex;
+          vertex.Place = {x + size * nx, size * ny, z + size * nz, nx, ny, nz};
+          vertex.Line =
+              Number(BoneOfRow()) + Numbers(x + size * nx, size * ny, z + size * nz, nx, ny, nz, u, v) + Links() + "\n";
+          grid.push_back(vertex);
+        }
+      }
+      for (int row = 0; row < rows; ++row) {
+        for (int column = 0; column < columns; ++column) {
+          const auto at = [&](int r, int c) {
+            return grid[static_cast<size_t>((row + r) * (columns + 1) + column + c)];
+          };
+          for (const auto& corners :
+               {std::array{at(0, 0), at(1, 0), at(1, 1)}, std::array{at(0, 0), at(1, 1), at(0, 1)}}) {
+            triangles += material + "\n" + corners[0].Line + corners[1].Line + corners[2].Line;
+          }
+        }
+      }
+      m_meshVertices.insert(m_meshVertices.end(), grid.begin(), grid.end());
+    }
+    m_files[name] = Nodes() + Rest() + "triangles\n" + triangles + "end\n";
+    return name;
+  }
+  int BoneOfRow() { return m_dice.Below(static_cast<int>(m_bones.size())); }
+  std::string Links() {
+    if (!Has(RandomWeights) || m_dice.Chance(30)) return "";
+    const int count = m_dice.From(1, 4);
+    std::string text = " " + Number(count);
+    double left = 1;
+    for (int i = 0; i < count; ++i) {
+      const double weight = i + 1 == count ? left : left * m_dice.Real(0.02, 0.9);
+      left -= weight;
+      text += " " + Number(BoneOfRow()) + Numbers(weight);
+    }
+    return text;
+  }
+
+  void Header() {
+    const std::vector<std::string> lines = {
+        "$surfaceprop \"Flesh\"",
+        "$contents \"grate\"",
+        "$eyeposition 1 -2.5 60",
+        "$illumposition 0 3 12.25",
+        "$bbox -20 -20 0 20 20 72",
+        "$cbox -1 -2 -3 4 5 6",
+        "$maxeyedeflection 30",
+        "$mostlyopaque",
+        "$opaque",
+        "$includemodel \"rand/Moves.mdl\"",
+        "$keyvalues { prop_data { base Metal.Large allowstatic 1 } \"a b\" { c \"d e\" } }",
+        "$cdmaterials \"\" other\\folder"};
+    for (const std::string& line : lines) {
+      if (m_dice.Chance(50)) m_script += line + "\n";
+    }
+    if (m_dice.Chance(50) && !Has(RandomStatic)) m_script += "$jointsurfaceprop " + AnyBone() + " metal\n";
+    if (m_dice.Chance(50) && !Has(RandomStatic)) m_script += "$bonemerge " + AnyBone() + "\n";
+  }
+  void DefineBones() {
+    if (Has(RandomStatic)) return;
+    for (size_t i = 0; i < m_bones.size(); ++i) {
+      const Bone& bone = m_bones[i];
+      constexpr double Degrees = 57.295779513;
+      m_script += "$definebone \"" + bone.Name + "\" \"" +
+                  (bone.Parent < 0 ? "" : m_bones[static_cast<size_t>(bone.Parent)].Name) + "\"" +
+                  Numbers(bone.Rest[0], bone.Rest[1], bone.Rest[2], bone.Rest[4] * Degrees, bone.Rest[5] * Degrees,
+                          bone.Rest[3] * Degrees, 0.0, 0.0, 0.0, 0.0, 0.0, 0.0) +
+                  "\n";
+    }
+    m_script += "$definebone \"Spare bone\" \"\" 1 2 3 40 50 60 0 0 0 0 0 0\n";
+  }
+
+  void Bodies() {
+    m_script += "$body \"Body One\" \"" + Mesh("ref.smd", 4, 12) + "\"\n";
+    if (Has(RandomFace) && !Has(RandomStatic)) Face();
+    if (!Has(RandomBodyGroups)) return;
+    const int groups = m_dice.From(1, 2);
+    for (int group = 0; group < groups; ++group) {
+      m_script += "$bodygroup group" + Number(group) + " {\n";
+      const int choices = m_dice.From(1, 3);
+      for (int i = 0; i < choices; ++i) {
+        m_script += "  studio \"" + Mesh("choice" + Number(group) + Number(i) + ".smd", 3, 6) + "\"\n";
+        if (m_dice.Chance(40)) m_script += "  blank\n";
+      }
+      m_script += "}\n";
+    }
+  }
+  /// Shapes that lift some of the mesh's vertices.
+  void Face() {
+    Mesh("head.smd", 5, 9);
+    std::string shapes = Nodes() + "skeleton\ntime 0\ntime 1\ntime 2\ntime 3\nend\nvertexanimation\n";
+    for (int shape = 0; shape < 4; ++shape) {
+      shapes += "time " + Number(shape) + "\n";
+      for (size_t i = 0; i < m_meshVertices.size(); ++i) {
+        const auto& p = m_meshVertices[i].Place;
+        const bool moves = (i + static_cast<size_t>(shape)) % 3 == 0;
+        if (shape > 0 && !moves) continue;
+        const double by = shape == 0 ? 0 : 0.1 * shape + 0.01 * static_cast<double>(i % 7);
+        shapes += std::to_string(i) + Numbers(p[0], p[1] + by, p[2] - by / 2, p[3], p[4], p[5]) + "\n";
+      }
+    }
+    m_files["head.vta"] = shapes + "end\n";
+    m_script +=
+        "$model face \"head.smd\" {\n  flexfile \"head.vta\" {\n    defaultflex frame 0\n    flex smile frame 1\n"
+        "    flex frown frame 2\n    flex late frame 3\n  }\n  mouth 0 \"smile\" " +
+        AnyBone() +
+        " 0 1 0\n"
+        "  flexcontroller mouth smile range 0 1\n  flexcontroller brow range -1 1 right_frown left_frown\n"
+        "  localvar both\n  %both = smile * 0.5 + 1\n  %smile = (%both - 0.5) / 2\n"
+        "  %frown = left_frown - right_frown * 2\n  %late = -smile\n}\n";
+  }
+  void Skins() {
+    m_script += "$texturegroup skinfamilies {\n  { \"Skin\" \"metal\" }\n  { \"Skin_b\" \"metal\" }\n";
+    if (m_dice.Chance(50)) m_script += "  { \"Skin_c\" \"glass\" }\n";
+    m_script += "}\n";
+  }
+  void Levels() {
+    const int levels = m_dice.From(1, 4);
+    for (int i = 1; i <= levels; ++i) {
+      m_script += "$lod " + Number(10 * i) + " {\n";
+      if (m_dice.Chance(70))
+        m_script += "  replacemodel ref.smd \"" + Mesh("ref_lod" + Number(i) + ".smd", 3, 6) + "\"\n";
+      if (m_dice.Chance(40) && !Has(RandomStatic))
+        m_script += "  replacebone " + AnyBone() + " \"" + m_bones[0].Name + "\"\n";
+      if (m_dice.Chance(20) && !Has(RandomStatic)) m_script += "  bonetreecollapse " + AnyBone() + "\n";
+      if (m_dice.Chance(40)) m_script += "  nofacial\n";
+      if (m_dice.Chance(20)) m_script += "  removemesh metal\n";
+      if (m_dice.Chance(20)) m_script += "  replacematerial Skin metal\n";
+      m_script += "}\n";
+    }
+    if (m_dice.Chance(30)) m_script += "$shadowlod {\n  replacemodel ref.smd \"" + Mesh("shadow.smd", 3, 4) + "\"\n}\n";
+  }
+  void Attachments() {
+    for (int i = m_dice.From(1, 5); i > 0; --i) {
+      m_script +=
+          "$attachment \"At " + Number(i) + "\" " + AnyBone() + Numbers(m_dice.Real(-9, 9), m_dice.Real(-9, 9), 0.5);
+      if (m_dice.Chance(30)) m_script += " absolute";
+      if (m_dice.Chance(60)) {
+        m_script += " rotate" + Numbers(m_dice.Chance(20) ? 90 : m_dice.Real(-89, 89), m_dice.Real(-180, 180),
+                                        m_dice.Real(-180, 180));
+      }
+      m_script += "\n";
+    }
+  }
+  void Hitboxes() {
+    for (const char* set : {"default", "Second"}) {
+      m_script += std::string("$hboxset \"") + set + "\"\n";
+      for (int i = m_dice.From(0, 4); i > 0 && !Has(RandomStatic); --i) {
+        m_script += "$hbox " + Number(m_dice.Below(8)) + " " + AnyBone() +
+                    Numbers(-m_dice.Real(1, 5), -2.0, -3.5, 2.0, m_dice.Real(1, 5), 3.0) + "\n";
+      }
+      if (m_dice.Chance(50)) return;
+    }
+  }
+  void Chains() {
+    if (Has(RandomStatic)) return;
+    m_script += "$ikchain \"Foot one\" \"" + m_bones[2].Name + "\" knee 0.707 -0.707 0\n";
+    m_script += "$ikchain hand \"" + m_bones[3].Name + "\"\n$ikautoplaylock hand 1 0.1\n";
+  }
+  void Procedures() {
+    const auto last = m_bones.size() - 1;
+    m_script += "$jigglebone \"" + m_bones[last].Name + "\" {\n  is_flexible {\n    length " +
+                Numbers(m_dice.Real(5, 40)) +
+                "\n    tip_mass 20\n    yaw_stiffness 120\n    yaw_damping 3\n    angle_constraint 45\n    "
+                "yaw_constraint -20 30\n"
+                "  }\n";
+    if (m_dice.Chance(50))
+      m_script +=
+          "  has_base_spring {\n    base_mass 5\n    stiffness 90\n    left_constraint -2 3\n    up_friction 1\n  }\n";
+    m_script += "}\n";
+    if (last < 3) return;
+    m_script += "$proceduralbones \"driven.vrd\"\n";
+    m_files["driven.vrd"] =
+        "<helper> \"" + m_bones[1].Name + "\" \"" + Parent(1) + "\" \"" + Parent(2) + "\" \"" + m_bones[2].Name +
+        "\"\n<basepos> 1 2 3\n<trigger> 90 0 0 0 10 20 30 0 0 0\n<trigger> 45 10 20 30 0 0 0 1 0 -1\n";
+  }
+  std::string Parent(size_t bone) const {
+    return m_bones[bone].Parent < 0 ? "" : m_bones[static_cast<size_t>(m_bones[bone].Parent)].Name;
+  }
+  void WeightLists() {
+    if (Has(RandomStatic)) return;
+    m_script += "$weightlist upper {";
+    for (const Bone& bone : m_bones) {
+      if (m_dice.Chance(60))
+        m_script += " \"" + bone.Name + "\"" + Numbers(m_dice.Chance(50) ? 1.0 : m_dice.Real(0, 1));
+    }
+    m_script += " }\n";
+  }
+
+  /// Frames that wander away from the rest pose.
+  std::string Animation(const std::string& name, int frames, bool big) {
+    std::string text = Nodes() + "skeleton\n";
+    std::vector<std::array<double, 6>> slope(m_bones.size());
+    for (auto& bone : slope) {
+      const bool still = m_dice.Chance(40);
+      for (size_t axis = 0; axis < 6; ++axis) {
+        bone[axis] =
+            still || m_dice.Chance(30) ? 0 : m_dice.Real(-1, 1) * (axis < 3 ? (big ? 300 : 10) : (big ? 3 : 0.3));
+      }
+    }
+    for (int frame = 0; frame < frames; ++frame) {
+      text += "time " + Number(frame) + "\n";
+      for (size_t i = 0; i < m_bones.size(); ++i) {
+        std::array<double, 6> pose = m_bones[i].Rest;
+        const double t = frames == 1 ? 0.3 : std::sin(3.0 * frame / frames);
+        for (size_t axis = 0; axis < 6; ++axis) pose[axis] += slope[i][axis] * t;
+        text += PoseLine(i, pose);
+      }
+    }
+    m_files[name] = text + "end\n";
+    return name;
+  }
+  void Sequences() {
+    m_script += "$sequence \"Idle one\" \"ref.smd\" fps " + Number(m_dice.From(1, 60)) + "\n";
+    if (Has(RandomAnimations)) {
+      for (int i = m_dice.From(1, 3); i > 0; --i) {
+        const int frames = Has(RandomLongAnimations) && m_dice.Chance(60) ? m_dice.From(119, 200) : m_dice.From(1, 40);
+        m_script += "$sequence move" + Number(i) + " \"" +
+                    Animation("move " + Number(i) + ".smd", frames, m_dice.Chance(30)) + "\"";
+        m_script += m_dice.Chance(50) ? " loop" : "";
+        m_script += m_dice.Chance(30) ? " snap" : "";
+        m_script += m_dice.Chance(30) ? " fadein 0.5 fadeout 0\n" : "\n";
+      }
+    }
+    if (Has(RandomTravel)) {
+      m_script += "$sequence walk \"" + Animation("walk.smd", 21, false) +
+                  "\" { walkframe 9 LX LY walkframe 20 LX LY LZ fps 20 }\n";
+      m_script += "$sequence run \"" + Animation("run.smd", 11, false) + "\" X Y\n";
+    }
+    if (Has(RandomDeltas)) {
+      m_script += "$animation base_pose \"ref.smd\"\n";
+      m_script += "$sequence gesture \"" + Animation("gesture.smd", m_dice.From(2, 12), m_dice.Chance(20)) +
+                  "\" subtract gesture 0 delta\n";
+      m_script += "$sequence layer_over \"" + Animation("over.smd", m_dice.From(1, 12), false) +
+                  "\" subtract \"Idle one\" 0 " +
+                  Any({"delta autoplay", "predelta", "delta realtime", "delta hidden"}) + "\n";
+    }
+    if (Has(RandomGrids)) Grids();
+    if (Has(RandomIk) && !Has(RandomStatic)) {
+      m_script += "$sequence stand \"" + Animation("stand.smd", 11, false) +
+                  "\" {\n  ikrule \"Foot one\" touch \"\" range 0 2 8 10\n  ikrule hand release\n  ikrule hand touch " +
+                  AnyBone() + "\n}\n";
+    }
+    if (Has(RandomWords)) Words();
+  }
+  void Grids() {
+    for (const char* name : {"a", "b", "c", "d", "e", "f"}) {
+      m_script += std::string("$animation grid_") + name + " \"" +
+                  Animation(std::string("grid_") + name + ".smd", 5, false) + "\"" +
+                  (m_dice.Chance(30) ? " fps 12" : "") + "\n";
+    }
+    m_script +=
+        "$sequence grid3 {\n  grid_a grid_b grid_c\n  blend \"aim yaw\" -30 60\n  activity ACT_RANDOM 2\n}\n"
+        "$sequence grid32 {\n  grid_a grid_b grid_c grid_d grid_e grid_f\n  blendwidth 3\n  blend \"aim yaw\" -60 60\n"
+        "  blend aim_pitch 45 -90\n}\n$sequence grid4 { grid_a grid_c grid_e grid_f blend aim_pitch -9 9 blend \"aim "
+        "yaw\" 0 1 }\n";
+  }
+  void Words() {
+    m_script += "$sequence talk \"" + Animation("talk.smd", m_dice.From(1, 20), false) + "\" {\n";
+    const std::vector<std::string> lines = {"{ event AE_CL_PLAYSOUND 0 \"Crane.Hum\" }",
+                                            "{ event 5001 1 \"12\" }",
+                                            "activity ACT_TALK 3",
+                                            "node Stand",
+                                            "addlayer \"Idle one\"",
+                                            "blendlayer \"Idle one\" 0 1 2 3",
+                                            "fadein 1.5",
+                                            "activitymodifier fast"};
+    for (const std::string& line : lines) {
+      if (m_dice.Chance(60)) m_script += "  " + line + "\n";
+    }
+    if (!Has(RandomStatic) && m_dice.Chance(60)) m_script += "  weightlist upper\n";
+    if (Has(RandomIk) && !Has(RandomStatic)) m_script += "  iklock hand 1 0.25\n";
+    m_script +=
+        "}\n$sequence step \"ref.smd\" transition Stand Sit\n$sequence back \"ref.smd\" rtransition Sit \"Lie down\"\n";
+  }
+
+  void Collision() {
+    const bool joints = Has(RandomJoints) && !Has(RandomStatic);
+    std::string triangles;
+    const size_t solids = joints ? m_bones.size() : static_cast<size_t>(m_dice.From(1, 4));
+    for (size_t i = 0; i < solids; ++i) {
+      const double x = m_dice.Real(-20, 20), y = m_dice.Real(-20, 20), s = m_dice.Real(1, 8);
+      const auto corner = [&](int c) {
+        const double dx = (c & 1) != 0 ? 1 : -1, dy = (c & 2) != 0 ? 1 : -1, dz = (c & 4) != 0 ? 1 : -1;
+        return (joints ? std::to_string(i) : "0") +
+               Numbers(x + s * dx, y + s * dy * 1.5, 9 + s * dz, dx * 0.57735, dy * 0.57735, dz * 0.57735, 0.0, 0.0) +
+               "\n";
+      };
+      static constexpr int Faces[12][3] = {{0, 2, 1}, {1, 2, 3}, {4, 5, 6}, {5, 7, 6}, {0, 1, 4}, {1, 5, 4},
+                                           {2, 6, 3}, {3, 6, 7}, {0, 4, 2}, {2, 4, 6}, {1, 3, 5}, {3, 7, 5}};
+      for (const auto& face : Faces) triangles += "phys\n" + corner(face[0]) + corner(face[1]) + corner(face[2]);
+    }
+    m_files["hull.smd"] = Nodes() + Rest() + "triangles\n" + triangles + "end\n";
+    m_script += std::string(joints ? "$collisionjoints" : "$collisionmodel") + " \"hull.smd\" {\n  $mass " +
+                Numbers(m_dice.Real(1, 200)) + "\n";
+    if (!joints && m_dice.Chance(60)) m_script += "  $concave\n";
+    if (m_dice.Chance(50)) m_script += "  $inertia 2\n  $damping 0.1\n  $rotdamping 1.5\n";
+    if (joints) {
+      m_script += "  $rootbone \"" + m_bones[0].Name + "\"\n";
+      for (size_t i = 1; i < m_bones.size(); ++i) {
+        if (m_dice.Chance(50))
+          m_script += "  $jointconstrain \"" + m_bones[i].Name + "\" " + Any({"x", "y", "z"}) +
+                      Any({" limit -30 45.5 0.2", " free 0 0 0", " fixed 0 0 0"}) + "\n";
+        if (m_dice.Chance(20)) m_script += "  $jointmassbias \"" + m_bones[i].Name + "\" 2\n";
+        if (m_dice.Chance(20)) m_script += "  $jointrotdamping \"" + m_bones[i].Name + "\" 0.75\n";
+      }
+      if (m_bones.size() > 2 && m_dice.Chance(50))
+        m_script += "  $jointmerge \"" + m_bones[0].Name + "\" \"" + m_bones[2].Name + "\"\n";
+      if (m_bones.size() > 3 && m_dice.Chance(50))
+        m_script += "  $jointcollide \"" + m_bones[0].Name + "\" \"" + m_bones[3].Name + "\"\n";
+      if (m_dice.Chance(50)) m_script += "  $animatedfriction 1 400 0.5 0.3 0\n";
+    }
+    m_script += "}\n";
+  }
+
+  Dice m_dice;
+  uint32_t m_things;
+  std::vector<Bone> m_bones;
+  std::vector<Vertex> m_meshVertices;
+  std::string m_script;
+  std::map<std::string, std::string> m_files;
+};
+
+}  // namespace
+
+std::map<std::string, std::string> RandomSources(uint32_t seed, uint32_t things) {
+  return Maker(seed, things).Make();
+}
+
+}  // namespace tarnwick::tests
