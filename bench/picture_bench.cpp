@@ -49,7 +49,7 @@ class ModelTree {
       for (int side = 0; side <= Sides; ++side) {
         const float a = 3.14159f * static_cast<float>(ring) / Rings, b = 6.28318f * static_cast<float>(side) / Sides;
         const model::Vec3 out{std::sin(a) * std::cos(b), std::sin(a) * std::sin(b), std::cos(a)};
-        vertices.push_back({.Position = {30 * out.X, 30 * out.Y, 30 * out.Z},
+        vertices.push_back({.Position = {30 * out.x, 30 * out.y, 30 * out.z},
                             .Normal = out,
                             .U = static_cast<float>(side) / Sides,
                             .V = static_cast<float>(ring) / Rings});

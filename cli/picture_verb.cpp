@@ -111,6 +111,7 @@ std::string OutputProblem(const Options& options) {
 int DrawPictures(Options& options, Invocation& invocation) {
   options.Directories.FillFromSettings(invocation.Err);
   jobs::DrawPictures job{.Inputs = options.Inputs,
+                         .Content = options.Directories.ContentFor(options.Inputs, true, invocation.Err),
                          .Output = options.Output,
                          .Recursive = options.Recursive,
                          .Frame = options.Frame,
@@ -142,7 +143,8 @@ void AddPictureVerb(CLI::App& program, Invocation& invocation) {
   CLI::App* verb = program.add_subcommand("picture", "Draw compiled models as pictures (PNG), without a display");
   auto options = std::make_shared<Options>();
   verb->add_option("MODEL|DIRECTORY", options->Inputs,
-                   "Compiled models (.mdl, with .vvd and .vtx beside them), or folders")
+                   "Compiled models (.mdl, with .vvd and .vtx beside them), or folders; both also in archives "
+                   "(pak01_dir.vpk:models/crate.mdl) and in the game (game:models/crate.mdl)")
       ->required();
   verb->add_option("-o,--output", options->Output,
                    "The picture of one MODEL, if it ends in .png; else a folder, made if missing, for a picture named "

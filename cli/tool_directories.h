@@ -37,8 +37,6 @@ struct ToolDirectories {
   void AddGameOption(CLI::App& verb);
   /// Adds them to a verb that needs no game: all but --game.
   void AddSdkOptions(CLI::App& verb);
-  /// Adds --game alone.
-  void AddGameOption(CLI::App& verb);
   /// Fills what was not given from the settings.
   void FillFromSettings(std::ostream& err);
   /// Where `tool` is taken from: the SDK's directory, or where that lacks it the program's own tools.

@@ -88,8 +88,9 @@ int TextureSideFor(const DrawPictures& job) {
 /// What the items of a job share.
 struct Shared {
   Shared(const DrawPictures& job, core::TroubleSink& sink)
-      : Game(job.GameDirectory, sink), Textures(size_t{256} << 20, TextureSideFor(job)) {}
+      : Content(ContentOf(job)), Game(job.GameDirectory, sink), Textures(size_t{256} << 20, TextureSideFor(job)) {}
 
+  std::shared_ptr<InputContent> Content;
   view::GameMaterials Game;
   view::TextureCache Textures;
   Drawers Ready;
@@ -123,10 +124,14 @@ class Drawing {
 
   void Work() {
     const std::string& path = m_run.Result.Source;
-    if (!core::FileExists(path)) {
+    const archives::ContentFiles& content = m_shared.Content->Files();
+    if (!content.Holds(path)) {
       return m_run.Fail(core::TroubleKind::Missing, "there is no such model", path);
     }
-    auto scene = view::MakeScene(path, m_run);
+    auto scene = view::MakeScene(path, m_run, [&](const std::string& name, std::string* reason) {
+      const auto found = content.FindCompanion(name);
+      return found ? content.Read(*found, reason) : std::nullopt;
+    });
     if (!scene || m_run.Stop.stop_requested()) {
       if (m_run.Result.First(core::Severity::Error) == nullptr) {
         const bool stopped = m_run.Stop.stop_requested();
@@ -204,7 +209,7 @@ class Drawing {
   }
 
   view::MaterialSet Materials(const view::Scene& scene) {
-    const view::MaterialFiles files(m_shared.Game, m_run.Result.Source);
+    const view::MaterialFiles files(m_shared.Game, m_shared.Content->Files(), m_run.Result.Source);
     view::MaterialSet materials =
         view::LoadMaterials(scene.Materials, scene.MaterialDirectories, files, m_shared.Textures);
     for (view::MissingFile& missing : materials.Missing) {
@@ -278,14 +283,14 @@ JobPlan Plan(const DrawPictures& job) {
   JobPlan plan;
   std::error_code ignored;
   const fs::path output = core::NativePath(job.Output);
-  const bool oneModel = job.Inputs.size() == 1 && !fs::is_directory(core::NativePath(job.Inputs[0]), ignored);
+  InputFiles found = FindInputFiles(job.Inputs, ModelExtension, job.Recursive, ContentOf(job)->Files());
+  plan.Troubles = std::move(found.Troubles);
+  const bool oneModel = job.Inputs.size() == 1 && found.Files.size() == 1 && !found.Files[0].Listed;
   const bool namesFile = core::EqualIgnoringCase(core::PathText(output.extension()), PictureExtension);
   if (oneModel && namesFile && !fs::is_directory(output, ignored)) {
-    plan.Items.push_back({job.Inputs[0], job.Output});
+    plan.Items.push_back({found.Files[0].Path, job.Output});
     return plan;
   }
-  InputFiles found = FindInputFiles(job.Inputs, ModelExtension, job.Recursive);
-  plan.Troubles = std::move(found.Troubles);
   UniqueNames names;
   for (const InputFile& file : found.Files) {
     const std::string name = names.Take(WithoutExtension(file.Name, ModelExtension)) + std::string(PictureExtension);
@@ -294,7 +299,9 @@ JobPlan Plan(const DrawPictures& job) {
   return plan;
 }
 
-JobResult Run(const DrawPictures& job, Host& host, const std::stop_token& stop) {
+JobResult Run(const DrawPictures& given, Host& host, const std::stop_token& stop) {
+  DrawPictures job = given;
+  job.Content = ContentOf(given);
   JobPlan plan = Plan(job);
   PlanTroubles troubles(plan);
   Shared shared(job, troubles);
@@ -307,8 +314,10 @@ JobResult Run(const DrawPictures& job, Host& host, const std::stop_token& stop) 
         host);
   }
   shared.Ready.PutBack(std::move(first));
-  return RunItems(plan, {job.Threads, job.Threads}, host, stop,
-                  [&](size_t, ItemRun& run) { Drawing(job, shared, run).Work(); });
+  return RunItems(plan, {job.Threads, job.Threads}, host, stop, [&](size_t, ItemRun& run) {
+    Drawing(job, shared, run).Work();
+    for (const core::Trouble& trouble : job.Content->TakeTroubles()) run.Tell(trouble);
+  });
 }
 
 }  // namespace tarnwick::jobs

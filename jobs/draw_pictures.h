@@ -1,11 +1,13 @@
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <stop_token>
 #include <string>
 #include <vector>
 
 #include "jobs/host.h"
+#include "jobs/input_content.h"
 #include "jobs/item_run.h"
 
 namespace tarnwick::jobs {
@@ -22,7 +24,8 @@ struct PictureAngle {
 
 /// Compiled models to pictures (PNG), drawn without a display.
 struct DrawPictures {
-  std::vector<std::string> Inputs = {};  // models, and folders that are searched for them
+  std::vector<std::string> Inputs = {};        // models, and folders that are searched for them
+  std::shared_ptr<InputContent> Content = {};  // by which inputs are had; null: no game is known
   /// The file of the one named model if it ends in .png; else a folder, made if missing.
   std::string Output = ".";
   bool Recursive = false;  // also the folders below a folder

@@ -30,6 +30,10 @@ fs::path AboveModels(fs::path folder) {
   return {};
 }
 
+bool IsOnDisk(const std::string& name) {
+  return archives::ReadContentName(name).Where == archives::ContentName::Place::Disk;
+}
+
 }  // namespace
 
 GameMaterials::GameMaterials(const std::string& gameDirectory, core::TroubleSink& sink) {
@@ -74,6 +78,13 @@ MaterialFiles::MaterialFiles(const GameMaterials& game, const std::string& model
   add(model.parent_path());
 }
 
+MaterialFiles::MaterialFiles(const GameMaterials& game, const archives::ContentFiles& content, std::string modelName)
+    : MaterialFiles(game, IsOnDisk(modelName) ? modelName : std::string()) {
+  if (IsOnDisk(modelName)) return;
+  m_content = &content;
+  m_modelName = std::move(modelName);
+}
+
 MaterialFile MaterialFiles::Read(const std::string& name) const {
   MaterialFile result;
   const std::string plain = archives::PlainName("materials/" + name);
@@ -96,6 +107,13 @@ MaterialFile MaterialFiles::Read(const std::string& name) const {
       return result;
     }
     result.Tried.push_back(Joined(folder->Path(), plain));
+  }
+  if (m_content != nullptr) {
+    if (const auto found = m_content->FindGameFile(m_modelName, plain)) {
+      take(m_content->Read(*found, &result.Reason), *found);
+      return result;
+    }
+    if (const std::string places = m_content->PlacesFor(m_modelName); !places.empty()) result.Tried.push_back(places);
   }
   result.Reason = "it was not found";
   return result;

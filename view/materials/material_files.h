@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "archives/content_files.h"
 #include "archives/game_files.h"
 #include "archives/loose_folder.h"
 #include "core/file_image.h"
@@ -49,12 +50,18 @@ class MaterialFiles {
   /// `game` outlives this object. `modelPath` is a path on the disk, or "" for none.
   MaterialFiles(const GameMaterials& game, const std::string& modelPath);
 
+  /// The same for a model that `content` gives under that name, a path or one in an archive or a game: what the game's
+  /// places lack is then looked for in the model's archive. `content` outlives this object.
+  MaterialFiles(const GameMaterials& game, const archives::ContentFiles& content, std::string modelName);
+
   /// The file of that name below `materials` ("models/props/crate.vmt"), in any case, with either slash.
   MaterialFile Read(const std::string& name) const;
 
  private:
   const GameMaterials& m_game;
   std::vector<std::shared_ptr<const archives::LooseFolder>> m_folders;  // above `materials`
+  const archives::ContentFiles* m_content = nullptr;                    // of a model that is not on the disk
+  std::string m_modelName = {};
 };
 
 }  // namespace tarnwick::view
