@@ -119,6 +119,10 @@ InputFiles FindInputFiles(const std::vector<std::string>& inputs, std::string_vi
   return found;
 }
 
+InputFiles FindInputFiles(const std::vector<std::string>& inputs, std::string_view extension, bool recursive) {
+  return FindInputFiles(inputs, extension, recursive, InputContent().Files());
+}
+
 std::string WithoutExtension(std::string name, std::string_view extension) {
   if (name.size() >= extension.size() &&
       core::EqualIgnoringCase(std::string_view(name).substr(name.size() - extension.size()), extension)) {

@@ -30,6 +30,10 @@ struct InputFiles {
 [[nodiscard]] InputFiles FindInputFiles(const std::vector<std::string>& inputs, std::string_view extension,
                                         bool recursive, const archives::ContentFiles& content);
 
+/// The same where no game is known.
+[[nodiscard]] InputFiles FindInputFiles(const std::vector<std::string>& inputs, std::string_view extension,
+                                        bool recursive);
+
 /// `name` less `extension`, in any case, if it ends so.
 [[nodiscard]] std::string WithoutExtension(std::string name, std::string_view extension);
 
