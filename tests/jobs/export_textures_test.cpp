@@ -97,6 +97,26 @@ TEST_F(ExportTexturesTest, AsksBeforeItReplacesWhatStandsBesideTheImage) {
   EXPECT_THAT(m_folder.Files(), ElementsAre("w.png", "w.tga", "w001.png", "w001.tga", "water.vtf"));
 }
 
+TEST_F(ExportTexturesTest, TellsHowMuchItWouldReplaceAndWhatItDoesNotMake) {
+  const std::string a = Texture("a.vtf", VtfBuilder()), b = Texture("b.vtf", VtfBuilder());
+  tests::WriteText(m_folder.Path("a.png"), "mine");
+  m_host.Answer = false;
+  const ExportTextures kept{.Inputs = {a, b}, .Place = ImagePlace::BesideInput, .Output = "x.png", .KeepTga = true};
+  const auto beside = jobs::Run(kept, m_host, {});
+  EXPECT_FALSE(beside.Succeeded());
+  ASSERT_EQ(m_host.Questions.size(), 1u);
+  EXPECT_THAT(m_host.Questions[0].Text, StartsWith("1 of 2 textures have been exported before."));
+
+  const auto below =
+      jobs::Run(ExportTextures{.Inputs = {b}, .Place = ImagePlace::ExactlyOutput, .Output = m_folder.Path("new/b.png")},
+                m_host, {});
+  ASSERT_EQ(below.Items.size(), 1u);
+  const core::Trouble* error = below.Items[0].First(Severity::Error);
+  ASSERT_NE(error, nullptr) << "what is not made is told";
+  EXPECT_THAT(error->Text, HasSubstr(m_folder.Path("new") + " does not exist"));
+  EXPECT_THAT(m_folder.Files(), ElementsAre("a.png", "a.vtf", "b.vtf"));
+}
+
 TEST_F(ExportTexturesTest, JudgesByWhatTheToolWrote) {
   const std::string input = Texture("a.vtf", VtfBuilder());
   tests::WriteText(m_folder.Path("a.tga"), "an older image");
