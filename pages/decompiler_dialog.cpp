@@ -75,6 +75,7 @@ CDecompilerDialog::CDecompilerDialog(const PageContext& context, QWidget* parent
   connect(m_ui->readyCheck, &QAbstractButton::toggled, m_ui->animationsCheck, &QWidget::setEnabled);
   connect(m_ui->readyCheck, &QAbstractButton::clicked, m_ui->ownFoldersCheck, &QAbstractButton::setChecked);
   connect(m_ui->extractButton, &QAbstractButton::clicked, this, &CDecompilerDialog::OnExtract);
+  AddContentButton(*m_ui->browseModelButton, archives::ContentKind::Model);
 }
 
 CDecompilerDialog::~CDecompilerDialog() = default;
@@ -163,6 +164,7 @@ size_t CDecompilerDialog::OpenFiles(const std::vector<std::string>& paths) {
 void CDecompilerDialog::OnExtract() {
   jobs::DecompileTree job;
   job.Inputs = Models();
+  job.Content = NewContent();
   job.OutputDirectory = FromQt(m_ui->outputEdit->text());
   job.Recursive = true;
   job.OwnFolders = m_ui->ownFoldersCheck->isChecked();
@@ -199,7 +201,7 @@ void CDecompilerDialog::OnExtract() {
 
 void CDecompilerDialog::OnVerify() {
   if (m_job.IsRunning() || m_status.Models().empty()) return;
-  const jobs::VerifyModels job{.Inputs = m_status.Models(), .Threads = 1};
+  const jobs::VerifyModels job{.Inputs = m_status.Models(), .Content = NewContent(), .Threads = 1};
   m_status.BeginVerifying();
   m_job.Start([job](jobs::Host& host, const std::stop_token& stop) { jobs::Run(job, host, stop); },
               {.Bar = &m_status.Bar(), .OnEvent = [this](const jobs::Event& event) { m_status.Show(event); }});
