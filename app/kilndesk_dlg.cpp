@@ -4,12 +4,16 @@
 #include <QKeyEvent>
 #include <QMenu>
 #include <QShortcut>
+#include <algorithm>
+#include <iterator>
 
 #include "app/about_dlg.h"
 #include "app/game_config_dialog.h"
 #include "app/game_directory_help_dialog.h"
 #include "app/help_window.h"
 #include "app/page_area.h"
+#include "archives/archive_name.h"
+#include "core/paths.h"
 #include "core/settings_table.h"
 #include "pages/web_addresses.h"
 #include "platform/bitmap_button.h"
@@ -32,16 +36,36 @@ namespace {
 constexpr std::array<const char*, 4> HelpHeadings = {"Compiling models", "Compiling materials", "Decompiling a model",
                                                      "Exporting textures"};
 
+bool IsMaterial(const std::string& path) {
+  return core::LowerAscii(path).ends_with(".vmt");
+}
+
+/// The archives among files on the disk.
+std::vector<std::string> ArchivesOf(const std::vector<std::string>& paths) {
+  std::vector<std::string> archives;
+  std::copy_if(paths.begin(), paths.end(), std::back_inserter(archives), [](const std::string& path) {
+    return archives::ReadContentName(path).Where == archives::ContentName::Place::Disk &&
+           archives::HasArchiveExtension(path);
+  });
+  return archives;
+}
+
 }  // namespace
 
 CKilndeskDlg::CKilndeskDlg(core::AppSettings& settings, platform::Desktop& desktop)
     : CDialog(desktop),
       m_settings(settings),
       m_ui(std::make_unique<Ui::KilndeskDlg>()),
-      m_modelPage({settings, desktop, m_modelOptions, &m_pageLog}),
-      m_materialPage({settings, desktop, m_modelOptions, &m_pageLog, [this] { OnConfigure(); }}),
-      m_decompilerPage({settings, desktop, m_modelOptions, &m_pageLog}),
-      m_texturePage({settings, desktop, m_modelOptions, &m_pageLog}),
+      m_context{settings,
+                desktop,
+                m_modelOptions,
+                &m_pageLog,
+                [this] { OnConfigure(); },
+                [this](pages::CPage& page, std::optional<archives::ContentKind> kind) { OnBrowseContent(page, kind); }},
+      m_modelPage(m_context),
+      m_materialPage(m_context),
+      m_decompilerPage(m_context),
+      m_texturePage(m_context),
       m_pages{&m_modelPage, &m_materialPage, &m_decompilerPage, &m_texturePage} {
   m_ui->setupUi(this);
   setWindowFlags(Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
@@ -85,18 +109,75 @@ void CKilndeskDlg::OnInitDialog() {
   if (!m_startFiles.empty()) QMetaObject::invokeMethod(this, &CKilndeskDlg::OpenStartFiles, Qt::QueuedConnection);
 }
 
-void CKilndeskDlg::OpenStartFiles() {
+/// Hands files to the pages that work on them, and shows the first of those. Gives how many are taken.
+size_t CKilndeskDlg::OpenInPages(const std::vector<std::string>& files) {
   size_t opened = 0;
   for (size_t i = m_pages.size(); i-- > 0;) {
-    const size_t here = m_pages[i]->OpenFiles(m_startFiles);
+    const size_t here = m_pages[i]->OpenFiles(files);
     if (here > 0) m_ui->tabs->setCurrentIndex(static_cast<int>(i));
     opened += here;
   }
-  if (opened > 0) return;
-  DesktopSeam().Box(
-      this, platform::BoxIcon::Exclamation,
-      "Tarnwick opens models (.mdl), textures (.vtf), scripts (.qc) and meshes (.smd), not\r\n" + m_startFiles.front(),
-      "Warning");
+  return opened;
+}
+
+void CKilndeskDlg::OpenStartFiles() {
+  const std::vector<std::string> archives = ArchivesOf(m_startFiles);
+  if (!archives.empty()) Content().BrowseArchives(archives);
+  if (OpenInPages(m_startFiles) + archives.size() > 0 || OfferEditor(m_startFiles)) return;
+  DesktopSeam().Box(this, platform::BoxIcon::Exclamation,
+                    "Tarnwick opens models (.mdl), textures (.vtf), scripts (.qc), meshes (.smd) and archives (.vpk, "
+                    ".gma), not\r\n" +
+                        m_startFiles.front(),
+                    "Warning");
+}
+
+pages::CContentDialog& CKilndeskDlg::Content() {
+  if (!m_content) {
+    m_content = std::make_unique<pages::CContentDialog>(
+        pages::ContentContext{m_settings, DesktopSeam(), [this] { OnConfigure(); },
+                              [this](const std::vector<std::string>& names) { return OpenContent(names); }},
+        this);
+  }
+  return *m_content;
+}
+
+void CKilndeskDlg::OnBrowseContent(pages::CPage& page, std::optional<archives::ContentKind> kind) {
+  m_contentWish = &page;
+  Content().BrowseGame(kind);
+}
+
+size_t CKilndeskDlg::OpenContent(const std::vector<std::string>& names) {
+  size_t opened = 0;
+  for (size_t i = 0; i < m_pages.size(); ++i) {
+    if (m_pages[i] != m_contentWish || !m_pages[i]->isEnabled()) continue;
+    opened = m_pages[i]->OpenFiles(names);
+    if (opened > 0) m_ui->tabs->setCurrentIndex(static_cast<int>(i));
+  }
+  if (opened == 0) opened = OpenInPages(names);
+  if (opened == 0) return 0;
+  raise();
+  activateWindow();
+  return opened;
+}
+
+/// A material is text: offers to edit the first one of `paths` if there are but materials.
+bool CKilndeskDlg::OfferEditor(const std::vector<std::string>& paths) {
+  if (paths.empty() || !std::all_of(paths.begin(), paths.end(), IsMaterial)) return false;
+  platform::MessageBoxRequest box;
+  box.Text = paths.front() + "\nis a material: text that names a shader and textures.";
+  box.Details =
+      "It can be edited as text. To export a texture, open the .vtf file that it names behind $basetexture, "
+      "below the folder materials.";
+  box.Caption = "Material";
+  box.Icon = platform::BoxIcon::Information;
+  box.Buttons = platform::BoxButtons::OkCancel;
+  box.OkLabel = "Edit";
+  if (DesktopSeam().ShowBox(this, box) != platform::BoxAnswer::Ok) return true;
+  if (DesktopSeam().Edit(paths.front()) != platform::EditStart::Begun) {
+    DesktopSeam().Box(this, platform::BoxIcon::Exclamation, "No editor could be started for\n" + paths.front(),
+                      "Warning");
+  }
+  return true;
 }
 
 void CKilndeskDlg::AddPage(pages::CPage& page, const char* tabText) {
@@ -107,6 +188,10 @@ void CKilndeskDlg::AddPage(pages::CPage& page, const char* tabText) {
 }
 
 void CKilndeskDlg::OnDropFiles(const platform::DroppedFiles& drop) {
+  const std::vector<std::string> archives = ArchivesOf(drop.Paths);
+  if (!archives.empty()) return Content().BrowseArchives(archives);
+  const bool isTexturePage = m_ui->tabs->currentIndex() == 3;  // whose field has a material's name for an output
+  if (!isTexturePage && OfferEditor(drop.Paths)) return;
   pages::CPage& page = *m_pages[static_cast<size_t>(m_ui->tabs->currentIndex())];
   if (page.isEnabled()) page.OnDropFiles(drop);
 }
@@ -116,6 +201,7 @@ void CKilndeskDlg::OnCancel() {
   m_modelPage.SaveSettings();
   m_materialPage.SaveSettings();
   m_texturePage.SaveSettings();
+  if (m_content) m_content->SaveSettings();
   setting::TabSelect.Write(m_settings, m_ui->tabs->currentIndex());
   SaveGeometry();
   CDialog::OnCancel();

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "core/app_settings.h"
+#include "pages/content_dialog.h"
 #include "pages/decompiler_dialog.h"
 #include "pages/mat_dialog.h"
 #include "pages/mdl_sel_dialog.h"
@@ -30,7 +31,8 @@ class CKilndeskDlg : public platform::CDialog {
   CKilndeskDlg(core::AppSettings& settings, platform::Desktop& desktop);
   ~CKilndeskDlg() override;
 
-  /// Hands the files to the page of the selected tab, unless a job keeps that busy.
+  /// Shows archives in the window of game content, and hands other files to the page of the selected tab, unless a job
+  /// keeps that busy.
   void OnDropFiles(const platform::DroppedFiles& drop) override;
 
   /// Shows, as soon as the dialog is there, the page that works on these files, with them in its fields: what the
@@ -60,6 +62,11 @@ class CKilndeskDlg : public platform::CDialog {
   void ShowGameDirectory();
   bool MayClose();
   void OpenStartFiles();
+  size_t OpenInPages(const std::vector<std::string>& files);
+  size_t OpenContent(const std::vector<std::string>& names);
+  pages::CContentDialog& Content();
+  void OnBrowseContent(pages::CPage& page, std::optional<archives::ContentKind> kind);
+  bool OfferEditor(const std::vector<std::string>& paths);
   void RestoreGeometry();
   void SaveGeometry();
 
@@ -67,13 +74,16 @@ class CKilndeskDlg : public platform::CDialog {
   std::unique_ptr<Ui::KilndeskDlg> m_ui;
   project::ModelOptions m_modelOptions;
   tools::PageLog m_pageLog;
+  pages::PageContext m_context;
   pages::CMDLSelDialog m_modelPage;
   pages::CMatDialog m_materialPage;
   pages::CDecompilerDialog m_decompilerPage;
   pages::CVTFDialog m_texturePage;
   std::array<pages::CPage*, PageCount> m_pages;  // by tab
   std::vector<std::string> m_startFiles;
-  std::unique_ptr<CHelpWindow> m_help;  // once it has been wanted
+  std::unique_ptr<pages::CContentDialog> m_content;  // once it has been wanted
+  pages::CPage* m_contentWish = nullptr;             // the page that asked for it last
+  std::unique_ptr<CHelpWindow> m_help;               // once it has been wanted
   QByteArray m_startGeometry;
 };
 

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <string_view>
 
+#include "archives/archive_name.h"
 #include "core/paths.h"
 
 namespace tarnwick::app {
@@ -46,6 +47,10 @@ std::vector<std::string> FilesOnLine(const std::vector<std::string>& arguments) 
     const bool looksLikeSwitch = argument.empty() || argument.front() == '-' ||
                                  (argument.front() == '/' && argument.find('/', 1) == std::string::npos);
     if (looksLikeSwitch && !std::filesystem::exists(path, error)) continue;
+    if (archives::ReadContentName(argument).Where == archives::ContentName::Place::Game) {
+      files.push_back(argument);
+      continue;
+    }
     const std::filesystem::path whole = std::filesystem::absolute(path, error);
     files.push_back(error ? argument : core::PathText(whole.lexically_normal()));
   }

@@ -19,7 +19,8 @@ enum class StartMode {
 StartMode ReadStartSwitches(const std::vector<std::string>& arguments);
 
 /// The files and folders on the command line: all that do not look like a switch, and of those what is there on the
-/// disk; whole paths, so that they stand in the fields as a browser gives them.
+/// disk; whole paths, so that they stand in the fields as a browser gives them; a name
+/// such as "game:models/crate.mdl" as it is.
 std::vector<std::string> FilesOnLine(const std::vector<std::string>& arguments);
 
 }  // namespace tarnwick::app

@@ -25,9 +25,13 @@ bool HasArchiveExtension(std::string_view path) {
 }
 
 std::string DirectoryFileOf(const std::string& path) {
-  if (!HasExtension(path, ".vpk") || Exists(path)) return path;
-  std::string directory = path;
-  directory.insert(path.size() - 4, "_dir");
+  if (!HasExtension(path, ".vpk")) return path;
+  const std::string stem = path.substr(0, path.size() - 4);
+  const size_t line = stem.find_last_of('_');
+  const bool isPart = line != std::string::npos && stem.size() - line == 4 &&
+                      stem.find_first_not_of("0123456789", line + 1) == std::string::npos;
+  if (!isPart && Exists(path)) return path;
+  const std::string directory = (isPart ? stem.substr(0, line) : stem) + "_dir" + path.substr(stem.size());
   return Exists(directory) ? directory : path;
 }
 

@@ -26,7 +26,8 @@ ContentName ReadContentName(const std::string& name);
 /// Whether `path` ends in .vpk or .gma.
 bool HasArchiveExtension(std::string_view path);
 
-/// `x_dir.vpk` for a path `x.vpk` at which nothing is, if there is such a file; otherwise the path.
+/// `x_dir.vpk`, if there is such a file, for a path `x.vpk` at which nothing is, and for that of a part of the archive,
+/// `x_000.vpk`; otherwise the path.
 std::string DirectoryFileOf(const std::string& path);
 
 }  // namespace tarnwick::archives

@@ -184,6 +184,7 @@ void CContentDialog::Show(const ContentSource& source, std::optional<ContentKind
   const bool same = source == m_source && (m_reader.Index() != nullptr || m_reader.IsOpening());
   if (!same) {
     m_source = source;
+    m_ui->tree->Forget();
     m_ui->searchEdit->clear();
     Read();
   }

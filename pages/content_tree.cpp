@@ -56,8 +56,10 @@ void CContentTree::AddPlace(const QString& text, const QString& tip, const QStri
 
 void CContentTree::Show(std::shared_ptr<const archives::ContentIndex> index,
                         std::optional<archives::ContentKind> kind) {
-  const int place = currentItem() != nullptr ? currentItem()->data(0, PlaceRole).toInt() : AllPlaces;
-  const std::string folder = Folder();
+  if (currentItem() != nullptr) {
+    m_keptPlace = currentItem()->data(0, PlaceRole).toInt();
+    m_keptFolder = Folder();
+  }
   const QSignalBlocker blocker(this);  // the choice is made at the end
   clear();
   m_index = std::move(index);
@@ -69,7 +71,14 @@ void CContentTree::Show(std::shared_ptr<const archives::ContentIndex> index,
     AddPlace(ShownName(ShortPath(places[i].Path)), TipText(places[i].Path),
              places[i].InArchive != nullptr ? "IDB_SAVE" : "folder", static_cast<int>(i));
   }
-  GoTo(place, folder);
+  GoTo(m_keptPlace, m_keptFolder);
+}
+
+void CContentTree::Forget() {
+  const QSignalBlocker blocker(this);
+  clear();
+  m_keptPlace = AllPlaces;
+  m_keptFolder.clear();
 }
 
 /// Makes `folder` current, or as much of the way to it as is there.

@@ -17,8 +17,12 @@ class CContentTree : public QTreeWidget {
  public:
   explicit CContentTree(QWidget* parent = nullptr);
 
-  /// Shows the folders that have files of that kind. The folder that was current stays so where it is there.
+  /// Shows the folders that have files of that kind; none without an index. The folder that was current stays so, or
+  /// is so again with the next index, where it is there.
   void Show(std::shared_ptr<const archives::ContentIndex> index, std::optional<archives::ContentKind> kind);
+
+  /// Forgets the folder that was current: the next index has other places.
+  void Forget();
 
   /// The current folder.
   std::optional<uint32_t> Place() const;
@@ -31,6 +35,8 @@ class CContentTree : public QTreeWidget {
 
   std::shared_ptr<const archives::ContentIndex> m_index;
   std::optional<archives::ContentKind> m_kind;
+  int m_keptPlace = -1;  // the folder that was current
+  std::string m_keptFolder;
 };
 
 }  // namespace tarnwick::pages

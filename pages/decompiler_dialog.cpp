@@ -75,6 +75,7 @@ CDecompilerDialog::CDecompilerDialog(const PageContext& context, QWidget* parent
   connect(m_ui->readyCheck, &QAbstractButton::toggled, m_ui->animationsCheck, &QWidget::setEnabled);
   connect(m_ui->readyCheck, &QAbstractButton::clicked, m_ui->ownFoldersCheck, &QAbstractButton::setChecked);
   connect(m_ui->extractButton, &QAbstractButton::clicked, this, &CDecompilerDialog::OnExtract);
+  AddContentButton(*m_ui->browseModelButton, archives::ContentKind::Model);
 }
 
 CDecompilerDialog::~CDecompilerDialog() = default;
@@ -164,13 +165,13 @@ size_t CDecompilerDialog::OpenFiles(const std::vector<std::string>& paths) {
 void CDecompilerDialog::OnExtract() {
   jobs::DecompileTree job;
   job.Inputs = Models();
+  job.Content = NewContent();
   job.OutputDirectory = FromQt(m_ui->outputEdit->text());
   job.Recursive = true;
   job.OwnFolders = m_ui->ownFoldersCheck->isChecked();
   job.OneByOne = true;
   job.Threads = std::max(static_cast<int>(std::thread::hardware_concurrency()), 2);
   job.Options = 0;
-  job.Content = std::make_shared<jobs::InputContent>(setting::GameDirectory.Read(Settings()));
   if (m_ui->materialsCheck->isChecked()) job.MaterialFormat = "tga";
   int32_t kept = 0;
   if (m_ui->unweightedCheck->isChecked()) {
@@ -203,9 +204,7 @@ void CDecompilerDialog::OnExtract() {
 
 void CDecompilerDialog::OnVerify() {
   if (m_job.IsRunning() || m_status.Models().empty()) return;
-  const jobs::VerifyModels job{.Inputs = m_status.Models(),
-                               .Content = std::make_shared<jobs::InputContent>(setting::GameDirectory.Read(Settings())),
-                               .Threads = 1};
+  const jobs::VerifyModels job{.Inputs = m_status.Models(), .Content = NewContent(), .Threads = 1};
   m_status.BeginVerifying();
   m_job.Start([job](jobs::Host& host, const std::stop_token& stop) { jobs::Run(job, host, stop); },
               {.Bar = &m_status.Bar(), .OnEvent = [this](const jobs::Event& event) { m_status.Show(event); }});

@@ -1,18 +1,28 @@
 #pragma once
 
 #include <functional>
+#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "archives/content_index.h"
 #include "core/app_settings.h"
 #include "platform/dialog.h"
 #include "tools/page_log.h"
 
+class QAbstractButton;
+
+namespace tarnwick::jobs {
+class InputContent;
+}
 namespace tarnwick::project {
 struct ModelOptions;
 }
 
 namespace tarnwick::pages {
+
+class CPage;
 
 /// What every page works with; all of it outlives the pages.
 struct PageContext {
@@ -21,6 +31,9 @@ struct PageContext {
   project::ModelOptions& Options;        // the program's one record, filled from the settings before a page is created
   tools::PageLog* Log = nullptr;         // the compile pages' one channel; may be missing
   std::function<void()> Configure = {};  // opens the configuration of game and SDK; may be missing
+  /// Shows the window of game content, files of that kind first; what is opened there goes to OpenFiles of the page if
+  /// it takes it. May be missing.
+  std::function<void(CPage& page, std::optional<archives::ContentKind> kind)> BrowseContent = {};
 };
 
 /// A page of the main dialog. Its OnDropFiles is called with the files that are dropped on the main dialog while its
@@ -42,6 +55,11 @@ class CPage : public platform::CDialog {
   core::AppSettings& Settings() const { return m_context.Settings; }
   project::ModelOptions& Options() const { return m_context.Options; }
   const PageContext& Context() const { return m_context; }
+
+  /// Puts a button "Game content..." behind the one that opens a file.
+  void AddContentButton(QAbstractButton& openButton, std::optional<archives::ContentKind> kind);
+  /// By which a job reads its inputs, in archives and through the game's search paths too.
+  std::shared_ptr<jobs::InputContent> NewContent() const;
 
  private:
   PageContext m_context;

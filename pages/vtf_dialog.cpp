@@ -1,5 +1,6 @@
 #include "pages/vtf_dialog.h"
 
+#include <QFileInfo>
 #include <algorithm>
 #include <map>
 #include <mutex>
@@ -7,6 +8,7 @@
 #include <utility>
 #include <variant>
 
+#include "archives/archive_name.h"
 #include "core/paths.h"
 #include "core/settings_table.h"
 #include "images/preview.h"
@@ -35,6 +37,11 @@ constexpr const char* OutputFilter =
 
 bool IsTexture(const std::string& path) {
   return core::LowerAscii(path).ends_with(".vtf");
+}
+
+/// Whether a name is a path, and not one in an archive or a game.
+bool IsOnDisk(const std::string& name) {
+  return archives::ReadContentName(name).Where == archives::ContentName::Place::Disk;
 }
 
 std::vector<std::string> TexturesOf(const platform::DroppedFiles& drop) {
@@ -100,6 +107,7 @@ CVTFDialog::CVTFDialog(const PageContext& context, QWidget* parent)
   connect(m_ui->browseInputButton, &QAbstractButton::clicked, this, &CVTFDialog::OnBrowseInput);
   connect(m_ui->browseOutputButton, &QAbstractButton::clicked, this, &CVTFDialog::OnBrowseOutput);
   connect(m_ui->extractButton, &QAbstractButton::clicked, this, &CVTFDialog::ExtractVtf);
+  AddContentButton(*m_ui->browseInputButton, archives::ContentKind::Texture);
   connect(m_ui->wholeLogButton, &QAbstractButton::toggled, this, &CVTFDialog::ShowLog);
   connect(m_ui->inputEdit, &QLineEdit::textChanged, this, &CVTFDialog::ShowTexture);
   connect(m_ui->stopButton, &QAbstractButton::clicked, this, [this] { m_job.RequestStop(); });
@@ -130,7 +138,12 @@ void CVTFDialog::SetOutput(const std::string& path) {
 }
 
 void CVTFDialog::SuggestOutputName(const std::string& input) {
-  SetOutput(tools::SuggestOutputName(input));
+  if (IsOnDisk(input)) return SetOutput(tools::SuggestOutputName(input));
+  // Nothing can be written beside it: it goes where the last one went.
+  const std::string last = FromQt(m_ui->outputEdit->text());
+  std::string folder(core::DirectoryWithSeparator(last));
+  if (folder.empty() || !IsOnDisk(folder)) folder = settings::DocumentsFolder() + core::PathSeparator;
+  SetOutput(folder + tools::SuggestOutputName(core::LastComponent(input.substr(input.find_last_of(':') + 1))));
 }
 
 void CVTFDialog::OnBrowseInput() {
@@ -182,10 +195,19 @@ void CVTFDialog::ExtractVtf() {
 }
 
 void CVTFDialog::ExtractAll(const std::vector<std::string>& inputs) {
-  Start({.Inputs = inputs, .Place = jobs::ImagePlace::BesideInput, .Output = FromQt(m_ui->outputEdit->text())});
+  if (std::all_of(inputs.begin(), inputs.end(), IsOnDisk)) {
+    return Start(
+        {.Inputs = inputs, .Place = jobs::ImagePlace::BesideInput, .Output = FromQt(m_ui->outputEdit->text())});
+  }
+  const auto folder = DesktopSeam().ChooseFolder(
+      this, "Folder for the Images", std::string(core::DirectoryWithSeparator(FromQt(m_ui->outputEdit->text()))));
+  if (!folder) return;
+  const QString ending = QFileInfo(m_ui->outputEdit->text()).suffix();
+  Start({.Inputs = inputs, .Place = jobs::ImagePlace::Output, .Output = *folder, .Format = FromQt(ending.toLower())});
 }
 
 void CVTFDialog::Start(jobs::ExportTextures job) {
+  job.Content = NewContent();
   job.KeepTga = true;
   job.SdkDirectory = setting::SdkDirectory.Read(Settings());
   job.Start.WineProgram = setting::WineProgram.Read(Settings());

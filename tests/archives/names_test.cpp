@@ -47,6 +47,16 @@ TEST(ArchiveName, TellsPathsArchivesAndGames) {
 }
 
 #ifndef _WIN32
+TEST(ArchiveName, TakesAPartForItsArchive) {
+  tests::ScratchFolder folder;
+  tests::WriteText(folder.Path("pak01_dir.vpk"), "");
+  for (const char* name : {"pak01_003.vpk", "alone_000.vpk", "set_1.vpk"}) tests::WriteText(folder.Path(name), "");
+  EXPECT_EQ(DirectoryFileOf(folder.Path("pak01_003.vpk")), folder.Path("pak01_dir.vpk"));
+  EXPECT_EQ(DirectoryFileOf(folder.Path("pak01_120.vpk")), folder.Path("pak01_dir.vpk"));
+  EXPECT_EQ(DirectoryFileOf(folder.Path("alone_000.vpk")), folder.Path("alone_000.vpk"));
+  EXPECT_EQ(DirectoryFileOf(folder.Path("set_1.vpk")), folder.Path("set_1.vpk"));
+}
+
 TEST(ArchiveName, LeavesRealFilesTheirNames) {
   tests::ScratchFolder folder;
   tests::WriteText(folder.Path("pak01_dir.vpk"), "");

@@ -1,11 +1,16 @@
 #include <QImage>
+#include <QLineEdit>
 #include <QPainter>
 #include <QPlainTextEdit>
 #include <QTemporaryDir>
 #include <QTest>
+#include <optional>
 
 #include "app/kilndesk_dlg.h"
+#include "archives/archive_builder.h"
 #include "core/settings_table.h"
+#include "pages/content_dialog.h"
+#include "pages/content_list.h"
 #include "pages/material_list.h"
 #include "pages/vtf_dialog.h"
 #include "screenshots/subject.h"
@@ -139,10 +144,70 @@ std::unique_ptr<QWidget> NamedTexture(Stage& stage) {
   return window;
 }
 
+/// A texture file with that picture.
+std::string TextureFile(const QColor& color) {
+  constexpr int Side = 64;
+  const QImage image = Texture(color, Side).convertToFormat(QImage::Format_ARGB32);
+  return tests::VtfBuilder()
+      .Size(Side, Side)
+      .Format(textures::PixelFormat::Bgra8888)
+      .Pixels({reinterpret_cast<const char*>(image.constBits()), size_t{Side} * Side * 4})
+      .Build();
+}
+
+/// A game with an archive, as long as the program runs.
+std::string GameDirectory() {
+  static const QTemporaryDir folder;
+  const std::string game = folder.filePath("Half-Life 2/hl2").toStdString();
+  tests::WriteText(game + "/gameinfo.txt",
+                   "GameInfo { FileSystem { SearchPaths { game |gameinfo_path|. game hl2/hl2_textures.vpk } } }");
+  tests::VpkBuilder vpk;
+  int hue = 0;
+  for (const char* name : {"wood/crate", "wood/plank_old", "metal/barrel_rusty", "metal/door", "stone/wall",
+                           "glass/pane", "props/lamp", "props/bench", "nature/grass"}) {
+    const std::string path = std::string("materials/") + name;
+    vpk.Files.push_back({.Name = path + ".vtf", .Bytes = TextureFile(QColor::fromHsv(hue += 37, 160, 190))});
+    vpk.Files.push_back({.Name = path + ".vmt", .Bytes = "LightmappedGeneric { $basetexture crate }"});
+  }
+  for (const char* name : {"props/crate01", "props/barrel01", "props/lamp", "humans/walker"}) {
+    const std::string path = std::string("models/") + name;
+    for (const char* ending : {".mdl", ".vvd", ".dx90.vtx"}) {
+      vpk.Files.push_back({.Name = path + ending, .Bytes = std::string(70'000, 'm')});
+    }
+  }
+  tests::WriteText(folder.filePath("Half-Life 2/hl2/hl2_textures_dir.vpk").toStdString(), vpk.Build().Directory);
+  tests::WriteText(game + "/models/mine/chair.mdl", "mdl");
+  return game;
+}
+
+std::unique_ptr<QWidget> GameContent(Stage& stage, std::optional<archives::ContentKind> kind, const char* words) {
+  auto window =
+      std::make_unique<pages::CContentDialog>(pages::ContentContext{stage.Settings, stage.Desktop, [] {}, {}}, nullptr);
+  window->BrowseGame(kind);
+  QTest::qWait(700);
+  window->findChild<QLineEdit*>("searchEdit")->setText(words);
+  QTest::qWait(700);
+  auto* list = window->findChild<pages::CContentList*>();
+  list->setCurrentIndex(list->model()->index(1, 0));
+  QTest::qWait(700);  // for the pictures
+  return window;
+}
+
 }  // namespace
 
 std::vector<Subject> TextureSubjects() {
-  return {{"materials", Materials},
+  return {{"game-content",
+           [](Stage& stage) {
+             setting::GameDirectory.Write(stage.Settings, GameDirectory());
+             return GameContent(stage, {}, "");
+           }},
+          {"game-content-search",
+           [](Stage& stage) {
+             setting::GameDirectory.Write(stage.Settings, GameDirectory());
+             return GameContent(stage, archives::ContentKind::Texture, "wo");
+           }},
+          {"game-content-none", [](Stage& stage) { return GameContent(stage, {}, ""); }},
+          {"materials", Materials},
           {"envmap-settings", Envmap},
           {"vtex-status", RunningCompile},
           {"vtf-named", NamedTexture},
