@@ -188,5 +188,25 @@ TEST(BoneMath, UnpacksHalfFloats) {
   EXPECT_EQ(Text(v), "65504 6.10351562e-05 0.333251953");
 }
 
+TEST(BoneMath, GivesTheAnglesNearestToOthersAlsoStraightUp) {
+  const EulerAngles cases[] = {{0.3f, 0.2f, -0.4f},    {2.9f, 1.5705f, -2.5f}, {-0.7f, 1.5712f, 1.1f},
+                               {1.0f, -1.5709f, 4.0f}, {0.5f, 3.1f, -0.2f},    {1.2f, 1.5707963f, 0.4f}};
+  for (const EulerAngles& wanted : cases) {
+    SCOPED_TRACE(Text(wanted));
+    Quat q;
+    EulerToQuat(wanted, q);
+    const EulerAngles near = {wanted.x + 0.1f, wanted.y - 0.01f, wanted.z + 0.1f};
+    EulerAngles found;
+    QuatToEulerNear(q, near, found);
+    Quat again;
+    EulerToQuat(found, again);
+    const double dot = double{q.x} * again.x + double{q.y} * again.y + double{q.z} * again.z + double{q.w} * again.w;
+    EXPECT_NEAR(std::abs(dot), 1, 1e-6);
+    // Where it points straight up the sum of X and Z is free, their difference is not.
+    EXPECT_NEAR(found.x - found.z, wanted.x - wanted.z, 1e-2);
+    EXPECT_NEAR(found.y, wanted.y, 1e-5);
+  }
+}
+
 }  // namespace
 }  // namespace tarnwick::model

@@ -151,6 +151,27 @@ TEST(ModelComparison, TellsRoundingFromARealDifference) {
   }
 }
 
+TEST(ModelComparison, TellsWhatNoSourceHolds) {
+  const auto compare = [](const ModelBuilder& model) {
+    const ScratchFolder a;
+    const ScratchFolder b;
+    ModelFiles heavy = model.Build();
+    heavy.Mdl.Record<StudioHeader>("header").Mass = 7;
+    RecordingTroubles troubles;
+    return CompareModels(model.Write(a.Path()), heavy.Write(b.Path(), "cube"), troubles)
+        .value_or(std::vector<ModelDifference>{});
+  };
+  const auto known = compare(WholeModel());
+  ASSERT_THAT(known, testing::SizeIs(1));
+  EXPECT_TRUE(known[0].IsReal()) << DifferenceLine(known[0]);
+  ModelBuilder alone = WholeModel();
+  alone.Physics.reset();
+  const auto unknown = compare(alone);
+  ASSERT_THAT(unknown, testing::SizeIs(1));
+  EXPECT_FALSE(unknown[0].IsReal());
+  EXPECT_THAT(DifferenceLine(unknown[0]), HasSubstr("(not known without the .phy file)"));
+}
+
 TEST(ModelComparison, VerticesCountByWhatTheyAreNotByTheirNumbers) {
   ModelBuilder other = WholeModel();
   auto& mesh = Mesh(other);
