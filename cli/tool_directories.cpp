@@ -35,6 +35,10 @@ void ToolDirectories::AddSdkOptions(CLI::App& verb) {
 
 void ToolDirectories::AddOptions(CLI::App& verb) {
   AddSdkOptions(verb);
+  AddGameOption(verb);
+}
+
+void ToolDirectories::AddGameOption(CLI::App& verb) {
   verb.add_option("--game", Game,
                   "The game directory, with gameinfo.txt; without it the one that is set in the window");
 }

@@ -31,6 +31,8 @@ struct ToolDirectories {
 
   /// Adds the options to `verb`. The object outlives the parsing.
   void AddOptions(CLI::App& verb);
+  /// Adds --game alone.
+  void AddGameOption(CLI::App& verb);
   /// Adds them to a verb that needs no game: all but --game.
   void AddSdkOptions(CLI::App& verb);
   /// Fills what was not given from the settings.

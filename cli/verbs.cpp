@@ -11,6 +11,9 @@
 #include "cli/material_verb.h"
 #include "cli/vtf_verb.h"
 #endif
+#ifdef TARNWICK_HAS_PICTURES
+#include "cli/picture_verb.h"
+#endif
 #include "cli/project_verb.h"
 #include "cli/qc_verb.h"
 #include "cli/smd_verb.h"
@@ -27,6 +30,9 @@ constexpr AddVerb VerbTable[] = {
     AddMaterialVerb,    AddVtfVerb,
 #endif
     AddViewVerb,
+#ifdef TARNWICK_HAS_PICTURES
+    AddPictureVerb,
+#endif
 #ifdef TARNWICK_HAS_SETTINGS
     AddConfigVerb,
 #endif

@@ -1,12 +1,14 @@
-// Reads any bytes as keys and values and as a gameinfo.txt. What was read is written out, quoted, and read again, which
-// must change nothing.
+// Reads any bytes as keys and values, as a gameinfo.txt, and as a material that includes itself under other names. What
+// was read is written out, quoted, and read again, which must change nothing.
 
 #include <cstdint>
 #include <cstdlib>
+#include <span>
 #include <string>
 
 #include "archives/game_info.h"
 #include "core/key_values.h"
+#include "view/materials/material_text.h"
 
 using namespace tarnwick;
 
@@ -51,6 +53,15 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   std::string reason;
   const auto paths = archives::ReadSearchPaths(text, "/games/mod", reason);
   if (!paths && reason.empty()) std::abort();
+  const view::MaterialText material = view::ReadMaterialText(text, "a.vmt", [&](const std::string& name) {
+    return view::MaterialFile{.Image = core::FileImage::FromBytes(name, std::as_bytes(std::span(text)))};
+  });
+  for (const auto& [key, value] : material.Values) {
+    for (const float part : material.Colour(key)) {
+      if (!(part >= 0 && part <= 16)) std::abort();
+    }
+  }
+  if (material.Shader.empty() && material.Problem.empty()) std::abort();
   for (const core::KeyValue& key : keys.Roots) core::ConditionHolds(key.Condition);
   return 0;
 }

@@ -21,6 +21,16 @@ enum class Verdict {
   NotBegun,   // the job was stopped, or ended early, before its turn
 };
 
+/// A material or texture that a picture needed and that is not there, or cannot be used.
+struct MissingContent {
+  std::string Name = {};                // as a model or a material names it
+  std::string NeededBy = {};            // the material; "" for a material itself
+  std::string Reason = {};              // one sentence
+  std::vector<std::string> Tried = {};  // the paths at which it was looked for
+
+  bool operator==(const MissingContent&) const = default;
+};
+
 /// What became of one item of a job: of one model, script, project, image or texture.
 struct ItemResult {
   std::string Input = {};   // as the user named it
@@ -35,6 +45,7 @@ struct ItemResult {
   size_t MoreErrors = 0;                        // of a tool that told very many: those that are not in Troubles
   size_t MoreWarnings = 0;                      // the same
   std::vector<decompiler::LostKind> Lost = {};  // what the output does not say, though the input held it
+  std::vector<MissingContent> Missing = {};     // of a picture
   std::optional<Verification> Verified = {};    // of a verification that came to its end
   double Seconds = 0;
 

@@ -45,7 +45,7 @@ class Reader {
     // Many files lack the last brace, which takes nothing from what they say.
     const core::KeyValue* shader = nullptr;
     for (const core::KeyValue& root : keys.Roots) {
-      if (root.IsBlock && shader == nullptr) shader = &root;
+      if (root.IsBlock && shader == nullptr && !root.Key.empty()) shader = &root;
       if (!root.IsBlock && (EqualIgnoringCase(root.Key, "#include") || EqualIgnoringCase(root.Key, "#base"))) {
         Include(root.Value);
       }

@@ -111,6 +111,13 @@ class EglDisplayOfProcess {
     return [this](const char* name) { return reinterpret_cast<void*>(m_egl.GetProcAddress(name)); };
   }
 
+  bool MakeCurrent(EGLContext context) const {
+    return m_egl.BindApi(EGL_OPENGL_API) == EGL_TRUE &&
+           m_egl.MakeCurrent(m_display, EGL_NO_SURFACE, EGL_NO_SURFACE, context) == EGL_TRUE;
+  }
+
+  void Release() const { MakeCurrent(EGL_NO_CONTEXT); }
+
   void Free(EGLDisplay display, EGLContext context) const {
     m_egl.MakeCurrent(display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
     m_egl.DestroyContext(display, context);
@@ -197,8 +204,16 @@ std::unique_ptr<Offscreen> Offscreen::Make(std::string& reason) {
   return std::unique_ptr<Offscreen>(new Offscreen(std::move(parts)));
 }
 
+bool Offscreen::MakeCurrent() {
+  return TheDisplay().MakeCurrent(m_parts->Context);
+}
+
+void Offscreen::Release() {
+  TheDisplay().Release();
+}
+
 Offscreen::~Offscreen() {
-  m_parts->FreeFramebuffer();
+  if (MakeCurrent()) m_parts->FreeFramebuffer();
   TheDisplay().Free(TheDisplay().Display(), m_parts->Context);
 }
 
@@ -218,6 +233,12 @@ std::unique_ptr<Offscreen> Offscreen::Make(std::string& reason) {
   reason = "pictures without a window need EGL, which this system does not have";
   return nullptr;
 }
+
+bool Offscreen::MakeCurrent() {
+  return false;
+}
+
+void Offscreen::Release() {}
 
 Offscreen::~Offscreen() = default;
 

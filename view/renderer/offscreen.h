@@ -9,8 +9,8 @@
 namespace tarnwick::view {
 
 /// A context of OpenGL that needs neither a display nor a graphics processor: EGL on a device, or Mesa's software
-/// renderer without a surface. libEGL is loaded when the first one is made. An object belongs to the thread that made
-/// it, where its context is current as long as it is there.
+/// renderer without a surface. libEGL is loaded when the first one is made. The context is current on one
+/// thread at a time, first on the one that made it.
 class Offscreen {
  public:
   /// Null, with `reason`, where no such context can be had.
@@ -20,6 +20,11 @@ class Offscreen {
   Offscreen& operator=(const Offscreen&) = delete;
 
   std::shared_ptr<const GlFunctions> Functions() const;
+
+  /// Makes the context current on this thread; it is on no other one. False if the driver refuses.
+  bool MakeCurrent();
+  /// Lets go of it, so that another thread can have it.
+  void Release();
 
   /// Makes a framebuffer of that size to draw into, in place of the one before. 0, with `reason`, if it cannot be had.
   unsigned Framebuffer(int width, int height, std::string& reason);

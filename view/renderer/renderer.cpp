@@ -184,7 +184,7 @@ void Renderer::Parts::UseMaterial(size_t number, bool textured, bool lightUp) co
   const ShaderProgram& program = *MeshProgram;
   const auto& colour = textured ? says.Colour : PlainColour;
   program.Set("textured", textured);
-  program.Set("lit", !textured || !(says.Unlit || says.Missing));
+  program.Set("lit", !textured || !says.Unlit);
   program.Set("colour", colour[0], colour[1], colour[2], textured ? says.Alpha : 1.0f);
   program.Set("alphaTest", textured && says.AlphaTest);
   program.Set("alphaReference", says.AlphaTestReference);

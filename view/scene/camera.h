@@ -10,7 +10,7 @@ enum class ViewSide { Front, Back, Left, Right, Top, Bottom };
 /// A camera that circles round a point. Angles are degrees: at yaw 0 and pitch 0 it stands on the +X side and looks at
 /// the model's face; a rising yaw takes it to the model's left (+Y), a rising pitch above it.
 struct Camera {
-  Vec3 Target;
+  Vec3 Target = {};
   float Distance = 100;         // from the target
   float Yaw = 0;                // 0 to 360
   float Pitch = 0;              // -90 to 90

@@ -18,6 +18,9 @@ namespace {
 
 /// The same triangles stand in each of these; the first is what today's graphics processors get.
 constexpr std::string_view VtxExtensions[] = {".dx90.vtx", ".vtx", ".dx80.vtx", ".sw.vtx"};
+/// What a model may ask for, in bytes: a triangle costs some hundred, and takes some dozen in its files.
+constexpr int64_t SpendBase = int64_t{64} << 20;
+constexpr int64_t SpendForEachByteRead = 64;
 constexpr std::string_view ModelId = "IDST";
 /// Versions whose records are laid out as model/ has them.
 constexpr int32_t LowestVersion = 44;
@@ -57,6 +60,7 @@ class Maker {
     LoadVtx();
     LoadVvd();
     LoadAnimBlocks();
+    m_reader.SetSpendLimit(SpendBase + SpendForEachByteRead * m_scene.FileBytes);
     TakeSkeleton(m_reader, m_scene);
     TakeMaterials(m_reader, m_scene);
     TakeSequences(m_reader, m_scene);

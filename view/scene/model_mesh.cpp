@@ -98,7 +98,7 @@ class MeshTaker {
       for (const model::MeshPiece& piece : pieces.Meshes) TakePiece(piece, record, part, number, l, taken);
       if (!pieces.Complete) return false;
     }
-    TakeShapes(record);
+    m_models.push_back(record);
     return true;
   }
 
@@ -171,21 +171,17 @@ class MeshTaker {
     }
   }
 
-  /// Remembers the flexes of a model: their vertices are taken when the vertices are there.
-  void TakeShapes(const ModelRecord& record) {
-    if (m_scene.Flexes.empty()) return;
-    auto flexes = model::GatherFlexes(m_reader, record, m_scene.Flexes.size());
-    if (!flexes) return;
-    m_models.push_back({record, std::move(*flexes)});
-  }
-
+  /// Takes the shapes of all models' flexes, when the vertices are there.
   void TakeDeltas() {
-    for (const FlexedModel& one : m_models) {
-      const auto vertices = model::GetModelVertexData(m_reader, one.Record);
-      if (!vertices) return;
-      for (const auto& shapes : one.Flexes.ByDescriptor) {
+    for (const ModelRecord& record : m_models) {
+      const auto vertices = model::GetModelVertexData(m_reader, record);
+      const auto flexes = static_cast<int64_t>(m_scene.Flexes.size());
+      if (!vertices || flexes == 0 || !m_reader.Spend(flexes * model::RecordCost)) return;
+      const auto gathered = model::GatherFlexes(m_reader, record, m_scene.Flexes.size());
+      if (!gathered) continue;
+      for (const auto& shapes : gathered->ByDescriptor) {
         for (const model::MeshFlex& shape : shapes) {
-          if (!TakeShape(one.Flexes, shape, vertices->First)) return;
+          if (!TakeShape(*gathered, shape, vertices->First)) return;
         }
       }
     }
@@ -226,17 +222,12 @@ class MeshTaker {
     return true;
   }
 
-  struct FlexedModel {
-    ModelRecord Record;
-    model::ModelFlexes Flexes;
-  };
-
   ModelReader& m_reader;
   Scene& m_scene;
   int64_t m_lods = 1;
   std::vector<uint32_t> m_stamps;  // of each vertex: the last piece that used it
   uint32_t m_stamp = 0;
-  std::vector<FlexedModel> m_models;
+  std::vector<ModelRecord> m_models;
 };
 
 }  // namespace

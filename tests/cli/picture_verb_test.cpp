@@ -1,0 +1,67 @@
+#include "cli/picture_verb.h"
+
+#include <gmock/gmock.h>
+
+#include <nlohmann/json.hpp>
+
+#include "command_line.h"
+#include "support/model_builder.h"
+#include "support/scratch_folder.h"
+
+namespace tarnwick::cli {
+namespace {
+
+using namespace tests;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+class PictureVerb : public VerbTest {
+ protected:
+  int Run(const std::vector<std::string>& arguments) { return RunVerb({"picture", "--size", "40x30"}, arguments); }
+  /// Whether this machine can draw at all; a call that cannot says so.
+  bool CanDraw() {
+    Run({ModelBuilder{}.Write(m_models.Path()), "-o", m_output.Path("try.png")});
+    return m_err.find("there is no renderer") == std::string::npos;
+  }
+
+  ScratchFolder m_models;
+  ScratchFolder m_output;
+};
+
+TEST_F(PictureVerb, DrawsAFileAndTellsWhatIsMissing) {
+  if (!CanDraw()) GTEST_SKIP() << m_err;
+  EXPECT_EQ(m_out, m_output.Path("try.png") + "\n");
+  EXPECT_THAT(m_err, HasSubstr("Warning: the material skin: it was not found"));
+  EXPECT_EQ(Run({m_models.Path("cube.mdl"), "--json", "-o", m_output.Path("two.png")}), ExitSuccess);
+  const auto json = nlohmann::json::parse(m_out);
+  EXPECT_EQ(json["outcome"], "ok");
+  EXPECT_EQ(json["picture"], m_output.Path("two.png"));
+  EXPECT_EQ(json["missing"][0]["name"], "skin");
+  EXPECT_GE(json["missing"][0]["tried"].size(), 2u);
+  EXPECT_EQ(Run({m_models.Path(), "-q", "-r", "-j", "2", "-o", m_output.Path("all")}), ExitSuccess);
+  EXPECT_EQ(m_out, "");
+  EXPECT_THAT(m_output.Files(), ElementsAre("all/cube.png", "try.png", "two.png"));
+}
+
+TEST_F(PictureVerb, FailsWithOneForAModelAndWithTwoForTheCommandLine) {
+  if (!CanDraw()) GTEST_SKIP() << m_err;
+  const std::string model = m_models.Path("cube.mdl");
+  EXPECT_EQ(Run({m_models.Path("none.mdl"), "-o", m_output.Path("a.png")}), ExitFailure);
+  EXPECT_EQ(Run({model, "--sequence", "walk", "-o", m_output.Path("a.png")}), ExitFailure);
+  EXPECT_THAT(m_err, HasSubstr("no sequence \"walk\""));
+  const std::vector<std::vector<std::string>> wrong{{model},
+                                                    {"-o", m_output.Path("a.png")},
+                                                    {model, "-o", m_output.Path("a.jpg")},
+                                                    {model, "-o", m_output.Path("a.png"), "--angle", "30"},
+                                                    {model, "-o", m_output.Path("a.png"), "--angle", "1,91"},
+                                                    {model, "-o", m_output.Path("a.png"), "--skin", "-1"},
+                                                    {model, "-o", m_output.Path("a.png"), "--frame", "x"}};
+  for (const auto& arguments : wrong) EXPECT_EQ(Run(arguments), ExitUsage) << testing::PrintToString(arguments);
+  for (const char* size : {"512", "0x5", "5x9000", "5x5x5", "1.5x2", "x", "-1x5", "nanx5"}) {
+    EXPECT_EQ(RunCommand({"picture", model, "-o", m_output.Path("a.png"), "--size", size}).ExitCode, ExitUsage) << size;
+  }
+  EXPECT_THAT(m_output.Files(), ElementsAre("try.png"));
+}
+
+}  // namespace
+}  // namespace tarnwick::cli

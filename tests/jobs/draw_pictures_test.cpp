@@ -1,0 +1,143 @@
+#include "jobs/draw_pictures.h"
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+
+#include "support/drawing.h"
+#include "support/model_builder.h"
+#include "support/recording_host.h"
+#include "support/scratch_folder.h"
+#include "support/vtf_builder.h"
+
+namespace tarnwick::jobs {
+namespace {
+
+using core::Severity;
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+using tests::ModelBuilder;
+
+class DrawPicturesTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    if (const std::string reason = tests::WhyNotDrawn(); !reason.empty()) GTEST_SKIP() << reason;
+  }
+  JobResult Draw(DrawPictures job) {
+    job.Width = job.Height = 32;
+    return jobs::Run(job, m_host, {});
+  }
+  std::vector<std::string> Pictures() const {
+    std::vector<std::string> files = m_folder.Files();
+    std::erase_if(files, [](const std::string& file) { return !file.ends_with(".png"); });
+    return files;
+  }
+  /// Height and width stand behind the signature and the head of the first chunk.
+  static std::string SizeOf(const std::string& png) {
+    EXPECT_EQ(png.substr(0, 8), "\x89PNG\r\n\x1A\n");
+    return png.substr(16, 8);
+  }
+  static std::string Read(const std::string& path) { return core::FileExists(path) ? tests::ReadText(path) : ""; }
+
+  tests::ScratchFolder m_folder;
+  tests::RecordingHost m_host;
+};
+
+TEST_F(DrawPicturesTest, OneModelGivesTheFileAndSeveralGiveFilesOfTheirPaths) {
+  const std::string model = ModelBuilder{}.Write(m_folder.Path("m/a"), "cube");
+  ModelBuilder{}.Write(m_folder.Path("m/a"), "CUBE");
+  ModelBuilder{}.Write(m_folder.Path("m/a/deep"), "cube");
+  EXPECT_TRUE(Draw({.Inputs = {model}, .Output = m_folder.Path("new/One Picture.PNG")}).Succeeded());
+  EXPECT_EQ(SizeOf(Read(m_folder.Path("new/One Picture.PNG"))), std::string("\0\0\0 \0\0\0 ", 8));
+  EXPECT_TRUE(Draw({.Inputs = {m_folder.Path("m")}, .Output = m_folder.Path("tree"), .Recursive = true, .Threads = 3})
+                  .Succeeded());
+  EXPECT_THAT(Pictures(), ElementsAre("tree/a/CUBE.png", "tree/a/cube_2.png", "tree/a/deep/cube.png"));
+  EXPECT_EQ(Read(m_folder.Path("tree/a/CUBE.png")), Read(m_folder.Path("tree/a/deep/cube.png")));
+}
+
+TEST_F(DrawPicturesTest, EachChoiceChangesThePicture) {
+  std::string pixels;
+  for (int i = 0; i < 16; ++i) pixels += "\x10\x80\xF0\xFF";
+  const std::string texture =
+      tests::VtfBuilder().Size(4, 4).Format(textures::PixelFormat::Rgba8888).Pixels(pixels).Build();
+  tests::WriteText(m_folder.Path("materials/models/props/blue.vtf"), texture);
+  for (const char* name : {"blue", "skin"}) {
+    tests::WriteText(m_folder.Path("materials/models/props/") + name + ".vmt",
+                     "VertexLitGeneric { $nocull 1 $basetexture models/props/blue" +
+                         std::string(name == std::string("skin") ? " $color2 \"[1 0 0]\"" : "") + " }");
+  }
+  const std::string model =
+      ModelBuilder{.Textures = {"skin", "blue"}, .SkinFamilies = {{0, 1}, {1, 0}}}.Write(m_folder.Path("models/props"));
+  std::vector<std::string> seen;
+  const auto draw = [&](DrawPictures job) {
+    job.Inputs = {model};
+    job.Output = m_folder.Path("out.png");
+    const JobResult result = Draw(std::move(job));
+    EXPECT_TRUE(result.Succeeded());
+    EXPECT_THAT(result.Items[0].Missing, IsEmpty());
+    const std::string png = Read(m_folder.Path("out.png"));
+    EXPECT_THAT(seen, testing::Not(testing::Contains(png)));
+    seen.push_back(png);
+  };
+  draw({});
+  draw({.Skin = 1});
+  draw({.Angle = {80, -20}});
+  draw({.Wireframe = true});
+  draw({.Transparent = true});
+}
+
+TEST_F(DrawPicturesTest, WhatIsMissingIsToldAndStandsInTheResult) {
+  tests::WriteText(m_folder.Path("game/materials/models/props/skin.vmt"), "UnlitGeneric { $basetexture a/b }");
+  const std::string model = ModelBuilder{.Textures = {"skin", "other"}}.Write(m_folder.Path());
+  const JobResult result =
+      Draw({.Inputs = {model}, .Output = m_folder.Path("x.png"), .GameDirectory = m_folder.Path("game")});
+  EXPECT_TRUE(result.Succeeded());
+  EXPECT_EQ(result.Items[0].Count(Severity::Warning), 2u);
+  ASSERT_THAT(result.Items[0].Missing, SizeIs(2));
+  EXPECT_EQ(result.Items[0].Missing[0].Name, "a/b");
+  EXPECT_EQ(result.Items[0].Missing[0].NeededBy, "skin");
+  EXPECT_THAT(result.Items[0].Missing[0].Tried, testing::Contains(EndsWith("game/materials/a/b.vtf")));
+  EXPECT_EQ(result.Items[0].Missing[1].Name, "other");
+  EXPECT_THAT(result.Troubles.at(0).Text, HasSubstr("gameinfo.txt"));
+}
+
+TEST_F(DrawPicturesTest, AModelThatCannotBeDrawnLeavesNoFileAndStopsNoOther) {
+  const std::string good = ModelBuilder{}.Write(m_folder.Path("in"), "good");
+  tests::WriteText(m_folder.Path("in/bad.mdl"), "IDST and no more");
+  tests::WriteText(m_folder.Path("taken"), "a file");
+  const JobResult result =
+      Draw({.Inputs = {m_folder.Path("in"), m_folder.Path("none.mdl")}, .Output = m_folder.Path("out")});
+  EXPECT_EQ(result.Count(Verdict::Failed), 2u);
+  EXPECT_THAT(Pictures(), ElementsAre("out/good.png"));
+  for (DrawPictures job : {DrawPictures{.Sequence = "no such"}, DrawPictures{.Frame = 1000}, DrawPictures{.Skin = 1},
+                           DrawPictures{.Output = m_folder.Path("taken/out.png")}}) {
+    job.Inputs = {good};
+    if (job.Output == ".") job.Output = m_folder.Path("refused/x.png");
+    const JobResult refused = Draw(job);
+    ASSERT_NE(refused.Items.at(0).First(Severity::Error), nullptr);
+    EXPECT_NE(refused.Items[0].First(Severity::Error)->Text, "");
+  }
+  EXPECT_THAT(Pictures(), ElementsAre("out/good.png"));
+  EXPECT_FALSE(core::FileExists(m_folder.Path("refused")));
+
+  std::stop_source stop;
+  stop.request_stop();
+  const JobResult stopped = jobs::Run({.Inputs = {good}, .Output = m_folder.Path("s.png")}, m_host, stop.get_token());
+  EXPECT_EQ(stopped.Count(Verdict::NotBegun), 1u);
+}
+
+TEST_F(DrawPicturesTest, AModelWithoutAMeshIsDrawnAsItsBones) {
+  const std::string model =
+      ModelBuilder{.Bones = {{.Name = "a"}, {.Name = "b", .Parent = 0, .Position = {0, 0, 10}}}, .BodyParts = {}}.Write(
+          m_folder.Path());
+  const JobResult result = Draw({.Inputs = {model}, .Output = m_folder.Path("x.png")});
+  EXPECT_TRUE(result.Succeeded());
+  ASSERT_NE(result.Items[0].First(Severity::Warning), nullptr);
+  EXPECT_THAT(Pictures(), ElementsAre("x.png"));
+}
+
+}  // namespace
+}  // namespace tarnwick::jobs
