@@ -46,6 +46,7 @@ if(TARNWICK_PORTABLE)
     endif()
   endforeach()
   install(FILES ${CMAKE_SOURCE_DIR}/cmake/package/qt.conf DESTINATION ${home})
+  install(FILES ${CMAKE_SOURCE_DIR}/cmake/package/sdk/qt.conf DESTINATION ${home}/sdk)  # of the model viewer
   return()
 endif()
 
@@ -89,6 +90,7 @@ string(REPLACE - "~" CPACK_DEBIAN_PACKAGE_VERSION ${TARNWICK_VERSION})
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION graphics)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "libgl1-mesa-dri")  # draws models where the graphics card has no driver of its own
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "libqt6svg6, qt6-qpa-plugins, sensible-utils")
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "libegl1, libgl1-mesa-dri, wine | wine64")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)

@@ -72,5 +72,7 @@ NUMBER_SETTING(ModelAnimations, DecompilerSection, "Animations", 1)
 NUMBER_SETTING(ModelMaterials, DecompilerSection, "Materials", 0)
 NUMBER_SETTING(ModelPhysics, DecompilerSection, "Physics", 1)
 NUMBER_SETTING(OwnModelFolders, DecompilerSection, "Own Model Folders", 1)
-TEXT_SETTING(RecentModels, DecompilerSection, "Recent Models", "")            // one a line, newest first
-TEXT_SETTING(RecentDirectories, DecompilerSection, "Recent Directories", "")  // likewise
+NUMBER_SETTING(ModelPane, DecompilerSection, "Model Pane", -1)  // 1: the model is shown; -1: where there is room
+NUMBER_SETTING(ModelPanePosition, DecompilerSection, "Model Pane Position", 0)  // points left of it; 0: as it comes
+TEXT_SETTING(RecentModels, DecompilerSection, "Recent Models", "")              // one a line, newest first
+TEXT_SETTING(RecentDirectories, DecompilerSection, "Recent Directories", "")    // likewise

@@ -2,22 +2,26 @@
 
 #include <QCompleter>
 #include <QFileInfo>
+#include <QScreen>
 #include <QStringListModel>
 #include <algorithm>
 #include <iterator>
 #include <thread>
+#include <variant>
 
 #include "core/paths.h"
 #include "core/settings_table.h"
 #include "jobs/decompile_tree.h"
 #include "jobs/verify_models.h"
 #include "pages/recent_paths.h"
+#include "pages/sources_view.h"
 #include "platform/bitmap_button.h"
 #include "platform/dropped_files.h"
 #include "platform/text.h"
 #include "platform/window_placing.h"
 #include "settings/documents_folder.h"
 #include "ui_decompiler_dialog.h"
+#include "view/widget/model_viewer.h"
 
 namespace tarnwick::pages {
 
@@ -30,6 +34,9 @@ namespace {
 // How CheckBoxSettings keeps the check boxes; the job's options have other values.
 constexpr int32_t KeptUnweighted = 2;
 constexpr int32_t KeptRotations = 4;
+
+constexpr int FieldsWidth = 380;  // points of the fields beside the model, until somebody moves the bar between them
+constexpr int WideScreen = 1100;  // points from which on a screen has room for the model beside the fields
 
 bool IsFolder(const std::string& path) {
   return QFileInfo(ToQt(path)).isDir();
@@ -64,10 +71,21 @@ void OfferPaths(QLineEdit& box, const std::vector<std::string>& paths) {
 CDecompilerDialog::CDecompilerDialog(const PageContext& context, QWidget* parent)
     : CPage(context, parent),
       m_ui(std::make_unique<Ui::DecompilerDialog>()),
+      m_viewer(new view::ModelViewer(context.Desktop, view::ModelViewer::Controls::Below)),
+      m_sources(new SourcesView(context.Desktop)),
       m_status(
           context.Desktop, this, [this] { m_job.RequestStop(); }, [this] { OnVerify(); }),
       m_job(*this) {
   m_ui->setupUi(this);
+  m_ui->sideTabs->addTab(m_viewer, "Model");
+  m_ui->sideTabs->addTab(m_sources, "Sources");
+  m_ui->splitter->setStretchFactor(1, 1);
+  connect(m_ui->modelEdit, &QLineEdit::textChanged, this, &CDecompilerDialog::ShowModel);
+  connect(m_ui->sideCheck, &QAbstractButton::toggled, this, &CDecompilerDialog::ShowSide);
+  connect(m_ui->sideCheck, &QAbstractButton::clicked, this,
+          [this](bool on) { setting::ModelPane.Write(Settings(), on ? 1 : 0); });
+  connect(m_ui->splitter, &QSplitter::splitterMoved, this,
+          [this](int position) { setting::ModelPanePosition.Write(Settings(), position); });
   connect(m_ui->browseModelButton, &QAbstractButton::clicked, this, &CDecompilerDialog::OnBrowseModel);
   connect(m_ui->browseOutputButton, &QAbstractButton::clicked, this, &CDecompilerDialog::OnBrowseOutput);
   // Sources that are compiled are kept apart; the plain form goes where the box says.
@@ -99,6 +117,37 @@ void CDecompilerDialog::OnInitDialog() {
   m_ui->materialsCheck->setChecked(setting::ModelMaterials.Read(Settings()) != 0);
   m_ui->ownFoldersCheck->setChecked(setting::OwnModelFolders.Read(Settings()) != 0 && m_ui->readyCheck->isChecked());
   OfferRecentPaths();
+  const int32_t side = setting::ModelPane.Read(Settings());
+  const bool hasRoom = screen()->availableGeometry().width() >= WideScreen;
+  m_ui->sideCheck->setChecked(side > 0 || (side < 0 && hasRoom));
+  ShowSide(m_ui->sideCheck->isChecked());
+}
+
+void CDecompilerDialog::ShowSide(bool on) {
+  m_ui->sideTabs->setVisible(on);
+  if (!on) return;
+  const int32_t position = setting::ModelPanePosition.Read(Settings());
+  const int fields = position > 0 ? position : FieldsWidth;
+  m_ui->splitter->setSizes({fields, std::max(m_ui->splitter->width() - fields, 1)});
+  ShowModel();
+}
+
+void CDecompilerDialog::ShowModel() {
+  if (!m_ui->sideCheck->isChecked()) return;
+  const std::string path = Models().front();
+  m_viewer->SetEmptyText(IsFolder(path) ? "Of a folder of models none is shown"
+                                        : "The model that is named is shown here");
+  m_viewer->ShowFile(IsFolder(path) ? QString() : ToQt(path), ToQt(setting::GameDirectory.Read(Settings())));
+  m_ui->sideTabs->setCurrentWidget(m_viewer);
+}
+
+void CDecompilerDialog::TakeFiles(const jobs::Event& event) {
+  if (std::holds_alternative<jobs::Started>(event)) m_sources->Clear();
+  if (const auto* finished = std::get_if<jobs::ItemFinished>(&event); finished && !finished->Result.Files.empty()) {
+    m_sources->SetGameDirectory(setting::GameDirectory.Read(Settings()));
+    m_sources->Add(finished->Result.Source, finished->Result.Target, finished->Result.Files);
+    m_ui->sideTabs->setCurrentWidget(m_sources);
+  }
 }
 
 void CDecompilerDialog::OfferRecentPaths() {
@@ -199,7 +248,10 @@ void CDecompilerDialog::OnExtract() {
   platform::CenterOver(*this, m_status);
   m_status.show();
   m_job.Start([job](jobs::Host& host, const std::stop_token& stop) { jobs::Run(job, host, stop); },
-              {.Bar = &m_status.Bar(), .OnEvent = [this](const jobs::Event& event) { m_status.Show(event); }});
+              {.Bar = &m_status.Bar(), .OnEvent = [this](const jobs::Event& event) {
+                 m_status.Show(event);
+                 TakeFiles(event);
+               }});
 }
 
 void CDecompilerDialog::OnVerify() {

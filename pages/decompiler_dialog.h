@@ -15,7 +15,13 @@ namespace Ui {
 class DecompilerDialog;
 }
 
+namespace tarnwick::view {
+class ModelViewer;
+}
+
 namespace tarnwick::pages {
+
+class SourcesView;
 
 /// The tab "Model Decompile": names models, or a folder of them, and an output directory and runs the decompiler on
 /// them.
@@ -44,9 +50,14 @@ class CDecompilerDialog : public CPage {
   std::vector<std::string> Models() const;
   void SetOutputDirectory(const std::string& path);
   void OfferRecentPaths();
+  void ShowSide(bool on);
+  void ShowModel();
+  void TakeFiles(const jobs::Event& event);
 
   std::unique_ptr<Ui::DecompilerDialog> m_ui;
   std::vector<std::string> m_chosen;  // several models, as long as the box says what it said for them
+  view::ModelViewer* m_viewer;
+  SourcesView* m_sources;
   CDecompilerStatus m_status;
   PageJob m_job;  // behind the window that it writes to
 };

@@ -20,7 +20,6 @@
 #include "project/project_store.h"
 #include "project/qc_generator.h"
 #include "project/source_files.h"
-#include "tools/hlmv_command.h"
 #include "ui_mdl_dialog.h"
 
 namespace tarnwick::pages {
@@ -34,6 +33,7 @@ CMDLDialog::CMDLDialog(const PageContext& context, QWidget* parent)
     : CPage(context, parent),
       m_ui(std::make_unique<Ui::MdlDialog>()),
       m_project(context.Options),
+      m_viewed(context.Desktop, context.Settings, *this),
       m_status(context.Desktop, this),
       m_runner(*this, m_status.Controls()) {
   m_ui->setupUi(this);
@@ -222,26 +222,13 @@ bool CMDLDialog::HasUnsavedChanges() const {
 
 void CMDLDialog::OnView() {
   UpdateData(true);
-  const std::string gameDirectory = setting::GameDirectory.Read(Settings());
-  const std::string sdk = setting::SdkDirectory.Read(Settings());
-  const process::Command command =
-      tools::HlmvCommand(sdk, gameDirectory, tools::ModelFileOf(gameDirectory, m_project.modelFile));
-  const auto error = tools::StartHlmv(command, {setting::WineProgram.Read(Settings())});
-  if (!error) return;
-  platform::MessageBoxRequest box{tools::HlmvErrorText(command), {}, platform::BoxIcon::None};
-  box.Details = error->Message;
-  if (sdk.empty()) {
-    box.Details =
-        "hlmv, which shows models, comes with the SDK. No directory of the SDK is set: that is done with \"Configure\" "
-        "at "
-        "the top of the window.";
-  }
-  DesktopSeam().ShowBox(this, box);
+  m_viewed.View(m_project.modelFile);
 }
 
 void CMDLDialog::OnInspect() {
   CRefSMDInfo dialog(DesktopSeam(), this);
   dialog.SmdPath = FromQt(m_ui->referenceEdit->text());
+  dialog.GameDirectory = setting::GameDirectory.Read(Settings());
   dialog.DoModal();
 }
 
@@ -263,7 +250,7 @@ void CMDLDialog::CompileModel() {
   platform::CenterOver(*this, m_status);
   m_status.show();
   m_status.Clear();
-  m_runner.Start(*job, m_status.Log());
+  m_runner.Start(*job, m_status.Log(), [this](const jobs::ItemResult& result) { m_viewed.ShowCompiled(result); });
 }
 
 }  // namespace tarnwick::pages

@@ -6,6 +6,7 @@
 #include "pages/page.h"
 #include "pages/row_list.h"
 #include "pages/studiomdl_status_dialog.h"
+#include "pages/viewed_model.h"
 #include "project/model_project.h"
 #include "project/profile_store.h"
 
@@ -61,6 +62,7 @@ class CMDLDialog : public CPage {
   project::ProfileStore m_store;
   project::ProfileStore m_saved;  // the project as it was begun, loaded or saved last
   std::unique_ptr<RowList> m_sequences;
+  ViewedModel m_viewed;
   CStudioMDLStatusDialog m_status;
   ToolRunner m_runner;  // behind the window that it writes to
 };

@@ -18,7 +18,9 @@ using platform::FromQt;
 using platform::ToQt;
 
 CQCCompileDialog::CQCCompileDialog(const PageContext& context, QWidget* parent)
-    : CPage(context, parent), m_ui(std::make_unique<Ui::QcCompileDialog>()) {
+    : CPage(context, parent),
+      m_ui(std::make_unique<Ui::QcCompileDialog>()),
+      m_viewed(context.Desktop, context.Settings, *this) {
   m_ui->setupUi(this);
   m_runner =
       std::make_unique<ToolRunner>(*this, ToolRunControls{m_ui->progressBar, m_ui->stopButton, m_ui->copyCommandButton,
@@ -48,7 +50,10 @@ void CQCCompileDialog::OnCompile() {
   setting::QcFile.Write(Settings(), qcPath);
   const auto job = PrepareStudiomdlRun(*this, Settings(), tools::ToolRun::StudiomdlExistingQc, qcPath, 0);
   if (!job) return;
-  m_runner->Start(*job, m_log, [this](const auto&) { m_log.AppendPageLog("\r\nStudioMDL Thread complete\r\n"); });
+  m_runner->Start(*job, m_log, [this](const jobs::ItemResult& result) {
+    m_log.AppendPageLog("\r\nStudioMDL Thread complete\r\n");
+    m_viewed.ShowCompiled(result);
+  });
 }
 
 void CQCCompileDialog::OnEdit() {

@@ -5,6 +5,7 @@
 
 #include "pages/page.h"
 #include "pages/tool_runner.h"
+#include "pages/viewed_model.h"
 
 namespace Ui {
 class QcCompileDialog;
@@ -38,6 +39,7 @@ class CQCCompileDialog : public CPage {
   std::unique_ptr<Ui::QcCompileDialog> m_ui;
   std::string m_outputText;
   tools::PageLog m_log;  // ends in m_outputText
+  ViewedModel m_viewed;
   std::unique_ptr<ToolRunner> m_runner;
 };
 

@@ -4,6 +4,9 @@
 #include <string>
 
 #include "platform/dialog.h"
+#include "view/widget/background.h"
+#include "view/widget/picking.h"
+#include "view/widget/shown_model.h"
 
 namespace Ui {
 class RefSmdInfo;
@@ -11,7 +14,8 @@ class RefSmdInfo;
 
 namespace tarnwick::pages {
 
-/// Shows the figures of a reference SMD and replaces one of its materials throughout the file.
+/// Shows the figures and the mesh of a reference SMD, the chosen material lit up, and replaces one of its materials
+/// throughout the file.
 class CRefSMDInfo : public platform::CDialog {
   Q_OBJECT
 
@@ -19,7 +23,8 @@ class CRefSMDInfo : public platform::CDialog {
   CRefSMDInfo(platform::Desktop& desktop, QWidget* parent);
   ~CRefSMDInfo() override;
 
-  std::string SmdPath;  // set before the dialog is shown
+  std::string SmdPath;        // set before the dialog is shown
+  std::string GameDirectory;  // the same: where the textures of the mesh are looked for too; "" for none
 
   /// The info text, line ends as \r\n.
   const std::string& InfoText() const { return m_infoText; }
@@ -29,10 +34,15 @@ class CRefSMDInfo : public platform::CDialog {
 
  private:
   void ShowFigures();
+  void ShowMesh();
+  void LightMaterial();
+  void TakePicked(const view::PickedTriangle& triangle);
   void OnReplaceAll();
 
   std::unique_ptr<Ui::RefSmdInfo> m_ui;
   std::string m_infoText;
+  std::shared_ptr<view::ModelSource> m_source;
+  view::Background m_loading;
 };
 
 }  // namespace tarnwick::pages

@@ -9,14 +9,19 @@
 #include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QTabWidget>
 #include <QTest>
+#include <QTextBlock>
+#include <QTextLayout>
 #include <QTreeWidget>
 #include <filesystem>
 
+#include "pages/sources_view.h"
 #include "project/model_options.h"
 #include "settings/documents_folder.h"
 #include "support/model_builder.h"
 #include "support/scratch_folder.h"
+#include "view/widget/model_view.h"
 #include "window_support/memory_settings.h"
 #include "window_support/scripted_desktop.h"
 #include "window_support/window_actions.h"
@@ -341,6 +346,59 @@ TEST_F(DecompilePage, KeepsModelsApartInTheReadyFormUnlessToldNotTo) {
   EXPECT_EQ(m_settings.Values["Ravelback/Own Model Folders"], "0");
   Open();
   EXPECT_FALSE(Box("ownFoldersCheck").isChecked());
+}
+
+TEST_F(DecompilePage, ListsTheSourcesThatItWroteAndShowsTheChosenOne) {
+  Open();
+  Box("sideCheck").click();
+  ASSERT_TRUE(Box("sideCheck").isChecked()) << "hidden at first on a small screen";
+  EXPECT_EQ(m_settings.Values["Ravelback/Model Pane"], "1");
+  auto& tabs = ControlOf<QTabWidget>(*m_page, "sideTabs");
+  EXPECT_TRUE(tabs.isVisible());
+  const std::string model = tests::ModelBuilder{}.Write(m_folder.Path());
+  ControlOf<QLineEdit>(*m_page, "modelEdit").setText(QString::fromStdString(model));
+  auto& view = ControlOf<view::ModelView>(*m_page, "modelView");
+  EXPECT_TRUE(tests::WaitUntil([&] { return view.HasModel(); })) << "the model is shown as soon as it is named";
+  ControlOf<QLineEdit>(*m_page, "outputEdit").setText(QString::fromStdString(m_folder.Path("out")));
+  Click(*m_page, "extractButton");
+  ASSERT_TRUE(WaitForJob());
+  auto& sources = *m_page->findChild<SourcesView*>();
+  EXPECT_EQ(tabs.currentWidget(), &sources);
+  auto& list = ControlOf<QTreeWidget>(sources, "sourceList");
+  ASSERT_EQ(list.topLevelItemCount(), 1);
+  const QTreeWidgetItem& written = *list.topLevelItem(0);
+  ASSERT_GE(written.childCount(), 2);
+  auto& text = ControlOf<QPlainTextEdit>(sources, "sourceText");
+  auto& mesh = ControlOf<view::ModelView>(sources, "sourceMesh");
+  int scripts = 0;
+  int meshes = 0;
+  for (int i = 0; i < written.childCount(); ++i) {
+    const QString name = written.child(i)->text(0);
+    list.setCurrentItem(written.child(i));
+    ASSERT_TRUE(tests::WaitUntil([&] { return !sources.IsBusy(); }));
+    if (name.endsWith(".qc")) {
+      ++scripts;
+      EXPECT_TRUE(text.isVisible());
+      EXPECT_THAT(text.toPlainText().toStdString(), HasSubstr("$modelname"));
+      const QTextBlock line = text.document()->find("$modelname").block();
+      ASSERT_FALSE(line.layout()->formats().isEmpty()) << "coloured";
+      EXPECT_EQ(line.layout()->formats().front().length, 10);
+    } else if (name.endsWith(".smd")) {
+      ++meshes;
+      EXPECT_TRUE(mesh.isVisible());
+      EXPECT_TRUE(mesh.HasModel());
+      ControlOf<QCheckBox>(sources, "asTextCheck").setChecked(true);
+      ASSERT_TRUE(tests::WaitUntil([&] { return !sources.IsBusy(); }));
+      EXPECT_THAT(text.toPlainText().toStdString(), testing::StartsWith("version 1"));
+      ControlOf<QCheckBox>(sources, "asTextCheck").setChecked(false);
+    }
+  }
+  EXPECT_EQ(scripts, 1);
+  EXPECT_GE(meshes, 1);
+  Click(sources, "sourceFolderButton");
+  Click(sources, "sourceEditButton");
+  ASSERT_EQ(m_desktop.Opened.size(), 2u);
+  EXPECT_THAT(m_desktop.Opened[1], testing::StartsWith(m_desktop.Opened[0] + "/"));
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <QTest>
 
 #include "support/scratch_folder.h"
+#include "view/widget/model_view.h"
 #include "window_support/scripted_desktop.h"
 #include "window_support/window_actions.h"
 
@@ -48,6 +49,50 @@ TEST(RefSmdInfo, ReplacesAMaterialAndShowsTheNewFigures) {
 
   QTest::keyClick(&dialog, Qt::Key_Escape);
   EXPECT_FALSE(dialog.isVisible());
+}
+
+TEST(RefSmdInfo, LightsTheChosenMaterialUpAndTellsThatOfAPickedTriangle) {
+  const tests::ScratchFolder folder;
+  std::string smd = Triangle;
+  smd.replace(smd.find("end\n", smd.find("triangles")), 4,
+              "bark.tga\n0 0 0 5 0 0 1 0 0\n0 1 0 5 0 0 1 1 0\n0 0 1 5 0 0 1 0 1\nend\n");
+  tests::WriteText(folder.Path("a.smd"), smd);
+  tests::ScriptedDesktop desktop;
+  CRefSMDInfo dialog(desktop, nullptr);
+  dialog.SmdPath = folder.Path("a.smd");
+  dialog.Create();
+  dialog.show();
+  auto& mesh = ControlOf<view::ModelView>(dialog, "mesh");
+  ASSERT_TRUE(tests::WaitUntil([&] { return mesh.HasModel(); }));
+  const auto lit = [&] {
+    const auto material = static_cast<size_t>(mesh.State().HighlightedMaterial);
+    return material < mesh.Model().Model->Materials.size() ? mesh.Model().Model->Materials[material] : "(none)";
+  };
+  auto& combo = ControlOf<QComboBox>(dialog, "materialCombo");
+  EXPECT_EQ(lit(), "skin.tga");
+  combo.setEditText("bark.tga");
+  EXPECT_EQ(lit(), "bark.tga");
+  combo.setEditText("no such");
+  EXPECT_EQ(lit(), "(none)");
+
+  // A click on the triangle with the other material, which is seen from above.
+  mesh.Change([](view::ViewState& state) { state.Eye.Look(view::ViewSide::Top); });
+  mesh.FrameModel();
+  const auto& scene = *mesh.Model().Model;
+  view::ScenePose pose(scene);
+  pose.Set(view::PoseOf(mesh.State()));
+  view::Vec3 middle;
+  for (size_t i = 3; i < 6; ++i) {
+    const size_t index = scene.Indices[i];
+    const view::ScenePoint corner = SkinPoint(scene.Points[index], scene.Vertices[index], pose.SkinMatrices());
+    middle = middle + corner.Position * (1.0f / 3);
+  }
+  const view::Vec3 place =
+      mesh.State().Eye.Project(middle, static_cast<float>(mesh.width()), static_cast<float>(mesh.height()));
+  QTest::mouseClick(&mesh, Qt::LeftButton, {}, QPointF(place.X, place.Y).toPoint());
+  EXPECT_EQ(combo.currentText(), "bark.tga");
+  EXPECT_EQ(lit(), "bark.tga");
+  EXPECT_THAT(ControlOf<QLabel>(dialog, "resultLabel").text().toStdString(), HasSubstr("\"bark.tga\""));
 }
 
 TEST(RefSmdInfo, TellsThatNoFileIsNamedAndClosesByItsCloseBox) {

@@ -54,7 +54,8 @@ int main(int argumentCount, char** arguments) {
 
   int failures = 0;
   for (const auto& subjects : {tarnwick::screenshots::ShellSubjects(), tarnwick::screenshots::ModelSubjects(),
-                               tarnwick::screenshots::ControlsSubjects(), tarnwick::screenshots::TextureSubjects()}) {
+                               tarnwick::screenshots::ControlsSubjects(), tarnwick::screenshots::TextureSubjects(),
+                               tarnwick::screenshots::ViewSubjects()}) {
     for (const Subject& subject : subjects) {
       if (words.size() > 4 && !QString::fromStdString(subject.Name).contains(words[4])) continue;
       const QString path =

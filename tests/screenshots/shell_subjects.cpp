@@ -1,4 +1,8 @@
+#include <QFile>
 #include <QProgressBar>
+#include <QTabWidget>
+#include <QTemporaryDir>
+#include <QTest>
 #include <array>
 
 #include "app/about_dlg.h"
@@ -8,8 +12,12 @@
 #include "app/kilndesk_dlg.h"
 #include "core/settings_table.h"
 #include "pages/collision_help_dialog.h"
+#include "pages/decompiler_dialog.h"
 #include "pages/decompiler_status.h"
+#include "pages/sources_view.h"
 #include "screenshots/subject.h"
+#include "view/widget/model_viewer.h"
+#include "view/widget/model_window.h"
 
 namespace tarnwick::screenshots {
 
@@ -123,6 +131,60 @@ std::unique_ptr<QWidget> Verified(Stage& stage) {
   return status;
 }
 
+/// The bundled sample at a place with a short name.
+std::string SampleModel() {
+  static const QTemporaryDir folder;
+  for (const char* ending : {".mdl", ".vvd", ".dx90.vtx", ".phy"}) {
+    QFile::copy(QString(TARNWICK_SAMPLES "/walker") + ending, folder.filePath(QString("walker") + ending));
+  }
+  return folder.filePath("walker.mdl").toStdString();
+}
+
+void WaitFor(view::ModelViewer& viewer) {
+  for (int i = 0; i < 200 && viewer.IsBusy(); ++i) QTest::qWait(20);
+  viewer.View().Change([](view::ViewState& state) {
+    state.IsPlaying = false;
+    state.Mode = view::ShadingMode::Shaded;
+  });
+}
+
+/// The decompile page with the model that is named beside it.
+std::unique_ptr<QWidget> DecompilePageWithModel(Stage& stage) {
+  FillDirectories(stage);
+  setting::TabSelect.Write(stage.Settings, 2);
+  setting::ModelPane.Write(stage.Settings, 1);
+  setting::LastMdlFile.Write(stage.Settings, SampleModel());
+  setting::OutputDirectory.Write(stage.Settings, SampleModel() + ".sources");
+  auto window = Created(std::make_unique<app::CKilndeskDlg>(stage.Settings, stage.Desktop));
+  WaitFor(*window->findChild<view::ModelViewer*>());
+  return window;
+}
+
+/// The same after a job.
+std::unique_ptr<QWidget> DecompilePageWithSources(Stage& stage) {
+  auto window = DecompilePageWithModel(stage);
+  auto* page = window->findChild<pages::CDecompilerDialog*>();
+  page->OnExtract();
+  for (int i = 0; i < 200 && !page->isEnabled(); ++i) QTest::qWait(20);
+  window->findChild<pages::CDecompilerStatus*>()->hide();
+  auto* sources = window->findChild<pages::SourcesView*>();
+  for (int i = 0; i < 200 && sources->IsBusy(); ++i) QTest::qWait(20);
+  return window;
+}
+
+/// The model viewer on one of its tabs.
+Subject ModelWindow(const char* name, int tab, view::ViewExtras extras) {
+  return {name, [tab, extras](Stage& stage) {
+            auto window = std::make_unique<view::ModelWindow>(stage.Desktop);
+            window->setAttribute(Qt::WA_DeleteOnClose, false);
+            window->Open(QString::fromStdString(SampleModel()), {});
+            WaitFor(window->Viewer());
+            window->Viewer().View().Change([&](view::ViewState& state) { state.Extras = extras; });
+            window->findChild<QTabWidget*>("viewerTabs")->setCurrentIndex(tab);
+            return window;
+          }};
+}
+
 }  // namespace
 
 std::vector<Subject> ShellSubjects() {
@@ -131,6 +193,8 @@ std::vector<Subject> ShellSubjects() {
        [](Stage& stage) { return Created(std::make_unique<app::CKilndeskDlg>(stage.Settings, stage.Desktop)); }},
       MainWindow("main-material-compile", 1),
       MainWindow("main-model-decompile", 2),
+      {"main-model-decompile-shown", DecompilePageWithModel},
+      {"main-model-decompile-sources", DecompilePageWithSources},
       MainWindow("main-vtf-export", 3),
       {"decompiler-status", RunningJob},
       {"decompiler-status-lost", LostThings},
@@ -153,6 +217,14 @@ std::vector<Subject> ShellSubjects() {
        }},
       {"about", [](Stage& stage) { return Created(std::make_unique<app::CAboutDlg>(stage.Desktop, nullptr)); }},
   };
+}
+
+std::vector<Subject> ViewSubjects() {
+  return {ModelWindow("model-viewer", 0, {}),
+          ModelWindow("model-viewer-display", 1,
+                      {.Bones = true, .BoneNames = true, .Attachments = true, .Hitboxes = true, .Grid = true}),
+          ModelWindow("model-viewer-parts", 2, {.Hulls = true, .Boxes = true}), ModelWindow("model-viewer-face", 4, {}),
+          ModelWindow("model-viewer-facts", 5, {.Normals = true})};
 }
 
 }  // namespace tarnwick::screenshots

@@ -31,5 +31,6 @@ std::vector<Subject> ControlsSubjects();
 std::vector<Subject> ModelSubjects();
 std::vector<Subject> ShellSubjects();
 std::vector<Subject> TextureSubjects();
+std::vector<Subject> ViewSubjects();
 
 }  // namespace tarnwick::screenshots

@@ -57,7 +57,25 @@ const QString& OpenGlTrouble() {
   return trouble;
 }
 
-ModelCanvas::ModelCanvas(QWidget* parent) : QOpenGLWidget(parent) {
+/// The names of the bones, painted by the window itself: they need no state of OpenGL.
+class ModelCanvas::Names : public QWidget {
+ public:
+  explicit Names(ModelCanvas& canvas) : QWidget(&canvas), m_canvas(canvas) {
+    setAttribute(Qt::WA_TransparentForMouseEvents);
+    hide();
+  }
+
+ protected:
+  void paintEvent(QPaintEvent*) override {
+    QPainter painter(this);
+    m_canvas.PaintNames(painter);
+  }
+
+ private:
+  ModelCanvas& m_canvas;
+};
+
+ModelCanvas::ModelCanvas(QWidget* parent) : QOpenGLWidget(parent), m_names(new Names(*this)) {
   setFormat(Format());
   setFocusPolicy(Qt::NoFocus);  // the keys are the view's
 }
@@ -95,6 +113,9 @@ void ModelCanvas::ShowModel(const ShownModel& model) {
 void ModelCanvas::Draw(const ViewState& state, const ScenePose& pose) {
   m_state = &state;
   m_pose = &pose;
+  m_names->setVisible(state.Extras.BoneNames);
+  m_names->setGeometry(rect());
+  m_names->update();
   update();
 }
 
@@ -112,6 +133,10 @@ void ModelCanvas::initializeGL() {
   if (!m_renderer) emit Failed(ToQt(reason));
 }
 
+void ModelCanvas::resizeGL(int, int) {
+  m_names->setGeometry(rect());
+}
+
 void ModelCanvas::paintGL() {
   if (!m_renderer) return;
   if (!m_isLoaded && m_model.Model) {
@@ -126,16 +151,23 @@ void ModelCanvas::paintGL() {
   SetBackground(palette(), target);
   if (!m_isLoaded || m_state == nullptr || m_pose == nullptr) return m_renderer->Clear(target);
   m_counts = m_renderer->Draw(*m_state, *m_pose, target);
-  if (m_state->Extras.BoneNames) PaintBoneNames(*m_state, *m_pose);
 }
 
-void ModelCanvas::PaintBoneNames(const ViewState& state, const ScenePose& pose) {
-  QPainter painter(this);
-  const std::span<const Matrix34> bones = pose.Bones();
+QImage ModelCanvas::Picture() {
+  QImage picture = grabFramebuffer();
+  picture.setDevicePixelRatio(devicePixelRatioF());
+  QPainter painter(&picture);
+  PaintNames(painter);
+  return picture;
+}
+
+void ModelCanvas::PaintNames(QPainter& painter) const {
+  if (m_state == nullptr || m_pose == nullptr || !m_model.Model || !m_state->Extras.BoneNames) return;
+  const std::span<const Matrix34> bones = m_pose->Bones();
   const QColor behind = palette().color(QPalette::Base);
   for (size_t i = 0; i < bones.size() && i < m_model.Model->Bones.size(); ++i) {
     const Vec3 place =
-        state.Eye.Project(bones[i].Translation(), static_cast<float>(width()), static_cast<float>(height()));
+        m_state->Eye.Project(bones[i].Translation(), static_cast<float>(width()), static_cast<float>(height()));
     if (!(place.Z >= -1 && place.Z <= 1)) continue;
     const QPointF point(place.X + 4, place.Y - 4);
     const QString name = ToQt(m_model.Model->Bones[i].Name);

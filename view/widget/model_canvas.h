@@ -26,6 +26,8 @@ class ModelCanvas : public QOpenGLWidget {
   void Draw(const ViewState& state, const ScenePose& pose);
   /// What the last picture took.
   const DrawCounts& Counts() const { return m_counts; }
+  /// What is seen, with names, in pixels of the screen.
+  QImage Picture();
   QString DriverName() const;
 
  signals:
@@ -33,12 +35,16 @@ class ModelCanvas : public QOpenGLWidget {
 
  protected:
   void initializeGL() override;
+  void resizeGL(int width, int height) override;
   void paintGL() override;
 
  private:
   void Release();
-  void PaintBoneNames(const ViewState& state, const ScenePose& pose);
+  void PaintNames(QPainter& painter) const;
 
+  class Names;
+
+  Names* m_names;  // lies over the picture
   ShownModel m_model;
   const ViewState* m_state = nullptr;
   const ScenePose* m_pose = nullptr;

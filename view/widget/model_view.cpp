@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "core/paths.h"
 #include "view/widget/model_canvas.h"
 
 namespace tarnwick::view {
@@ -26,6 +27,13 @@ constexpr float PanAKey = 0.05f;  // parts of the picture's height
 constexpr float ZoomAStep = 0.87f;
 constexpr float WheelNotch = 120;
 constexpr float LongestTick = 0.25f;  // seconds: a window that was held up does not leap
+
+/// Whether `model` is an SMD file of whose materials none is there.
+bool IsUntexturedMesh(const ShownModel& model) {
+  const auto& materials = model.Materials->Materials;
+  return core::LowerAscii(model.Model->Path).ends_with(".smd") &&
+         std::all_of(materials.begin(), materials.end(), [](const Material& one) { return one.Missing; });
+}
 
 }  // namespace
 
@@ -106,7 +114,7 @@ void ModelView::MakeCommands() {
     action->setCheckable(true);
     m_marks.emplace_back(action, [mode = each.Mode](const ViewState& state) { return state.Mode == mode; });
   }
-  QMenu& extras = *m_menu->addMenu("Sho&w too");
+  QMenu& extras = *m_menu->addMenu("Sh&ow too");
   QAction* lines = Command(extras, "&Lines of the triangles", Qt::Key_L,
                            [this] { Change([](ViewState& state) { state.WireOverMesh = !state.WireOverMesh; }); });
   lines->setCheckable(true);
@@ -153,6 +161,11 @@ void ModelView::ShowModel(const ShownModel& model, const std::optional<ViewState
   if (!m_model.Model) return;
   m_wasFramed = state.has_value();
   m_state = state ? *state : FirstViewOf(*m_model.Model, Aspect());
+  if (!state) {
+    // A mesh on its way to a compiler has no textures yet, and an animation no mesh.
+    if (IsUntexturedMesh(m_model)) m_state.Mode = ShadingMode::Shaded;
+    if (m_model.Model->Draws.empty()) m_state.Extras.Bones = true;
+  }
   m_pose.emplace(*m_model.Model);
   if (!OpenGlTrouble().isEmpty()) {
     Say("The model cannot be shown: " + OpenGlTrouble() + ". Everything else works without.");
@@ -248,7 +261,7 @@ std::optional<DrawCounts> ModelView::Counts() const {
 }
 
 QImage ModelView::Picture() {
-  return m_canvas != nullptr && HasModel() && m_text->isHidden() ? m_canvas->grabFramebuffer() : QImage();
+  return m_canvas != nullptr && HasModel() && m_text->isHidden() ? m_canvas->Picture() : QImage();
 }
 
 std::optional<PickedTriangle> ModelView::Pick(const QPointF& point) const {

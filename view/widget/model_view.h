@@ -49,6 +49,8 @@ class ModelView : public QWidget {
   /// The triangle under a point of this widget.
   std::optional<PickedTriangle> Pick(const QPointF& point) const;
 
+  /// The menu of all commands.
+  QMenu* Commands() const { return m_menu; }
   void FrameModel();
   void StepFrame(int frames);
 

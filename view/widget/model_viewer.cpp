@@ -88,7 +88,7 @@ ModelViewer::ModelViewer(platform::Desktop& desktop, Controls controls, QWidget*
   splitter->addWidget(picture);
   splitter->addWidget(m_tabs);
   splitter->setStretchFactor(0, 1);
-  splitter->setSizes(controls == Controls::Beside ? QList<int>{700, 320} : QList<int>{360, 210});
+  splitter->setSizes(controls == Controls::Beside ? QList<int>{610, 430} : QList<int>{360, 210});
   auto* whole = new QVBoxLayout(this);
   whole->setContentsMargins(0, 0, 0, 0);
   whole->addWidget(splitter);
@@ -152,6 +152,7 @@ void ModelViewer::Reload() {
 void ModelViewer::Load() {
   if (!m_watcher->files().isEmpty()) m_watcher->removePaths(m_watcher->files());
   if (m_path.isEmpty()) return TakeModel({}, {});
+  KeepState();
   if (m_path != m_shownPath) m_view->ShowText("Reading " + QFileInfo(m_path).fileName());
   m_loading.Run(
       [source = m_source, path = FromQt(m_path), game = FromQt(m_gameDirectory)] { return source->Load(path, game); },
@@ -175,7 +176,7 @@ void ModelViewer::TakeModel(const ShownModel& model, const QString& path) {
   m_tabs->setTabEnabled(m_tabs->indexOf(m_pose), m_pose->HasSliders());
   m_tabs->setTabEnabled(m_tabs->indexOf(m_face), m_face->HasSliders());
   const int troubles = m_facts->Troubles();
-  m_tabs->setTabText(m_tabs->indexOf(m_facts), troubles > 0 ? QString("Facts, %1 missing").arg(troubles) : "Facts");
+  m_tabs->setTabText(m_tabs->indexOf(m_facts), troubles > 0 ? QString("Facts (%1)").arg(troubles) : "Facts");
   m_tabs->setEnabled(has);
   TakeState();
   emit Shown();

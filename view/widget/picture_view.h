@@ -23,7 +23,7 @@ class PictureView : public QAbstractScrollArea {
   void SetZoom(double zoom);
   double Zoom() const { return m_zoom; }
 
-  QSize sizeHint() const override { return {256, 256}; }
+  QSize sizeHint() const override { return {160, 160}; }
   QSize minimumSizeHint() const override { return {128, 128}; }
 
  signals:
