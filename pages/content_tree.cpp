@@ -69,7 +69,7 @@ void CContentTree::Show(std::shared_ptr<const archives::ContentIndex> index,
   if (places.size() > 1) AddPlace("All places", "What the game finds, each name once", "folder", AllPlaces);
   for (size_t i = 0; i < places.size(); ++i) {
     AddPlace(ShownName(ShortPath(places[i].Path)), TipText(places[i].Path),
-             places[i].InArchive != nullptr ? "IDB_SAVE" : "folder", static_cast<int>(i));
+             places[i].InArchive != nullptr ? "file" : "folder", static_cast<int>(i));
   }
   GoTo(m_keptPlace, m_keptFolder);
 }

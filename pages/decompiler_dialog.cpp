@@ -93,7 +93,7 @@ CDecompilerDialog::CDecompilerDialog(const PageContext& context, QWidget* parent
   connect(m_ui->readyCheck, &QAbstractButton::toggled, m_ui->animationsCheck, &QWidget::setEnabled);
   connect(m_ui->readyCheck, &QAbstractButton::clicked, m_ui->ownFoldersCheck, &QAbstractButton::setChecked);
   connect(m_ui->extractButton, &QAbstractButton::clicked, this, &CDecompilerDialog::OnExtract);
-  AddContentButton(*m_ui->browseModelButton, archives::ContentKind::Model);
+  AddContentButton(*m_ui->browseModelButton, "&Game content...", archives::ContentKind::Model);
 }
 
 CDecompilerDialog::~CDecompilerDialog() = default;

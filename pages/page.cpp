@@ -31,10 +31,11 @@ size_t CPage::OpenFiles(const std::vector<std::string>&) {
   return 0;
 }
 
-void CPage::AddContentButton(QAbstractButton& openButton, std::optional<archives::ContentKind> kind) {
+void CPage::AddContentButton(QAbstractButton& openButton, const QString& caption,
+                             std::optional<archives::ContentKind> kind) {
   QBoxLayout* const row = RowOf(openButton.parentWidget()->layout(), openButton);
   if (row == nullptr || !m_context.BrowseContent) return;
-  auto* button = new QPushButton("&Game content...", openButton.parentWidget());
+  auto* button = new QPushButton(caption, openButton.parentWidget());
   button->setObjectName("contentButton");
   button->setToolTip("Look for files in the game's folders and archives");
   button->setAutoDefault(false);

@@ -56,8 +56,9 @@ class CPage : public platform::CDialog {
   project::ModelOptions& Options() const { return m_context.Options; }
   const PageContext& Context() const { return m_context; }
 
-  /// Puts a button "Game content..." behind the one that opens a file.
-  void AddContentButton(QAbstractButton& openButton, std::optional<archives::ContentKind> kind);
+  /// Puts a button behind the one that opens a file; `caption` is "Game content..." with a letter that the page has
+  /// free.
+  void AddContentButton(QAbstractButton& openButton, const QString& caption, std::optional<archives::ContentKind> kind);
   /// By which a job reads its inputs, in archives and through the game's search paths too.
   std::shared_ptr<jobs::InputContent> NewContent() const;
 

@@ -107,7 +107,7 @@ CVTFDialog::CVTFDialog(const PageContext& context, QWidget* parent)
   connect(m_ui->browseInputButton, &QAbstractButton::clicked, this, &CVTFDialog::OnBrowseInput);
   connect(m_ui->browseOutputButton, &QAbstractButton::clicked, this, &CVTFDialog::OnBrowseOutput);
   connect(m_ui->extractButton, &QAbstractButton::clicked, this, &CVTFDialog::ExtractVtf);
-  AddContentButton(*m_ui->browseInputButton, archives::ContentKind::Texture);
+  AddContentButton(*m_ui->browseInputButton, "Game co&ntent...", archives::ContentKind::Texture);
   connect(m_ui->wholeLogButton, &QAbstractButton::toggled, this, &CVTFDialog::ShowLog);
   connect(m_ui->inputEdit, &QLineEdit::textChanged, this, &CVTFDialog::ShowTexture);
   connect(m_ui->stopButton, &QAbstractButton::clicked, this, [this] { m_job.RequestStop(); });
