@@ -1,11 +1,15 @@
+#ifdef _WIN32
+#include <windows.h>
+#endif
+
 #include <QtGlobal>
 #include <cstdio>
-#include <cstring>
 #include <string>
 #include <vector>
 
 #include "app/kilndesk_app.h"
 #include "app/start_switches.h"
+#include "core/command_line.h"
 #include "core/version.h"
 
 namespace {
@@ -23,22 +27,33 @@ constexpr const char* HelpText =
     "\n"
     "The same work for scripts: tarnwick-cli --help\n";
 
+/// Prints on the console that the program was started from: on Windows a program with a window has none of its own.
+void Print(const std::string& text) {
+#ifdef _WIN32
+  const HANDLE output = GetStdHandle(STD_OUTPUT_HANDLE);
+  const bool isRedirected = output != nullptr && GetFileType(output) != FILE_TYPE_UNKNOWN;
+  if (!isRedirected && AttachConsole(ATTACH_PARENT_PROCESS)) std::freopen("CONOUT$", "w", stdout);
+#endif
+  std::fputs(text.c_str(), stdout);
+  std::fflush(stdout);
+}
+
 }  // namespace
 
 int main(int argumentCount, char** arguments) {
   // Whatever needs no window is answered before there is any need of a display.
-  for (int i = 1; i < argumentCount; ++i) {
-    if (std::strcmp(arguments[i], "--help") == 0 || std::strcmp(arguments[i], "-h") == 0) {
-      std::fputs(HelpText, stdout);
+  const std::vector<std::string> words = tarnwick::core::CommandLine(argumentCount, arguments).Arguments();
+  for (const std::string& word : words) {
+    if (word == "--help" || word == "-h") {
+      Print(HelpText);
       return 0;
     }
-    if (std::strcmp(arguments[i], "--version") == 0) {
-      std::puts(tarnwick::core::VersionText("tarnwick", std::string("Qt ") + qVersion()).c_str());
+    if (word == "--version") {
+      Print(tarnwick::core::VersionText("tarnwick", std::string("Qt ") + qVersion()) + "\n");
       return 0;
     }
   }
   using tarnwick::app::StartMode;
-  const std::vector<std::string> words(arguments + 1, arguments + argumentCount);
   const StartMode mode = tarnwick::app::ReadStartSwitches(words);
   if (mode == StartMode::Registration) return 0;
   return tarnwick::app::CKilndeskApp(argumentCount, arguments, mode, tarnwick::app::FilesOnLine(words)).Run();

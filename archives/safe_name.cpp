@@ -1,9 +1,8 @@
 #include "archives/safe_name.h"
 
 #include <algorithm>
-#include <array>
 
-#include "core/paths.h"
+#include "core/windows_names.h"
 
 namespace tarnwick::archives {
 
@@ -11,19 +10,6 @@ namespace {
 
 bool IsControl(char c) {
   return static_cast<unsigned char>(c) < ' ' || c == '\x7F';
-}
-
-/// Whether Windows takes `part` for a device, whatever its extension.
-bool IsDevice(std::string_view part) {
-  std::string stem = core::UpperAscii(part.substr(0, part.find('.')));
-  while (stem.ends_with(' ')) stem.pop_back();
-  constexpr std::array<std::string_view, 6> Plain = {"CON", "PRN", "AUX", "NUL", "CONIN$", "CONOUT$"};
-  if (std::find(Plain.begin(), Plain.end(), stem) != Plain.end()) return true;
-  if (!stem.starts_with("COM") && !stem.starts_with("LPT")) return false;
-  const std::string_view number = std::string_view(stem).substr(3);
-  // The superscript digits count too.
-  return (number.size() == 1 && number[0] >= '0' && number[0] <= '9') || number == "\u00B9" || number == "\u00B2" ||
-         number == "\u00B3";
 }
 
 std::string UnsafePart(std::string_view part, NameRules rules) {
@@ -34,7 +20,7 @@ std::string UnsafePart(std::string_view part, NameRules rules) {
   if (rules == NameRules::Posix) return {};
   if (part.find_first_of("<>\"|?*") != std::string_view::npos) return "its name has a character that Windows reserves";
   if (part.ends_with('.') || part.ends_with(' ')) return "a part of its name ends in a dot or a blank";
-  return IsDevice(part) ? "a part of its name is that of a device" : "";
+  return core::IsDeviceName(part) ? "a part of its name is that of a device" : "";
 }
 
 }  // namespace

@@ -7,6 +7,10 @@
 #include <thread>
 #include <vector>
 
+#ifdef _WIN32
+#include <windows.h>
+#endif
+
 namespace tarnwick::cli {
 
 namespace {
@@ -19,6 +23,17 @@ static_assert(std::atomic<bool>::is_always_lock_free);
 constexpr int Signals[] = {SIGINT, SIGTERM, SIGBREAK};
 #else
 constexpr int Signals[] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT};
+#endif
+
+#ifdef _WIN32
+/// Closing the console, logging off and shutting down: the system ends the process once this returns, or after some
+/// seconds. Those are what the program gets to put its files in order; it ends by itself then.
+BOOL WINAPI OnConsoleEvent(DWORD event) {
+  if (event == CTRL_C_EVENT || event == CTRL_BREAK_EVENT) return FALSE;  // signals
+  Interrupted = true;
+  Sleep(INFINITE);
+  return TRUE;
+}
 #endif
 
 void OnSignal(int number) {
@@ -52,6 +67,9 @@ InterruptFlag::InterruptFlag() : m_watch(std::make_unique<Watch>()) {
       m_watch->Handlers.push_back({number, old});
     }
   }
+#ifdef _WIN32
+  SetConsoleCtrlHandler(OnConsoleEvent, TRUE);
+#endif
   m_watch->Looker = std::jthread([watch = m_watch.get()](const std::stop_token& ended) {
     std::mutex mutex;
     std::condition_variable_any end;
@@ -62,6 +80,9 @@ InterruptFlag::InterruptFlag() : m_watch(std::make_unique<Watch>()) {
 }
 
 InterruptFlag::~InterruptFlag() {
+#ifdef _WIN32
+  SetConsoleCtrlHandler(OnConsoleEvent, FALSE);
+#endif
   for (const Watch::Replaced& each : m_watch->Handlers) std::signal(each.Number, each.Old);
 }
 

@@ -1,7 +1,9 @@
 #include <iostream>
 
 #include "cli/invocation.h"
+#include "core/command_line.h"
 
 int main(int argumentCount, char** arguments) {
-  return tarnwick::cli::RunProgram(argumentCount, arguments, std::cout, std::cerr);
+  const tarnwick::core::CommandLine line(argumentCount, arguments);
+  return tarnwick::cli::RunProgram(line.Count(), line.Words(), std::cout, std::cerr);
 }

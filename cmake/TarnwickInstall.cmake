@@ -9,8 +9,11 @@ option(TARNWICK_PORTABLE "Install for the archive that runs from any folder" OFF
 include(GNUInstallDirs)
 set(CMAKE_INSTALL_DOCDIR ${CMAKE_INSTALL_DATAROOTDIR}/doc/tarnwick)
 set(home ${CMAKE_INSTALL_LIBEXECDIR}/tarnwick)
-if(TARNWICK_PORTABLE)
+if(TARNWICK_PORTABLE OR WIN32)
   set(home .)
+endif()
+if(WIN32)  # one folder, with all that a person looks for straight in it
+  set(CMAKE_INSTALL_DOCDIR .)
 endif()
 
 foreach(program tarnwick tarnwick-cli tarnwick-imageworker tarnwick-minder)
@@ -29,6 +32,8 @@ install(DIRECTORY ${CMAKE_SOURCE_DIR}/docs DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(FILES ${CMAKE_SOURCE_DIR}/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 
 if(WIN32)
+  install(FILES ${CMAKE_SOURCE_DIR}/cmake/windows/READ_ME_FIRST.txt DESTINATION .)
+  install(FILES ${CMAKE_SOURCE_DIR}/LICENSE DESTINATION . RENAME LICENSE.txt)
   return()
 endif()
 if(TARNWICK_PORTABLE)

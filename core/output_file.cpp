@@ -17,6 +17,9 @@
 #endif
 
 #include "core/paths.h"
+#ifdef _WIN32
+#include "core/windows_names.h"
+#endif
 
 namespace tarnwick::core {
 
@@ -84,6 +87,9 @@ std::optional<OutputFile> OutputFile::Create(std::string path, std::string* reas
     return std::nullopt;
   };
   if (LastComponent(path).empty()) return refuse("the file has no name");
+#ifdef _WIN32  // the system would write to a device, to a stream of another file, or under another name
+  if (const std::string trouble = WindowsNameTrouble(LastComponent(path)); !trouble.empty()) return refuse(trouble);
+#endif
   fs::path native = NativePath(path);
   std::error_code error;
   auto status = fs::symlink_status(native, error);

@@ -6,9 +6,35 @@ namespace tarnwick::core {
 
 namespace fs = std::filesystem;
 
+#ifdef _WIN32
+
+namespace {
+
+// The form of a path that the system takes as it is, of any length.
+constexpr std::wstring_view Unchanged = L"\\\\?\\";
+constexpr std::wstring_view UnchangedShare = L"\\\\?\\UNC\\";
+
+/// A path that is longer than the system takes in the usual form, unless its owner has said otherwise, in the other.
+fs::path Reachable(fs::path path) {
+  constexpr size_t LongestUsual = 247;  // of a folder: a file in it must have room for a short name
+  constexpr std::wstring_view Share = L"\\\\";
+  std::error_code error;
+  // Everything that the system would change must be changed already: slashes, dots, what a relative path is beside.
+  std::wstring whole;
+  if (!path.empty()) whole = fs::absolute(path, error).lexically_normal().make_preferred().native();
+  if (error || whole.size() <= LongestUsual || whole.starts_with(Unchanged)) return path;
+  const std::wstring_view view = whole;
+  if (view.starts_with(Share)) return std::wstring(UnchangedShare).append(view.substr(Share.size()));
+  return std::wstring(Unchanged).append(view);
+}
+
+}  // namespace
+
+#endif
+
 fs::path NativePath(std::string_view path) {
 #ifdef _WIN32
-  return fs::path(std::u8string(path.begin(), path.end()));
+  return Reachable(fs::path(std::u8string(path.begin(), path.end())));
 #else
   std::string text(path);
   std::replace(text.begin(), text.end(), '\\', '/');
@@ -18,7 +44,15 @@ fs::path NativePath(std::string_view path) {
 
 std::string PathText(const fs::path& path) {
 #ifdef _WIN32
-  const std::u8string text = path.u8string();
+  std::wstring_view whole = path.native();
+  std::wstring share;
+  if (whole.starts_with(UnchangedShare)) {
+    share = L"\\\\" + std::wstring(whole.substr(UnchangedShare.size()));
+    whole = share;
+  } else if (whole.starts_with(Unchanged)) {
+    whole.remove_prefix(Unchanged.size());
+  }
+  const std::u8string text = fs::path(whole).u8string();
   return std::string(text.begin(), text.end());
 #else
   return path.string();
@@ -27,6 +61,9 @@ std::string PathText(const fs::path& path) {
 
 std::string_view LastComponent(std::string_view path) {
   const size_t separator = path.find_last_of("/\\");
+#ifdef _WIN32  // "c:a.mdl" is a.mdl in the folder that is the current one of drive c
+  if (separator == std::string_view::npos && path.size() > 1 && path[1] == ':') return path.substr(2);
+#endif
   return separator == std::string_view::npos ? path : path.substr(separator + 1);
 }
 

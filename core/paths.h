@@ -14,17 +14,17 @@ inline constexpr char PathSeparator = '\\';
 inline constexpr char PathSeparator = '/';
 #endif
 
-/// `path` as this platform opens it: on Linux every backslash is a separator, on Windows the text is taken as UTF-8.
+/// `path` as this platform opens it: on Linux each backslash is a separator, on Windows it is UTF-8 of any length.
 /// The text shown to the user and written to files stays as it was; only the call that opens a file uses this.
 std::filesystem::path NativePath(std::string_view path);
 
 /// The text of a path in the form that the rest of the program handles (on Windows UTF-8).
 std::string PathText(const std::filesystem::path& path);
 
-/// The part of `path` behind its last slash or backslash.
+/// The part of `path` behind its last slash or backslash, on Windows also behind a drive's letter and colon.
 std::string_view LastComponent(std::string_view path);
 
-/// `path` with characters removed from its end until the last one is a slash or a backslash or nothing is left.
+/// What stands in `path` before its last component.
 std::string_view DirectoryWithSeparator(std::string_view path);
 
 /// ASCII capitals to small letters; other bytes stay. Locale plays no part.

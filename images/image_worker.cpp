@@ -31,10 +31,14 @@ constexpr process::ErrorOutput WorkersErrors = process::ErrorOutput::Inherited;
 constexpr process::ErrorOutput WorkersErrors = process::ErrorOutput::Dropped;
 #endif
 
-std::string SignalCause([[maybe_unused]] int number) {
-#ifndef _WIN32
-  if (number == SIGXCPU) return "it took too long";
-  if (number == SIGXFSZ) return "its result grew too large";
+/// What a limit of the system's has cut short.
+std::string LimitCause([[maybe_unused]] const process::ProcessEnd& end) {
+#ifdef _WIN32
+  constexpr int OutOfTime = 1816;  // ERROR_NOT_ENOUGH_QUOTA, as which a job ends what has used its time up
+  if (end.ExitCode == OutOfTime) return "it took too long";
+#else
+  if (end.Signal == SIGXCPU) return "it took too long";
+  if (end.Signal == SIGXFSZ) return "its result grew too large";
 #endif
   return {};
 }
@@ -47,7 +51,7 @@ std::string Reason(const process::CapturedRun& run, const std::string& program) 
   if (run.Outcome.Cut == process::RunCut::Stopped) return "stopped";
   if (run.Outcome.Cut == process::RunCut::TooMuch) return std::string(Failed) + "it answered too much";
   const process::ProcessEnd end = run.Outcome.End.value_or(process::ProcessEnd{});
-  if (const std::string cause = SignalCause(end.Signal); !cause.empty()) return std::string(Failed) + cause;
+  if (const std::string cause = LimitCause(end); !cause.empty()) return std::string(Failed) + cause;
   const std::string crash = process::CrashCause(end);
   if (!crash.empty()) return std::string(Failed) + "it was ended by the system: " + crash;
   return program + " ended without an answer";
@@ -78,6 +82,7 @@ WorkerAnswer ImageWorker::Run(const WorkerRequest& request) const {
 
   process::StartOptions start;
   start.Errors = WorkersErrors;
+  start.LeastRights = true;
   process::RunOptions limits;
   limits.Deadline = std::chrono::seconds(LongestRun);
   limits.MostOutput = LongestLine + pixels;

@@ -1,6 +1,7 @@
 #include "platform/bitmap_button.h"
 
 #include <QAbstractButton>
+#include <QDir>
 #include <QFile>
 #include <QStyle>
 
@@ -31,7 +32,12 @@ constexpr UsualTooltip UsualTooltips[] = {
 QIcon IconOf(const QString& stem) {
   InitResources();
   const QString path = QString(":/icons/%1.svg").arg(stem);
-  return QFile::exists(path) ? QIcon(path) : QIcon();
+  if (QFile::exists(path)) return QIcon(path);
+  // Where Qt has no reader of SVG files the build has made pictures of them, for every scale of a screen.
+  QIcon icon;
+  const QDir pictures(":/icons/" + stem);
+  for (const QString& name : pictures.entryList()) icon.addFile(pictures.filePath(name));
+  return icon;
 }
 
 void LoadCaptionBitmaps(QAbstractButton& button) {

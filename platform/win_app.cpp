@@ -3,6 +3,11 @@
 #include "platform/bitmap_button.h"
 #include "platform/look.h"
 
+#ifdef QT_STATIC  // besides the desktop's own, which is always there: windows without a screen
+#include <QtPlugin>
+Q_IMPORT_PLUGIN(QOffscreenIntegrationPlugin)
+#endif
+
 namespace tarnwick::platform {
 
 CWinApp::CWinApp(int& argumentCount, char** arguments) : m_application(argumentCount, arguments) {

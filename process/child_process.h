@@ -43,6 +43,10 @@ struct StartOptions {
   /// The bytes of memory that the child, and each process that it starts, may have for itself; 0 for no limit. Address
   /// space that is only reserved, as Wine does, does not count (Linux, Windows).
   uint64_t MostMemory = 0;
+  /// Whether the child, which reads what strangers wrote, gets no right that it can do without: none of the user's
+  /// privileges and no administrator's rights, no other process, no console, and an end when this program ends
+  /// (Windows; elsewhere a child sees to that itself).
+  bool LeastRights = false;
 };
 
 /// A running child process and everything that it starts. Destroying the object leaves the child running.

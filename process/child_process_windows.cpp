@@ -63,6 +63,45 @@ class InheritedHandles {
   bool m_filled = false;
 };
 
+using Handle = std::unique_ptr<void, decltype(&CloseHandle)>;
+
+/// A token of this process's user without privileges, in which being an administrator only counts against it. Null,
+/// with the error in GetLastError, if the system refuses.
+Handle RestrictedToken() {
+  HANDLE own = nullptr;
+  if (!OpenProcessToken(GetCurrentProcess(), TOKEN_DUPLICATE | TOKEN_QUERY | TOKEN_ASSIGN_PRIMARY, &own)) {
+    return {nullptr, &CloseHandle};
+  }
+  const Handle closed(own, &CloseHandle);
+  BYTE administrators[SECURITY_MAX_SID_SIZE];
+  DWORD size = sizeof administrators;
+  HANDLE restricted = nullptr;
+  if (CreateWellKnownSid(WinBuiltinAdministratorsSid, nullptr, administrators, &size)) {
+    SID_AND_ATTRIBUTES denied{administrators, 0};
+    CreateRestrictedToken(own, DISABLE_MAX_PRIVILEGE, 1, &denied, 0, nullptr, 0, nullptr, &restricted);
+  }
+  return {restricted, &CloseHandle};
+}
+
+/// The job that holds a child with these options and all that it starts; null if the system refuses.
+HANDLE MakeJob(const StartOptions& options) {
+  const HANDLE job = CreateJobObjectW(nullptr, nullptr);
+  if (job == nullptr) return nullptr;
+  JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits{};
+  if (options.MostMemory > 0) {
+    limits.BasicLimitInformation.LimitFlags |= JOB_OBJECT_LIMIT_PROCESS_MEMORY;
+    limits.ProcessMemoryLimit = static_cast<SIZE_T>(options.MostMemory);
+  }
+  if (options.LeastRights) {
+    limits.BasicLimitInformation.LimitFlags |= JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE | JOB_OBJECT_LIMIT_ACTIVE_PROCESS;
+    limits.BasicLimitInformation.ActiveProcessLimit = 1;
+  }
+  if (limits.BasicLimitInformation.LimitFlags != 0) {
+    SetInformationJobObject(job, JobObjectExtendedLimitInformation, &limits, sizeof limits);
+  }
+  return job;
+}
+
 }  // namespace
 
 std::string CrashCause(const ProcessEnd& end) {
@@ -109,19 +148,20 @@ std::optional<SystemError> ChildProcess::Start(const Command& command, const Pip
   std::wstring line = Wide(WindowsLine(command));
   PROCESS_INFORMATION process{};
   // Suspended, so that nothing it starts can escape the job.
-  if (!CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, TRUE,
-                      EXTENDED_STARTUPINFO_PRESENT | CREATE_SUSPENDED, nullptr, nullptr, &startup.StartupInfo,
-                      &process)) {
-    return LastError();
+  constexpr DWORD Flags = EXTENDED_STARTUPINFO_PRESENT | CREATE_SUSPENDED;
+  BOOL started = FALSE;
+  if (options.LeastRights) {
+    const Handle token = RestrictedToken();
+    if (!token) return LastError();
+    started = CreateProcessAsUserW(token.get(), program.c_str(), line.data(), nullptr, nullptr, TRUE,
+                                   Flags | CREATE_NO_WINDOW, nullptr, nullptr, &startup.StartupInfo, &process);
+  } else {
+    started = CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, TRUE, Flags, nullptr, nullptr,
+                             &startup.StartupInfo, &process);
   }
+  if (!started) return LastError();
   m_state->Process = process.hProcess;
-  m_state->Job = CreateJobObjectW(nullptr, nullptr);
-  if (m_state->Job != nullptr && options.MostMemory > 0) {
-    JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits{};
-    limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_PROCESS_MEMORY;
-    limits.ProcessMemoryLimit = static_cast<SIZE_T>(options.MostMemory);
-    SetInformationJobObject(m_state->Job, JobObjectExtendedLimitInformation, &limits, sizeof limits);
-  }
+  m_state->Job = MakeJob(options);
   if (m_state->Job != nullptr) AssignProcessToJobObject(m_state->Job, process.hProcess);
   ResumeThread(process.hThread);
   CloseHandle(process.hThread);

@@ -17,42 +17,9 @@ timeout 300 ./scripts/ensure_packages.sh build windows || cannot_run "Their pack
 ./scripts/build.sh windows-cross
 ./scripts/build.sh release tarnwick-cli
 
-wine=$(command -v wine64 || echo /usr/lib/wine/wine64)
-bin=build/windows-cross/bin
-# A Windows folder of its own, and no words of Wine's.
-export WINEPREFIX=$PWD/build/windows-cross/wineprefix WINEDEBUG=-all
-unset DISPLAY
-timeout 120 "$wine" cmd /c exit >/dev/null 2>&1 || cannot_run "Wine does not start here."
-
-failed=()
-for tests in "$bin"/*_tests.exe; do
-  name=$(basename "$tests" .exe)
-  log=build/windows-cross/$name.log
-  if timeout 300 "$wine" "$tests" >"$log" 2>&1; then
-    echo "$name: $(grep -a 'PASSED' "$log" | tr -d '\r')"
-  else
-    grep -a -E 'Failure|error:|FAILED|Expected|Actual|Which is' "$log" | tr -d '\r' | head -n 60 >&2 || true
-    failed+=("$name")
-  fi
-done
-
-# Each in a folder of its own under the same relative path, since the script names where it lies.
-top=$PWD native=build/windows-cross/native windows=build/windows-cross/windows
-rm -rf "$native" "$windows"
-mkdir -p "$native" "$windows"
-(cd "$native" && "$top/build/release/bin/tarnwick-cli" decompile --quiet --output out "$top/samples/walker.mdl")
-if ! (cd "$windows" && "$wine" "$top/$bin/tarnwick-cli.exe" decompile --quiet --output out "$top/samples/walker.mdl"); then
-  failed+=("the sample does not decompile")
-fi
-# The same files but for the platform's line ends.
-find "$windows" -type f -exec sed -i 's/\r$//' {} +
-if diff -r "$native" "$windows"; then
-  echo "The sample decompiles alike: $(find "$windows" -type f | wc -l) files."
-else
-  failed+=("the sample's sources differ")
-fi
-
-if [ ${#failed[@]} -gt 0 ]; then
-  printf 'Failed under Wine: %s\n' "${failed[@]}" >&2
-  exit 1
-fi
+. scripts/under_wine.sh
+build=$PWD/build/windows-cross
+start_wine "$build/wineprefix" || cannot_run "Wine does not start here."
+run_windows_tests "$build/bin" "$build"
+compare_sample "$build/bin/tarnwick-cli.exe" build/release/bin/tarnwick-cli "$build"
+tell_failed

@@ -12,6 +12,7 @@
 #include <unistd.h>
 #endif
 
+#include "core/command_line.h"
 #include "core/paths.h"
 
 namespace tarnwick::sdk {
@@ -29,7 +30,8 @@ bool SomebodyWatches() {
 }  // namespace
 
 int RunTool(int argumentCount, const char* const* arguments, ToolProgram program) {
-  const std::vector<std::string> words(arguments + std::min(argumentCount, 1), arguments + argumentCount);
+  const core::CommandLine line(argumentCount, arguments);
+  const std::vector<std::string> words = line.Arguments();
   // Both streams may go to the same reader: what is printed must not overtake what was printed before it.
   std::cerr.tie(&std::cout);
   int code = ToolFailure;

@@ -1,28 +1,15 @@
 #include "decompiler/job/output_names.h"
 
 #include <algorithm>
-#include <array>
 
 #include "core/paths.h"
+#include "core/windows_names.h"
 
 namespace tarnwick::decompiler {
 
 namespace {
 
 constexpr std::string_view RefusedCharacters = "<>:\"|?*";
-constexpr std::string_view DeviceNames[] = {"con", "prn", "aux", "nul", "com", "lpt"};
-
-/// Whether Windows opens a device under `name`, whatever its extension: con, prn, aux, nul, com1 to com9, lpt1 to lpt9.
-bool IsDeviceName(std::string_view name) {
-  std::string stem = core::LowerAscii(name.substr(0, name.find('.')));
-  while (!stem.empty() && stem.back() == ' ') stem.pop_back();
-  const bool numbered = stem.size() == 4 && stem[3] >= '1' && stem[3] <= '9';
-  for (const std::string_view device : DeviceNames) {
-    const bool takesNumber = device == "com" || device == "lpt";
-    if (takesNumber ? numbered && stem.starts_with(device) : stem == device) return true;
-  }
-  return false;
-}
 
 }  // namespace
 
@@ -43,7 +30,7 @@ std::string CleanFileName(std::string_view name) {
   }
   for (size_t i = clean.size(); i > 0 && (clean[i - 1] == '.' || clean[i - 1] == ' '); --i) clean[i - 1] = '_';
   if (clean.empty()) return "_";
-  if (IsDeviceName(clean)) clean[0] = '_';
+  if (core::IsDeviceName(clean)) clean[0] = '_';
   return clean;
 }
 

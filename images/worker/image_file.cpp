@@ -24,7 +24,14 @@ constexpr size_t BufferSize = size_t{1} << 16;
 
 #ifdef _WIN32
 FILE* Open(const std::string& path, bool write) {
-  return _wfopen(core::NativePath(path).c_str(), write ? L"w+b" : L"rb");
+  const std::filesystem::path native = core::NativePath(path);
+  std::error_code error;
+  const auto status = std::filesystem::status(native, error);
+  if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) {
+    errno = std::filesystem::is_directory(status) ? EISDIR : EINVAL;
+    return nullptr;
+  }
+  return _wfopen(native.c_str(), write ? L"w+b" : L"rb");
 }
 #else
 /// Some writers read again what they have written, so an output can be read too. Opens without ever waiting: a pipe or

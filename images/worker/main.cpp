@@ -1,12 +1,18 @@
 // tarnwick-imageworker: does one request on one image and says how it went on its standard output. It looks at no byte
 // of a file before it has given up everything but the files it has opened.
 
+#ifdef _WIN32
+#include <fcntl.h>
+#include <io.h>
+#endif
+
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
 #include <string>
 #include <vector>
 
+#include "core/command_line.h"
 #include "core/sanitized.h"
 #include "images/limits.h"
 #include "images/worker/jail.h"
@@ -57,7 +63,8 @@ JobFiles OpenFiles(const WorkerRequest& request) {
 }  // namespace
 
 int main(int argumentCount, char** arguments) {
-  const std::vector<std::string> words(arguments + 1, arguments + argumentCount);
+  const tarnwick::core::CommandLine line(argumentCount, arguments);
+  const std::vector<std::string> words = line.Arguments();
   const auto request = FromArguments(words);
   if (!request) {
     std::fputs("tarnwick-imageworker is started by Tarnwick and does nothing by itself.\n", stderr);
@@ -65,6 +72,9 @@ int main(int argumentCount, char** arguments) {
   }
   std::string reason;
   static char outputBuffer[65536];  // chosen by hand: the default choice asks the system about the file
+#ifdef _WIN32
+  _setmode(_fileno(stdout), _O_BINARY);
+#endif
   std::setvbuf(stdout, outputBuffer, _IOFBF, sizeof outputBuffer);
   if (!LimitResources(reason)) Fail(reason);
   FreeImage_Initialise(TRUE);

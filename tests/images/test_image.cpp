@@ -11,6 +11,10 @@ namespace {
 
 using Bitmap = std::unique_ptr<FIBITMAP, decltype(&FreeImage_Unload)>;
 
+#ifdef FREEIMAGE_LIB  // as a library of its own it does so by itself
+[[maybe_unused]] const bool initialised = (FreeImage_Initialise(TRUE), true);
+#endif
+
 void Save(const Bitmap& bitmap, const std::string& path) {
   EXPECT_TRUE(FreeImage_Save(FreeImage_GetFIFFromFilename(path.c_str()), bitmap.get(), path.c_str(), 0))
       << path << " cannot be written";

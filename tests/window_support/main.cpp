@@ -4,6 +4,11 @@
 #include <QStandardPaths>
 #include <cstring>
 
+#ifdef QT_STATIC
+#include <QtPlugin>
+Q_IMPORT_PLUGIN(QOffscreenIntegrationPlugin)
+#endif
+
 // The main of every window test program: an application on a display that needs no screen, with no desktop's style or
 // settings of the user in it.
 int main(int argumentCount, char** arguments) {

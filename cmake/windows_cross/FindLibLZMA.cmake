@@ -1,0 +1,13 @@
+# The library that scripts/windows_libraries.sh has built, where it has.
+find_path(LIBLZMA_INCLUDE_DIR lzma.h)
+find_library(LIBLZMA_LIBRARY lzma)
+set(LIBLZMA_FOUND FALSE)
+if(LIBLZMA_INCLUDE_DIR AND LIBLZMA_LIBRARY)
+  set(LIBLZMA_FOUND TRUE)
+  if(NOT TARGET LibLZMA::LibLZMA)
+    add_library(LibLZMA::LibLZMA STATIC IMPORTED)
+    set_target_properties(LibLZMA::LibLZMA PROPERTIES IMPORTED_LOCATION ${LIBLZMA_LIBRARY}
+      INTERFACE_INCLUDE_DIRECTORIES ${LIBLZMA_INCLUDE_DIR} INTERFACE_COMPILE_DEFINITIONS LZMA_API_STATIC)
+  endif()
+endif()
+set(LibLZMA_FOUND ${LIBLZMA_FOUND})
