@@ -154,7 +154,9 @@ bool ScriptReader::ReadOption(const Context& context, std::vector<Option>& out) 
   } else {
     whole = ReadArguments(row->Arguments, word, inner, option.Arguments);
     ReadSubOptions(*row, context, option);
-    const Word* brace = row->Braces == Block::None ? nullptr : m_words.Peek();
+    // Names stand behind the word or in a block; a block behind names is another option's, such as an event.
+    const bool hasBlock = row->Braces != Block::None && (row->Braces != Block::Names || option.Arguments.empty());
+    const Word* brace = hasBlock ? m_words.Peek() : nullptr;
     if (brace != nullptr && brace->Is('{')) {
       const Place open = m_words.Take().At;
       inner.Name = row->Name;

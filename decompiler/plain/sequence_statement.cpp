@@ -3,6 +3,7 @@
 #include <string>
 
 #include "decompiler/plain/blended_animations.h"
+#include "decompiler/stages/node_name.h"
 #include "model/script_records.h"
 #include "model/sequence_blend.h"
 #include "model/truncate.h"
@@ -13,18 +14,6 @@ namespace {
 
 /// Sequences are judged with every pose parameter at 0.
 constexpr PoseValues RestPose = {};
-
-/// The name of transition node `number`, counted from 1; nothing, told, if there is none.
-std::optional<std::string_view> NodeName(JobContext& job, const core::Record<StudioSeqDesc>& sequence, int32_t number) {
-  const int64_t offset = job.Model.Header()->NodeNameOffset + (int64_t{number} - 1) * int64_t{sizeof(StudioOffset)};
-  const auto entry = number > 0 ? job.Model.View().At<StudioOffset>(offset) : std::nullopt;
-  const auto name = entry ? job.Model.Name((*entry)->Offset) : std::nullopt;
-  if (!name) {
-    job.Damaged(job.Model.Mdl.Path(), "sequence", sequence.Offset(),
-                "names transition node " + std::to_string(number) + ", which has no name in the file");
-  }
-  return name;
-}
 
 bool WriteNodes(JobContext& job, const core::Record<StudioSeqDesc>& sequence) {
   if (sequence->EntryNode == 0) return true;

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "decompiler/sources/script_values.h"
+#include "decompiler/stages/node_name.h"
 
 namespace tarnwick::decompiler::sources {
 
@@ -12,17 +13,6 @@ namespace {
 
 /// A node's number is one byte of the table of steps.
 constexpr int32_t MostNodes = 255;
-
-std::optional<std::string_view> NodeName(JobContext& job, const core::Record<StudioSeqDesc>& sequence, int32_t number) {
-  const int64_t offset = job.Model.Header()->NodeNameOffset + (int64_t{number} - 1) * int64_t{sizeof(StudioOffset)};
-  const auto entry = number > 0 ? job.Model.View().At<StudioOffset>(offset) : std::nullopt;
-  const auto name = entry ? job.Model.Name((*entry)->Offset) : std::nullopt;
-  if (!name) {
-    job.Damaged(job.Model.Mdl.Path(), "sequence", sequence.Offset(),
-                "names transition node " + std::to_string(number) + ", which has no name in the file");
-  }
-  return name;
-}
 
 }  // namespace
 

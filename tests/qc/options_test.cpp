@@ -21,7 +21,8 @@ TEST(QcSequences, TakeOptionsOnTheirLineAndInTheirBlock) {
       "19 lx }\n"
       "$Sequence \"run\" { event AE_STEP 5 \"left foot\" RUN_N run_n\n run_n blendwidth 3 Blend move_x -1 1\n"
       " rotate 90 subtract run_n 0 FadeIn 0.3 align run_n X Y 0 5 ACT_RUN 2 {event 5004 3 \"a b\"}\n"
-      " keyvalues { a b } activitymodifier { hurt low } blendlayer lean 0 2 8 10 spline poseparameter p local }");
+      " keyvalues { a b } activitymodifier { hurt low } activitymodifier slow { event 1 2 }\n"
+      " blendlayer lean 0 2 8 10 spline poseparameter p local }");
   EXPECT_THAT(Told(script), IsEmpty());
   EXPECT_THAT(StatementsOf(script),
               ElementsAre("$declaresequence lean",
@@ -29,7 +30,8 @@ TEST(QcSequences, TakeOptionsOnTheirLineAndInTheirBlock) {
                           "$Sequence run: event AE_STEP|5|left foot, RUN_N RUN_N, run_n run_n, run_n run_n, "
                           "blendwidth 3, Blend move_x|-1|1, rotate 90, subtract run_n|0, FadeIn 0.3, "
                           "align run_n|X|Y|0|5, ACT_RUN ACT_RUN|2, event 5004|3|a b, keyvalues, "
-                          "activitymodifier hurt|low, blendlayer lean|0|2|8|10 (spline, poseparameter p, local)"));
+                          "activitymodifier hurt|low, activitymodifier slow, event 1|2, "
+                          "blendlayer lean|0|2|8|10 (spline, poseparameter p, local)"));
   const auto& options = script.Statements[2].Options;
   EXPECT_EQ(options[1].Arguments[0].Statement, 1);
   EXPECT_EQ(options[10].Kind, Key::Activity);

@@ -113,7 +113,7 @@ TextureView::TextureView(QWidget* parent)
     controls->addWidget(control, row, column + 1);
   };
   add(0, 0, "&Mip level:", "mipCombo", m_mip);
-  add(0, 2, "Cha&nnels:", "channelsCombo", m_channels);
+  add(0, 2, "Channe&ls:", "channelsCombo", m_channels);
   add(1, 0, "&Zoom:", "zoomCombo", m_zoom);
   add(1, 2, "C&ube face:", "faceCombo", m_face);
   add(2, 0, "F&rame:", "frameSpin", m_frame);
