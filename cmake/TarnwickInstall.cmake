@@ -27,7 +27,8 @@ foreach(tool vtex vtf2tga studiomdl hlmv)
   endif()
 endforeach()
 install(DIRECTORY ${CMAKE_SOURCE_DIR}/samples/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/samples
-  FILES_MATCHING PATTERN "walker.*" PATTERN "walker.cpp" EXCLUDE PATTERN "walker.h" EXCLUDE)
+  FILES_MATCHING PATTERN "walker.*" PATTERN "*.vmt" PATTERN "*.vtf" PATTERN "walker.cpp" EXCLUDE
+  PATTERN "walker.h" EXCLUDE)
 install(DIRECTORY ${CMAKE_SOURCE_DIR}/docs DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(FILES ${CMAKE_SOURCE_DIR}/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 

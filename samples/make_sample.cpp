@@ -2,16 +2,22 @@
 // Tells whether it is up to date:  make_sample --check DIRECTORY
 
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "compiler/compile_model.h"
 #include "decompiler/decompile_job.h"
 #include "support/scratch_folder.h"
 #include "support/silent_report.h"
 #include "walker.h"
+#ifdef TARNWICK_HAS_IMAGES
+#include "walker_materials.h"
+#endif
 
 namespace {
 
@@ -67,20 +73,26 @@ int main(int argumentCount, char** arguments) {
     std::fprintf(stderr, "usage: make_sample [--check] DIRECTORY\n");
     return 2;
   }
-  const std::string stem = std::string(arguments[argumentCount - 1]) + "/walker";
+  const std::string folder = std::string(arguments[argumentCount - 1]) + "/";
   const auto files = Sample();
   if (!files) {
     std::fprintf(stderr, "the sample cannot be taken apart and compiled\n");
     return 1;
   }
-  const std::pair<const char*, const std::string*> parts[] = {
-      {".mdl", &files->Mdl}, {".vvd", &files->Vvd}, {".dx90.vtx", &files->Vtx}, {".phy", &files->Phy}};
+  std::vector<std::pair<std::string, std::string>> parts = {{"walker.mdl", files->Mdl},
+                                                            {"walker.vvd", files->Vvd},
+                                                            {"walker.dx90.vtx", files->Vtx},
+                                                            {"walker.phy", files->Phy}};
+#ifdef TARNWICK_HAS_IMAGES
+  for (auto& file : samples::WalkerMaterials()) parts.push_back(std::move(file));
+#endif
   bool sound = true;
-  for (const auto& [ending, bytes] : parts) {
+  for (const auto& [name, bytes] : parts) {
     if (check) {
-      sound = IsCurrent(stem + ending, *bytes) && sound;
+      sound = IsCurrent(folder + name, bytes) && sound;
     } else {
-      sound = (std::ofstream(stem + ending, std::ios::binary) << *bytes).flush().good() && sound;
+      std::filesystem::create_directories(std::filesystem::path(folder + name).parent_path());
+      sound = (std::ofstream(folder + name, std::ios::binary) << bytes).flush().good() && sound;
     }
   }
   return sound ? 0 : 1;
