@@ -4,6 +4,7 @@
 
 #include <filesystem>
 
+#include "support/archive_builder.h"
 #include "support/drawing.h"
 #include "support/model_builder.h"
 #include "support/recording_host.h"
@@ -102,6 +103,26 @@ TEST_F(DrawPicturesTest, WhatIsMissingIsToldAndStandsInTheResult) {
   EXPECT_THAT(result.Items[0].Missing[0].Tried, testing::Contains(EndsWith("game/materials/a/b.vtf")));
   EXPECT_EQ(result.Items[0].Missing[1].Name, "other");
   EXPECT_THAT(result.Troubles.at(0).Text, HasSubstr("gameinfo.txt"));
+}
+
+TEST_F(DrawPicturesTest, AModelInAnArchiveIsDrawnWithTheMaterialsThatLieThere) {
+  const tests::ScratchFolder loose;
+  ModelBuilder{.Textures = {"skin"}}.Write(loose.Path(), "cube");
+  tests::VpkBuilder vpk;
+  for (const std::string& name : loose.Files()) {
+    vpk.Files.push_back({.Name = "models/props/" + name, .Bytes = Read(loose.Path(name))});
+  }
+  const std::string material = "UnlitGeneric { $basetexture none }";
+  vpk.Files.push_back({.Name = "materials/models/props/skin.vmt", .Bytes = material});
+  tests::WriteText(m_folder.Path("pak_dir.vpk"), vpk.Build().Directory);
+  const std::string archive = m_folder.Path("pak_dir.vpk");
+  const JobResult one = Draw({.Inputs = {archive + ":models/props/cube.mdl"}, .Output = m_folder.Path("one.png")});
+  EXPECT_TRUE(one.Succeeded());
+  ASSERT_THAT(one.Items[0].Missing, SizeIs(1)) << "the material is there, its texture is not";
+  EXPECT_EQ(one.Items[0].Missing[0].Name, "none");
+  EXPECT_TRUE(Draw({.Inputs = {archive}, .Output = m_folder.Path("all"), .Recursive = true}).Succeeded());
+  EXPECT_THAT(Pictures(), ElementsAre("all/models/props/cube.png", "one.png"));
+  EXPECT_EQ(Read(m_folder.Path("one.png")), Read(m_folder.Path("all/models/props/cube.png")));
 }
 
 TEST_F(DrawPicturesTest, AModelThatCannotBeDrawnLeavesNoFileAndStopsNoOther) {

@@ -10,10 +10,10 @@
 #include <QTest>
 #include <filesystem>
 
-#include "archives/archive_builder.h"
 #include "pages/content_list.h"
 #include "pages/content_tree.h"
 #include "platform/dropped_files.h"
+#include "support/archive_builder.h"
 #include "support/scratch_folder.h"
 #include "support/vtf_builder.h"
 #include "window_support/memory_settings.h"

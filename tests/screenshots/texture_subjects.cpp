@@ -7,13 +7,13 @@
 #include <optional>
 
 #include "app/kilndesk_dlg.h"
-#include "archives/archive_builder.h"
 #include "core/settings_table.h"
 #include "pages/content_dialog.h"
 #include "pages/content_list.h"
 #include "pages/material_list.h"
 #include "pages/vtf_dialog.h"
 #include "screenshots/subject.h"
+#include "support/archive_builder.h"
 #include "support/scratch_folder.h"
 #include "support/vtf_builder.h"
 #include "view/widget/picture_view.h"
