@@ -401,6 +401,7 @@ SlidersTab::SlidersTab(ModelView& view, What what)
   padColumn->addWidget(m_pad, 1);
   padColumn->addWidget(m_padText);
   padColumn->addWidget(reset);
+  padColumn->addStretch();  // without a pad the button stands at the top
   m_padText->setAlignment(Qt::AlignCenter);
   m_padText->setWordWrap(true);
   m_pad->setObjectName("posePad");
