@@ -206,7 +206,7 @@ class Maker {
 
   void Bodies() {
     m_script += "$body \"Body One\" \"" + Mesh("ref.smd", 4, 12) + "\"\n";
-    if (Has(RandomFace) && !Has(RandomStatic)) Face();
+    if (Has(RandomFace)) Face();
     if (!Has(RandomBodyGroups)) return;
     const int groups = m_dice.From(1, 2);
     for (int group = 0; group < groups; ++group) {
