@@ -18,6 +18,7 @@
 #include "compiler/plan/plan_reader.h"
 #include "compiler/skeleton/build_bones.h"
 #include "compiler/skeleton/build_skeleton.h"
+#include "compiler/skeleton/center_model.h"
 #include "core/paths.h"
 #include "core/work_queue.h"
 #include "model/phy_writer.h"
@@ -208,6 +209,7 @@ Outcome Compile(qc::Script script, bool byName, const CompileOptions& options, C
     ModelParts parts;
     CompiledFiles files;
     // Sources that are damaged have told so; no stage need be ready for them.
+    if (context.ErrorCount() == 0 && plan->AutoCenter) CenterModel(context, *plan);
     if (context.ErrorCount() == 0 && RunStages(context, parts) && MakeFiles(context, parts, files)) {
       report.Bones = static_cast<int32_t>(parts.Bones.Bones.size());
       report.Sequences = static_cast<int32_t>(parts.Motion.Sequences.size());

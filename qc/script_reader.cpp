@@ -86,6 +86,7 @@ void ScriptReader::ReadStatement(const Word& word, const StatementRow& row) {
   TellState(row.State, row.Name, word.At);
   const bool whole = ReadArguments(row.Arguments, word, context, statement.Arguments);
   ReadRest(row, statement, context);
+  if (!whole) TellNoMesh(statement);
   if (!whole || !Check(statement)) return;
   ActOnFolders(statement);
   m_script.Statements.push_back(std::move(statement));
@@ -157,6 +158,17 @@ void ScriptReader::SkipExtraWords(const Context& context) {
                  Shown(word->Text) + " is one word too many for " + std::string(context.Name) +
                      "; the rest of the line is passed over");
   for (; extra(); word = m_words.Peek()) m_words.Take();
+}
+
+/// Tells a body that names no mesh. It stands among the sources as one that is nowhere: what goes on without the body
+/// would be another model.
+void ScriptReader::TellNoMesh(const Statement& statement) {
+  const bool isBody = statement.Kind == Command::Body || statement.Kind == Command::Model;
+  if (!isBody || statement.Arguments.empty()) return;
+  const Argument& name = statement.Arguments[0];
+  m_script.Sources.push_back({"", "", SourceKind::Mesh, name.At});
+  m_told.Error(TroubleKind::Missing, name.At,
+               "the body " + Shown(name.Text) + " has no mesh; the name of one stands behind its own");
 }
 
 /// What a row's letters cannot say. False: the statement is not kept.

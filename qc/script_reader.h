@@ -37,6 +37,7 @@ class ScriptReader {
   void ReadRest(const StatementRow& row, Statement& statement, const Context& context);
   void ReadBraces(const StatementRow& row, Statement& statement, const Context& context);
   void TellState(Support state, std::string_view name, const Place& at);
+  void TellNoMesh(const Statement& statement);
   bool Check(const Statement& statement);
   void Unknown(const Word& word);
   void SkipStatement(uint32_t column);
@@ -82,6 +83,7 @@ class ScriptReader {
   WordStream& m_words;
   SourceFinder* m_finder;
   Messages& m_told;
+  std::unordered_map<std::string, std::string> m_namedBefore;  // paths by names as typed, but for case and ending
   std::unordered_map<std::string, int32_t> m_sources;  // by kind and path, or by kind and name where there is none
   std::unordered_map<std::string_view, int32_t> m_animations;
   std::unordered_map<std::string, int32_t> m_animationsInSmall;

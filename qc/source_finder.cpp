@@ -120,7 +120,7 @@ SourceFinder::Result SourceFinder::Find(std::string_view name, SourceKind kind) 
     if ((result.Path = FindIn(folder, name, kind))) return result;
     if (IsAbsolute(name)) break;
   }
-  if (IsAbsolute(name)) {
+  if (last.size() < name.size()) {  // a folder that is not here: another computer's, or one above the script's
     for (const std::string& folder : folders) {
       if ((result.Path = FindIn(folder, last, kind))) {
         result.FoundElsewhere = true;

@@ -15,6 +15,14 @@ bool ScriptReader::FindSource(SourceKind kind, Argument& argument, bool tell) {
   std::string key;
   if (m_finder != nullptr) {
     found = m_finder->Find(argument.Text, kind);
+    std::string named = core::LowerAscii(Below("", argument.Text));
+    if (named.ends_with(".smd")) named.resize(named.size() - 4);
+    if (kind == SourceKind::Shapes || kind == SourceKind::ProceduralBones) named += ':';  // no mesh nor animation
+    if (found.Path) {
+      m_namedBefore.try_emplace(std::move(named), *found.Path);
+    } else if (const auto before = m_namedBefore.find(named); before != m_namedBefore.end()) {
+      found.Path = before->second;  // one name is one source, though another folder is the current one by now
+    }
     if (!found.Path && !tell) return false;
     key = found.Path ? *found.Path : '?' + m_finder->KeyOf(argument.Text);
   } else {

@@ -58,6 +58,7 @@ class FaceBuild {
 
  private:
   int32_t BoneNamed(const std::string& name, const qc::Place& at) {
+    if (m_bones.Static) return 0;  // all bones of its sources are one
     const int32_t bone = m_bones.Find(name);
     if (bone >= 0) return bone;
     qc::NearName near(name);

@@ -173,6 +173,9 @@ class PlanReader {
         return Flag(model::ModelFlagOpaque);
       case Command::MostlyOpaque:
         return Flag(model::ModelFlagMostlyOpaque);
+      case Command::AutoCenter:
+        m_plan.AutoCenter = true;
+        return true;
       case Command::SkipBoneInBBox:
         m_plan.SkipBonesInBoxes = true;
         return true;
@@ -378,6 +381,7 @@ class PlanReader {
           break;
       }
     }
+    TellSecond(s, m_plan.Attachments);
     m_plan.Attachments.push_back(std::move(attachment));
   }
   void ReadPoseParameter(const Statement& s) {
@@ -395,7 +399,17 @@ class PlanReader {
         pose.Loops = true;
       }
     }
+    TellSecond(s, m_plan.PoseParameters);
     m_plan.PoseParameters.push_back(std::move(pose));
+  }
+  /// Tells that the statement's name is taken: whoever looks for the name finds the first alone.
+  template <typename Named>
+  void TellSecond(const Statement& s, const std::vector<Named>& known) {
+    if (std::ranges::any_of(known, [&](const Named& n) { return core::EqualIgnoringCase(n.Name, Text(s, 0)); })) {
+      Told().Warning(core::TroubleKind::Refused, s.Arguments[0].At,
+                     "a second " + std::string(s.Name) + " is called " + qc::Shown(Text(s, 0)) +
+                         "; by its name the first one is found");
+    }
   }
   void ReadIkChain(const Statement& s) {
     PlanIkChain chain{s.At, Text(s, 0), Text(s, 1), {0, 0, 0}, {}, 0, 0, 0};

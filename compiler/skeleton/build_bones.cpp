@@ -41,12 +41,7 @@ class BoneJoiner {
     for (const PlanLod& lod : m_plan.Lods) {
       for (const PlanReplacement& replacement : lod.Replacements) AddNodes(replacement.Mesh, true);
     }
-    for (size_t i = 0; i < m_plan.Script.Sources.size(); ++i) {
-      if (m_plan.Script.Sources[i].Kind != qc::SourceKind::Animation) continue;
-      SourceUse use;
-      use.Source = static_cast<int32_t>(i);
-      AddNodes(use, false);
-    }
+    AddAnimationNodes();
     if (m_all.size() > 8 * MostBones) return Fail("the sources name more bones than any model can hold");
     Resolve();
     Place();
@@ -90,6 +85,28 @@ class BoneJoiner {
       candidate.Angles = bone.Angles;
       candidate.Defined = true;
       candidate.Kept = true;
+    }
+  }
+
+  /// Bones that animations alone have: with the scale and the place that hold where the script first names the file.
+  void AddAnimationNodes() {
+    const auto& sources = m_plan.Script.Sources;
+    std::vector<SourceUse> uses(sources.size());
+    for (size_t m = m_plan.Motions.size(); m-- > 0;) {
+      const CompilePlan::Motion& motion = m_plan.Motions[m];
+      const auto take = [&](const std::vector<qc::Argument>& arguments) {
+        for (const qc::Argument& argument : arguments) {
+          const auto source = static_cast<size_t>(argument.Source);
+          if (argument.Source >= 0 && source < uses.size()) uses[source] = motion.Settings;
+        }
+      };
+      take(motion.Words->Arguments);
+      for (const qc::Option& option : motion.Words->Options) take(option.Arguments);
+    }
+    for (size_t i = 0; i < sources.size(); ++i) {
+      if (sources[i].Kind != qc::SourceKind::Animation) continue;
+      uses[i].Source = static_cast<int32_t>(i);
+      AddNodes(uses[i], false);
     }
   }
 

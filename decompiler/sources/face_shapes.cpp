@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <numbers>
 
 #include "model/bone_math.h"
@@ -51,10 +52,13 @@ float SideAt(float x, float width) {
   return WholeSide * (3 - 2 * t) * t * t;
 }
 
-int64_t CountMisses(const std::vector<SidePoint>& points, float width, bool mirrored) {
+/// What a compile may do to a side: round it, or cut its fraction off.
+constexpr float RoundedBy = 0.501f, CutBy = 1;
+
+int64_t CountMisses(const std::vector<SidePoint>& points, float width, bool mirrored, float tolerance) {
   return std::count_if(points.begin(), points.end(), [&](const SidePoint& point) {
     const float side = SideAt(mirrored ? -point.X : point.X, width);
-    return std::abs(side - static_cast<float>(point.Side)) > 1;
+    return std::abs(side - static_cast<float>(point.Side)) > tolerance;
   });
 }
 
@@ -70,6 +74,24 @@ std::vector<float> WidthsOf(const std::vector<SidePoint>& points) {
   }
   std::sort(widths.begin(), widths.end());
   return widths;
+}
+
+/// The width in the middle of those that give every vertex its side within `tolerance`; nothing if there is none.
+std::optional<float> WidthOfAll(const std::vector<SidePoint>& points, double tolerance) {
+  const auto part = [](double side) {  // from -1 to 1 across the band
+    return -2 * std::sin(std::asin(1 - 2 * std::clamp(side / double{WholeSide}, 0.0, 1.0)) / 3);
+  };
+  double least = 0, most = std::numeric_limits<double>::max();
+  for (const SidePoint& point : points) {
+    const double low = part(point.Side - tolerance), high = part(point.Side + tolerance);
+    const double x = std::abs(double{point.X});
+    const double near = low * high > 0 ? std::min(std::abs(low), std::abs(high)) : 0;
+    const double far = std::max(std::abs(low), std::abs(high));
+    if (far < 1) least = std::max(least, x / far);
+    if (near > 0) most = std::min(most, x / near);
+  }
+  if (least > most || most == std::numeric_limits<double>::max()) return std::nullopt;
+  return static_cast<float>((least + most) / 2);
 }
 
 float Rounded(float value, float step) {
@@ -143,20 +165,29 @@ PairSplit FindPairSplit(JobContext& job, const FaceShapes& shapes, const FaceSha
     if (point.X != 0) nearest = std::min(nearest, std::abs(point.X));
   }
   std::vector<float> candidates = {1};
-  if (!widths.empty()) {
-    const float middle = widths[widths.size() / 2];
-    for (const float step : {1.0f, 0.5f, 0.1f, 0.01f, 0.001f}) candidates.push_back(Rounded(middle, step));
-    candidates.push_back(middle);
-  } else {
+  const auto offer = [&](float width) {
+    for (const float step : {1.0f, 0.5f, 0.1f, 0.01f, 0.001f}) candidates.push_back(Rounded(width, step));
+    candidates.push_back(width);
+  };
+  if (widths.empty()) {
     candidates.push_back(nearest);
+  } else {
+    offer(widths[widths.size() / 2]);
+  }
+  for (const double tolerance : {0.5, 1.0}) {
+    if (const auto width = WidthOfAll(points, tolerance)) offer(*width);
   }
   int64_t least = -1;
+  bool isExact = false;  // of the best one: a width that gives the very sides goes ahead of one that nearly does
   for (const float width : candidates) {
     if (!(width > 0) || !std::isfinite(width)) continue;
     for (const bool mirrored : {false, true}) {
-      const int64_t misses = CountMisses(points, width, mirrored);
-      if (least >= 0 && misses >= least) continue;
+      const int64_t misses = CountMisses(points, width, mirrored, CutBy);
+      if (least >= 0 && (misses > least || (misses == least && isExact))) continue;
+      const bool exact = CountMisses(points, width, mirrored, RoundedBy) == 0;
+      if (misses == least && !exact) continue;
       least = misses;
+      isExact = exact;
       split = {width, mirrored, misses == 0};
     }
   }

@@ -35,6 +35,7 @@ struct VtaContent {
   int32_t FrameCount = 0;
   core::RecordArray<VvdVertex> Vertices;  // of the model; none if they could not be had
   bool HasVertices = false;
+  bool TurnedBack = false;  // as the mesh of a static model is
   std::vector<Frame> Frames;
 };
 
@@ -111,6 +112,10 @@ smd::Triple ToTriple(const Vec3& v) {
   return {v.x, v.y, v.z};
 }
 
+smd::Triple Turned(const smd::Triple& v, bool back) {
+  return back ? smd::Triple{v.Y, 0.0f - v.X, v.Z} : v;
+}
+
 smd::Triple Decode(const PackedVec48& packed) {
   Vec3 value;
   DecodeVec48(packed, value);
@@ -121,11 +126,11 @@ smd::Triple Add(const Vec3& a, const smd::Triple& b) {
   return {a.x + b.X, a.y + b.Y, a.z + b.Z};
 }
 
-void WritePiece(smd::VtaWriter& vta, const FramePiece& piece) {
+void WritePiece(smd::VtaWriter& vta, const FramePiece& piece, bool back) {
   for (const auto change : piece.Changes) {
     const VvdVertex& vertex = *GetMeshVertex(piece.Vertices, change->Vertex);
-    vta.Vertex(change->Vertex + piece.FirstVertex, Add(vertex.Position, Decode(change->PositionDelta)),
-               Add(vertex.Normal, Decode(change->NormalDelta)));
+    vta.Vertex(change->Vertex + piece.FirstVertex, Turned(Add(vertex.Position, Decode(change->PositionDelta)), back),
+               Turned(Add(vertex.Normal, Decode(change->NormalDelta)), back));
   }
 }
 
@@ -134,11 +139,12 @@ void WriteContent(core::TextWriter& writer, const VtaContent& content) {
   if (!content.HasVertices) return;
   vta.BeginBase();
   for (int64_t v = 0; v < content.Vertices.Count(); ++v) {
-    vta.Vertex(v, ToTriple(content.Vertices[v]->Position), ToTriple(content.Vertices[v]->Normal));
+    vta.Vertex(v, Turned(ToTriple(content.Vertices[v]->Position), content.TurnedBack),
+               Turned(ToTriple(content.Vertices[v]->Normal), content.TurnedBack));
   }
   for (const Frame& frame : content.Frames) {
     vta.BeginFrame(frame.Number, frame.Name);
-    for (const FramePiece& piece : frame.Pieces) WritePiece(vta, piece);
+    for (const FramePiece& piece : frame.Pieces) WritePiece(vta, piece, content.TurnedBack);
   }
   vta.End();
 }
@@ -158,6 +164,7 @@ bool WriteVtaFile(JobContext& job, const core::Record<StudioModel>& model, const
   content->Skeleton = FormatReferenceSkeleton(job);
   if (content->Skeleton == nullptr) return false;
   content->FrameCount = frameCount;
+  content->TurnedBack = job.ReadyToCompile() && (job.Model.Header()->Flags & ModelFlagStatic) != 0;
   const auto frameSize = static_cast<int64_t>(content->Skeleton->BoneLines.size());
   if (!job.Spend(FileCost + (int64_t{frameCount} + 1) * (frameSize + LineCost))) return false;
   GatherVertices(job, model, *content);

@@ -1,5 +1,6 @@
 #include <array>
 #include <bit>
+#include <cmath>
 #include <cstring>
 #include <tuple>
 
@@ -49,10 +50,12 @@ struct MovedVertex {
   uint8_t Speed;
   uint8_t Side;
 
+  /// Of numbers as a source has them: what rounding takes must not change the order.
   auto Key() const {
     const VvdVertex& v = Vertex;
-    return std::tuple(float{v.Position.x}, float{v.Position.y}, float{v.Position.z}, float{v.U}, float{v.V},
-                      float{v.Normal.x}, float{v.Normal.y}, float{v.Normal.z});
+    const auto typed = [](float value) { return std::round(double{value} * 1e6); };
+    return std::tuple(typed(v.Position.x), typed(v.Position.y), typed(v.Position.z), typed(v.U), typed(v.V),
+                      typed(v.Normal.x), typed(v.Normal.y), typed(v.Normal.z));
   }
 };
 

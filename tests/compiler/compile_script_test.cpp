@@ -8,6 +8,7 @@
 #include "compiler/files/commit_together.h"
 #include "compiler/files/model_files.h"
 #include "model/animation_records.h"
+#include "model/script_records.h"
 #include "round_trip.h"
 #include "workshop.h"
 
@@ -58,6 +59,8 @@ TEST(CompileScript, TellsWhatItDoesNotBuild) {
       {"$modelname b.mdl", "a second $modelname"},
       {"$hbox 0 arm 1 1 1 0 0 0", "inside out"},
       {"$weightlist w { thumb 1 }", "no bone is called \"thumb\""},
+      {"$attachment a arm 0 0 0\n$attachment A root 0 0 0", "a second $attachment is called \"A\""},
+      {"$poseparameter p 0 1\n$PoseParameter p 0 2", "a second $PoseParameter is called \"p\""},
       {"$mystery\n{\n  $body c nosuch\n}", "\"$mystery\" is not known"},
       {"$mystery { \n  $deeper 1\n$sequence s swing fps 0", "fps is above 0"},
       {"$sequence s swing fps 0", "fps is above 0"},
@@ -84,6 +87,8 @@ TEST(CompileScript, PlacesBonesAndAnimationsWithTheirMeshes) {
       {"", {-8, 0, 0}, {0, 8, 4}, {0, 0, 0}},
       {"$upaxis y", {0, 0, 0}, {4, 8, 8}, {0, 0, 0}},
       {"$origin 1 2 3", {-10, 1, 3}, {-2, 9, 7}, {1, 2, 3}},
+      {"$autocenter", {-4, -4, -2}, {4, 4, 2}, {-4, -4, -2}},
+      {"$scale 2\n$origin 1 2 3\n$autocenter", {-8, -8, -4}, {8, 8, 4}, {-8, -8, -4}},
       {"$scale 2\n$origin 1 2 3 90", {-18, -15, 3}, {-2, 1, 11}, {1, 2, 3}},
   };
   for (const auto& c : cases) {
@@ -99,6 +104,50 @@ TEST(CompileScript, PlacesBonesAndAnimationsWithTheirMeshes) {
     EXPECT_TRUE(near(least, c.Least)) << least.x << " " << least.y << " " << least.z;
     EXPECT_TRUE(near(most, c.Most)) << most.x << " " << most.y << " " << most.z;
     EXPECT_TRUE(near(RecordAt<model::StudioBone>(files->Mdl, header.BoneOffset).Position, c.Root));
+  }
+}
+
+TEST(CompileScript, MovesAttachmentsWithACenteredModel) {
+  Workshop shop;
+  const auto files = shop.Compile(std::string(Head) +
+                                  "$autocenter\n$staticprop\n$attachment top any 0 8 4\n$body b arm\n"
+                                  "$sequence idle arm\n");
+  ASSERT_TRUE(files);
+  const model::StudioHeader header = HeaderOf(*files);
+  ASSERT_EQ(header.AttachmentCount, 2);
+  const model::Vec3 expected[] = {{-4, -4, 2}, {4, -4, -2}};
+  for (int64_t i = 0; i < 2; ++i) {
+    const int64_t at = header.AttachmentOffset + i * static_cast<int64_t>(sizeof(model::StudioAttachment));
+    const auto attachment = RecordAt<model::StudioAttachment>(files->Mdl, at);
+    EXPECT_STREQ(files->Mdl.c_str() + at + attachment.NameOffset, i == 0 ? "top" : "placementOrigin");
+    const model::Vec3& place = expected[i];
+    EXPECT_NEAR(attachment.Placement.m[3], place.x, 1e-4);
+    EXPECT_NEAR(attachment.Placement.m[7], place.y, 1e-4);
+    EXPECT_NEAR(attachment.Placement.m[11], place.z, 1e-4);
+  }
+}
+
+TEST(CompileScript, ScalesBonesThatAnimationsAloneHave) {
+  Workshop shop;
+  WriteText(shop.Folder.Path("parts/wave.smd"),
+            "version 1\nnodes\n0 \"root\" -1\n1 \"flag\" 0\nend\nskeleton\ntime 0\n0 0 0 0 0 0 0\n1 0 0 5 0 0 0\n"
+            "time 1\n1 0 0 6 0 0 0\nend\n");
+  const auto files = shop.Compile(std::string(Head) +
+                                  "$body b arm\n$sequence idle swing\n$scale 3\n$sequence wave { wave fps 5 }\n"
+                                  "$attachment top flag 0 0 0\n");
+  ASSERT_TRUE(files);
+  const model::StudioHeader header = HeaderOf(*files);
+  ASSERT_EQ(header.BoneCount, 3);
+  EXPECT_EQ(BoneName(*files, 2), "flag");
+  const int64_t at = header.BoneOffset + 2 * static_cast<int64_t>(sizeof(model::StudioBone));
+  EXPECT_EQ(RecordAt<model::StudioBone>(files->Mdl, at).Position.z, 15);
+}
+
+TEST(CompileScript, RefusesABodyWithoutAMesh) {
+  for (const char* line : {"$body torso", "$Model \"torso\"", "$body torso // arm"}) {
+    Workshop shop;
+    EXPECT_FALSE(shop.Compile(std::string(Head) + "$body b arm\n" + line + "\n$sequence idle swing\n"));
+    EXPECT_THAT(shop.Texts(), Contains(HasSubstr("error: the body \"torso\" has no mesh"))) << line;
   }
 }
 

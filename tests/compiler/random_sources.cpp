@@ -206,7 +206,7 @@ class Maker {
 
   void Bodies() {
     m_script += "$body \"Body One\" \"" + Mesh("ref.smd", 4, 12) + "\"\n";
-    if (Has(RandomFace) && !Has(RandomStatic)) Face();
+    if (Has(RandomFace)) Face();
     if (!Has(RandomBodyGroups)) return;
     const int groups = m_dice.From(1, 2);
     for (int group = 0; group < groups; ++group) {
@@ -236,7 +236,8 @@ class Maker {
     m_files["head.vta"] = shapes + "end\n";
     m_script +=
         "$model face \"head.smd\" {\n  flexfile \"head.vta\" {\n    defaultflex frame 0\n    flex smile frame 1\n"
-        "    flex frown frame 2\n    flex late frame 3\n  }\n  mouth 0 \"smile\" " +
+        "    flex frown frame 2\n    flex late frame 3\n    flexpair wide " +
+        Number(0.37 * static_cast<double>(m_meshVertices.size() % 40)) + " frame 2\n  }\n  mouth 0 \"smile\" " +
         AnyBone() +
         " 0 1 0\n"
         "  flexcontroller mouth smile range 0 1\n  flexcontroller brow range -1 1 right_frown left_frown\n"

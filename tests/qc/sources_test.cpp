@@ -7,6 +7,7 @@
 namespace tarnwick::qc {
 namespace {
 
+using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
@@ -63,6 +64,18 @@ TEST_F(QcSources, AreLookedForInTheFoldersThatTheScriptNames) {
                                     "the script's folder"),
                           HasSubstr("walker.qc:15:1: warning: there is no $pushd"),
                           HasSubstr("walker.qc:16:1: warning: a $pushd has no $popd")));
+}
+
+TEST_F(QcSources, AreKnownByANameThatStoodAboveOrWithoutAFolderThatIsGone) {
+  Touch("meshes/a.smd");
+  Touch("meshes/a.vta");
+  Touch("b.smd");
+  const Script script =
+      Read("$pushd meshes\n$body a A.smd\n$popd\n$sequence idle a\n$lod 5 { replacemodel a a }\n$body b ..\\ref\\b\n");
+  EXPECT_THAT(Found(script), ElementsAre("meshes/a.smd", "b.smd"));
+  EXPECT_THAT(Told(script), ElementsAre(HasSubstr("\"..\\ref\\b\" is not there")));
+  EXPECT_THAT(Told(Read("$body a meshes/a\n$model m a { flexfile meshes/a { } }\n$model n b { flexfile b { } }")),
+              Contains(HasSubstr("\"b\" was not found")));
 }
 
 TEST_F(QcSources, ThatAreNotThereAreToldOnceWithTheNameThatIs) {
