@@ -24,8 +24,8 @@ class CommandLine {
 
  private:
   std::vector<std::string> m_words;
-  std::vector<const char*> m_pointers;  // of the words, and a null behind them
-  unsigned m_codePage = 0;              // that the console had; 0 for none to put back
+  std::vector<const char*> m_pointers;       // of the words, and a null behind them
+  [[maybe_unused]] unsigned m_codePage = 0;  // that the console had; 0 for none to put back
 };
 
 }  // namespace tarnwick::core
