@@ -17,6 +17,13 @@ namespace fs = std::filesystem;
 
 namespace {
 
+/// "file: why".
+std::string Joined(std::string_view file, std::string_view why) {
+  std::string text(file);
+  text += ": ";
+  return text += why;
+}
+
 /// Copies the bytes of `from` into `to` a piece at a time.
 bool CopyBytes(const RandomFile& from, core::OutputFile& to, uint64_t& size, std::string& reason) {
   std::vector<std::byte> piece(size_t{1} << 18);
@@ -98,7 +105,7 @@ Extraction ExtractContent(const ContentIndex& index, const std::vector<uint32_t>
         sink.Tell({.Level = core::Severity::Error,
                    .Kind = core::TroubleKind::Unwritable,
                    .File = outputDirectory,
-                   .Text = PrintableName(outputDirectory + ": " + reason)});
+                   .Text = PrintableName(Joined(outputDirectory, reason))});
       }
       for (size_t i = 0; open && i < chosen.size(); ++i) {
         whole.Stopped = stop.stop_requested();
@@ -116,7 +123,7 @@ Extraction ExtractContent(const ContentIndex& index, const std::vector<uint32_t>
         sink.Tell({.Level = core::Severity::Error,
                    .Kind = kind,
                    .File = from,
-                   .Text = PrintableName(from + ": " + reason),
+                   .Text = PrintableName(Joined(from, reason)),
                    .Alike = PrintableName(reason)});
       }
       if (!open) whole.Failed += chosen.size();

@@ -27,8 +27,8 @@ std::string FixedFolder(std::string_view name) {
 }
 
 /// Adds a file of the folder `folder` if it is meant.
-void AddMeant(std::vector<ListedFile>& list, const std::string& start, std::string name, const std::string& folder,
-              std::string_view pattern, std::string_view extension) {
+void AddMeant(std::vector<ListedFile>& list, const std::string& start, const std::string& name,
+              const std::string& folder, std::string_view pattern, std::string_view extension) {
   if (!HasExtension(name, extension) || (IsPattern(pattern) && !MatchesPattern(name, pattern))) return;
   // The archive's own name may begin with slashes or have doubled ones.
   const std::string plain = PlainName(name);
@@ -208,8 +208,8 @@ std::optional<std::vector<ListedFile>> ContentFiles::FilesIn(const std::string& 
   if (content.Where == Where::Game) {
     const GameFiles* const game = Game(reason);
     if (game == nullptr || game->Find(content.Inside)) return std::nullopt;
-    for (std::string& file : game->FilesIn(folder, below || pattern)) {
-      AddMeant(list, "game:", std::move(file), folder, content.Inside, extension);
+    for (const std::string& file : game->FilesIn(folder, below || pattern)) {
+      AddMeant(list, "game:", file, folder, content.Inside, extension);
     }
   } else {
     const auto archive = OpenArchive(whole ? DirectoryFileOf(name) : content.Path, reason);

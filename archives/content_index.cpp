@@ -40,7 +40,9 @@ class FolderWalk {
       std::error_code ignored;
       const std::string part = core::PathText(entries->path().filename());
       if (entries->is_directory(ignored)) {
-        Walk(entries->path(), name.empty() ? part : name + '/' + part);
+        std::string below = name;
+        if (!below.empty()) below += '/';
+        Walk(entries->path(), below += part);
       } else if (entries->is_regular_file(ignored)) {
         const uintmax_t size = entries->file_size(ignored);
         m_table.Add(*folder, part, {}, {.Size = ignored ? 0 : size});

@@ -21,8 +21,16 @@ fs::path Reachable(fs::path path) {
   std::error_code error;
   // Everything that the system would change must be changed already: slashes, dots, what a relative path is beside.
   std::wstring whole;
-  if (!path.empty()) whole = fs::absolute(path, error).lexically_normal().make_preferred().native();
-  if (error || whole.size() <= LongestUsual || whole.starts_with(Unchanged)) return path;
+  const std::wstring& given = path.native();
+  const auto isSlash = [&](size_t at) { return at < given.size() && (given[at] == L'/' || given[at] == L'\\'); };
+  if (given.starts_with(Unchanged)) return path;
+  if (isSlash(0) && isSlash(1)) {  // which the library takes for a folder of the current drive
+    whole = Share;
+    whole += fs::path(given.substr(2)).lexically_normal().make_preferred().native();
+  } else if (!path.empty()) {
+    whole = (path.is_absolute() ? path : fs::absolute(path, error)).lexically_normal().make_preferred().native();
+  }
+  if (error || whole.size() <= LongestUsual) return path;
   const std::wstring_view view = whole;
   if (view.starts_with(Share)) return std::wstring(UnchangedShare).append(view.substr(Share.size()));
   return std::wstring(Unchanged).append(view);

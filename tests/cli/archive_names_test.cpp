@@ -60,7 +60,7 @@ TEST_F(ArchiveNames, DecompileTakesThem) {
   EXPECT_EQ(m_err, "");
   EXPECT_EQ(RunVerb({"decompile"}, {"-o", m_output.Path("game"), "--game", m_game, "game:models/props/cube.mdl"}),
             ExitSuccess);
-  EXPECT_THAT(m_err, HasSubstr("Loaded model " + m_vpk + ":models/props/cube.mdl"));
+  EXPECT_THAT(m_err, AllOf(HasSubstr("Loaded model "), HasSubstr("pak01_dir.vpk:models/props/cube.mdl")));
 
   EXPECT_EQ(RunVerb({"decompile"}, {"-o", m_output.Path("no"), m_vpk + ":models/none.mdl"}), ExitFailure);
   EXPECT_THAT(m_err, HasSubstr(m_vpk + ":models/none.mdl: the archive has no such file"));
