@@ -67,16 +67,25 @@ void ListArchive(const FileTable& files, const std::string& folder, FoldedSet& f
   }
 }
 
-void FilesBelow(const LooseFolder& place, const std::string& folder, bool below, int level, FoldedSet& names) {
-  constexpr int MostLevels = 64;  // links may lead in circles
+/// `way` has the folders that are being looked into, as they really are: a link may lead back to one of them.
+void FilesBelow(const LooseFolder& place, const std::string& folder, bool below, std::vector<fs::path>& way,
+                FoldedSet& names) {
+  constexpr size_t MostLevels = 64, MostUnknown = 16;
+  std::error_code error;
+  const fs::path real = fs::canonical(core::NativePath(Joined(place.Path(), folder)), error);
+  // A name in another case than the folder's own leads nowhere by itself; then only the depth ends a circle.
+  if (way.size() > (error ? MostUnknown : MostLevels)) return;
+  if (!error && std::find(way.begin(), way.end(), real) != way.end()) return;
+  way.push_back(real);
   for (const LooseFolder::Entry& entry : place.List(folder)) {
     const std::string name = folder.empty() ? entry.Name : folder + '/' + entry.Name;
     if (!entry.IsFolder) {
       names.insert(name);
-    } else if (below && level < MostLevels) {
-      FilesBelow(place, name, below, level + 1, names);
+    } else if (below) {
+      FilesBelow(place, name, below, way, names);
     }
   }
+  way.pop_back();
 }
 
 }  // namespace
@@ -208,7 +217,8 @@ std::vector<std::string> GameFiles::FilesIn(std::string_view folder, bool below)
       const FileTable& files = (*archive)->Files();
       for (const uint32_t file : files.FilesIn(plain, below)) names.insert(files.Name(file));
     } else {
-      FilesBelow(*std::get<std::unique_ptr<LooseFolder>>(place), plain, below, 0, names);
+      std::vector<fs::path> way;
+      FilesBelow(*std::get<std::unique_ptr<LooseFolder>>(place), plain, below, way, names);
     }
   }
   return {names.begin(), names.end()};

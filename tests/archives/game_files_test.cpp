@@ -139,6 +139,16 @@ TEST_F(GameFilesTest, ListsFoldersOverAllPlaces) {
   EXPECT_THAT(game->FilesIn("materials", false), IsEmpty());
 }
 
+#ifndef _WIN32  // which lets not everybody make links
+TEST_F(GameFilesTest, LinksThatLeadBackAreNotFollowedForEver) {
+  WriteText(m_folder.Path("mod/models/deep/a.mdl"), "");
+  for (const char* link : {"one", "two"}) {  // two of them: every level would double what there is to do
+    std::filesystem::create_directory_symlink("..", m_folder.Path(std::string("mod/models/deep/") + link));
+  }
+  EXPECT_THAT(Open()->FilesIn("models", true), ElementsAre("models/deep/a.mdl"));
+}
+#endif
+
 TEST_F(GameFilesTest, FindsNewFilesOnceRefreshed) {
   const auto game = Open();
   EXPECT_FALSE(game->Find("new/file.txt"));
