@@ -35,17 +35,38 @@ void Check(const view::Scene& scene) {
   }
 }
 
+/// The files of an input, each under any name with its ending.
+class InputFiles : public core::FileSource {
+ public:
+  explicit InputFiles(const DecompileInput& input) : m_input(input) {}
+  std::optional<core::FileImage> Read(const std::string& name, std::string*) const override {
+    const std::string* bytes = Find(name);
+    if (bytes == nullptr) return std::nullopt;
+    return core::FileImage::FromBytes(name, std::as_bytes(std::span(*bytes)));
+  }
+  bool ReadStart(const std::string&, std::span<std::byte>) const override { return false; }
+  bool Holds(const std::string& name) const override { return Find(name) != nullptr; }
+  std::optional<std::string> FindBeside(const std::string& name) const override {
+    return Holds(name) ? std::optional(name) : std::nullopt;
+  }
+  std::optional<std::string> FindElsewhere(const std::string&) const override { return std::nullopt; }
+
+ private:
+  const std::string* Find(const std::string& name) const {
+    for (size_t i = 0; i < m_input.Files.size(); ++i) {
+      if (name.ends_with(DecompileInput::Extensions[i]) && !m_input.Files[i].empty()) return &m_input.Files[i];
+    }
+    return nullptr;
+  }
+
+  const DecompileInput& m_input;
+};
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const auto input = DecompileInput::Unpack({reinterpret_cast<const char*>(data), size});
-  const auto files = [&](const std::string& path, std::string*) -> std::optional<core::FileImage> {
-    for (size_t i = 0; i < input.Files.size(); ++i) {
-      if (!path.ends_with(DecompileInput::Extensions[i]) || input.Files[i].empty()) continue;
-      return core::FileImage::FromBytes(path, std::as_bytes(std::span(input.Files[i])));
-    }
-    return std::nullopt;
-  };
+  const InputFiles files(input);
   tests::RecordingTroubles troubles;
   const auto scene = view::MakeScene("models/cube.mdl", troubles, files);
   if (!scene) return 0;

@@ -128,10 +128,7 @@ class Drawing {
     if (!content.Holds(path)) {
       return m_run.Fail(core::TroubleKind::Missing, "there is no such model", path);
     }
-    auto scene = view::MakeScene(path, m_run, [&](const std::string& name, std::string* reason) {
-      const auto found = content.FindCompanion(name);
-      return found ? content.Read(*found, reason) : std::nullopt;
-    });
+    auto scene = view::MakeScene(path, m_run, content);
     if (!scene || m_run.Stop.stop_requested()) {
       if (m_run.Result.First(core::Severity::Error) == nullptr) {
         const bool stopped = m_run.Stop.stop_requested();

@@ -123,7 +123,8 @@ void CVTFDialog::OnInitDialog() {
 }
 
 void CVTFDialog::ShowTexture() {
-  m_ui->texture->ShowFile(m_ui->inputEdit->text());
+  const auto content = NewContent();
+  m_ui->texture->ShowFile(m_ui->inputEdit->text(), {content, &content->Files()});
   if (!m_job.IsRunning()) m_ui->pictureTabs->setCurrentWidget(m_ui->texture);
 }
 

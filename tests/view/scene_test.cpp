@@ -202,18 +202,21 @@ TEST(Scene, SaysWhatItsSequencesAre) {
 }
 
 /// Files in memory, by path.
-struct MemoryFiles {
+struct MemoryFiles : core::FileSource {
+  explicit MemoryFiles(std::map<std::string, std::string> files) : Files(std::move(files)) {}
+  std::optional<core::FileImage> Read(const std::string& path, std::string*) const override {
+    return core::FileImage::FromBytes(path, std::as_bytes(std::span(Files.at(path))));
+  }
+  bool ReadStart(const std::string&, std::span<std::byte>) const override { return false; }
+  bool Holds(const std::string& path) const override { return Files.contains(path); }
+  std::optional<std::string> FindBeside(const std::string& path) const override {
+    Asked.push_back(path);
+    return Holds(path) ? std::optional(path) : std::nullopt;
+  }
+  std::optional<std::string> FindElsewhere(const std::string&) const override { return std::nullopt; }
+
   std::map<std::string, std::string> Files;
   mutable std::vector<std::string> Asked;
-
-  FileSource Source() const {
-    return [this](const std::string& path, std::string*) -> std::optional<core::FileImage> {
-      Asked.push_back(path);
-      const auto found = Files.find(path);
-      if (found == Files.end()) return std::nullopt;
-      return core::FileImage::FromBytes(path, std::as_bytes(std::span(found->second)));
-    };
-  }
 };
 
 TEST(Scene, ComesFromAnywhere) {
@@ -223,14 +226,13 @@ TEST(Scene, ComesFromAnywhere) {
   model.Sequences = {{}};
   model.Physics = PhyBuilder{};
   const ModelFiles files = model.Build();
-  MemoryFiles memory{{{"models/a/cube.mdl", files.Mdl.Bytes()},
+  MemoryFiles memory({{"models/a/cube.mdl", files.Mdl.Bytes()},
                       {"models/a/cube.dx90.vtx", files.Vtx.Bytes()},
                       {"models/a/cube.vvd", files.Vvd.Bytes()},
                       {"models/a/cube.ani", files.Ani.Bytes()},
-                      {"models/a/cube.phy", files.Phy}},
-                     {}};
+                      {"models/a/cube.phy", files.Phy}});
   RecordingTroubles told;
-  const auto scene = MakeScene("models/a/cube.mdl", told, memory.Source());
+  const auto scene = MakeScene("models/a/cube.mdl", told, memory);
   ASSERT_TRUE(scene);
   EXPECT_THAT(told.Texts(), IsEmpty());
   EXPECT_EQ(scene->Draws.size(), 1u);
@@ -247,7 +249,7 @@ TEST(Scene, ComesFromAnywhere) {
     MemoryFiles less = memory;
     less.Files.erase(path);
     RecordingTroubles missed;
-    const auto rest = MakeScene("models/a/cube.mdl", missed, less.Source());
+    const auto rest = MakeScene("models/a/cube.mdl", missed, less);
     ASSERT_TRUE(rest);
     EXPECT_THAT(missed.Texts(), testing::Contains(HasSubstr(text)));
     EXPECT_EQ(rest->Bones.size(), 2u);
@@ -261,7 +263,7 @@ TEST(Scene, ComesFromAnywhere) {
   other.Files["models/a/cube.sw.vtx"] = files.Vtx.Bytes();
   other.Files["models/a/cube.dx90.vtx"] = foreign.Bytes();
   RecordingTroubles none;
-  EXPECT_EQ(MakeScene("models/a/cube.mdl", none, other.Source())->Draws.size(), 1u);
+  EXPECT_EQ(MakeScene("models/a/cube.mdl", none, other)->Draws.size(), 1u);
   EXPECT_THAT(none.Texts(), IsEmpty());
 }
 
@@ -269,9 +271,9 @@ TEST(Scene, RefusesWhatIsNoModel) {
   for (const auto& [bytes, why] : {std::pair<std::string, std::string>{"", "it is empty"},
                                    {"IDST", "fewer than a model's header"},
                                    {std::string(1000, 'x'), "does not begin with IDST"}}) {
-    MemoryFiles memory{{{"x.mdl", bytes}}, {}};
+    MemoryFiles memory({{"x.mdl", bytes}});
     RecordingTroubles told;
-    EXPECT_FALSE(MakeScene("x.mdl", told, memory.Source()));
+    EXPECT_FALSE(MakeScene("x.mdl", told, memory));
     EXPECT_THAT(told.Texts(), ElementsAre(HasSubstr(why)));
   }
   RecordingTroubles told;
@@ -335,13 +337,12 @@ TEST(Scene, CountsAndOffsetsThatLieDoNoHarm) {
         ModelFiles files = sound;
         std::string& bytes = vtx ? files.Vtx.Bytes() : files.Mdl.Bytes();
         std::memcpy(bytes.data() + at, &lie, sizeof lie);
-        MemoryFiles memory{{{"c.mdl", files.Mdl.Bytes()},
+        MemoryFiles memory({{"c.mdl", files.Mdl.Bytes()},
                             {"c.dx90.vtx", files.Vtx.Bytes()},
                             {"c.vvd", files.Vvd.Bytes()},
-                            {"c.phy", files.Phy}},
-                           {}};
+                            {"c.phy", files.Phy}});
         RecordingTroubles told;
-        const auto scene = MakeScene("c.mdl", told, memory.Source());
+        const auto scene = MakeScene("c.mdl", told, memory);
         SCOPED_TRACE(std::string(vtx ? "vtx " : "mdl ") + std::to_string(at));
         if (scene) LookAt(*scene);
         if (HasFatalFailure()) return;
@@ -357,13 +358,12 @@ TEST(Scene, FilesThatEndEarlyDoNoHarm) {
       return bytes.substr(0, bytes.size() * static_cast<size_t>(part) / 10);
     };
     for (int which = 0; which < 4; ++which) {
-      MemoryFiles memory{{{"c.mdl", which == 0 ? cut(sound.Mdl.Bytes()) : sound.Mdl.Bytes()},
+      MemoryFiles memory({{"c.mdl", which == 0 ? cut(sound.Mdl.Bytes()) : sound.Mdl.Bytes()},
                           {"c.dx90.vtx", which == 1 ? cut(sound.Vtx.Bytes()) : sound.Vtx.Bytes()},
                           {"c.vvd", which == 2 ? cut(sound.Vvd.Bytes()) : sound.Vvd.Bytes()},
-                          {"c.phy", which == 3 ? cut(sound.Phy) : sound.Phy}},
-                         {}};
+                          {"c.phy", which == 3 ? cut(sound.Phy) : sound.Phy}});
       RecordingTroubles told;
-      const auto scene = MakeScene("c.mdl", told, memory.Source());
+      const auto scene = MakeScene("c.mdl", told, memory);
       if (scene) LookAt(*scene);
       if (scene && which > 0 && part < 9) {
         EXPECT_THAT(told.Texts(), Not(IsEmpty())) << which << " " << part;

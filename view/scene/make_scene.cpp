@@ -50,7 +50,7 @@ Quat RestTurnOf(const Scene& scene) {
 
 class Maker {
  public:
-  Maker(const std::string& path, core::TroubleSink& troubles, const FileSource& files)
+  Maker(const std::string& path, core::TroubleSink& troubles, const core::FileSource& files)
       : m_path(path), m_files(files), m_frames(std::make_shared<ModelFrames>(troubles)), m_reader(m_frames->Reader()) {
     m_scene.Path = path;
   }
@@ -75,9 +75,15 @@ class Maker {
   }
 
  private:
+  /// The file of that name, in any case, with what goes with the model.
+  std::optional<core::FileImage> Read(const std::string& path, std::string& reason) const {
+    const auto found = m_files.FindCompanion(path);
+    return found ? m_files.Read(*found, &reason) : std::nullopt;
+  }
+
   bool LoadModel() {
     std::string reason = "there is no such file";
-    auto mdl = m_files(m_path, &reason);
+    auto mdl = Read(m_path, reason);
     if (mdl && !mdl->View().At<model::StudioHeader>(0)) {
       const int64_t size = mdl->View().Size();
       reason = size == 0 ? "it is empty" : "its " + std::to_string(size) + " bytes are fewer than a model's header has";
@@ -113,7 +119,7 @@ class Maker {
 
   std::optional<core::FileImage> ReadBeside(std::string_view extension) {
     std::string reason;
-    auto file = m_files(Beside(extension), &reason);
+    auto file = Read(Beside(extension), reason);
     if (file) {
       Count(*file);
     } else if (!reason.empty()) {
@@ -173,7 +179,7 @@ class Maker {
     const std::string path = std::string(core::DirectoryWithSeparator(m_path)) +
                              std::string(name ? core::LastComponent(*name) : std::string_view());
     std::string reason = "there is no such file";
-    auto file = name && !name->empty() ? m_files(path, &reason) : std::nullopt;
+    auto file = name && !name->empty() ? Read(path, reason) : std::nullopt;
     if (file) {
       Count(*file);
     } else {
@@ -183,7 +189,7 @@ class Maker {
   }
 
   std::string m_path;
-  const FileSource& m_files;
+  const core::FileSource& m_files;
   std::shared_ptr<ModelFrames> m_frames;
   model::ModelReader& m_reader;
   Scene m_scene;
@@ -191,13 +197,7 @@ class Maker {
 
 }  // namespace
 
-std::optional<core::FileImage> ReadDiskFile(const std::string& path, std::string* reason) {
-  if (core::FileExists(path)) return core::FileImage::Read(path, reason);
-  const auto found = core::FindIgnoringCase(path);
-  return found ? core::FileImage::Read(*found, reason) : std::nullopt;
-}
-
-std::optional<Scene> MakeScene(const std::string& path, core::TroubleSink& troubles, const FileSource& files) {
+std::optional<Scene> MakeScene(const std::string& path, core::TroubleSink& troubles, const core::FileSource& files) {
   return Maker(path, troubles, files).Make();
 }
 

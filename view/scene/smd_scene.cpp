@@ -225,9 +225,10 @@ Scene MakeSmdSceneOfText(std::string_view text, const std::string& path, core::T
   return scene;
 }
 
-std::optional<Scene> MakeSmdScene(const std::string& path, core::TroubleSink& troubles, const FileSource& files) {
+std::optional<Scene> MakeSmdScene(const std::string& path, core::TroubleSink& troubles, const core::FileSource& files) {
   std::string reason = "there is no such file";
-  const auto file = files(path, &reason);
+  const auto found = files.FindCompanion(path);
+  const auto file = found ? files.Read(*found, &reason) : std::nullopt;
   if (!file) {
     troubles.Tell({.Kind = core::TroubleKind::Unreadable,
                    .File = path,

@@ -44,18 +44,22 @@ ShownModel ModelSource::Load(const std::string& path, const std::string& gameDir
   const std::lock_guard lock(m_lock);
   ShownModel shown;
   Kept sink(shown.Troubles);
-  auto scene = IsSmd(path) ? MakeSmdScene(path, sink) : MakeScene(path, sink);
+  if (!m_content || m_gameDirectory != gameDirectory) {
+    m_content = std::make_unique<archives::ContentFiles>(gameDirectory, m_unheard);
+    m_game.reset();
+    m_gameDirectory = gameDirectory;
+  }
+  auto scene = IsSmd(path) ? MakeSmdScene(path, sink, *m_content) : MakeScene(path, sink, *m_content);
   if (!scene) {
     shown.Error = ErrorOf(shown.Troubles, path);
     return shown;
   }
-  if (!m_game || m_gameDirectory != gameDirectory) {
+  if (!m_game) {
     m_game = std::make_unique<GameMaterials>(gameDirectory, sink);
-    m_gameDirectory = gameDirectory;
   } else {
     m_game->Refresh();  // a material may have been compiled since
   }
-  const MaterialFiles files(*m_game, path);
+  const MaterialFiles files(*m_game, *m_content, path);
   shown.Materials =
       std::make_shared<MaterialSet>(LoadMaterials(scene->Materials, scene->MaterialDirectories, files, m_textures));
   shown.Model = std::make_shared<Scene>(std::move(*scene));

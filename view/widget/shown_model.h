@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "archives/content_files.h"
 #include "core/trouble.h"
 #include "view/materials/material.h"
 #include "view/materials/material_files.h"
@@ -24,15 +25,23 @@ struct ShownModel {
 /// Loads models one after the other, on any thread; keeps the game's places and decoded textures from one to the next.
 class ModelSource {
  public:
-  /// The model (.mdl) or the mesh (.smd) at `path`, its materials from the game in `gameDirectory` ("" for none) too.
+  /// The model (.mdl) or the mesh (.smd) at `path`, or under a name in an archive or the game; its materials from the
+  /// game in `gameDirectory` ("" for none) too.
   ShownModel Load(const std::string& path, const std::string& gameDirectory);
 
   /// The files that `path` is shown from, for whoever watches them.
   static std::vector<std::string> FilesOf(const std::string& path);
 
  private:
+  /// What is wrong with the game's places is told by the materials.
+  struct Unheard : core::TroubleSink {
+    void Tell(const core::Trouble&) override {}
+  };
+
   std::mutex m_lock;
   std::string m_gameDirectory;
+  Unheard m_unheard;
+  std::unique_ptr<archives::ContentFiles> m_content;
   std::unique_ptr<GameMaterials> m_game;  // of that directory
   TextureCache m_textures;
 };

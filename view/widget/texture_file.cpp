@@ -39,8 +39,9 @@ QImage Alone(const QImage& picture, TextureChannels channel) {
 
 }  // namespace
 
-std::shared_ptr<const TextureFile> TextureFile::Read(const std::string& path, std::string& reason) {
-  auto image = core::FileImage::Read(path, &reason);
+std::shared_ptr<const TextureFile> TextureFile::Read(const std::string& path, std::string& reason,
+                                                     const core::FileSource& files) {
+  auto image = files.Read(path, &reason);
   if (!image) return nullptr;
   std::shared_ptr<TextureFile> file(new TextureFile(std::move(*image)));
   file->m_vtf = VtfFile::Open(file->m_file.View(), reason);

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "core/file_image.h"
+#include "core/file_source.h"
 #include "textures/vtf_file.h"
 
 namespace tarnwick::view {
@@ -16,8 +16,10 @@ enum class TextureChannels { ColourAndAlpha, Colour, Red, Green, Blue, Alpha };
 /// A texture file in memory, ready to decode any of its images.
 class TextureFile {
  public:
-  /// Reads and checks the file at `path`. Null if it cannot be read or is no texture; then `reason` tells why.
-  static std::shared_ptr<const TextureFile> Read(const std::string& path, std::string& reason);
+  /// Reads and checks the file that `files` have under that name. Null if it cannot be read or is no texture; then
+  /// `reason` tells why.
+  static std::shared_ptr<const TextureFile> Read(const std::string& path, std::string& reason,
+                                                 const core::FileSource& files = core::DiskFiles());
 
   const textures::VtfInfo& Info() const { return m_vtf->Info(); }
   uint64_t FileBytes() const { return m_file.Bytes().size(); }

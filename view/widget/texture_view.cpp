@@ -150,9 +150,10 @@ void TextureView::Offer(QWidget& control, bool isOffered) {
   findChild<QLabel*>(control.objectName() + "Label")->setVisible(isOffered);
 }
 
-void TextureView::ShowFile(const QString& path) {
+void TextureView::ShowFile(const QString& path, std::shared_ptr<const core::FileSource> files) {
   if (path == m_path) return;
   m_path = path;
+  m_files = std::move(files);
   m_loading.Forget();
   m_waiting.start();
 }
@@ -165,9 +166,9 @@ void TextureView::Load() {
     std::string Reason;
   };
   m_loading.Run(
-      [path = FromQt(m_path)] {
+      [path = FromQt(m_path), files = m_files] {
         Loaded loaded;
-        loaded.File = TextureFile::Read(path, loaded.Reason);
+        loaded.File = TextureFile::Read(path, loaded.Reason, files != nullptr ? *files : core::DiskFiles());
         return loaded;
       },
       [this](const Loaded& loaded) {

@@ -26,8 +26,9 @@ class TextureView : public QWidget {
  public:
   explicit TextureView(QWidget* parent = nullptr);
 
-  /// Has the texture at `path` shown, or the reason why it cannot be. An empty path shows nothing.
-  void ShowFile(const QString& path);
+  /// Has the texture shown that `files` have under the name `path`, or the reason why it cannot be; null for the disk.
+  /// An empty path shows nothing.
+  void ShowFile(const QString& path, std::shared_ptr<const core::FileSource> files = {});
   QString File() const { return m_path; }
   /// Whether what is shown is not yet what was asked for.
   bool IsBusy() const { return m_waiting.isActive() || m_loading.IsRunning() || m_decoding.IsRunning(); }
@@ -41,7 +42,8 @@ class TextureView : public QWidget {
   void TakeZoom(double zoom);
 
   QString m_path;
-  QString m_shownPath;  // whose settings the controls hold
+  std::shared_ptr<const core::FileSource> m_files;  // null: the disk
+  QString m_shownPath;                              // whose settings the controls hold
   std::shared_ptr<const TextureFile> m_file;
   PictureView* m_picture;
   QLabel* m_facts;
