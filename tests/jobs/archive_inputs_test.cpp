@@ -35,11 +35,6 @@ using tests::ScratchFolder;
 using tests::VpkBuilder;
 using tests::WriteText;
 
-std::string BytesOf(const std::string& path) {
-  const auto image = core::FileImage::Read(path);
-  return image ? std::string(reinterpret_cast<const char*>(image->Bytes().data()), image->Bytes().size()) : "";
-}
-
 /// Archives with models, and a game that has some of their files too.
 class ArchiveInputsTest : public testing::Test {
  protected:
@@ -48,11 +43,7 @@ class ArchiveInputsTest : public testing::Test {
                                   const ModelBuilder& builder = {}) {
     const ScratchFolder loose;
     builder.Write(loose.Path(), stem);
-    std::vector<PackedFile> files;
-    for (const std::string& name : loose.Files()) {
-      files.push_back({.Name = folder + '/' + name, .Bytes = BytesOf(loose.Path(name))});
-    }
-    return files;
+    return tests::PackedFolder(loose, folder);
   }
   std::string WriteVpk(const std::string& name, VpkBuilder vpk) {
     vpk.Build();

@@ -108,10 +108,7 @@ TEST_F(DrawPicturesTest, WhatIsMissingIsToldAndStandsInTheResult) {
 TEST_F(DrawPicturesTest, AModelInAnArchiveIsDrawnWithTheMaterialsThatLieThere) {
   const tests::ScratchFolder loose;
   ModelBuilder{.Textures = {"skin"}}.Write(loose.Path(), "cube");
-  tests::VpkBuilder vpk;
-  for (const std::string& name : loose.Files()) {
-    vpk.Files.push_back({.Name = "models/props/" + name, .Bytes = Read(loose.Path(name))});
-  }
+  tests::VpkBuilder vpk{.Files = tests::PackedFolder(loose, "models/props")};
   const std::string material = "UnlitGeneric { $basetexture none }";
   vpk.Files.push_back({.Name = "materials/models/props/skin.vmt", .Bytes = material});
   tests::WriteText(m_folder.Path("pak_dir.vpk"), vpk.Build().Directory);

@@ -18,6 +18,7 @@
 #include <cmath>
 #include <set>
 
+#include "support/archive_builder.h"
 #include "support/model_builder.h"
 #include "support/scratch_folder.h"
 #include "view/scene/face.h"
@@ -181,6 +182,19 @@ TEST_F(ModelViewerTest, KeepsHowEachModelWasLookedAt) {
   Open(Walker);  // in another viewer too
   EXPECT_EQ(State().Eye.Yaw, 123);
   View().Change([](ViewState& state) { state = {}; });
+}
+
+TEST_F(ModelViewerTest, ShowsAModelThatLiesInAnArchive) {
+  const tests::ScratchFolder loose;
+  tests::ModelBuilder{}.Write(loose.Path(), "cube");
+  tests::VpkBuilder vpk{.Files = tests::PackedFolder(loose, "models")};
+  tests::WriteText(m_folder.Path("pak_dir.vpk"), vpk.Build().Directory);
+  Open(m_folder.Path("pak_dir.vpk") + ":models/cube.mdl");
+  ASSERT_TRUE(View().HasModel()) << View().ShownText().toStdString();
+  EXPECT_FALSE(View().Model().Model->Draws.empty());
+  Show(m_folder.Path("pak_dir.vpk") + ":models/none.mdl");
+  EXPECT_FALSE(View().HasModel());
+  EXPECT_THAT(View().ShownText().toStdString(), HasSubstr("models/none.mdl"));
 }
 
 TEST_F(ModelViewerTest, MovesTheFaceWithASliderForEachController) {

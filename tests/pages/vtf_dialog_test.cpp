@@ -12,6 +12,7 @@
 
 #include "project/model_options.h"
 #include "settings/documents_folder.h"
+#include "support/archive_builder.h"
 #include "support/file_builder.h"
 #include "support/scratch_folder.h"
 #include "support/vtf_builder.h"
@@ -176,6 +177,16 @@ TEST_F(VtfPage, ShowsEachImageOfTheTextureThatIsNamed) {
                               .Pixels(Pixels(4, 1, 2, 3, 4) + Pixels(4, 5, 6, 7, 8) + Pixels(16, 9, 10, 11, 12) +
                                       Pixels(16, 13, 14, 15, 16))
                               .Build());
+  // In an archive first: the same texture is shown from there.
+  tests::VpkBuilder vpk{.Files = {{.Name = "materials/smoke.vtf", .Bytes = builder.Build()}}};
+  const tests::ScratchFolder game;
+  tests::WriteText(game.Path("pak_dir.vpk"), vpk.Build().Directory);
+  Input().setText(QString::fromStdString(game.Path("pak_dir.vpk") + ":materials/smoke.vtf"));
+  ASSERT_TRUE(settle());
+  EXPECT_EQ(shown.size(), QSize(4, 4));
+  Input().clear();
+  ASSERT_TRUE(settle());
+  EXPECT_NE(shown.size(), QSize(4, 4));
   tests::Drop(Input(), {smoke});
   ASSERT_TRUE(settle());
   EXPECT_EQ(shown.size(), QSize(4, 4));

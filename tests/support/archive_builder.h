@@ -1,9 +1,13 @@
 #pragma once
 
+#include <fstream>
+#include <iterator>
 #include <map>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "support/scratch_folder.h"
 
 namespace tarnwick::tests {
 
@@ -30,6 +34,16 @@ struct PackedFile {
   uint16_t Part = 0x7FFF;  // the archive that has the rest
   bool WrongCrc = false;
 };
+
+/// The files of a folder as an archive has them below `name`.
+inline std::vector<PackedFile> PackedFolder(const ScratchFolder& folder, const std::string& name) {
+  std::vector<PackedFile> files;
+  for (const std::string& file : folder.Files()) {
+    std::ifstream stream(folder.Path(file), std::ios::binary);
+    files.push_back({.Name = name + '/' + file, .Bytes = {std::istreambuf_iterator<char>(stream), {}}});
+  }
+  return files;
+}
 
 /// Writes VPK archives: the bytes of the directory file and of its parts.
 struct VpkBuilder {
