@@ -1,5 +1,8 @@
 #include "archives/content_files.h"
 
+#include <algorithm>
+#include <filesystem>
+
 #include "archives/folded_text.h"
 #include "archives/name_pattern.h"
 #include "core/paths.h"
@@ -41,6 +44,19 @@ std::optional<std::string> RootOf(const std::string& name) {
   const std::string folded = '/' + FoldedText(name);
   const size_t at = folded.rfind("/models/");
   return at == std::string::npos ? std::nullopt : std::optional(name.substr(0, at));
+}
+
+/// The folders beside a file of the disk in which what its game has may lie: what its folder `models` lies in, and its
+/// own folder.
+std::vector<std::string> LooseRoots(const std::string& path) {
+  std::error_code error;
+  const std::filesystem::path whole = std::filesystem::absolute(core::NativePath(path), error).lexically_normal();
+  const std::string text = error ? path : core::PathText(whole);
+  std::vector<std::string> roots;
+  if (auto root = RootOf(text)) roots.push_back(std::move(*root));
+  const std::string own(core::DirectoryWithSeparator(text));
+  if (std::find(roots.begin(), roots.end(), own) == roots.end()) roots.push_back(own);
+  return roots;
 }
 
 }  // namespace
@@ -169,8 +185,10 @@ std::optional<std::string> ContentFiles::FindGameFile(const std::string& owner, 
     if (const auto place = Find(content.Path + ':' + RootOf(content.Inside).value_or("") + inside, ignored)) {
       return place->Name();
     }
-  } else if (const auto root = content.Where == Where::Disk ? RootOf(name) : std::nullopt) {
-    if (auto path = Loose(root->empty() ? "." : *root).Find(PlainName(inside))) return path;
+  } else if (content.Where == Where::Disk) {
+    for (const std::string& root : LooseRoots(name)) {
+      if (auto path = Loose(root).Find(PlainName(inside))) return path;
+    }
   }
   if (m_gameDirectory.empty()) return std::nullopt;
   const auto place = Find("game:" + inside, ignored);
@@ -184,8 +202,8 @@ std::string ContentFiles::PlacesFor(const std::string& owner) const {
   std::string places;
   if (content.Where == Where::Archive) {
     places = content.Path;
-  } else if (const auto root = RootOf(name)) {
-    places = root->empty() ? "the current folder" : *root;
+  } else if (content.Where == Where::Disk) {
+    for (const std::string& root : LooseRoots(name)) places += (places.empty() ? "" : ", ") + root;
   }
   if (!m_gameDirectory.empty()) places += (places.empty() ? "" : ", ") + ("the game in " + m_gameDirectory);
   return places;

@@ -49,8 +49,8 @@ class ContentFiles : public core::FileSource {
                                                  std::string& reason) const;
 
   /// The name under which to read `inside` ("materials/brick.vmt") of the game that the model or other file `owner` is
-  /// of: in the same archive, or on the disk beside the folder `models` that the owner lies in, without regard to case;
-  /// else through the search paths. Nothing if no place has it.
+  /// of: in the same archive, or on the disk beside the folder `models` that the owner lies in or beside the owner,
+  /// without regard to case; else through the search paths. Nothing if no place has it.
   std::optional<std::string> FindGameFile(const std::string& owner, const std::string& inside) const;
   /// The places in which `FindGameFile` looks, for people: "pak01_dir.vpk, the game in /games/mod"; "" for none.
   std::string PlacesFor(const std::string& owner) const;

@@ -126,7 +126,9 @@ class Drawing {
     const std::string& path = m_run.Result.Source;
     const archives::ContentFiles& content = m_shared.Content->Files();
     if (!content.Holds(path)) {
-      return m_run.Fail(core::TroubleKind::Missing, "there is no such model", path);
+      std::string reason = "there is no such model";
+      if (!IsOnDisk(path)) (void)content.Read(path, &reason);
+      return m_run.Fail(core::TroubleKind::Missing, reason, path);
     }
     auto scene = view::MakeScene(path, m_run, content);
     if (!scene || m_run.Stop.stop_requested()) {

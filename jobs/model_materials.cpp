@@ -99,12 +99,6 @@ class Copying {
     if (!model.View().At<model::StudioHeader>(0)) return;
     m_owner = model.Mdl.Path();
     const MaterialNames names = NamesOf(model);
-    if (m_content.PlacesFor(m_owner).empty() && !names.Names.empty()) {
-      return Warn(core::TroubleKind::Missing, m_owner,
-                  "The materials of " + m_owner +
-                      " cannot be looked for: it lies in no folder models, and no game directory is known",
-                  "materials cannot be looked for");
-    }
     for (const std::string& name : names.Names) {
       if (Stopped()) return;
       TakeMaterial(name, names.Folders);

@@ -253,6 +253,14 @@ TEST_F(ArchiveInputsTest, ExportsTexturesWithAndWithoutTheSdksTool) {
   EXPECT_THAT(beside.Troubles, ElementsAre(Field(&core::Trouble::Kind, TroubleKind::Refused)));
 }
 
+TEST_F(ArchiveInputsTest, FindsTheMaterialsBesideAModelInAnyFolder) {
+  ModelBuilder{.Textures = {"skin"}}.Write(m_folder.Path("loose"), "crate");
+  WriteText(m_folder.Path("loose/Materials/models/props/SKIN.vmt"), "X { }");
+  const JobResult result = Decompile({.Inputs = {m_folder.Path("loose/crate.mdl")}, .MaterialFormat = "tga"});
+  EXPECT_TRUE(result.Succeeded());
+  EXPECT_THAT(m_output.Files(), Contains("materials/models/props/skin.vmt"));
+}
+
 TEST_F(ArchiveInputsTest, WritesTheMaterialsOfAModel) {
   ModelBuilder builder;
   builder.Textures = {"skin", "lid", "lost", "../../evil"};
