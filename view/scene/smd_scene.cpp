@@ -1,6 +1,8 @@
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <cmath>
-#include <cstring>
+#include <string_view>
 #include <unordered_map>
 
 #include "core/paths.h"
@@ -148,15 +150,16 @@ class SmdMaker {
 
   /// The number of the vertex at a corner: one that is the same in everything, or a new one.
   uint32_t VertexOf(const smd::SourceCorner& corner) {
-    Key key{};
-    key.Point = {VectorOf(corner.Position), VectorOf(corner.Normal)};
-    key.Vertex.U = corner.U;
-    key.Vertex.V = 1 - corner.V;
-    TakeWeights(corner, key.Vertex);
-    const auto [entry, isNew] = m_numbers.try_emplace(key, static_cast<uint32_t>(m_scene.Points.size()));
+    Whole whole;
+    whole.Point = {VectorOf(corner.Position), VectorOf(corner.Normal)};
+    whole.Vertex.U = corner.U;
+    whole.Vertex.V = 1 - corner.V;
+    TakeWeights(corner, whole.Vertex);
+    const auto number = static_cast<uint32_t>(m_scene.Points.size());
+    const auto [entry, isNew] = m_numbers.try_emplace(std::bit_cast<Key>(whole), number);
     if (isNew) {
-      m_scene.Points.push_back(key.Point);
-      m_scene.Vertices.push_back(key.Vertex);
+      m_scene.Points.push_back(whole.Point);
+      m_scene.Vertices.push_back(whole.Vertex);
     }
     return entry->second;
   }
@@ -189,16 +192,15 @@ class SmdMaker {
     return node >= 0 && static_cast<size_t>(node) < m_places.size() ? m_places[static_cast<size_t>(node)] : -1;
   }
 
-  struct Key {
+  struct Whole {
     ScenePoint Point;
     SceneVertex Vertex;
-
-    bool operator==(const Key& other) const { return std::memcmp(this, &other, sizeof *this) == 0; }
   };
-  static_assert(sizeof(Key) == sizeof(ScenePoint) + sizeof(SceneVertex), "no bytes between, which would be compared");
+  using Key = std::array<uint32_t, sizeof(Whole) / sizeof(uint32_t)>;  // all bits of a vertex
+  static_assert(sizeof(Whole) == sizeof(ScenePoint) + sizeof(SceneVertex), "no bytes between, which would be compared");
   struct KeyHash {
     size_t operator()(const Key& key) const {
-      return std::hash<std::string_view>()(std::string_view(reinterpret_cast<const char*>(&key), sizeof key));
+      return std::hash<std::string_view>()(std::string_view(reinterpret_cast<const char*>(key.data()), sizeof key));
     }
   };
 
