@@ -120,7 +120,7 @@ std::optional<uint32_t> ReadVpkTable(const ByteSource& file, FileTable& files, s
   files.Reserve(tree.size() / BytesAFile);
   if (!Tree(tree, start, files, reason).Read()) return std::nullopt;
   files.Shrink();
-  return header.Version;
+  return +header.Version;
 }
 
 }  // namespace tarnwick::archives

@@ -15,7 +15,8 @@ namespace tarnwick::core {
 
 static_assert(std::endian::native == std::endian::little, "compiled files are little-endian and are read in place");
 
-/// A record that can be read in place at any byte of an image: plain data, declared under `#pragma pack(push, 1)`.
+/// A record that can be read in place at any byte of an image: plain data, declared under `#pragma pack(push, 1)`. A
+/// number of it is never bound to a reference, since it may lie at an odd place: std::max takes `+record->Count`.
 template <typename T>
 concept PackedRecord = std::is_trivially_copyable_v<T> && alignof(T) == 1;
 

@@ -230,7 +230,7 @@ std::string Animations::IkRuleWords(const core::Record<StudioAnimDesc>& animatio
       m_job.Lose("IK rules of an unknown kind");
       continue;
     }
-    ruled.insert(rule->Chain);
+    ruled.insert(+rule->Chain);
     words += "  ikrule " + Quoted(m_job, *chain);
     if (rule->Type == IkRuleTouch) {
       const auto bone =

@@ -134,11 +134,11 @@ void WriteModelFace(JobContext& job, const core::Record<StudioModel>& model, Fac
 }
 
 void LoseModelFace(JobContext& job, const core::Record<StudioModel>& model) {
-  job.Lose("eyes of models that a body group offers", std::max<int32_t>(model->EyeballCount, 0));
+  job.Lose("eyes of models that a body group offers", std::max<int32_t>(+model->EyeballCount, 0));
   const auto meshes = job.Model.View().Array<StudioMesh>(model.Offset() + model->MeshOffset, model->MeshCount);
   if (!meshes) return;
   for (const auto mesh : *meshes) {
-    job.Lose("flexes of models that a body group offers", std::max<int32_t>(mesh->FlexCount, 0));
+    job.Lose("flexes of models that a body group offers", std::max<int32_t>(+mesh->FlexCount, 0));
   }
 }
 

@@ -191,10 +191,10 @@ void WriteSharedFace(JobContext& job, const FaceNames& names) {
 
 void LoseSharedFace(JobContext& job) {
   const auto header = job.Model.Header();
-  job.Lose("flex controllers without a model of their own", std::max<int32_t>(header->FlexControllerCount, 0));
-  job.Lose("face rules without a model of their own", std::max<int32_t>(header->FlexRuleCount, 0));
-  job.Lose("mouths without a model of their own", std::max<int32_t>(header->MouthCount, 0));
-  job.Lose("flex names without a model of their own", std::max<int32_t>(header->FlexDescCount, 0));
+  job.Lose("flex controllers without a model of their own", std::max<int32_t>(+header->FlexControllerCount, 0));
+  job.Lose("face rules without a model of their own", std::max<int32_t>(+header->FlexRuleCount, 0));
+  job.Lose("mouths without a model of their own", std::max<int32_t>(+header->MouthCount, 0));
+  job.Lose("flex names without a model of their own", std::max<int32_t>(+header->FlexDescCount, 0));
 }
 
 }  // namespace tarnwick::decompiler::sources

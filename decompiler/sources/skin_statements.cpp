@@ -30,10 +30,7 @@ std::set<int32_t> TexturesOfMeshes(JobContext& job) {
     for (const auto model : *models) {
       const auto meshes = view.Array<StudioMesh>(model.Offset() + model->MeshOffset, model->MeshCount);
       if (!meshes || !job.Spend(meshes->Count() * RecordCost)) continue;
-      for (const auto mesh : *meshes) {
-        const int32_t texture = mesh->Material;  // a copy: the record may lie at any byte
-        textures.insert(texture);
-      }
+      for (const auto mesh : *meshes) textures.insert(+mesh->Material);
     }
   }
   return textures;

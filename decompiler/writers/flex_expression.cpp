@@ -68,7 +68,7 @@ class Builder {
   /// Takes the next operation; gives the problem, or nothing.
   std::string Take(const StudioFlexOp& op) {
     if (op.Op == FlexOpConstant) {
-      const auto value = std::bit_cast<float>(op.Operand);
+      const auto value = std::bit_cast<float>(+op.Operand);
       if (!std::isfinite(value)) return "it holds a number that is not finite";
       Push({core::ShortestDecimal(value)});
     } else if (op.Op == FlexOpController) {

@@ -75,7 +75,7 @@ class FrameComparison {
       : m_models(models), m_first(first), m_second(second), m_count(std::min(first.Count(), second.Count())) {}
 
   void Compare(const AnimationRecord& first, const AnimationRecord& second, const std::string& name) {
-    const int32_t frames = std::min(first->FrameCount, second->FrameCount);
+    const int32_t frames = std::min(+first->FrameCount, +second->FrameCount);
     if (frames <= 0) return;
     if (!m_models.First.Spend(int64_t{frames} * m_count * PoseCost)) return;
     const auto a = CheckAnimation(m_models.First, first, name);
@@ -111,7 +111,7 @@ class FrameComparison {
       // A half-float's step grows with the value.
       double largest = 0;
       bool isRounding = true;
-      for (const auto& [x, y] : {std::pair<float, float>{a.x, b.x}, {a.y, b.y}, {a.z, b.z}}) {
+      for (const auto& [x, y] : {std::pair<float, float>{+a.x, +b.x}, {+a.y, +b.y}, {+a.z, +b.z}}) {
         const double amount = std::abs(double{x} - double{y});
         isRounding = isRounding && amount <= std::max(grain.Position, 0.001 * std::max(1.0, std::abs(double{x})));
         largest = std::max(largest, std::isfinite(amount) ? amount : 0);
