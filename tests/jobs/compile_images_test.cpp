@@ -118,6 +118,16 @@ TEST_F(CompileImagesTest, TakesADamagedImageOnlyWhereThatIsWanted) {
   EXPECT_TRUE(jobs::Run(job, m_host, {}).Succeeded());
 }
 
+TEST_F(CompileImagesTest, ReadsUncommonFormatsOnlyWhereThatIsAllowed) {
+  const std::string image = m_folder.Path("a.ppm");
+  tests::WriteText(image, "P6 4 4 255\n" + std::string(48, 'x'));
+  CompileImages job = Job({image});
+  job.UncommonFormats = false;
+  EXPECT_EQ(jobs::Run(job, m_host, {}).Items[0].Judged, Verdict::Failed);
+  job.UncommonFormats = true;
+  EXPECT_TRUE(jobs::Run(job, m_host, {}).Succeeded());
+}
+
 TEST_F(CompileImagesTest, TellsBeforeItRunsThatTwoImagesBecomeOneTexture) {
   CompileImages job = Job({Image("a.tga"), Image("other/A.tga")});
   job.Form.HasNormalMap = true;
@@ -126,6 +136,7 @@ TEST_F(CompileImagesTest, TellsBeforeItRunsThatTwoImagesBecomeOneTexture) {
   const JobResult result = jobs::Run(job, m_host, {});
   ASSERT_EQ(m_host.Questions.size(), 1u);
   EXPECT_EQ(m_host.Questions[0].Kind, QuestionKind::SameTarget);
+  EXPECT_EQ(result.Troubles.size(), 3u) << "both, and that nothing was done";
   EXPECT_THAT(m_host.Questions[0].Text, AllOf(HasSubstr(m_folder.Path("other/A.tga") + " both become a.tga.\n"),
                                               HasSubstr(m_folder.Path("third/a.tga") + " both become a.tga.\n")));
   EXPECT_FALSE(result.Succeeded());

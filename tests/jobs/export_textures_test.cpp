@@ -114,6 +114,7 @@ TEST_F(ExportTexturesTest, TellsHowMuchItWouldReplaceAndWhatItDoesNotMake) {
   const core::Trouble* error = below.Items[0].First(Severity::Error);
   ASSERT_NE(error, nullptr) << "what is not made is told";
   EXPECT_THAT(error->Text, HasSubstr(m_folder.Path("new") + " does not exist"));
+  EXPECT_EQ(error->File, m_folder.Path("new"));
   EXPECT_THAT(m_folder.Files(), ElementsAre("a.png", "a.vtf", "b.vtf"));
 }
 
@@ -131,6 +132,14 @@ TEST_F(ExportTexturesTest, JudgesByWhatTheToolWrote) {
   EXPECT_EQ(error.Text, "Unable to create TGA file " + m_folder.Path("a.png") + "\n");
   EXPECT_EQ(error.Details, "vtf2tga: it is late");
   EXPECT_FALSE(std::filesystem::exists(m_folder.Path("a.png"))) << "the older TGA file is not taken for a new one";
+
+  // The box is for an image of another format whose TGA file was wanted too: else the cause stands alone.
+  for (const char* target : {"b.png", "b.tga"}) {
+    job.Output = m_folder.Path(target);
+    job.KeepTga = job.Output.ends_with(".tga");
+    const JobResult alone = jobs::Run(job, m_host, {});
+    EXPECT_EQ(alone.Items[0].First(Severity::Error)->Text, "vtf2tga: it is late") << target;
+  }
 }
 
 TEST_F(ExportTexturesTest, OurOwnToolStandsInForAMissingOneAndThatIsToldOnce) {

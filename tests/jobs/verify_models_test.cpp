@@ -2,9 +2,11 @@
 
 #include <gmock/gmock.h>
 
+#include <cstring>
 #include <filesystem>
 
 #include "core/paths.h"
+#include "jobs/own_compiler.h"
 #include "support/model_builder.h"
 #include "support/recording_host.h"
 #include "support/scratch_folder.h"
@@ -80,6 +82,46 @@ TEST_F(VerifyModelsJob, KeepsEachStepWhereItIsAsked) {
   EXPECT_EQ(Verify(Gives(Crate()), m_folder.Path("kept")).Target, m_folder.Path("kept") + core::PathSeparator + "cube");
   for (const char* name : {"sources/ravelback.qc", "compiled/models/made.mdl", "again/ravelback.qc"}) {
     EXPECT_TRUE(core::FileExists(m_folder.Path(std::string("kept/cube/") + name))) << name;
+  }
+}
+
+TEST_F(VerifyModelsJob, TellsEachStep) {
+  Crate().Write(m_folder.Path());
+  Verify(Gives(Crate()));
+  std::vector<std::pair<std::string, size_t>> steps;
+  for (const Progress& progress : m_host.All<Progress>()) {
+    if (progress.Begun != 0 && (steps.empty() || steps.back().first != progress.File)) {
+      steps.push_back({progress.File, progress.Done});
+    }
+  }
+  EXPECT_THAT(steps, testing::IsSupersetOf(
+                         {std::pair<std::string, size_t>{"compiling", 1}, {"decompiling again", 2}, {"comparing", 3}}));
+}
+
+/// What our own compiler makes of a model that is of `version`.
+TEST_F(VerifyModelsJob, OurOwnCompilerKeepsTheVersionAndEveryNormal) {
+  for (const auto& [version, written] : {std::pair{46, 44}, {48, 48}, {49, 49}}) {
+    ModelBuilder crate = Crate();
+    crate.Version = version;
+    // Two normals at one place, a degree apart: as a rule they become one.
+    MeshDescription& mesh = crate.BodyParts[0].Models[0].Meshes[0];
+    const VertexDescription first = mesh.Vertices[0];
+    mesh.Vertices.insert(mesh.Vertices.end(), {first, mesh.Vertices[2], {.Position = {-1, 0, 0}}});
+    mesh.Vertices[3].Normal = {0, 0.0174524f, 0.9998477f};
+    mesh.Lods = {Triangles({0, 1, 2, 3, 4, 5})};
+    crate.Write(m_folder.Path());
+    int32_t made = 0, vertices = 0;
+    Verify([&](const ModelCompile& compile, core::Report& report) {
+      const auto path = CompileUnchanged(compile, report);
+      if (path) {
+        std::memcpy(&made, ReadText(*path).substr(4).data(), 4);
+        std::memcpy(&vertices,
+                    ReadText(std::filesystem::path(*path).replace_extension(".vvd").string()).substr(16).data(), 4);
+      }
+      return path;
+    });
+    EXPECT_EQ(made, written) << version;
+    EXPECT_EQ(vertices, 5) << "the one that stood there twice once";
   }
 }
 
