@@ -83,6 +83,16 @@ function(tarnwick_precompiled target name)
   endif()
 endfunction()
 
+# Lets a library without windows, which has no precompiled header yet, use that of the rooms.
+function(tarnwick_precompiled_if_plain target)
+  get_target_property(used ${target} PRECOMPILE_HEADERS_REUSE_FROM)
+  get_target_property(meta ${target} AUTOMOC)
+  get_target_property(type ${target} TYPE)
+  if(NOT used AND NOT meta AND type STREQUAL "STATIC_LIBRARY")
+    tarnwick_precompiled(${target} tarnwick_room_headers)
+  endif()
+endfunction()
+
 # Applies the project's warnings to `target`.
 function(tarnwick_target target)
   target_link_libraries(${target} PRIVATE tarnwick_options)
@@ -94,6 +104,11 @@ if(TARNWICK_SANITIZE)
 else()
   set(TARNWICK_QUICK_COMPILE $<$<NOT:$<CONFIG:Debug>>:-O1>)
 endif()
+# The sanitizer of undefined behaviour watches what is tested. In the tests themselves it would add half to their time.
+set(TARNWICK_TEST_COMPILE ${TARNWICK_QUICK_COMPILE})
+if(TARNWICK_SANITIZE MATCHES undefined)
+  list(APPEND TARNWICK_TEST_COMPILE -fno-sanitize=undefined)
+endif()
 
 # Lets the compiler make vector code of the loops in these files, in every build but one for a debugger: see
 # core/vector_code.h. Neither errno nor floating-point exceptions are looked at there, and a multiplication may be fused
@@ -101,7 +116,8 @@ endif()
 function(tarnwick_vector_files)
   if(NOT MSVC)
     set_source_files_properties(${ARGN} PROPERTIES COMPILE_OPTIONS
-      "$<$<NOT:$<CONFIG:Debug>>:-O3;-fno-math-errno;-fno-trapping-math;-ffp-contract=fast>")
+      "$<$<NOT:$<CONFIG:Debug>>:-O3;-fno-math-errno;-fno-trapping-math;-ffp-contract=fast>"
+      SKIP_PRECOMPILE_HEADERS ON)  # which is read with the other options
   endif()
 endfunction()
 
@@ -134,6 +150,7 @@ function(tarnwick_expose_room room)
     if(TARGET ${library})
       target_include_directories(${library} PUBLIC ${door})
       tarnwick_target(${library})
+      tarnwick_precompiled_if_plain(${library})
     endif()
   endforeach()
 endfunction()
@@ -151,6 +168,7 @@ function(tarnwick_floor room floor)
   endif()
   target_include_directories(tarnwick_${room}_${floor} PUBLIC ${door})
   tarnwick_target(tarnwick_${room}_${floor})
+  tarnwick_precompiled_if_plain(tarnwick_${room}_${floor})
 endfunction()
 
 # Gives `result` all targets of a room and of the folders in it.
