@@ -98,7 +98,7 @@ const OptionTable& LodOptions() {
       {"facial", Facial},
       {"replacebone", ReplaceBone, "ww"},
       {"bonetreecollapse", BoneTreeCollapse, "w"},
-      {"use_shadowlod_materials", UseShadowLodMaterials},
+      {"use_shadowlod_materials", UseShadowLodMaterials, "", nullptr, Block::None, Support::NotBuilt},
   };
   static const OptionTable table(Rows);
   return table;

@@ -217,6 +217,10 @@ TEST_F(AuthoredScripts, BuildBodiesSkinsAndLevels) {
               "planks }\n"
               "$shadowlod\n{\n\treplacemodel crate crate_lod1.smd\n}\n",
        {"lods: 4", "textures: wood Metal planks", "flags: 65"}},
+      {"a level with a material of its own, which only a replacement brings in",
+       head + "$body b crate_lod1\n$sequence idle crate_lod1\n$lod 10 { replacemodel crate_lod1 crate }\n"
+              "$lod 20 { replacemodel crate_lod1 crate replacematerial metal steel }\n",
+       {"textures: wood steel", "lods: 3"}},
       {"renamed materials, a folder that is empty",
        head + "$cdmaterials \"\"\n$renamematerial metal steel\n$body b crate\n$sequence idle crate",
        {"folders: [models\\a\\] []", "textures: wood steel"}},
@@ -264,6 +268,14 @@ TEST_F(AuthoredScripts, BuildBonesMotionAndCollision) {
               "$sequence idle swing weightlist upper node stand\n$sequence walk swing {\n\taddlayer idle\n"
               "\tblendlayer idle 0 1 1 2 spline\n\ttransition stand walk iklock hand 1 0\n\tX\n}\n",
        {"poses: yaw p", "chains: hand", "sequences: idle//0/1x1/e0 walk//0/1x1/e0"}},
+      {"a name of its own inside, boxes of vertices alone, bones as long as at rest",
+       "$bboxonlyverts\n$internalname \"inside.mdl\"\n$lockbonelengths\n" + head +
+           "$sequence idle swing frame 0 0\n$attachment far unused 0 0 0\n",
+       {"name: inside.mdl", "bones: root arm unused", "hull: -8,-3.49691e-07,0 0,8,4"}},
+      {"animations aligned in place and turn",
+       head + "$animation base swing frames 2 2 rotate 0 90 0\n$animation a swing align base X YR ZR 0 1\n"
+              "$sequence idle a\n",
+       {"a/3/30/0"}},
       {"eyes, numbers and words of the head",
        head +
            "$sequence idle swing\n$eyeposition 0 0 70\n$illumposition 0 0 35 arm\n$cbox 0 0 0 0 0 0\n$maxeyedeflection "
