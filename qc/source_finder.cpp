@@ -35,6 +35,14 @@ std::string_view BehindFolder(std::string_view path) {
   return next == std::string_view::npos ? std::string_view() : path.substr(next);
 }
 
+/// The end of a path, with no more folders than are looked for one by one.
+std::string_view LastParts(std::string_view path) {
+  constexpr int MostParts = 8;
+  size_t at = path.size();
+  for (int i = 0; i < MostParts && at != std::string_view::npos && at > 0; ++i) at = path.find_last_of("/\\", at - 1);
+  return at == std::string_view::npos ? path : path.substr(at);
+}
+
 /// So many folders below the script's are looked through for a file that is nowhere else.
 constexpr size_t MostFoldersBelow = 500;
 constexpr int DeepestFolder = 4;
@@ -59,7 +67,8 @@ SourceFinder::SourceFinder(FolderLook& look, std::string scriptFolder)
 std::optional<std::string> SourceFinder::FolderAt(std::string_view base, std::string_view folder) {
   auto found = m_look.FindFolder(Below(base, folder.empty() ? "." : folder));
   // Of another computer's folder the last ones may be here.
-  for (std::string_view rest = folder; !found && IsAbsolute(folder) && !(rest = BehindFolder(rest)).empty();) {
+  for (std::string_view rest = LastParts(folder);
+       !found && IsAbsolute(folder) && !(rest = BehindFolder(rest)).empty();) {
     if (rest.find_first_not_of("/\\.") != std::string_view::npos) found = m_look.FindFolder(Below(base, rest));
   }
   if (found && !found->ends_with('/')) *found += '/';
@@ -160,7 +169,7 @@ SourceFinder::Result SourceFinder::Find(std::string_view name, SourceKind kind) 
 std::optional<std::string> SourceFinder::FindElsewhere(std::string_view name, SourceKind kind) {
   // A folder that is not here, another computer's or one above the script's: the last folders of it may be.
   const auto folders = FoldersToSearch();
-  for (std::string_view rest = BehindFolder(name); !rest.empty(); rest = BehindFolder(rest)) {
+  for (std::string_view rest = BehindFolder(LastParts(name)); !rest.empty(); rest = BehindFolder(rest)) {
     for (const std::string& folder : folders) {
       if (auto found = FindIn(folder, rest, kind)) return found;
     }
