@@ -276,6 +276,13 @@ TEST_F(AuthoredScripts, BuildBonesMotionAndCollision) {
        head + "$animation base swing frames 2 2 rotate 0 90 0\n$animation a swing align base X YR ZR 0 1\n"
               "$sequence idle a\n",
        {"a/3/30/0"}},
+      {"what is not built swallows nothing that follows it",
+       head + "$bodygrouppreset x\n{\n\ta b\n}\n$clampworldspace $opaque\n$limitrotation arm 1 2 $fancy { a { b\n } }\n"
+              "$controller 0 arm X 0 1\n$animblocksize 32 nostall highres\n$worldalign root arm\n$fancier a {\n"
+              "$surfaceprop stone\n$collisionmodel crate { $collisionprecision .1 $weldposition 1 $mass 7 $drag 2\n"
+              "$remove2d\n$inertia 3 }\n$sequence idle swing match a fps 5 walkalign x 1 2 loop compress 2 {\n"
+              "alignboneto a b c\nderivative 2 fadein .5 { event 1 0 } worldspaceblend q activity ACT_X 2\n}\n",
+       {"flags: 5", "surface: stone", "mass: 7", "\"inertia\" \"3.0", "idle/ACT_X/1/1x1/e1", "/3/5/1"}},
       {"eyes, numbers and words of the head",
        head +
            "$sequence idle swing\n$eyeposition 0 0 70\n$illumposition 0 0 35 arm\n$cbox 0 0 0 0 0 0\n$maxeyedeflection "
