@@ -50,6 +50,16 @@ bool CompileContext::Spend(int64_t bytes, const qc::Place& at) {
   return false;
 }
 
+bool CompileContext::Stopped() {
+  if (!m_stopped && Options.Stop.stop_requested()) {
+    m_stopped = true;
+    ++m_errors;
+    m_troubles.push_back(
+        {.Level = core::Severity::Error, .Kind = core::TroubleKind::Refused, .Text = "the compile was stopped"});
+  }
+  return m_stopped;
+}
+
 std::vector<core::Trouble> CompileContext::TakeTroubles() {
   return std::exchange(m_troubles, {});
 }

@@ -30,6 +30,8 @@ class CompileContext {
   void Error(const qc::Place& at, std::string text, core::TroubleKind kind = core::TroubleKind::Refused);
   void Warning(const qc::Place& at, std::string text, core::TroubleKind kind = core::TroubleKind::Refused);
   size_t ErrorCount() const { return m_errors; }
+  /// Whether the compile is to end; told once.
+  bool Stopped();
 
   /// Pays for memory or work of about `bytes`. False, told once at `at`, when the compile may not take more.
   bool Spend(int64_t bytes, const qc::Place& at);
@@ -46,6 +48,7 @@ class CompileContext {
   size_t m_errors = 0;
   int64_t m_spent = 0;
   bool m_overspent = false;
+  bool m_stopped = false;
 };
 
 }  // namespace tarnwick::compiler

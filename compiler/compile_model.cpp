@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <chrono>
 #include <cstring>
-#include <thread>
 
 #include "compiler/animation/build_motion.h"
 #include "compiler/animation/pose_math.h"
@@ -14,13 +13,13 @@
 #include "compiler/files/model_files.h"
 #include "compiler/files/model_parts.h"
 #include "compiler/mesh/build_meshes.h"
+#include "compiler/parallel.h"
 #include "compiler/physics/build_physics.h"
 #include "compiler/plan/plan_reader.h"
 #include "compiler/skeleton/build_bones.h"
 #include "compiler/skeleton/build_skeleton.h"
 #include "compiler/skeleton/center_model.h"
 #include "core/paths.h"
-#include "core/work_queue.h"
 #include "model/phy_writer.h"
 #include "smd/smd_reader.h"
 
@@ -71,15 +70,8 @@ class SourceLoader {
       files.emplace_back();
       files.back().Number = i;
     }
-    if (files.size() < 2 || m_context.Options.Read) {
-      for (ReadFile& file : files) Read(file);
-    } else {
-      const unsigned threads = std::clamp(std::thread::hardware_concurrency(), 1U, 8U);
-      core::WorkQueue queue(static_cast<int>(threads) - 1);
-      for (ReadFile& file : files) queue.Post([this, &file] { Read(file); });
-      queue.Close();
-      queue.RunUntilClosed();
-    }
+    ForEachInParallel(m_context.Options, files.size(), [&](size_t i) { Read(files[i]); });
+    if (m_context.Stopped()) return;
     for (ReadFile& file : files) Take(file);
   }
 
@@ -137,19 +129,21 @@ std::optional<model::RigidTransform> FirstRoot(const ModelParts& parts) {
 /// Runs the stages one after another. Each goes on as far as it can, so that all errors are told.
 bool RunStages(CompileContext& context, ModelParts& parts) {
   if (!BuildBones(context, parts.Bones)) return false;
-  if (!BuildMeshes(context, parts.Bones, parts.Meshes)) return false;
+  if (!BuildMeshes(context, parts.Bones, parts.Meshes) || context.Stopped()) return false;
   if (!BuildFace(context, parts.Bones, parts.Meshes, parts.Face)) return false;
   BuildSkeleton(context, parts.Bones, parts.Meshes, parts.Skeleton);
-  if (!BuildMotion(context, parts.Bones, parts.Motion)) return false;
-  for (BuiltAnimation& animation : parts.Motion.Animations) ChooseAngles(parts.Bones, animation);
+  if (!BuildMotion(context, parts.Bones, parts.Motion) || context.Stopped()) return false;
+  std::vector<BuiltAnimation>& animations = parts.Motion.Animations;
+  ForEachInParallel(context.Options, animations.size(), [&](size_t i) { ChooseAngles(parts.Bones, animations[i]); });
   std::optional<std::array<model::Vec3, 2>> collision;
   if (context.Plan.Collision) {
     parts.Physics.emplace();
     if (!BuildPhysics(context, parts.Bones, *parts.Physics, FirstRoot(parts))) parts.Physics.reset();
     if (parts.Physics) collision = parts.Physics->Box;
   }
-  parts.MiddleOfFirstBox = MeasureSequences(parts.Bones, parts.Meshes, parts.Skeleton, collision, parts.Motion);
-  return context.ErrorCount() == 0;
+  parts.MiddleOfFirstBox =
+      MeasureSequences(context, parts.Bones, parts.Meshes, parts.Skeleton, collision, parts.Motion);
+  return !context.Stopped() && context.ErrorCount() == 0;
 }
 
 /// A hash of the content: models of equal content share it.
@@ -167,7 +161,7 @@ void SetChecksum(std::string& file, size_t at, uint32_t checksum) {
 
 bool MakeFiles(CompileContext& context, const ModelParts& parts, CompiledFiles& files) {
   auto mdl = WriteMdl(context, parts);
-  if (!mdl) return false;
+  if (!mdl || context.Stopped()) return false;
   files.Mdl = std::move(*mdl);
   if (!parts.Meshes.BodyParts.empty()) {
     files.Vvd = WriteVvd(parts.Meshes);

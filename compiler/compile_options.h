@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -23,6 +24,10 @@ struct CompileOptions {
   qc::FileReader Read;
   /// Bytes that all tables of a compile may take, so that no script can ask for endless memory.
   int64_t MemoryLimit = int64_t{1} << 30;
+  /// Threads that a compile takes; 0: one a core, or a single one where `Read` is given. The files are the same.
+  int32_t Threads = 0;
+  /// Ends the compile soon, without files.
+  std::stop_token Stop;
 };
 
 /// What a compile made.

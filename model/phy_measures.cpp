@@ -252,7 +252,7 @@ double PhyPieceVolume(const PhySolid& solid, const PhyPiece& piece) {
   return volume;
 }
 
-PhyMeasures MeasurePhySolid(const PhySolid& solid) {
+PhyMeasures MeasurePhySolid(const PhySolid& solid, const PhyVector* massCentre) {
   PhyMeasures measures;
   const PhyVector middle = MiddleOf(solid);
   const double reach = RadiusFrom(solid, middle);
@@ -263,6 +263,7 @@ PhyMeasures MeasurePhySolid(const PhySolid& solid) {
     for (size_t k = 0; k < 3; ++k) measures.MassCentre[k] += centre[k];
     measures.CubicInches = volume / (MetresPerInch * MetresPerInch * MetresPerInch);
   }
+  if (massCentre != nullptr) measures.MassCentre = *massCentre;
   measures.Radius = RadiusFrom(solid, measures.MassCentre);
   if (isFlat) {
     measures.Inertia.fill(measures.Radius * measures.Radius / 2);

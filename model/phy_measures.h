@@ -22,7 +22,8 @@ struct PhyMeasures {
 /// Measures `solid`, whose pieces are convex and whose triangles name points that it has. Inertia round an axis is the
 /// root of the squares of the two other axes' second moments, as the format wants it. A solid without volume has its
 /// mass centre in the middle of its points and half the radius's square as inertia.
-PhyMeasures MeasurePhySolid(const PhySolid& solid);
+/// Where `massCentre` is given, in the file's units and axes, it is the mass centre.
+PhyMeasures MeasurePhySolid(const PhySolid& solid, const PhyVector* massCentre = nullptr);
 
 /// The same for one piece alone: its volume in cubic metres, negative if it is inside out.
 double PhyPieceVolume(const PhySolid& solid, const PhyPiece& piece);

@@ -249,9 +249,9 @@ class SolidWriter {
     m_solid.Points = std::move(numbers.Used);
   }
 
-  std::optional<std::string> Write(std::string& reason) {
+  std::optional<std::string> Write(std::string& reason, const PhyVector* massCentre) {
     if (!Check(reason)) return std::nullopt;
-    const PhyMeasures measures = MeasurePhySolid(m_solid);
+    const PhyMeasures measures = MeasurePhySolid(m_solid, massCentre);
     std::string bytes;
     AppendHeads(bytes, measures);
     for (size_t i = 0; i < m_solid.Pieces.size(); ++i) AppendPiece(bytes, i);
@@ -389,9 +389,9 @@ class SolidWriter {
 }  // namespace
 
 std::optional<std::string> WritePhySolid(const PhySolid& solid, const std::vector<PhyCorners>& hull,
-                                         std::string* reason) {
+                                         std::string* reason, const PhyVector* massCentre) {
   std::string why;
-  auto bytes = SolidWriter(solid, hull).Write(why);
+  auto bytes = SolidWriter(solid, hull).Write(why, massCentre);
   if (!bytes && reason != nullptr) *reason = std::move(why);
   return bytes;
 }

@@ -98,7 +98,7 @@ const OptionTable& LodOptions() {
       {"facial", Facial},
       {"replacebone", ReplaceBone, "ww"},
       {"bonetreecollapse", BoneTreeCollapse, "w"},
-      {"use_shadowlod_materials", UseShadowLodMaterials},
+      {"use_shadowlod_materials", UseShadowLodMaterials, "", nullptr, Block::None, Support::NotBuilt},
   };
   static const OptionTable table(Rows);
   return table;
@@ -126,9 +126,9 @@ const OptionTable& CollisionOptions() {
       {"$jointskip", JointSkip, "w"},
       {"$jointmerge", JointMerge, "ww"},
       {"$jointconstrain", JointConstrain, "www?nnn"},
-      {"$jointinertia", JointInertia, "wm"},
-      {"$jointdamping", JointDamping, "wm"},
-      {"$jointrotdamping", JointRotDamping, "wm"},
+      {"$jointinertia", JointInertia, "w?m"},
+      {"$jointdamping", JointDamping, "w?m"},
+      {"$jointrotdamping", JointRotDamping, "w?m"},
       {"$jointmassbias", JointMassBias, "wm"},
       {"$noselfcollisions", NoSelfCollisions},
       {"$jointcollide", JointCollide, "ww"},

@@ -120,8 +120,8 @@ bool ScriptReader::ReadArguments(std::string_view letters, const Word& of, const
       const std::string_view needed = letters.substr(0, letters.find('?'));
       const size_t count = needed.size() - static_cast<size_t>(std::count(needed.begin(), needed.end(), '*'));
       m_told.Error(TroubleKind::Refused, of.At,
-                   std::string(of.Text) + " needs " + Count(count) + ", " + std::to_string(out.size()) +
-                       (out.size() == 1 ? " is given" : " are given"));
+                   std::string(of.Text) + " needs " + Count(std::max(count, out.size() + 1)) + ", " +
+                       std::to_string(out.size()) + (out.size() == 1 ? " is given" : " are given"));
       return false;
     }
   }
@@ -153,6 +153,7 @@ bool ScriptReader::ReadOption(const Context& context, std::vector<Option>& out) 
     whole = ReadController(inner, option);
   } else {
     whole = ReadArguments(row->Arguments, word, inner, option.Arguments);
+    whole = whole && CheckJointValue(*row, option);
     ReadSubOptions(*row, context, option);
     // Names stand behind the word or in a block; a block behind names is another option's, such as an event.
     const bool hasBlock = row->Braces != Block::None && (row->Braces != Block::Names || option.Arguments.empty());
@@ -172,6 +173,18 @@ bool ScriptReader::ReadOption(const Context& context, std::vector<Option>& out) 
   }
   if (whole) out.push_back(std::move(option));
   return true;
+}
+
+/// A value of a joint stands behind its bone, or alone, for all of them. False, and told, if there is none.
+bool ScriptReader::CheckJointValue(const OptionRow& row, Option& option) {
+  const bool isJoint = row.Options == nullptr && row.Arguments == "w?m";
+  if (!isJoint || option.Arguments.size() != 1) return true;
+  if (LooksLikeNumber(option.Arguments[0].Text)) {
+    SetNumber('m', option.Arguments[0]);
+    return true;
+  }
+  m_told.Error(TroubleKind::Refused, option.At, std::string(row.Name) + " needs a number behind its bone");
+  return false;
 }
 
 /// Options of an option: on its line, and in a block on later lines too while the block's own table has no such word.
@@ -210,10 +223,26 @@ void ScriptReader::ReadOptionBlock(const Place& open, Context context, std::vect
         m_told.Error(TroubleKind::Damaged, at, "this { opens no block of " + std::string(context.Name));
         SkipBlock();
       }
-    } else if (!ReadOption(context, out)) {
+    } else if (!ReadOption(context, out) && !(context.Options == &BodyGroupOptions() && ReadChoice(context, out))) {
       takesFreeWords ? ReadFreeWord(context, out) : UnknownOption(context);
     }
   }
+}
+
+/// A mesh of a group without the word ahead of it. False if the next word is no mesh that is there.
+bool ScriptReader::ReadChoice(const Context& context, std::vector<Option>& out) {
+  Argument mesh = AsArgument(*m_words.Peek());
+  if (m_finder == nullptr || !FindSource(SourceKind::Mesh, mesh, false)) return false;
+  const Word word = m_words.Take();
+  const OptionRow& row = *context.Options->Find("studio");
+  Option option;
+  option.Kind = row.Kind;
+  option.At = word.At;
+  option.Name = word.Text;
+  option.Arguments.push_back(mesh);
+  ReadSubOptions(row, context, option);
+  out.push_back(std::move(option));
+  return true;
 }
 
 /// Tells that a word is no option here and passes over what may belong to it.

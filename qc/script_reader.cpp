@@ -82,10 +82,21 @@ void ScriptReader::TellState(Support state, std::string_view name, const Place& 
 
 void ScriptReader::ReadStatement(const Word& word, const StatementRow& row) {
   Statement statement{row.Kind, word.At, word.Text, {}, {}, {}, -1};
-  const Context context{row.Name, row.Options, nullptr, false, false};
+  Context context{row.Name, row.Options, nullptr, false, false};
   TellState(row.State, row.Name, word.At);
-  const bool whole = ReadArguments(row.Arguments, word, context, statement.Arguments);
-  ReadRest(row, statement, context);
+  bool whole = ReadArguments(row.Arguments, word, context, statement.Arguments);
+  const StatementRow* as = &row;
+  if (whole && (row.Kind == Command::Body || row.Kind == Command::Model) && statement.Arguments.size() == 1) {
+    const Word* next = m_words.Peek();
+    if (next != nullptr && next->Is('{')) {  // choices in braces: a group by another name
+      as = FindStatement("$bodygroup");
+      statement.Kind = as->Kind;
+      context.Options = as->Options;
+    } else {
+      whole = ReadArguments("f", word, context, statement.Arguments);
+    }
+  }
+  ReadRest(*as, statement, context);
   if (!whole) TellNoMesh(statement);
   if (!whole || !Check(statement)) return;
   ActOnFolders(statement);

@@ -55,6 +55,8 @@ class ScriptReader {
   bool ReadOption(const Context& context, std::vector<Option>& out);
   void ReadOptionBlock(const Place& open, Context context, std::vector<Option>& out);
   void ReadSubOptions(const OptionRow& row, const Context& context, Option& option);
+  bool CheckJointValue(const OptionRow& row, Option& option);
+  bool ReadChoice(const Context& context, std::vector<Option>& out);
   bool ReadEvent(const Context& context, Option& option);
   bool ReadController(const Context& context, Option& option);
   void ReadRule(std::vector<Option>& out);

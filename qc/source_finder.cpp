@@ -27,6 +27,27 @@ std::span<const std::string_view> EndingsOf(SourceKind kind) {
   }
 }
 
+/// A path without its first folder; empty where it has none.
+std::string_view BehindFolder(std::string_view path) {
+  const size_t slash = path.find_first_of("/\\");
+  if (slash == std::string_view::npos) return {};
+  const size_t next = path.find_first_not_of("/\\", slash);
+  return next == std::string_view::npos ? std::string_view() : path.substr(next);
+}
+
+/// The end of a path, with no more folders than are looked for one by one.
+std::string_view LastParts(std::string_view path) {
+  constexpr int MostParts = 8;
+  size_t at = path.size();
+  for (int i = 0; i < MostParts && at != std::string_view::npos && at > 0; ++i) at = path.find_last_of("/\\", at - 1);
+  return at == std::string_view::npos ? path : path.substr(at);
+}
+
+/// So many folders below the script's are looked through for a file that is nowhere else.
+constexpr size_t MostFoldersBelow = 500;
+constexpr int DeepestFolder = 4;
+constexpr int MostLooksBelow = 200;
+
 std::string_view EndingOf(std::string_view name) {
   const std::string_view last = core::LastComponent(name);
   const size_t dot = last.rfind('.');
@@ -45,6 +66,11 @@ SourceFinder::SourceFinder(FolderLook& look, std::string scriptFolder)
 
 std::optional<std::string> SourceFinder::FolderAt(std::string_view base, std::string_view folder) {
   auto found = m_look.FindFolder(Below(base, folder.empty() ? "." : folder));
+  // Of another computer's folder the last ones may be here.
+  for (std::string_view rest = LastParts(folder);
+       !found && IsAbsolute(folder) && !(rest = BehindFolder(rest)).empty();) {
+    if (rest.find_first_not_of("/\\.") != std::string_view::npos) found = m_look.FindFolder(Below(base, rest));
+  }
   if (found && !found->ends_with('/')) *found += '/';
   return found;
 }
@@ -120,14 +146,6 @@ SourceFinder::Result SourceFinder::Find(std::string_view name, SourceKind kind) 
     if ((result.Path = FindIn(folder, name, kind))) return result;
     if (IsAbsolute(name)) break;
   }
-  if (last.size() < name.size()) {  // a folder that is not here: another computer's, or one above the script's
-    for (const std::string& folder : folders) {
-      if ((result.Path = FindIn(folder, last, kind))) {
-        result.FoundElsewhere = true;
-        return result;
-      }
-    }
-  }
   NearName near(last);
   NearName nearStem(last.substr(0, last.size() - EndingOf(last).size()));
   const std::string_view folderPart = core::DirectoryWithSeparator(name);
@@ -146,6 +164,37 @@ SourceFinder::Result SourceFinder::Find(std::string_view name, SourceKind kind) 
   }
   result.Nearest = near.Best().empty() ? nearStem.Best() : near.Best();
   return result;
+}
+
+std::optional<std::string> SourceFinder::FindElsewhere(std::string_view name, SourceKind kind) {
+  // A folder that is not here, another computer's or one above the script's: the last folders of it may be.
+  const auto folders = FoldersToSearch();
+  for (std::string_view rest = BehindFolder(LastParts(name)); !rest.empty(); rest = BehindFolder(rest)) {
+    for (const std::string& folder : folders) {
+      if (auto found = FindIn(folder, rest, kind)) return found;
+    }
+  }
+  const std::string_view last = core::LastComponent(name);
+  return last.empty() || m_looksBelow++ >= MostLooksBelow ? std::nullopt : FindBelow(last, kind);
+}
+
+/// The file of that name in a folder below the script's: the nearest, of equally near ones the first by name.
+std::optional<std::string> SourceFinder::FindBelow(std::string_view last, SourceKind kind) {
+  if (m_below.empty()) {
+    m_below.push_back({m_scriptFolder, 0});
+    for (size_t i = 0; i < m_below.size() && m_below.size() < MostFoldersBelow; ++i) {
+      const auto [folder, depth] = m_below[i];
+      if (depth == DeepestFolder) continue;
+      for (const std::string& entry : m_look.Names(folder)) {
+        if (entry.find('.') != std::string::npos || m_below.size() >= MostFoldersBelow) continue;
+        if (const auto found = FolderAt(folder, entry)) m_below.push_back({*found, depth + 1});
+      }
+    }
+  }
+  for (size_t i = 1; i < m_below.size(); ++i) {
+    if (auto found = FindIn(m_below[i].first, last, kind)) return found;
+  }
+  return std::nullopt;
 }
 
 std::string SourceFinder::ShownFolder() const {

@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "qc/folder_look.h"
@@ -36,10 +37,12 @@ class SourceFinder {
 
   struct Result {
     std::optional<std::string> Path;
-    bool FoundElsewhere = false;  // an absolute name that is not there, and a file of its last name that is
-    std::string Nearest;          // where nothing was found: a file there with a name like it, or ""
+    std::string Nearest;  // where nothing was found: a file there with a name like it, or ""
   };
   Result Find(std::string_view name, SourceKind kind);
+  /// The file that a name means which leads to none: where its last folders lead, or of its last name in a folder below
+  /// the script's.
+  std::optional<std::string> FindElsewhere(std::string_view name, SourceKind kind);
 
   /// The current folder as messages show it.
   std::string ShownFolder() const;
@@ -48,6 +51,7 @@ class SourceFinder {
 
  private:
   std::optional<std::string> FindIn(const std::string& folder, std::string_view name, SourceKind kind);
+  std::optional<std::string> FindBelow(std::string_view last, SourceKind kind);
   std::vector<std::string> FoldersToSearch() const;
   std::optional<std::string> FolderAt(std::string_view base, std::string_view folder);
 
@@ -55,6 +59,8 @@ class SourceFinder {
   std::string m_scriptFolder;
   std::vector<std::string> m_stack;  // with a separator at each end; the last is the current one
   std::vector<std::string> m_more;
+  int m_looksBelow = 0;
+  std::vector<std::pair<std::string, int>> m_below;  // folders from the script's down, with their depth, once asked for
 };
 
 }  // namespace tarnwick::qc

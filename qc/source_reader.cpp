@@ -13,6 +13,7 @@ using core::TroubleKind;
 bool ScriptReader::FindSource(SourceKind kind, Argument& argument, bool tell) {
   SourceFinder::Result found;
   std::string key;
+  bool isElsewhere = false;
   if (m_finder != nullptr) {
     found = m_finder->Find(argument.Text, kind);
     std::string named = core::LowerAscii(Below("", argument.Text));
@@ -22,6 +23,9 @@ bool ScriptReader::FindSource(SourceKind kind, Argument& argument, bool tell) {
       m_namedBefore.try_emplace(std::move(named), *found.Path);
     } else if (const auto before = m_namedBefore.find(named); before != m_namedBefore.end()) {
       found.Path = before->second;  // one name is one source, though another folder is the current one by now
+    } else if (auto elsewhere = m_finder->FindElsewhere(argument.Text, kind)) {
+      found.Path = std::move(elsewhere);
+      isElsewhere = true;
     }
     if (!found.Path && !tell) return false;
     key = found.Path ? *found.Path : '?' + m_finder->KeyOf(argument.Text);
@@ -35,7 +39,7 @@ bool ScriptReader::FindSource(SourceKind kind, Argument& argument, bool tell) {
   if (!isNew) return m_finder == nullptr || found.Path.has_value();
   m_script.Sources.push_back({found.Path.value_or(""), argument.Text, kind, argument.At});
   if (m_finder == nullptr) return true;
-  if (found.FoundElsewhere) {
+  if (isElsewhere) {
     m_told.Warning(TroubleKind::Missing, argument.At,
                    Shown(argument.Text) + " is not there; " + *found.Path + " is taken in its place");
   }

@@ -4,12 +4,35 @@
 #include <cstring>
 #include <limits>
 
+#include "core/paths.h"
+
 namespace tarnwick::qc {
 
 namespace {
 
 bool IsBlank(char c) {
   return static_cast<unsigned char>(c) <= ' ';
+}
+
+/// A letter of a file's name, as far as it takes no quotes.
+bool IsNameLetter(char c) {
+  return (c >= '0' && c <= '9') || ((c | 0x20) >= 'a' && (c | 0x20) <= 'z') || c == '_' || c == '-' || c == '.' ||
+         static_cast<unsigned char>(c) >= 0x80;
+}
+
+/// Whether what follows the word on its line are names of folders, or a path that is no file of the disk.
+bool NamesFolders(std::string_view word) {
+  constexpr std::string_view Statements[] = {"$cdmaterials", "$modelname",    "$cd",
+                                             "$pushd",       "$addsearchdir", "$includemodel"};
+  return std::any_of(std::begin(Statements), std::end(Statements),
+                     [&](std::string_view s) { return core::EqualIgnoringCase(s, word); });
+}
+
+bool EndsAsAFile(std::string_view path) {
+  constexpr std::string_view Endings[] = {".smd", ".vta", ".vrd", ".qci", ".dmx", ".mdl", ".qc", ".sma"};
+  return std::any_of(std::begin(Endings), std::end(Endings), [&](std::string_view ending) {
+    return path.size() > ending.size() && core::EqualIgnoringCase(path.substr(path.size() - ending.size()), ending);
+  });
 }
 
 }  // namespace
@@ -27,9 +50,19 @@ Place WordScanner::Here() const {
 bool WordScanner::BeginsComment(size_t at, bool startOfWord) const {
   const char c = m_text[at];
   if (c == '/') {
-    return At(at + 1) == '/' || (At(at + 1) == '*' && m_dialect == Dialect::Script);
+    if (At(at + 1) == '/') return startOfWord || !IsDoubledSeparator(at);
+    return At(at + 1) == '*' && m_dialect == Dialect::Script;
   }
   return m_dialect == Dialect::Script && (c == ';' || (c == '#' && startOfWord));
+}
+
+/// Whether the two slashes at `at`, within the word that begins at m_at, part the folders of a path.
+bool WordScanner::IsDoubledSeparator(size_t at) const {
+  if (m_dialect != Dialect::Script || !IsNameLetter(m_text[at - 1]) || !IsNameLetter(At(at + 2))) return false;
+  if (EndsAsAFile(m_text.substr(m_at, at - m_at))) return false;  // a comment behind a file's name
+  size_t end = at + 2;
+  while (end < m_text.size() && (IsNameLetter(m_text[end]) || m_text[end] == '/' || m_text[end] == '\\')) ++end;
+  return m_namesFolders || EndsAsAFile(m_text.substr(m_at, end - m_at));
 }
 
 void WordScanner::SkipBlockComment() {
@@ -75,6 +108,10 @@ size_t WordScanner::EndOfBareWord() const {
     const char c = m_text[at];
     if (IsBlank(c) || c == '"') break;
     if (m_dialect == Dialect::Script && (c == '{' || c == '}')) break;
+    if (c == '/' && At(at + 1) == '/' && !BeginsComment(at, false)) {
+      ++at;
+      continue;
+    }
     if ((c == '/' || c == ';') && BeginsComment(at, false)) break;
   }
   return at;
@@ -92,12 +129,14 @@ bool WordScanner::Next(Word& word) {
     const size_t end = std::min(m_text.size(), m_text.find_first_of("\"\r\n", start));
     m_openQuote = At(end) != '"';
     word.Text = m_text.substr(start, end - start);
+    if (word.FirstOfLine) m_namesFolders = NamesFolders(word.Text);
     m_at = m_openQuote ? end : end + 1;
     return true;
   }
   const bool brace = m_dialect == Dialect::Script && (m_text[m_at] == '{' || m_text[m_at] == '}');
   const size_t end = brace ? m_at + 1 : EndOfBareWord();
   word.Text = m_text.substr(m_at, end - m_at);
+  if (word.FirstOfLine) m_namesFolders = word.Text.starts_with('$') && NamesFolders(word.Text);
   m_at = end;
   return true;
 }

@@ -29,7 +29,9 @@ struct Word {
 /// without one it ends with its line. There are no escapes.
 ///
 /// A script has comments `//`, `;` and `/* */` anywhere outside of quotes, `#` at the start of a word; braces outside
-/// of quotes are words of their own, glued or not. A VRD text has comments `//` alone and no braces.
+/// of quotes are words of their own, glued or not. `//` within a bare path is a doubled separator: between letters of a
+/// word that ends as files do (`props//crate.smd`), or on a line that names folders (`$cdmaterials models//props`). A
+/// VRD text has comments `//` alone and no braces.
 class WordScanner {
  public:
   enum class Dialect { Script, Vrd };
@@ -47,6 +49,7 @@ class WordScanner {
   bool SkipBlanks();
   void SkipBlockComment();
   bool BeginsComment(size_t at, bool startOfWord) const;
+  bool IsDoubledSeparator(size_t at) const;
   size_t EndOfBareWord() const;
   Place Here() const;
   char At(size_t at) const { return at < m_text.size() ? m_text[at] : '\0'; }
@@ -59,6 +62,7 @@ class WordScanner {
   Dialect m_dialect;
   bool m_firstOfLine = true;
   bool m_openQuote = false;
+  bool m_namesFolders = false;  // whether the line began with a statement of folders
   Place m_openComment;
 };
 

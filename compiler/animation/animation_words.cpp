@@ -120,17 +120,22 @@ class Worker {
     const BonePose& to = other.Pose(std::clamp(theirs, 0, other.FrameCount - 1), 0, m_bones);
     const BonePose from = m_animation.Pose(std::clamp(mine, 0, m_animation.FrameCount - 1), 0, m_bones);
     std::array<float, 3> move = {0, 0, 0};
+    std::array<float, 3> angles = from.Angles;
     for (const std::string_view axis : axes) {
       for (size_t i = 0; i < 3; ++i) {
         const std::string name(1, static_cast<char>('x' + i));
         if (core::EqualIgnoringCase(axis, name)) move[i] = to.Position[i] - from.Position[i];
-        if (!core::EqualIgnoringCase(axis, name + "r")) continue;
-        if (i != 2) {
-          m_context.Warning(m_word.At, "an alignment about X or Y is not built", core::TroubleKind::Lost);
-        } else {
-          TurnRoots({0, 0, to.Angles[2] - from.Angles[2]});
-        }
+        if (core::EqualIgnoringCase(axis, name + "r")) angles[i] = to.Angles[i];
       }
+    }
+    if (angles[0] == from.Angles[0] && angles[1] == from.Angles[1]) {
+      if (angles[2] != from.Angles[2]) TurnRoots({0, 0, angles[2] - from.Angles[2]});
+    } else {
+      const auto turnOf = [](const std::array<float, 3>& a) {
+        return RigidTransform::Of(model::EulerAngles{a[0], a[1], a[2]}, model::Vec3{0, 0, 0});
+      };
+      const RigidTransform turn = turnOf(angles) * turnOf(from.Angles).Inverse();
+      ForRoots([&](BonePose& pose) { pose = PoseOf(turn * TransformOf(pose)); });
     }
     MoveRoots(move);
   }

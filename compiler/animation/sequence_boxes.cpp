@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "compiler/animation/pose_math.h"
+#include "compiler/parallel.h"
 
 namespace tarnwick::compiler {
 
@@ -68,8 +69,8 @@ FloatTransform FloatOf(const RigidTransform& t) {
 
 class BoxMeasurer {
  public:
-  BoxMeasurer(const ModelBones& bones, const BuiltMeshes& meshes, const BuiltSkeleton& skeleton)
-      : m_bones(bones), m_skeleton(skeleton) {
+  BoxMeasurer(const ModelBones& bones, const BuiltMeshes& meshes, const BuiltSkeleton& skeleton, bool verticesOnly)
+      : m_bones(bones), m_skeleton(skeleton), m_verticesOnly(verticesOnly) {
     for (const ModelBone& bone : bones.Bones) m_toBone.push_back(bone.ToModel.Inverse());
     m_points.reserve(meshes.Vertices.size());
     for (const model::VvdVertex& vertex : meshes.Vertices) {
@@ -91,7 +92,7 @@ class BoxMeasurer {
     Box box;
     if (m_bones.Static) {
       for (const Point& point : m_points) box.Take(point.Place);
-      box.Take(Vec3{0, 0, 0});
+      if (!m_verticesOnly) box.Take(Vec3{0, 0, 0});
       std::vector<RigidTransform> world(1);
       TakeHitboxes(world, box);
       return box;
@@ -107,7 +108,7 @@ class BoxMeasurer {
         if (animation.Delta) local = RigidTransform::Of(bone.Angles, bone.Position) * local;
         world[i] = bone.Parent < 0 ? local : world[static_cast<size_t>(bone.Parent)] * local;
         skin[i] = FloatOf(world[i] * m_toBone[i]);
-        box.Take(MoveOf(world[i]));
+        if (!m_verticesOnly) box.Take(MoveOf(world[i]));
       }
       TakePoints(skin, box);
       TakeHitboxes(world, box);
@@ -137,6 +138,7 @@ class BoxMeasurer {
     }
   }
   void TakeHitboxes(const std::vector<RigidTransform>& world, Box& box) const {
+    if (m_verticesOnly) return;
     for (const BuiltHitboxSet& set : m_skeleton.HitboxSets) {
       for (const BuiltHitbox& hitbox : set.Boxes) {
         for (int corner = 0; corner < 8; ++corner) {
@@ -151,18 +153,20 @@ class BoxMeasurer {
 
   const ModelBones& m_bones;
   const BuiltSkeleton& m_skeleton;
+  bool m_verticesOnly;
   std::vector<RigidTransform> m_toBone;
   std::vector<Point> m_points;
 };
 
 }  // namespace
 
-Vec3 MeasureSequences(const ModelBones& bones, const BuiltMeshes& meshes, const BuiltSkeleton& skeleton,
-                      const std::optional<std::array<Vec3, 2>>& collision, BuiltMotion& motion) {
-  const BoxMeasurer measurer(bones, meshes, skeleton);
-  std::vector<Box> boxes;
-  boxes.reserve(motion.Animations.size());
-  for (const BuiltAnimation& animation : motion.Animations) boxes.push_back(measurer.Measure(animation));
+Vec3 MeasureSequences(const CompileContext& context, const ModelBones& bones, const BuiltMeshes& meshes,
+                      const BuiltSkeleton& skeleton, const std::optional<std::array<Vec3, 2>>& collision,
+                      BuiltMotion& motion) {
+  const BoxMeasurer measurer(bones, meshes, skeleton, context.Plan.BoxOnlyVertices);
+  std::vector<Box> boxes(motion.Animations.size());
+  ForEachInParallel(context.Options, boxes.size(),
+                    [&](size_t i) { boxes[i] = measurer.Measure(motion.Animations[i]); });
   Vec3 middle = {0, 0, 0};
   bool first = true;
   for (BuiltSequence& sequence : motion.Sequences) {

@@ -1,5 +1,7 @@
 // The frames of a source as poses of the model's bones.
 
+#include <algorithm>
+#include <cmath>
 #include <numbers>
 #include <optional>
 
@@ -33,8 +35,9 @@ struct Track {
 
 class FrameTaker {
  public:
-  FrameTaker(const ModelBones& bones, const smd::SmdSource& source, const SourceUse& use)
-      : m_bones(bones), m_source(source), m_use(use), m_placement(PlacementOf(use)) {
+  FrameTaker(const ModelBones& bones, const smd::SmdSource& source, const SourceUse& use, bool lockLengths)
+      : m_bones(bones), m_source(source), m_use(use), m_lockLengths(lockLengths), m_placement(PlacementOf(use)) {
+    m_realigned = std::ranges::any_of(bones.Bones, [](const ModelBone& bone) { return bone.Realigned.has_value(); });
     FindTracks();
   }
 
@@ -59,7 +62,9 @@ class FrameTaker {
         const model::EulerAngles angles = EulerOf(local);
         poses[i] = {{place.x, place.y, place.z}, {angles.x, angles.y, angles.z}};
       }
+      if (m_realigned) Realign(i, poses[i]);
       for (float& axis : poses[i].Position) axis *= m_use.Scale;
+      if (m_lockLengths && bone.Parent >= 0) LockLength(bone, poses[i]);
       if (bone.Parent < 0) TurnRoot(poses[i]);
     }
   }
@@ -105,6 +110,27 @@ class FrameTaker {
       }
     }
   }
+  /// A bone as sources have it turned into the one that its definition and its parent's have made of it.
+  void Realign(size_t number, BonePose& pose) const {
+    const ModelBone& bone = m_bones.Bones[number];
+    const ModelBone* parent = bone.Parent < 0 ? nullptr : &m_bones.Bones[static_cast<size_t>(bone.Parent)];
+    const bool parentIs = parent != nullptr && parent->Realigned;
+    if (!parentIs && !bone.Realigned) return;
+    RigidTransform local = TransformOf(pose);
+    if (parentIs) local = parent->Realigned->Inverse() * local;
+    if (bone.Realigned) local = local * *bone.Realigned;
+    pose = PoseOf(local);
+  }
+  /// As far from the parent as at rest, whatever the source has.
+  static void LockLength(const ModelBone& bone, BonePose& pose) {
+    const auto lengthOf = [](float x, float y, float z) {
+      return std::sqrt(double{x} * double{x} + double{y} * double{y} + double{z} * double{z});
+    };
+    const double is = lengthOf(pose.Position[0], pose.Position[1], pose.Position[2]);
+    const double rest = lengthOf(bone.Position.x, bone.Position.y, bone.Position.z);
+    if (!(is > 0)) return;
+    for (float& axis : pose.Position) axis = static_cast<float>(double{axis} * (rest / is));
+  }
   /// Sources look north where models look east.
   void TurnRoot(BonePose& pose) const {
     if (m_placement) pose = PoseOf(*m_placement * TransformOf(pose));
@@ -117,6 +143,8 @@ class FrameTaker {
   const ModelBones& m_bones;
   const smd::SmdSource& m_source;
   const SourceUse& m_use;
+  bool m_lockLengths;
+  bool m_realigned = false;
   std::optional<RigidTransform> m_placement;
   std::vector<Track> m_tracks;
   std::vector<RigidTransform> m_world;
@@ -141,7 +169,7 @@ bool TakeFrames(CompileContext& context, const ModelBones& bones, const SourceUs
   if (!context.Spend(size, use.At)) return false;
   animation.FrameCount = source->FrameCount;
   animation.Poses.resize(bones.Bones.size() * static_cast<size_t>(source->FrameCount));
-  FrameTaker taker(bones, *source, use);
+  FrameTaker taker(bones, *source, use, context.Plan.LockBoneLengths);
   for (int32_t frame = 0; frame < source->FrameCount; ++frame) {
     taker.Take(frame, &animation.Pose(frame, 0, bones.Bones.size()));
   }

@@ -1,6 +1,9 @@
 #include "compiler/files/animation_tables.h"
 
 #include <algorithm>
+#include <iterator>
+
+#include "compiler/parallel.h"
 
 namespace tarnwick::compiler {
 
@@ -14,14 +17,15 @@ constexpr int32_t UsualSection = 30;
 
 }  // namespace
 
-AnimationTables::AnimationTables(CompileContext& context, const ModelParts& parts, ByteWriter& writer, TextPool& texts,
+AnimationTables::AnimationTables(CompileContext& context, const ModelParts& parts,
+                                 const std::vector<BoneScales>& scales, ByteWriter& writer, TextPool& texts,
                                  model::StudioHeader& header)
     : m_context(context),
       m_parts(parts),
       m_writer(writer),
       m_texts(texts),
       m_header(header),
-      m_scales(MeasureScales(parts.Bones, parts.Motion.Animations)),
+      m_scales(scales),
       m_new(context.Options.Version > OldVersion) {}
 
 bool AnimationTables::Write() {
@@ -31,22 +35,71 @@ bool AnimationTables::Write() {
   return true;
 }
 
+int32_t AnimationTables::SectionLength(const StudioAnimDesc& record) const {
+  const int32_t length = m_context.Plan.SectionFrames;
+  const bool cut =
+      m_new && length > 0 && record.FrameCount >= m_context.Plan.LeastSectionedFrames && record.FrameCount > length;
+  return cut ? length : 0;
+}
+
+/// Section k covers its first frame to that of the next, both included; the last entry the last frame alone.
+std::vector<AnimationTables::Stretch> AnimationTables::SectionsOf(size_t animation, int32_t frames, int32_t length) {
+  const auto count = static_cast<size_t>(frames / length) + 2;
+  std::vector<Stretch> sections;
+  sections.reserve(count);
+  for (size_t i = 0; i < count; ++i) {
+    const auto start = static_cast<int32_t>(std::min<int64_t>(static_cast<int64_t>(i) * length, frames - 1));
+    const bool last = i + 1 == count;
+    const int32_t first = last ? frames - 1 : start;
+    sections.push_back({animation, first, last ? 1 : std::min(length + 1, frames - first), std::nullopt});
+  }
+  return sections;
+}
+
+void AnimationTables::Encode(std::vector<Stretch>& stretches) const {
+  const auto& animations = m_parts.Motion.Animations;
+  ForEachInParallel(m_context.Options, stretches.size(), [&](size_t i) {
+    Stretch& stretch = stretches[i];
+    stretch.Chain =
+        EncodeChain(m_parts.Bones, m_scales, animations[stretch.Animation], stretch.First, stretch.Count, m_new);
+  });
+}
+
 bool AnimationTables::WriteAnimations() {
   const auto& animations = m_parts.Motion.Animations;
   m_header.AnimCount = static_cast<int32_t>(animations.size());
   m_header.AnimOffset = static_cast<int32_t>(m_writer.Reserve<StudioAnimDesc>(animations.size()));
   const auto placeOf = [&](size_t i) { return m_header.AnimOffset + static_cast<int64_t>(i * sizeof(StudioAnimDesc)); };
   std::vector<StudioAnimDesc> records(animations.size());
+  std::vector<Stretch> stretches;
+  std::vector<size_t> firsts;
+  for (size_t i = 0; i < animations.size(); ++i) {
+    records[i] = {};
+    const int32_t frames = m_parts.Bones.Static ? 1 : animations[i].FrameCount;
+    records[i].FrameCount = frames;
+    records[i].SectionFrames = SectionLength(records[i]);
+    firsts.push_back(stretches.size());
+    if (records[i].SectionFrames > 0) {
+      const int64_t sections = int64_t{frames / records[i].SectionFrames} + 2;
+      if (!m_context.Spend(2 * sections * int64_t{sizeof(Stretch)}, animations[i].At)) return false;
+      for (Stretch& section : SectionsOf(i, frames, records[i].SectionFrames)) stretches.push_back(std::move(section));
+    } else {
+      stretches.push_back({i, 0, frames, std::nullopt});
+    }
+  }
+  firsts.push_back(stretches.size());
+  Encode(stretches);
+  if (m_context.Stopped()) return false;
   for (size_t i = 0; i < animations.size(); ++i) {
     const BuiltAnimation& animation = animations[i];
     StudioAnimDesc& record = records[i];
-    record = {};
     record.HeaderOffset = static_cast<int32_t>(-placeOf(i));
     record.Fps = animation.Fps;
     record.Flags = (animation.Loops ? model::AnimFlagLooping : 0) | (animation.Delta ? model::AnimFlagDelta : 0);
-    record.FrameCount = m_parts.Bones.Static ? 1 : animation.FrameCount;
     m_texts.Name(placeOf(i) + 4, placeOf(i), animation.Name);
-    if (!WriteData(animation, placeOf(i), record)) return false;
+    std::vector<Stretch> own(std::make_move_iterator(stretches.begin() + static_cast<ptrdiff_t>(firsts[i])),
+                             std::make_move_iterator(stretches.begin() + static_cast<ptrdiff_t>(firsts[i + 1])));
+    if (!WriteData(i, own, placeOf(i), record)) return false;
     WriteIkRules(animation, placeOf(i), record);
   }
   for (size_t i = 0; i < animations.size(); ++i) {
@@ -60,41 +113,35 @@ bool AnimationTables::WriteAnimations() {
   return true;
 }
 
-bool AnimationTables::WriteData(const BuiltAnimation& animation, int64_t at, StudioAnimDesc& record) {
-  const int32_t length = m_context.Plan.SectionFrames;
-  const bool cut =
-      m_new && length > 0 && record.FrameCount >= m_context.Plan.LeastSectionedFrames && record.FrameCount > length;
-  record.SectionFrames = cut ? length : 0;
-  if (!cut) {
-    const auto chain = EncodeChain(m_parts.Bones, m_scales, animation, 0, record.FrameCount, m_new);
-    if (chain) {
-      m_writer.Align(m_new ? 16 : 4);
-      record.DataOffset = static_cast<int32_t>(m_writer.AppendBytes(*chain) - at);
-      m_writer.Align(4);
-      return true;
-    }
-    if (!m_new) {
-      m_context.Error(animation.At, "the animation is too long for models of this version", core::TroubleKind::Limit);
-      return false;
-    }
-    record.SectionFrames = UsualSection;
+bool AnimationTables::WriteData(size_t number, std::vector<Stretch>& stretches, int64_t at, StudioAnimDesc& record) {
+  if (record.SectionFrames > 0) return WriteSections(number, stretches, at, record);
+  if (const auto& chain = stretches.front().Chain) {
+    m_writer.Align(m_new ? 16 : 4);
+    record.DataOffset = static_cast<int32_t>(m_writer.AppendBytes(*chain) - at);
+    m_writer.Align(4);
+    return true;
   }
-  return WriteSections(animation, at, record);
+  if (!m_new) {
+    m_context.Error(m_parts.Motion.Animations[number].At, "the animation is too long for models of this version",
+                    core::TroubleKind::Limit);
+    return false;
+  }
+  // Too long to stand whole.
+  record.SectionFrames = UsualSection;
+  std::vector<Stretch> sections = SectionsOf(number, record.FrameCount, UsualSection);
+  Encode(sections);
+  return WriteSections(number, sections, at, record);
 }
 
-bool AnimationTables::WriteSections(const BuiltAnimation& animation, int64_t at, StudioAnimDesc& record) {
-  const int32_t length = record.SectionFrames, frames = record.FrameCount;
-  const auto count = static_cast<size_t>(frames / length) + 2;
-  const int64_t table = m_writer.Reserve<model::StudioAnimSection>(count);
+bool AnimationTables::WriteSections(size_t number, const std::vector<Stretch>& sections, int64_t at,
+                                    StudioAnimDesc& record) {
+  const int64_t table = m_writer.Reserve<model::StudioAnimSection>(sections.size());
   record.SectionOffset = static_cast<int32_t>(table - at);
-  for (size_t i = 0; i < count; ++i) {
-    const auto start = static_cast<int32_t>(std::min<int64_t>(static_cast<int64_t>(i) * length, frames - 1));
-    const bool last = i + 1 == count;
-    const int32_t first = last ? frames - 1 : start;
-    const int32_t covered = last ? 1 : std::min(length + 1, frames - first);
-    const auto chain = EncodeChain(m_parts.Bones, m_scales, animation, first, covered, m_new);
+  for (size_t i = 0; i < sections.size(); ++i) {
+    const auto& chain = sections[i].Chain;
     if (!chain) {
-      m_context.Error(animation.At, "a section of the animation is too long for the format", core::TroubleKind::Limit);
+      m_context.Error(m_parts.Motion.Animations[number].At, "a section of the animation is too long for the format",
+                      core::TroubleKind::Limit);
       return false;
     }
     m_writer.Align(i == 0 ? 16 : 4);

@@ -41,7 +41,7 @@ class MdlWriter {
     WriteHead();
     WriteBones();
     WriteBoneTables();
-    AnimationTables animations(m_context, m_parts, m_writer, m_texts, m_header);
+    AnimationTables animations(m_context, m_parts, m_scales, m_writer, m_texts, m_header);
     if (!animations.Write()) return std::nullopt;
     WriteBodies();
     WriteEnd();
@@ -80,10 +80,11 @@ class MdlWriter {
     StudioHeader& h = m_header;
     std::memcpy(h.Id, "IDST", 4);
     h.Version = m_context.Options.Version;
-    CopyName(h.Name, sizeof h.Name, m_plan.ModelName);
+    const std::string& name = m_plan.InternalName.empty() ? m_plan.ModelName : m_plan.InternalName;
+    CopyName(h.Name, sizeof h.Name, name);
     const auto turned = [](const model::Vec3& v) { return model::Vec3{-v.y, v.x, v.z}; };
     if (m_plan.EyePosition) h.EyePosition = turned(*m_plan.EyePosition);
-    h.IllumPosition = m_plan.IllumPosition ? turned(*m_plan.IllumPosition) : m_parts.MiddleOfFirstBox;
+    h.IllumPosition = m_plan.IllumPosition ? turned(IllumPlace()) : m_parts.MiddleOfFirstBox;
     if (!m_parts.Motion.Sequences.empty()) {
       h.HullMinimum = m_parts.Motion.Sequences[0].Box[0];
       h.HullMaximum = m_parts.Motion.Sequences[0].Box[1];
@@ -104,13 +105,20 @@ class MdlWriter {
     if (m_new) h.SecondHeaderOffset = static_cast<int32_t>(m_second);
     m_texts.Name(offsetof(StudioHeader, AnimBlockNameOffset), 0, "");
     if (m_new) {
-      m_texts.Name(m_second + Field(offsetof(StudioSecondHeader, NameOffset)), m_second, m_plan.ModelName);
+      m_texts.Name(m_second + Field(offsetof(StudioSecondHeader, NameOffset)), m_second, name);
       if (m_plan.MaxEyeDeflection) {
         constexpr double Degree = 3.14159265358979323846 / 180;
         m_secondHeader.MaxEyeDeflection = static_cast<float>(std::cos(double{*m_plan.MaxEyeDeflection} * Degree));
       }
     }
     m_texts.Name(offsetof(StudioHeader, SurfacePropOffset), 0, m_plan.SurfaceProp);
+  }
+
+  /// The place of $illumposition in the model's space: typed so, or in the space of a bone.
+  model::Vec3 IllumPlace() const {
+    const model::Vec3 typed = *m_plan.IllumPosition;
+    const int32_t bone = m_plan.IllumBone.empty() || m_parts.Bones.Static ? -1 : m_parts.Bones.Find(m_plan.IllumBone);
+    return bone < 0 ? typed : m_parts.Bones.Bones[static_cast<size_t>(bone)].ToModel.Apply(typed);
   }
 
   // Bones
@@ -343,9 +351,26 @@ class MdlWriter {
       m_header.KeyValueSize = static_cast<int32_t>(m_plan.KeyValues.size() + 1);
       m_writer.Align(4);
     }
-    m_secondHeader.SourceBoneOffset = Here();
+    WriteSourceBones();
     if (m_new && m_boneRecords.size() > 1) WriteBoneColumns();
     if (!m_new) m_header.FlexControlOffset = 0;
+  }
+  /// How a realignment turns bones as sources have them: what is taken off the parent, and what is added to the bone.
+  void WriteSourceBones() {
+    m_secondHeader.SourceBoneOffset = Here();
+    if (!m_new) return;
+    const auto& bones = m_parts.Bones.Bones;
+    for (const ModelBone& bone : bones) {
+      const ModelBone* parent = bone.Parent < 0 ? nullptr : &bones[static_cast<size_t>(bone.Parent)];
+      if (!bone.Realigned && (parent == nullptr || !parent->Realigned)) continue;
+      model::StudioSourceBone record = {};
+      record.Matrices[0] =
+          MatrixOf(parent != nullptr && parent->Realigned ? parent->Realigned->Inverse() : model::RigidTransform());
+      record.Matrices[1] = MatrixOf(bone.Realigned.value_or(model::RigidTransform()));
+      const int64_t at = m_writer.Append(record);
+      m_texts.Name(at, at, bone.Name);
+      ++m_secondHeader.SourceBoneCount;
+    }
   }
   void WriteMaterials() {
     const BuiltMeshes& meshes = m_parts.Meshes;

@@ -132,6 +132,7 @@ class MeshBuild {
         if (source != nullptr) TexturesOf(*source, level);
       }
     }
+    m_registered = true;
   }
 
   MaterialTextures TexturesOf(const smd::SmdSource& source, size_t level) {
@@ -139,8 +140,17 @@ class MeshBuild {
     textures.reserve(source.Materials.size());
     for (const std::string& material : source.Materials) {
       std::string name = m_textures.NameOf(material);
-      if (level > 0 && !TakeLevelsName(m_plan.Lods[level - 1], name)) {
+      bool isReplaced = false;
+      if (level > 0 && !TakeLevelsName(m_plan.Lods[level - 1], name, isReplaced)) {
         textures.push_back(-1);
+      } else if (level > 0 && !isReplaced && m_registered && !m_context.Options.KeepValues &&
+                 m_textures.FindKnown(name) < 0) {
+        textures.push_back(-1);
+        if (m_toldMaterials.insert(core::LowerAscii(name)).second) {
+          m_context.Warning(m_plan.Lods[level - 1].At, "no mesh of the first level wears the material " +
+                                                           qc::Shown(name) +
+                                                           "; its triangles are left out without a replacematerial");
+        }
       } else {
         textures.push_back(m_textures.Find(name));
       }
@@ -149,7 +159,7 @@ class MeshBuild {
   }
 
   /// Puts the name of the level's own material into `name`. False if the level leaves its triangles out.
-  bool TakeLevelsName(const PlanLod& lod, std::string& name) const {
+  bool TakeLevelsName(const PlanLod& lod, std::string& name, bool& isReplaced) const {
     const auto is = [&](const std::string& other) {
       return core::EqualIgnoringCase(m_textures.NameInScript(other), name);
     };
@@ -159,6 +169,7 @@ class MeshBuild {
     for (const auto& [from, to] : lod.Materials) {
       if (!is(from)) continue;
       name = m_textures.NameInScript(to);
+      isReplaced = true;
       break;
     }
     return true;
@@ -395,6 +406,8 @@ class MeshBuild {
   ModelBones& m_bones;
   BuiltMeshes& m_meshes;
   TextureTable m_textures;
+  bool m_registered = false;  // whether the table holds all that the finest meshes wear
+  std::set<std::string> m_toldMaterials;
   std::vector<std::vector<bool>> m_replacementUsed;  // of each level but the first
 };
 

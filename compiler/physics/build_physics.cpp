@@ -9,12 +9,11 @@
 
 #include "compiler/mesh/corner_weights.h"
 #include "compiler/physics/collision_pieces.h"
-#include "compiler/physics/collision_text.h"
+#include "compiler/physics/physics_text.h"
 #include "compiler/skeleton/source_placement.h"
 #include "core/number_parse.h"
 #include "core/paths.h"
 #include "model/phy_measures.h"
-#include "model/phy_values.h"
 #include "model/phy_writer.h"
 #include "qc/messages.h"
 
@@ -22,9 +21,6 @@ namespace tarnwick::compiler {
 
 namespace {
 
-/// The friction of a joint as typed is multiplied by this (supposed from the values that models hold).
-constexpr double FrictionFactor = 0.2;
-constexpr float LeastMass = 1;
 /// Bytes that a corner takes while pieces are made, about; hulls cost more than that in time.
 constexpr int64_t CornerCost = 600;
 
@@ -51,7 +47,10 @@ class PhysicsBuild {
     OrderBodies();
     if (!MakeSolids()) return false;
     FindBoneSolids();
-    MakeText();
+    std::vector<TextBody> bodies;
+    for (size_t i = 0; i < m_bodies.size(); ++i) bodies.push_back({m_bodies[i].Bone, m_bodies[i].Parent, m_volumes[i]});
+    m_physics.Text = MakePhysicsText(m_context, m_bones, bodies, m_target);
+    m_physics.Mass = m_plan.Mass;
     return true;
   }
 
@@ -61,7 +60,7 @@ class PhysicsBuild {
       m_context.Warning(m_plan.At, std::string(word) + " is not built", core::TroubleKind::Lost);
     };
     if (m_plan.AutoMass) tell("$automass");
-    if (m_plan.MassCenter) tell("$masscenter");
+    if (m_plan.MassCenter && m_plan.Joints) tell("$masscenter of joints");
     if (m_plan.Drag) tell("$drag");
 #ifndef TARNWICK_HULLS
     m_context.Warning(m_plan.At, "this build makes no convex hulls: pieces have to be closed and convex as they stand",
@@ -221,10 +220,7 @@ class PhysicsBuild {
   }
 
   std::string NameOf(const Body& body) const {
-    if (m_plan.Joints) return m_bones.Bones[static_cast<size_t>(body.Bone)].Name;
-    std::string name(m_plan.Mesh.Name.substr(m_plan.Mesh.Name.find_last_of("/\\") + 1));
-    const size_t dot = name.rfind('.');
-    return dot == std::string::npos ? name : name.substr(0, dot);
+    return NameOfBody(m_plan, m_bones, body.Bone);
   }
 
   bool MakeSolids() {
@@ -280,7 +276,12 @@ class PhysicsBuild {
     std::vector<model::PhyCorners> hull;
     const model::PhySolid solid = SolidOf(pieces, m_plan.Joints ? body.Bone + 1 : 0, hull);
     std::string reason;
-    auto bytes = model::WritePhySolid(solid, hull, &reason);
+    std::optional<model::PhyVector> centre;
+    if (m_plan.MassCenter && !m_plan.Joints) {
+      const model::Vec3 place = model::ModelToPhy(placement.Apply(*m_plan.MassCenter));
+      centre = {double{place.x}, double{place.y}, double{place.z}};
+    }
+    auto bytes = model::WritePhySolid(solid, hull, &reason, centre ? &*centre : nullptr);
     if (!bytes) {
       m_context.Error(m_plan.At, "the collision body " + qc::Shown(NameOf(body)) + " cannot be written: " + reason,
                       core::TroubleKind::Limit);
@@ -371,112 +372,14 @@ class PhysicsBuild {
   void FindBoneSolids() {
     m_physics.BoneSolids.assign(m_bones.Bones.size(), 0);
     if (!m_plan.Joints) return;
-    m_solidOf.assign(m_bones.Bones.size(), -1);
+    std::vector<int32_t> nearest(m_bones.Bones.size(), -1);
     for (size_t i = 0; i < m_bodies.size(); ++i)
-      m_solidOf[static_cast<size_t>(m_bodies[i].Bone)] = static_cast<int32_t>(i);
-    std::vector<int32_t> nearest = m_solidOf;
+      nearest[static_cast<size_t>(m_bodies[i].Bone)] = static_cast<int32_t>(i);
     for (size_t i = 0; i < nearest.size(); ++i) {
       const int32_t parent = m_bones.Bones[i].Parent;
       if (nearest[i] < 0 && parent >= 0 && static_cast<size_t>(parent) < i)
         nearest[i] = nearest[static_cast<size_t>(parent)];
       m_physics.BoneSolids[i] = std::max(nearest[i], 0);
-    }
-  }
-
-  /// The solid of a bone that a statement names; -1, told, if it has none.
-  int32_t SolidNamed(const std::string& name, const qc::Place& at) {
-    const int32_t bone = m_plan.Joints ? BoneNamed(name) : -1;
-    const int32_t solid = bone < 0 ? -1 : m_solidOf[static_cast<size_t>(m_target[static_cast<size_t>(bone)])];
-    if (solid < 0) {
-      m_context.Warning(at, "the collision model has no body for the bone " + qc::Shown(name),
-                        core::TroubleKind::Missing);
-    }
-    return solid;
-  }
-
-  void MakeText() {
-    model::PhyValues values;
-    for (size_t i = 0; i < m_bodies.size(); ++i) {
-      model::PhySolidValues& solid = values.Solids.emplace_back();
-      solid.Name = NameOf(m_bodies[i]);
-      if (m_bodies[i].Parent >= 0) solid.Parent = NameOf(m_bodies[static_cast<size_t>(m_bodies[i].Parent)]);
-      solid.SurfaceProp = SurfaceOf(m_bodies[i].Bone);
-      solid.Damping = m_plan.Damping;
-      solid.RotationDamping = m_plan.RotDamping;
-      solid.Inertia = m_plan.Inertia;
-      solid.Volume = m_volumes[i];
-    }
-    SetJointValues(m_plan.JointInertia, values, &model::PhySolidValues::Inertia);
-    SetJointValues(m_plan.JointDamping, values, &model::PhySolidValues::Damping);
-    SetJointValues(m_plan.JointRotDamping, values, &model::PhySolidValues::RotationDamping);
-    SetJointValues(m_plan.JointMassBias, values, &model::PhySolidValues::MassBias);
-    ShareMass(values);
-    AddConstraints(values);
-    for (const auto& [first, second] : m_plan.Collide) {
-      const int32_t a = SolidNamed(first, m_plan.At), b = SolidNamed(second, m_plan.At);
-      if (a >= 0 && b >= 0) values.CollisionPairs.emplace_back(a, b);
-    }
-    values.NoSelfCollisions = m_plan.NoSelfCollisions;
-    if (m_plan.AnimatedFriction) {
-      const auto& f = *m_plan.AnimatedFriction;
-      values.AnimatedFriction = model::PhyAnimatedFriction{f[0], f[1], f[2], f[3], f[4]};
-    }
-    values.RootName = m_plan.RootBone;
-    values.TotalMass = m_plan.Mass;
-    values.IsConcave = m_plan.Concave;
-    values.JointMerges = m_plan.Merged;
-    std::string tail;
-    for (const int32_t number : m_context.Plan.CollisionTexts) {
-      const auto& texts = m_context.Plan.Script.KeyValues;
-      if (number >= 0 && static_cast<size_t>(number) < texts.size()) {
-        tail += FormatCollisionText(texts[static_cast<size_t>(number)]);
-      }
-    }
-    m_physics.Text = model::FormatPhyText(values, tail);
-    m_physics.Mass = m_plan.Mass;
-  }
-
-  void SetJointValues(const std::vector<PlanJointValue>& joints, model::PhyValues& values,
-                      float model::PhySolidValues::*field) {
-    for (const PlanJointValue& joint : joints) {
-      const int32_t solid = SolidNamed(joint.Bone, joint.At);
-      if (solid >= 0) values.Solids[static_cast<size_t>(solid)].*field = joint.Value;
-    }
-  }
-
-  /// A bone's surface is that of the nearest statement for it or a bone above it, else the model's.
-  const std::string& SurfaceOf(int32_t bone) const {
-    for (; m_plan.Joints && bone >= 0; bone = m_bones.Bones[static_cast<size_t>(bone)].Parent) {
-      for (const PlanBoneText& text : m_context.Plan.BoneSurfaces) {
-        if (BoneNamed(text.Bone) == bone) return text.Text;
-      }
-    }
-    return m_context.Plan.SurfaceProp;
-  }
-
-  /// The mass is shared by volume and bias, but no solid is lighter than 1.
-  void ShareMass(model::PhyValues& values) const {
-    double sum = 0;
-    for (const model::PhySolidValues& solid : values.Solids) sum += double{solid.Volume} * double{solid.MassBias};
-    for (model::PhySolidValues& solid : values.Solids) {
-      const double share =
-          sum > 0 ? double{solid.Volume} * double{solid.MassBias} / sum : 1 / static_cast<double>(values.Solids.size());
-      solid.Mass = std::max(LeastMass, static_cast<float>(double{m_plan.Mass} * share));
-    }
-  }
-
-  void AddConstraints(model::PhyValues& values) {
-    for (size_t i = 0; i < m_bodies.size(); ++i) {
-      if (m_bodies[i].Parent < 0) continue;
-      m_constraintOf[static_cast<int32_t>(i)] = values.Constraints.size();
-      values.Constraints.push_back({m_bodies[i].Parent, static_cast<int32_t>(i), {}});
-    }
-    for (const PlanConstraint& constraint : m_plan.Constraints) {
-      const int32_t solid = SolidNamed(constraint.Bone, constraint.At);
-      const auto found = m_constraintOf.find(solid);
-      if (found == m_constraintOf.end() || constraint.Axis < 0 || constraint.Axis > 2) continue;
-      values.Constraints[found->second].Axes[static_cast<size_t>(constraint.Axis)] = {
-          constraint.Minimum, constraint.Maximum, static_cast<float>(double{constraint.Friction} * FrictionFactor)};
     }
   }
 
@@ -488,9 +391,7 @@ class PhysicsBuild {
   std::vector<int32_t> m_target;  // of a bone: the bone that its triangles are merged into
   std::map<int32_t, bool> m_skipped;
   std::vector<Body> m_bodies;
-  std::vector<float> m_volumes;    // cubic inches
-  std::vector<int32_t> m_solidOf;  // of a bone; -1 for none
-  std::map<int32_t, size_t> m_constraintOf;
+  std::vector<float> m_volumes;  // cubic inches
 };
 
 }  // namespace

@@ -19,9 +19,6 @@ int32_t FrameOf(const Option& option, size_t i) {
 int32_t SourceAt(const Option& option, size_t i) {
   return i < option.Arguments.size() ? option.Arguments[i].Source : -1;
 }
-model::Vec3 VecAt(const Option& option, size_t i) {
-  return {NumberAt(option, i), NumberAt(option, i + 1), NumberAt(option, i + 2)};
-}
 
 void ApplyBodyOptions(const std::vector<Option>& options, SourceUse& use) {
   for (const Option& option : options) {

@@ -55,6 +55,12 @@ std::vector<PlanJointValue>* JointValues(PlanCollision& collision, Key kind) {
 /// A line of a joint; false for one of the whole model.
 bool AddJointLine(PlanCollision& collision, const Option& line) {
   if (std::vector<PlanJointValue>* values = JointValues(collision, line.Kind)) {
+    if (line.Arguments.size() == 1) {  // for all joints
+      if (line.Kind == Key::JointInertia) collision.Inertia = NumberAt(line, 0);
+      if (line.Kind == Key::JointDamping) collision.Damping = NumberAt(line, 0);
+      if (line.Kind == Key::JointRotDamping) collision.RotDamping = NumberAt(line, 0);
+      return true;
+    }
     values->push_back({line.At, TextAt(line, 0), NumberAt(line, 1)});
   } else if (line.Kind == Key::JointConstrain) {
     collision.Constraints.push_back(ConstraintOf(line));

@@ -177,6 +177,8 @@ struct PlanBone {
   std::string Name, Parent;
   model::Vec3 Position = {0, 0, 0};
   model::EulerAngles Angles = {0, 0, 0};  // radians
+  model::Vec3 FixPosition = {0, 0, 0};    // what a realignment adds to the bone as sources have it
+  model::EulerAngles FixAngles = {0, 0, 0};
 };
 struct PlanAttachment {
   qc::Place At;
@@ -246,7 +248,8 @@ struct PlanWeightList {
 struct CompilePlan {
   qc::Script Script;
 
-  std::string ModelName;  // with .mdl at its end
+  std::string ModelName;     // with .mdl at its end
+  std::string InternalName;  // what the file holds in its place; empty for none
   bool StaticProp = false;
   uint32_t Flags = 0;  // of the header, as statements set them; not those of hit boxes and levels of detail
   std::string SurfaceProp = "default";
@@ -259,6 +262,7 @@ struct CompilePlan {
   std::optional<float> MaxEyeDeflection;  // degrees
   std::string KeyValues;                  // as the file holds them, without the zero byte; empty for none
   bool AutoCenter = false;
+  bool BoxOnlyVertices = false;
 
   std::vector<std::string> MaterialFolders;  // with backslashes, as the file holds them
   std::vector<std::pair<std::string, std::string>> RenamedMaterials;

@@ -3,20 +3,18 @@
 #include <algorithm>
 #include <cmath>
 
-#include "compiler/plan/angles.h"
 #include "compiler/plan/body_plan.h"
+#include "compiler/plan/bone_plan.h"
 #include "compiler/plan/collision_plan.h"
 #include "compiler/plan/key_value_text.h"
+#include "compiler/plan/option_values.h"
 #include "core/paths.h"
-#include "model/bone_math.h"
 #include "model/studio_records.h"
 #include "qc/tables.h"
 
 namespace tarnwick::compiler {
 
 using qc::Command;
-using qc::Key;
-using qc::Option;
 using qc::Statement;
 
 namespace {
@@ -28,15 +26,6 @@ struct ContentsWord {
   int32_t Value;
 };
 constexpr ContentsWord ContentsWords[] = {{"solid", 1}, {"grate", 8}, {"notsolid", 0}};
-
-model::Vec3 VecAt(const Statement& s, size_t first) {
-  return {static_cast<float>(s.Number(first)), static_cast<float>(s.Number(first + 1)),
-          static_cast<float>(s.Number(first + 2))};
-}
-model::Vec3 VecAt(const Option& o, size_t first) {
-  return {static_cast<float>(o.Number(first)), static_cast<float>(o.Number(first + 1)),
-          static_cast<float>(o.Number(first + 2))};
-}
 
 class PlanReader {
  public:
@@ -62,7 +51,7 @@ class PlanReader {
 
   void Read(const Statement& s) {
     if (s.Arguments.empty() && NeedsArguments(s.Kind)) return;  // told by the script's reader
-    if (ReadHeader(s) || ReadBones(s) || ReadMotion(s) || ReadBodies(s)) return;
+    if (ReadHeader(s) || ReadBoneStatement(s, m_plan) || ReadMotion(s) || ReadBodies(s)) return;
     switch (s.Kind) {
       case Command::Cd:
       case Command::PushD:
@@ -108,6 +97,9 @@ class PlanReader {
         if (!lower.ends_with(".mdl")) m_plan.ModelName += ".mdl";
         return true;
       }
+      case Command::InternalName:
+        m_plan.InternalName = Text(s, 0);
+        return true;
       case Command::Scale: {
         const float scale = Number(s, 0);
         if (std::isfinite(scale) && scale != 0) {
@@ -144,7 +136,7 @@ class PlanReader {
         m_plan.IllumBone = Text(s, 3);
         if (!m_plan.IllumBone.empty()) {
           Told().Warning(core::TroubleKind::Lost, s.At,
-                         "the bone of $illumposition is not built; the place is the model's");
+                         "the place of $illumposition is where the bone rests; it does not follow the bone");
         }
         return true;
       case Command::BBox:
@@ -175,6 +167,9 @@ class PlanReader {
         return Flag(model::ModelFlagMostlyOpaque);
       case Command::AutoCenter:
         m_plan.AutoCenter = true;
+        return true;
+      case Command::BBoxOnlyVerts:
+        m_plan.BoxOnlyVertices = true;
         return true;
       case Command::SkipBoneInBBox:
         m_plan.SkipBonesInBoxes = true;
@@ -275,160 +270,6 @@ class PlanReader {
     }
     m_plan.MaterialFolders.push_back(std::move(folder));
   }
-  static int32_t Whole(double value) {
-    return std::isfinite(value) ? static_cast<int32_t>(std::clamp(value, -2147483648.0, 2147483647.0)) : 0;
-  }
-
-  // Bones
-
-  bool ReadBones(const Statement& s) {
-    switch (s.Kind) {
-      case Command::DefineBone:
-        ReadDefinedBone(s);
-        return true;
-      case Command::UnlockDefineBones:
-        m_plan.UnlockDefinedBones = true;
-        return true;
-      case Command::BoneMerge:
-        m_plan.MergedBones.push_back(Text(s, 0));
-        return true;
-      case Command::AlwaysCollapse:
-        m_plan.CollapsedBones.push_back(Text(s, 0));
-        return true;
-      case Command::CollapseBones:
-        m_plan.CollapseBones = true;
-        return true;
-      case Command::Hierarchy:
-        m_plan.Hierarchy.emplace_back(Text(s, 0), Text(s, 1));
-        return true;
-      case Command::RenameBone:
-        m_plan.RenamedBones.emplace_back(Text(s, 0), Text(s, 1));
-        return true;
-      case Command::Root:
-        m_plan.Roots.push_back({s.At, Text(s, 0), {}});
-        return true;
-      case Command::Attachment:
-        ReadAttachment(s);
-        return true;
-      case Command::HBoxSet:
-        m_plan.GivenHitboxes = true;
-        m_plan.HitboxSets.push_back({Text(s, 0), {}});
-        return true;
-      case Command::HBox:
-        m_plan.GivenHitboxes = true;
-        if (m_plan.HitboxSets.empty()) m_plan.HitboxSets.push_back({"default", {}});
-        m_plan.HitboxSets.back().Boxes.push_back({s.At, Whole(s.Number(0)), Text(s, 1), VecAt(s, 2), VecAt(s, 5)});
-        return true;
-      case Command::HGroup:
-        m_plan.HitGroups.push_back({s.At, Text(s, 1), Whole(s.Number(0))});
-        return true;
-      case Command::JiggleBone:
-        m_plan.JiggleBones.push_back({s.At, Text(s, 0), &s});
-        return true;
-      case Command::ProceduralBones:
-        if (s.Arguments[0].Source >= 0) m_plan.VrdSources.push_back(s.Arguments[0].Source);
-        return true;
-      case Command::PoseParameter:
-        ReadPoseParameter(s);
-        return true;
-      case Command::IkChain:
-        ReadIkChain(s);
-        return true;
-      case Command::IkAutoplayLock:
-        m_plan.AutoplayLocks.push_back({s.At, Text(s, 0), Number(s, 1), Number(s, 2)});
-        return true;
-      default:
-        return false;
-    }
-  }
-  void ReadDefinedBone(const Statement& s) {
-    const auto again = std::ranges::find_if(
-        m_plan.DefinedBones, [&](const PlanBone& b) { return core::EqualIgnoringCase(b.Name, Text(s, 0)); });
-    if (again != m_plan.DefinedBones.end()) return;  // the first counts
-    const auto radians = [&](size_t i) { return RadiansOf(s.Number(i)); };
-    // Typed as pitch, yaw and roll.
-    m_plan.DefinedBones.push_back({s.At, Text(s, 0), Text(s, 1), VecAt(s, 2), {radians(7), radians(5), radians(6)}});
-    for (size_t i = 8; i < s.Arguments.size(); ++i) {
-      if (s.Number(i) == 0) continue;
-      Told().Warning(core::TroubleKind::Lost, s.Arguments[i].At, "the fix-up of a defined bone is not built");
-      break;
-    }
-  }
-  void ReadAttachment(const Statement& s) {
-    PlanAttachment attachment{s.At, Text(s, 0), Text(s, 1), VecAt(s, 2), {}, false, false, false, {}};
-    for (const Option& option : s.Options) {
-      switch (option.Kind) {
-        case Key::Absolute:
-          attachment.Absolute = true;
-          break;
-        case Key::Rigid:
-          attachment.Rigid = true;
-          break;
-        case Key::WorldAlign:
-          attachment.WorldAlign = true;
-          break;
-        case Key::Rotate: {
-          const model::Vec3 angles = VecAt(option, 0);
-          attachment.Rotation = {angles.x, angles.y, angles.z};
-          break;
-        }
-        case Key::XAndZAxes: {
-          const model::Vec3 x = VecAt(option, 0), z = VecAt(option, 3);
-          attachment.Axes = {x.x, x.y, x.z, z.x, z.y, z.z};
-          break;
-        }
-        default:
-          break;
-      }
-    }
-    TellSecond(s, m_plan.Attachments);
-    m_plan.Attachments.push_back(std::move(attachment));
-  }
-  void ReadPoseParameter(const Statement& s) {
-    PlanPoseParameter pose{s.At, Text(s, 0), Number(s, 1), Number(s, 2), 0, false};
-    if (s.Arguments.size() > 3) {
-      pose.Wrap = Number(s, 3);
-      pose.Loops = true;
-    }
-    for (const Option& option : s.Options) {
-      if (option.Kind == Key::Loop) {
-        pose.Wrap = static_cast<float>(option.Number(0));
-        pose.Loops = true;
-      } else if (option.Kind == Key::Wrap) {
-        pose.Wrap = pose.End - pose.Start;
-        pose.Loops = true;
-      }
-    }
-    TellSecond(s, m_plan.PoseParameters);
-    m_plan.PoseParameters.push_back(std::move(pose));
-  }
-  /// Tells that the statement's name is taken: whoever looks for the name finds the first alone.
-  template <typename Named>
-  void TellSecond(const Statement& s, const std::vector<Named>& known) {
-    if (std::ranges::any_of(known, [&](const Named& n) { return core::EqualIgnoringCase(n.Name, Text(s, 0)); })) {
-      Told().Warning(core::TroubleKind::Refused, s.Arguments[0].At,
-                     "a second " + std::string(s.Name) + " is called " + qc::Shown(Text(s, 0)) +
-                         "; by its name the first one is found");
-    }
-  }
-  void ReadIkChain(const Statement& s) {
-    PlanIkChain chain{s.At, Text(s, 0), Text(s, 1), {0, 0, 0}, {}, 0, 0, 0};
-    for (const Option& option : s.Options) {
-      const auto value = static_cast<float>(option.Number(0));
-      if (option.Kind == Key::Knee) {
-        chain.Knee = VecAt(option, 0);
-      } else {
-        Told().Warning(core::TroubleKind::Lost, option.At,
-                       qc::Shown(option.Name) + " of an $ikchain is known, but nothing is built from it");
-      }
-      if (option.Kind == Key::Center) chain.Center = VecAt(option, 0);
-      if (option.Kind == Key::Height) chain.Height = value;
-      if (option.Kind == Key::Pad) chain.Pad = value;
-      if (option.Kind == Key::Floor) chain.Floor = value;
-    }
-    m_plan.IkChains.push_back(std::move(chain));
-  }
-
   // Animations
 
   bool ReadMotion(const Statement& s) {

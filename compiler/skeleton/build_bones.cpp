@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 #include <unordered_map>
 
 #include "compiler/mesh/corner_weights.h"
@@ -27,6 +28,7 @@ struct Candidate {
   bool Kept = false;
   bool Collapsed = false;
   RigidTransform ToModel;
+  std::optional<RigidTransform> Realigned;
 };
 
 class BoneJoiner {
@@ -85,6 +87,11 @@ class BoneJoiner {
       candidate.Angles = bone.Angles;
       candidate.Defined = true;
       candidate.Kept = true;
+      const model::EulerAngles& turn = bone.FixAngles;
+      const model::Vec3& move = bone.FixPosition;
+      if (turn.x != 0 || turn.y != 0 || turn.z != 0 || move.x != 0 || move.y != 0 || move.z != 0) {
+        candidate.Realigned = RigidTransform::Of(turn, move);
+      }
     }
   }
 
@@ -328,6 +335,7 @@ class BoneJoiner {
       bone.Parent = parent < 0 ? -1 : numbers[static_cast<size_t>(parent)];
       bone.Position = candidate.Position;
       bone.Angles = candidate.Angles;
+      bone.Realigned = candidate.Realigned;
       bone.ToModel = RigidTransform::Of(bone.Angles, bone.Position);
       if (bone.Parent >= 0) bone.ToModel = m_bones.Bones[static_cast<size_t>(bone.Parent)].ToModel * bone.ToModel;
     }

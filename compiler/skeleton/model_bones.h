@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -21,9 +22,10 @@ struct ModelBone {
   std::string Name;
   int32_t Parent = -1;  // stands ahead of its children
   model::Vec3 Position = {0, 0, 0};
-  model::EulerAngles Angles = {0, 0, 0};  // radians
-  model::RigidTransform ToModel;          // at rest
-  uint32_t Flags = 0;                     // BoneFlag bits of the model's records
+  model::EulerAngles Angles = {0, 0, 0};           // radians
+  model::RigidTransform ToModel;                   // at rest
+  std::optional<model::RigidTransform> Realigned;  // what its definition adds to the bone as sources have it
+  uint32_t Flags = 0;                              // BoneFlag bits of the model's records
   int32_t PhysicsSolid = 0;
 };
 

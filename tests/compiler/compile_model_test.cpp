@@ -93,6 +93,29 @@ TEST(CompileModel, TurnsStaticModelsAndKeepsOneBone) {
   EXPECT_EQ(header.HullMaximum.z, 4);
 }
 
+TEST(CompileModel, IsTheSameOnAnyNumberOfThreads) {
+  Workshop shop;
+  std::string script = "$modelname a.mdl\n$cd parts\n$body b arm\n$sectionframes 1 2\n";
+  for (int i = 0; i < 20; ++i)
+    script += "$sequence s" + std::to_string(i) + " swing fps " + std::to_string(i + 1) + "\n";
+  CompileOptions one, many;
+  one.Threads = 1;
+  many.Threads = 4;
+  const auto first = shop.Compile(script, one), second = shop.Compile(script, many);
+  ASSERT_TRUE(first && second);
+  EXPECT_TRUE(first->Mdl == second->Mdl && first->Vvd == second->Vvd && first->Vtx == second->Vtx);
+}
+
+TEST(CompileModel, EndsWithoutFilesWhenItIsStopped) {
+  Workshop shop;
+  std::stop_source stop;
+  stop.request_stop();
+  CompileOptions options;
+  options.Stop = stop.get_token();
+  EXPECT_FALSE(shop.Compile("$modelname a.mdl\n$cd parts\n$body b arm\n$sequence idle swing\n", options));
+  EXPECT_THAT(shop.Texts(), ElementsAre("the compile was stopped"));
+}
+
 TEST(CompileModel, RefusesMoreFramesThanACompileCanHold) {
   Workshop shop;
   EXPECT_FALSE(shop.Compile("$modelname a.mdl\n$body a parts/arm\n$sequence idle parts/swing numframes 2000000000\n"));

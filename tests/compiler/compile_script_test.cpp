@@ -127,6 +127,42 @@ TEST(CompileScript, MovesAttachmentsWithACenteredModel) {
   }
 }
 
+TEST(CompileScript, TurnsSourcesIntoBonesThatTheirDefinitionRealigns) {
+  Workshop shop;
+  const std::string rest = "$body b arm\n$sequence idle swing\n";
+  const auto plain = shop.Compile(std::string(Head) + rest);
+  const auto turned = shop.Compile(std::string(Head) +
+                                   "$definebone root \"\" 0 0 0 0 0 0\n"
+                                   "$definebone arm root 4 0 0 0 90 0 0 0 0 0 90 0\n" +
+                                   rest);
+  ASSERT_TRUE(plain && turned);
+  // The mesh moves as before, by a bone that lies otherwise.
+  const model::StudioHeader before = HeaderOf(*plain), after = HeaderOf(*turned);
+  EXPECT_NEAR(before.HullMaximum.z, after.HullMaximum.z, 1e-4);
+  EXPECT_NEAR(before.HullMaximum.y, after.HullMaximum.y, 1e-4);
+  EXPECT_NEAR(before.HullMinimum.x, after.HullMinimum.x, 1e-4);
+  const auto second = RecordAt<model::StudioSecondHeader>(turned->Mdl, after.SecondHeaderOffset);
+  ASSERT_EQ(second.SourceBoneCount, 1);
+  const auto record = RecordAt<model::StudioSourceBone>(turned->Mdl, second.SourceBoneOffset);
+  EXPECT_STREQ(turned->Mdl.c_str() + second.SourceBoneOffset + record.NameOffset, "arm");
+  EXPECT_NEAR(record.Matrices[0](0, 0), 1, 1e-6);  // nothing is taken off its parent
+  EXPECT_NEAR(record.Matrices[1](1, 0), 1, 1e-6);  // a quarter about Z
+}
+
+TEST(CompileScript, PutsTheMiddleOfMassWhereAScriptWantsIt) {
+  Workshop shop;
+  const std::string script = std::string(Head) + "$staticprop\n$body b arm\n$sequence idle arm\n";
+  WriteText(shop.Folder.Path("parts/hull.smd"), Pyramid(4));
+  const auto files = shop.Compile(script + "$collisionmodel hull { $mass 5 $masscenter 1 0.5 2 }\n");
+  ASSERT_TRUE(files) << testing::PrintToString(shop.Texts());
+  constexpr int64_t Surface = 16 + 32;  // behind the file's head and the solid's
+  const float place[] = {RecordAt<float>(files->Phy, Surface), RecordAt<float>(files->Phy, Surface + 4),
+                         RecordAt<float>(files->Phy, Surface + 8)};
+  EXPECT_NEAR(place[0], -0.5 * 0.0254, 1e-6);  // turned by a quarter, in the axes of the file
+  EXPECT_NEAR(place[1], -2 * 0.0254, 1e-6);
+  EXPECT_NEAR(place[2], 1 * 0.0254, 1e-6);
+}
+
 TEST(CompileScript, ScalesBonesThatAnimationsAloneHave) {
   Workshop shop;
   WriteText(shop.Folder.Path("parts/wave.smd"),

@@ -62,9 +62,9 @@ TEST(QcStatements, KeepKeyValuesAsATree) {
 }
 
 TEST(QcStatements, TellWhatNothingIsBuiltFromAndWhatHasNoEffect) {
-  const Script script = ReadPlain("$maxverts 100 200\n$externaltextures\n$clampworldspace");
-  EXPECT_THAT(StatementsOf(script), ElementsAre("$maxverts 100|200", "$externaltextures", "$clampworldspace"));
-  EXPECT_THAT(Told(script), ElementsAre("a.qc:1:1: warning: $maxverts is known, but nothing is built from it",
+  const Script script = ReadPlain("$realignbones 1 2\n$externaltextures\n$clampworldspace");
+  EXPECT_THAT(StatementsOf(script), ElementsAre("$realignbones 1|2", "$externaltextures", "$clampworldspace"));
+  EXPECT_THAT(Told(script), ElementsAre("a.qc:1:1: warning: $realignbones is known, but nothing is built from it",
                                         "a.qc:2:1: note: $externaltextures has no effect on this kind of model",
                                         HasSubstr("$clampworldspace is known")));
   EXPECT_TRUE(script.Sound());

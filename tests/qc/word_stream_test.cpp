@@ -27,6 +27,15 @@ TEST(QcWords, CommentsOfEveryKindAreBlanks) {
   EXPECT_THAT(StatementsOf(script), ElementsAre("$scale 2", "$opaque", "$root a#b", "$cdmaterials // # ; /* kept|c"));
 }
 
+TEST(QcWords, DoubledSlashesPartFoldersWithinAPathAndBeginCommentsElsewhere) {
+  const Script script = ReadPlain(
+      "$modelname props//a.mdl//name\n$CDMaterials models//x//y models/z//\n$surfaceprop metal//solid\n"
+      "$include//nothing\n$renamebone a//b.smd b//\n$root a.smd//b.smd\n$cd x// y\n$root a//b");
+  EXPECT_THAT(StatementsOf(script),
+              ElementsAre("$modelname props//a.mdl", "$CDMaterials models//x//y|models/z", "$surfaceprop metal",
+                          "$renamebone a//b.smd|b", "$root a.smd", "$cd x", "$root a"));
+}
+
 TEST(QcWords, LinesEndInAnyWayAndBracesMayBeGlued) {
   const Script script = ReadPlain("$texturegroup s{{a b}{c \"d}\"}}\r$lod 5{nofacial}\r\n\n$opaque\r$bad");
   EXPECT_THAT(StatementsOf(script), ElementsAre("$texturegroup s {a|b} {c|d}}", "$lod 5: nofacial", "$opaque"));

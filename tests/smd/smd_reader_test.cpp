@@ -3,7 +3,10 @@
 #include <gmock/gmock.h>
 
 #include <bit>
+#include <cstdio>
 #include <cstdlib>
+#include <string>
+#include <vector>
 
 namespace tarnwick::smd {
 namespace {
@@ -71,6 +74,36 @@ TEST(SmdReader, ReadsNumbersToTheNearestFloat) {
   float value = 7;
   for (const std::string_view none : {"", "-", ".", "x", "e5"}) {
     EXPECT_EQ(ParseFloat(none.data(), none.data() + none.size(), value), none.data()) << none;
+  }
+}
+
+/// The numbers of a line as most tools write them take a way of their own; it comes to the same floats.
+TEST(SmdReader, ReadsSixDecimalsToTheNearestFloatToo) {
+  std::vector<std::string> texts = {
+      "0.000000",    "-0.000000",   "8388609.500000", "9999999.999999", "0.500000", "16777217.000000",
+      "1.000000060", "-1.5e000000", "12.3456",        "123456.7890123", "7.",       "00000.000001"};
+  for (uint64_t i = 1; i < 4000; ++i) {
+    const uint64_t bits = i * 0x9E3779B97F4A7C15u;
+    char text[40];
+    std::snprintf(text, sizeof text, "%s%llu.%06llu", (bits & 1) != 0 ? "-" : "",
+                  static_cast<unsigned long long>((bits >> 40) % (bits % 7 < 3 ? 10 : 10000000)),
+                  static_cast<unsigned long long>((bits >> 8) % 1000000));
+    texts.emplace_back(text);
+  }
+  std::string file = "version 1\nnodes\n0 a -1\nend\nskeleton\n";
+  for (size_t i = 0; i + 2 < texts.size(); i += 3) {
+    file += "time 0\n0 " + texts[i] + " " + texts[i + 1] + "\t" + texts[i + 2] + " 0 0 " + texts[i] + "\r\n";
+  }
+  SmdSource source;
+  EXPECT_THAT(ReadSource(file, "a.smd", source), IsEmpty());
+  for (size_t i = 0; i + 2 < texts.size(); i += 3) {
+    const SourcePose& pose = source.PoseOf(static_cast<int32_t>(i / 3), 0);
+    const float values[] = {pose.Position.X, pose.Position.Y, pose.Position.Z};
+    for (size_t k = 0; k < 3; ++k) {
+      EXPECT_EQ(std::bit_cast<uint32_t>(values[k]), std::bit_cast<uint32_t>(std::strtof(texts[i + k].c_str(), nullptr)))
+          << texts[i + k];
+    }
+    EXPECT_EQ(pose.Rotation.Z, pose.Position.X);
   }
 }
 
