@@ -58,9 +58,8 @@ class SurfaceReader {
       open.push_back(place + static_cast<int64_t>(sizeof(PhyNode)));
     }
     if (!HasNoTwice(entered)) return Tell(root, "its tree leads to nodes more than once");
-    if (!HasNoTwice(m_pieces)) return Tell(root, "its tree leads to pieces more than once");
     PutInOrder();
-    return true;
+    return HasNoTwice(m_pieces) || Tell(root, "its tree leads to pieces more than once");
   }
 
   /// Which pieces a tree pairs up is free; their order is that in which they stand in the file.
@@ -125,7 +124,7 @@ class SurfaceReader {
     return true;
   }
 
-  static bool HasNoTwice(std::vector<int64_t>& places) {
+  static bool HasNoTwice(std::vector<int64_t> places) {
     std::sort(places.begin(), places.end());
     return std::adjacent_find(places.begin(), places.end()) == places.end();
   }

@@ -13,8 +13,8 @@ namespace {
 
 /// Points are turned, written in inches, made a hull of and turned back.
 constexpr double PointGrain = 1e-3;
-/// Of a point far away what a float holds of it.
-constexpr double PointPart = 1e-6;
+/// The same as a part of how far away a point is.
+constexpr double PointPart = 5e-6;
 /// Values that are computed of points: masses, volumes.
 constexpr double ValueGrain = 1e-3;
 
