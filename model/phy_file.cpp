@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 #include <string_view>
 
 #include "model/phy_records.h"
@@ -37,7 +38,7 @@ class SurfaceReader {
     return offset >= static_cast<int64_t>(sizeof(PhySurface)) && m_surface.Fits(offset, size, 1);
   }
 
-  /// Walks the tree without recursion, left before right, and reads the piece of each leaf.
+  /// Walks the tree without recursion and reads the piece of each leaf.
   bool Walk(int64_t root) {
     std::vector<int64_t> open = {root};
     std::vector<int64_t> entered;
@@ -57,7 +58,19 @@ class SurfaceReader {
       open.push_back(place + static_cast<int64_t>(sizeof(PhyNode)));
     }
     if (!HasNoTwice(entered)) return Tell(root, "its tree leads to nodes more than once");
+    PutInOrder();
     return HasNoTwice(m_pieces) || Tell(root, "its tree leads to pieces more than once");
+  }
+
+  /// Which pieces a tree pairs up is free; their order is that in which they stand in the file.
+  void PutInOrder() {
+    std::vector<size_t> order(m_pieces.size());
+    std::iota(order.begin(), order.end(), size_t{0});
+    std::sort(order.begin(), order.end(), [&](size_t a, size_t b) { return m_pieces[a] < m_pieces[b]; });
+    std::vector<PhyPiece> ordered;
+    ordered.reserve(order.size());
+    for (const size_t i : order) ordered.push_back(std::move(m_solid.Pieces[i]));
+    m_solid.Pieces = std::move(ordered);
   }
 
   bool ReadLedge(int64_t place) {
@@ -111,7 +124,7 @@ class SurfaceReader {
     return true;
   }
 
-  static bool HasNoTwice(std::vector<int64_t>& places) {
+  static bool HasNoTwice(std::vector<int64_t> places) {
     std::sort(places.begin(), places.end());
     return std::adjacent_find(places.begin(), places.end()) == places.end();
   }

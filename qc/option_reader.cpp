@@ -128,6 +128,14 @@ bool ScriptReader::ReadArguments(std::string_view letters, const Word& of, const
   return true;
 }
 
+/// Whether a quoted word of a sequence that reads as an option is the name of an animation above.
+bool ScriptReader::NamesAnimation(const Context& context, const Word& word) const {
+  if (!word.Quoted || context.Options != &SequenceOptions()) return false;
+  const auto found = m_animations.find(word.Text);
+  return found != m_animations.end() &&
+         m_script.Statements[static_cast<size_t>(found->second)].Kind == Command::Animation;
+}
+
 /// Reads one option if the next word is one.
 bool ScriptReader::ReadOption(const Context& context, std::vector<Option>& out) {
   const Word* next = m_words.Peek();
@@ -136,7 +144,7 @@ bool ScriptReader::ReadOption(const Context& context, std::vector<Option>& out) 
     return true;
   }
   const OptionRow* row = context.Options->Find(next->Text);
-  if (row == nullptr) return false;
+  if (row == nullptr || NamesAnimation(context, *next)) return false;
   const Word word = m_words.Take();
   TellState(row->State, word.Text, word.At);
   Option option;

@@ -97,7 +97,7 @@ struct LineDifference {
 class LineComparison {
  public:
   explicit LineComparison(const std::string& name)
-      : m_isSmd(core::LowerAscii(name).ends_with(".smd")),
+      : m_isSmd(core::LowerAscii(name).ends_with(".smd") || core::LowerAscii(name).ends_with(".phys")),
         m_grain(core::LowerAscii(name).ends_with(".qc") ? ScriptGrain : TextGrain) {}
 
   LineDifference Compare(std::string_view first, std::string_view second) const {
@@ -115,12 +115,22 @@ class LineComparison {
       if (!x || !y) return {};
       const double amount = std::abs(*x - *y);
       difference.Amount = std::max(difference.Amount, amount);
-      if (!(amount <= m_grain * std::max({1.0, std::abs(*x), std::abs(*y)}))) difference.IsRounding = false;
+      // What a place lost as it was turned is a part of its distance, not of each of its numbers.
+      const bool isPlace = m_isSmd && a.size() > WordsOfPose && i >= 1 && i <= 3;
+      const double size = isPlace ? LargestOf(a) : std::max(std::abs(*x), std::abs(*y));
+      if (!(amount <= m_grain * std::max(1.0, size))) difference.IsRounding = false;
     }
     return difference;
   }
 
  private:
+  /// Of the three numbers of a vertex's place.
+  static double LargestOf(const Words& line) {
+    double largest = 0;
+    for (size_t i = 1; i <= 3; ++i) largest = std::max(largest, std::abs(NumberIn(line[i]).value_or(0)));
+    return largest;
+  }
+
   /// Nothing where the lines are no poses of one bone.
   static std::optional<LineDifference> ComparePoses(const Words& a, const Words& b) {
     std::array<double, WordsOfPose> x{};

@@ -73,28 +73,57 @@ void AppendRuns(std::string& bytes, std::span<const int16_t> values) {
   }
 }
 
-uint64_t Pack64(const model::Quat& q) {
-  const auto part = [](float value) {
-    const double step = std::isfinite(value) ? std::round(double{value} * 1048576.5) + 1048576 : 0;
-    return static_cast<uint64_t>(std::clamp(step, 0.0, 2097151.0));
-  };
-  return part(q.x) | part(q.y) << 21 | part(q.z) << 42 | uint64_t{q.w < 0 ? 1U : 0U} << 63;
+/// A rotation as the file packs it: three parts of a quaternion, and whether the fourth is negative.
+struct PackedParts {
+  std::array<int64_t, 3> Parts = {};
+  bool NegativeW = false;
+};
+
+/// How large the parts of a packed form are.
+struct PackedForm {
+  std::array<double, 3> Scales;
+  std::array<int64_t, 3> Middles;
+  void (*Decode)(const PackedParts&, model::Quat&);
+
+  int64_t Most(size_t part) const { return 2 * Middles[part] - 1; }
+};
+
+uint64_t Bits64(const PackedParts& packed) {
+  uint64_t bits = uint64_t{packed.NegativeW ? 1U : 0U} << 63;
+  for (size_t i = 0; i < 3; ++i) bits |= static_cast<uint64_t>(packed.Parts[i]) << (21 * i);
+  return bits;
 }
-void AppendPacked48(std::string& bytes, const model::Quat& q) {
-  const auto part = [](float value, double half) {
-    if (!std::isfinite(value)) return uint16_t{0};
-    return static_cast<uint16_t>(std::clamp(std::round(double{value} * half) + half, 0.0, 2 * half - 1));
-  };
-  Append(bytes, part(q.x, 32768));
-  Append(bytes, part(q.y, 32768));
-  Append(bytes, static_cast<uint16_t>(part(q.z, 16384) | (q.w < 0 ? 0x8000 : 0)));
+std::array<uint16_t, 3> Words48(const PackedParts& packed) {
+  return {static_cast<uint16_t>(packed.Parts[0]), static_cast<uint16_t>(packed.Parts[1]),
+          static_cast<uint16_t>(packed.Parts[2] | (packed.NegativeW ? 0x8000 : 0))};
+}
+
+constexpr PackedForm Form64 = {
+    {1048576.5, 1048576.5, 1048576.5}, {1048576, 1048576, 1048576}, [](const PackedParts& packed, model::Quat& q) {
+      model::DecodeQuat64({Bits64(packed)}, q);
+    }};
+constexpr PackedForm Form48 = {
+    {32768, 32768, 16384}, {32768, 32768, 16384}, [](const PackedParts& packed, model::Quat& q) {
+      const auto words = Words48(packed);
+      model::DecodeQuat48({{words[0], words[1], words[2]}}, q);
+    }};
+
+PackedParts Pack(const PackedForm& form, const model::Quat& q, double sign) {
+  PackedParts packed;
+  const double parts[3] = {double{q.x}, double{q.y}, double{q.z}};
+  for (size_t i = 0; i < 3; ++i) {
+    const double step = std::isfinite(parts[i]) ? std::round(sign * parts[i] * form.Scales[i]) : 0;
+    packed.Parts[i] = std::clamp<int64_t>(static_cast<int64_t>(step) + form.Middles[i], 0, form.Most(i));
+  }
+  packed.NegativeW = sign * double{q.w} < 0;
+  return packed;
 }
 
 /// How far the angles of `packed` lie from `angles` at the most.
-double AngleMiss(uint64_t packed, const model::EulerAngles& angles) {
+double AngleMiss(const PackedForm& form, const PackedParts& packed, const model::EulerAngles& angles) {
   model::Quat q;
   model::EulerAngles is;
-  model::DecodeQuat64({packed}, q);
+  form.Decode(packed, q);
   model::QuatToEulerNear(q, angles, is);
   const double miss[3] = {double{is.x} - double{angles.x}, double{is.y} - double{angles.y},
                           double{is.z} - double{angles.z}};
@@ -104,27 +133,30 @@ double AngleMiss(uint64_t packed, const model::EulerAngles& angles) {
 }
 
 /// The packed rotation whose angles come nearest to `angles`: rounding each part by itself misses a little where all
-/// three turn together.
-uint64_t PackNearest(const model::EulerAngles& angles) {
+/// three turn together, and a good deal where one of them is near 1. A quaternion and its negative are one rotation,
+/// but the parts reach to -1 and not to 1.
+PackedParts PackNearest(const PackedForm& form, const model::EulerAngles& angles) {
   constexpr double Unseen = 4e-7;  // less than half of what texts show
   model::Quat q;
   model::EulerToQuat(angles, q);
-  uint64_t best = Pack64(q);
-  double least = AngleMiss(best, angles);
-  if (least <= Unseen) return best;
-  const uint64_t start = best;
-  constexpr int64_t MostPart = 0x1FFFFF;
-  for (int step = 0; step < 27; ++step) {
-    const int steps[3] = {step % 3 - 1, step / 3 % 3 - 1, step / 9 - 1};
-    uint64_t tried = start >> 63 << 63;
-    for (int part = 0; part < 3; ++part) {
-      const auto value = static_cast<int64_t>(start >> (21 * part) & uint64_t{MostPart}) + steps[part];
-      tried |= static_cast<uint64_t>(std::clamp<int64_t>(value, 0, MostPart)) << (21 * part);
-    }
-    const double miss = AngleMiss(tried, angles);
-    if (miss < least) {
-      least = miss;
-      best = tried;
+  PackedParts best = Pack(form, q, 1);
+  double least = AngleMiss(form, best, angles);
+  for (const double sign : {1.0, -1.0}) {
+    const PackedParts start = Pack(form, q, sign);
+    for (int step = 0; step < 54; ++step) {
+      if (least <= Unseen) return best;
+      const int steps[3] = {step % 3 - 1, step / 3 % 3 - 1, step / 9 % 3 - 1};
+      PackedParts tried = start;
+      for (size_t i = 0; i < 3; ++i) {
+        tried.Parts[i] = std::clamp<int64_t>(start.Parts[i] + steps[i], 0, form.Most(i));
+      }
+      // Near 0 the fourth part's sign is lost in the rounding.
+      if (step >= 27) tried.NegativeW = !tried.NegativeW;
+      const double miss = AngleMiss(form, tried, angles);
+      if (miss < least) {
+        least = miss;
+        best = tried;
+      }
     }
   }
   return best;
@@ -163,13 +195,12 @@ class BoneChain {
     }
     const BonePose& pose = PoseAt(0);
     if (RotatedFromRest(pose)) {
-      model::Quat q;
-      model::EulerToQuat({pose.Angles[0], pose.Angles[1], pose.Angles[2]}, q);
+      const model::EulerAngles angles = {pose.Angles[0], pose.Angles[1], pose.Angles[2]};
       flags |= packed64 ? model::AnimRawRotation64 : model::AnimRawRotation48;
       if (packed64) {
-        Append(bytes, PackNearest({pose.Angles[0], pose.Angles[1], pose.Angles[2]}));
+        Append(bytes, Bits64(PackNearest(Form64, angles)));
       } else {
-        AppendPacked48(bytes, q);
+        for (const uint16_t word : Words48(PackNearest(Form48, angles))) Append(bytes, word);
       }
     }
     if (MovedFromRest(pose)) {

@@ -240,9 +240,12 @@ std::string Animations::IkRuleWords(const core::Record<StudioAnimDesc>& animatio
       words += " release";
     }
     words += IkRuleValues(m_job, *rule);
-    words += " range";
-    for (const float part : {rule->Start, rule->Peak, rule->Tail, rule->End}) {
-      words += " " + FrameAt(part, animation->FrameCount, exact);
+    const float parts[] = {rule->Start, rule->Peak, rule->Tail, rule->End};
+    const bool whole = parts[0] == 0 && parts[1] == 0 && parts[2] == 1 && parts[3] == 1;
+    // One frame has no place for an end behind its start; without a range a rule holds all through.
+    if (!whole || animation->FrameCount > 1) {
+      words += " range";
+      for (const float part : parts) words += " " + FrameAt(part, animation->FrameCount, exact);
     }
     if (rule->Contact != rule->Peak) {
       words += " contact " + FrameAt(rule->Contact, animation->FrameCount, exact);

@@ -76,7 +76,8 @@ std::vector<float> WidthsOf(const std::vector<SidePoint>& points) {
   return widths;
 }
 
-/// The width in the middle of those that give every vertex its side within `tolerance`; nothing if there is none.
+/// The width with the fewest decimals of those that give every vertex its side within `tolerance`; nothing if there is
+/// none. That is most likely the one that was typed, and a second decompile finds it again.
 std::optional<float> WidthOfAll(const std::vector<SidePoint>& points, double tolerance) {
   const auto part = [](double side) {  // from -1 to 1 across the band
     return -2 * std::sin(std::asin(1 - 2 * std::clamp(side / double{WholeSide}, 0.0, 1.0)) / 3);
@@ -91,6 +92,10 @@ std::optional<float> WidthOfAll(const std::vector<SidePoint>& points, double tol
     if (near > 0) most = std::min(most, x / near);
   }
   if (least > most || most == std::numeric_limits<double>::max()) return std::nullopt;
+  for (const double step : {1.0, 0.5, 0.1, 0.01, 0.001, 0.0001}) {
+    const double width = std::ceil(least / step) * step;
+    if (width > least && width < most) return static_cast<float>(width);
+  }
   return static_cast<float>((least + most) / 2);
 }
 
@@ -164,7 +169,11 @@ PairSplit FindPairSplit(JobContext& job, const FaceShapes& shapes, const FaceSha
   for (const SidePoint& point : points) {
     if (point.X != 0) nearest = std::min(nearest, std::abs(point.X));
   }
-  std::vector<float> candidates = {1};
+  std::vector<float> candidates;
+  for (const double tolerance : {0.5, 1.0}) {
+    if (const auto width = WidthOfAll(points, tolerance)) candidates.push_back(*width);
+  }
+  candidates.push_back(1);
   const auto offer = [&](float width) {
     for (const float step : {1.0f, 0.5f, 0.1f, 0.01f, 0.001f}) candidates.push_back(Rounded(width, step));
     candidates.push_back(width);
@@ -173,9 +182,6 @@ PairSplit FindPairSplit(JobContext& job, const FaceShapes& shapes, const FaceSha
     candidates.push_back(nearest);
   } else {
     offer(widths[widths.size() / 2]);
-  }
-  for (const double tolerance : {0.5, 1.0}) {
-    if (const auto width = WidthOfAll(points, tolerance)) offer(*width);
   }
   int64_t least = -1;
   bool isExact = false;  // of the best one: a width that gives the very sides goes ahead of one that nearly does

@@ -8,6 +8,7 @@
 #include "core/paths.h"
 #include "decompiler/sources/face.h"
 #include "decompiler/sources/lod_bones.h"
+#include "decompiler/sources/repeated_meshes.h"
 #include "decompiler/sources/script_values.h"
 #include "decompiler/stages/mesh_file.h"
 #include "decompiler/stages/reference_skeleton.h"
@@ -76,12 +77,16 @@ class MeshExport {
       const auto model = (*models)[m];
       if (!m_job.Spend(int64_t{sizeof(StudioModel)}) || m_job.Stopped()) break;
       if (model->MeshCount == 0) {
-        m_job.Script().Text("  blank\n");
-        if (!core::FixedText(model->Name).empty()) m_job.Lose("names of empty models");
+        if (!ExportEmptyModel(model)) m_job.Script().Text("  blank\n");
         continue;
       }
       const auto lods = LodsOf(m_job, index, m);
-      if (!lods || lods->Count() == 0 || !ExportModel(*name, model, *lods, grouped ? -1 : index)) {
+      if (!lods || lods->Count() == 0) {
+        LeaveOut("  ", "model", m);
+      } else if (const std::string* file = m_repeated.FindSame(m_job, model, *lods)) {
+        m_job.Script().Text((grouped ? "  studio " : "$body " + Quoted(m_job, *name) + " ") +
+                            Quoted(m_job, TypedName(core::FixedText(model->Name), *file)) + "\n");
+      } else if (!ExportModel(*name, model, *lods, grouped ? -1 : index)) {
         LeaveOut("  ", "model", m);
       }
     }
@@ -109,10 +114,42 @@ class MeshExport {
       names.Stem.resize(stem);
     }
     names.File = m_job.Names.Take(names.Stem, extension);
-    const std::string taken(FileStem(names.File));
-    names.Typed = stored == taken && taken.find('.') == std::string::npos ? taken : names.File;
-    if (stored != names.Typed) m_job.Lose("names of meshes that no file can have");
+    names.Typed = TypedName(stored, names.File);
     return names;
+  }
+
+  /// How the script names a file such that the model gets the name that is stored.
+  std::string TypedName(std::string_view stored, const std::string& file) {
+    constexpr std::string_view NoMesh = "blank";  // the word for none
+    const std::string stem(FileStem(file));
+    const bool isBare = stored == stem && stem.find('.') == std::string::npos;
+    std::string typed = isBare && !core::EqualIgnoringCase(stem, NoMesh) ? stem : file;
+    if (stored != typed) m_job.Lose("names of meshes that no file can have");
+    return typed;
+  }
+
+  /// A model without meshes that has a name was made of a file without triangles. False if it has none, or if the file
+  /// cannot be written.
+  bool ExportEmptyModel(const core::Record<StudioModel>& model) {
+    if (core::FixedText(model->Name).empty()) return false;
+    if (!m_job.Spend(FileCost + static_cast<int64_t>(m_skeleton->NodeLines.size() + m_skeleton->BoneLines.size()))) {
+      return false;
+    }
+    const ModelNames names = NamesOf(model);
+    std::string reason;
+    auto file = m_job.Create(names.File, &reason);
+    if (!file) {
+      m_job.Error("Error opening " + m_job.OutputPath(names.File) + ": " + reason, "File Error",
+                  core::TroubleKind::Unwritable, m_job.OutputPath(names.File), "Error opening a mesh file");
+      return false;
+    }
+    m_job.WriteFile(std::move(*file), [skeleton = m_skeleton](core::TextWriter& writer) {
+      smd::WriteReferenceHead(writer, *skeleton);
+      writer.Text("end\n");
+      return true;
+    });
+    m_job.Script().Text("  studio " + Quoted(m_job, names.Typed) + "\n");
+    return true;
   }
 
   /// `part` is the number of the body part that the model is all of; -1 where a group offers it.
@@ -121,6 +158,7 @@ class MeshExport {
     const ModelNames names = NamesOf(model);
     if (!WriteMeshFile(m_job, m_skeleton, names.File, model, lods[0])) return false;
     if (m_job.FirstMesh.empty()) m_job.FirstMesh = names.Typed;
+    m_repeated.Add(m_job, model, lods, names.File);
     core::TextWriter& script = m_job.Script();
     if (part < 0) {
       script.Text("  studio " + Quoted(m_job, names.Typed) + "\n");
@@ -213,6 +251,7 @@ class MeshExport {
   core::Record<StudioHeader> m_header;
   std::shared_ptr<const smd::SkeletonText> m_skeleton;
   LodBlocks m_lodBlocks;
+  RepeatedMeshes m_repeated;
   std::optional<FaceNames> m_faces;
   int64_t m_sharedPart = -1;  // the body part whose block holds what all faces share
   bool m_sharedWritten = false;

@@ -200,16 +200,23 @@ class PhysicsExport {
     return true;
   }
 
-  /// The single solid is named after its file; the file of a joined model, after the model.
+  /// The single solid is named after its file; the file of a joined model, after the model. Many a collision model was
+  /// made of the very mesh that is shown: its file then has the other ending that a compile takes for a physics mesh.
   void NameFile() {
     constexpr std::string_view Extension = ".smd";
+    constexpr std::string_view PhysicsExtension = ".phys";
     const std::string model(FileStem(core::LastComponent(core::FixedText(m_job.Model.Header()->Name))));
     const std::string& solid = m_collision.Solids.front().Values.Name;
     const std::string stem = CleanFileName(m_collision.IsJoined || solid.empty() ? model : solid);
-    m_collision.File = m_job.Names.IsFree(stem + std::string(Extension))
-                           ? m_job.Names.Take(stem, Extension)
-                           : m_job.Names.Take(stem + "_physics", Extension);
-    if (!m_collision.IsJoined && solid + std::string(Extension) != m_collision.File) {
+    const bool named = !m_collision.IsJoined && stem == solid;
+    if (m_job.Names.IsFree(stem + std::string(Extension))) {
+      m_collision.File = m_job.Names.Take(stem, Extension);
+    } else if (named && m_job.Names.IsFree(stem + std::string(PhysicsExtension))) {
+      m_collision.File = m_job.Names.Take(stem, PhysicsExtension);
+    } else {
+      m_collision.File = m_job.Names.Take(stem + "_physics", Extension);
+    }
+    if (!m_collision.IsJoined && std::string_view(m_collision.File).substr(0, m_collision.File.rfind('.')) != solid) {
       m_job.Lose("names of a single physics solid that its file cannot have");
     }
   }

@@ -27,11 +27,9 @@ constexpr RecordField MovementFields[] = {
 constexpr RecordField IkRuleFields[] = {
     {"type of an ik rule", offsetof(StudioIkRule, Type)},
     {"chain of an ik rule", offsetof(StudioIkRule, Chain)},
-    {"bone of an ik rule", offsetof(StudioIkRule, Bone)},
     {"slot of an ik rule", offsetof(StudioIkRule, Slot)},
     {"measures of an ik rule", offsetof(StudioIkRule, Height), 3, 1e-3},
     {"place of an ik rule", offsetof(StudioIkRule, Position), 3, 1e-3},
-    {"rotation of an ik rule", offsetof(StudioIkRule, Rotation), 4, 1e-3},
     {"range of an ik rule", offsetof(StudioIkRule, Start), 4, 1e-3},
     {"contact of an ik rule", offsetof(StudioIkRule, Contact), 1, 1e-3},
 };
@@ -135,6 +133,24 @@ class FrameComparison {
   const int64_t m_count;
 };
 
+/// The rotation that a rule holds; all zeros stand for none, as the rotation by nothing does.
+std::array<float, 4> RotationOf(const StudioIkRule& rule) {
+  const Quat turn = rule.Rotation;
+  if (turn.x == 0 && turn.y == 0 && turn.z == 0) return {0, 0, 0, 1};
+  return {turn.x, turn.y, turn.z, turn.w};
+}
+
+template <typename Where>
+void CompareIkRules(DifferenceList& differences, const StudioIkRule& first, const StudioIkRule& second,
+                    const Where& where) {
+  CompareFields(differences, ModelTable::Animations, IkRuleFields, first, second, where);
+  differences.Numbers(ModelTable::Animations, "rotation of an ik rule", where, RotationOf(first), RotationOf(second),
+                      1e-3);
+  // Only what touches has something that it touches.
+  if (first.Type != IkRuleTouch && second.Type != IkRuleTouch) return;
+  differences.Whole(ModelTable::Animations, "bone of an ik rule", where, first.Bone, second.Bone);
+}
+
 /// Where the ik rules of an animation stand; nothing for those of a block file.
 std::pair<int64_t, int64_t> IkRules(const AnimationRecord& animation) {
   if (animation->IkRuleOffset == 0) return {0, 0};
@@ -168,11 +184,9 @@ void CompareAnimations(const ComparedModels& models) {
         const auto rules = IkRules(one);
         const auto otherRules = IkRules(other);
         if (rules.second == otherRules.second) {
-          CompareTables<StudioIkRule>(models, ModelTable::Animations, "ik rules", where, rules, otherRules,
-                                      [&](const auto& x, const auto& y, int64_t) {
-                                        CompareFields(models.Differences, ModelTable::Animations, IkRuleFields, *x, *y,
-                                                      where);
-                                      });
+          CompareTables<StudioIkRule>(
+              models, ModelTable::Animations, "ik rules", where, rules, otherRules,
+              [&](const auto& x, const auto& y, int64_t) { CompareIkRules(models.Differences, *x, *y, where); });
         }
         if (first != nullptr && second != nullptr) {
           FrameComparison(models, *first, *second).Compare(one, other, std::string(name));

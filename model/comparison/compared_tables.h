@@ -31,6 +31,13 @@ inline std::string Place(std::string_view kind, std::string_view name, int64_t n
   return std::string(kind) + " " + (name.empty() ? std::to_string(number) : std::string(name));
 }
 
+/// A path with forward slashes: either kind separates folders.
+inline std::string WithSlashes(std::string_view path) {
+  std::string text(path);
+  std::replace(text.begin(), text.end(), '\\', '/');
+  return text;
+}
+
 /// Compares the tables of `what` (in the plural) at those places of the two files: their numbers of records, then by
 /// `compare(first, second, number)` each pair. A table that does not lie inside its file is told to its reader.
 template <core::PackedRecord T, typename Where, typename Compare>

@@ -42,15 +42,18 @@ class DifferenceList {
     double largest = 0;
     bool isRounding = true;
     bool differs = false;
+    bool canBeSaid = false;
     for (size_t i = 0; i < first.size(); ++i) {
       if (first[i] == second[i] || (std::isnan(first[i]) && std::isnan(second[i]))) continue;
       differs = true;
+      canBeSaid = canBeSaid || std::isfinite(first[i]) || second[i] != 0;
       const double amount = std::abs(double{first[i]} - double{second[i]});
       const double size = std::max(std::abs(double{first[i]}), std::abs(double{second[i]}));
       isRounding = isRounding && amount <= grain * std::max(1.0, size);
       if (std::isfinite(amount)) largest = std::max(largest, amount);
     }
-    if (differs) Add(table, what, where(), NumberText(first), NumberText(second), largest, isRounding);
+    const std::string_view derived = canBeSaid ? "" : "no number of a source";  // such stand as 0
+    if (differs) Add(table, what, where(), NumberText(first), NumberText(second), largest, isRounding, derived);
   }
   /// A difference whose size is known. `derived` is as ModelDifference has it, a text that stays.
   void Add(ModelTable table, std::string_view what, std::string where, std::string first, std::string second,

@@ -39,13 +39,6 @@ std::string_view KeyValues(const ModelReader& reader) {
   return reader.Model.View().Text(header->KeyValueOffset).value_or("");
 }
 
-/// Either slash separates folders.
-std::string WithSlashes(std::string_view name) {
-  std::string text(name);
-  std::replace(text.begin(), text.end(), '\\', '/');
-  return text;
-}
-
 /// The words and braces of a text of keys and values, a blank between two: what stands between them does not count.
 std::string WordsOf(std::string_view text) {
   std::string words;

@@ -13,6 +13,8 @@ namespace {
 
 /// Points are turned, written in inches, made a hull of and turned back.
 constexpr double PointGrain = 1e-3;
+/// The same as a part of how far away a point is.
+constexpr double PointPart = 5e-6;
 /// Values that are computed of points: masses, volumes.
 constexpr double ValueGrain = 1e-3;
 
@@ -117,7 +119,7 @@ void ComparePieces(const ComparedModels& models, const PhySolid& firstSolid, con
     const double amount = Distance(point, b);
     if (amount > 0) {
       differences.Add(ModelTable::Physics, "point", place, DifferenceList::NumberText(point), "none there", amount,
-                      amount <= PointGrain);
+                      amount <= PointGrain + PointPart * std::hypot(point[0], point[1], point[2]));
     }
   }
 }

@@ -97,7 +97,8 @@ void CompareMaterials(const ComparedModels& models, const StudioHeader& a, const
       {b.MaterialDirectoryOffset, b.MaterialDirectoryCount}, [&](const auto& one, const auto& other, int64_t i) {
         models.Differences.Text(
             ModelTable::Materials, "folder", [&] { return "folder " + std::to_string(i); },
-            models.First.Model.Name(one->Offset).value_or(""), models.Second.Model.Name(other->Offset).value_or(""));
+            WithSlashes(models.First.Model.Name(one->Offset).value_or("")),
+            WithSlashes(models.Second.Model.Name(other->Offset).value_or("")));
       });
   const auto nowhere = [] { return std::string(); };
   models.Differences.Whole(ModelTable::Skins, "number of families", nowhere, a.SkinFamilyCount, b.SkinFamilyCount);
@@ -158,9 +159,14 @@ void CompareScriptTables(const ComparedModels& models) {
                                     {b.PoseParameterOffset, b.PoseParameterCount}, PoseParameterFields);
   CompareMaterials(models, a, b);
   CompareNodes(models, a, b);
-  CompareNamed<StudioIncludeModel>(models, ModelTable::Header, "included model",
-                                   {a.IncludeModelOffset, a.IncludeModelCount},
-                                   {b.IncludeModelOffset, b.IncludeModelCount}, {});
+  CompareTables<StudioIncludeModel>(
+      models, ModelTable::Header, "included models", {a.IncludeModelOffset, a.IncludeModelCount},
+      {b.IncludeModelOffset, b.IncludeModelCount}, [&](const auto& one, const auto& other, int64_t i) {
+        models.Differences.Text(
+            ModelTable::Header, "included model", [&] { return "included model " + std::to_string(i); },
+            WithSlashes(TextOf(models.First, one, one->NameOffset)),
+            WithSlashes(TextOf(models.Second, other, other->NameOffset)));
+      });
 }
 
 }  // namespace tarnwick::model

@@ -51,7 +51,13 @@ struct Bone {
 
 class Maker {
  public:
-  Maker(uint32_t seed, uint32_t things) : m_dice(seed), m_things(things) {}
+  Maker(uint32_t seed, uint32_t things) : m_dice(seed), m_things(things) {
+    if (!Has(RandomNames)) return;
+    m_odd = Any({" // x", " {", "}", " ; #",
+                 " \xc3\xbc"
+                 "ber",
+                 "\\back", "/slash", " $v$", "%f", " fps", " /*", ".smd", "."});
+  }
 
   std::map<std::string, std::string> Make() {
     MakeBones();
@@ -82,6 +88,8 @@ class Maker {
   std::string Any(const std::vector<std::string>& of) {
     return of[static_cast<size_t>(m_dice.Below(static_cast<int>(of.size())))];
   }
+  /// A name that has what breaks a careless script, in models with such names.
+  std::string Odd(const std::string& name) const { return name + m_odd; }
   std::string AnyBone() {
     return "\"" + m_bones[static_cast<size_t>(m_dice.Below(static_cast<int>(m_bones.size())))].Name + "\"";
   }
@@ -90,7 +98,7 @@ class Maker {
     const int count = Has(RandomStatic) ? m_dice.From(1, 3) : Has(RandomIk) ? m_dice.From(4, 9) : m_dice.From(1, 9);
     for (int i = 0; i < count; ++i) {
       Bone bone;
-      bone.Name = Any({"Bip01 Spine", "ValveBiped.arm", "bone", "tail.L", "Jaw"}) + Number(i);
+      bone.Name = Odd(Any({"Bip01 Spine", "ValveBiped.arm", "bone", "tail.L", "Jaw"}) + Number(i));
       bone.Parent = i == 0 ? -1 : Has(RandomIk) && i < 4 ? i - 1 : m_dice.From(m_dice.Chance(10) ? -1 : 0, i - 1);
       for (size_t axis = 0; axis < 3; ++axis) bone.Rest[axis] = m_dice.Real(-12, 12);
       for (size_t axis = 3; axis < 6; ++axis) bone.Rest[axis] = m_dice.Chance(30) ? 0 : m_dice.Real(-3.1, 3.1);
@@ -124,9 +132,15 @@ class Maker {
     m_meshVertices.clear();
     const int parts = m_dice.From(1, 3);
     for (int part = 0; part < parts; ++part) {
-      const std::string material = Any({"Skin", "cloth_a", "metal", "glass"});
+      std::string material = Any({"Skin", "cloth_a", "metal", "glass"});
+      if (Has(RandomNames) && m_dice.Chance(30))
+        material = Any({"end.tga", "triangles.vmt", "50% grey", "folder/leaf", "a;b"});
       const int columns = m_dice.From(fewest, most), rows = m_dice.From(fewest, most);
-      const double size = m_dice.Real(1, 15), x = m_dice.Real(-20, 20), z = m_dice.Real(-20, 40);
+      const double size = Has(RandomOddMeshes) && m_dice.Chance(20) ? 20000 : m_dice.Real(1, 15),
+                   x = m_dice.Real(-20, 20), z = m_dice.Real(-20, 40);
+      const bool odd = Has(RandomOddMeshes);
+      const double length = odd && m_dice.Chance(30) ? 0 : 1;  // of normals
+      const double tiles = odd && m_dice.Chance(30) ? -700 : 1;
       std::vector<Vertex> grid;
       for (int row = 0; row <= rows; ++row) {
         for (int column = 0; column <= columns; ++column) {
@@ -135,8 +149,10 @@ class Maker {
           const double nx = std::cos(a) * std::sin(b), ny = std::sin(a) * std::sin(b), nz = std::cos(b);
           Vertex vertex;
           vertex.Place = {x + size * nx, size * ny, z + size * nz, nx, ny, nz};
-          vertex.Line =
-              Number(BoneOfRow()) + Numbers(x + size * nx, size * ny, z + size * nz, nx, ny, nz, u, v) + Links() + "\n";
+          vertex.Line = Number(BoneOfRow()) +
+                        Numbers(x + size * nx, size * ny, z + size * nz, nx * length, ny * length, nz * length,
+                                u * tiles, v * tiles) +
+                        Links() + "\n";
           grid.push_back(vertex);
         }
       }
@@ -148,6 +164,10 @@ class Maker {
           for (const auto& corners :
                {std::array{at(0, 0), at(1, 0), at(1, 1)}, std::array{at(0, 0), at(1, 1), at(0, 1)}}) {
             triangles += material + "\n" + corners[0].Line + corners[1].Line + corners[2].Line;
+            if (!Has(RandomOddMeshes) || m_dice.Chance(90)) continue;
+            // The triangle again, one turned over, one without an area.
+            const size_t last = static_cast<size_t>(m_dice.Below(3));
+            triangles += material + "\n" + corners[last].Line + corners[1].Line + corners[(last + 1) % 3].Line;
           }
         }
       }
@@ -205,7 +225,8 @@ class Maker {
   }
 
   void Bodies() {
-    m_script += "$body \"Body One\" \"" + Mesh("ref.smd", 4, 12) + "\"\n";
+    m_script += "$body \"" + Odd("Body One") + "\" \"" + Mesh("ref.smd", 4, 12) + "\"\n";
+    if (Has(RandomRepeats)) Repeats();
     if (Has(RandomFace)) Face();
     if (!Has(RandomBodyGroups)) return;
     const int groups = m_dice.From(1, 2);
@@ -218,6 +239,11 @@ class Maker {
       }
       m_script += "}\n";
     }
+  }
+  void Repeats() {
+    m_files["none.smd"] = Nodes() + Rest() + "triangles\nend\n";
+    m_script += "$body again \"ref\"\n$bodygroup either {\n  studio \"ref.smd\"\n  studio \"none.smd\"\n" +
+                std::string(m_dice.Chance(50) ? "  blank\n" : "") + "}\n";
   }
   /// Shapes that lift some of the mesh's vertices.
   void Face() {
@@ -267,8 +293,8 @@ class Maker {
   }
   void Attachments() {
     for (int i = m_dice.From(1, 5); i > 0; --i) {
-      m_script +=
-          "$attachment \"At " + Number(i) + "\" " + AnyBone() + Numbers(m_dice.Real(-9, 9), m_dice.Real(-9, 9), 0.5);
+      m_script += "$attachment \"" + Odd("At " + Number(i)) + "\" " + AnyBone() +
+                  Numbers(m_dice.Real(-9, 9), m_dice.Real(-9, 9), 0.5);
       if (m_dice.Chance(30)) m_script += " absolute";
       if (m_dice.Chance(60)) {
         m_script += " rotate" + Numbers(m_dice.Chance(20) ? 90 : m_dice.Real(-89, 89), m_dice.Real(-180, 180),
@@ -279,7 +305,7 @@ class Maker {
   }
   void Hitboxes() {
     for (const char* set : {"default", "Second"}) {
-      m_script += std::string("$hboxset \"") + set + "\"\n";
+      m_script += "$hboxset \"" + Odd(set) + "\"\n";
       for (int i = m_dice.From(0, 4); i > 0 && !Has(RandomStatic); --i) {
         m_script += "$hbox " + Number(m_dice.Below(8)) + " " + AnyBone() +
                     Numbers(-m_dice.Real(1, 5), -2.0, -3.5, 2.0, m_dice.Real(1, 5), 3.0) + "\n";
@@ -289,7 +315,7 @@ class Maker {
   }
   void Chains() {
     if (Has(RandomStatic)) return;
-    m_script += "$ikchain \"Foot one\" \"" + m_bones[2].Name + "\" knee 0.707 -0.707 0\n";
+    m_script += "$ikchain \"" + Odd("Foot one") + "\" \"" + m_bones[2].Name + "\" knee 0.707 -0.707 0\n";
     m_script += "$ikchain hand \"" + m_bones[3].Name + "\"\n$ikautoplaylock hand 1 0.1\n";
   }
   void Procedures() {
@@ -314,7 +340,7 @@ class Maker {
   }
   void WeightLists() {
     if (Has(RandomStatic)) return;
-    m_script += "$weightlist upper {";
+    m_script += "$weightlist \"" + Odd("upper") + "\" {";
     for (const Bone& bone : m_bones) {
       if (m_dice.Chance(60))
         m_script += " \"" + bone.Name + "\"" + Numbers(m_dice.Chance(50) ? 1.0 : m_dice.Real(0, 1));
@@ -333,12 +359,17 @@ class Maker {
             still || m_dice.Chance(30) ? 0 : m_dice.Real(-1, 1) * (axis < 3 ? (big ? 300 : 10) : (big ? 3 : 0.3));
       }
     }
+    // Half and quarter turns are what authors type.
+    std::vector<std::array<double, 6>> turn(m_bones.size());
+    for (auto& bone : turn) {
+      if (m_dice.Chance(20)) bone[static_cast<size_t>(m_dice.From(3, 5))] = m_dice.From(-2, 2) * 1.570796;
+    }
     for (int frame = 0; frame < frames; ++frame) {
       text += "time " + Number(frame) + "\n";
       for (size_t i = 0; i < m_bones.size(); ++i) {
         std::array<double, 6> pose = m_bones[i].Rest;
         const double t = frames == 1 ? 0.3 : std::sin(3.0 * frame / frames);
-        for (size_t axis = 0; axis < 6; ++axis) pose[axis] += slope[i][axis] * t;
+        for (size_t axis = 0; axis < 6; ++axis) pose[axis] += slope[i][axis] * t + turn[i][axis];
         text += PoseLine(i, pose);
       }
     }
@@ -350,7 +381,7 @@ class Maker {
     if (Has(RandomAnimations)) {
       for (int i = m_dice.From(1, 3); i > 0; --i) {
         const int frames = Has(RandomLongAnimations) && m_dice.Chance(60) ? m_dice.From(119, 200) : m_dice.From(1, 40);
-        m_script += "$sequence move" + Number(i) + " \"" +
+        m_script += "$sequence \"" + Odd("move" + Number(i)) + "\" \"" +
                     Animation("move " + Number(i) + ".smd", frames, m_dice.Chance(30)) + "\"";
         m_script += m_dice.Chance(50) ? " loop" : "";
         m_script += m_dice.Chance(30) ? " snap" : "";
@@ -372,9 +403,8 @@ class Maker {
     }
     if (Has(RandomGrids)) Grids();
     if (Has(RandomIk) && !Has(RandomStatic)) {
-      m_script += "$sequence stand \"" + Animation("stand.smd", 11, false) +
-                  "\" {\n  ikrule \"Foot one\" touch \"\" range 0 2 8 10\n  ikrule hand release\n  ikrule hand touch " +
-                  AnyBone() + "\n}\n";
+      m_script += "$sequence stand \"" + Animation("stand.smd", 11, false) + "\" {\n  ikrule \"" + Odd("Foot one") +
+                  "\" touch \"\" range 0 2 8 10\n  ikrule hand release\n  ikrule hand touch " + AnyBone() + "\n}\n";
     }
     if (Has(RandomWords)) Words();
   }
@@ -395,7 +425,7 @@ class Maker {
     const std::vector<std::string> lines = {"{ event AE_CL_PLAYSOUND 0 \"Crane.Hum\" }",
                                             "{ event 5001 1 \"12\" }",
                                             "activity ACT_TALK 3",
-                                            "node Stand",
+                                            "node \"" + Odd("Stand") + "\"",
                                             "addlayer \"Idle one\"",
                                             "blendlayer \"Idle one\" 0 1 2 3",
                                             "fadein 1.5",
@@ -403,10 +433,10 @@ class Maker {
     for (const std::string& line : lines) {
       if (m_dice.Chance(60)) m_script += "  " + line + "\n";
     }
-    if (!Has(RandomStatic) && m_dice.Chance(60)) m_script += "  weightlist upper\n";
+    if (!Has(RandomStatic) && m_dice.Chance(60)) m_script += "  weightlist \"" + Odd("upper") + "\"\n";
     if (Has(RandomIk) && !Has(RandomStatic)) m_script += "  iklock hand 1 0.25\n";
-    m_script +=
-        "}\n$sequence step \"ref.smd\" transition Stand Sit\n$sequence back \"ref.smd\" rtransition Sit \"Lie down\"\n";
+    m_script += "}\n$sequence step \"ref.smd\" transition \"" + Odd("Stand") +
+                "\" Sit\n$sequence back \"ref.smd\" rtransition Sit \"Lie down\"\n";
   }
 
   void Collision() {
@@ -425,9 +455,10 @@ class Maker {
                                            {2, 6, 3}, {3, 6, 7}, {0, 4, 2}, {2, 4, 6}, {1, 3, 5}, {3, 7, 5}};
       for (const auto& face : Faces) triangles += "phys\n" + corner(face[0]) + corner(face[1]) + corner(face[2]);
     }
-    m_files["hull.smd"] = Nodes() + Rest() + "triangles\n" + triangles + "end\n";
-    m_script += std::string(joints ? "$collisionjoints" : "$collisionmodel") + " \"hull.smd\" {\n  $mass " +
-                Numbers(m_dice.Real(1, 200)) + "\n";
+    const bool shown = !joints && Has(RandomRepeats);
+    if (!shown) m_files["hull.smd"] = Nodes() + Rest() + "triangles\n" + triangles + "end\n";
+    m_script += std::string(joints ? "$collisionjoints" : "$collisionmodel") +
+                (shown ? " \"ref.smd\"" : " \"hull.smd\"") + " {\n  $mass " + Numbers(m_dice.Real(1, 200)) + "\n";
     if (!joints && m_dice.Chance(60)) m_script += "  $concave\n";
     if (m_dice.Chance(50)) m_script += "  $inertia 2\n  $damping 0.1\n  $rotdamping 1.5\n";
     if (joints) {
@@ -450,6 +481,7 @@ class Maker {
 
   Dice m_dice;
   uint32_t m_things;
+  std::string m_odd;
   std::vector<Bone> m_bones;
   std::vector<Vertex> m_meshVertices;
   std::string m_script;

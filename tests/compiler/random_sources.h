@@ -27,8 +27,11 @@ enum RandomThing : uint32_t {
   RandomJoints = 1U << 16,
   RandomHeader = 1U << 17,
   RandomFace = 1U << 18,
-  RandomBones = 1U << 19,  // $definebone and bones that nothing needs
-  RandomThings = 20
+  RandomBones = 1U << 19,      // $definebone and bones that nothing needs
+  RandomRepeats = 1U << 20,    // meshes named twice, a mesh without triangles, a collision model of the shown mesh
+  RandomNames = 1U << 21,      // words of the language, blanks, quotes, slashes and letters beyond ASCII as names
+  RandomOddMeshes = 1U << 22,  // triangles and vertices that nobody wants
+  RandomThings = 23
 };
 
 /// The sources of a sound model, by their names; the script is "model.qc". The same seed and things give the same model

@@ -190,7 +190,8 @@ TEST(DecompileJob, WarnsOfFilesThatDoNotBelongTogether) {
 TEST(DecompileJob, KeepsJobsThatRunSideBySideApart) {
   const auto model = [](const std::string& name) {
     ModelBuilder builder{.Name = name + ".mdl"};
-    builder.BodyParts[0].Models.assign(30, {.Name = name + ".smd"});
+    builder.BodyParts[0].Models.clear();
+    for (int i = 0; i < 30; ++i) builder.BodyParts[0].Models.push_back({.Name = name + std::to_string(i) + ".smd"});
     return builder;
   };
   std::vector<std::thread> threads;

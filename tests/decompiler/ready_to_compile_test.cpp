@@ -24,10 +24,9 @@ TEST(ReadyToCompile, PutsEveryFileStraightIntoTheOutputDirectoryUnderItsOwnName)
                                      Part("con.smd"), Part("tail. "), Part("dir/")});
   EXPECT_TRUE(job.Result.Succeeded()) << job.Report.LogText;
   EXPECT_EQ(job.MeshCommands(),
-            "$body \"body\" \"led3.smd\"\n$body \"body\" \"LED3_2.smd\"\n$body \"body\" \"a_b_.smd\"\n"
+            "$body \"body\" \"led3.smd\"\n$body \"body\" \"led3.smd\"\n$body \"body\" \"a_b_.smd\"\n"
             "$body \"body\" \"_on.smd\"\n$body \"body\" \"tail__.smd\"\n$body \"body\" \"_.smd\"\n");
-  EXPECT_THAT(job.Files(),
-              ElementsAre("LED3_2.smd", "_.smd", "_on.smd", "a_b_.smd", "led3.smd", "ravelback.qc", "tail__.smd"));
+  EXPECT_THAT(job.Files(), ElementsAre("_.smd", "_on.smd", "a_b_.smd", "led3.smd", "ravelback.qc", "tail__.smd"));
   EXPECT_THAT(job.Result.Lost, ElementsAre(LostKind{"names of meshes that no file can have", 6}));
 }
 
@@ -39,12 +38,21 @@ TEST(ReadyToCompile, TypesTheNameThatTheModelHas) {
 }
 
 TEST(ReadyToCompile, GroupsTheModelsOfABodyPart) {
-  const DecompiledModel job = Ready(
-      {{.Name = "head", .Models = {{.Name = "a.smd"}, {.Name = "", .Meshes = {}}, {.Name = "a.smd"}}}, Part("b.smd")});
+  MeshDescription other;
+  other.Vertices[0].Position.x += 1;
+  const DecompiledModel job = Ready({{.Name = "head",
+                                      .Models = {{.Name = "a.smd"},
+                                                 {.Name = "", .Meshes = {}},
+                                                 {.Name = "x/A.smd", .Meshes = {other}},
+                                                 {.Name = "none", .Meshes = {}}}},
+                                     Part("a.smd"),
+                                     Part("b.smd")});
   EXPECT_EQ(job.MeshCommands(),
-            "$bodygroup \"head\" {\n  studio \"a.smd\"\n  blank\n  studio \"a_2.smd\"\n}\n"
-            "$body \"body\" \"b.smd\"\n");
-  EXPECT_THAT(job.Files(), ElementsAre("a.smd", "a_2.smd", "b.smd", "ravelback.qc"));
+            "$bodygroup \"head\" {\n  studio \"a.smd\"\n  blank\n  studio \"A_2.smd\"\n  studio \"none\"\n}\n"
+            "$body \"body\" \"a.smd\"\n$body \"body\" \"b.smd\"\n");
+  EXPECT_THAT(job.Files(), ElementsAre("A_2.smd", "a.smd", "b.smd", "none.smd", "ravelback.qc"));
+  EXPECT_TRUE(job.File("none.smd").ends_with("triangles\nend\n"));
+  EXPECT_THAT(job.Result.Lost, ElementsAre(LostKind{"names of meshes that no file can have", 1}));
 }
 
 TEST(ReadyToCompile, KeepsAFaceWhereNoGroupOffersIt) {
@@ -69,14 +77,14 @@ TEST(ReadyToCompile, MergesLodCommandsBehindTheLastBodyPart) {
              {.Models = {{.Name = "near.smd", .Meshes = {nearOnly}, .SwitchDistances = {0, 7, 7}}}},
              {.Models = {{.Name = "A.smd", .Meshes = {threeLods}, .SwitchDistances = {0, 9, 9}}}}});
   EXPECT_EQ(job.MeshCommands(),
-            "$bodygroup \"p\" {\n  blank\n  studio \"a.smd\"\n}\n$body \"body\" \"near.smd\"\n"
+            "$bodygroup \"p\" {\n  studio \"none\"\n  studio \"a.smd\"\n}\n$body \"body\" \"near.smd\"\n"
             "$body \"body\" \"A_2.smd\"\n"
             "$lod 20.5 {\n  replacemodel \"a.smd\" \"lod1_a.smd\"\n  removemodel \"near.smd\"\n"
             "  replacemodel \"A_2.smd\" \"lod1_A_2.smd\"\n}\n"
             "$shadowlod {\n  replacemodel \"a.smd\" \"lod2_a.smd\"\n  removemodel \"near.smd\"\n"
             "  replacemodel \"A_2.smd\" \"lod2_A_2.smd\"\n}\n");
   EXPECT_THAT(job.Files(), ElementsAre("A_2.smd", "a.smd", "lod1_A_2.smd", "lod1_a.smd", "lod2_A_2.smd", "lod2_a.smd",
-                                       "near.smd", "ravelback.qc"));
+                                       "near.smd", "none.smd", "ravelback.qc"));
 }
 
 TEST(ReadyToCompile, TakesTheTrianglesThatWereMadeWithTheModel) {

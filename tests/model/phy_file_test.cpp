@@ -48,6 +48,23 @@ TEST(PhyFile, GivesBackPiecesTextAndChecksum) {
   EXPECT_EQ(read->Text[2].Find("ROOTNAME"), "Pelvis");
 }
 
+TEST(PhyFile, KeepsPiecesInTheirOrderWhateverTheTreePairsUp) {
+  // A tree halves them along X.
+  const std::vector<BoxDescription> row = {{{16, 0, 0}, {20, 4, 4}}, {{0, 0, 0}, {4, 4, 4}}, {{8, 0, 0}, {12, 4, 4}}};
+  RecordingTroubles troubles;
+  const auto read = Read(PhyBuilder{.Solids = {{.Boxes = row}}}.Build(), troubles);
+  ASSERT_TRUE(read && read->Solids[0] && read->Solids[0]->Pieces.size() == 3);
+  for (size_t i = 0; i < row.size(); ++i) {
+    float least = 1000;
+    for (const PhyCorners& triangle : read->Solids[0]->Pieces[i].Triangles) {
+      for (const uint16_t corner : triangle) {
+        least = std::min(least, float{PhyToModel(read->Solids[0]->Points[corner]).x});
+      }
+    }
+    EXPECT_NEAR(least, row[i].Low.x, 1e-4f);
+  }
+}
+
 TEST(PhyFile, ADamagedSolidCostsThatSolidAlone) {
   constexpr int64_t Solid = 16;
   constexpr int64_t Surface = Solid + 32;
