@@ -78,6 +78,10 @@ const GameFiles* ContentFiles::Game(std::string& reason) const {
       m_gameReason = "no game directory is known";
     } else {
       m_game = GameFiles::Open(m_gameDirectory, m_sink, m_gameReason);
+      // What a name leads to in one of the game's archives is read from the one that is open.
+      for (const GamePlace& place : m_game != nullptr ? m_game->AllPlaces() : std::vector<GamePlace>()) {
+        if (place.InArchive != nullptr) m_archives.emplace(place.Path, place.InArchive);
+      }
     }
   }
   if (m_game == nullptr) reason = m_gameReason;
@@ -173,40 +177,106 @@ std::optional<std::string> ContentFiles::FindElsewhere(const std::string& name) 
 const LooseFolder& ContentFiles::Loose(const std::string& path) const {
   const std::lock_guard lock(m_lock);
   auto& folder = m_loose[path];
-  if (folder == nullptr) folder = std::make_unique<const LooseFolder>(path);
+  if (folder == nullptr) folder = std::make_unique<LooseFolder>(path);
   return *folder;
 }
 
-std::optional<std::string> ContentFiles::FindGameFile(const std::string& owner, const std::string& inside) const {
+void ContentFiles::Refresh() {
+  const std::lock_guard lock(m_lock);
+  if (m_game != nullptr) m_game->Refresh();
+  for (const auto& [path, folder] : m_loose) folder->Refresh();
+}
+
+/// A place in which files of a game are looked for.
+struct ContentFiles::Root {
+  enum class Kind { Game, Archive, Folder };
+  Kind Is = Kind::Folder;
+  std::string Path = {};
+  std::string Start = {};  // what stands before a name in an archive
+};
+
+/// Whether the archive or folder at `path` is one of the game's places.
+bool ContentFiles::IsOfGame(const std::string& path) const {
+  {
+    const std::lock_guard lock(m_lock);
+    const auto known = m_isOfGame.find(path);
+    if (known != m_isOfGame.end()) return known->second;
+  }
+  std::string ignored;
+  const GameFiles* const game = Game(ignored);
+  bool isOfGame = false;
+  const std::filesystem::path wanted = core::NativePath(path);
+  for (const std::string& place : game != nullptr ? game->Places() : std::vector<std::string>{m_gameDirectory}) {
+    std::error_code error;
+    isOfGame = isOfGame || std::filesystem::equivalent(core::NativePath(place), wanted, error);
+  }
+  const std::lock_guard lock(m_lock);
+  m_isOfGame.emplace(path, isOfGame);
+  return isOfGame;
+}
+
+std::vector<ContentFiles::Root> ContentFiles::RootsFor(const std::string& owner) const {
   std::string ignored;
   const std::string name = Resolve(owner, ignored).value_or(owner);
   const ContentName content = ReadContentName(name);
+  std::vector<Root> roots;
   if (content.Where == Where::Archive) {
-    if (const auto place = Find(content.Path + ':' + RootOf(content.Inside).value_or("") + inside, ignored)) {
-      return place->Name();
-    }
-  } else if (content.Where == Where::Disk) {
-    for (const std::string& root : LooseRoots(name)) {
-      if (auto path = Loose(root).Find(PlainName(inside))) return path;
+    roots.push_back({Root::Kind::Archive, content.Path, RootOf(content.Inside).value_or("")});
+  } else if (content.Where == Where::Disk && !name.empty()) {
+    for (std::string& path : LooseRoots(name)) roots.push_back({Root::Kind::Folder, std::move(path)});
+  }
+  if (m_gameDirectory.empty()) return roots;
+  const bool isOfGame = !roots.empty() && IsOfGame(roots.front().Path);
+  roots.insert(isOfGame ? roots.begin() : roots.end(), {Root::Kind::Game, m_gameDirectory});
+  // The game looks there itself.
+  std::erase_if(roots, [this](const Root& root) { return root.Is == Root::Kind::Folder && IsOfGame(root.Path); });
+  return roots;
+}
+
+std::optional<std::string> ContentFiles::FindGameFile(const std::string& owner, const std::string& inside) const {
+  std::string reason;
+  for (const Root& root : RootsFor(owner)) {
+    if (root.Is == Root::Kind::Folder || (root.Is == Root::Kind::Game && Game(reason) == nullptr)) {
+      if (auto path = Loose(root.Path).Find(PlainName(inside))) return path;
+    } else {
+      const std::string start = root.Is == Root::Kind::Game ? "game:" : root.Path + ':' + root.Start;
+      if (const auto place = Find(start + inside, reason)) return place->Name();
     }
   }
-  if (m_gameDirectory.empty()) return std::nullopt;
-  const auto place = Find("game:" + inside, ignored);
-  return place ? std::optional(place->Name()) : std::nullopt;
+  return std::nullopt;
 }
 
 std::string ContentFiles::PlacesFor(const std::string& owner) const {
-  std::string ignored;
-  const std::string name = Resolve(owner, ignored).value_or(owner);
-  const ContentName content = ReadContentName(name);
   std::string places;
-  if (content.Where == Where::Archive) {
-    places = content.Path;
-  } else if (content.Where == Where::Disk) {
-    for (const std::string& root : LooseRoots(name)) places += (places.empty() ? "" : ", ") + root;
+  for (const Root& root : RootsFor(owner)) {
+    if (!places.empty()) places += ", ";
+    places += (root.Is == Root::Kind::Game ? "the game in " : "") + root.Path;
   }
-  if (!m_gameDirectory.empty()) places += (places.empty() ? "" : ", ") + ("the game in " + m_gameDirectory);
   return places;
+}
+
+std::vector<std::string> ContentFiles::TriedFor(const std::string& owner, const std::string& inside) const {
+  std::vector<std::string> tried;
+  const auto below = [&](const std::string& place) {
+    const bool ends = place.ends_with('/') || place.ends_with('\\');
+    tried.push_back(place +
+                    (ends                         ? ""
+                     : HasArchiveExtension(place) ? ":"
+                                                  : std::string(1, core::PathSeparator)) +
+                    PlainName(inside));
+  };
+  std::string ignored;
+  for (const Root& root : RootsFor(owner)) {
+    const GameFiles* const game = root.Is == Root::Kind::Game ? Game(ignored) : nullptr;
+    if (root.Is == Root::Kind::Archive) {
+      tried.push_back(root.Path + ':' + root.Start + inside);
+    } else if (game == nullptr) {
+      below(root.Path);
+    } else {
+      for (const std::string& place : game->Places()) below(place);
+    }
+  }
+  return tried;
 }
 
 std::optional<std::string> ContentFiles::Resolve(const std::string& name, std::string& reason) const {

@@ -49,11 +49,16 @@ class ContentFiles : public core::FileSource {
                                                  std::string& reason) const;
 
   /// The name under which to read `inside` ("materials/brick.vmt") of the game that the model or other file `owner` is
-  /// of: in the same archive, or on the disk beside the folder `models` that the owner lies in or beside the owner,
-  /// without regard to case; else through the search paths. Nothing if no place has it.
-  std::optional<std::string> FindGameFile(const std::string& owner, const std::string& inside) const;
-  /// The places in which `FindGameFile` looks, for people: "pak01_dir.vpk, the game in /games/mod"; "" for none.
+  /// of, without regard to case. What belongs to the owner is its archive, or on the disk the folder above the last one
+  /// called `models` that it lies in and its own folder. Where the search paths of the game hold that, their order
+  /// counts, as in the game; else the owner's own places come first. A game directory without gameinfo.txt is searched
+  /// as one folder. Nothing if no place has it.
+  std::optional<std::string> FindGameFile(const std::string& owner, const std::string& inside) const override;
+  /// The places in which `FindGameFile` looks, in its order, for people: "pak01_dir.vpk, the game in /games/mod"; ""
+  /// for none.
   std::string PlacesFor(const std::string& owner) const;
+  /// Every name under which `FindGameFile` looks for the file, in its order.
+  std::vector<std::string> TriedFor(const std::string& owner, const std::string& inside) const;
 
   /// The archive at `path`, opened once. Null, with `reason`, if it cannot be.
   std::shared_ptr<const Archive> OpenArchive(const std::string& path, std::string& reason) const;
@@ -62,17 +67,24 @@ class ContentFiles : public core::FileSource {
   std::optional<std::string> Resolve(const std::string& name, std::string& reason) const;
   /// The game's places. Null, with `reason`, if there is no game directory or its gameinfo.txt cannot be read.
   const GameFiles* Game(std::string& reason) const;
+  const std::string& GameDirectory() const { return m_gameDirectory; }
+  /// Lets files be found that were written since. Archives stay as they were opened. Nobody else may ask meanwhile.
+  void Refresh();
 
  private:
   struct Place;
+  struct Root;
+  std::vector<Root> RootsFor(const std::string& owner) const;
+  bool IsOfGame(const std::string& path) const;
   std::optional<Place> Find(const std::string& name, std::string& reason) const;
   const LooseFolder& Loose(const std::string& path) const;
 
   const std::string m_gameDirectory;
   core::TroubleSink& m_sink;
   mutable std::mutex m_lock;
-  mutable std::map<std::string, std::shared_ptr<const Archive>> m_archives;   // by path
-  mutable std::map<std::string, std::unique_ptr<const LooseFolder>> m_loose;  // by path
+  mutable std::map<std::string, std::shared_ptr<const Archive>> m_archives;  // by path
+  mutable std::map<std::string, std::unique_ptr<LooseFolder>> m_loose;       // by path
+  mutable std::map<std::string, bool> m_isOfGame;                            // whether search paths hold that path
   mutable std::unique_ptr<GameFiles> m_game;
   mutable bool m_gameTried = false;
   mutable std::string m_gameReason;  // why there is none

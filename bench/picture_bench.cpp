@@ -3,9 +3,12 @@
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
+#include <array>
 #include <cmath>
+#include <numeric>
 
-#include "archives/game_files.h"
+#include "archives/content_files.h"
 #include "jobs/draw_pictures.h"
 #include "support/model_builder.h"
 #include "support/recording_host.h"
@@ -15,6 +18,7 @@
 #include "textures/pixel_rows.h"
 #include "textures/vtf_file.h"
 #include "view/materials/material_loader.h"
+#include "view/renderer/gl_table.h"
 #include "view/renderer/offscreen.h"
 #include "view/renderer/renderer.h"
 #include "view/scene/make_scene.h"
@@ -23,36 +27,59 @@
 namespace tarnwick {
 namespace {
 
-constexpr int Rings = 120, Sides = 160;  // 38,400 triangles
+/// A texture of noise in DXT5 with all its mip levels.
+std::string TextureOf(int side) {
+  int levels = 1;
+  size_t bytes = 16;
+  for (int s = side; s > 1; s /= 2, ++levels)
+    bytes += static_cast<size_t>(std::max(s / 4, 1) * std::max(s / 4, 1)) * 16;
+  std::string pixels;
+  for (size_t i = 0; i < bytes; ++i) pixels += static_cast<char>(i * 2654435761u >> 13);
+  return tests::VtfBuilder().Size(side, side).Mips(levels).Format(textures::PixelFormat::Dxt5).Pixels(pixels).Build();
+}
 
-/// A round model of two materials with textures of 1024 by 1024 in DXT1, in a tree of `models` and `materials`.
+constexpr int Bones = 60;
+
+/// What a character of a game weighs: 12,000 triangles on 60 bones, four materials with textures of 2048 by 2048 and
+/// normal maps of 1024 by 1024 in DXT5, in a tree of `models` and `materials`.
 class ModelTree {
  public:
   ModelTree() {
-    std::string pixels;
-    for (size_t i = 0; i < 1024 * 1024 / 2; ++i) pixels += static_cast<char>(i * 2654435761u >> 13);
-    const std::string texture =
-        tests::VtfBuilder().Size(1024, 1024).Mips(1).Format(textures::PixelFormat::Dxt1).Pixels(pixels).Build();
-    tests::WriteText(m_folder.Path("materials/models/props/skin.vtf"), texture);
-    tests::WriteText(m_folder.Path("materials/models/props/skin.vmt"),
-                     "VertexLitGeneric { $basetexture models/props/skin }");
-    m_path = Model().Write(m_folder.Path("models/props"), "ball");
+    tests::ModelBuilder model = Model(60, 100);
+    model.Textures.clear();
+    for (const std::string name : {"skin0", "skin1", "skin2", "skin3"}) {
+      const std::string start = "materials/models/props/" + name;
+      tests::WriteText(m_folder.Path(start + ".vtf"), TextureOf(2048));
+      tests::WriteText(m_folder.Path(start + "_n.vtf"), TextureOf(1024));
+      tests::WriteText(m_folder.Path(start + ".vmt"), "VertexLitGeneric { $basetexture models/props/" + name +
+                                                          " $bumpmap models/props/" + name + "_n }");
+      for (const char* end : {".vtf", "_n.vtf"}) m_textures.push_back(m_folder.Path(start + end));
+      model.Textures.push_back(name);
+    }
+    model.SkinFamilies = {{0, 1, 2, 3}};
+    m_path = model.Write(m_folder.Path("models/props"), "ball");
+    Model(200, 250).Write(m_folder.Path("models/props"), "large");
   }
   const std::string& Path() const { return m_path; }
-  std::string Texture() const { return m_folder.Path("materials/models/props/skin.vtf"); }
+  std::string Large() const { return m_folder.Path("models/props/large.mdl"); }
+  const std::vector<std::string>& Textures() const { return m_textures; }
 
  private:
-  static tests::ModelBuilder Model() {
+  /// A ball of twice as many triangles as `Rings` times `Sides`, whose rings hang on the bones of a chain that bends.
+  static tests::ModelBuilder Model(int Rings, int Sides) {
     std::vector<tests::VertexDescription> vertices;
     tests::StripDescription strip{.Vertices = {}};
     for (int ring = 0; ring <= Rings; ++ring) {
       for (int side = 0; side <= Sides; ++side) {
-        const float a = 3.14159f * static_cast<float>(ring) / Rings, b = 6.28318f * static_cast<float>(side) / Sides;
+        const float a = 3.14159f * static_cast<float>(ring) / static_cast<float>(Rings);
+        const float b = 6.28318f * static_cast<float>(side) / static_cast<float>(Sides);
         const model::Vec3 out{std::sin(a) * std::cos(b), std::sin(a) * std::sin(b), std::cos(a)};
         vertices.push_back({.Position = {30 * out.x, 30 * out.y, 30 * out.z},
                             .Normal = out,
-                            .U = static_cast<float>(side) / Sides,
-                            .V = static_cast<float>(ring) / Rings});
+                            .U = static_cast<float>(side) / static_cast<float>(Sides),
+                            .V = static_cast<float>(ring) / static_cast<float>(Rings),
+                            .Weights = {{static_cast<uint8_t>(ring % Bones), 0.6f},
+                                        {static_cast<uint8_t>((ring + 1) % Bones), 0.4f}}});
         if (ring == Rings || side == Sides) continue;
         const auto at = [&](int r, int s) { return static_cast<uint16_t>(r * (Sides + 1) + s); };
         const uint16_t corners[] = {at(ring, side), at(ring + 1, side),     at(ring + 1, side + 1),
@@ -61,11 +88,25 @@ class ModelTree {
       }
     }
     tests::MeshDescription mesh{.Vertices = std::move(vertices), .Lods = {{{std::move(strip)}}}};
-    return {.BodyParts = {{.Models = {{.Meshes = {std::move(mesh)}}}}}};
+    tests::ModelBuilder model{.BodyParts = {{.Models = {{.Meshes = {std::move(mesh)}}}}}};
+    model.Bones.clear();
+    tests::AnimationDescription turn{.Name = "@turn", .FrameCount = 30};
+    for (int bone = 0; bone < Bones; ++bone) {
+      model.Bones.push_back({.Name = "b" + std::to_string(bone), .Parent = bone - 1});
+      std::vector<int16_t> values;
+      for (int frame = 0; frame < 30; ++frame) values.push_back(static_cast<int16_t>(frame));
+      turn.Data.Bones.push_back(
+          {.Bone = static_cast<uint8_t>(bone),
+           .RotationRuns = std::array<tests::AxisRuns, 3>{tests::AxisRuns{{values, 30}}, {}, {}}});
+    }
+    model.Animations = {turn};
+    model.Sequences = {{.Label = "turn"}};
+    return model;
   }
 
   tests::ScratchFolder m_folder;
   std::string m_path;
+  std::vector<std::string> m_textures;
 };
 
 const ModelTree& Tree() {
@@ -81,13 +122,18 @@ void ReadAndDecode(benchmark::State& state) {
          {path, path.substr(0, path.size() - 4) + ".vvd", path.substr(0, path.size() - 4) + ".dx90.vtx"}) {
       benchmark::DoNotOptimize(core::FileImage::Read(file));
     }
-    const auto image = core::FileImage::Read(Tree().Texture());
-    std::string reason;
-    const auto vtf = textures::VtfFile::Open(image->View(), reason);
-    std::vector<uint8_t> pixels(size_t{1024} * 1024 * 4);
-    textures::DecodeRows({vtf->Info().Format, 1024, 1024, vtf->Image({})}, 0, 1024, textures::PixelLayout::Bgra32,
-                         pixels.data(), 4096);
-    benchmark::DoNotOptimize(pixels);
+    for (const std::string& file : Tree().Textures()) {
+      const auto image = core::FileImage::Read(file);
+      std::string reason;
+      const auto vtf = textures::VtfFile::Open(image->View(), reason);
+      for (int mip = 0; mip < vtf->Info().MipLevels; ++mip) {
+        const int side = textures::MipSize(vtf->Info().Width, mip);
+        std::vector<uint8_t> pixels(static_cast<size_t>(side * side) * 4);
+        textures::DecodeRows({vtf->Info().Format, side, side, vtf->Image({.Mip = mip})}, 0, side,
+                             textures::PixelLayout::Bgra32, pixels.data(), ptrdiff_t{side} * 4);
+        benchmark::DoNotOptimize(pixels);
+      }
+    }
   }
 }
 BENCHMARK(ReadAndDecode)->Unit(benchmark::kMillisecond)->UseRealTime();
@@ -97,10 +143,10 @@ struct Loaded {
   explicit Loaded(view::Offscreen& context, view::Renderer& renderer, int side, int largestTexture) {
     tests::RecordingTroubles troubles;
     Scene = *view::MakeScene(Tree().Path(), troubles);
-    const view::GameMaterials game("", troubles);
+    const archives::ContentFiles content("", troubles);
     view::TextureCache cache(size_t{256} << 20, largestTexture);
     const auto materials =
-        view::LoadMaterials(Scene.Materials, Scene.MaterialDirectories, {game, Tree().Path()}, cache);
+        view::LoadMaterials(Scene.Materials, Scene.MaterialDirectories, {content, Tree().Path()}, cache);
     renderer.Load(Scene, materials);
     State = view::FirstViewOf(Scene, 1);
     State.Extras.Grid = false;
@@ -113,6 +159,36 @@ struct Loaded {
   view::ViewState State;
   view::DrawTarget Target;
 };
+
+/// From the path to a scene, and its materials.
+void MakeScene(benchmark::State& state) {
+  tests::RecordingTroubles troubles;
+  for (auto _ : state) benchmark::DoNotOptimize(view::MakeScene(Tree().Path(), troubles));
+}
+BENCHMARK(MakeScene)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+void LoadMaterials(benchmark::State& state) {
+  tests::RecordingTroubles troubles;
+  const auto scene = view::MakeScene(Tree().Path(), troubles);
+  for (auto _ : state) {
+    const archives::ContentFiles content("", troubles);
+    view::TextureCache cache;
+    benchmark::DoNotOptimize(
+        view::LoadMaterials(scene->Materials, scene->MaterialDirectories, {content, Tree().Path()}, cache));
+  }
+}
+BENCHMARK(LoadMaterials)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+/// A context, its shaders and its end: what a window pays once.
+void MakeContext(benchmark::State& state) {
+  for (auto _ : state) {
+    std::string reason;
+    const auto context = view::Offscreen::Make(reason);
+    if (context == nullptr) return state.SkipWithError(reason.c_str());
+    benchmark::DoNotOptimize(view::Renderer::Make(context->Functions(), reason));
+  }
+}
+BENCHMARK(MakeContext)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 /// From the path to the pixels, in a context that is there.
 void FirstPicture(benchmark::State& state) {
@@ -143,6 +219,50 @@ void NextPicture(benchmark::State& state) {
   state.SetItemsProcessed(static_cast<int64_t>(triangles));
 }
 BENCHMARK(NextPicture)->ArgName("side")->Arg(16)->Arg(512)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+/// A driver that does nothing, so that what is left is ours: every function is there and returns at once.
+template <typename Function>
+struct Idle;
+template <typename Result, typename... Arguments>
+struct Idle<Result (*)(Arguments...)> {
+  static Result Call(Arguments...) { return Result(); }
+};
+
+std::shared_ptr<const view::GlFunctions> IdleDriver() {
+  auto gl = std::make_shared<view::GlFunctions>();
+#define TARNWICK_IDLE(name, type) gl->name = &Idle<PFNGL##type##PROC>::Call;
+  TARNWICK_GL_FUNCTIONS(TARNWICK_IDLE)
+#undef TARNWICK_IDLE
+  const auto names = +[](GLsizei count, GLuint* objects) { std::iota(objects, objects + count, 1u); };
+  gl->GenBuffers = gl->GenFramebuffers = gl->GenRenderbuffers = gl->GenTextures = gl->GenVertexArrays = names;
+  gl->GetIntegerv = [](GLenum, GLint* value) { *value = 8192; };
+  gl->GetShaderiv = gl->GetProgramiv = [](GLuint, GLenum, GLint* value) { *value = GL_TRUE; };
+  gl->CreateShader = [](GLenum) { return 1u; };
+  gl->CreateProgram = [] { return 1u; };
+  gl->CheckFramebufferStatus = [](GLenum) { return static_cast<GLenum>(GL_FRAMEBUFFER_COMPLETE); };
+  return gl;
+}
+
+/// A frame of 100,000 triangles whose bones move: the pose and all calls, without what a driver does in them.
+void FrameBesideDriver(benchmark::State& state) {
+  tests::RecordingTroubles troubles;
+  const auto scene = view::MakeScene(Tree().Large(), troubles);
+  std::string reason;
+  const auto renderer = view::Renderer::Make(IdleDriver(), reason);
+  if (!scene || renderer == nullptr) return state.SkipWithError(reason.c_str());
+  renderer->Load(*scene, {});
+  view::ViewState shown = view::FirstViewOf(*scene, 1);
+  shown.Extras.Bones = state.range(0) != 0;
+  view::ScenePose pose(*scene);
+  size_t triangles = 0;
+  for (auto _ : state) {
+    view::Advance(*scene, shown, 0.016f);
+    pose.Set(view::PoseOf(shown));
+    triangles += renderer->Draw(shown, pose, {.Framebuffer = 1, .Width = 1024, .Height = 768}).Triangles;
+  }
+  state.counters["triangles"] = static_cast<double>(triangles) / static_cast<double>(state.iterations());
+}
+BENCHMARK(FrameBesideDriver)->ArgName("bones shown")->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond);
 
 /// Twenty models into PNG files of 512 by 512, as the command does.
 void Pictures(benchmark::State& state) {

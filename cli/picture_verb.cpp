@@ -118,7 +118,6 @@ int DrawPictures(Options& options, Invocation& invocation) {
                          .Skin = options.Skin,
                          .Wireframe = options.Wireframe,
                          .Transparent = options.Transparent,
-                         .GameDirectory = options.Directories.Game,
                          .Threads = options.Jobs};
   if (!options.Sequence.empty()) job.Sequence = options.Sequence;
   for (const std::string& problem :

@@ -1,6 +1,8 @@
 #include "cli/view_verb.h"
 
 #include <CLI/CLI.hpp>
+#include <cerrno>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -32,6 +34,30 @@ struct Options {
 
 /// Starts hlmv; why it cannot be started.
 using Start = std::function<std::optional<process::SystemError>(const process::Command& command)>;
+
+int Show(const Options& options, const process::Command& command, const std::vector<std::string>& warnings,
+         const Start& start, Invocation& invocation);
+
+/// Shows a model in the program's own viewer, which opens it wherever it lies. Nothing if that is not there.
+std::optional<int> ShowInOwn(const Options& options, const std::string& path, const std::vector<std::string>& warnings,
+                             Invocation& invocation) {
+  const auto own = tools::OwnToolDirectory(tools::Hlmv);
+  if (!own) return std::nullopt;
+  const Start start = [&](const process::Command& command) {
+    return tools::StartHlmv(command, options.Directories.Start());
+  };
+  return Show(options, tools::HlmvCommandForFile(*own, options.Directories.Game, path), warnings, start, invocation);
+}
+
+/// Whether the SDK has a viewer that runs here; a Windows program without a Wine that runs it is as good as none.
+bool HasSdkViewer(const Options& options) {
+  const tools::ToolChoice choice = options.Directories.ToolFor(tools::Hlmv);
+  if (choice.StandsIn || choice.Directory.empty()) return false;
+  tools::ProgramStart ignored;
+  const auto command = tools::HlmvCommandForFile(choice.Directory, options.Directories.Game, options.Model);
+  const auto error = tools::PrepareStart(command, options.Directories.Start(), ignored);
+  return !error || error->Code != ENOEXEC;
+}
 
 int Show(const Options& options, const process::Command& command, const std::vector<std::string>& warnings,
          const Start& start, Invocation& invocation) {
@@ -88,11 +114,27 @@ int ViewUnpacked(const Options& options, Invocation& invocation) {
 
 int View(Options options, Invocation& invocation) {
   options.Directories.FillFromSettings(invocation.Err);
-  if (!jobs::IsOnDisk(options.Model)) return ViewUnpacked(options, invocation);
   const std::string& game = options.Directories.Game;
-  const std::string modelFile = tools::ModelFileOf(game, options.Model);
+  const bool isOnDisk = jobs::IsOnDisk(options.Model);
+  const std::string modelFile = isOnDisk ? tools::ModelFileOf(game, options.Model) : std::string();
   const std::string path = game + "/models/" + modelFile;
   std::vector<std::string> warnings;
+  if (!HasSdkViewer(options)) {
+    std::string shown = options.Model;
+    if (isOnDisk) {
+      std::error_code error;
+      const auto found = core::FindIgnoringCase(options.Model);
+      const auto inGame = game.empty() ? std::nullopt : core::FindIgnoringCase(path);
+      if (!found && !inGame) warnings.push_back("there is no model " + options.Model);
+      // The viewer has a current folder of its own.
+      if (found || inGame) {
+        shown = core::PathText(std::filesystem::absolute(core::NativePath(found ? *found : *inGame), error));
+      }
+    }
+    if (const auto done = ShowInOwn(options, shown, warnings, invocation)) return *done;
+    warnings.clear();
+  }
+  if (!isOnDisk) return ViewUnpacked(options, invocation);
   if (game.empty()) {
     warnings.emplace_back("no game directory is set");
   } else if (!core::FindIgnoringCase(path)) {
@@ -107,12 +149,13 @@ int View(Options options, Invocation& invocation) {
 }  // namespace
 
 void AddViewVerb(CLI::App& program, Invocation& invocation) {
-  CLI::App* verb = program.add_subcommand("view", "Show a compiled model in the SDK's model viewer, hlmv");
+  CLI::App* verb =
+      program.add_subcommand("view", "Show a compiled model in the SDK's model viewer, hlmv, or in our own");
   auto options = std::make_shared<Options>();
   verb->add_option("MODEL", options->Model,
                    "A model of the game: its path, or that below the game's models folder; or one in an archive "
-                   "(pak01_dir.vpk:models/crate.mdl) or anywhere in the game (game:models/crate.mdl), which is shown "
-                   "as a copy that is there until the viewer ends")
+                   "(pak01_dir.vpk:models/crate.mdl) or anywhere in the game (game:models/crate.mdl), of which the "
+                   "SDK's viewer gets a copy that is there until it ends")
       ->required();
   options->Directories.AddOptions(*verb);
   verb->add_flag("--json", options->Json, "Print what was started, or why not, as a JSON object");

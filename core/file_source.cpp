@@ -1,5 +1,6 @@
 #include "core/file_source.h"
 
+#include <algorithm>
 #include <fstream>
 
 #include "core/paths.h"
@@ -21,6 +22,14 @@ class Disk : public FileSource {
   bool Holds(const std::string& name) const override { return FileExists(name); }
   std::optional<std::string> FindBeside(const std::string& name) const override { return FindIgnoringCase(name); }
   std::optional<std::string> FindElsewhere(const std::string&) const override { return std::nullopt; }
+  std::optional<std::string> FindGameFile(const std::string& owner, const std::string& inside) const override {
+    // What a game holds lies beside the folder "models"; a file leads to no other place.
+    std::string folded = '/' + LowerAscii(owner);
+    std::replace(folded.begin(), folded.end(), '\\', '/');
+    const size_t models = folded.rfind("/models/");
+    if (models == std::string::npos || inside.find("..") != std::string::npos) return std::nullopt;
+    return FindIgnoringCase(owner.substr(0, models) + inside);
+  }
 };
 
 }  // namespace
@@ -28,6 +37,10 @@ class Disk : public FileSource {
 std::optional<std::string> FileSource::FindCompanion(const std::string& name) const {
   auto found = FindBeside(name);
   return found ? found : FindElsewhere(name);
+}
+
+std::optional<std::string> FileSource::FindGameFile(const std::string&, const std::string&) const {
+  return std::nullopt;
 }
 
 const FileSource& DiskFiles() {

@@ -33,6 +33,10 @@ class FileSource {
   /// The same for one that is not beside it, where a game would find it. Nothing if there is none, or no other place.
   virtual std::optional<std::string> FindElsewhere(const std::string& name) const = 0;
 
+  /// The name under which to read `inside` ("models/shared.mdl") of the game that the file `owner` is of. Nothing if no
+  /// place has it, or the source knows no places.
+  virtual std::optional<std::string> FindGameFile(const std::string& owner, const std::string& inside) const;
+
   /// `FindBeside`, or else `FindElsewhere`.
   std::optional<std::string> FindCompanion(const std::string& name) const;
 };

@@ -50,6 +50,9 @@ class InputFiles : public core::FileSource {
     return Holds(name) ? std::optional(name) : std::nullopt;
   }
   std::optional<std::string> FindElsewhere(const std::string&) const override { return std::nullopt; }
+  std::optional<std::string> FindGameFile(const std::string&, const std::string& inside) const override {
+    return inside.ends_with(".mdl") ? std::optional(inside) : std::nullopt;  // the same model, under another name
+  }
 
  private:
   const std::string* Find(const std::string& name) const {
@@ -79,7 +82,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
               .Cycle = 0.6f,
               .PoseParameters = {0.3f, 0.5f},
               .Layers = {{sequences - 1, 1, 0.5f}},
-              .Seconds = 0.7f});
+              .Seconds = 0.7f + 0.1f * static_cast<float>(s),
+              .Swings = true});
   }
   std::vector<view::ScenePoint> points;
   view::FlexPoints(*scene, view::FlexWeights(*scene, {}), points);

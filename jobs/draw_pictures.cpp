@@ -87,11 +87,10 @@ int TextureSideFor(const DrawPictures& job) {
 
 /// What the items of a job share.
 struct Shared {
-  Shared(const DrawPictures& job, core::TroubleSink& sink)
-      : Content(ContentOf(job)), Game(job.GameDirectory, sink), Textures(size_t{256} << 20, TextureSideFor(job)) {}
+  explicit Shared(const DrawPictures& job)
+      : Content(ContentOf(job)), Textures(size_t{256} << 20, TextureSideFor(job)) {}
 
   std::shared_ptr<InputContent> Content;
-  view::GameMaterials Game;
   view::TextureCache Textures;
   Drawers Ready;
 };
@@ -130,7 +129,8 @@ class Drawing {
       if (!IsOnDisk(path)) (void)content.Read(path, &reason);
       return m_run.Fail(core::TroubleKind::Missing, reason, path);
     }
-    auto scene = view::MakeScene(path, m_run, content);
+    // What other models hold is asked for by name alone.
+    auto scene = view::MakeScene(path, m_run, content, {.IncludedModels = m_job.Sequence.has_value()});
     if (!scene || m_run.Stop.stop_requested()) {
       if (m_run.Result.First(core::Severity::Error) == nullptr) {
         const bool stopped = m_run.Stop.stop_requested();
@@ -208,7 +208,7 @@ class Drawing {
   }
 
   view::MaterialSet Materials(const view::Scene& scene) {
-    const view::MaterialFiles files(m_shared.Game, m_shared.Content->Files(), m_run.Result.Source);
+    const view::MaterialFiles files(m_shared.Content->Files(), m_run.Result.Source);
     view::MaterialSet materials =
         view::LoadMaterials(scene.Materials, scene.MaterialDirectories, files, m_shared.Textures);
     for (view::MissingFile& missing : materials.Missing) {
@@ -303,7 +303,8 @@ JobResult Run(const DrawPictures& given, Host& host, const std::stop_token& stop
   job.Content = ContentOf(given);
   JobPlan plan = Plan(job);
   PlanTroubles troubles(plan);
-  Shared shared(job, troubles);
+  view::TellGameProblem(job.Content->Files(), troubles);
+  Shared shared(job);
   std::string reason;
   auto first = shared.Ready.Take(reason);
   if (first == nullptr) {

@@ -25,7 +25,7 @@ struct PictureAngle {
 /// Compiled models to pictures (PNG), drawn without a display.
 struct DrawPictures {
   std::vector<std::string> Inputs = {};        // models, and folders that are searched for them
-  std::shared_ptr<InputContent> Content = {};  // by which inputs are had; null: no game is known
+  std::shared_ptr<InputContent> Content = {};  // by which inputs and materials are had; null: no game is known
   /// The file of the one named model if it ends in .png; else a folder, made if missing.
   std::string Output = ".";
   bool Recursive = false;  // also the folders below a folder
@@ -37,7 +37,6 @@ struct DrawPictures {
   PictureAngle Angle = {};
   bool Wireframe = false;
   bool Transparent = false;
-  std::string GameDirectory = {};  // whose materials are drawn; "" for none
   int Threads = 1;
 };
 
@@ -45,9 +44,10 @@ struct DrawPictures {
 /// folder in which it was found. No two models share a picture.
 [[nodiscard]] JobPlan Plan(const DrawPictures& job);
 
-/// Draws every model, whole in its picture. Materials are looked for in the game's places and beside each model's own
-/// `models` folder; those that are missing are told as warnings, stand in the item's result, and are drawn as a
-/// pattern. A model without a mesh is drawn as its bones. Nothing is begun where no renderer can be had.
+/// Draws every model, whole in its picture. Materials are looked for as the game finds what belongs to the
+/// model (`archives::ContentFiles::FindGameFile`); those that are missing are told as warnings, stand in the item's
+/// result, and are drawn as a pattern. A model without a mesh is drawn as its bones. Nothing is begun where no renderer
+/// can be had.
 JobResult Run(const DrawPictures& job, Host& host, const std::stop_token& stop);
 
 }  // namespace tarnwick::jobs

@@ -61,8 +61,7 @@ std::optional<std::string> BundledSdkDirectory() {
 
 bool HoldsSdkTools(const std::string& sdkDirectory) {
   if (sdkDirectory.empty() || IsSameFolder(sdkDirectory, OwnFolder())) return false;
-  constexpr SdkTool Viewer{"hlmv", ""};
-  return ToolExists(SdkToolPath(sdkDirectory, Viewer)) ||
+  return ToolExists(SdkToolPath(sdkDirectory, Hlmv)) ||
          std::any_of(std::begin(AllTools), std::end(AllTools),
                      [&](const SdkTool& tool) { return ToolExists(SdkToolPath(sdkDirectory, tool)); });
 }

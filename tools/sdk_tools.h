@@ -17,6 +17,7 @@ struct SdkTool {
 inline constexpr SdkTool Studiomdl{"studiomdl", "STUDIOMDL ERROR"};
 inline constexpr SdkTool Vtex{"vtex", "VTEX ERROR"};
 inline constexpr SdkTool Vtf2tga{"vtf2tga", "VTF2TGA ERROR"};
+inline constexpr SdkTool Hlmv{"hlmv", "HLMV ERROR"};  // the model viewer, which is no console tool
 
 /// The path of `tool` as it stands at the start of its command line, with slashes only.
 std::string SdkToolPath(std::string_view sdkDirectory, const SdkTool& tool);

@@ -1,9 +1,15 @@
 #include <gmock/gmock.h>
+#ifndef _WIN32
+#include <sys/stat.h>
+#endif
 
+#include <array>
 #include <filesystem>
 #include <nlohmann/json.hpp>
 
 #include "command_line.h"
+#include "core/program_directory.h"
+#include "process/run.h"
 
 namespace tarnwick::tests {
 
@@ -19,18 +25,55 @@ TEST(ViewVerb, NamesTheViewerThatDidNotStartAndWhyOnBothOutputs) {
   WriteText(folder.Path("game/models/box.mdl"), "");
   WriteText(folder.Path("sdk/hlmv.exe"), "");
   std::filesystem::permissions(folder.Path("sdk/hlmv.exe"), std::filesystem::perms::owner_read);
-  const auto view = [&](const std::string& sdk) {
-    return RunCommand({"view", "--json", "--sdk", folder.Path(sdk), "--game", folder.Path("game"), "box.mdl"});
-  };
-  for (const char* sdk : {"sdk", "none"}) {
-    const CommandResult result = view(sdk);
-    EXPECT_EQ(result.ExitCode, 1);
-    const std::string told = "Error starting " + folder.Path(sdk);
-    EXPECT_THAT(result.Err, AllOf(StartsWith(told), HasSubstr(": ")));
-    EXPECT_THAT(nlohmann::json::parse(result.Out)["error"].get<std::string>(),
-                AllOf(StartsWith(told), HasSubstr(": ")));
+  const CommandResult result =
+      RunCommand({"view", "--json", "--sdk", folder.Path("sdk"), "--game", folder.Path("game"), "box.mdl"});
+  EXPECT_EQ(result.ExitCode, 1);
+  const std::string told = "Error starting " + folder.Path("sdk");
+  EXPECT_THAT(result.Err, AllOf(StartsWith(told), HasSubstr(": ")));
+  EXPECT_THAT(nlohmann::json::parse(result.Out)["error"].get<std::string>(), AllOf(StartsWith(told), HasSubstr(": ")));
+}
+
+#ifndef _WIN32
+/// The program as it is installed, in a folder of its own.
+class InstalledProgram : public testing::Test {
+ protected:
+  InstalledProgram() {
+    std::filesystem::create_directories(m_folder.Path("bin/sdk"));
+    std::filesystem::copy_file(core::ProgramDirectory() + "/tarnwick-cli", m_folder.Path("bin/tarnwick-cli"));
+    WriteText(m_folder.Path("game/models/box.mdl"), "");
+  }
+  process::CapturedRun View(const std::string& sdk, const std::string& model) const {
+    return process::RunAndKeep({m_folder.Path("bin/tarnwick-cli"),
+                                {"view", "--json", "--sdk", m_folder.Path(sdk), "--game", m_folder.Path("game"),
+                                 "--wine", m_folder.Path("no wine"), model}},
+                               {}, {});
+  }
+
+  ScratchFolder m_folder;
+};
+
+TEST_F(InstalledProgram, ShowsModelsInItsOwnViewerWhereNoOtherCanRun) {
+  const std::string own = m_folder.Path("bin/sdk/hlmv.exe");
+  EXPECT_THAT(View("none", "box.mdl").Output, HasSubstr("\"outcome\":\"failed\"")) << "there is neither";
+  // Whoever reads the pipe waits until the viewer has said what it was started with.
+  const std::string pipe = m_folder.Path("said");
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  WriteShellProgram(own, "echo \"$3\" >" + pipe);
+  WriteText(m_folder.Path("windows/hlmv.exe"),
+            std::string("MZ") + std::string(58, '\0') + "\x40" + std::string(3, '\0') + "PE" + std::string(300, '\0'));
+  const std::string model = m_folder.Path("game/models/box.mdl");
+  const std::string archive = m_folder.Path("pak_dir.vpk") + ":models/box.mdl";
+  for (const auto& [sdk, named, shown] : std::vector<std::array<std::string, 3>>{
+           {"none", "box.mdl", model}, {"windows", model, model}, {"none", archive, archive}}) {
+    const process::CapturedRun run = View(sdk, named);
+    const auto json = nlohmann::json::parse(run.Output, nullptr, false);
+    ASSERT_TRUE(json.is_object()) << run.Output;
+    ASSERT_EQ(json.value("outcome", ""), "ok") << run.Output;
+    EXPECT_EQ(json.value("program", ""), own);
+    EXPECT_EQ(ReadText(pipe), shown + "\n");
   }
 }
+#endif
 
 }  // namespace
 

@@ -90,11 +90,32 @@ TEST_F(DrawPicturesTest, EachChoiceChangesThePicture) {
   draw({.Transparent = true});
 }
 
+TEST_F(DrawPicturesTest, SequencesOfIncludedModelsAreAskedForByName) {
+  ModelBuilder moves{.Bones = {{.Name = "root"}}, .Animations = {{.Name = "@lie"}}, .Sequences = {{.Label = "lie"}}};
+  moves.Animations[0].Data.Bones = {{.Bone = 0, .RawPosition = std::array<float, 3>{0, 0, 3}}};
+  moves.Write(m_folder.Path("mod/models"), "m_anm");
+  const std::string model =
+      ModelBuilder{.Bones = {{.Name = "root"}}, .IncludedModels = {"models/m_anm.mdl", "models/gone.mdl"}}.Write(
+          m_folder.Path("mod/models/props"));
+  const JobResult plain = Draw({.Inputs = {model}, .Output = m_folder.Path("plain.png")});
+  EXPECT_TRUE(plain.Succeeded());
+  const JobResult named = Draw({.Inputs = {model}, .Output = m_folder.Path("lie.png"), .Sequence = "LIE"});
+  EXPECT_TRUE(named.Succeeded());
+  const auto tellsOfGone = [](const JobResult& result) {
+    return std::any_of(result.Items[0].Troubles.begin(), result.Items[0].Troubles.end(), [](const auto& trouble) {
+      return trouble.Text.find("included model models/gone.mdl") != std::string::npos;
+    });
+  };
+  EXPECT_TRUE(tellsOfGone(named));
+  EXPECT_FALSE(tellsOfGone(plain)) << "nobody asked for its sequences";
+}
+
 TEST_F(DrawPicturesTest, WhatIsMissingIsToldAndStandsInTheResult) {
   tests::WriteText(m_folder.Path("game/materials/models/props/skin.vmt"), "UnlitGeneric { $basetexture a/b }");
   const std::string model = ModelBuilder{.Textures = {"skin", "other"}}.Write(m_folder.Path());
-  const JobResult result =
-      Draw({.Inputs = {model}, .Output = m_folder.Path("x.png"), .GameDirectory = m_folder.Path("game")});
+  const JobResult result = Draw({.Inputs = {model},
+                                 .Content = std::make_shared<InputContent>(m_folder.Path("game")),
+                                 .Output = m_folder.Path("x.png")});
   EXPECT_TRUE(result.Succeeded());
   EXPECT_EQ(result.Items[0].Count(Severity::Warning), 2u);
   ASSERT_THAT(result.Items[0].Missing, SizeIs(2));

@@ -82,6 +82,63 @@ TEST_F(ModelViewerTest, SaysWhyNothingIsDrawnAndDoesAllElse) {
   EXPECT_GT(missing.topLevelItem(0)->childCount(), 0) << "the paths that were tried";
 }
 
+/// On a screen alone: what the window shows, against where the scene's own vertices project.
+TEST_F(ModelViewerTest, DrawsWhatTheCameraSees) {
+  if (!OpenGlTrouble().isEmpty()) GTEST_SKIP() << OpenGlTrouble().toStdString();
+  Open(Walker);
+  View().Change([](ViewState& state) {
+    state.IsPlaying = false;
+    state.Extras.Grid = false;
+    state.FixedLod = 0;
+    state.Background = ViewColor{1, 0, 1, 1};
+    state.Eye.Yaw = 50;
+  });
+  View().FrameModel();
+  ASSERT_TRUE(tests::WaitUntil([this] { return View().Counts() && View().Counts()->Triangles > 0; }));
+  const QImage picture = View().Picture();
+  const QRgb behind = qRgb(255, 0, 255);
+  const auto isCovered = [&](int x, int y) {
+    return picture.valid(x, y) && (picture.pixel(x, y) | 0xFF000000) != behind;
+  };
+  const auto scale = static_cast<float>(picture.width()) / static_cast<float>(View().width());
+  const Scene& scene = *View().Model().Model;
+  ScenePose pose(scene);
+  pose.Set(PoseOf(State()));
+  QRect outline;
+  int outside = 0;
+  for (const SceneDraw& draw : scene.Draws) {
+    if (!scene.IsDrawn(draw, State().BodyGroups, 0)) continue;
+    for (int64_t i = draw.FirstIndex; i < draw.FirstIndex + draw.IndexCount; ++i) {
+      const size_t vertex = scene.Indices[static_cast<size_t>(i)];
+      const Vec3 at =
+          State().Eye.Project(SkinPoint(scene.Points[vertex], scene.Vertices[vertex], pose.SkinMatrices()).Position,
+                              static_cast<float>(View().width()), static_cast<float>(View().height()));
+      const QPoint pixel(static_cast<int>(at.X * scale), static_cast<int>(at.Y * scale));
+      outline |= QRect(pixel, QSize(1, 1));
+      bool near = false;
+      for (int x = -1; x <= 1; ++x) {
+        for (int y = -1; y <= 1; ++y) near = near || isCovered(pixel.x() + x, pixel.y() + y);
+      }
+      outside += near ? 0 : 1;
+    }
+  }
+  EXPECT_EQ(outside, 0) << "vertices of " << outline.width() << " by " << outline.height() << " pixels";
+  EXPECT_GT(outline.height(), picture.height() / 2);
+  outline.adjust(-2, -2, 2, 2);
+  for (int y = 0; y < picture.height(); ++y) {
+    for (int x = 0; x < picture.width(); ++x) {
+      if (!outline.contains(x, y)) {
+        ASSERT_FALSE(isCovered(x, y)) << x << ", " << y;
+      }
+    }
+  }
+  // The window shows the same picture.
+  const QImage shown = m_viewer->grab().toImage();
+  const QPoint middle = View().mapTo(m_viewer.get(), QPoint(View().width() / 2, View().height() / 2));
+  EXPECT_NE(shown.pixel(middle) | 0xFF000000, behind);
+  EXPECT_EQ(shown.pixel(View().mapTo(m_viewer.get(), QPoint(2, 2))) | 0xFF000000, behind);
+}
+
 TEST_F(ModelViewerTest, SaysWhyAFileIsNotShownAndReadsItOnceItIsThere) {
   const std::string path = m_folder.Path("crate.mdl");
   Open(path);

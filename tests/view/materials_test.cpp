@@ -29,8 +29,8 @@ class Materials : public testing::Test {
   void Write(const std::string& name, const std::string& text) { tests::WriteText(m_folder.Path(name), text); }
   /// Loads the one material `name` of a model in `models/props`.
   Material Load(const std::string& name, const std::vector<std::string>& directories = {"models\\props\\"}) {
-    const GameMaterials game(m_game, m_troubles);
-    m_set = LoadMaterials({name}, directories, {game, m_folder.Path("mod/models/props/crate.mdl")}, m_cache);
+    const archives::ContentFiles content(m_game, m_troubles);
+    m_set = LoadMaterials({name}, directories, {content, m_folder.Path("mod/models/props/crate.mdl")}, m_cache);
     return m_set.Materials.at(0);
   }
 
@@ -63,28 +63,38 @@ TEST_F(Materials, SaysWhatTheFileSaysWithTheFilesOfAnyCase) {
   EXPECT_THAT(crate.Colour, ElementsAre(0.5f, 0, 0.2f));
 }
 
-TEST_F(Materials, AreSoughtInTheGameFirstThenBesideTheModelsFolder) {
+TEST_F(Materials, AreSoughtBesideTheModelsFolderThenInTheGame) {
   m_game = m_folder.Path("game");
   Write("game/gameinfo.txt", "GameInfo { FileSystem { SearchPaths { game |gameinfo_path|. } } }");
   Write("mod/materials/models/props/a.vmt", "UnlitGeneric { $basetexture tex/a }");
-  Write("mod/materials/b.vmt", "UnlitGeneric { $basetexture tex/a }");
+  Write("game/materials/b.vmt", "UnlitGeneric { $basetexture tex/a }");
   Write("mod/materials/tex/a.vtf", Plain(1, 1, 1, 1, -1));
   Write("game/materials/tex/a.vtf", Plain(1, 2, 2, 2, -1));
-  EXPECT_EQ(Load("a").Base->Levels[0].Pixels[0].R, 2);
+  EXPECT_EQ(Load("a").Base->Levels[0].Pixels[0].R, 1) << "the game knows nothing of this folder";
   EXPECT_TRUE(m_set.Materials[0].Unlit);
-  EXPECT_THAT(Load("b", {"models/other/", ""}).Path, EndsWith("mod/materials/b.vmt"));
+  EXPECT_THAT(Load("b", {"models/other/", ""}).Path, EndsWith("game/materials/b.vmt"));
 
   const Material none = Load("none", {"models/x/", "models/y"});
   EXPECT_TRUE(none.Missing);
   EXPECT_EQ(none.Base, MissingPattern());
   ASSERT_THAT(m_set.Missing, SizeIs(1));
   EXPECT_EQ(m_set.Missing[0].Name, "none");
-  EXPECT_THAT(m_set.Missing[0].Tried,
-              ElementsAre(EndsWith("game/materials/models/x/none.vmt"), EndsWith("mod/materials/models/x/none.vmt"),
-                          EndsWith("mod/models/props/materials/models/x/none.vmt"),
-                          EndsWith("game/materials/models/y/none.vmt"), EndsWith("mod/materials/models/y/none.vmt"),
-                          EndsWith("mod/models/props/materials/models/y/none.vmt"), EndsWith("game/materials/none.vmt"),
-                          EndsWith("mod/materials/none.vmt"), EndsWith("mod/models/props/materials/none.vmt")));
+  EXPECT_THAT(
+      m_set.Missing[0].Tried,
+      ElementsAre(EndsWith("mod/materials/models/x/none.vmt"), EndsWith("mod/models/props/materials/models/x/none.vmt"),
+                  EndsWith("game/materials/models/x/none.vmt"), EndsWith("mod/materials/models/y/none.vmt"),
+                  EndsWith("mod/models/props/materials/models/y/none.vmt"),
+                  EndsWith("game/materials/models/y/none.vmt"), EndsWith("mod/materials/none.vmt"),
+                  EndsWith("mod/models/props/materials/none.vmt"), EndsWith("game/materials/none.vmt")));
+
+  // Where the game searches the model's folder itself, its order counts.
+  Write("game/gameinfo.txt",
+        "GameInfo { FileSystem { SearchPaths { game |gameinfo_path|. game |gameinfo_path|../mod } } }");
+  m_cache.Clear();
+  EXPECT_EQ(Load("a").Base->Levels[0].Pixels[0].R, 2);
+  EXPECT_TRUE(Load("none").Missing);
+  EXPECT_THAT(m_set.Missing[0].Tried[0], EndsWith("game/materials/models/props/none.vmt"));
+  EXPECT_THAT(m_set.Missing[0].Tried[1], EndsWith("mod/materials/models/props/none.vmt"));
 
   // A name that leads out of the folders finds nothing.
   Write("secret.vmt", "UnlitGeneric { }");

@@ -13,9 +13,9 @@ namespace tarnwick::view {
 /// taken off), `directories` the folders that it looks in, in order; a name is also tried as it stands. What is missing
 /// or cannot be read stands in the result's list and is drawn as a pattern; nothing fails.
 ///
-///     GameMaterials game(gameDirectory, sink);
+///     archives::ContentFiles content(gameDirectory, sink);
 ///     TextureCache cache;
-///     const MaterialSet set = LoadMaterials(names, directories, {game, modelPath}, cache);
+///     const MaterialSet set = LoadMaterials(names, directories, {content, modelPath}, cache);
 MaterialSet LoadMaterials(const std::vector<std::string>& names, const std::vector<std::string>& directories,
                           const MaterialFiles& files, TextureCache& cache);
 

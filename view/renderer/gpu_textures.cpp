@@ -35,11 +35,14 @@ GpuTextures::Entry GpuTextures::Uploaded(const SharedTexture& texture) {
   for (const textures::Picture& picture : texture->Levels) {
     const bool last = &picture == &texture->Levels.back();
     if (!last && std::max(picture.Width, picture.Height) > most) continue;
-    m_gl.TexImage2D(GL_TEXTURE_2D, level++, GL_RGBA8, picture.Width, picture.Height, 0, GL_BGRA, GL_UNSIGNED_BYTE,
+    m_gl.TexImage2D(GL_TEXTURE_2D, level++, GL_RGBA8, picture.Width, picture.Height, 0, GL_RGBA, GL_UNSIGNED_BYTE,
                     picture.Pixels.data());
     entry.Bytes += picture.Pixels.size() * sizeof(textures::Bgra);
   }
   const auto set = [&](GLenum name, GLint value) { m_gl.TexParameteri(GL_TEXTURE_2D, name, value); };
+  // Handed over as they lie in memory, which drivers copy whole, and put right when they are read.
+  set(GL_TEXTURE_SWIZZLE_R, GL_BLUE);
+  set(GL_TEXTURE_SWIZZLE_B, GL_RED);
   set(GL_TEXTURE_MAX_LEVEL, level - 1);
   set(GL_TEXTURE_WRAP_S, texture->ClampS ? GL_CLAMP_TO_EDGE : GL_REPEAT);
   set(GL_TEXTURE_WRAP_T, texture->ClampT ? GL_CLAMP_TO_EDGE : GL_REPEAT);

@@ -19,6 +19,8 @@ using model::ModelReader;
 constexpr int32_t MostFrames = 1 << 24;
 /// Blends on an axis, more than any sequence has.
 constexpr int32_t MostBlends = 64;
+/// Springs are less stiff, and bones shorter, in every sound file.
+constexpr float LargestOfJiggle = 1e4f;
 
 /// The records of a table, paid for; none for one that is damaged.
 template <typename T>
@@ -39,6 +41,33 @@ void TakeDrivenBone(ModelReader& reader, const core::Record<model::StudioBone>& 
                               Finite(trigger->Position), Finite(trigger->Rotation)});
   }
   if (!taken.Triggers.empty()) scene.DrivenBones.push_back(std::move(taken));
+}
+
+void TakeJiggle(ModelReader& reader, const core::Record<model::StudioBone>& bone, size_t number, Scene& scene) {
+  const auto record = reader.Model.View().At<model::StudioJiggleBone>(bone.Offset() + bone->ProceduralOffset);
+  if (!record) return;
+  const auto value = [](float raw) { return std::clamp(Finite(raw), 0.0f, LargestOfJiggle); };
+  const auto limit = [](float minimum, float maximum, float bounce) {
+    return SceneJiggleLimit{std::clamp(Finite(minimum), -LargestOfJiggle, LargestOfJiggle),
+                            std::clamp(Finite(maximum), -LargestOfJiggle, LargestOfJiggle), Finite(bounce)};
+  };
+  const model::StudioJiggleBone says = **record;
+  SceneJiggle& taken = scene.Jiggles.emplace_back();
+  taken.Bone = static_cast<int32_t>(number);
+  taken.Flags = says.Flags;
+  taken.Length = value(says.Length);
+  taken.TipMass = value(says.TipMass);
+  taken.YawStiffness = value(says.YawStiffness), taken.YawDamping = value(says.YawDamping);
+  taken.PitchStiffness = value(says.PitchStiffness), taken.PitchDamping = value(says.PitchDamping);
+  taken.AlongStiffness = value(says.AlongStiffness), taken.AlongDamping = value(says.AlongDamping);
+  taken.AngleLimit = std::clamp(Finite(says.AngleLimit), 0.0f, 3.14159265f);
+  taken.Yaw = limit(says.Yaw.Minimum, says.Yaw.Maximum, says.Yaw.Bounce);
+  taken.Pitch = limit(says.Pitch.Minimum, says.Pitch.Maximum, says.Pitch.Bounce);
+  taken.BaseMass = value(says.BaseMass);
+  taken.BaseStiffness = value(says.BaseStiffness), taken.BaseDamping = value(says.BaseDamping);
+  taken.BaseLimits[0] = limit(says.Left.Minimum, says.Left.Maximum, 0);
+  taken.BaseLimits[1] = limit(says.Up.Minimum, says.Up.Maximum, 0);
+  taken.BaseLimits[2] = limit(says.Forward.Minimum, says.Forward.Maximum, 0);
 }
 
 void TakeHitboxes(ModelReader& reader, Scene& scene) {
@@ -62,6 +91,42 @@ void TakeAttachments(ModelReader& reader, Scene& scene) {
     scene.Attachments.push_back(
         {TextOf(reader, one, one->NameOffset), BoneOrNone(one->Bone, scene.Bones.size()), Finite(one->Placement)});
   }
+}
+
+/// Chains of three bones, each of which hangs below the one before.
+void TakeIkChains(ModelReader& reader, Scene& scene) {
+  const auto header = reader.Model.Header();
+  for (const auto chain :
+       TableOf<model::StudioIkChain>(reader, "ik chain table", header->IkChainOffset, header->IkChainCount)) {
+    SceneIkChain& taken = scene.IkChains.emplace_back();
+    taken.Name = TextOf(reader, chain, chain->NameOffset);
+    taken.Bones.fill(-1);
+    const auto links = TableOf<model::StudioIkLink>(reader, "ik link table", chain.Offset() + chain->LinkOffset,
+                                                    std::min<int32_t>(chain->LinkCount, 3));
+    for (int64_t i = 0; i < links.Count(); ++i) {
+      taken.Bones[static_cast<size_t>(i)] = BoneOrNone(links[i]->Bone, scene.Bones.size());
+    }
+    for (size_t i = 1; i < taken.Bones.size(); ++i) {
+      int32_t above = taken.Bones[i];
+      do {
+        above = above < 0 ? -1 : scene.Bones[static_cast<size_t>(above)].Parent;
+      } while (above >= 0 && above != taken.Bones[i - 1]);
+      if (above < 0) taken.Bones.front() = -1;  // no limb
+    }
+  }
+}
+
+/// Locks of chains that are limbs.
+std::vector<SceneIkLock> LocksAt(ModelReader& reader, int64_t offset, int64_t count, const Scene& scene) {
+  std::vector<SceneIkLock> locks;
+  for (const auto lock : TableOf<model::StudioIkLock>(reader, "ik lock table", offset, count)) {
+    const int32_t chain = lock->Chain;
+    if (chain < 0 || static_cast<size_t>(chain) >= scene.IkChains.size()) continue;
+    if (scene.IkChains[static_cast<size_t>(chain)].Bones.front() < 0) continue;
+    locks.push_back({chain, std::clamp(Finite(lock->PositionWeight), 0.0f, 1.0f),
+                     std::clamp(Finite(lock->RotationWeight), 0.0f, 1.0f)});
+  }
+  return locks;
 }
 
 /// The values of a float table, all finite; none for a table that is damaged.
@@ -154,12 +219,16 @@ void TakeSkeleton(ModelReader& reader, Scene& scene) {
       taken.Rotation = Finite(bone->Rotation);
       taken.PoseToBone = Finite(bone->PoseToBone);
       taken.Flags = bone->Flags;
-      taken.IsJiggle = bone->ProceduralOffset != 0 && bone->ProceduralType == model::BoneProcedureJiggle;
+      if (bone->ProceduralOffset != 0 && bone->ProceduralType == model::BoneProcedureJiggle) {
+        TakeJiggle(reader, bone, i, scene);
+      }
       if (bone->ProceduralOffset != 0 && bone->ProceduralType == model::BoneProcedureDriven) {
         TakeDrivenBone(reader, bone, i, count, scene);
       }
     }
   }
+  TakeIkChains(reader, scene);
+  scene.AutoplayLocks = LocksAt(reader, header->IkLockOffset, header->IkLockCount, scene);
   TakeAttachments(reader, scene);
   TakeHitboxes(reader, scene);
   scene.HullBox = BoxOf(header->HullMinimum, header->HullMaximum);
@@ -209,12 +278,14 @@ void TakeSequences(ModelReader& reader, Scene& scene) {
     if ((record->Flags & model::SequenceFlagDeclared) != 0) continue;
     TakeBlends(reader, record, scene, sequence);
     TakeLayers(reader, record, scene, sequence);
+    sequence.IkLocks = LocksAt(reader, record.Offset() + record->IkLockOffset, record->IkLockCount, scene);
     if (record->WeightOffset != 0) {
       sequence.BoneWeights = FloatsAt(reader, record.Offset() + record->WeightOffset, static_cast<int64_t>(bones));
       // Nearly all sequences move all bones; they need no table.
       if (std::all_of(sequence.BoneWeights.begin(), sequence.BoneWeights.end(), [](float w) { return w == 1; })) {
         sequence.BoneWeights.clear();
       }
+      sequence.IsPartial = !sequence.BoneWeights.empty();
     }
   }
 }

@@ -6,6 +6,16 @@
 
 namespace tarnwick::view {
 
+inline Quat Inverse(const Quat& q) {
+  return {-q.X, -q.Y, -q.Z, q.W};
+}
+
+/// `q` made of length 1; no rotation where it is 0.
+inline Quat UnitQuat(const Quat& q) {
+  const float length = std::sqrt(q.X * q.X + q.Y * q.Y + q.Z * q.Z + q.W * q.W);
+  return length > 0 ? Quat{q.X / length, q.Y / length, q.Z / length, q.W / length} : Quat{};
+}
+
 /// From `a` (part 0) to `b` (part 1) along the shorter way, of unit length and nearly as even as the arc itself: the
 /// straight line between the two, with the part bent by how far they lie apart (a fit of A. Kapoulkine's,
 /// "Approximating slerp", 2018: off by less than 0.002 radians at any part, by nothing at 0, half and 1).

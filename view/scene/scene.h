@@ -80,7 +80,6 @@ struct SceneBone {
   Quat Rotation;
   Matrix34 PoseToBone;  // from the space in which the vertices stand to the bone's
   uint32_t Flags = 0;   // as in StudioBone
-  bool IsJiggle = false;
 };
 
 /// A named place, in the space of a bone.
@@ -118,6 +117,28 @@ struct SceneDrivenBone {
   std::vector<SceneTrigger> Triggers;  // at least one
 };
 
+/// A least and a largest value, and the share of the speed with which what runs against one comes back.
+struct SceneJiggleLimit {
+  float Minimum = 0, Maximum = 0;
+  float Bounce = 0;
+};
+
+/// How a bone swings by itself. Angles are radians, axes those of the bone: X to the side, Y up, Z along.
+struct SceneJiggle {
+  int32_t Bone = 0;
+  uint32_t Flags = 0;  // JiggleFlag bits of model/procedural_records.h
+  float Length = 0;
+  float TipMass = 0;
+  float YawStiffness = 0, YawDamping = 0;
+  float PitchStiffness = 0, PitchDamping = 0;
+  float AlongStiffness = 0, AlongDamping = 0;
+  float AngleLimit = 0;
+  SceneJiggleLimit Yaw = {};
+  SceneJiggleLimit Pitch = {};
+  float BaseMass = 0, BaseStiffness = 0, BaseDamping = 0;
+  std::array<SceneJiggleLimit, 3> BaseLimits = {};
+};
+
 /// One convex piece of a solid of the collision model: triangles of points in the space of `Bone`, whose corners run
 /// counterclockwise seen from outside.
 struct SceneHull {
@@ -152,6 +173,19 @@ struct SceneAutoLayer {
   uint32_t Flags = 0;
 };
 
+/// A limb whose end can be held where it is: hip, knee and foot, or the like, each below the one before.
+struct SceneIkChain {
+  std::string Name;
+  std::array<int32_t, 3> Bones = {};
+};
+
+/// The end of a limb that goes back to where it was ahead of what moved it: wholly at weights of 1.
+struct SceneIkLock {
+  int32_t Chain = 0;
+  float PositionWeight = 1;
+  float RotationWeight = 1;
+};
+
 /// What a sequence says of itself. `Animations` has Columns x Rows numbers of Scene::Animations, row after row.
 struct SceneSequence {
   std::string Name;
@@ -166,7 +200,9 @@ struct SceneSequence {
   std::array<std::vector<float>, 2> PoseKeys;  // where columns or rows stand unevenly: the parameter's value at each
   std::vector<int32_t> Animations;
   std::vector<float> BoneWeights;  // one a bone; empty: all 1
+  bool IsPartial = false;          // it is made for some bones alone
   std::vector<SceneAutoLayer> Layers;
+  std::vector<SceneIkLock> IkLocks;
   float Fps = 30;          // these two with every pose parameter at its default
   int32_t FrameCount = 1;  // at least 1
 
@@ -251,6 +287,7 @@ struct Scene {
   /// What turns the roots of the rest pose as the model stands when it is animated.
   Quat RestTurn;
   std::vector<SceneDrivenBone> DrivenBones;
+  std::vector<SceneJiggle> Jiggles;
   std::vector<SceneAttachment> Attachments;
   std::vector<SceneHitboxSet> HitboxSets;
   std::vector<SceneHull> Hulls;
@@ -264,7 +301,10 @@ struct Scene {
   std::vector<SceneSequence> Sequences;
   std::vector<SceneAnimation> Animations;
   std::vector<ScenePoseParameter> PoseParameters;
-  std::vector<std::string> Flexes;  // names
+  std::vector<SceneIkChain> IkChains;
+  std::vector<SceneIkLock> AutoplayLocks;  // of all sequences that always play
+  std::vector<std::string> Included;       // the names of the other models that sequences are of, as they were read
+  std::vector<std::string> Flexes;         // names
   std::vector<SceneFlexController> FlexControllers;
   std::vector<SceneFlexRule> FlexRules;
   std::vector<SceneFlexShape> FlexShapes;

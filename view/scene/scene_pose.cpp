@@ -5,6 +5,8 @@
 
 #include "model/animation_records.h"
 #include "view/scene/frame_cache.h"
+#include "view/scene/ik_locks.h"
+#include "view/scene/jiggle.h"
 #include "view/scene/pose_mix.h"
 #include "view/scene/sequence_place.h"
 
@@ -26,20 +28,11 @@ Quat Share(const Quat& rotation, float part) {
   return part >= 1 ? rotation : Mix(Quat{}, rotation, part);
 }
 
-Quat Inverse(const Quat& q) {
-  return {-q.X, -q.Y, -q.Z, q.W};
-}
-
-Quat UnitQuat(const Quat& q) {
-  const float length = std::sqrt(q.X * q.X + q.Y * q.Y + q.Z * q.Z + q.W * q.W);
-  return length > 0 ? Quat{q.X / length, q.Y / length, q.Z / length, q.W / length} : Quat{};
-}
-
 }  // namespace
 
 class ScenePose::Worker {
  public:
-  explicit Worker(const Scene& scene) : m_scene(scene) {
+  explicit Worker(const Scene& scene) : m_scene(scene), m_jiggle(scene) {
     const size_t count = scene.Bones.size();
     m_rest.resize(count);
     const Matrix34 turn = MatrixOf(scene.RestTurn, {});
@@ -62,12 +55,26 @@ class ScenePose::Worker {
     const SceneSequence* main = SequenceAt(request.Sequence);
     // What is added to something has to have something: a delta shown alone is added to the rest pose.
     m_local = main == nullptr || main->IsDelta() ? m_rest : m_defaults;
-    Add(request.Sequence, Clean(request.Cycle), 1, 0, m_local);
+    AddTo(request.Sequence, Clean(request.Cycle), 1, 0, m_local);
     for (const PoseLayer& layer : request.Layers) {
       Add(layer.Sequence, Clean(layer.Cycle), std::clamp(layer.Weight, 0.0f, 1.0f), 0, m_local);
     }
-    if (request.Autoplay) AddAutoplay();
+    if (request.Autoplay) {
+      if (m_request->Ik && !m_scene.AutoplayLocks.empty()) {
+        const IkLocks locks(m_scene, m_scene.AutoplayLocks, m_local);
+        AddAutoplay();
+        locks.Restore(m_local, 1);
+      } else {
+        AddAutoplay();
+      }
+    }
     for (const SceneDrivenBone& driven : m_scene.DrivenBones) Drive(driven);
+    if (request.Swings && m_jiggle.HasBones()) {
+      m_jiggle.Step(request.Seconds - m_swungAt);
+      m_swungAt = request.Seconds;
+    } else {
+      m_jiggle.Rest();
+    }
     Place();
   }
 
@@ -93,8 +100,18 @@ class ScenePose::Worker {
     }
   }
 
-  /// Puts a sequence, with its layers, on top of `poses`.
+  /// Puts a sequence, with its layers, on top of `poses`. The limbs that it locks end where they did.
   void Add(int32_t number, float cycle, float weight, int depth, Poses& poses) {
+    const SceneSequence* sequence = SequenceAt(number);
+    if (sequence == nullptr || !m_request->Ik || sequence->IkLocks.empty() || m_left <= 0) {
+      return AddTo(number, cycle, weight, depth, poses);
+    }
+    const IkLocks locks(m_scene, sequence->IkLocks, poses);
+    AddTo(number, cycle, weight, depth, poses);
+    locks.Restore(poses, weight);
+  }
+
+  void AddTo(int32_t number, float cycle, float weight, int depth, Poses& poses) {
     const SceneSequence* sequence = SequenceAt(number);
     if (sequence == nullptr || !(weight > 0) || depth > DeepestLayer || --m_left < 0) return;
     Poses& own = OwnOf(depth);
@@ -262,12 +279,15 @@ class ScenePose::Worker {
       const SceneBone& bone = m_scene.Bones[b];
       const Matrix34 local = MatrixOf(m_local[b].Rotation, m_local[b].Position);
       m_bones[b] = bone.Parent < 0 ? local : m_bones[static_cast<size_t>(bone.Parent)] * local;
+      m_bones[b] = m_jiggle.Move(b, m_bones[b]);
       m_skin[b] = m_bones[b] * bone.PoseToBone;
     }
   }
 
   const Scene& m_scene;
   std::unique_ptr<FrameCache> m_cache;  // null: nothing can be played
+  JiggleMotion m_jiggle;
+  float m_swungAt = 0;
   const PoseRequest* m_request = nullptr;
   int m_left = 0;  // sequences that may still be added
   Poses m_defaults;

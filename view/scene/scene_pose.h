@@ -26,6 +26,8 @@ struct PoseRequest {
   std::vector<PoseLayer> Layers = {};      // in their order, on top
   bool Autoplay = true;                    // sequences that always play do
   float Seconds = 0;                       // the time that those play by
+  bool Ik = true;                          // limbs that a sequence locks end where they stood ahead of it
+  bool Swings = false;                     // jiggle bones go on from where they were at the Seconds of the pose before
 
   bool operator==(const PoseRequest&) const = default;
 };
@@ -44,7 +46,8 @@ SequenceTiming TimingOf(const Scene& scene, int32_t sequence, std::span<const fl
 float RampOf(const SceneAutoLayer& layer, float cycle);
 
 /// Where the bones of a scene stand. Keeps its room from one pose to the next, and some frames that were decoded.
-/// Inverse kinematics and the swinging of jiggle bones are left out: such bones stand as their animations have them.
+/// Of inverse kinematics the locks are held. The rules of animations are not: what their errors count from is not
+/// known.
 class ScenePose {
  public:
   /// Begins with the rest pose. `scene` must outlive the pose.

@@ -11,7 +11,7 @@ namespace tarnwick::view {
 namespace {
 
 bool CanPlay(const SceneSequence& sequence) {
-  return !sequence.Animations.empty() && !sequence.IsDelta() && sequence.BoneWeights.empty() &&
+  return !sequence.Animations.empty() && !sequence.IsDelta() && !sequence.IsPartial &&
          (sequence.Flags & model::SequenceFlagLayered) == 0;
 }
 
@@ -75,7 +75,9 @@ void ShowFrame(const Scene& scene, ViewState& state, float frame) {
 }
 
 PoseRequest PoseOf(const ViewState& state) {
-  PoseRequest request{state.Sequence, state.Cycle, state.PoseParameters, {}, true, state.Seconds};
+  PoseRequest request{state.Sequence, state.Cycle, state.PoseParameters, {}, true, state.Seconds, true, false};
+  request.Ik = state.Ik;
+  request.Swings = state.Swings && state.IsPlaying;
   for (const ViewLayer& layer : state.Layers) request.Layers.push_back({layer.Sequence, state.Cycle, layer.Weight});
   return request;
 }

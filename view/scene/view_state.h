@@ -66,6 +66,8 @@ struct ViewState {
   std::vector<ViewLayer> Layers;
   std::vector<float> PoseParameters;
   std::vector<float> FlexControllers;
+  bool Ik = true;      // ends of limbs are held where sequences lock them
+  bool Swings = true;  // jiggle bones do, while the sequence plays
 
   bool operator==(const ViewState&) const = default;
 };

@@ -1,6 +1,7 @@
 #include "view/widget/model_viewer.h"
 
 #include <QBoxLayout>
+#include <QEvent>
 #include <QFileInfo>
 #include <QFileSystemWatcher>
 #include <QHash>
@@ -10,14 +11,18 @@
 #include <QSignalBlocker>
 #include <QSlider>
 #include <QSplitter>
-#include <QStyle>
 #include <QTabWidget>
 #include <QToolButton>
 #include <algorithm>
 #include <cmath>
 
 #include "platform/text.h"
-#include "view/widget/viewer_tabs.h"
+#include "view/widget/display_tab.h"
+#include "view/widget/facts_tab.h"
+#include "view/widget/parts_tab.h"
+#include "view/widget/player_icons.h"
+#include "view/widget/sequences_tab.h"
+#include "view/widget/sliders_tab.h"
 
 namespace tarnwick::view {
 
@@ -42,7 +47,6 @@ ModelViewer::ModelViewer(platform::Desktop& desktop, Controls controls, QWidget*
       m_desktop(desktop),
       m_view(new ModelView),
       m_tabs(new QTabWidget),
-      m_play(nullptr),
       m_frame(new QSlider(Qt::Horizontal)),
       m_time(new QLabel),
       m_emptyText("The model that is named is shown here"),
@@ -65,17 +69,15 @@ ModelViewer::ModelViewer(platform::Desktop& desktop, Controls controls, QWidget*
   auto* time = new QHBoxLayout;
   m_play = AddButton("Play", "playButton");
   m_play->setCheckable(true);
-  QToolButton* before = AddButton("Previous frame", "previousFrameButton");
-  QToolButton* next = AddButton("Next frame", "nextFrameButton");
-  before->setIcon(style()->standardIcon(QStyle::SP_MediaSeekBackward));
-  next->setIcon(style()->standardIcon(QStyle::SP_MediaSeekForward));
+  m_before = AddButton("Previous frame", "previousFrameButton");
+  m_next = AddButton("Next frame", "nextFrameButton");
   m_frame->setObjectName("frameSlider");
   m_frame->setAccessibleName("Frame");
   m_frame->setSingleStep(StepsAFrame);
   m_time->setObjectName("frameLabel");
   m_time->setMinimumWidth(m_time->fontMetrics().horizontalAdvance("000.0 of 000"));
   m_time->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-  for (QWidget* each : std::initializer_list<QWidget*>{m_play, before, next}) time->addWidget(each);
+  for (QWidget* each : std::initializer_list<QWidget*>{m_play, m_before, m_next}) time->addWidget(each);
   time->addWidget(m_frame, 1);
   time->addWidget(m_time);
   auto* picture = new QWidget;
@@ -102,8 +104,8 @@ ModelViewer::ModelViewer(platform::Desktop& desktop, Controls controls, QWidget*
   connect(m_view, &ModelView::SaveWanted, this, &ModelViewer::SavePicture);
   connect(m_play, &QAbstractButton::clicked, this,
           [this](bool on) { m_view->Change([on](ViewState& state) { state.IsPlaying = on; }); });
-  connect(before, &QAbstractButton::clicked, this, [this] { m_view->StepFrame(-1); });
-  connect(next, &QAbstractButton::clicked, this, [this] { m_view->StepFrame(1); });
+  connect(m_before, &QAbstractButton::clicked, this, [this] { m_view->StepFrame(-1); });
+  connect(m_next, &QAbstractButton::clicked, this, [this] { m_view->StepFrame(1); });
   connect(m_frame, &QSlider::valueChanged, this, [this](int step) {
     if (!m_view->HasModel()) return;
     m_view->Change([&](ViewState& state) {
@@ -165,6 +167,11 @@ void ModelViewer::TakeModel(const ShownModel& model, const QString& path) {
   for (const std::string& file : ModelSource::FilesOf(FromQt(path))) {
     if (!file.empty() && QFileInfo::exists(ToQt(file))) m_watcher->addPath(ToQt(file));
   }
+  if (model.Model) {
+    for (const std::string& file : model.Model->Included) {
+      if (QFileInfo::exists(ToQt(file))) m_watcher->addPath(ToQt(file));
+    }
+  }
   const auto kept = KeptStates().constFind(path);
   if (!model.Model) {
     m_view->ShowText(path.isEmpty() ? m_emptyText : ToQt(model.Error));
@@ -188,18 +195,27 @@ void ModelViewer::KeepState() {
 
 void ModelViewer::TakeState() {
   const bool moves = m_view->HasModel() && m_view->State().Sequence >= 0;
-  for (QWidget* each : std::initializer_list<QWidget*>{m_play, m_frame, findChild<QToolButton*>("previousFrameButton"),
-                                                       findChild<QToolButton*>("nextFrameButton")}) {
-    if (each != nullptr) each->setEnabled(moves);
-  }
+  for (QWidget* each : std::initializer_list<QWidget*>{m_play, m_frame, m_before, m_next}) each->setEnabled(moves);
   const bool isPlaying = moves && m_view->State().IsPlaying;
   m_play->setChecked(isPlaying);
-  m_play->setIcon(style()->standardIcon(isPlaying ? QStyle::SP_MediaPause : QStyle::SP_MediaPlay));
+  if (m_play->icon().isNull() || isPlaying != m_looksPlaying) ShowIcons();
   m_play->setToolTip(isPlaying ? "Pause" : "Play");
   if (m_view->HasModel()) {
     for (ViewerTab* tab : m_tabList) tab->TakeState();
   }
   ShowTime();
+}
+
+void ModelViewer::ShowIcons() {
+  m_looksPlaying = m_view->HasModel() && m_view->State().Sequence >= 0 && m_view->State().IsPlaying;
+  m_play->setIcon(PlayerIcon(m_looksPlaying ? PlayerSign::Pause : PlayerSign::Play, palette()));
+  m_before->setIcon(PlayerIcon(PlayerSign::Back, palette()));
+  m_next->setIcon(PlayerIcon(PlayerSign::Forward, palette()));
+}
+
+void ModelViewer::changeEvent(QEvent* event) {
+  QWidget::changeEvent(event);
+  if (event->type() == QEvent::PaletteChange && m_next != nullptr) ShowIcons();
 }
 
 void ModelViewer::ShowTime() {

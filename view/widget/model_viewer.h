@@ -55,12 +55,16 @@ class ModelViewer : public QWidget {
   /// The model that was asked for is shown, or the reason why not.
   void Shown();
 
+ protected:
+  void changeEvent(QEvent* event) override;
+
  private:
   void AddTab(ViewerTab* tab, const QString& title);
   QToolButton* AddButton(const QString& text, const char* name);
   void Load();
   void TakeModel(const ShownModel& model, const QString& path);
   void TakeState();
+  void ShowIcons();
   void ShowTime();
   void KeepState();
 
@@ -71,7 +75,10 @@ class ModelViewer : public QWidget {
   SlidersTab* m_pose;
   SlidersTab* m_face;
   FactsTab* m_facts;
-  QToolButton* m_play;
+  QToolButton* m_play = nullptr;
+  QToolButton* m_before = nullptr;
+  QToolButton* m_next = nullptr;
+  bool m_looksPlaying = false;
   QSlider* m_frame;
   QLabel* m_time;
   QString m_path;

@@ -44,22 +44,18 @@ ShownModel ModelSource::Load(const std::string& path, const std::string& gameDir
   const std::lock_guard lock(m_lock);
   ShownModel shown;
   Kept sink(shown.Troubles);
-  if (!m_content || m_gameDirectory != gameDirectory) {
+  if (!m_content || m_content->GameDirectory() != gameDirectory) {
     m_content = std::make_unique<archives::ContentFiles>(gameDirectory, m_unheard);
-    m_game.reset();
-    m_gameDirectory = gameDirectory;
+    TellGameProblem(*m_content, sink);
+  } else {
+    m_content->Refresh();  // a material may have been compiled since
   }
   auto scene = IsSmd(path) ? MakeSmdScene(path, sink, *m_content) : MakeScene(path, sink, *m_content);
   if (!scene) {
     shown.Error = ErrorOf(shown.Troubles, path);
     return shown;
   }
-  if (!m_game) {
-    m_game = std::make_unique<GameMaterials>(gameDirectory, sink);
-  } else {
-    m_game->Refresh();  // a material may have been compiled since
-  }
-  const MaterialFiles files(*m_game, *m_content, path);
+  const MaterialFiles files(*m_content, path);
   shown.Materials =
       std::make_shared<MaterialSet>(LoadMaterials(scene->Materials, scene->MaterialDirectories, files, m_textures));
   shown.Model = std::make_shared<Scene>(std::move(*scene));

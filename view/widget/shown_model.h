@@ -33,16 +33,14 @@ class ModelSource {
   static std::vector<std::string> FilesOf(const std::string& path);
 
  private:
-  /// What is wrong with the game's places is told by the materials.
+  /// What is wrong with a place of the game spoils no model.
   struct Unheard : core::TroubleSink {
     void Tell(const core::Trouble&) override {}
   };
 
   std::mutex m_lock;
-  std::string m_gameDirectory;
   Unheard m_unheard;
   std::unique_ptr<archives::ContentFiles> m_content;
-  std::unique_ptr<GameMaterials> m_game;  // of that directory
   TextureCache m_textures;
 };
 
