@@ -110,17 +110,28 @@ bool Archive::ReadRange(const ByteSource& source, uint64_t offset, std::span<std
   const auto got = source.Read(offset, out, reason);
   if (!got) return false;
   if (*got == out.size()) return true;
-  reason = "its archive ends at byte " + std::to_string(offset + *got) + ", " + std::to_string(out.size() - *got) +
-           " bytes too early";
+  reason = Explained("its archive ends at byte " + std::to_string(offset + *got) + ", " +
+                     std::to_string(out.size() - *got) + " bytes too early");
   return false;
 }
 
 bool Archive::CheckCrc(const FilePlace& place, uint32_t crc, std::string& reason) const {
   if (crc == place.Crc) return true;
-  reason = "it is damaged: its CRC-32 is " + CrcText(crc) + " and should be " + CrcText(place.Crc) + " (" +
-           std::to_string(place.Size) + " bytes at byte " + std::to_string(place.Offset) + " of " +
-           PartPath(place.Part) + ")";
+  reason = Explained("it is damaged: its CRC-32 is " + CrcText(crc) + " and should be " + CrcText(place.Crc) + " (" +
+                     std::to_string(place.Size) + " bytes at byte " + std::to_string(place.Offset) + " of " +
+                     PartPath(place.Part) + ")");
   return false;
+}
+
+bool Archive::HasChanged() const {
+  if (m_own->HasChanged()) return true;
+  const std::lock_guard lock(m_partsLock);
+  return std::any_of(m_parts.begin(), m_parts.end(), [](const auto& part) { return part.second->HasChanged(); });
+}
+
+/// Why bytes are not what they should be, also where the archive was written meanwhile.
+std::string Archive::Explained(const std::string& reason) const {
+  return HasChanged() ? reason + "; the archive on the disk has changed since it was opened" : reason;
 }
 
 std::optional<core::FileImage> Archive::Read(uint32_t file, std::string& reason) const {

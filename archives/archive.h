@@ -45,6 +45,10 @@ class Archive {
   /// The file that archive number `part` of a VPK is in, beside the directory file.
   std::string PartPath(uint16_t part) const;
 
+  /// Whether the archive on the disk (the files of it that were opened so far) is no longer the one that was opened.
+  /// What is taken out of it then may be refused for its CRC-32; whoever keeps archives opens it anew.
+  bool HasChanged() const;
+
   /// The number of the first file of that name, without regard to ASCII case and slash.
   std::optional<uint32_t> Find(std::string_view name) const;
 
@@ -70,6 +74,7 @@ class Archive {
   bool ReadRange(const ByteSource& source, uint64_t offset, std::span<std::byte> out, std::string& reason) const;
   const ByteSource* Reachable(const FilePlace& place, std::string& reason) const;
   bool CheckCrc(const FilePlace& place, uint32_t crc, std::string& reason) const;
+  std::string Explained(const std::string& reason) const;
 
   const std::string m_path;
   std::unique_ptr<ByteSource> m_own;  // the directory file, or the addon unpacked

@@ -20,6 +20,9 @@ class ByteSource {
 
   /// The bytes of the whole source; nothing where that is not known without unpacking it.
   virtual std::optional<uint64_t> Size() const = 0;
+
+  /// Whether what is on the disk is no longer what was opened: another file, one that was written since, or none.
+  virtual bool HasChanged() const { return false; }
 };
 
 }  // namespace tarnwick::archives

@@ -64,9 +64,9 @@ std::vector<std::string> LooseRoots(const std::string& path) {
 std::shared_ptr<const Archive> ContentFiles::OpenArchive(const std::string& path, std::string& reason) const {
   const std::lock_guard lock(m_lock);
   const auto known = m_archives.find(path);
-  if (known != m_archives.end()) return known->second;
+  if (known != m_archives.end() && !known->second->HasChanged()) return known->second;
   auto archive = Archive::Open(path, reason);
-  if (archive != nullptr) m_archives.emplace(path, archive);
+  if (archive != nullptr) m_archives.insert_or_assign(path, archive);
   return archive;
 }
 

@@ -23,7 +23,7 @@ struct ListedFile {
 };
 
 /// Files by every name that a user may give (`ReadContentName`): on the disk, in an archive, through the search paths
-/// of a game. Archives that were opened stay open. Several threads may ask at once.
+/// of a game. Archives that were opened stay open until they change on the disk. Several threads may ask at once.
 class ContentFiles : public core::FileSource {
  public:
   /// `gameDirectory` has the gameinfo.txt by which `game:` names and companions are found; "" for none. It is read when
@@ -60,7 +60,7 @@ class ContentFiles : public core::FileSource {
   /// Every name under which `FindGameFile` looks for the file, in its order.
   std::vector<std::string> TriedFor(const std::string& owner, const std::string& inside) const;
 
-  /// The archive at `path`, opened once. Null, with `reason`, if it cannot be.
+  /// The archive at `path`, opened once, and anew when it has changed. Null, with `reason`, if it cannot be had.
   std::shared_ptr<const Archive> OpenArchive(const std::string& path, std::string& reason) const;
   /// Where a `game:` name leads: a path, or the whole name of a file in an archive; any other name stays. Nothing, with
   /// `reason`, if no place has it.

@@ -244,8 +244,15 @@ std::vector<GamePlace> GameFiles::AllPlaces() const {
 }
 
 void GameFiles::Refresh() {
-  for (const Place& place : m_places) {
-    if (const auto* folder = std::get_if<std::unique_ptr<LooseFolder>>(&place)) (*folder)->Refresh();
+  for (Place& place : m_places) {
+    if (const auto* folder = std::get_if<std::unique_ptr<LooseFolder>>(&place)) {
+      (*folder)->Refresh();
+      continue;
+    }
+    auto& archive = std::get<std::shared_ptr<const Archive>>(place);
+    if (!archive->HasChanged()) continue;
+    std::string ignored;
+    if (auto fresh = Archive::Open(archive->Path(), ignored); fresh != nullptr) archive = std::move(fresh);
   }
 }
 

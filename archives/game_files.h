@@ -58,7 +58,8 @@ class GameFiles {
   std::vector<std::string> Places() const;
   /// All places, in order.
   std::vector<GamePlace> AllPlaces() const;
-  /// Lets files be found that were written since. Archives stay as they were opened.
+  /// Lets files be found that were written since. Archives that changed on the disk are opened anew; one that cannot be
+  /// stays as it was. Nobody else may look meanwhile, or keep what was found before.
   void Refresh();
 
  private:

@@ -35,9 +35,11 @@ std::string SystemReason() {
 
 std::unique_ptr<RandomFile> RandomFile::Open(const std::string& path, std::string& reason) {
   std::unique_ptr<RandomFile> file(new RandomFile);
+  file->m_path = core::NativePath(path);
+  file->m_stamp = StampOf(file->m_path);  // before the bytes: what is written meanwhile counts as a change
   const HANDLE handle =
-      CreateFileW(core::NativePath(path).c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                  nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+      CreateFileW(file->m_path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                  OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
   if (handle == INVALID_HANDLE_VALUE) {
     reason = SystemReason();
     return nullptr;
@@ -79,8 +81,10 @@ std::optional<size_t> RandomFile::Read(uint64_t offset, std::span<std::byte> out
 
 std::unique_ptr<RandomFile> RandomFile::Open(const std::string& path, std::string& reason) {
   std::unique_ptr<RandomFile> file(new RandomFile);
+  file->m_path = core::NativePath(path);
+  file->m_stamp = StampOf(file->m_path);  // before the bytes: what is written meanwhile counts as a change
   // A pipe that nobody writes to must not stop the program here.
-  file->m_descriptor = open(core::NativePath(path).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+  file->m_descriptor = open(file->m_path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
   struct stat status {};
   if (file->m_descriptor < 0 || fstat(file->m_descriptor, &status) != 0) {
     reason = std::strerror(errno);
@@ -116,5 +120,9 @@ std::optional<size_t> RandomFile::Read(uint64_t offset, std::span<std::byte> out
 }
 
 #endif
+
+bool RandomFile::HasChanged() const {
+  return StampOf(m_path) != m_stamp;
+}
 
 }  // namespace tarnwick::archives

@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <memory>
 #include <string>
 
 #include "archives/byte_source.h"
+#include "archives/file_stamp.h"
 
 namespace tarnwick::archives {
 
@@ -24,6 +26,7 @@ class RandomFile : public ByteSource {
   std::optional<size_t> Read(uint64_t offset, std::span<std::byte> out, std::string& reason) const override;
   /// Bytes that the file had when it was opened.
   std::optional<uint64_t> Size() const override { return m_size; }
+  bool HasChanged() const override;
 
  private:
   RandomFile() = default;
@@ -34,6 +37,8 @@ class RandomFile : public ByteSource {
   int m_descriptor = -1;
 #endif
   uint64_t m_size = 0;
+  std::filesystem::path m_path;
+  FileStamp m_stamp;
 };
 
 }  // namespace tarnwick::archives

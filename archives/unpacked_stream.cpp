@@ -107,6 +107,7 @@ class UnpackedStream : public ByteSource {
   }
 
   std::optional<uint64_t> Size() const override { return std::nullopt; }
+  bool HasChanged() const override { return m_packed->HasChanged(); }
 
  private:
   struct Piece {

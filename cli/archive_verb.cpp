@@ -1,7 +1,9 @@
 #include "cli/archive_verb.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <iomanip>
+#include <iterator>
 #include <memory>
 #include <nlohmann/json.hpp>
 
@@ -27,10 +29,11 @@ using Json = nlohmann::ordered_json;
 constexpr const char* Examples = R"(Examples:
   tarnwick-cli archive list hl2/hl2_misc_dir.vpk:models/props_c17
   tarnwick-cli archive list addon.gma --match '*.vtf' --match '*.vmt' --json
-  tarnwick-cli archive extract pak01_dir.vpk --match 'models/**/crate*' -o out
+  tarnwick-cli archive extract pak01_dir.vpk models/props 'materials/**/crate*' -o out
   tarnwick-cli archive info --check pak01_dir.vpk
 A pattern: * stands for any characters but a slash, ** for any, ? for one. Without a slash it is
-for the last part of a name; a folder means all that lies below it. Case plays no part.)";
+for the last part of a name; a folder means all that lies below it. Case plays no part. What
+follows an archive and does not end in .vpk or .gma is a pattern too, for all archives.)";
 
 struct Options {
   std::vector<std::string> Inputs;
@@ -62,6 +65,20 @@ class PrintedTroubles : public core::TroubleSink {
   ProgressLine* m_progress;
 };
 
+/// Takes the patterns out of what the command line names behind an archive.
+void TakePatterns(Options& options) {
+  const auto isPattern = [](const std::string& input) {
+    return archives::ReadContentName(input).Where == archives::ContentName::Place::Disk &&
+           !archives::HasArchiveExtension(input);
+  };
+  auto& inputs = options.Inputs;
+  if (inputs.empty()) return;
+  const auto patterns = std::stable_partition(inputs.begin() + 1, inputs.end(),
+                                              [&](const std::string& input) { return !isPattern(input); });
+  std::move(patterns, inputs.end(), std::back_inserter(options.Patterns));
+  inputs.erase(patterns, inputs.end());
+}
+
 /// An archive that the command line names, and the files in it that are meant.
 struct Chosen {
   std::shared_ptr<const Archive> Opened;  // null if it cannot be opened
@@ -74,7 +91,7 @@ Chosen Choose(const std::string& input, const Options& options, PrintedTroubles&
   Chosen chosen;
   chosen.Path = archives::DirectoryFileOf(name.Path);
   if (name.Where == archives::ContentName::Place::Game) {
-    troubles.Error(input + ": name an archive");
+    troubles.Error(input + ": name one archive; those of the game lie in its folders as .vpk files");
     return chosen;
   }
   std::string reason;
@@ -90,7 +107,9 @@ Chosen Choose(const std::string& input, const Options& options, PrintedTroubles&
                   [&](uint32_t file) { return !archives::MatchesPattern(files.Name(file), name.Inside); });
   }
   if (chosen.Files.empty() && (!name.Inside.empty() || !options.Patterns.empty())) {
-    troubles.Error(input + ": no file of the archive is meant");
+    std::string patterns;
+    for (const std::string& pattern : options.Patterns) patterns += (patterns.empty() ? " by " : ", ") + pattern;
+    troubles.Error(input + ": no file of the archive is meant" + archives::PrintableName(patterns));
   }
   return chosen;
 }
@@ -153,8 +172,9 @@ void ExtractOne(const Chosen& chosen, const std::string& output, const Options& 
                                                                 troubles.Texts.end())}})
                    << '\n';
   } else if (!options.Quiet) {
-    invocation.Out << chosen.Path << ": " << done.Files.size() << " files, " << bytes << " bytes"
-                   << (done.Failed > 0 ? ", " + std::to_string(done.Failed) + " failed" : "") << '\n';
+    invocation.Out << chosen.Path << ": " << done.Files.size() << (done.Files.size() == 1 ? " file, " : " files, ")
+                   << bytes << " bytes" << (done.Failed > 0 ? ", " + std::to_string(done.Failed) + " failed" : "")
+                   << '\n';
   }
 }
 
@@ -277,11 +297,16 @@ CLI::App* AddWork(CLI::App& verb, const char* name, const char* text, Work work,
                   const std::shared_ptr<Options>& options, Invocation& invocation) {
   CLI::App* command = verb.add_subcommand(name, text);
   command
-      ->add_option("FILE", options->Inputs, "Archives, each with a colon and a pattern behind it if not all is meant")
+      ->add_option("FILE", options->Inputs,
+                   "Archives, each with a colon and a pattern behind it if not all is meant; patterns for all of them "
+                   "may follow")
       ->required();
   command->add_flag("--json", options->Json, "Print JSON objects, one a line");
   command->callback([work, options, &invocation] {
-    invocation.Run = [work, options, &invocation] { return work(*options, invocation); };
+    invocation.Run = [work, options, &invocation] {
+      TakePatterns(*options);
+      return work(*options, invocation);
+    };
   });
   return command;
 }

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <filesystem>
 #include <functional>
 
 #include "archive_builder.h"
@@ -156,6 +157,33 @@ TEST(Archive, TellsOfPartsThatAreMissingOrTooShort) {
   EXPECT_FALSE(archive->Read(*archive->Find("b.txt"), reason));
   EXPECT_THAT(reason, HasSubstr("its bytes are in " + folder.Path("pak01_1000.vpk")));
   EXPECT_TRUE(archive->Read(*archive->Find("c.txt"), reason)) << reason;
+}
+
+TEST(Archive, TellsThatItChangedOnTheDisk) {
+  ScratchFolder folder;
+  const std::string path = folder.Path("pak01_dir.vpk");
+  VpkBuilder vpk{.Files = {{.Name = "a.txt", .Bytes = std::string(100000, 'a')},
+                           {.Name = "b.txt", .Bytes = "in a part", .Preload = 0, .Part = 1}}};
+  WriteVpk(folder.Path("pak01"), vpk.Build());
+  std::string reason;
+  const auto archive = Archive::Open(path, reason);
+  ASSERT_TRUE(archive);
+  EXPECT_TRUE(archive->Read(*archive->Find("b.txt"), reason)) << reason;
+  EXPECT_FALSE(archive->HasChanged());
+  std::filesystem::remove(folder.Path("pak01_001.vpk"));
+  EXPECT_TRUE(archive->HasChanged()) << "a part that was read from is gone";
+
+  // Cut short under the one who reads it: told, and no signal ends the program.
+  const auto whole = Archive::Open(path, reason);
+  std::filesystem::resize_file(path, 200);
+  EXPECT_FALSE(whole->Read(*whole->Find("a.txt"), reason));
+  EXPECT_THAT(reason, HasSubstr("too early; the archive on the disk has changed"));
+  EXPECT_FALSE(whole->ReadPieces(
+      *whole->Find("a.txt"), [](std::string_view) { return true; }, reason));
+  EXPECT_TRUE(whole->HasChanged());
+  std::filesystem::remove(path);
+  EXPECT_TRUE(whole->HasChanged());
+  EXPECT_FALSE(whole->Read(*whole->Find("a.txt"), reason));
 }
 
 /// A damage of the sound archive of the test, and what is said of it.

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <array>
+#include <filesystem>
 #include <span>
 
 #include "archive_builder.h"
@@ -58,6 +59,21 @@ TEST_F(ContentFilesTest, ReadsEveryKindOfName) {
   EXPECT_EQ(Text(files, "game:none.mdl"), "no place of the game has it");
   EXPECT_THAT(Text(files, m_folder.Path("none.vpk") + ":a"), HasSubstr("none.vpk: "));
   EXPECT_EQ(Text(ContentFiles("", m_report), "game:a"), "no game directory is known");
+}
+
+TEST_F(ContentFilesTest, ReadsAnArchiveAnewWhenItWasWrittenAnew) {
+  const ContentFiles files(m_folder.Path("mod"), m_report);
+  const std::string path = m_folder.Path("new.vpk");
+  WriteText(path, tests::VpkBuilder{.Files = {{.Name = "a.txt", .Bytes = "first"}}}.Build().Directory);
+  EXPECT_EQ(Text(files, path + ":a.txt"), "first");
+  WriteText(path,
+            tests::VpkBuilder{.Files = {{.Name = "a.txt", .Bytes = "the second"}, {.Name = "b.txt", .Bytes = "b"}}}
+                .Build()
+                .Directory);
+  EXPECT_EQ(Text(files, path + ":a.txt"), "the second");
+  EXPECT_EQ(Text(files, path + ":b.txt"), "b");
+  std::filesystem::remove(path);
+  EXPECT_THAT(Text(files, path + ":a.txt"), HasSubstr("new.vpk: "));
 }
 
 TEST_F(ContentFilesTest, CompanionsComeFromTheSameArchiveFirst) {

@@ -153,8 +153,12 @@ TEST_F(GameFilesTest, FindsNewFilesOnceRefreshed) {
   const auto game = Open();
   EXPECT_FALSE(game->Find("new/file.txt"));
   WriteText(m_folder.Path("mod/new/file.txt"), "new");
+  WriteVpk(m_folder.Path("mod/pak02_dir.vpk"), {{.Name = "added.txt", .Bytes = "added"}});
+  EXPECT_EQ(Text(*game, "added.txt"), "no place of the game has it");
   game->Refresh();
   EXPECT_EQ(Text(*game, "New/File.txt"), "new");
+  EXPECT_EQ(Text(*game, "added.txt"), "added");
+  EXPECT_EQ(Text(*game, "z.txt"), "loose");
 }
 
 #ifndef _WIN32

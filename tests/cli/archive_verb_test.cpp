@@ -51,6 +51,13 @@ TEST_F(ArchiveVerbTest, ListsNamesSizesAndCrcs) {
                            testing::Not(HasSubstr("note"))));
   EXPECT_EQ(Run({"list", m_archive, "--match", "*.vtf"}), ExitFailure);
   EXPECT_THAT(m_err, HasSubstr("no file of the archive is meant"));
+  // What somebody writes who knows other such programs; case and slash play no part.
+  EXPECT_EQ(Run({"list", m_archive, "Models\\props"}), ExitSuccess) << m_err;
+  EXPECT_THAT(m_out, AllOf(HasSubstr("crate.mdl\n"), testing::Not(HasSubstr("note"))));
+  EXPECT_EQ(Run({"list", m_archive, "*.mdl", "note.*"}), ExitSuccess) << m_err;
+  EXPECT_THAT(m_out, AllOf(HasSubstr("crate.mdl\n"), HasSubstr("note.txt\n")));
+  EXPECT_EQ(Run({"list", m_archive, "none/*"}), ExitFailure);
+  EXPECT_EQ(Run({"list", m_folder.Path("pak01_000.vpk")}), ExitSuccess) << "the directory of that part\n" << m_err;
   EXPECT_EQ(Run({"list", m_folder.Path("none.vpk"), m_archive}), ExitFailure);
   EXPECT_THAT(m_err, HasSubstr("none.vpk: "));
   EXPECT_THAT(m_out, HasSubstr("note.txt"));
