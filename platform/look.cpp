@@ -4,9 +4,14 @@
 #include <QEvent>
 #include <QGroupBox>
 #include <QProxyStyle>
+#include <QSettings>
 #include <QStyleOptionButton>
 #include <algorithm>
 #include <cmath>
+
+#ifdef _WIN32
+#include <windows.h>
+#endif
 
 namespace tarnwick::platform {
 
@@ -75,6 +80,22 @@ class PlaceholderKeeper : public QObject {
   }
 };
 
+/// Whether the user wants dark windows from a style of the desktop's that has none. A palette of high contrast, which
+/// is the user's too, is left as it is.
+bool NeedsOwnDark() {
+#ifdef _WIN32
+  HIGHCONTRASTW contrast{};
+  contrast.cbSize = sizeof(contrast);
+  const bool isKnown = SystemParametersInfoW(SPI_GETHIGHCONTRAST, sizeof(contrast), &contrast, 0) != 0;
+  if (isKnown && (contrast.dwFlags & HCF_HIGHCONTRASTON) != 0) return false;
+  const QSettings theme(R"(HKEY_CURRENT_USER\Software\Microsoft\Windows\CurrentVersion\Themes\Personalize)",
+                        QSettings::NativeFormat);
+  return theme.value("AppsUseLightTheme", 1).toInt() == 0;
+#else
+  return false;
+#endif
+}
+
 }  // namespace
 
 double Contrast(const QColor& a, const QColor& b) {
@@ -95,8 +116,28 @@ QColor PlaceholderColor(const QPalette& palette, QPalette::ColorGroup group) {
   return text;
 }
 
+QPalette DarkPalette() {
+  QPalette palette(QColor(53, 53, 53));
+  palette.setColor(QPalette::Base, QColor(35, 35, 35));
+  palette.setColor(QPalette::AlternateBase, QColor(45, 45, 45));
+  palette.setColor(QPalette::Text, QColor(230, 230, 230));
+  palette.setColor(QPalette::WindowText, QColor(230, 230, 230));
+  palette.setColor(QPalette::ButtonText, QColor(230, 230, 230));
+  palette.setColor(QPalette::PlaceholderText, QColor(150, 150, 150));
+  palette.setColor(QPalette::Link, QColor(110, 170, 255));
+  palette.setColor(QPalette::LinkVisited, QColor(190, 150, 255));
+  palette.setColor(QPalette::Highlight, QColor(50, 110, 190));
+  for (const auto role : {QPalette::Text, QPalette::WindowText, QPalette::ButtonText}) {
+    palette.setColor(QPalette::Disabled, role, QColor(130, 130, 130));
+  }
+  return palette;
+}
+
 void ApplyLook(const QString& style) {
-  QApplication::setStyle(style.isEmpty() ? new TidyStyle : new TidyStyle(style));
+  const bool isDark = style.isEmpty() && NeedsOwnDark();
+  const QString name = isDark ? "Fusion" : style;
+  QApplication::setStyle(name.isEmpty() ? new TidyStyle : new TidyStyle(name));
+  if (isDark) QApplication::setPalette(DarkPalette());
   qApp->installEventFilter(new PlaceholderKeeper(qApp));
   PlaceholderKeeper::Mend();
 }

@@ -9,8 +9,12 @@ namespace tarnwick::platform {
 
 /// Gives the application the platform's own style, or the one named, with plain buttons in dialogs: the pictures that
 /// some styles put on "OK" and "Cancel" belong to no icon set of ours. From then on the placeholder texts of fields can
-/// be read in whatever palette the desktop has or changes to.
+/// be read in whatever palette the desktop has or changes to. Where Windows is told to be dark, its style, which cannot
+/// be, makes way for one that can.
 void ApplyLook(const QString& style = {});
+
+/// Light text on dark grounds, for a style that takes its colours from the palette.
+QPalette DarkPalette();
 
 /// The contrast that a placeholder text has at least, by the formula of the Web Content Accessibility Guidelines 2.1.
 inline constexpr double ReadableContrast = 4.5;

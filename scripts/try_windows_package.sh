@@ -1,47 +1,105 @@
 #!/usr/bin/env bash
 # try_windows_package.sh [FOLDER]: tries what windows_package.sh wrote as a user would, under Wine: unpacked in an empty
 # folder with blanks and letters of several alphabets in its name, started from there without anything of this machine's
-# build in reach. The sample is decompiled, an image converted by the worker, and the window opened on a virtual screen,
-# light, dark and at 200 %. With FOLDER pictures of the screen are kept there.
+# build in reach. The programs are looked into, the sample is decompiled, verified and drawn, an image is written and made
+# a material by the worker and our own vtex, and the windows are opened on a virtual screen, light, dark and at 200 %.
+# With FOLDER pictures of the screen are kept there.
 set -euo pipefail
 
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
-./scripts/ensure_packages.sh test windows
+./scripts/ensure_packages.sh test windows windows-window windows-try
 . scripts/under_wine.sh
-pictures=${1:+$(mkdir -p "$1" && realpath "$1")}
-archive=$(ls "$PWD"/dist/tarnwick-*-windows.zip | tail -n 1)
+top=$PWD
 work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
+trap '"$(dirname "$wine")/wineserver" -k 2>/dev/null || /usr/lib/wine/wineserver -k 2>/dev/null || true; rm -rf "$work"' EXIT
+pictures=${1:-$work/pictures}
+mkdir -p "$pictures"
+pictures=$(realpath "$pictures")
+archive=$(ls -t "$PWD"/dist/tarnwick-*-windows.zip | head -n 1)
 start_wine "$work/wine" || { echo "Wine does not start here." >&2; exit 1; }
+
+# Ends the script with the reason.
+wrong() {
+  echo "$*" >&2
+  exit 1
+}
 
 place="$work/any folder ж é"
 mkdir -p "$place"
 (cd "$place" && python3 -m zipfile -e "$archive" .)
 cd "$place"/tarnwick-*
-programs=$PWD
-[ -f READ_ME_FIRST.txt ] && [ -d licences ] || { echo "what to read first or the licences are missing" >&2; exit 1; }
+[ -f READ_ME_FIRST.txt ] && [ -f licences/qt6-base.txt ] || wrong "What to read first or the licences are missing."
 
-for program in tarnwick-cli.exe sdk/studiomdl.exe sdk/vtex.exe sdk/vtf2tga.exe; do
-  [ -f "$program" ] || { echo "$program is missing" >&2; exit 1; }
+consoles=(tarnwick-cli.exe tarnwick-imageworker.exe sdk/studiomdl.exe sdk/vtex.exe sdk/vtf2tga.exe)
+windows=(tarnwick.exe sdk/hlmv.exe)
+for program in "${consoles[@]}" "${windows[@]}"; do
+  [ -f "$program" ] || wrong "$program is missing."
+  for type in group_icon version 24; do  # 24: the manifest
+    wrestool --list --type="$type" "$program" 2>/dev/null | grep -q . || wrong "$program has no $type inside."
+  done
+  x86_64-w64-mingw32-objdump -p "$program" | grep -E 'DLL Name' | grep -iE 'lib(gcc|stdc|winpthread|ssp)|qt6' &&
+    wrong "$program needs a library that is not of Windows itself."
+  grep -qF "$top/" "$program" && wrong "$program names a folder of the clone that it was built in."
 done
-"$wine" ./tarnwick-cli.exe --version | tr -d '\r'
-"$wine" ./tarnwick-cli.exe decompile --quiet --output "out ж put" samples/walker.mdl
-[ -s "out ж put/ravelback.qc" ] || { echo "no script was written" >&2; exit 1; }
-"$wine" ./tarnwick-cli.exe verify samples/walker.mdl >"$work/verify.log" 2>&1 || { cat "$work/verify.log" >&2; exit 1; }
-echo "The sample decompiles and comes back the same."
+for program in "${windows[@]}"; do
+  x86_64-w64-mingw32-objdump -p "$program" | grep -q 'Windows GUI' || wrong "$program opens a console."
+done
+echo "All programs are there, each with its icon, version and manifest."
 
-# Opens the window for ten seconds and looks at the screen before it is closed.
-open_window() {  # NAME SETTING...
-  local name=$1 code=0
-  shift
-  env "$@" xvfb-run -a -s "-screen 0 2400x1800x24" bash -c '
-    timeout 20 "$1" ./tarnwick.exe samples/walker.mdl & program=$!
-    sleep 10
-    [ -z "$2" ] || import -window root "$2" 2>/dev/null || true
-    wait $program' - "$wine" "${pictures:+$pictures/$name.png}" || code=$?
-  [ "$code" -eq 124 ] || { echo "the window ended by itself, with $code" >&2; exit 1; }
+cli=("$wine" ./tarnwick-cli.exe)
+# Runs what follows, whose words are shown only if it fails.
+quietly() {
+  timeout 300 "$@" >"$work/said" 2>&1 || { cat "$work/said" >&2; wrong "Failed: $*"; }
 }
-open_window light QT_SCALE_FACTOR=1
-open_window dark QT_SCALE_FACTOR=1 QT_QPA_PLATFORM=windows:darkmode=2
-open_window large QT_SCALE_FACTOR=2
-echo "The window opens from $programs."
+"${cli[@]}" --version | tr -d '\r'
+quietly "${cli[@]}" decompile --output "out ж put" samples/walker.mdl
+[ -s "out ж put/ravelback.qc" ] || wrong "No script was written."
+quietly "${cli[@]}" verify samples/walker.mdl
+echo "The sample decompiles and comes back the same."
+for format in png jpg tga bmp gif dds psd tiff; do
+  grep -q "^$format\b" <("${cli[@]}" vtf --list-formats) || continue
+  quietly "${cli[@]}" vtf -o images --format "$format" samples/materials/models/walker/walker_skin.vtf
+done
+echo "Images written: $(ls images | paste -sd' ')"
+mkdir "game ж"
+printf '"GameInfo"\n{\n\tgame "tried"\n\tFileSystem { SearchPaths { game |gameinfo_path|. } }\n}\n' >"game ж/gameinfo.txt"
+for image in images/*; do
+  quietly "${cli[@]}" material --game "game ж" -d "${image##*.}" "$image"
+  [ -s "game ж/materials/models/${image##*.}/walker_skin.vtf" ] || wrong "$image became no texture."
+done
+echo "Each of them becomes a material."
+
+# Opens a program's window, NAME for its picture, waits until something stands on the screen, and leaves it there for a
+# while: it must not end by itself.
+open_window() {  # NAME SCALE PROGRAM ARGUMENT...
+  local name=$1 scale=$2
+  shift 2
+  QT_SCALE_FACTOR=$scale xvfb-run -a -s "-screen 0 2800x2200x24" bash -c '
+    picture=$1
+    shift
+    "$@" & program=$!
+    for ((tries = 0; tries < 60; ++tries)); do
+      sleep 2
+      kill -0 $program 2>/dev/null || { wait $program; echo "the window ended by itself, with $?" >&2; exit 1; }
+      import -window root "$picture" && [ "$(identify -format %k "$picture")" -gt 50 ] && break
+    done
+    [ "$tries" -lt 60 ] || { echo "no window within two minutes" >&2; exit 1; }
+    sleep 5
+    import -window root "$picture"
+    kill -0 $program
+    code=$?
+    kill $program
+    exit $code' - "$pictures/$name.png" "$wine" "$@" 2>"$work/said" || { cat "$work/said" >&2; wrong "$1 ($name)"; }
+  convert "$pictures/$name.png" -trim +repage "$pictures/$name.png"
+}
+# Tells Windows whether it is to be dark.
+set_light() {
+  "$wine" reg add 'HKCU\Software\Microsoft\Windows\CurrentVersion\Themes\Personalize' /v AppsUseLightTheme \
+    /t REG_DWORD /d "$1" /f >/dev/null 2>&1
+}
+open_window light 1 ./tarnwick.exe samples/walker.mdl
+open_window large 2 ./tarnwick.exe samples/walker.mdl
+open_window viewer 1 ./sdk/hlmv.exe samples/walker.mdl
+set_light 0
+open_window dark 1 ./tarnwick.exe samples/walker.mdl
+echo "The windows open."

@@ -51,15 +51,16 @@ fetch() {
   exit 1
 }
 
-# Configures and builds `$1` of its sources, or of the folder $2, and installs it into the common folder.
+# Configures and builds `$1` of the sources in folder $2, and installs it into the common folder. Chained by hand: the
+# shell does not end at a step that fails where its caller asks whether it did.
 build() {
   local name=$1 from=$2
   shift 2
   cmake -S "$from" -B "$work/$name-build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DBUILD_SHARED_LIBS=OFF \
-    -DCMAKE_TOOLCHAIN_FILE="$top/cmake/windows_cross.cmake" -DTARNWICK_WINDOWS_LIBRARIES="$made" \
-    -DCMAKE_PREFIX_PATH="$made" -DCMAKE_INSTALL_PREFIX="$made" "$@"
-  nice -n 15 cmake --build "$work/$name-build" -j "$jobs"
-  cmake --install "$work/$name-build"
+    -DCMAKE_TOOLCHAIN_FILE="$home/toolchain/windows_cross.cmake" -DTARNWICK_WINDOWS_LIBRARIES="$made" \
+    -DCMAKE_PREFIX_PATH="$made" -DCMAKE_INSTALL_PREFIX="$made" "$@" &&
+    nice -n 15 cmake --build "$work/$name-build" -j "$jobs" &&
+    cmake --install "$work/$name-build"
 }
 
 # What reads files from strangers ends on an overrun.
@@ -135,7 +136,12 @@ if [ "${1:-}" = --place ]; then
 fi
 
 ./scripts/ensure_packages.sh windows-window
-mkdir -p "$stamps" "$work"
+mkdir -p "$stamps" "$work" "$home/toolchain"
+# Two at once would write the same files; the second finds everything made.
+exec 9>"$home/lock"
+flock 9
+# A build that goes on later may do so from another clone of this project, so what it was begun with lies beside it.
+cp -ru cmake/windows_cross.cmake cmake/windows_cross "$home/toolchain/"
 for library in "${libraries[@]}"; do
   is_made "$library" && continue
   echo "Building $library for Windows in $home ..."
@@ -147,7 +153,7 @@ for library in "${libraries[@]}"; do
     echo "$wanted" >"$work/$library.begun"
   fi
   log=$work/$library.log
-  if ! (set -e; "build_$library") >"$log" 2>&1; then
+  if ! "build_$library" >"$log" 2>&1; then
     grep -E 'error|Error|FAILED' "$log" | head -n 20 >&2 || tail -n 20 "$log" >&2
     echo "$library cannot be built; all that it said is in $log." >&2
     exit 1

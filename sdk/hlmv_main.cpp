@@ -3,6 +3,7 @@
 #include <iostream>
 #include <vector>
 
+#include "core/command_line.h"
 #include "platform/look.h"
 #include "platform/qt_desktop.h"
 #include "platform/text.h"
@@ -26,7 +27,7 @@ bool HasDesktop() {
 
 int main(int argumentCount, char** arguments) {
   using namespace tarnwick;
-  const std::vector<std::string> words(arguments + 1, arguments + argumentCount);
+  const std::vector<std::string> words = core::CommandLine(argumentCount, arguments).Arguments();
   const auto request = sdk::ReadHlmvArguments(words, std::cerr);
   if (!request) return sdk::ToolWrongUsage;
   if (request->WantsHelp) {
@@ -39,7 +40,6 @@ int main(int argumentCount, char** arguments) {
   }
   int one = 1;  // Qt has switches of its own, which are not the tool's
   QApplication application(one, arguments);
-  Q_INIT_RESOURCE(tarnwick);  // the icons, which lie in a library
   QApplication::setApplicationName("hlmv");
   QApplication::setApplicationDisplayName("Model Viewer");
   platform::ApplyLook();

@@ -1,5 +1,5 @@
 # The library that scripts/windows_libraries.sh has built, with the codecs that it needs.
-foreach(codec JPEG PNG TIFF ZLIB WebP)
+foreach(codec Threads JPEG PNG TIFF ZLIB WebP)
   find_package(${codec} REQUIRED)
 endforeach()
 find_path(FREEIMAGE_INCLUDE FreeImage.h REQUIRED)

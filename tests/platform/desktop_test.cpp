@@ -111,6 +111,28 @@ TEST(PlaceholderTexts, CanBeReadInEveryPalette) {
   QApplication::setPalette(before);
 }
 
+TEST(DarkPalette, CanBeRead) {
+  struct {
+    QPalette::ColorRole Text, Ground;
+  } const pairs[] = {
+      {QPalette::Text, QPalette::Base},
+      {QPalette::Text, QPalette::AlternateBase},
+      {QPalette::WindowText, QPalette::Window},
+      {QPalette::ButtonText, QPalette::Button},
+      {QPalette::PlaceholderText, QPalette::Base},
+      {QPalette::HighlightedText, QPalette::Highlight},
+      {QPalette::Link, QPalette::Base},
+      {QPalette::Link, QPalette::Window},
+      {QPalette::LinkVisited, QPalette::Window},
+      {QPalette::ToolTipText, QPalette::ToolTipBase},
+      {QPalette::BrightText, QPalette::Window},
+  };
+  const QPalette palette = DarkPalette();
+  for (const auto& [text, ground] : pairs) {
+    EXPECT_GE(Contrast(palette.color(text), palette.color(ground)), ReadableContrast) << text << " on " << ground;
+  }
+}
+
 }  // namespace
 
 }  // namespace tarnwick::platform

@@ -12,22 +12,6 @@ namespace {
 using tarnwick::screenshots::Stage;
 using tarnwick::screenshots::Subject;
 
-QPalette DarkPalette() {
-  QPalette palette(QColor(53, 53, 53));
-  palette.setColor(QPalette::Base, QColor(35, 35, 35));
-  palette.setColor(QPalette::AlternateBase, QColor(45, 45, 45));
-  palette.setColor(QPalette::Text, QColor(230, 230, 230));
-  palette.setColor(QPalette::WindowText, QColor(230, 230, 230));
-  palette.setColor(QPalette::ButtonText, QColor(230, 230, 230));
-  palette.setColor(QPalette::PlaceholderText, QColor(150, 150, 150));
-  palette.setColor(QPalette::Link, QColor(110, 170, 255));
-  palette.setColor(QPalette::Highlight, QColor(60, 120, 200));
-  for (const auto role : {QPalette::Text, QPalette::WindowText, QPalette::ButtonText}) {
-    palette.setColor(QPalette::Disabled, role, QColor(130, 130, 130));
-  }
-  return palette;
-}
-
 bool TakePicture(const Subject& subject, const QString& path) {
   Stage stage;
   const std::unique_ptr<QWidget> window = subject.Make(stage);
@@ -50,7 +34,7 @@ int main(int argumentCount, char** arguments) {
   QStandardPaths::setTestModeEnabled(true);
   QApplication::setQuitOnLastWindowClosed(false);
   tarnwick::platform::ApplyLook("Fusion");
-  if (words[2] == "dark") QApplication::setPalette(DarkPalette());
+  if (words[2] == "dark") QApplication::setPalette(tarnwick::platform::DarkPalette());
 
   int failures = 0;
   for (const auto& subjects : {tarnwick::screenshots::ShellSubjects(), tarnwick::screenshots::ModelSubjects(),

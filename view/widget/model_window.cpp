@@ -3,11 +3,11 @@
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QFileInfo>
-#include <QIcon>
 #include <QMenuBar>
 #include <QMimeData>
 #include <QUrl>
 
+#include "platform/bitmap_button.h"
 #include "platform/text.h"
 #include "platform/window_placing.h"
 #include "view/widget/model_viewer.h"
@@ -40,7 +40,7 @@ ModelWindow::ModelWindow(platform::Desktop& desktop, QWidget* parent)
   if (parent == nullptr) setAttribute(Qt::WA_DeleteOnClose);
   setAcceptDrops(true);
   setWindowTitle("Model Viewer");
-  setWindowIcon(QIcon(":/icons/model.svg"));
+  setWindowIcon(platform::IconOf("model"));
   m_viewer->SetEmptyText("Drop a model (.mdl) or a mesh (.smd) here, or open one with Ctrl+O");
   setCentralWidget(m_viewer);
   m_viewer->setContentsMargins(6, 6, 6, 6);
