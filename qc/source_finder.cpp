@@ -46,6 +46,7 @@ std::string_view LastParts(std::string_view path) {
 /// So many folders below the script's are looked through for a file that is nowhere else.
 constexpr size_t MostFoldersBelow = 500;
 constexpr int DeepestFolder = 4;
+constexpr size_t MostEntries = 2000;
 constexpr int MostLooksBelow = 200;
 
 std::string_view EndingOf(std::string_view name) {
@@ -185,8 +186,10 @@ std::optional<std::string> SourceFinder::FindBelow(std::string_view last, Source
     for (size_t i = 0; i < m_below.size() && m_below.size() < MostFoldersBelow; ++i) {
       const auto [folder, depth] = m_below[i];
       if (depth == DeepestFolder) continue;
-      for (const std::string& entry : m_look.Names(folder)) {
-        if (entry.find('.') != std::string::npos || m_below.size() >= MostFoldersBelow) continue;
+      const auto& entries = m_look.Names(folder);
+      for (size_t k = 0; k < std::min(entries.size(), MostEntries) && m_below.size() < MostFoldersBelow; ++k) {
+        const std::string& entry = entries[k];
+        if (entry.find('.') != std::string::npos) continue;
         if (const auto found = FolderAt(folder, entry)) m_below.push_back({*found, depth + 1});
       }
     }

@@ -60,9 +60,12 @@ bool WordScanner::BeginsComment(size_t at, bool startOfWord) const {
 bool WordScanner::IsDoubledSeparator(size_t at) const {
   if (m_dialect != Dialect::Script || !IsNameLetter(m_text[at - 1]) || !IsNameLetter(At(at + 2))) return false;
   if (EndsAsAFile(m_text.substr(m_at, at - m_at))) return false;  // a comment behind a file's name
+  if (m_namesFolders) return true;
+  constexpr size_t LongestPath = 1024;
+  const size_t last = std::min(m_text.size(), m_at + LongestPath);
   size_t end = at + 2;
-  while (end < m_text.size() && (IsNameLetter(m_text[end]) || m_text[end] == '/' || m_text[end] == '\\')) ++end;
-  return m_namesFolders || EndsAsAFile(m_text.substr(m_at, end - m_at));
+  while (end < last && (IsNameLetter(m_text[end]) || m_text[end] == '/' || m_text[end] == '\\')) ++end;
+  return EndsAsAFile(m_text.substr(m_at, end - m_at));
 }
 
 void WordScanner::SkipBlockComment() {

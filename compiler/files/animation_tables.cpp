@@ -73,6 +73,7 @@ bool AnimationTables::WriteAnimations() {
   std::vector<StudioAnimDesc> records(animations.size());
   std::vector<Stretch> stretches;
   std::vector<size_t> firsts;
+  firsts.reserve(animations.size() + 1);
   for (size_t i = 0; i < animations.size(); ++i) {
     records[i] = {};
     const int32_t frames = m_parts.Bones.Static ? 1 : animations[i].FrameCount;

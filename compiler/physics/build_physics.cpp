@@ -48,6 +48,7 @@ class PhysicsBuild {
     if (!MakeSolids()) return false;
     FindBoneSolids();
     std::vector<TextBody> bodies;
+    bodies.reserve(m_bodies.size());
     for (size_t i = 0; i < m_bodies.size(); ++i) bodies.push_back({m_bodies[i].Bone, m_bodies[i].Parent, m_volumes[i]});
     m_physics.Text = MakePhysicsText(m_context, m_bones, bodies, m_target);
     m_physics.Mass = m_plan.Mass;
@@ -279,7 +280,12 @@ class PhysicsBuild {
     std::optional<model::PhyVector> centre;
     if (m_plan.MassCenter && !m_plan.Joints) {
       const model::Vec3 place = model::ModelToPhy(placement.Apply(*m_plan.MassCenter));
-      centre = {double{place.x}, double{place.y}, double{place.z}};
+      const auto isNear = [](float value) { return std::abs(value) <= model::FarthestPhyCoordinate; };
+      if (isNear(place.x) && isNear(place.y) && isNear(place.z)) {
+        centre = {double{place.x}, double{place.y}, double{place.z}};
+      } else {
+        m_context.Warning(m_plan.At, "the $masscenter lies farther away than any body reaches; it is left out");
+      }
     }
     auto bytes = model::WritePhySolid(solid, hull, &reason, centre ? &*centre : nullptr);
     if (!bytes) {
