@@ -16,19 +16,35 @@ constexpr size_t LongestText = 80;
 
 void DifferenceList::Add(ModelTable table, std::string_view what, std::string where, std::string first,
                          std::string second, double amount, bool isRounding, std::string_view derived) {
-  for (ModelDifference& known : m_differences) {
-    if (known.Table != table || known.What != what || known.IsRounding != isRounding || known.Derived != derived)
-      continue;
-    ++known.Count;
-    if (amount <= known.Largest) return;
-    known.Where = std::move(where);
-    known.First = std::move(first);
-    known.Second = std::move(second);
-    known.Largest = amount;
+  if (Counted(table, what, amount, isRounding, derived)) return;
+  if (ModelDifference* known = Find(table, what, isRounding, derived)) {
+    ++known->Count;
+    known->Where = std::move(where);
+    known->First = std::move(first);
+    known->Second = std::move(second);
+    known->Largest = amount;
     return;
   }
   m_differences.push_back({table, std::string(what), std::move(where), std::move(first), std::move(second), 1, amount,
                            isRounding, derived});
+}
+
+ModelDifference* DifferenceList::Find(ModelTable table, std::string_view what, bool isRounding,
+                                      std::string_view derived) {
+  for (ModelDifference& known : m_differences) {
+    if (known.Table == table && known.What == what && known.IsRounding == isRounding && known.Derived == derived) {
+      return &known;
+    }
+  }
+  return nullptr;
+}
+
+bool DifferenceList::Counted(ModelTable table, std::string_view what, double amount, bool isRounding,
+                             std::string_view derived) {
+  ModelDifference* known = Find(table, what, isRounding, derived);
+  if (known == nullptr || amount > known->Largest) return false;
+  ++known->Count;
+  return true;
 }
 
 std::vector<ModelDifference> DifferenceList::Take() {

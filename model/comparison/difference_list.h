@@ -53,7 +53,9 @@ class DifferenceList {
       if (std::isfinite(amount)) largest = std::max(largest, amount);
     }
     const std::string_view derived = canBeSaid ? "" : "no number of a source";  // such stand as 0
-    if (differs) Add(table, what, where(), NumberText(first), NumberText(second), largest, isRounding, derived);
+    // Most differ by less than one before them: texts that nobody will see are not made.
+    if (!differs || Counted(table, what, largest, isRounding, derived)) return;
+    Add(table, what, where(), NumberText(first), NumberText(second), largest, isRounding, derived);
   }
   /// A difference whose size is known. `derived` is as ModelDifference has it, a text that stays.
   void Add(ModelTable table, std::string_view what, std::string where, std::string first, std::string second,
@@ -65,6 +67,9 @@ class DifferenceList {
   static std::string NumberText(std::span<const float> numbers);
 
  private:
+  ModelDifference* Find(ModelTable table, std::string_view what, bool isRounding, std::string_view derived);
+  /// Counts a difference of a kind that is known by one that is as large; false if there is none yet.
+  bool Counted(ModelTable table, std::string_view what, double amount, bool isRounding, std::string_view derived);
   static std::string Quoted(std::string_view text);
 
   std::vector<ModelDifference> m_differences;

@@ -141,11 +141,24 @@ std::string SourceName(std::string_view name) {
   return text;
 }
 
+/// Whether `second` is `first` with a number behind it, as a file is called whose name another one has: sources of one
+/// name from two folders lie in one.
+bool IsNumbered(std::string_view first, std::string_view second) {
+  if (!second.starts_with(first) || second.size() < first.size() + 2 || second[first.size()] != '_') return false;
+  return second.find_first_not_of("0123456789", first.size() + 1) == std::string_view::npos;
+}
+
 void CompareModel(const ComparedModels& models, const ModelRecord& first, const ModelRecord& second, int64_t part,
                   int64_t number, int64_t levels, const std::string& place) {
   const auto where = [&] { return place; };
-  models.Differences.Text(ModelTable::Bodies, "name of a model", where, SourceName(core::FixedText(first->Name)),
-                          SourceName(core::FixedText(second->Name)));
+  const std::string name = SourceName(core::FixedText(first->Name));
+  const std::string otherName = SourceName(core::FixedText(second->Name));
+  if (IsNumbered(name, otherName)) {
+    models.Differences.Add(ModelTable::Bodies, "name of a model", place, name, otherName, 0, false,
+                           "two files of one name");
+  } else {
+    models.Differences.Text(ModelTable::Bodies, "name of a model", where, name, otherName);
+  }
   models.Differences.Whole(ModelTable::Vertices, "number of vertices", where, first->VertexCount, second->VertexCount);
   CompareTables<StudioMesh>(
       models, ModelTable::Bodies, "meshes", where, {first.Offset() + first->MeshOffset, first->MeshCount},

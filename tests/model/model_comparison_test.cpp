@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <limits>
+
 #include <functional>
 
 #include "model/face_records.h"
@@ -170,6 +172,16 @@ TEST(ModelComparison, TellsWhatNoSourceHolds) {
   ASSERT_THAT(unknown, testing::SizeIs(1));
   EXPECT_FALSE(unknown[0].IsReal());
   EXPECT_THAT(DifferenceLine(unknown[0]), HasSubstr("(not known without the .phy file)"));
+  // Sources of one name lie in one folder; a source holds no number that is none.
+  ModelBuilder first = WholeModel(), second = WholeModel();
+  first.BodyParts[0].Models[0].Name = "x/ref.smd";
+  second.BodyParts[0].Models[0].Name = "ref_2.smd";
+  first.Sequences[0].FadeIn = std::numeric_limits<float>::quiet_NaN();
+  second.Sequences[0].FadeIn = 0;
+  const Compared compared = Compare(first, second);
+  ASSERT_TRUE(compared.Differences);
+  EXPECT_THAT(*compared.Differences, testing::SizeIs(2));
+  for (const ModelDifference& one : *compared.Differences) EXPECT_FALSE(one.IsReal()) << DifferenceLine(one);
 }
 
 TEST(ModelComparison, VerticesCountByWhatTheyAreNotByTheirNumbers) {
