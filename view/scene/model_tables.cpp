@@ -101,8 +101,9 @@ void TakeIkChains(ModelReader& reader, Scene& scene) {
     SceneIkChain& taken = scene.IkChains.emplace_back();
     taken.Name = TextOf(reader, chain, chain->NameOffset);
     taken.Bones.fill(-1);
+    const int32_t count = chain->LinkCount;
     const auto links = TableOf<model::StudioIkLink>(reader, "ik link table", chain.Offset() + chain->LinkOffset,
-                                                    std::min<int32_t>(chain->LinkCount, 3));
+                                                    std::clamp(count, 0, 3));
     for (int64_t i = 0; i < links.Count(); ++i) {
       taken.Bones[static_cast<size_t>(i)] = BoneOrNone(links[i]->Bone, scene.Bones.size());
     }
