@@ -61,7 +61,10 @@ CKilndeskDlg::CKilndeskDlg(core::AppSettings& settings, platform::Desktop& deskt
                 m_modelOptions,
                 &m_pageLog,
                 [this] { OnConfigure(); },
-                [this](pages::CPage& page, std::optional<archives::ContentKind> kind) { OnBrowseContent(page, kind); }},
+                [this](pages::CPage& page, std::optional<archives::ContentKind> kind) { OnBrowseContent(page, kind); },
+                [this](std::optional<archives::ContentKind> kind, const pages::ContentTaker& take) {
+                  OnBrowseContentFor(kind, take);
+                }},
       m_modelPage(m_context),
       m_materialPage(m_context),
       m_decompilerPage(m_context),
@@ -143,11 +146,18 @@ pages::CContentDialog& CKilndeskDlg::Content() {
 
 void CKilndeskDlg::OnBrowseContent(pages::CPage& page, std::optional<archives::ContentKind> kind) {
   m_contentWish = &page;
+  m_contentTaker = {};
+  Content().BrowseGame(kind);
+}
+
+void CKilndeskDlg::OnBrowseContentFor(std::optional<archives::ContentKind> kind, const pages::ContentTaker& take) {
+  m_contentTaker = take;
   Content().BrowseGame(kind);
 }
 
 size_t CKilndeskDlg::OpenContent(const std::vector<std::string>& names) {
-  size_t opened = 0;
+  size_t opened = m_contentTaker ? m_contentTaker(names) : 0;
+  if (opened > 0) return opened;
   for (size_t i = 0; i < m_pages.size(); ++i) {
     if (m_pages[i] != m_contentWish || !m_pages[i]->isEnabled()) continue;
     opened = m_pages[i]->OpenFiles(names);

@@ -66,6 +66,7 @@ class CKilndeskDlg : public platform::CDialog {
   size_t OpenContent(const std::vector<std::string>& names);
   pages::CContentDialog& Content();
   void OnBrowseContent(pages::CPage& page, std::optional<archives::ContentKind> kind);
+  void OnBrowseContentFor(std::optional<archives::ContentKind> kind, const pages::ContentTaker& take);
   bool OfferEditor(const std::vector<std::string>& paths);
   void RestoreGeometry();
   void SaveGeometry();
@@ -83,6 +84,7 @@ class CKilndeskDlg : public platform::CDialog {
   std::vector<std::string> m_startFiles;
   std::unique_ptr<pages::CContentDialog> m_content;  // once it has been wanted
   pages::CPage* m_contentWish = nullptr;             // the page that asked for it last
+  pages::ContentTaker m_contentTaker = {};           // or the other window that did
   std::unique_ptr<CHelpWindow> m_help;               // once it has been wanted
   QByteArray m_startGeometry;
 };

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <filesystem>
 #include <memory>
 #include <mutex>
@@ -95,27 +94,6 @@ struct Shared {
   Drawers Ready;
 };
 
-/// Puts the camera so far away, and so to the side, that the box just fits the picture.
-void Fit(view::Camera& camera, const view::Box& box, float aspect) {
-  camera.Frame(box, aspect);
-  for (int step = 0; step < 6; ++step) {
-    float left = 1e9f, right = -1e9f, top = 1e9f, bottom = -1e9f;
-    for (size_t i = 0; i < 8; ++i) {
-      const view::Vec3 corner{(i & 1) != 0 ? box.Maximum.X : box.Minimum.X,
-                              (i & 2) != 0 ? box.Maximum.Y : box.Minimum.Y,
-                              (i & 4) != 0 ? box.Maximum.Z : box.Minimum.Z};
-      const view::Vec3 at = camera.Project(corner, aspect, 1);  // in parts of the height
-      if (at.Z > 1) return;                                     // too near to tell
-      left = std::min(left, at.X), right = std::max(right, at.X);
-      top = std::min(top, at.Y), bottom = std::max(bottom, at.Y);
-    }
-    const float reach = std::max((right - left) / aspect, bottom - top);
-    if (!std::isfinite(reach) || reach <= 0) return;
-    camera.Pan((left + right - aspect) / 2, (1 - top - bottom) / 2);
-    camera.Zoom(reach / Filled);
-  }
-}
-
 /// One model on its way.
 class Drawing {
  public:
@@ -203,7 +181,7 @@ class Drawing {
     state.Eye.Pitch = m_job.Angle.Pitch;
     state.LightYaw = m_job.Angle.Yaw + 35;  // from over the viewer's shoulder
     state.LightPitch = 45;
-    Fit(state.Eye, box, aspect);
+    state.Eye.Fit(box, aspect, Filled);
     return true;
   }
 

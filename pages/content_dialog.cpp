@@ -1,27 +1,17 @@
 #include "pages/content_dialog.h"
 
-#include <QApplication>
 #include <QClipboard>
-#include <QDir>
-#include <QDrag>
-#include <QEventLoop>
+#include <QGuiApplication>
 #include <QKeyEvent>
-#include <QLocale>
-#include <QMimeData>
 #include <QShortcut>
 #include <QTimer>
-#include <QUrl>
 #include <algorithm>
-#include <atomic>
-#include <mutex>
-#include <numeric>
-#include <thread>
 
 #include "archives/archive_name.h"
-#include "archives/content_extraction.h"
 #include "core/byte_size.h"
 #include "core/paths.h"
 #include "core/settings_table.h"
+#include "pages/content_extraction_job.h"
 #include "platform/dropped_files.h"
 #include "platform/text.h"
 #include "ui_content_dialog.h"
@@ -35,9 +25,7 @@ using platform::ToQt;
 
 namespace {
 
-constexpr uint64_t MostDragBytes = uint64_t{512} << 20;
-constexpr size_t MostDragFiles = 2000;
-constexpr size_t KeptDragFolders = 8;
+constexpr int MillisecondsBetweenLooks = 1000;  // for archives that changed on the disk
 constexpr int TreeShare = 1;
 constexpr int ListShare = 3;
 
@@ -50,44 +38,11 @@ const KindRow KindRows[] = {{"All files", {}},
                             {"Textures", ContentKind::Texture},
                             {"Materials", ContentKind::Material}};
 
-QString FilesText(size_t count) {
-  return count == 1 ? QString("1 file") : QLocale(QLocale::English).toString(qulonglong{count}) + " files";
-}
-
-uint64_t BytesOf(const archives::ContentIndex& index, const std::vector<uint32_t>& files) {
-  return std::accumulate(files.begin(), files.end(), uint64_t{0},
-                         [&](uint64_t sum, uint32_t file) { return sum + index.Size(file); });
-}
-
-/// Keeps the first of the troubles for the box, and counts.
-class FirstTroubles : public core::TroubleSink {
- public:
-  void Tell(const core::Trouble& trouble) override {
-    constexpr size_t Most = 5;
-    if (Texts.size() < Most) Texts.push_back(trouble.Text);
-  }
-  std::vector<std::string> Texts;
-};
-
 QByteArray Decoded(const std::string& text) {
   return QByteArray::fromBase64(QByteArray::fromStdString(text));
 }
 
 }  // namespace
-
-/// An extraction, told from its thread to the window's.
-struct CContentDialog::Extracting {
-  Extracting(std::shared_ptr<const archives::ContentIndex> index, std::vector<uint32_t> files, std::string folder)
-      : Index(std::move(index)), Files(std::move(files)), Folder(std::move(folder)) {}
-
-  const std::shared_ptr<const archives::ContentIndex> Index;
-  const std::vector<uint32_t> Files;
-  const std::string Folder;
-  std::atomic<size_t> Done = 0;
-  bool Refused = false;  // by the user, who was asked about older files
-  archives::Extraction Result = {};
-  FirstTroubles Troubles = {};
-};
 
 CContentDialog::CContentDialog(const ContentContext& context, QWidget* parent)
     : CDialog(context.Desktop, parent), m_context(context), m_ui(std::make_unique<Ui::ContentDialog>()), m_jobs(*this) {
@@ -101,6 +56,8 @@ CContentDialog::CContentDialog(const ContentContext& context, QWidget* parent)
   m_ui->stopButton->hide();
   m_ui->folderButton->hide();
   m_ui->noticeLabel->hide();
+  m_changes.setInterval(MillisecondsBetweenLooks);
+  connect(&m_changes, &QTimer::timeout, &m_reader, &ContentReader::LookForChanges);
   m_ui->list->OnDrag = [this] { Drag(); };
   m_ui->searchEdit->installEventFilter(this);
   connect(m_ui->searchEdit, &QLineEdit::textChanged, this, &CContentDialog::Search);
@@ -117,6 +74,7 @@ CContentDialog::CContentDialog(const ContentContext& context, QWidget* parent)
     ShowState();
   });
   connect(&m_reader, &ContentReader::Opened, this, &CContentDialog::OnOpened);
+  connect(&m_reader, &ContentReader::Changed, this, &CContentDialog::Refresh);
   connect(&m_reader, &ContentReader::Found, this, &CContentDialog::OnFound);
   connect(m_ui->openButton, &QAbstractButton::clicked, this, &CContentDialog::OnOpen);
   connect(m_ui->extractButton, &QAbstractButton::clicked, this, &CContentDialog::OnExtract);
@@ -142,6 +100,16 @@ CContentDialog::CContentDialog(const ContentContext& context, QWidget* parent)
 
 CContentDialog::~CContentDialog() = default;
 
+void CContentDialog::showEvent(QShowEvent* event) {
+  CDialog::showEvent(event);
+  m_changes.start();
+}
+
+void CContentDialog::hideEvent(QHideEvent* event) {
+  CDialog::hideEvent(event);
+  m_changes.stop();
+}
+
 void CContentDialog::OnInitDialog() {
   CDialog::OnInitDialog();
   restoreGeometry(Decoded(setting::ContentGeometry.Read(m_context.Settings)));
@@ -164,7 +132,11 @@ void CContentDialog::OnCancel() {
 }
 
 ContentSource CContentDialog::GameSource() const {
-  return {.GameDirectory = setting::GameDirectory.Read(m_context.Settings)};
+  return {.GameDirectory = GameDirectory()};
+}
+
+std::string CContentDialog::GameDirectory() const {
+  return m_context.GameDirectory ? *m_context.GameDirectory : setting::GameDirectory.Read(m_context.Settings);
 }
 
 std::optional<ContentKind> CContentDialog::Kind() const {
@@ -204,7 +176,7 @@ void CContentDialog::Read() {
   setWindowTitle(isGame ? QString("Game content") : ShownName(core::LastComponent(m_source.Archives.front())));
   m_ui->noticeLabel->hide();
   m_ui->tree->Show(nullptr, {});
-  m_ui->list->ShowIndex(nullptr);
+  m_ui->list->ShowIndex(nullptr, {});
   if (isGame && m_source.GameDirectory.empty()) {
     m_reader.Open({});  // ends what is read for another source
     return ShowMessage(
@@ -217,6 +189,7 @@ void CContentDialog::Read() {
 }
 
 void CContentDialog::Refresh() {
+  m_ui->list->Rows().Pictures().Forget();
   if (m_source.Archives.empty()) m_source = GameSource();
   Read();
 }
@@ -241,7 +214,7 @@ void CContentDialog::OnOpened() {
     m_ui->noticeLabel->setText(text);
     m_ui->noticeLabel->show();
   }
-  m_ui->list->ShowIndex(index);
+  m_ui->list->ShowIndex(index, GameDirectory());
   m_ui->tree->Show(index, Kind());
   Search();
 }
@@ -341,7 +314,7 @@ void CContentDialog::OnOpenArchive() {
       DesktopSeam().ChooseFilesToOpen(this, {.Title = "Open Archive",
                                              .Filter = "Archives (*.vpk;*.gma)|*.vpk;*.gma|All Files|*|",
                                              .StartName = {},
-                                             .StartDirectory = setting::GameDirectory.Read(m_context.Settings)});
+                                             .StartDirectory = GameDirectory()});
   if (chosen) BrowseArchives(*chosen);
 }
 
@@ -361,129 +334,40 @@ void CContentDialog::OnExtract() {
                                                  setting::ContentOutput.Read(m_context.Settings));
   if (!folder) return;
   setting::ContentOutput.Write(m_context.Settings, *folder);
-  const auto state = std::make_shared<Extracting>(m_reader.Index(), files, *folder);
+  const auto job = std::make_shared<ContentExtractionJob>(m_reader.Index(), files, *folder);
   m_ui->progressBar->setRange(0, static_cast<int>(files.size()));
   m_ui->progressBar->setValue(0);
   m_ui->progressBar->show();
   m_ui->stopButton->show();
   m_ui->folderButton->hide();
   m_ui->statusLabel->setText("Extracting " + FilesText(files.size()) + " to " + ShownName(*folder));
-  m_jobs.Start(
-      [state](platform::JobReport& report, const std::stop_token& stop) {
-        const size_t older = archives::CountExisting(*state->Index, state->Files, state->Folder);
-        if (older > 0) {
-          platform::MessageBoxRequest box;
-          box.Text = FromQt(FilesText(older)) + (older == 1 ? " is" : " are") +
-                     " there already and will be replaced:\n" + state->Folder;
-          box.Caption = "Extract";
-          box.Icon = platform::BoxIcon::Question;
-          box.Buttons = platform::BoxButtons::OkCancel;
-          box.OkLabel = "Replace";
-          box.RefusalIsDefault = true;
-          state->Refused = report.Ask(box) != platform::BoxAnswer::Ok;
-          if (state->Refused) return;
-        }
-        state->Result = archives::ExtractContent(*state->Index, state->Files, state->Folder, state->Troubles, stop,
-                                                 [&](const std::string&, size_t done) { state->Done = done; });
-      },
-      {.Disabled = m_ui->extractButton,
-       .LogGrew = {},
-       .Tick = [this, state] { m_ui->progressBar->setValue(static_cast<int>(state->Done)); },
-       .Done = [this, state] { OnExtracted(*state); }});
+  m_jobs.Start([job](platform::JobReport& report, const std::stop_token& stop) { job->Run(report, stop); },
+               {.Disabled = m_ui->extractButton,
+                .LogGrew = {},
+                .Tick = [this, job] { m_ui->progressBar->setValue(static_cast<int>(job->Done())); },
+                .Done = [this, job] { OnExtracted(*job); }});
 }
 
-void CContentDialog::OnExtracted(const Extracting& done) {
+void CContentDialog::OnExtracted(const ContentExtractionJob& done) {
   m_ui->progressBar->hide();
   m_ui->stopButton->hide();
-  const std::vector<archives::ExtractedFile>& files = done.Result.Files;
-  uint64_t bytes = 0;
-  for (const archives::ExtractedFile& file : files) bytes += file.Size;
-  m_outcome =
-      FilesText(files.size()) + " (" + ToQt(core::FormatByteSize(bytes)) + ") extracted to " + ShownName(done.Folder);
-  if (done.Refused) m_outcome = "Nothing was extracted.";
-  if (done.Result.Stopped) m_outcome = "Stopped: " + m_outcome;
-  m_outputFolder = done.Folder;
-  m_ui->folderButton->setVisible(!files.empty());
+  m_outcome = done.Outcome();
+  m_outputFolder = done.Folder();
+  m_ui->folderButton->setVisible(done.WroteAny());
   ShowState();
-  if (done.Result.Failed == 0) return;
-  platform::MessageBoxRequest box;
-  box.Text = FromQt(FilesText(done.Result.Failed)) + " could not be extracted.";
-  box.Caption = "Error";
-  box.Icon = platform::BoxIcon::Stop;
-  for (const std::string& text : done.Troubles.Texts) box.Details += (box.Details.empty() ? "" : "\n") + text;
-  if (done.Result.Failed > done.Troubles.Texts.size()) box.Details += "\n...";
-  DesktopSeam().ShowBox(this, box);
+  if (const auto failures = done.Failures(); !failures.Text.empty()) DesktopSeam().ShowBox(this, failures);
 }
 
-std::vector<std::string> CContentDialog::WriteForDrag(const archives::ContentIndex& index,
-                                                      const std::vector<uint32_t>& files, const std::stop_token& stop,
-                                                      std::string& reason) {
-  auto folder = std::make_unique<QTemporaryDir>(QDir::tempPath() + "/tarnwick-drag-XXXXXX");
-  if (!folder->isValid()) {
-    reason = FromQt(folder->errorString());
-    return {};
-  }
-  FirstTroubles troubles;
-  const archives::Extraction done = archives::ExtractContent(index, files, FromQt(folder->path()), troubles, stop, {});
-  if (!troubles.Texts.empty()) reason = troubles.Texts.front();
-  std::vector<std::string> paths;
-  for (const archives::ExtractedFile& file : done.Files) paths.push_back(file.Path);
-  m_dragFolders.push_back(std::move(folder));
-  // The program that the files were dropped on may still be reading the last ones.
-  if (m_dragFolders.size() > KeptDragFolders) m_dragFolders.pop_front();
-  if (done.Stopped) paths.clear();
-  return paths;
-}
-
-std::unique_ptr<QMimeData> CContentDialog::DragData(const std::vector<uint32_t>& files,
-                                                    const std::vector<std::string>& paths) const {
-  auto dragged = std::make_unique<QMimeData>();
-  QList<QUrl> urls;
-  for (const std::string& path : paths) urls << QUrl::fromLocalFile(ToQt(path));
-  dragged->setUrls(urls);
-  std::vector<std::string> names;
-  for (const uint32_t file : files) names.push_back(NameOf(file));
-  platform::PutNames(*dragged, names);
-  return dragged;
-}
-
-/// Drags the selected files. They are written first, beside the window, while the user holds the button.
 void CContentDialog::Drag() {
   const auto index = m_reader.Index();
   const std::vector<uint32_t> selected = m_ui->list->SelectedFiles();
-  if (index == nullptr || selected.empty() || m_dragging) return;
-  const std::vector<uint32_t> files = ChosenFiles();
-  if (files.size() > MostDragFiles || BytesOf(*index, files) > MostDragBytes) {
-    m_outcome = "That is too much to be dragged: extract it.";
-    return ShowState();
-  }
-  m_dragging = true;
-  std::vector<std::string> paths;
-  std::string reason;
-  std::atomic<bool> ended = false;
-  std::jthread writer([&](const std::stop_token& stop) {
-    paths = WriteForDrag(*index, files, stop, reason);
-    ended = true;
-  });
-  QEventLoop loop;
-  QTimer timer;
-  connect(&timer, &QTimer::timeout, &loop, [&] {
-    if (QApplication::mouseButtons() == Qt::NoButton) writer.request_stop();  // let go too early
-    if (ended) loop.quit();
-  });
-  timer.start(10);
-  loop.exec(QEventLoop::ExcludeSocketNotifiers);
-  writer.join();
-  if (!reason.empty()) {
-    m_outcome = ShownName(reason);
-    ShowState();
-  }
-  if (!paths.empty() && QApplication::mouseButtons() != Qt::NoButton) {
-    auto* drag = new QDrag(m_ui->list);
-    drag->setMimeData(DragData(selected, paths).release());
-    drag->exec(Qt::CopyAction);
-  }
-  m_dragging = false;
+  if (index == nullptr || selected.empty()) return;
+  std::vector<std::string> names;
+  for (const uint32_t file : selected) names.push_back(NameOf(file));
+  const QString problem = m_drags.Drag(*m_ui->list, *index, ChosenFiles(), names);
+  if (problem.isEmpty()) return;
+  m_outcome = ShownName(FromQt(problem));
+  ShowState();
 }
 
 bool CContentDialog::eventFilter(QObject* watched, QEvent* event) {

@@ -1,26 +1,25 @@
 #pragma once
 
-#include <QTemporaryDir>
-#include <deque>
+#include <QTimer>
 #include <functional>
 #include <memory>
 #include <optional>
-#include <stop_token>
 #include <string>
 #include <vector>
 
 #include "core/app_settings.h"
+#include "pages/content_drag.h"
 #include "pages/content_reader.h"
 #include "platform/dialog.h"
 #include "platform/job_runner.h"
-
-class QMimeData;
 
 namespace Ui {
 class ContentDialog;
 }
 
 namespace tarnwick::pages {
+
+class ContentExtractionJob;
 
 /// What the content window works with; all of it outlives the window.
 struct ContentContext {
@@ -30,6 +29,7 @@ struct ContentContext {
   /// Takes names of files ("game:models/crate.mdl", "a.vpk:models/crate.mdl") into the field of a page. Gives how many
   /// of them a page takes.
   std::function<size_t(const std::vector<std::string>& names)> Open = {};
+  std::optional<std::string> GameDirectory = {};  // in place of the one in the settings
 };
 
 /// The window "Game content": all files of the search paths of the game, or of archives that were opened, to be looked
@@ -52,21 +52,15 @@ class CContentDialog : public platform::CDialog {
 
   /// The selected files, or if there are none all that are listed, with what belongs to models where that is wanted.
   std::vector<uint32_t> ChosenFiles() const;
-  /// Writes files to a new folder for temporary files, which lasts as long as the window, and gives their paths; those
-  /// that cannot be written are told in `reason`. Any thread may call it, one at a time.
-  std::vector<std::string> WriteForDrag(const archives::ContentIndex& index, const std::vector<uint32_t>& files,
-                                        const std::stop_token& stop, std::string& reason);
-  /// What is dragged: paths for other programs, names for the fields of this one.
-  std::unique_ptr<QMimeData> DragData(const std::vector<uint32_t>& files, const std::vector<std::string>& paths) const;
 
  protected:
   void OnInitDialog() override;
   void OnCancel() override;
+  void showEvent(QShowEvent* event) override;
+  void hideEvent(QHideEvent* event) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
-  struct Extracting;
-
   void Show(const ContentSource& source, std::optional<archives::ContentKind> kind);
   void Read();
   void Refresh();
@@ -75,7 +69,7 @@ class CContentDialog : public platform::CDialog {
   void OnOpen();
   void OnOpenArchive();
   void OnExtract();
-  void OnExtracted(const Extracting& done);
+  void OnExtracted(const ContentExtractionJob& done);
   void OnConfigure();
   void Drag();
   void Search();
@@ -84,15 +78,16 @@ class CContentDialog : public platform::CDialog {
   std::optional<archives::ContentKind> Kind() const;
   std::string NameOf(uint32_t file) const;
   ContentSource GameSource() const;
+  std::string GameDirectory() const;
 
   const ContentContext m_context;
   std::unique_ptr<Ui::ContentDialog> m_ui;
   ContentSource m_source;
   ContentReader m_reader;
-  bool m_dragging = false;
-  QString m_outcome;                                         // of the last extraction, until something else is done
-  std::string m_outputFolder;                                // of the last extraction
-  std::deque<std::unique_ptr<QTemporaryDir>> m_dragFolders;  // removed with the window; the oldest give way
+  QString m_outcome;           // of the last extraction, until something else is done
+  std::string m_outputFolder;  // of the last extraction
+  ContentDrags m_drags;
+  QTimer m_changes;  // when to look for them
   platform::JobRunner m_jobs;
 };
 

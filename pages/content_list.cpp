@@ -69,12 +69,13 @@ ContentModel::ContentModel(QObject* parent)
   });
 }
 
-void ContentModel::SetIndex(std::shared_ptr<const archives::ContentIndex> index, int pictureSide, qreal scale) {
+void ContentModel::SetIndex(std::shared_ptr<const archives::ContentIndex> index, const std::string& gameDirectory,
+                            int pictureSide, qreal scale) {
   beginResetModel();
   m_files.clear();
   m_index = std::move(index);
   m_scale = scale;
-  m_pictures.Show(m_index, static_cast<int>(pictureSide * scale));
+  m_pictures.Show(m_index, gameDirectory, static_cast<int>(pictureSide * scale));
   endResetModel();
 }
 
@@ -164,8 +165,28 @@ CContentList::CContentList(QWidget* parent) : QTreeView(parent) {
   connect(header(), &QHeaderView::sortIndicatorChanged, this, &CContentList::OrderChanged);
 }
 
-void CContentList::ShowIndex(std::shared_ptr<const archives::ContentIndex> index) {
-  m_rows.SetIndex(std::move(index), PictureSide, devicePixelRatioF());
+void CContentList::ShowIndex(std::shared_ptr<const archives::ContentIndex> index, const std::string& gameDirectory) {
+  m_seen.clear();
+  m_rows.SetIndex(std::move(index), gameDirectory, PictureSide, devicePixelRatioF());
+}
+
+void CContentList::paintEvent(QPaintEvent* event) {
+  WantPictures();
+  QTreeView::paintEvent(event);
+}
+
+/// Has the pictures of the rows made that are seen, and those of no others.
+void CContentList::WantPictures() {
+  const int count = m_rows.rowCount();
+  const QModelIndex first = indexAt({0, 0});
+  const QModelIndex last = indexAt({0, viewport()->height() - 1});
+  std::vector<uint32_t> seen;
+  for (int row = first.isValid() ? first.row() : count; row <= (last.isValid() ? last.row() : count - 1); ++row) {
+    seen.push_back(m_rows.Files()[static_cast<size_t>(row)]);
+  }
+  if (seen == m_seen) return;
+  m_seen = seen;
+  m_rows.Pictures().Want(seen);
 }
 
 std::vector<uint32_t> CContentList::SelectedFiles() const {

@@ -22,9 +22,11 @@ class ContentModel : public QAbstractTableModel {
   explicit ContentModel(QObject* parent = nullptr);
 
   /// Takes another index; there are no rows until there are files.
-  void SetIndex(std::shared_ptr<const archives::ContentIndex> index, int pictureSide, qreal scale);
+  void SetIndex(std::shared_ptr<const archives::ContentIndex> index, const std::string& gameDirectory, int pictureSide,
+                qreal scale);
   void SetFiles(const std::vector<uint32_t>& files);
   const std::vector<uint32_t>& Files() const { return m_files; }
+  ContentPictures& Pictures() { return m_pictures; }
 
   int rowCount(const QModelIndex& parent = {}) const override;
   int columnCount(const QModelIndex& parent = {}) const override;
@@ -42,7 +44,7 @@ class ContentModel : public QAbstractTableModel {
   const QIcon m_imageIcon;
   const QIcon m_modelIcon;
   const QIcon m_fileIcon;
-  mutable ContentPictures m_pictures;
+  ContentPictures m_pictures;
 };
 
 /// The list of the content window.
@@ -53,7 +55,8 @@ class CContentList : public QTreeView {
   explicit CContentList(QWidget* parent = nullptr);
 
   ContentModel& Rows() { return m_rows; }
-  void ShowIndex(std::shared_ptr<const archives::ContentIndex> index);
+  /// Shows the files of an index, once they are set; what models and materials lack is looked for in that game.
+  void ShowIndex(std::shared_ptr<const archives::ContentIndex> index, const std::string& gameDirectory);
   /// The selected files, from the top.
   std::vector<uint32_t> SelectedFiles() const;
   /// How the user wants the rows sorted, as the header shows it.
@@ -68,9 +71,13 @@ class CContentList : public QTreeView {
 
  protected:
   void startDrag(Qt::DropActions actions) override;
+  void paintEvent(QPaintEvent* event) override;
 
  private:
+  void WantPictures();
+
   ContentModel m_rows;
+  std::vector<uint32_t> m_seen;  // whose pictures are wanted
 };
 
 /// A name of a game's file as the window shows it: control bytes made visible.

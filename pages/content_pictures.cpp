@@ -1,126 +1,146 @@
 #include "pages/content_pictures.h"
 
 #include <algorithm>
+#include <deque>
 #include <exception>
-#include <utility>
+#include <mutex>
+#include <optional>
+#include <stop_token>
 
-#include "textures/pixel_rows.h"
-#include "textures/vtf_file.h"
+#include "platform/text.h"
 
 namespace tarnwick::pages {
 
+using archives::ContentKind;
+
 namespace {
 
-constexpr int KeptPictures = 2000;   // of 64 by 64 pixels: 32 MB
-constexpr size_t MostWaiting = 200;  // about two screens full
+constexpr int KeptKilobytes = 32 << 10;
 constexpr int PicturesAtATime = 2;
-constexpr uint64_t LargestFile = 64u << 20;    // of a texture that is read for a small picture
-constexpr int64_t LargestImage = 2048 * 2048;  // pixels that are decoded for it
+constexpr uint64_t LargestModel = 64u << 20;  // bytes of a model that is drawn small
+
+int KilobytesOf(const QPixmap& picture) {
+  return 1 + picture.width() * picture.height() / 256;  // of four bytes a pixel
+}
 
 }  // namespace
 
+/// What is to be made of one index, shared with the threads that make it.
 struct ContentPictures::Work {
-  Work(std::shared_ptr<const archives::ContentIndex> index, int side) : Index(std::move(index)), Side(side) {}
+  Work(std::shared_ptr<const archives::ContentIndex> index, std::string gameDirectory, int side)
+      : Index(std::move(index)), GameDirectory(std::move(gameDirectory)), Side(side), Textures(Index, GameDirectory) {}
 
   const std::shared_ptr<const archives::ContentIndex> Index;
+  const std::string GameDirectory;
   const int Side;
+  const TextureThumbnails Textures;
   std::stop_source Stop = {};
   std::mutex Lock = {};
-  std::deque<uint32_t> Waiting = {};  // the newest last
+  std::deque<uint32_t> Waiting[2] = {};  // textures and materials; models
+  std::vector<uint32_t> Begun = {};
 
-  std::optional<uint32_t> TakeNewest() {
+  std::optional<uint32_t> TakeNext(bool models) {
     const std::lock_guard lock(Lock);
-    if (Waiting.empty()) return std::nullopt;
-    const uint32_t file = Waiting.back();
-    Waiting.pop_back();
+    auto& waiting = Waiting[models];
+    if (waiting.empty()) return std::nullopt;
+    const uint32_t file = waiting.front();
+    waiting.pop_front();
+    Begun.push_back(file);
     return file;
   }
 
-  QImage Make(uint32_t file) const {
-    if (Index->Size(file) > LargestFile) return {};
+  QImage Make(uint32_t file, ModelThumbnails& models) const {
     try {
-      std::string reason;
-      const auto image = Index->Read(file, reason);
-      return image ? TexturePicture(image->View(), Side, reason) : QImage();
+      if (Index->Kind(file) != ContentKind::Model) return Textures.Of(file, Side);
+      if (Index->Size(file) > LargestModel) return {};
+      return models.Of(Index->FullName(file), GameDirectory, Side);
     } catch (const std::exception&) {  // memory ran out: no picture
       return {};
     }
   }
 };
 
-QImage TexturePicture(core::ImageView file, int side, std::string& reason) {
-  const auto vtf = textures::VtfFile::Open(file, reason);
-  if (!vtf) return {};
-  const textures::VtfInfo& info = vtf->Info();
-  // The smallest level that is not smaller than the picture.
-  int mip = 0;
-  while (mip + 1 < info.MipLevels &&
-         std::max(textures::MipSize(info.Width, mip + 1), textures::MipSize(info.Height, mip + 1)) >= side) {
-    ++mip;
-  }
-  const textures::StoredImage image{info.Format, textures::MipSize(info.Width, mip),
-                                    textures::MipSize(info.Height, mip), vtf->Image({.Mip = mip})};
-  if (int64_t{image.Width} * image.Height > LargestImage) {
-    reason = "it has no small level";
-    return {};
-  }
-  const textures::PixelLayout layout = textures::LayoutFor(image);
-  QImage picture(image.Width, image.Height,
-                 layout == textures::PixelLayout::Bgra32 ? QImage::Format_ARGB32 : QImage::Format_BGR888);
-  if (picture.isNull()) return {};
-  textures::DecodeRows(image, 0, image.Height, layout, picture.bits(), picture.bytesPerLine());
-  if (layout == textures::PixelLayout::Bgr24) picture = std::move(picture).convertToFormat(QImage::Format_RGB32);
-  if (std::max(picture.width(), picture.height()) <= side) return picture;
-  return picture.scaled(side, side, Qt::KeepAspectRatio, Qt::SmoothTransformation);
-}
-
-ContentPictures::ContentPictures(QObject* parent) : QObject(parent), m_pictures(KeptPictures) {
+ContentPictures::ContentPictures(QObject* parent) : QObject(parent), m_pictures(KeptKilobytes) {
   m_pool.setMaxThreadCount(PicturesAtATime);
+  m_modelPool.setMaxThreadCount(1);  // the renderer draws with several by itself
 }
 
 ContentPictures::~ContentPictures() {
   if (m_work) m_work->Stop.request_stop();
-  m_pool.clear();
-  m_pool.waitForDone();
-}
-
-void ContentPictures::Show(std::shared_ptr<const archives::ContentIndex> index, int side) {
-  if (m_work) m_work->Stop.request_stop();
-  m_pool.clear();
-  m_pictures.clear();
-  m_work = index != nullptr ? std::make_shared<Work>(std::move(index), side) : nullptr;
-}
-
-const QPixmap* ContentPictures::Picture(uint32_t file) {
-  if (const QPixmap* known = m_pictures.object(file); known != nullptr) return known->isNull() ? nullptr : known;
-  if (!m_work || m_work->Index->Kind(file) != archives::ContentKind::Texture) return nullptr;
-  {
-    const std::lock_guard lock(m_work->Lock);
-    auto& waiting = m_work->Waiting;
-    const auto found = std::find(waiting.begin(), waiting.end(), file);
-    if (found != waiting.end()) {
-      waiting.erase(found);
-      waiting.push_back(file);
-      return nullptr;
-    }
-    waiting.push_back(file);
-    if (waiting.size() > MostWaiting) waiting.pop_front();
+  for (QThreadPool* pool : {&m_pool, &m_modelPool}) {
+    pool->clear();
+    pool->waitForDone();
   }
-  m_pool.start([this, work = m_work] {
+}
+
+void ContentPictures::Show(std::shared_ptr<const archives::ContentIndex> index, const std::string& gameDirectory,
+                           int side) {
+  if (m_work) m_work->Stop.request_stop();
+  if (m_work && m_work->Side != side) m_pictures.clear();
+  m_pool.clear();
+  m_modelPool.clear();
+  m_work = index != nullptr ? std::make_shared<Work>(std::move(index), gameDirectory, side) : nullptr;
+}
+
+void ContentPictures::Forget() {
+  m_pictures.clear();
+}
+
+/// By what a picture is kept: a file of an archive is known by its CRC too.
+QString ContentPictures::KeyOf(uint32_t file) const {
+  const archives::ContentIndex& index = *m_work->Index;
+  const auto& archive = index.Places()[index.PlaceOf(file)].InArchive;
+  const QString name = platform::ToQt(index.FullName(file));
+  return archive == nullptr ? name
+                            : name + '|' + QString::number(archive->Files().Place(index.NumberInPlace(file)).Crc);
+}
+
+const QPixmap* ContentPictures::Picture(uint32_t file) const {
+  if (!m_work || m_work->Index->Kind(file) == ContentKind::Other) return nullptr;
+  const QPixmap* known = m_pictures.object(KeyOf(file));
+  return known == nullptr || known->isNull() ? nullptr : known;
+}
+
+void ContentPictures::Want(const std::vector<uint32_t>& files) {
+  if (!m_work) return;
+  const std::lock_guard lock(m_work->Lock);
+  for (const bool models : {false, true}) {
+    auto& waiting = m_work->Waiting[models];
+    waiting.clear();
+    for (const uint32_t file : files) {
+      const ContentKind kind = m_work->Index->Kind(file);
+      if (kind == ContentKind::Other || (kind == ContentKind::Model) != models) continue;
+      const auto& begun = m_work->Begun;
+      if (std::find(begun.begin(), begun.end(), file) != begun.end() || m_pictures.contains(KeyOf(file))) continue;
+      waiting.push_back(file);
+    }
+    if (models && !m_models.CanDraw()) waiting.clear();
+    QThreadPool& pool = models ? m_modelPool : m_pool;
+    pool.clear();
+    for (size_t i = 0; i < waiting.size(); ++i) Start(pool, models);
+  }
+}
+
+void ContentPictures::Start(QThreadPool& pool, bool models) {
+  pool.start([this, models, work = m_work] {
     if (work->Stop.stop_requested()) return;
-    const auto next = work->TakeNewest();
+    const auto next = work->TakeNext(models);
     if (!next) return;
-    const QImage picture = work->Make(*next);
+    const QImage picture = work->Make(*next, m_models);
     if (work->Stop.stop_requested()) return;
     QMetaObject::invokeMethod(
         this, [this, work, file = *next, picture] { Enter(file, picture, work); }, Qt::QueuedConnection);
   });
-  return nullptr;
 }
 
 void ContentPictures::Enter(uint32_t file, const QImage& picture, const std::shared_ptr<Work>& work) {
   if (work != m_work) return;
-  m_pictures.insert(file, new QPixmap(QPixmap::fromImage(picture)));
+  {
+    const std::lock_guard lock(work->Lock);
+    std::erase(work->Begun, file);
+  }
+  auto* kept = new QPixmap(QPixmap::fromImage(picture));
+  m_pictures.insert(KeyOf(file), kept, KilobytesOf(*kept));
   if (!picture.isNull()) emit Changed(file);
 }
 

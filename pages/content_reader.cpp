@@ -3,6 +3,7 @@
 #include <exception>
 
 #include "archives/archive_name.h"
+#include "core/paths.h"
 
 namespace tarnwick::pages {
 
@@ -10,6 +11,9 @@ struct ContentReader::Result {
   std::shared_ptr<const archives::ContentIndex> Index = {};
   std::string Reason = {};
   std::vector<std::string> Notes = {};
+  Stamps Files = {};
+
+  void Stamp(const std::string& path) { Files.emplace_back(path, archives::StampOf(core::NativePath(path))); }
 };
 
 namespace {
@@ -41,13 +45,19 @@ ContentReader::Result ContentReader::Read(const ContentSource& source, const std
   std::vector<archives::GamePlace> places;
   if (source.Archives.empty()) {
     NoteSink sink(result.Notes);
+    const std::string info = source.GameDirectory + core::PathSeparator + "gameinfo.txt";
+    result.Stamp(core::FindIgnoringCase(info).value_or(info));
     const auto game = archives::GameFiles::Open(source.GameDirectory, sink, result.Reason);
     if (game == nullptr) return result;
     places = game->AllPlaces();
+    for (const archives::GamePlace& place : places) {
+      if (place.InArchive != nullptr) result.Stamp(place.Path);
+    }
   }
   for (const std::string& named : source.Archives) {
     const std::string path = archives::DirectoryFileOf(named);
     std::string reason;
+    result.Stamp(path);
     auto archive = archives::Archive::Open(path, reason);
     if (archive != nullptr) {
       places.push_back({path, std::move(archive)});
@@ -72,6 +82,8 @@ void ContentReader::Open(const ContentSource& source) {
   m_index = nullptr;
   m_reason.clear();
   m_notes.clear();
+  m_stamps.clear();
+  m_lastLook.clear();
   m_pool.start([this, source, stop = m_openStop.get_token()] {
     Result result;
     try {
@@ -87,7 +99,27 @@ void ContentReader::Open(const ContentSource& source) {
           m_index = result.Index;
           m_reason = result.Reason;
           m_notes = result.Notes;
+          m_stamps = result.Files;
           emit Opened();
+        },
+        Qt::QueuedConnection);
+  });
+}
+
+void ContentReader::LookForChanges() {
+  if (m_opening || m_looking || m_stamps.empty()) return;
+  m_looking = true;
+  m_pool.start([this, known = m_stamps, stop = m_openStop.get_token()] {
+    Stamps now = known;
+    for (auto& [path, stamp] : now) stamp = archives::StampOf(core::NativePath(path));
+    QMetaObject::invokeMethod(
+        this,
+        [this, known, now, stop] {
+          m_looking = false;
+          if (stop.stop_requested()) return;
+          const bool settled = now != known && now == m_lastLook;
+          m_lastLook = now;
+          if (settled) emit Changed();
         },
         Qt::QueuedConnection);
   });

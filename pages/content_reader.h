@@ -5,9 +5,11 @@
 #include <memory>
 #include <stop_token>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "archives/content_index.h"
+#include "archives/file_stamp.h"
 
 namespace tarnwick::pages {
 
@@ -29,6 +31,9 @@ class ContentReader : public QObject {
 
   /// Reads the source; Opened tells when its index is there or why not.
   void Open(const ContentSource& source);
+  /// Looks whether archives of the source, or the game's gameinfo.txt, are other files than those that were read, and
+  /// are no more being written: they are the same as at the last look. Changed tells.
+  void LookForChanges();
   /// Searches the index; Found tells the files. Does nothing without an index.
   void Search(const archives::ContentQuery& query);
 
@@ -43,15 +48,20 @@ class ContentReader : public QObject {
 
  signals:
   void Opened();
+  void Changed();
   void Found(const std::vector<uint32_t>& files);
 
  private:
+  using Stamps = std::vector<std::pair<std::string, archives::FileStamp>>;  // by path
   struct Result;
   static Result Read(const ContentSource& source, const std::stop_token& stop);
 
   std::shared_ptr<const archives::ContentIndex> m_index;
   std::string m_reason;
   std::vector<std::string> m_notes;
+  Stamps m_stamps;    // of the files that were read
+  Stamps m_lastLook;  // where they differ from those
+  bool m_looking = false;
   std::stop_source m_openStop;
   std::stop_source m_searchStop;
   bool m_opening = false;

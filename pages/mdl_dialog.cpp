@@ -33,7 +33,7 @@ CMDLDialog::CMDLDialog(const PageContext& context, QWidget* parent)
     : CPage(context, parent),
       m_ui(std::make_unique<Ui::MdlDialog>()),
       m_project(context.Options),
-      m_viewed(context.Desktop, context.Settings, *this),
+      m_viewed(context.Desktop, context.Settings, *this, context.BrowseContentForWindow),
       m_status(context.Desktop, this),
       m_runner(*this, m_status.Controls()) {
   m_ui->setupUi(this);

@@ -24,6 +24,10 @@ namespace tarnwick::pages {
 
 class CPage;
 
+/// Takes names of files that were chosen in the window of game content, and gives how many of them it works on.
+using ContentTaker = std::function<size_t(const std::vector<std::string>& names)>;
+using BrowseContentFor = std::function<void(std::optional<archives::ContentKind> kind, const ContentTaker& take)>;
+
 /// What every page works with; all of it outlives the pages.
 struct PageContext {
   core::AppSettings& Settings;
@@ -34,6 +38,8 @@ struct PageContext {
   /// Shows the window of game content, files of that kind first; what is opened there goes to OpenFiles of the page if
   /// it takes it. May be missing.
   std::function<void(CPage& page, std::optional<archives::ContentKind> kind)> BrowseContent = {};
+  /// The same for another window: what is opened goes to `take`, which gives how many files it takes. May be missing.
+  BrowseContentFor BrowseContentForWindow = {};
 };
 
 /// A page of the main dialog. Its OnDropFiles is called with the files that are dropped on the main dialog while its

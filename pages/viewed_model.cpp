@@ -16,6 +16,23 @@ namespace tarnwick::pages {
 namespace setting = core::setting;
 using platform::ToQt;
 
+namespace {
+
+/// Lets a model of the game be chosen for a window, which may be closed meanwhile.
+void Browse(const BrowseContentFor& browse, view::ModelWindow& window) {
+  browse(archives::ContentKind::Model,
+         [window = QPointer<view::ModelWindow>(&window)](const std::vector<std::string>& names) {
+           if (window == nullptr) return size_t{0};
+           QStringList paths;
+           for (const std::string& name : names) paths << ToQt(name);
+           const size_t opened = window->OpenAll(paths);
+           if (opened > 0) window->raise(), window->activateWindow();
+           return opened;
+         });
+}
+
+}  // namespace
+
 void ViewedModel::View(const std::string& modelFile) {
   const std::string game = setting::GameDirectory.Read(m_settings);
   const std::string sdk = setting::SdkDirectory.Read(m_settings);
@@ -43,6 +60,7 @@ void ViewedModel::ShowHere(const std::string& path, bool takesKeys) {
   if (!m_window) {
     m_window = new view::ModelWindow(m_desktop, &m_owner);
     platform::CenterOver(*m_owner.window(), *m_window);
+    if (m_browse) m_window->OfferContent([browse = m_browse](view::ModelWindow& window) { Browse(browse, window); });
   }
   m_window->Open(ToQt(path), ToQt(setting::GameDirectory.Read(m_settings)));
   m_window->Viewer().Reload();  // also the same model, compiled anew

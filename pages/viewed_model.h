@@ -2,13 +2,12 @@
 
 #include <QPointer>
 #include <string>
+#include <utility>
 
 #include "jobs/result.h"
+#include "pages/page.h"
 #include "platform/desktop.h"
 
-namespace tarnwick::core {
-class AppSettings;
-}
 namespace tarnwick::view {
 class ModelWindow;
 }
@@ -18,9 +17,11 @@ namespace tarnwick::pages {
 /// The window in which a page shows the models that it compiles: one, made when there is something to show.
 class ViewedModel {
  public:
-  /// Both outlive this object, as does `owner`, which the window goes with.
-  ViewedModel(platform::Desktop& desktop, const core::AppSettings& settings, QWidget& owner)
-      : m_desktop(desktop), m_settings(settings), m_owner(owner) {}
+  /// All of it outlives this object, as does `owner`, which the window goes with. With `browse` models of the game can
+  /// be chosen for the window too.
+  ViewedModel(platform::Desktop& desktop, const core::AppSettings& settings, QWidget& owner,
+              BrowseContentFor browse = {})
+      : m_desktop(desktop), m_settings(settings), m_browse(std::move(browse)), m_owner(owner) {}
 
   /// Shows the model of the game that is named by its path below the game's `models`: in the SDK's hlmv where there is
   /// one that runs here, else in a window of our own.
@@ -33,6 +34,7 @@ class ViewedModel {
 
   platform::Desktop& m_desktop;
   const core::AppSettings& m_settings;
+  const BrowseContentFor m_browse;
   QWidget& m_owner;
   QPointer<view::ModelWindow> m_window;
 };

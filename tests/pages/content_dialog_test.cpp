@@ -14,6 +14,7 @@
 #include "pages/content_tree.h"
 #include "platform/dropped_files.h"
 #include "support/archive_builder.h"
+#include "support/drawing.h"
 #include "support/scratch_folder.h"
 #include "support/vtf_builder.h"
 #include "window_support/memory_settings.h"
@@ -98,6 +99,11 @@ class ContentWindow : public testing::Test {
     List().selectionModel()->select(List().model()->index(row, 0),
                                     QItemSelectionModel::Select | QItemSelectionModel::Rows);
   }
+  QPixmap PictureOf(int row) {
+    const QVariant icon = List().model()->data(List().model()->index(row, 0), Qt::DecorationRole);
+    return icon.typeId() == QMetaType::QPixmap ? icon.value<QPixmap>() : QPixmap();
+  }
+  bool HasPicture(int row) { return !PictureOf(row).isNull(); }
   bool WaitForJob() {
     return WaitUntil([this] { return !ControlOf<QPushButton>(*m_window, "stopButton").isVisible(); });
   }
@@ -152,11 +158,54 @@ TEST_F(ContentWindow, WalksTheFoldersOfAKind) {
   EXPECT_EQ(Status(), "1 file");
 }
 
-TEST_F(ContentWindow, MakesThePicturesOfTextures) {
-  Open(ContentKind::Texture);
-  const QModelIndex cell = List().model()->index(0, 0);
-  const auto isPicture = [&] { return List().model()->data(cell, Qt::DecorationRole).typeId() == QMetaType::QPixmap; };
-  EXPECT_TRUE(WaitUntil(isPicture));
+TEST_F(ContentWindow, MakesThePicturesOfWhatIsSeenAlone) {
+  std::vector<PackedFile> files;
+  for (int i = 100; i < 300; ++i)
+    files.push_back({.Name = "materials/" + std::to_string(i) + ".vtf", .Bytes = Texture()});
+  WriteVpk("many.vpk", files);
+  OpenArchives({m_folder.Path("many.vpk")});
+  ASSERT_TRUE(WaitUntil([this] { return Listed().size() == 200; }));
+  EXPECT_TRUE(WaitUntil([this] { return HasPicture(0); }));
+  EXPECT_FALSE(HasPicture(199));
+  List().scrollToBottom();
+  EXPECT_TRUE(WaitUntil([this] { return HasPicture(199); }));
+  EXPECT_FALSE(HasPicture(100));
+  EXPECT_TRUE(HasPicture(0)) << "it is kept";
+}
+
+TEST_F(ContentWindow, MakesThePicturesOfMaterialsAndModels) {
+  std::vector<PackedFile> files;
+  const std::string samples = TARNWICK_SAMPLES;
+  for (const std::string ending : {".mdl", ".vvd", ".dx90.vtx"}) {
+    files.push_back({.Name = "models/walker" + ending, .Bytes = tests::ReadText(samples + "/walker" + ending)});
+  }
+  const std::string folder = "materials/models/walker/";
+  for (const std::string name : {"walker_cloth.vmt", "walker_cloth.vtf", "walker_skin.vmt", "walker_skin.vtf"}) {
+    files.push_back({.Name = folder + name, .Bytes = tests::ReadText(samples + '/' + folder + name)});
+  }
+  files.push_back({.Name = folder + "patch.vmt",
+                   .Bytes = "patch { include materials/models/walker/walker_skin.vmt replace { $alpha 1 } }"});
+  files.push_back({.Name = folder + "none.vmt", .Bytes = "VertexLitGeneric { $basetexture nowhere }"});
+  WriteVpk("walker.vpk", files);
+  OpenArchives({m_folder.Path("walker.vpk")});
+  m_window->resize(1000, 1200);
+  ASSERT_TRUE(WaitUntil([this] { return Listed().size() == 9; }));
+  EXPECT_THAT(Listed(), ElementsAre("none.vmt", "patch.vmt", "walker_cloth.vmt", "walker_cloth.vtf", "walker_skin.vmt",
+                                    "walker_skin.vtf", "walker.dx90.vtx", "walker.mdl", "walker.vvd"));
+  for (const int row : {1, 2, 3, 4, 5}) EXPECT_TRUE(WaitUntil([&] { return HasPicture(row); })) << row;
+  const auto centre = [&](int row) {
+    const QImage image = PictureOf(row).toImage();
+    return image.pixelColor(image.rect().center()).rgb();
+  };
+  EXPECT_EQ(centre(2), centre(3));
+  EXPECT_EQ(centre(4), centre(5));
+  EXPECT_EQ(centre(1), centre(5)) << "by way of the material that it patches";
+  EXPECT_FALSE(HasPicture(0)) << "its texture is nowhere";
+  if (const std::string reason = tests::WhyNotDrawn(); !reason.empty()) GTEST_SKIP() << reason;
+  ASSERT_TRUE(WaitUntil([&] { return HasPicture(7); }));
+  const QImage model = PictureOf(7).toImage();
+  EXPECT_EQ(model.pixelColor(0, 0).alpha(), 0);
+  EXPECT_EQ(model.pixelColor(model.rect().center()).alpha(), 255);
 }
 
 TEST_F(ContentWindow, ExtractsWhatIsSelectedWithWhatBelongsToAModel) {
@@ -187,21 +236,43 @@ TEST_F(ContentWindow, ExtractsWhatIsSelectedWithWhatBelongsToAModel) {
   EXPECT_TRUE(std::filesystem::exists(out + "/models/loose.mdl"));
 }
 
-TEST_F(ContentWindow, DragsFilesThatGoWithTheWindow) {
-  Open(ContentKind::Model);
-  Select(2);
+TEST_F(ContentWindow, DragsFilesThatStayForAWhile) {
   std::string reason;
   const auto index =
       archives::ContentIndex::Of({{"p", archives::Archive::Open(m_folder.Path("game/mod/pak01_dir.vpk"), reason)}}, {});
-  const auto paths = m_window->WriteForDrag(*index, {*index->Find("models/props/crate.mdl")}, {}, reason);
-  ASSERT_THAT(paths, SizeIs(1));
-  EXPECT_EQ(tests::ReadText(paths[0]), "crate");
-  const auto dragged = m_window->DragData(List().SelectedFiles(), paths);
-  EXPECT_EQ(dragged->urls().front().toLocalFile().toStdString(), paths[0]);
-  EXPECT_THAT(platform::FilesOf(*dragged).Paths, ElementsAre("game:models/props/crate.mdl"))
-      << "a field of the program takes the name";
-  m_window.reset();
-  EXPECT_FALSE(std::filesystem::exists(paths[0]));
+  const std::vector<uint32_t> crate = {*index->Find("models/props/crate.mdl")};
+  std::string first;
+  {
+    ContentDrags drags;
+    const auto paths = drags.Write(*index, crate, {}, reason);
+    ASSERT_THAT(paths, SizeIs(1));
+    first = paths[0];
+    EXPECT_EQ(tests::ReadText(first), "crate");
+    const auto dragged = DragData({"game:models/props/crate.mdl"}, paths);
+    EXPECT_EQ(dragged->urls().front().toLocalFile().toStdString(), first);
+    EXPECT_THAT(platform::FilesOf(*dragged).Paths, ElementsAre("game:models/props/crate.mdl"))
+        << "a field of the program takes the name";
+    const auto second = drags.Write(*index, crate, {}, reason);
+    EXPECT_TRUE(std::filesystem::exists(first)) << "another program may still read it";
+    for (int i = 0; i < 8; ++i) drags.Write(*index, crate, {}, reason);
+    EXPECT_FALSE(std::filesystem::exists(first));
+    first = second[0];
+  }
+  EXPECT_FALSE(std::filesystem::exists(first));
+}
+
+TEST_F(ContentWindow, ReadsArchivesAnewThatChangeOnTheDisk) {
+  WriteVpk("one.vpk", {{.Name = "models/a.mdl", .Bytes = "a"}});
+  OpenArchives({m_folder.Path("one.vpk")});
+  ASSERT_TRUE(WaitForList({"a.mdl"}));
+  QTest::keyClicks(&SearchBox(), "mdl");
+  WriteVpk("one.vpk", {{.Name = "models/a.mdl", .Bytes = "a"}, {.Name = "models/b.mdl", .Bytes = "b"}});
+  EXPECT_TRUE(WaitForList({"a.mdl", "b.mdl"}));
+  EXPECT_EQ(SearchBox().text(), "mdl");
+  std::filesystem::remove(m_folder.Path("one.vpk"));
+  EXPECT_TRUE(WaitUntil([this] { return Message().find("one.vpk") != std::string::npos; })) << Message();
+  WriteVpk("one.vpk", {{.Name = "models/back.mdl", .Bytes = "b"}});
+  EXPECT_TRUE(WaitForList({"back.mdl"}));
 }
 
 TEST_F(ContentWindow, ShowsHostileNamesAsTextAndWritesNothingOutside) {

@@ -23,6 +23,7 @@
 #include "support/scratch_folder.h"
 #include "view/scene/face.h"
 #include "view/widget/model_canvas.h"
+#include "view/widget/model_window.h"
 #include "view/widget/pose_pad.h"
 #include "window_support/scripted_desktop.h"
 #include "window_support/window_actions.h"
@@ -60,6 +61,26 @@ class ModelViewerTest : public testing::Test {
   tests::ScriptedDesktop m_desktop;
   std::unique_ptr<ModelViewer> m_viewer;
 };
+
+TEST(ModelWindow, OpensModelsThatAreChosenInTheGame) {
+  tests::ScriptedDesktop desktop;
+  ModelWindow window(desktop);
+  QAction* choose = nullptr;
+  for (QAction* action : window.findChildren<QAction*>()) {
+    if (action->text() == "&Game Content...") choose = action;
+  }
+  ASSERT_TRUE(choose);
+  EXPECT_FALSE(choose->isEnabled()) << "nobody shows the game's content";
+  int asked = 0;
+  window.OfferContent([&](ModelWindow& asking) {
+    ++asked;
+    EXPECT_EQ(asking.OpenAll({"game:materials/none.vtf", QString::fromStdString(Walker)}), 1u);
+  });
+  choose->trigger();
+  EXPECT_EQ(asked, 1);
+  EXPECT_EQ(window.Viewer().File().toStdString(), Walker);
+  EXPECT_TRUE(tests::WaitUntil([&] { return !window.Viewer().IsBusy(); }));
+}
 
 TEST_F(ModelViewerTest, SaysWhyNothingIsDrawnAndDoesAllElse) {
   Open(Walker);

@@ -1,6 +1,7 @@
 #include "view/scene/camera.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace tarnwick::view {
 
@@ -57,6 +58,25 @@ void Camera::Frame(const Box& box, float aspect) {
   const float side = std::atan(Tangent(half) * narrow);
   const float fit = IsOrthographic ? radius / (Tangent(half) * narrow) : radius / std::sin(side);
   Distance = std::clamp(fit * Margin, Nearest, Farthest);
+}
+
+void Camera::Fit(const Box& box, float aspect, float part) {
+  Frame(box, aspect);
+  for (int step = 0; step < 6; ++step) {
+    float left = 1e9f, right = -1e9f, top = 1e9f, bottom = -1e9f;
+    for (size_t i = 0; i < 8; ++i) {
+      const Vec3 corner{(i & 1) != 0 ? box.Maximum.X : box.Minimum.X, (i & 2) != 0 ? box.Maximum.Y : box.Minimum.Y,
+                        (i & 4) != 0 ? box.Maximum.Z : box.Minimum.Z};
+      const Vec3 at = Project(corner, aspect, 1);  // in parts of the height
+      if (at.Z > 1) return;                        // too near to tell
+      left = std::min(left, at.X), right = std::max(right, at.X);
+      top = std::min(top, at.Y), bottom = std::max(bottom, at.Y);
+    }
+    const float reach = std::max((right - left) / aspect, bottom - top);
+    if (!std::isfinite(reach) || reach <= 0) return;
+    Pan((left + right - aspect) / 2, (1 - top - bottom) / 2);
+    Zoom(reach / part);
+  }
 }
 
 void Camera::Look(ViewSide side) {

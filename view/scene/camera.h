@@ -28,6 +28,9 @@ struct Camera {
   /// Looks at `box` from where the camera is turned to, so that all of its ball fits a picture of this shape (width by
   /// height). An empty box becomes one about the origin.
   void Frame(const Box& box, float aspect);
+  /// Looks at `box` from so far away, and so to the side, that it just fills that part of the picture, along the longer
+  /// way.
+  void Fit(const Box& box, float aspect, float part);
   void Look(ViewSide side);
 
   /// Where the camera stands, and the directions of the picture.

@@ -5,9 +5,9 @@
 #include <QFileInfo>
 #include <QMenuBar>
 #include <QMimeData>
-#include <QUrl>
 
 #include "platform/bitmap_button.h"
+#include "platform/dropped_files.h"
 #include "platform/text.h"
 #include "platform/window_placing.h"
 #include "view/widget/model_viewer.h"
@@ -22,13 +22,18 @@ namespace {
 constexpr QSize FirstSize(1040, 720);
 constexpr int NextWindowAside = 32;  // pixels that a further window stands right of and below the one before
 
-QStringList ModelsOf(const QMimeData& data) {
+QStringList ModelsOf(const QStringList& paths) {
   QStringList models;
-  for (const QUrl& url : data.urls()) {
-    const QString path = url.toLocalFile();
+  for (const QString& path : paths) {
     if (path.endsWith(".mdl", Qt::CaseInsensitive) || path.endsWith(".smd", Qt::CaseInsensitive)) models << path;
   }
   return models;
+}
+
+QStringList ModelsOf(const QMimeData& data) {
+  QStringList paths;
+  for (const std::string& path : platform::FilesOf(data).Paths) paths << ToQt(path);
+  return ModelsOf(paths);
 }
 
 }  // namespace
@@ -56,8 +61,12 @@ void ModelWindow::MakeMenus() {
     QAction* action = file->addAction(text);
     action->setShortcut(key);
     connect(action, &QAction::triggered, this, act);
+    return action;
   };
   add("&Open...", QKeySequence::Open, [this] { ChooseFile(); });
+  m_contentAction = add("&Game Content...", QKeySequence("Ctrl+G"), [this] { m_browse(*this); });
+  m_contentAction->setEnabled(false);
+  m_contentAction->setVisible(false);
   add("&New Window", QKeySequence::New, [this] { Another()->show(); });
   add("&Read Again", QKeySequence::Refresh, [this] { m_viewer->Reload(); });
   file->addSeparator();
@@ -76,20 +85,32 @@ void ModelWindow::Open(const QString& path, const QString& gameDirectory) {
   setWindowFilePath(path);
 }
 
+void ModelWindow::OfferContent(const std::function<void(ModelWindow& window)>& browse) {
+  m_browse = browse;
+  m_contentAction->setEnabled(m_browse != nullptr);
+  m_contentAction->setVisible(m_browse != nullptr);
+  if (!m_browse) return;
+  m_viewer->SetEmptyText(
+      "Drop a model (.mdl) or a mesh (.smd) here, or open one with Ctrl+O, or one of the game with Ctrl+G");
+}
+
 ModelWindow* ModelWindow::Another() {
   auto* window = new ModelWindow(m_desktop, parentWidget());
+  if (m_browse) window->OfferContent(m_browse);
   window->Open({}, m_gameDirectory);
   window->move(pos() + QPoint(NextWindowAside, NextWindowAside));
   platform::KeepOnScreen(*window);
   return window;
 }
 
-void ModelWindow::OpenAll(const QStringList& paths) {
-  for (const QString& path : paths) {
-    ModelWindow* window = &path == &paths.front() ? this : Another();
+size_t ModelWindow::OpenAll(const QStringList& paths) {
+  const QStringList models = ModelsOf(paths);
+  for (const QString& path : models) {
+    ModelWindow* window = &path == &models.front() ? this : Another();
     window->Open(path, m_gameDirectory);
     window->show();
   }
+  return static_cast<size_t>(models.size());
 }
 
 void ModelWindow::ChooseFile() {

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QMainWindow>
+#include <QStringList>
+#include <functional>
 
 #include "platform/desktop.h"
 
@@ -20,6 +22,11 @@ class ModelWindow : public QMainWindow {
   /// Shows the model at `path`, its materials also from the game in that directory. "" for either: none.
   void Open(const QString& path, const QString& gameDirectory);
   ModelViewer& Viewer() { return *m_viewer; }
+  /// Lets models be chosen in a window of game content, here and in the windows that are opened from this one: `browse`
+  /// shows it and hands what is chosen there to OpenAll.
+  void OfferContent(const std::function<void(ModelWindow& window)>& browse);
+  /// Opens the models and meshes among `paths`, the first one in this window. Gives how many there are.
+  size_t OpenAll(const QStringList& paths);
 
  protected:
   void dragEnterEvent(QDragEnterEvent* event) override;
@@ -28,12 +35,13 @@ class ModelWindow : public QMainWindow {
  private:
   void MakeMenus();
   void ChooseFile();
-  void OpenAll(const QStringList& paths);
   ModelWindow* Another();
 
   platform::Desktop& m_desktop;
   ModelViewer* m_viewer;
   QString m_gameDirectory;
+  QAction* m_contentAction = nullptr;
+  std::function<void(ModelWindow& window)> m_browse = {};
 };
 
 }  // namespace tarnwick::view

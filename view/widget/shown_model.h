@@ -25,6 +25,10 @@ struct ShownModel {
 /// Loads models one after the other, on any thread; keeps the game's places and decoded textures from one to the next.
 class ModelSource {
  public:
+  ModelSource() = default;
+  /// Keeps up to `mostTextureBytes` of decoded textures, whose levels above `largestSide` are passed over (0: none is).
+  ModelSource(size_t mostTextureBytes, int largestSide) : m_textures(mostTextureBytes, largestSide) {}
+
   /// The model (.mdl) or the mesh (.smd) at `path`, or under a name in an archive or the game; its materials from the
   /// game in `gameDirectory` ("" for none) too.
   ShownModel Load(const std::string& path, const std::string& gameDirectory);
