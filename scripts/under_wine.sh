@@ -45,23 +45,17 @@ run_windows_test() {
   echo "$(basename "$program" .exe): passed when run once more: ${again:-all}"
 }
 
-# Runs the named test programs in folder `$1`, as many at a time as there are cores, with a log of each in folder `$2`; adds
-# those that fail to `failed`.
+# Runs the named test programs in folder `$1`, one after another since some wait for programs that they start, with a log of
+# each in folder `$2`; adds those that fail to `failed`.
 run_windows_tests() {
   local folder=$1 logs=$2 name
   shift 2
   for name in "$@"; do
-    rm -f "$logs/$name.failed"
-    while [ "$(jobs -rp | wc -l)" -ge "$(nproc)" ]; do wait -n || true; done
-    { run_windows_test "$folder/$name.exe" "$logs/$name.log" || touch "$logs/$name.failed"; } &
-  done
-  wait
-  for name in "$@"; do
-    if [ -e "$logs/$name.failed" ]; then
+    if run_windows_test "$folder/$name.exe" "$logs/$name.log"; then
+      echo "$name: $(grep -a 'PASSED' "$logs/$name.log" | tr -d '\r')"
+    else
       grep -a -E 'Failure|error:|FAILED|Expected|Actual|Which is' "$logs/$name.log" | tr -d '\r' | head -n 60 >&2 || true
       failed+=("$name")
-    else
-      echo "$name: $(grep -a 'PASSED' "$logs/$name.log" | tr -d '\r')"
     fi
   done
 }
