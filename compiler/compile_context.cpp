@@ -55,7 +55,7 @@ bool CompileContext::Stopped() {
     m_stopped = true;
     ++m_errors;
     m_troubles.push_back(
-        {.Level = core::Severity::Error, .Kind = core::TroubleKind::Refused, .Text = "the compile was stopped"});
+        {.Level = core::Severity::Error, .Kind = core::TroubleKind::Stopped, .Text = "the compile was stopped"});
   }
   return m_stopped;
 }

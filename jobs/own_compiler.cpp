@@ -26,6 +26,8 @@ std::optional<std::string> CompileUnchanged(const ModelCompile& compile, core::R
   options.Version = WrittenVersion(compile.Version);
   options.NormalAngle = 0;
   options.KeepValues = true;
+  options.Threads = compile.Threads;
+  options.Stop = compile.Stop;
   compiler::CompileReport done;
   const bool isWritten = compiler::CompileModel(compile.Script, options, done);
   for (const core::Trouble& trouble : done.Troubles) report.Tell(trouble);

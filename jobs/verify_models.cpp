@@ -29,7 +29,8 @@ class ErrorsOnly : public core::Report {
 
   void Log(std::string_view) override {}
   void Tell(const core::Trouble& trouble) override {
-    if (trouble.Level != core::Severity::Error) return;
+    // A stop is told once, for the whole round.
+    if (trouble.Level != core::Severity::Error || trouble.Kind == core::TroubleKind::Stopped) return;
     core::Trouble told = trouble;
     told.Caption.clear();  // a box for every model that fails would be too many
     told.Text = m_step + ": " + told.Text;
@@ -44,10 +45,15 @@ class ErrorsOnly : public core::Report {
 
 class ModelRound {
  public:
-  ModelRound(const ModelCompiler& compiler, const core::FileSource& files, ItemRun& run, const fs::path& folder)
-      : m_compiler(compiler), m_files(files), m_run(run), m_folder(folder), m_onStop(run.Stop, [this] {
-          m_stopped = true;
-        }) {}
+  /// `threads` are those of the compile.
+  ModelRound(const ModelCompiler& compiler, int32_t threads, const core::FileSource& files, ItemRun& run,
+             const fs::path& folder)
+      : m_compiler(compiler),
+        m_threads(threads),
+        m_files(files),
+        m_run(run),
+        m_folder(folder),
+        m_onStop(run.Stop, [this] { m_stopped = true; }) {}
 
   void Work() {
     const std::string sources = MakeFolder("sources");
@@ -57,9 +63,15 @@ class ModelRound {
     if (Failed() || !Decompile(m_run.Result.Source, m_files, sources, "decompiling")) return;
     Step("compiling", 1);
     ErrorsOnly compileReport(m_run, "compiling");
-    const auto model = m_compiler({sources + core::PathSeparator + ScriptName, compiled, Version()}, compileReport);
+    const auto model = m_compiler({.Script = sources + core::PathSeparator + ScriptName,
+                                   .GameDirectory = compiled,
+                                   .Version = Version(),
+                                   .Threads = m_threads,
+                                   .Stop = m_run.Stop},
+                                  compileReport);
+    if (Stopped()) return;
     if (!model && !Failed()) compileReport.ErrorBox(core::TroubleKind::Lost, "no model was made", "");
-    if (Stopped() || Failed()) return;
+    if (Failed()) return;
     Step("decompiling again", 2);
     if (!Decompile(*model, core::DiskFiles(), again, "decompiling again")) return;
     Step("comparing", 3);
@@ -126,6 +138,7 @@ class ModelRound {
   }
 
   const ModelCompiler& m_compiler;
+  const int32_t m_threads;
   const core::FileSource& m_files;  // have the model that is verified
   ItemRun& m_run;
   const fs::path m_folder;
@@ -156,13 +169,15 @@ JobResult Run(const VerifyModels& job, Host& host, const std::stop_token& stop) 
   VerifyModels whole = job;
   whole.Content = ContentOf(job);
   const core::FileSource& files = whole.Content->Files();
+  const int32_t threads = job.Threads > 1 ? 1 : 0;  // several models keep the cores busy by themselves
   return RunItems(Plan(whole), {job.Threads, job.Threads}, host, stop, [&](size_t, ItemRun& run) {
-    if (!run.Result.Target.empty()) return ModelRound(compiler, files, run, core::NativePath(run.Result.Target)).Work();
+    const auto verify = [&](const fs::path& folder) { ModelRound(compiler, threads, files, run, folder).Work(); };
+    if (!run.Result.Target.empty()) return verify(core::NativePath(run.Result.Target));
     const ScratchDirectory scratch;
     if (scratch.Path().empty()) {
       return run.Fail(core::TroubleKind::Unwritable, "No folder for temporary files can be made: " + scratch.Problem());
     }
-    ModelRound(compiler, files, run, scratch.Path()).Work();
+    verify(scratch.Path());
   });
 }
 

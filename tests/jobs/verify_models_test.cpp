@@ -144,8 +144,17 @@ TEST_F(VerifyModelsJob, NamesTheStepThatFailedAndWhy) {
   EXPECT_EQ(Verify(silent).Judged, Verdict::Failed);
 }
 
-TEST_F(VerifyModelsJob, EndsBetweenItsStepsWhenItIsStopped) {
+TEST_F(VerifyModelsJob, EndsWhenItIsStopped) {
   Crate().Write(m_folder.Path());
+  const auto own = [this](const ModelCompile& compile, core::Report& report) {
+    m_stop.request_stop();
+    return CompileUnchanged(compile, report);
+  };
+  EXPECT_EQ(Verify(own, m_folder.Path("kept")).Judged, Verdict::Stopped);
+  EXPECT_FALSE(core::FileExists(m_folder.Path("kept/cube/compiled/models/ravelback.mdl"))) << "within a compile";
+  EXPECT_THAT(m_host.All<Told>(), SizeIs(1)) << "once";
+  m_stop = {};
+
   const auto stops = [this](const ModelCompile& compile, core::Report& report) {
     m_stop.request_stop();
     return Gives(Crate())(compile, report);
