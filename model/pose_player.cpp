@@ -1,9 +1,9 @@
 #include "model/pose_player.h"
 
 #include <algorithm>
-#include <cstring>
 #include <limits>
 
+#include "core/same_bytes.h"
 #include "model/bone_math.h"
 #include "model/pose_decoder.h"
 #include "model/quick_rotations.h"
@@ -158,7 +158,7 @@ void PosePlayer::TurnAngles() {
 
 void PosePlayer::SetRotation(size_t bone, const Quat& rotation) {
   // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison)
-  if (std::memcmp(&m_rotations[bone], &rotation, sizeof rotation) == 0) return;
+  if (core::HasSameBytes(m_rotations[bone], rotation)) return;
   m_rotations[bone] = rotation;
   m_changes[bone] |= RotationBit;
   m_changed = true;
@@ -166,7 +166,7 @@ void PosePlayer::SetRotation(size_t bone, const Quat& rotation) {
 
 void PosePlayer::SetPosition(size_t bone, const Vec3& position) {
   // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison)
-  if (std::memcmp(&m_positions[bone], &position, sizeof position) == 0) return;
+  if (core::HasSameBytes(m_positions[bone], position)) return;
   m_positions[bone] = position;
   m_changes[bone] |= PositionBit;
   m_changed = true;

@@ -8,6 +8,7 @@
 #include <QMimeData>
 #include <QTimer>
 #include <QUrl>
+#include <QWidget>
 #include <atomic>
 #include <numeric>
 #include <thread>

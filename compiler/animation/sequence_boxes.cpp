@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
+#include <span>
 #include <utility>
 
 #include "compiler/animation/pose_math.h"
@@ -119,8 +120,8 @@ class BoxMeasurer {
  private:
   bool SameFrame(const BuiltAnimation& animation, int32_t frame) const {
     const size_t count = m_bones.Bones.size();
-    return std::memcmp(&animation.Pose(frame, 0, count), &animation.Pose(frame - 1, 0, count),
-                       count * sizeof(BonePose)) == 0;
+    const std::span now(&animation.Pose(frame, 0, count), count), before(&animation.Pose(frame - 1, 0, count), count);
+    return std::memcmp(std::as_bytes(now).data(), std::as_bytes(before).data(), now.size_bytes()) == 0;
   }
   void TakePoints(const std::vector<FloatTransform>& skin, Box& box) const {
     for (const Point& point : m_points) {

@@ -81,12 +81,11 @@ class MeshExport {
         continue;
       }
       const auto lods = LodsOf(m_job, index, m);
-      if (!lods || lods->Count() == 0) {
-        LeaveOut("  ", "model", m);
-      } else if (const std::string* file = m_repeated.FindSame(m_job, model, *lods)) {
+      const bool isRead = lods && lods->Count() > 0;
+      if (const std::string* file = isRead ? m_repeated.FindSame(m_job, model, *lods) : nullptr) {
         m_job.Script().Text((grouped ? "  studio " : "$body " + Quoted(m_job, *name) + " ") +
                             Quoted(m_job, TypedName(core::FixedText(model->Name), *file)) + "\n");
-      } else if (!ExportModel(*name, model, *lods, grouped ? -1 : index)) {
+      } else if (!isRead || !ExportModel(*name, model, *lods, grouped ? -1 : index)) {
         LeaveOut("  ", "model", m);
       }
     }

@@ -1,9 +1,9 @@
 #include "decompiler/sources/repeated_meshes.h"
 
 #include <algorithm>
-#include <span>
 
 #include "core/paths.h"
+#include "core/same_bytes.h"
 #include "decompiler/stages/mesh_file.h"
 #include "model/mesh_pieces.h"
 
@@ -31,10 +31,6 @@ bool HasTextures(const JobContext& job, const core::Record<StudioModel>& model) 
   return true;
 }
 
-bool SameBytes(const VvdVertex& a, const VvdVertex& b) {
-  return std::ranges::equal(std::as_bytes(std::span(&a, 1)), std::as_bytes(std::span(&b, 1)));
-}
-
 bool SameCorners(const MeshPiece& a, const MeshPiece& b) {
   if (a.Material != b.Material || a.Strips.size() != b.Strips.size()) return false;
   for (size_t s = 0; s < a.Strips.size(); ++s) {
@@ -44,7 +40,7 @@ bool SameCorners(const MeshPiece& a, const MeshPiece& b) {
       const uint16_t i = one.Indices[k]->Vertex, j = other.Indices[k]->Vertex;
       const VvdVertex* x = GetMeshVertex(a.Vertices, one.GroupVertices[i]->MeshVertex);
       const VvdVertex* y = GetMeshVertex(b.Vertices, other.GroupVertices[j]->MeshVertex);
-      if (x != y && (x == nullptr || y == nullptr || !SameBytes(*x, *y))) return false;
+      if (x != y && (x == nullptr || y == nullptr || !core::HasSameBytes(*x, *y))) return false;
     }
   }
   return true;

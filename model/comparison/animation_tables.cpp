@@ -1,6 +1,6 @@
 #include <array>
-#include <cstring>
 
+#include "core/same_bytes.h"
 #include "model/animation_check.h"
 #include "model/comparison/compared_tables.h"
 #include "model/comparison/record_fields.h"
@@ -97,8 +97,8 @@ class FrameComparison {
     const Vec3& b = other.Positions()[number];
     const Quat& p = one.Rotations()[number];
     const Quat& q = other.Rotations()[number];
-    const bool moved = std::memcmp(&a, &b, sizeof a) != 0;
-    const bool turned = std::memcmp(&p, &q, sizeof p) != 0;
+    const bool moved = !core::HasSameBytes(a, b);
+    const bool turned = !core::HasSameBytes(p, q);
     if (!moved && !turned) return;
     const auto where = [&] {
       return "animation " + name + ", frame " + std::to_string(frame) + ", " +

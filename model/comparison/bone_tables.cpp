@@ -87,7 +87,7 @@ void CompareBones(const ComparedModels& models) {
       models, ModelTable::Bones, "bones", {a->BoneOffset, a->BoneCount}, {b->BoneOffset, b->BoneCount},
       [&](const BoneRecord& first, const BoneRecord& second, int64_t i) {
         const std::string name = Place("bone", TextOf(models.First, first, first->NameOffset), i);
-        const auto where = [&] { return name; };
+        const auto where = [&] { return std::string(name); };
         DifferenceList& differences = models.Differences;
         differences.Text(ModelTable::Bones, "name", where, TextOf(models.First, first, first->NameOffset),
                          TextOf(models.Second, second, second->NameOffset));

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "core/paths.h"
+#include "core/same_bytes.h"
 #include "model/comparison/compared_tables.h"
 #include "model/comparison/record_fields.h"
 #include "model/mesh_pieces.h"
@@ -102,7 +103,7 @@ void ComparePieces(const ComparedModels& models, const MeshPiece& first, const M
     const VvdVertex* a = firstCorners.Next();
     const VvdVertex* b = secondCorners.Next();
     if (a == nullptr || b == nullptr) return;
-    if (std::memcmp(a, b, sizeof *a) == 0) continue;
+    if (core::HasSameBytes(*a, *b)) continue;
     const std::function<std::string()> where = [&] {
       return place + ", triangle " + std::to_string(k / 3) + ", corner " + std::to_string(k % 3);
     };
@@ -127,7 +128,7 @@ void CompareLevel(const ComparedModels& models, const ModelRecord& first, const 
   for (size_t i = 0; i < count && !models.IsStopped(); ++i) {
     const std::string mesh = place + ", mesh " + std::string(firstPieces.Meshes[i].Material);
     models.Differences.Text(
-        ModelTable::Triangles, "material", [&] { return mesh; }, firstPieces.Meshes[i].Material,
+        ModelTable::Triangles, "material", [&] { return std::string(mesh); }, firstPieces.Meshes[i].Material,
         secondPieces.Meshes[i].Material);
     ComparePieces(models, firstPieces.Meshes[i], secondPieces.Meshes[i], mesh);
   }
@@ -199,7 +200,7 @@ void CompareMeshes(const ComparedModels& models) {
       models, ModelTable::Bodies, "body parts", {a->BodyPartOffset, a->BodyPartCount},
       {b->BodyPartOffset, b->BodyPartCount}, [&](const auto& first, const auto& second, int64_t part) {
         const std::string name = Place("body part", TextOf(models.First, first, first->NameOffset), part);
-        const auto where = [&] { return name; };
+        const auto where = [&] { return std::string(name); };
         models.Differences.Text(ModelTable::Bodies, "name", where, TextOf(models.First, first, first->NameOffset),
                                 TextOf(models.Second, second, second->NameOffset));
         models.Differences.Whole(ModelTable::Bodies, "base", where, first->Base, second->Base);

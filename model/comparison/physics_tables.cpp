@@ -49,7 +49,7 @@ bool IsNumber(std::string_view text) {
 
 void CompareValues(DifferenceList& differences, const std::string& key, std::string_view a, std::string_view b,
                    const std::string& place) {
-  const auto where = [&] { return place; };
+  const auto where = [&] { return std::string(place); };
   if (a != b && IsNumber(a) && IsNumber(b)) {
     const auto first = static_cast<float>(core::ParseReal(a));
     const auto second = static_cast<float>(core::ParseReal(b));
@@ -63,13 +63,13 @@ void CompareValues(DifferenceList& differences, const std::string& key, std::str
 void CompareEntries(DifferenceList& differences, const std::vector<PhyEntry>& first,
                     const std::vector<PhyEntry>& second, const std::string& place) {
   differences.Whole(
-      ModelTable::Physics, "number of entries", [&] { return place; }, static_cast<int64_t>(first.size()),
+      ModelTable::Physics, "number of entries", [&] { return std::string(place); }, static_cast<int64_t>(first.size()),
       static_cast<int64_t>(second.size()));
   for (size_t i = 0; i < std::min(first.size(), second.size()); ++i) {
     const std::string here =
         place + (place == "text" ? ", " : ".") + std::string(first[i].Key) + " " + std::to_string(i);
     differences.Text(
-        ModelTable::Physics, "key", [&] { return here; }, first[i].Key, second[i].Key);
+        ModelTable::Physics, "key", [&] { return std::string(here); }, first[i].Key, second[i].Key);
     if (first[i].Key != second[i].Key) continue;
     CompareValues(differences, "value of " + std::string(first[i].Key), first[i].Value, second[i].Value, here);
     CompareEntries(differences, first[i].Entries, second[i].Entries, here);
@@ -106,7 +106,7 @@ double Distance(const std::array<float, 3>& point, const std::vector<std::array<
 void ComparePieces(const ComparedModels& models, const PhySolid& firstSolid, const PhyPiece& first,
                    const PhySolid& secondSolid, const PhyPiece& second, const std::string& place) {
   DifferenceList& differences = models.Differences;
-  const auto where = [&] { return place; };
+  const auto where = [&] { return std::string(place); };
   differences.Whole(ModelTable::Physics, "bone of a piece", where, first.BoneNumber, second.BoneNumber);
   const auto a = PointsOf(firstSolid, first);
   const auto b = PointsOf(secondSolid, second);
@@ -135,8 +135,8 @@ void CompareSolids(const ComparedModels& models, const PhyFile& first, const Phy
     const PhySolid& a = *first.Solids[s];
     const PhySolid& b = *second.Solids[s];
     differences.Whole(
-        ModelTable::Physics, "number of pieces", [&] { return place; }, static_cast<int64_t>(a.Pieces.size()),
-        static_cast<int64_t>(b.Pieces.size()));
+        ModelTable::Physics, "number of pieces", [&] { return std::string(place); },
+        static_cast<int64_t>(a.Pieces.size()), static_cast<int64_t>(b.Pieces.size()));
     for (size_t i = 0; i < std::min(a.Pieces.size(), b.Pieces.size()); ++i) {
       if (models.IsStopped()) return;
       ComparePieces(models, a, a.Pieces[i], b, b.Pieces[i], place + ", piece " + std::to_string(i));

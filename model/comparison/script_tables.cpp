@@ -51,7 +51,7 @@ void CompareHitboxes(const ComparedModels& models, const StudioHeader& a, const 
       models, ModelTable::Boxes, "hit box sets", {a.HitboxSetOffset, a.HitboxSetCount},
       {b.HitboxSetOffset, b.HitboxSetCount}, [&](const auto& first, const auto& second, int64_t set) {
         const std::string name = Place("hit box set", TextOf(models.First, first, first->NameOffset), set);
-        const auto where = [&] { return name; };
+        const auto where = [&] { return std::string(name); };
         models.Differences.Text(ModelTable::Boxes, "name of a hit box set", where,
                                 TextOf(models.First, first, first->NameOffset),
                                 TextOf(models.Second, second, second->NameOffset));

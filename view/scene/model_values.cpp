@@ -1,7 +1,8 @@
 #include "view/scene/model_values.h"
 
 #include <algorithm>
-#include <cstring>
+
+#include "core/same_bytes.h"
 
 namespace tarnwick::view {
 
@@ -26,7 +27,7 @@ Matrix34 Finite(const model::Matrix3x4& m) {
 
 Box BoxOf(const model::Vec3& minimum, const model::Vec3& maximum) {
   const model::Vec3 zeros{0, 0, 0};
-  if (std::memcmp(&minimum, &zeros, sizeof zeros) == 0 && std::memcmp(&maximum, &zeros, sizeof zeros) == 0) return {};
+  if (core::HasSameBytes(minimum, zeros) && core::HasSameBytes(maximum, zeros)) return {};
   const Box box{{minimum.x, minimum.y, minimum.z}, {maximum.x, maximum.y, maximum.z}};
   const bool isFinite = std::isfinite(Dot(box.Minimum, box.Minimum)) && std::isfinite(Dot(box.Maximum, box.Maximum));
   return isFinite && !box.IsEmpty() ? box : Box{};
