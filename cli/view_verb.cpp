@@ -130,6 +130,8 @@ int View(Options options, Invocation& invocation) {
       if (found || inGame) {
         shown = core::PathText(std::filesystem::absolute(core::NativePath(found ? *found : *inGame), error));
       }
+    } else if (!jobs::InputContent(game).Files().Holds(options.Model)) {
+      warnings.push_back("there is no model " + options.Model);
     }
     if (const auto done = ShowInOwn(options, shown, warnings, invocation)) return *done;
     warnings.clear();

@@ -363,6 +363,7 @@ void CContentDialog::Drag() {
   const std::vector<uint32_t> selected = m_ui->list->SelectedFiles();
   if (index == nullptr || selected.empty()) return;
   std::vector<std::string> names;
+  names.reserve(selected.size());
   for (const uint32_t file : selected) names.push_back(NameOf(file));
   const QString problem = m_drags.Drag(*m_ui->list, *index, ChosenFiles(), names);
   if (problem.isEmpty()) return;

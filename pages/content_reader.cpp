@@ -62,7 +62,7 @@ ContentReader::Result ContentReader::Read(const ContentSource& source, const std
     if (archive != nullptr) {
       places.push_back({path, std::move(archive)});
     } else {
-      result.Notes.push_back(path + ": " + reason);
+      result.Notes.push_back(std::string(path).append(": ").append(reason));
     }
   }
   if (places.empty()) {
