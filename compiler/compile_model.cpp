@@ -1,6 +1,7 @@
 #include "compiler/compile_model.h"
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <cstring>
 
@@ -70,7 +71,13 @@ class SourceLoader {
       files.emplace_back();
       files.back().Number = i;
     }
-    ForEachInParallel(m_context.Options, files.size(), [&](size_t i) { Read(files[i]); });
+    std::atomic<int64_t> size = 0;
+    ForEachInParallel(m_context.Options, files.size(), [&](size_t i) {
+      // What is left out when they are too large is not missed: taking the others ends the compile.
+      if (size > m_context.Options.MemoryLimit) return;
+      Read(files[i]);
+      size += SizeOf(files[i].Source);
+    });
     if (m_context.Stopped()) return;
     for (ReadFile& file : files) Take(file);
   }
@@ -93,6 +100,10 @@ class SourceLoader {
     file.Messages =
         smd::ReadSource({reinterpret_cast<const char*>(bytes.data()), bytes.size()}, file.Path, file.Source);
   }
+  static int64_t SizeOf(const smd::SmdSource& read) {
+    return static_cast<int64_t>(read.Poses.size() * sizeof(smd::SourcePose) +
+                                read.Corners.size() * sizeof(smd::SourceCorner));
+  }
   void Take(ReadFile& file) {
     const qc::Source& source = m_context.Plan.Script.Sources[file.Number];
     if (!file.Error.empty()) {
@@ -107,9 +118,7 @@ class SourceLoader {
                       .Text = place + (message.IsError ? "error: " : "warning: ") + message.Text,
                       .Alike = message.Text});
     }
-    const smd::SmdSource& read = file.Source;
-    const size_t size = read.Poses.size() * sizeof(smd::SourcePose) + read.Corners.size() * sizeof(smd::SourceCorner);
-    if (m_context.Spend(static_cast<int64_t>(size), source.At)) {
+    if (m_context.Spend(SizeOf(file.Source), source.At)) {
       m_context.SetSource(static_cast<int32_t>(file.Number), std::move(file.Source));
     }
   }
