@@ -53,7 +53,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   for (const qc::Statement& statement : script.Statements) {
     CheckPlace(script.Files, statement.At);
     const qc::StatementRow* row = qc::FindStatement(statement.Name);
-    Require(row != nullptr && row->Kind == statement.Kind);
+    Require(row != nullptr);
+    // Choices in braces make a group of a body.
+    const bool isBody = row->Kind == qc::Command::Body || row->Kind == qc::Command::Model;
+    Require(statement.Kind == row->Kind || (isBody && statement.Kind == qc::Command::BodyGroup));
     for (const qc::Argument& argument : statement.Arguments) {
       CheckPlace(script.Files, argument.At);
       Require(argument.Source < static_cast<int32_t>(script.Sources.size()));
