@@ -174,9 +174,9 @@ TEST_F(AuthoredScripts, AreReadHoweverTheyAreTyped) {
        {"name: crate_two.mdl", "surface: wood", "parts: gib(gib.smd) b(crate)", "sequences: walk_12//",
         "@walk_12/3/12/0"}},
       {"an absolute folder of another computer",
-       "$cd \"C:\\Users\\me\\models\\crate\\\"\n$modelname crate.mdl\n$body b \"D:/work/parts/crate.smd\"\n"
+       "$cd \"C:\\Users\\me\\models\\crate\\\"\n$modelname crate.mdl\n$body b \"D:/art/parts/crate.smd\"\n"
        "$sequence idle \"parts\\crate.smd\"\n",
-       {"parts: b(D:/work/parts/crate.smd)", "sequences: idle"}},
+       {"parts: b(D:/art/parts/crate.smd)", "sequences: idle"}},
       {"another format's ending where the text stands beside it",
        "$modelname crate.mdl\n$cd parts\n$model \"b\" \"crate.dmx\"\n$sequence idle crate.dmx\n",
        {"parts: b(crate.dmx)"},
