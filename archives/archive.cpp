@@ -181,11 +181,13 @@ bool Archive::ReadPieces(uint32_t file, const std::function<bool(std::string_vie
          CheckCrc(place, crc, reason);
 }
 
-bool Archive::CheckWhole(std::string& reason) const {
+bool Archive::CheckWhole(const std::stop_token& stop, std::string& reason) const {
+  reason.clear();
   if (m_kind == ArchiveKind::Vpk) return true;
   std::vector<std::byte> piece(PieceSize);
   uint32_t crc = 0;
   for (uint64_t place = 0; place < m_addon.DataEnd;) {
+    if (stop.stop_requested()) return false;
     const auto bytes = std::span(piece).first(std::min<uint64_t>(piece.size(), m_addon.DataEnd - place));
     if (!ReadRange(*m_own, place, bytes, reason)) return false;
     crc = Crc32(bytes, crc);

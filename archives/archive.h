@@ -5,6 +5,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <stop_token>
 #include <string>
 #include <string_view>
 
@@ -64,8 +65,9 @@ class Archive {
   /// (`reason` is then empty).
   bool ReadPieces(uint32_t file, const std::function<bool(std::string_view)>& take, std::string& reason) const;
 
-  /// Whether the CRC-32 at an addon's end is that of all before it; true for VPK. `reason` tells what is wrong.
-  bool CheckWhole(std::string& reason) const;
+  /// Whether the CRC-32 at an addon's end is that of all before it; true for VPK. `reason` tells what is wrong, and is
+  /// empty if a stop came first.
+  bool CheckWhole(const std::stop_token& stop, std::string& reason) const;
 
  private:
   Archive(std::string path, std::unique_ptr<ByteSource> bytes) : m_path(std::move(path)), m_own(std::move(bytes)) {}

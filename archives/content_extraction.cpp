@@ -24,10 +24,11 @@ std::string Joined(std::string_view file, std::string_view why) {
   return text += why;
 }
 
-/// Copies the bytes of `from` into `to` a piece at a time.
-bool CopyBytes(const RandomFile& from, core::OutputFile& to, uint64_t& size, std::string& reason) {
+/// Copies the bytes of `from` into `to` a piece at a time. False if a stop comes too.
+bool CopyBytes(const RandomFile& from, core::OutputFile& to, uint64_t& size, const std::stop_token& stop,
+               std::string& reason) {
   std::vector<std::byte> piece(size_t{1} << 18);
-  for (size = 0;;) {
+  for (size = 0; !stop.stop_requested();) {
     const auto read = from.Read(size, piece, reason);
     if (!read) return false;
     if (*read == 0) return true;
@@ -37,11 +38,12 @@ bool CopyBytes(const RandomFile& from, core::OutputFile& to, uint64_t& size, std
     }
     size += *read;
   }
+  return false;
 }
 
 /// Copies one loose file. Nothing is wrong if it lies there already.
-bool CopyLoose(const std::string& from, const std::string& name, OutputFolder& folder, ExtractedFile& result,
-               core::TroubleKind& kind, std::string& reason) {
+bool CopyLoose(const std::string& from, const std::string& name, OutputFolder& folder, const std::stop_token& stop,
+               ExtractedFile& result, core::TroubleKind& kind, std::string& reason) {
   result.Name = name;
   result.Path = folder.PathOf(name);
   fs::path target;
@@ -60,7 +62,7 @@ bool CopyLoose(const std::string& from, const std::string& name, OutputFolder& f
   }
   auto output = core::OutputFile::Create(core::PathText(target), &reason);
   if (!output) return false;
-  if (!CopyBytes(*file, *output, result.Size, reason)) return false;
+  if (!CopyBytes(*file, *output, result.Size, stop, reason)) return false;
   if (output->Commit()) return true;
   reason = output->Error();
   return false;
@@ -114,10 +116,12 @@ Extraction ExtractContent(const ContentIndex& index, const std::vector<uint32_t>
         if (progress) progress(name, before + i);
         ExtractedFile file;
         core::TroubleKind kind = core::TroubleKind::Unwritable;
-        if (CopyLoose(index.FullName(chosen[i]), name, folder, file, kind, reason)) {
+        if (CopyLoose(index.FullName(chosen[i]), name, folder, stop, file, kind, reason)) {
           whole.Files.push_back(std::move(file));
           continue;
         }
+        whole.Stopped = stop.stop_requested();
+        if (whole.Stopped) break;
         ++whole.Failed;
         const std::string from = index.FullName(chosen[i]);
         sink.Tell({.Level = core::Severity::Error,

@@ -40,8 +40,8 @@ struct ContentQuery {
 
 /// All files of several places (folders and archives) in one sorted list, to be looked through and searched. Files are
 /// numbered in the order of folder and name, without regard to ASCII case. It never changes, so several threads may
-/// use it at once. Beside the archives' own tables it takes 24 bytes a file
-/// and the bytes of its last part.
+/// use it at once. Beside the archives' own tables it takes
+/// 24 bytes a file and the bytes of its last part.
 class ContentIndex {
  public:
   /// The files of all places of a game; its folders are read from the disk, links that lead back are not followed. Null

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <map>
 #include <tuple>
+#include <utility>
 
 #include "archives/folded_text.h"
 #include "archives/name_pattern.h"
@@ -25,8 +26,8 @@ constexpr uint64_t AlwaysAllowed = uint64_t{1} << 30;
 /// One extraction while it runs.
 class Run {
  public:
-  Run(const Archive& archive, const std::string& output, core::TroubleSink& sink)
-      : m_archive(archive), m_output(output), m_sink(sink) {}
+  Run(const Archive& archive, const std::string& output, core::TroubleSink& sink, std::stop_token stop)
+      : m_archive(archive), m_output(output), m_sink(sink), m_stop(std::move(stop)) {}
 
   bool Begin() {
     std::string reason;
@@ -59,6 +60,7 @@ class Run {
     return false;
   }
 
+  /// False if the file cannot be had or written, which is told, and if the stop came while it was read.
   bool Extract(uint32_t file, ExtractedFile& result) {
     const FileTable& table = m_archive.Files();
     result.Name = table.Name(file);
@@ -77,7 +79,8 @@ class Run {
     auto output = core::OutputFile::Create(core::PathText(path), &reason);
     if (!output) return Refuse(file, core::TroubleKind::Unwritable, result.Path + ": " + reason);
     const bool read = m_archive.ReadPieces(
-        file, [&](std::string_view bytes) { return output->Write(bytes); }, reason);
+        file, [&](std::string_view bytes) { return !m_stop.stop_requested() && output->Write(bytes); }, reason);
+    if (!read && m_stop.stop_requested()) return false;
     if (!read && !reason.empty()) return Refuse(file, core::TroubleKind::Damaged, reason);
     if (!read || !output->Commit()) {
       return Refuse(file, core::TroubleKind::Unwritable, result.Path + ": " + output->Error());
@@ -103,6 +106,7 @@ class Run {
   const Archive& m_archive;
   const std::string& m_output;
   core::TroubleSink& m_sink;
+  const std::stop_token m_stop;
   OutputFolder m_folder;
 };
 
@@ -123,7 +127,7 @@ std::vector<uint32_t> ChooseFiles(const Archive& archive, const std::vector<std:
 Extraction ExtractFiles(const Archive& archive, const std::vector<uint32_t>& files, const std::string& outputDirectory,
                         core::TroubleSink& sink, const std::stop_token& stop, const ExtractionProgress& progress) {
   Extraction result;
-  Run run(archive, outputDirectory, sink);
+  Run run(archive, outputDirectory, sink, stop);
   if (!run.IsPlausible(files) || !run.Begin()) {
     result.Failed = files.size();
     return result;
@@ -135,14 +139,13 @@ Extraction ExtractFiles(const Archive& archive, const std::vector<uint32_t>& fil
   };
   std::sort(order.begin(), order.end(), [&](uint32_t a, uint32_t b) { return place(a) < place(b); });
   for (size_t i = 0; i < order.size(); ++i) {
-    if (stop.stop_requested()) {
+    if (progress && !stop.stop_requested()) progress(archive.Files().Name(order[i]), i);
+    ExtractedFile file;
+    if (!stop.stop_requested() && run.Extract(order[i], file)) {
+      result.Files.push_back(std::move(file));
+    } else if (stop.stop_requested()) {
       result.Stopped = true;
       break;
-    }
-    if (progress) progress(archive.Files().Name(order[i]), i);
-    ExtractedFile file;
-    if (run.Extract(order[i], file)) {
-      result.Files.push_back(std::move(file));
     } else {
       ++result.Failed;
     }

@@ -34,7 +34,8 @@ using ExtractionProgress = std::function<void(const std::string& name, size_t do
 /// Writes files of an archive below `outputDirectory`, their folders kept. Each appears whole, its CRC-32 checked, or
 /// not at all; an older file gives way to it. Nothing is written outside the folder, neither by a name (`UnsafeReason`)
 /// nor through a link that lies in it. A later file of a name that differs in case only is left out and told. Files are
-/// read in the order of the archive, which a packed one needs.
+/// read in the order of the archive, which a packed one needs. A stop is honoured within a file too, which is then not
+/// written.
 Extraction ExtractFiles(const Archive& archive, const std::vector<uint32_t>& files, const std::string& outputDirectory,
                         core::TroubleSink& sink, const std::stop_token& stop, const ExtractionProgress& progress);
 

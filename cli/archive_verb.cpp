@@ -149,14 +149,12 @@ int List(const Options& options, Invocation& invocation) {
 /// Takes the chosen files of one archive out, into `output`.
 void ExtractOne(const Chosen& chosen, const std::string& output, const Options& options, Invocation& invocation,
                 const InterruptFlag& interrupt, PrintedTroubles& troubles, ProgressLine& progress) {
-  std::stop_source stop;
   const size_t before = troubles.Texts.size();
   const auto show = [&](const std::string& name, size_t done) {
-    if (interrupt.IsSet()) stop.request_stop();
     progress.Show(done, chosen.Files.size(), archives::PrintableName(name));
   };
   const archives::Extraction done =
-      archives::ExtractFiles(*chosen.Opened, chosen.Files, output, troubles, stop.get_token(), show);
+      archives::ExtractFiles(*chosen.Opened, chosen.Files, output, troubles, interrupt.Token(), show);
   progress.Clear();
   if (done.Stopped) troubles.Error(chosen.Path + ": stopped");
   uint64_t bytes = 0;
@@ -203,14 +201,16 @@ void Check(const Chosen& chosen, const InterruptFlag& interrupt, PrintedTroubles
   for (size_t i = 0; i < chosen.Files.size() && !interrupt.IsSet(); ++i) {
     const std::string name = archives::PrintableName(chosen.Opened->FullName(chosen.Files[i]));
     progress.Show(i, chosen.Files.size(), name);
-    if (!chosen.Opened->ReadPieces(
-            chosen.Files[i], [](std::string_view) { return true; }, reason)) {
+    const bool read = chosen.Opened->ReadPieces(
+        chosen.Files[i], [&](std::string_view) { return !interrupt.IsSet(); }, reason);
+    if (!read && !interrupt.IsSet()) {
       troubles.Error(std::string(name).append(": ").append(reason));
     }
   }
+  const bool right = !interrupt.IsSet() && chosen.Opened->CheckWhole(interrupt.Token(), reason);
   if (interrupt.IsSet()) {
     troubles.Error(chosen.Path + ": stopped");
-  } else if (!chosen.Opened->CheckWhole(reason)) {
+  } else if (!right) {
     troubles.Error(chosen.Path + ": " + reason);
   }
   progress.Clear();

@@ -111,7 +111,7 @@ TEST(Archive, ReadsAddonsPlainAndPacked) {
       EXPECT_EQ(archive->Addon().Name, "An addon");
       EXPECT_EQ(archive->Addon().Author, "Somebody");
       ExpectContent(*archive, gma.Files);
-      EXPECT_TRUE(archive->CheckWhole(reason)) << reason;
+      EXPECT_TRUE(archive->CheckWhole({}, reason)) << reason;
     }
   }
 }
@@ -137,7 +137,7 @@ TEST(Archive, TellsWhereACrcIsWrong) {
   gma[gma.size() - 1] ^= 1;
   const auto addon = Archive::Open("a.gma", std::make_unique<MemorySource>(gma), reason);
   ASSERT_TRUE(addon);
-  EXPECT_FALSE(addon->CheckWhole(reason));
+  EXPECT_FALSE(addon->CheckWhole({}, reason));
   EXPECT_THAT(reason, HasSubstr("the CRC-32 of the whole addon"));
 }
 

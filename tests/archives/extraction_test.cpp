@@ -132,19 +132,44 @@ TEST_F(ExtractionTest, TellsWhatTheDiskRefuses) {
   EXPECT_EQ(done.Failed, 1u);
 }
 
-TEST_F(ExtractionTest, EndsBeforeTheNextFileWhenStopped) {
-  const auto archive = Open({{.Name = "a.txt", .Bytes = "x"}, {.Name = "b.txt", .Bytes = "x"}});
+/// An archive in memory whose reading asks for a stop once it comes to a byte.
+class StoppingSource : public tests::MemorySource {
+ public:
+  StoppingSource(const std::string& bytes, uint64_t last, std::stop_source& stop)
+      : MemorySource(bytes), m_last(last), m_stop(stop) {}
+  std::optional<size_t> Read(uint64_t offset, std::span<std::byte> out, std::string& reason) const override {
+    if (offset + out.size() > m_last) m_stop.request_stop();
+    return MemorySource::Read(offset, out, reason);
+  }
+
+ private:
+  const uint64_t m_last;
+  std::stop_source& m_stop;
+};
+
+TEST_F(ExtractionTest, AStopEndsItWithinAFileWhichIsNotWritten) {
+  const std::string whole = GmaBuilder{
+      .Files = {{.Name = "a.txt", .Bytes = "x"},
+                {.Name = "b.txt", .Bytes = std::string(3'000'000, 'b')},
+                {.Name = "c.txt",
+                 .Bytes = "x"}}}.Build();
   std::stop_source stop;
+  std::string reason;
+  const auto archive = Archive::Open("a.gma", std::make_unique<StoppingSource>(whole, whole.size() / 2, stop), reason);
+  ASSERT_TRUE(archive) << reason;
   std::vector<std::string> begun;
   const auto progress = [&](const std::string& name, size_t done) {
     EXPECT_EQ(done, begun.size());
     begun.push_back(name);
-    stop.request_stop();
   };
-  const Extraction done = ExtractFiles(*archive, {1, 0}, m_folder.Path("out"), m_report, stop.get_token(), progress);
+  const Extraction done = ExtractFiles(*archive, {2, 1, 0}, m_folder.Path("out"), m_report, stop.get_token(), progress);
   EXPECT_TRUE(done.Stopped);
-  EXPECT_THAT(begun, ElementsAre("a.txt"));
-  EXPECT_THAT(m_folder.Files(), ElementsAre("a.gma", "out/a.txt"));
+  EXPECT_EQ(done.Failed, 0u);
+  EXPECT_THAT(m_report.Troubles, IsEmpty());
+  EXPECT_THAT(begun, ElementsAre("a.txt", "b.txt"));
+  EXPECT_THAT(m_folder.Files(), ElementsAre("out/a.txt"));
+  EXPECT_FALSE(archive->CheckWhole(stop.get_token(), reason));
+  EXPECT_THAT(reason, IsEmpty());
 }
 
 TEST_F(ExtractionTest, RefusesFilesThatShareTheSameBytes) {
