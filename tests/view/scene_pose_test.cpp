@@ -238,9 +238,10 @@ TEST(ScenePose, WorldSpaceLayersKeepTheirDirection) {
                      {.Label = "aim", .Flags = model::SequenceFlagWorldSpace, .Blends = {1}, .Weights = {0, 1}}};
   const BuiltScene scene(model);
   ScenePose pose(*scene);
-  pose.Set({.Sequence = 0});
+  EXPECT_TRUE(pose.Set({.Sequence = 0}));
   EXPECT_NEAR(pose.Bones()[1](1, 0), std::sin(1.0f), 1e-3);
-  pose.Set({.Sequence = 0, .Layers = {{1, 0, 1}}});
+  EXPECT_FALSE(pose.Set({.Sequence = 0, .Seconds = 1})) << "one frame stays where it is, however long it plays";
+  EXPECT_TRUE(pose.Set({.Sequence = 0, .Layers = {{1, 0, 1}}}));
   EXPECT_NEAR(pose.Bones()[1](1, 0), 0, 1e-3) << "the hand looks where the layer says";
   EXPECT_NEAR(pose.Bones()[0](1, 0), std::sin(1.0f), 1e-3) << "the root leans";
 }

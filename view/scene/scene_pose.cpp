@@ -48,8 +48,8 @@ class ScenePose::Worker {
     if (scene.Frames != nullptr && count > 0) m_cache = std::make_unique<FrameCache>(scene.Frames, count);
   }
 
-  void Set(const PoseRequest& request) {
-    if (m_scene.Bones.empty()) return;
+  bool Set(const PoseRequest& request) {
+    if (m_scene.Bones.empty()) return false;
     m_request = &request;
     m_left = MostSequences;
     const SceneSequence* main = SequenceAt(request.Sequence);
@@ -75,7 +75,7 @@ class ScenePose::Worker {
     } else {
       m_jiggle.Rest();
     }
-    Place();
+    return Place();
   }
 
   std::span<const Matrix34> Bones() const { return m_bones; }
@@ -274,14 +274,19 @@ class ScenePose::Worker {
     }
   }
 
-  void Place() {
+  /// Whether any bone stands elsewhere than before.
+  bool Place() {
+    bool moved = false;
     for (size_t b = 0; b < m_local.size(); ++b) {
       const SceneBone& bone = m_scene.Bones[b];
       const Matrix34 local = MatrixOf(m_local[b].Rotation, m_local[b].Position);
-      m_bones[b] = bone.Parent < 0 ? local : m_bones[static_cast<size_t>(bone.Parent)] * local;
-      m_bones[b] = m_jiggle.Move(b, m_bones[b]);
-      m_skin[b] = m_bones[b] * bone.PoseToBone;
+      const Matrix34 led = bone.Parent < 0 ? local : m_bones[static_cast<size_t>(bone.Parent)] * local;
+      const Matrix34 placed = m_jiggle.Move(b, led);
+      moved |= !(placed == m_bones[b]);
+      m_bones[b] = placed;
+      m_skin[b] = placed * bone.PoseToBone;
     }
+    return moved;
   }
 
   const Scene& m_scene;
@@ -307,8 +312,8 @@ ScenePose::~ScenePose() = default;
 ScenePose::ScenePose(ScenePose&&) noexcept = default;
 ScenePose& ScenePose::operator=(ScenePose&&) noexcept = default;
 
-void ScenePose::Set(const PoseRequest& request) {
-  m_worker->Set(request);
+bool ScenePose::Set(const PoseRequest& request) {
+  return m_worker->Set(request);
 }
 std::span<const Matrix34> ScenePose::Bones() const {
   return m_worker->Bones();

@@ -56,8 +56,9 @@ class ScenePose {
   ScenePose(ScenePose&&) noexcept;
   ScenePose& operator=(ScenePose&&) noexcept;
 
-  /// Poses the bones. A sequence that the scene does not have counts as none.
-  void Set(const PoseRequest& request);
+  /// Poses the bones. A sequence that the scene does not have counts as none. Whether any bone stands elsewhere than
+  /// before: a picture of one that does not need not be drawn again.
+  bool Set(const PoseRequest& request);
 
   /// Each bone's place in the model's space: what attachments, hit boxes and hulls are turned by.
   std::span<const Matrix34> Bones() const;

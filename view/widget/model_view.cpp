@@ -227,10 +227,9 @@ void ModelView::Tick() {
   const float cycle = m_state.Cycle;
   const float played = m_state.Seconds;
   Advance(*m_model.Model, m_state, seconds);
-  if (m_state.Cycle != cycle || m_state.Seconds != played) {
-    Redraw();
-    emit Played();
-  }
+  const bool moved = m_state.Seconds != played && m_pose->Set(PoseOf(m_state));
+  if (moved && m_canvas != nullptr) m_canvas->Draw(m_state, *m_pose);
+  if (m_state.Cycle != cycle) emit Played();
   if (m_state.IsPlaying != wasPlaying) emit StateChanged();
 }
 
