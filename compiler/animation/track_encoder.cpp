@@ -21,6 +21,8 @@ constexpr float RotationScale = std::bit_cast<float>(0x3749116DU);  // (pi / 8) 
 constexpr double LargestStep = 32767;
 /// A change of an angle that the texts of sources do not show.
 constexpr double StillAngle = 1.5e-6;
+/// The same of a whole rotation: there the way from a quaternion to angles and back loses more.
+constexpr double StillRotation = 4e-6;
 constexpr double StillPlace = 1e-6;
 
 float DefaultScale(size_t axis) {
@@ -230,7 +232,7 @@ class BoneChain {
     model::EulerToQuat({pose.Angles[0], pose.Angles[1], pose.Angles[2]}, is);
     model::EulerToQuat({static_cast<float>(m_rest[3]), static_cast<float>(m_rest[4]), static_cast<float>(m_rest[5])},
                        rest);
-    return AngleBetween(is, rest) > StillAngle;
+    return AngleBetween(is, rest) > StillRotation;
   }
   /// Half-floats are coarser than run values: a place that is none of them and hardly moved stays at rest.
   bool MovedFromRest(const BonePose& pose) const {
@@ -295,7 +297,10 @@ float GridScale(const ModelBones& bones, const std::vector<BuiltAnimation>& anim
   }
   constexpr int64_t Enough = 8;
   const bool onGrid = count >= Enough && worst < double{scale} / 8;
-  return onGrid && squares > 0 ? static_cast<float>(products / squares) : scale;
+  if (!onGrid || !(squares > 0)) return scale;
+  // A grid that is found from small changes alone may be too fine for the largest.
+  const auto grid = static_cast<float>(products / squares);
+  return double{grid} * (LargestStep + 1) < double{scale} * LargestStep ? scale : grid;
 }
 
 }  // namespace

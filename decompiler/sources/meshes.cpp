@@ -121,7 +121,10 @@ class MeshExport {
     const std::string stem(FileStem(file));
     const bool isBare = stored == stem && stem.find('.') == std::string::npos;
     std::string typed = isBare && !core::EqualIgnoringCase(stem, NoMesh) ? stem : file;
-    if (stored != typed) m_job.Lose("names of meshes that no file can have");
+    // A compile cuts what the record has no room for, as the one that made the model did.
+    if (stored != std::string_view(typed).substr(0, sizeof(StudioModel::Name))) {
+      m_job.Lose("names of meshes that no file can have");
+    }
     return typed;
   }
 
