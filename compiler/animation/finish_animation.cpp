@@ -234,7 +234,8 @@ class IkRules {
 void FinishAnimation(CompileContext& context, const ModelBones& bones, const std::vector<const Option*>& words,
                      BuiltAnimation& animation) {
   if (!bones.Static) Travel(context, bones, animation).TakeOut(words);
-  if (animation.Loops && animation.FrameCount > 1) {
+  // What a model holds has gone through this already, and a packed last frame is not quite the first one.
+  if (animation.Loops && animation.FrameCount > 1 && !context.Options.KeepValues) {
     const size_t count = bones.Bones.size();
     std::copy_n(animation.Poses.begin(), count, animation.Poses.end() - static_cast<ptrdiff_t>(count));
   }

@@ -21,6 +21,8 @@ constexpr float RotationScale = std::bit_cast<float>(0x3749116DU);  // (pi / 8) 
 constexpr double LargestStep = 32767;
 /// A change of an angle that the texts of sources do not show.
 constexpr double StillAngle = 1.5e-6;
+/// The same of a whole rotation: there the way from a quaternion to angles and back loses more.
+constexpr double StillRotation = 4e-6;
 constexpr double StillPlace = 1e-6;
 
 float DefaultScale(size_t axis) {
@@ -119,28 +121,35 @@ PackedParts Pack(const PackedForm& form, const model::Quat& q, double sign) {
   return packed;
 }
 
-/// How far the angles of `packed` lie from `angles` at the most.
-double AngleMiss(const PackedForm& form, const PackedParts& packed, const model::EulerAngles& angles) {
-  model::Quat q;
-  model::EulerAngles is;
-  form.Decode(packed, q);
-  model::QuatToEulerNear(q, angles, is);
-  const double miss[3] = {double{is.x} - double{angles.x}, double{is.y} - double{angles.y},
-                          double{is.z} - double{angles.z}};
-  double worst = 0;
-  for (const double m : miss) worst = std::max(worst, std::abs(std::remainder(m, 2 * std::numbers::pi)));
-  return std::isnan(worst) ? 4 : worst;
+/// The angle between two rotations, in radians. Angles about axes would not tell it: where the pitch is upright one
+/// rotation has many of them.
+double AngleBetween(const model::Quat& p, const model::Quat& q) {
+  const double a[4] = {double{p.x}, double{p.y}, double{p.z}, double{p.w}};
+  const double b[4] = {double{q.x}, double{q.y}, double{q.z}, double{q.w}};
+  double near = 0, far = 0;  // to q, and to its negative, which is the same rotation
+  for (size_t i = 0; i < 4; ++i) {
+    near += (a[i] - b[i]) * (a[i] - b[i]);
+    far += (a[i] + b[i]) * (a[i] + b[i]);
+  }
+  const double angle = 2 * std::sqrt(std::min(near, far));
+  return std::isnan(angle) ? 4 : angle;
 }
 
-/// The packed rotation whose angles come nearest to `angles`: rounding each part by itself misses a little where all
-/// three turn together, and a good deal where one of them is near 1. A quaternion and its negative are one rotation,
-/// but the parts reach to -1 and not to 1.
+double RotationMiss(const PackedForm& form, const PackedParts& packed, const model::Quat& q) {
+  model::Quat is;
+  form.Decode(packed, is);
+  return AngleBetween(is, q);
+}
+
+/// The packed rotation that comes nearest to `angles`: rounding each part by itself misses a little where all three
+/// turn together, and a good deal where the fourth is near 0. A quaternion and its negative are one rotation, but the
+/// parts reach to -1 and not to 1.
 PackedParts PackNearest(const PackedForm& form, const model::EulerAngles& angles) {
   constexpr double Unseen = 4e-7;  // less than half of what texts show
   model::Quat q;
   model::EulerToQuat(angles, q);
   PackedParts best = Pack(form, q, 1);
-  double least = AngleMiss(form, best, angles);
+  double least = RotationMiss(form, best, q);
   for (const double sign : {1.0, -1.0}) {
     const PackedParts start = Pack(form, q, sign);
     for (int step = 0; step < 54; ++step) {
@@ -152,7 +161,7 @@ PackedParts PackNearest(const PackedForm& form, const model::EulerAngles& angles
       }
       // Near 0 the fourth part's sign is lost in the rounding.
       if (step >= 27) tried.NegativeW = !tried.NegativeW;
-      const double miss = AngleMiss(form, tried, angles);
+      const double miss = RotationMiss(form, tried, q);
       if (miss < least) {
         least = miss;
         best = tried;
@@ -213,10 +222,17 @@ class BoneChain {
  private:
   const BonePose& PoseAt(int32_t frame) const { return m_animation.Pose(m_first + frame, m_bone, m_bones); }
   bool RotatedFromRest(const BonePose& pose) const {
+    bool changed = false;
     for (size_t axis = 3; axis < 6; ++axis) {
-      if (std::abs(double{AxisOf(pose, axis)} - m_rest[axis]) > StillAngle) return true;
+      changed = changed || std::abs(double{AxisOf(pose, axis)} - m_rest[axis]) > StillAngle;
     }
-    return false;
+    if (!changed) return false;
+    // Where the pitch is nearly upright, other angles are the same rotation.
+    model::Quat is, rest;
+    model::EulerToQuat({pose.Angles[0], pose.Angles[1], pose.Angles[2]}, is);
+    model::EulerToQuat({static_cast<float>(m_rest[3]), static_cast<float>(m_rest[4]), static_cast<float>(m_rest[5])},
+                       rest);
+    return AngleBetween(is, rest) > StillRotation;
   }
   /// Half-floats are coarser than run values: a place that is none of them and hardly moved stays at rest.
   bool MovedFromRest(const BonePose& pose) const {
@@ -281,7 +297,10 @@ float GridScale(const ModelBones& bones, const std::vector<BuiltAnimation>& anim
   }
   constexpr int64_t Enough = 8;
   const bool onGrid = count >= Enough && worst < double{scale} / 8;
-  return onGrid && squares > 0 ? static_cast<float>(products / squares) : scale;
+  if (!onGrid || !(squares > 0)) return scale;
+  // A grid that is found from small changes alone may be too fine for the largest.
+  const auto grid = static_cast<float>(products / squares);
+  return double{grid} * (LargestStep + 1) < double{scale} * LargestStep ? scale : grid;
 }
 
 }  // namespace

@@ -37,12 +37,13 @@ class FaceBuild {
     for (const PlanFaceLine& line : plan.Face) {
       if (const auto* eye = std::get_if<PlanEyeball>(&line)) AddEyeball(*eye);
       if (const auto* controllers = std::get_if<PlanFlexController>(&line)) AddControllers(*controllers);
-      if (const auto* file = std::get_if<PlanFlexFile>(&line)) AddFlexFile(*file);
       if (const auto* file = std::get_if<PlanVcaFile>(&line)) {
         m_context.Warning(file->At, "vcafile is not built", core::TroubleKind::Lost);
       }
     }
+    // Flexes are numbered in the order in which lines first name them.
     for (const PlanFaceLine& line : plan.Face) {
+      if (const auto* file = std::get_if<PlanFlexFile>(&line)) AddFlexFile(*file);
       if (const auto* lid = std::get_if<PlanEyelid>(&line)) AddEyelid(*lid);
       if (const auto* variables = std::get_if<PlanLocalVars>(&line)) {
         for (const std::string& name : variables->Names) m_names.Descriptor(name);

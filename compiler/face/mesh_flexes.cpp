@@ -13,6 +13,9 @@ namespace {
 /// Changes below this, in units and of a normal, are none.
 constexpr double LeastChange = 0.001;
 
+/// From this version on all vertices of a shape move at the highest speed.
+constexpr int32_t VersionOfWholeSpeeds = 49;
+
 /// Bytes that a vertex of a shape takes, about.
 constexpr int64_t VertexCost = 80;
 
@@ -108,7 +111,6 @@ bool ShapeFile::AddFlex(CompileContext& context, const FlexShape& flex, const Bu
   const bool isWhole = shape.Vertices.size() >= m_points.size();
   const std::vector<ShapePoint> places = PointsOf(shape, *m_corners);
   std::vector<Change> changes;
-  double longest = 0;
   for (size_t i = 0; i < places.size(); ++i) {
     const auto number = m_numbers.find(shape.Vertices[i].Number);
     if (number == m_numbers.end()) continue;
@@ -126,7 +128,6 @@ bool ShapeFile::AddFlex(CompileContext& context, const FlexShape& flex, const Bu
       const float edge = *flex.KeptSide;
       if (edge < 0 ? change.RestX < edge : change.RestX > edge) continue;
     }
-    longest = std::max(longest, change.Length);
     if (!context.Spend((int64_t{point.Count} + 1) * VertexCost, flex.At)) return false;
     for (uint32_t k = 0; k < point.Count; ++k) {
       change.Vertex = m_vertices[point.First + k];
@@ -153,12 +154,18 @@ bool ShapeFile::AddFlex(CompileContext& context, const FlexShape& flex, const Bu
     const uint32_t end = first + static_cast<uint32_t>(model.Meshes[mesh].VertexCount);
     if (next >= changes.size() || changes[next].Vertex >= end) continue;
     BuiltFlex& built = begin(mesh);
+    double longest = 0;
+    for (size_t i = next; i < changes.size() && changes[i].Vertex < end; ++i) {
+      longest = std::max(longest, changes[i].Length);
+    }
     for (; next < changes.size() && changes[next].Vertex < end; ++next) {
       const Change& change = changes[next];
       if (next + 1 < changes.size() && changes[next + 1].Vertex == change.Vertex) continue;
       model::StudioVertAnim record{};
       record.Vertex = static_cast<int16_t>(static_cast<uint16_t>(change.Vertex - first));
-      record.Speed = longest > 0 ? ByteOf(double{flex.Decay} * change.Length / longest) : uint8_t{0};
+      record.Speed = context.Options.Version >= VersionOfWholeSpeeds ? uint8_t{255}
+                     : longest > 0 ? ByteOf(double{flex.Decay} * change.Length / longest)
+                                   : uint8_t{0};
       if (flex.Partner != 0) record.Side = SideOf(change.RestX, flex.SideBand);
       record.PositionDelta = EncodeVec48(change.Position[0], change.Position[1], change.Position[2]);
       record.NormalDelta = EncodeVec48(change.Normal[0], change.Normal[1], change.Normal[2]);

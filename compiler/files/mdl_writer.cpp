@@ -275,7 +275,7 @@ class MdlWriter {
   }
   void WriteModel(const BuiltModel& model, int64_t at, int32_t& meshNumber, FaceTables& face, size_t number) {
     model::StudioModel record = {};
-    CopyName(record.Name, sizeof record.Name, model.Name);
+    model.Name.copy(record.Name, sizeof record.Name);  // a long one fills the field
     record.MeshCount = static_cast<int32_t>(model.Meshes.size());
     record.VertexCount = model.VertexCount;
     record.VertexByteOffset = model.FirstVertex * 48;

@@ -94,7 +94,7 @@ class PhysicsText {
   const std::string& SurfaceOf(int32_t bone) const {
     for (; m_plan.Joints && bone >= 0; bone = m_bones.Bones[static_cast<size_t>(bone)].Parent) {
       for (const PlanBoneText& text : m_context.Plan.BoneSurfaces) {
-        if (m_bones.Find(text.Bone) == bone) return text.Text;
+        if (m_bones.Named(text.Bone) == bone) return text.Text;
       }
     }
     return m_context.Plan.SurfaceProp;

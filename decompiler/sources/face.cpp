@@ -33,6 +33,7 @@ class FlexLines {
     line += " frame " + std::to_string(frame);
     const float whole = shape.Targets[1];
     if (whole != 1) line += " position " + Number(m_job, whole);
+    if (const float decay = FindDecay(m_job, m_shapes, shape); decay != 1) line += " decay " + Number(m_job, decay);
     if (!FollowsFromPlaces(number)) m_job.Lose("flexes that come and go at other weights than their places say");
     m_job.Script().Text(line + "\n");
   }
@@ -88,6 +89,34 @@ class FlexLines {
   FaceNames& m_names;
 };
 
+/// Whether the lines of the model's block, the first one, name its descriptors in the order in which the file has them.
+bool AreNamedInOrder(JobContext& job, const core::Record<StudioModel>& model, const FaceShapes& shapes,
+                     const std::vector<bool>& ofLids, const FaceNames& names) {
+  std::vector<bool> known(names.Descriptors.size());
+  int64_t next = 0;
+  bool inOrder = true;
+  const auto name = [&](int64_t descriptor) {
+    if (!names.Has(descriptor) || known[static_cast<size_t>(descriptor)]) return;
+    known[static_cast<size_t>(descriptor)] = true;
+    inOrder = inOrder && descriptor == next++;
+  };
+  for (size_t i = 0; i < shapes.Shapes.size(); ++i) {
+    if (ofLids[i]) continue;
+    name(static_cast<int64_t>(shapes.Shapes[i].Descriptor));
+    if (shapes.Shapes[i].Partner != 0) name(shapes.Shapes[i].Partner);
+  }
+  for (const int32_t descriptor : LidDescriptors(job, model)) name(descriptor);
+  return inOrder;
+}
+
+/// Says all names ahead of the lines that use them, so that a compile numbers them as the file does.
+void WriteAllNames(JobContext& job, FaceNames& names) {
+  for (size_t d = 0; d < names.Descriptors.size() && job.ScriptWithinBounds(); ++d) {
+    job.Script().Text("    localvar " + Quoted(job, names.Descriptors[d]) + "\n");
+    names.Declare(static_cast<int64_t>(d));
+  }
+}
+
 }  // namespace
 
 std::optional<FaceNames> ReadFaceNames(JobContext& job) {
@@ -108,6 +137,8 @@ void WriteModelFace(JobContext& job, const core::Record<StudioModel>& model, Fac
   const auto shapes = GatherFaceShapes(job, model, names.Descriptors.size());
   if (!shapes) return job.Lose("faces that cannot be read");
   const std::vector<bool> ofLids = FindLidShapes(job, model, *shapes);
+  const bool isFirst = std::none_of(names.Known.begin(), names.Known.end(), [](bool known) { return known; });
+  if (isFirst && !AreNamedInOrder(job, model, *shapes, ofLids, names)) WriteAllNames(job, names);
   std::vector<int32_t> frames(shapes->Shapes.size());
   std::vector<VtaFrame> vta;
   for (size_t i = 0; i < frames.size(); ++i) {

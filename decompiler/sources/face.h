@@ -43,6 +43,9 @@ void LoseSharedFace(JobContext& job);
 /// Counts as lost the flexes and eyes of a model that a body group offers: no statement has a block for it there.
 void LoseModelFace(JobContext& job, const core::Record<StudioModel>& model);
 
+/// The descriptors that the lids of the model's eyes name, in the order of their lines.
+[[nodiscard]] std::vector<int32_t> LidDescriptors(JobContext& job, const core::Record<StudioModel>& model);
+
 /// Writes the eyes of a model with their lids. The shapes of the lids are those with frames in `frames`, one a shape,
 /// 0 for none.
 void WriteEyes(JobContext& job, const core::Record<StudioModel>& model, FaceNames& names, std::string_view vtaName,

@@ -22,9 +22,35 @@ struct LidShapes {
   std::optional<size_t> Lowered, Raised;
 };
 
+/// A lid of an eye, as its record has it.
+struct LidRecord {
+  int32_t Descriptor;
+  float Heights[3];
+  int32_t Parts[3];
+
+  /// Without heights and names of its own there is none.
+  bool Exists() const {
+    const bool flat = Heights[0] == 0 && Heights[1] == 0 && Heights[2] == 0;
+    return !flat || Parts[0] != Parts[1] || Parts[1] != Parts[2] || Parts[0] != Descriptor;
+  }
+};
+LidRecord UpperLid(const StudioEyeball& eye) {
+  return {eye.UpperLidFlexDesc,
+          {eye.UpperTarget[0], eye.UpperTarget[1], eye.UpperTarget[2]},
+          {eye.UpperFlexDescs[0], eye.UpperFlexDescs[1], eye.UpperFlexDescs[2]}};
+}
+LidRecord LowerLid(const StudioEyeball& eye) {
+  return {eye.LowerLidFlexDesc,
+          {eye.LowerTarget[0], eye.LowerTarget[1], eye.LowerTarget[2]},
+          {eye.LowerFlexDescs[0], eye.LowerFlexDescs[1], eye.LowerFlexDescs[2]}};
+}
+
 /// Finds the shapes that close and open a lid: they meet at the height at which it rests.
-LidShapes FindLid(const FaceShapes& shapes, int32_t descriptor, const float (&heights)[3]) {
+LidShapes FindLid(const FaceShapes& shapes, const LidRecord& record) {
+  const int32_t descriptor = record.Descriptor;
+  const float(&heights)[3] = record.Heights;
   LidShapes lid;
+  if (!record.Exists()) return lid;
   std::optional<size_t> other;
   for (size_t i = 0; i < shapes.Shapes.size(); ++i) {
     const FaceShape& shape = shapes.Shapes[i];
@@ -157,30 +183,24 @@ class Eyes {
   }
 
   void WriteLids(const core::Record<StudioEyeball>& eye, const std::string& name, bool right) {
-    WriteLid(eye->UpperLidFlexDesc, {eye->UpperTarget[0], eye->UpperTarget[1], eye->UpperTarget[2]},
-             right ? "upper_right" : "upper_left", name, right);
-    WriteLid(eye->LowerLidFlexDesc, {eye->LowerTarget[0], eye->LowerTarget[1], eye->LowerTarget[2]},
-             right ? "lower_right" : "lower_left", name, right);
-    for (const int32_t descriptor :
-         {int32_t{eye->UpperFlexDescs[0]}, int32_t{eye->UpperFlexDescs[1]}, int32_t{eye->UpperFlexDescs[2]},
-          int32_t{eye->LowerFlexDescs[0]}, int32_t{eye->LowerFlexDescs[1]}, int32_t{eye->LowerFlexDescs[2]}}) {
-      m_names.Declare(descriptor);
-    }
+    WriteLid(UpperLid(*eye), right ? "upper_right" : "upper_left", name, right);
+    WriteLid(LowerLid(*eye), right ? "lower_right" : "lower_left", name, right);
   }
 
-  void WriteLid(int32_t descriptor, const float (&heights)[3], std::string_view usualName, const std::string& eye,
-                bool right) {
-    const bool held = m_names.Has(descriptor);
-    const LidShapes lid = FindLid(m_shapes, descriptor, heights);
+  void WriteLid(const LidRecord& record, std::string_view usualName, const std::string& eye, bool right) {
+    if (!record.Exists()) return;
+    const bool held = m_names.Has(record.Descriptor);
+    const LidShapes lid = FindLid(m_shapes, record);
     const auto pose = [&](const char* word, std::optional<size_t> shape, float height) {
       return std::string(word) + std::to_string(shape ? m_frames[*shape] : 0) + " " + Number(m_job, height);
     };
-    m_job.Script().Text("    eyelid " +
-                        Quoted(m_job, held ? m_names.Descriptors[static_cast<size_t>(descriptor)] : usualName) + " " +
-                        Quoted(m_job, m_vtaName) + pose(" lowerer ", lid.Lowered, heights[0]) +
-                        pose(" neutral ", {}, heights[1]) + pose(" raiser ", lid.Raised, heights[2]) + " split " +
-                        std::string(right ? SplitOfRight : SplitOfLeft) + " eyeball " + Quoted(m_job, eye) + "\n");
-    m_names.Declare(descriptor);
+    m_job.Script().Text(
+        "    eyelid " + Quoted(m_job, held ? m_names.Descriptors[static_cast<size_t>(record.Descriptor)] : usualName) +
+        " " + Quoted(m_job, m_vtaName) + pose(" lowerer ", lid.Lowered, record.Heights[0]) +
+        pose(" neutral ", {}, record.Heights[1]) + pose(" raiser ", lid.Raised, record.Heights[2]) + " split " +
+        std::string(right ? SplitOfRight : SplitOfLeft) + " eyeball " + Quoted(m_job, eye) + "\n");
+    m_names.Declare(record.Descriptor);
+    for (const int32_t part : record.Parts) m_names.Declare(part);
   }
 
   JobContext& m_job;
@@ -204,10 +224,24 @@ std::vector<bool> FindLidShapes(JobContext& job, const core::Record<StudioModel>
   };
   for (const auto eye : *eyes) {
     if (!job.Spend(RecordCost + 2 * static_cast<int64_t>(shapes.Shapes.size()))) return ofLids;
-    mark(FindLid(shapes, eye->UpperLidFlexDesc, {eye->UpperTarget[0], eye->UpperTarget[1], eye->UpperTarget[2]}));
-    mark(FindLid(shapes, eye->LowerLidFlexDesc, {eye->LowerTarget[0], eye->LowerTarget[1], eye->LowerTarget[2]}));
+    mark(FindLid(shapes, UpperLid(*eye)));
+    mark(FindLid(shapes, LowerLid(*eye)));
   }
   return ofLids;
+}
+
+std::vector<int32_t> LidDescriptors(JobContext& job, const core::Record<StudioModel>& model) {
+  std::vector<int32_t> descriptors;
+  const auto eyes = job.Model.View().Array<StudioEyeball>(model.Offset() + model->EyeballOffset, model->EyeballCount);
+  if (!eyes || !job.Spend(eyes->Count() * RecordCost)) return descriptors;
+  for (const auto eye : *eyes) {
+    for (const LidRecord& lid : {UpperLid(*eye), LowerLid(*eye)}) {
+      if (!lid.Exists()) continue;
+      descriptors.push_back(lid.Descriptor);
+      descriptors.insert(descriptors.end(), std::begin(lid.Parts), std::end(lid.Parts));
+    }
+  }
+  return descriptors;
 }
 
 void WriteEyes(JobContext& job, const core::Record<StudioModel>& model, FaceNames& names, std::string_view vtaName,

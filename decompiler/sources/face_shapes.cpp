@@ -88,7 +88,8 @@ std::optional<float> WidthOfAll(const std::vector<SidePoint>& points, double tol
     const double x = std::abs(double{point.X});
     const double near = low * high > 0 ? std::min(std::abs(low), std::abs(high)) : 0;
     const double far = std::max(std::abs(low), std::abs(high));
-    if (far < 1) least = std::max(least, x / far);
+    // What lies beyond the band has the side of its end, however far off it is.
+    if (point.Side > tolerance && point.Side < double{WholeSide} - tolerance) least = std::max(least, x / far);
     if (near > 0) most = std::min(most, x / near);
   }
   if (least > most || most == std::numeric_limits<double>::max()) return std::nullopt;
@@ -103,24 +104,48 @@ float Rounded(float value, float step) {
   return std::round(value / step) * step;
 }
 
-bool SpeedsFollow(JobContext& job, const FaceShapes& shapes, const core::Record<StudioFlex>& flex) {
-  std::vector<std::pair<float, uint8_t>> moves;
-  float longest = 0;
+/// Beyond it all vertices are as fast as can be: nobody typed that.
+constexpr double LargestDecay = 64;
+
+/// The factors with which every speed of a flex follows from how far its vertices move.
+struct DecayRange {
+  double Least = 0, Most = std::numeric_limits<double>::max();
+
+  bool Holds(double decay) const { return decay >= Least && decay <= Most; }
+};
+
+DecayRange DecaysOf(JobContext& job, const FaceShapes& shapes, const core::Record<StudioFlex>& flex) {
+  std::vector<std::pair<double, uint8_t>> moves;
+  double longest = 0;
   bool allWhole = true;
   ForEachChange(job, shapes, flex, [&](const core::Record<StudioVertAnim>& change, int64_t) {
     Vec3 delta;
     DecodeVec48(change->PositionDelta, delta);
-    const float length = std::sqrt(delta.x * delta.x + delta.y * delta.y + delta.z * delta.z);
+    const double length = std::sqrt(double{delta.x} * delta.x + double{delta.y} * delta.y + double{delta.z} * delta.z);
     longest = std::max(longest, length);
     allWhole = allWhole && change->Speed == WholeSide;
     moves.emplace_back(length, change->Speed);
   });
-  if (job.Model.Header()->Version >= VersionOfWholeSpeeds && allWhole) return true;
-  return std::ranges::all_of(moves, [&](const auto& move) {
-    if (longest == 0) return true;
-    const float speed = WholeSide * move.first / longest;
-    return std::abs(speed - static_cast<float>(move.second)) <= 1.5f;
-  });
+  DecayRange range;
+  if (longest == 0 || (job.Model.Header()->Version >= VersionOfWholeSpeeds && allWhole)) return range;
+  // Lengths are of half-floats, and a compile rounds or cuts.
+  constexpr double Below = 0.6, Above = 1.1;
+  for (const auto& [length, speed] : moves) {
+    const double whole = double{WholeSide} * length / longest;
+    if (whole <= 0) continue;
+    range.Least = std::max(range.Least, (speed - Below) / whole);
+    if (speed < WholeSide) range.Most = std::min(range.Most, (speed + Above) / whole);
+  }
+  return range;
+}
+
+DecayRange DecaysOf(JobContext& job, const FaceShapes& shapes, const FaceShape& shape) {
+  DecayRange all;
+  for (const MeshFlex& entry : shape.Flexes) {
+    const DecayRange one = DecaysOf(job, shapes, entry.Flex);
+    all = {std::max(all.Least, one.Least), std::min(all.Most, one.Most)};
+  }
+  return all;
 }
 
 bool HasWrinkles(JobContext& job, const FaceShapes& shapes, const core::Record<StudioFlex>& flex) {
@@ -200,11 +225,25 @@ PairSplit FindPairSplit(JobContext& job, const FaceShapes& shapes, const FaceSha
   return split;
 }
 
+float FindDecay(JobContext& job, const FaceShapes& shapes, const FaceShape& shape) {
+  const DecayRange range = DecaysOf(job, shapes, shape);
+  if (range.Holds(1) || range.Least > std::min(range.Most, LargestDecay)) return 1;
+  // The one with the fewest decimals is most likely the one that was typed.
+  for (const double step : {1.0, 0.5, 0.1, 0.05, 0.01, 0.001}) {
+    const double decay = std::ceil(range.Least / step) * step;
+    if (decay > 0 && range.Holds(decay)) return static_cast<float>(decay);
+  }
+  return static_cast<float>((range.Least + std::min(range.Most, LargestDecay)) / 2);
+}
+
 void CountLostOfShapes(JobContext& job, const FaceShapes& shapes) {
   for (const FaceShape& shape : shapes.Shapes) {
     for (const MeshFlex& entry : shape.Flexes) {
       if (HasWrinkles(job, shapes, entry.Flex)) job.Lose("flexes whose wrinkles have no statement");
-      if (!SpeedsFollow(job, shapes, entry.Flex)) job.Lose("flexes whose speeds do not follow from their moves");
+    }
+    const DecayRange decays = DecaysOf(job, shapes, shape);
+    if (decays.Least > std::min(decays.Most, LargestDecay)) {
+      job.Lose("flexes whose speeds do not follow from their moves", static_cast<int64_t>(shape.Flexes.size()));
     }
   }
 }

@@ -39,6 +39,10 @@ struct PairSplit {
 /// Finds the split of a shape with a partner from the sides that its vertices have: 0 to 255 in a smooth step in x.
 [[nodiscard]] PairSplit FindPairSplit(JobContext& job, const FaceShapes& shapes, const FaceShape& shape);
 
+/// Finds the factor of a shape's speeds: a vertex is as fast as it moves far beside the farthest of its mesh, times
+/// that. 1 where the speeds do not tell.
+[[nodiscard]] float FindDecay(JobContext& job, const FaceShapes& shapes, const FaceShape& shape);
+
 /// Counts what the shapes hold that the lines of a flexfile block and a VTA file do not say: wrinkles, and speeds that
 /// do not follow from the lengths of the moves.
 void CountLostOfShapes(JobContext& job, const FaceShapes& shapes);

@@ -47,7 +47,6 @@ class MeshExport {
   struct ModelNames {
     std::string File;   // of the reference
     std::string Typed;  // as the script names it: a compile keeps that as the model's name
-    std::string Stem;   // of the file, before it was made unique; its LODs are named after it
   };
 
   /// What the file holds once for all faces stands in the last block of one: a rule may name any flex ahead of it.
@@ -105,14 +104,13 @@ class MeshExport {
     const std::string_view stored = core::FixedText(model->Name);
     const std::string base = CleanFileName(MeshBaseName(stored));
     ModelNames names;
-    names.Stem = FileStem(base);
+    std::string stem(FileStem(base));
     std::string extension(Extension);
-    if (core::LowerAscii(names.Stem).ends_with(Extension) && names.Stem.size() > Extension.size()) {
-      const size_t stem = names.Stem.size() - Extension.size();
-      extension = names.Stem.substr(stem);  // ".SMD" stays as it was typed
-      names.Stem.resize(stem);
+    if (core::LowerAscii(stem).ends_with(Extension) && stem.size() > Extension.size()) {
+      extension = stem.substr(stem.size() - Extension.size());  // ".SMD" stays as it was typed
+      stem.resize(stem.size() - Extension.size());
     }
-    names.File = m_job.Names.Take(names.Stem, extension);
+    names.File = m_job.Names.Take(stem, extension);
     names.Typed = TypedName(stored, names.File);
     return names;
   }
@@ -123,7 +121,10 @@ class MeshExport {
     const std::string stem(FileStem(file));
     const bool isBare = stored == stem && stem.find('.') == std::string::npos;
     std::string typed = isBare && !core::EqualIgnoringCase(stem, NoMesh) ? stem : file;
-    if (stored != typed) m_job.Lose("names of meshes that no file can have");
+    // A compile cuts what the record has no room for, as the one that made the model did.
+    if (stored != std::string_view(typed).substr(0, sizeof(StudioModel::Name))) {
+      m_job.Lose("names of meshes that no file can have");
+    }
     return typed;
   }
 
@@ -190,7 +191,7 @@ class MeshExport {
       }
       return;
     }
-    const std::string file = m_job.Names.Take(LodName(index, names.Stem), ".smd");
+    const std::string file = m_job.Names.Take(LodName(index, FileStem(names.File)), ".smd");
     if (WriteMeshFile(m_job, m_skeleton, file, model, lod)) {
       m_lodBlocks.Replace(index, lod->SwitchDistance, names.Typed, file);
     } else {

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <tuple>
 
+#include "core/same_bytes.h"
 #include "model/bone_math.h"
 #include "model/comparison/compared_tables.h"
 #include "model/comparison/record_fields.h"
@@ -81,6 +82,12 @@ std::optional<std::vector<MovedVertex>> MovedVertices(ModelReader& reader, const
     moved.push_back(one);
   }
   std::stable_sort(moved.begin(), moved.end(), [](const auto& a, const auto& b) { return a.Key() < b.Key(); });
+  // A vertex that stands there twice is one.
+  const auto same = [](const auto& a, const auto& b) {
+    return core::HasSameBytes(a.Vertex, b.Vertex) && core::HasSameBytes(a.Position, b.Position) &&
+           core::HasSameBytes(a.Normal, b.Normal);
+  };
+  moved.erase(std::unique(moved.begin(), moved.end(), same), moved.end());
   return moved;
 }
 

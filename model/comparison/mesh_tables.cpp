@@ -1,6 +1,8 @@
 #include <algorithm>
 #include <array>
 #include <limits>
+#include <map>
+#include <set>
 #include <utility>
 
 #include "core/paths.h"
@@ -27,11 +29,9 @@ constexpr RecordField VertexFields[] = {
 
 constexpr RecordField MeshFields[] = {
     {"texture of a mesh", offsetof(StudioMesh, Material)},
-    {"vertices of a mesh", offsetof(StudioMesh, VertexCount)},
     {"flexes of a mesh", offsetof(StudioMesh, FlexCount)},
     {"kind of a mesh", offsetof(StudioMesh, Kind)},
     {"eyeball of a mesh", offsetof(StudioMesh, Eyeball)},
-    {"vertices of a mesh's levels", offsetof(StudioMesh, LodVertexCounts), 8},
 };
 
 using ModelRecord = core::Record<StudioModel>;
@@ -112,6 +112,56 @@ void ComparePieces(const ComparedModels& models, const MeshPiece& first, const M
   }
 }
 
+/// How many vertices the triangles of each mesh show at any level: those of equal content are one, and one that no
+/// triangle shows is none.
+std::map<int64_t, size_t> CountShownVertices(ModelReader& reader, const ModelRecord& model, int64_t part,
+                                             int64_t number, int64_t levels) {
+  std::map<int64_t, std::set<std::string_view>> shown;
+  const core::ImageView vtx = reader.Model.Vtx->View();
+  const auto tree = VtxModelAt(vtx, part, number);
+  for (int64_t level = 0; tree && level < levels; ++level) {
+    const auto lod = VtxLodAt(vtx, *tree, level);
+    if (!lod || !reader.Spend(RecordCost)) break;
+    const MeshPieces pieces = GatherMeshPieces(reader, model, *lod);
+    for (const MeshPiece& piece : pieces.Meshes) {
+      if (!reader.Spend(Corners::Count(piece))) break;
+      std::set<std::string_view>& vertices = shown[piece.Number];
+      Corners corners(piece);
+      while (const VvdVertex* vertex = corners.Next()) {
+        vertices.emplace(reinterpret_cast<const char*>(vertex), sizeof *vertex);
+      }
+    }
+  }
+  std::map<int64_t, size_t> counts;
+  for (const auto& [mesh, vertices] : shown) counts[mesh] = vertices.size();
+  return counts;
+}
+
+/// Compares how many vertices a model and its meshes have. Sources hold what triangles show: a vertex that stands there
+/// twice, or that none shows, does not come back.
+class VertexCounts {
+ public:
+  VertexCounts(const ComparedModels& models, const ModelRecord& first, const ModelRecord& second, int64_t part,
+               int64_t number, int64_t levels)
+      : m_models(models) {
+    if (first->VertexCount <= second->VertexCount || !models.First.Model.Vtx || !models.Second.Model.Vtx) return;
+    m_showAlike = CountShownVertices(models.First, first, part, number, levels) ==
+                  CountShownVertices(models.Second, second, part, number, levels);
+  }
+
+  template <typename Where>
+  void Compare(ModelTable table, std::string_view what, const Where& where, int32_t first, int32_t second) const {
+    if (first == second) return;
+    m_models.Differences.Add(
+        table, what, where(), std::to_string(first), std::to_string(second), 0, false,
+        m_showAlike && first > second ? "vertices that stand there twice or that nothing shows" : "");
+  }
+
+ private:
+  const ComparedModels& m_models;
+  bool m_showAlike = false;
+};
+
 void CompareLevel(const ComparedModels& models, const ModelRecord& first, const ModelRecord& second,
                   const core::Record<VtxModelLod>& firstLod, const core::Record<VtxModelLod>& secondLod,
                   const std::string& place) {
@@ -160,12 +210,18 @@ void CompareModel(const ComparedModels& models, const ModelRecord& first, const 
   } else {
     models.Differences.Text(ModelTable::Bodies, "name of a model", where, name, otherName);
   }
-  models.Differences.Whole(ModelTable::Vertices, "number of vertices", where, first->VertexCount, second->VertexCount);
+  const VertexCounts counts(models, first, second, part, number, levels);
+  counts.Compare(ModelTable::Vertices, "number of vertices", where, first->VertexCount, second->VertexCount);
   CompareTables<StudioMesh>(
       models, ModelTable::Bodies, "meshes", where, {first.Offset() + first->MeshOffset, first->MeshCount},
       {second.Offset() + second->MeshOffset, second->MeshCount}, [&](const auto& a, const auto& b, int64_t i) {
-        CompareFields(models.Differences, ModelTable::Bodies, MeshFields, *a, *b,
-                      [&] { return place + ", mesh " + std::to_string(i); });
+        const auto mesh = [&] { return place + ", mesh " + std::to_string(i); };
+        CompareFields(models.Differences, ModelTable::Bodies, MeshFields, *a, *b, mesh);
+        counts.Compare(ModelTable::Bodies, "vertices of a mesh", mesh, a->VertexCount, b->VertexCount);
+        for (size_t level = 0; level < std::size(a->LodVertexCounts); ++level) {
+          counts.Compare(ModelTable::Bodies, "vertices of a mesh's levels", mesh, a->LodVertexCounts[level],
+                         b->LodVertexCounts[level]);
+        }
       });
   if (!models.First.Model.Vtx || !models.Second.Model.Vtx) return;
   const core::ImageView a = models.First.Model.Vtx->View();

@@ -1,53 +1,12 @@
 #include "random_sources.h"
 
-#include <array>
 #include <cmath>
-#include <cstdio>
-#include <vector>
+
+#include "random_face.h"
 
 namespace tarnwick::tests {
 
 namespace {
-
-/// A generator of its own: the library's distributions differ from system to system.
-class Dice {
- public:
-  explicit Dice(uint32_t seed) : m_state(seed * 2654435761U + 12345) {}
-
-  int Below(int count) {
-    m_state ^= m_state << 13;
-    m_state ^= m_state >> 7;
-    m_state ^= m_state << 17;
-    return static_cast<int>((m_state >> 11) % static_cast<uint64_t>(count));
-  }
-  int From(int least, int most) { return least + Below(most - least + 1); }
-  bool Chance(int percent) { return Below(100) < percent; }
-  double Real(double least, double most) { return least + (most - least) * Below(1'000'001) / 1e6; }
-
- private:
-  uint64_t m_state;
-};
-
-std::string Number(double value) {
-  std::array<char, 48> text{};
-  std::snprintf(text.data(), text.size(), "%.6f", value);
-  return text.data();
-}
-template <typename... Values>
-std::string Numbers(Values... values) {
-  std::string text;
-  ((text += " " + Number(values)), ...);
-  return text;
-}
-std::string Number(int value) {
-  return std::to_string(value);
-}
-
-struct Bone {
-  std::string Name;
-  int Parent = -1;
-  std::array<double, 6> Rest = {};
-};
 
 class Maker {
  public:
@@ -85,9 +44,7 @@ class Maker {
 
  private:
   bool Has(RandomThing thing) const { return (m_things & thing) != 0; }
-  std::string Any(const std::vector<std::string>& of) {
-    return of[static_cast<size_t>(m_dice.Below(static_cast<int>(of.size())))];
-  }
+  std::string Any(const std::vector<std::string>& of) { return m_dice.Any(of); }
   /// A name that has what breaks a careless script, in models with such names.
   std::string Odd(const std::string& name) const { return name + m_odd; }
   std::string AnyBone() {
@@ -95,9 +52,10 @@ class Maker {
   }
 
   void MakeBones() {
-    const int count = Has(RandomStatic) ? m_dice.From(1, 3) : Has(RandomIk) ? m_dice.From(4, 9) : m_dice.From(1, 9);
+    const int few = Has(RandomStatic) ? m_dice.From(1, 3) : Has(RandomIk) ? m_dice.From(4, 9) : m_dice.From(1, 9);
+    const int count = Has(RandomBigSkeleton) && !Has(RandomStatic) ? m_dice.From(60, 180) : few;
     for (int i = 0; i < count; ++i) {
-      Bone bone;
+      RandomBone bone;
       bone.Name = Odd(Any({"Bip01 Spine", "ValveBiped.arm", "bone", "tail.L", "Jaw"}) + Number(i));
       bone.Parent = i == 0 ? -1 : Has(RandomIk) && i < 4 ? i - 1 : m_dice.From(m_dice.Chance(10) ? -1 : 0, i - 1);
       for (size_t axis = 0; axis < 3; ++axis) bone.Rest[axis] = m_dice.Real(-12, 12);
@@ -122,18 +80,15 @@ class Maker {
     return text + "end\n";
   }
 
-  struct Vertex {
-    std::string Line;
-    std::array<double, 6> Place = {};  // position, normal
-  };
   /// Round surfaces of a few materials.
-  std::string Mesh(const std::string& name, int fewest, int most) {
+  std::string Mesh(const std::string& name, int fewest, int most, const std::vector<std::string>& worn = {}) {
     std::string triangles;
     m_meshVertices.clear();
-    const int parts = m_dice.From(1, 3);
+    const int parts = m_dice.From(1, 3) + static_cast<int>(worn.size());
     for (int part = 0; part < parts; ++part) {
       std::string material = Any({"Skin", "cloth_a", "metal", "glass"});
-      if (Has(RandomNames) && m_dice.Chance(30))
+      if (static_cast<size_t>(part) < worn.size()) material = worn[static_cast<size_t>(part)];
+      if (Has(RandomNames) && static_cast<size_t>(part) >= worn.size() && m_dice.Chance(30))
         material = Any({"end.tga", "triangles.vmt", "50% grey", "folder/leaf", "a;b"});
       const int columns = m_dice.From(fewest, most), rows = m_dice.From(fewest, most);
       const double size = Has(RandomOddMeshes) && m_dice.Chance(20) ? 20000 : m_dice.Real(1, 15),
@@ -141,13 +96,13 @@ class Maker {
       const bool odd = Has(RandomOddMeshes);
       const double length = odd && m_dice.Chance(30) ? 0 : 1;  // of normals
       const double tiles = odd && m_dice.Chance(30) ? -700 : 1;
-      std::vector<Vertex> grid;
+      std::vector<RandomVertex> grid;
       for (int row = 0; row <= rows; ++row) {
         for (int column = 0; column <= columns; ++column) {
           const double u = double(column) / columns, v = double(row) / rows;
           const double a = u * 6.283185, b = v * 3.141593;
           const double nx = std::cos(a) * std::sin(b), ny = std::sin(a) * std::sin(b), nz = std::cos(b);
-          Vertex vertex;
+          RandomVertex vertex;
           vertex.Place = {x + size * nx, size * ny, z + size * nz, nx, ny, nz};
           vertex.Line = Number(BoneOfRow()) +
                         Numbers(x + size * nx, size * ny, z + size * nz, nx * length, ny * length, nz * length,
@@ -213,7 +168,7 @@ class Maker {
   void DefineBones() {
     if (Has(RandomStatic)) return;
     for (size_t i = 0; i < m_bones.size(); ++i) {
-      const Bone& bone = m_bones[i];
+      const RandomBone& bone = m_bones[i];
       constexpr double Degrees = 57.295779513;
       m_script += "$definebone \"" + bone.Name + "\" \"" +
                   (bone.Parent < 0 ? "" : m_bones[static_cast<size_t>(bone.Parent)].Name) + "\"" +
@@ -245,30 +200,13 @@ class Maker {
     m_script += "$body again \"ref\"\n$bodygroup either {\n  studio \"ref.smd\"\n  studio \"none.smd\"\n" +
                 std::string(m_dice.Chance(50) ? "  blank\n" : "") + "}\n";
   }
-  /// Shapes that lift some of the mesh's vertices.
   void Face() {
-    Mesh("head.smd", 5, 9);
-    std::string shapes = Nodes() + "skeleton\ntime 0\ntime 1\ntime 2\ntime 3\nend\nvertexanimation\n";
-    for (int shape = 0; shape < 4; ++shape) {
-      shapes += "time " + Number(shape) + "\n";
-      for (size_t i = 0; i < m_meshVertices.size(); ++i) {
-        const auto& p = m_meshVertices[i].Place;
-        const bool moves = (i + static_cast<size_t>(shape)) % 3 == 0;
-        if (shape > 0 && !moves) continue;
-        const double by = shape == 0 ? 0 : 0.1 * shape + 0.01 * static_cast<double>(i % 7);
-        shapes += std::to_string(i) + Numbers(p[0], p[1] + by, p[2] - by / 2, p[3], p[4], p[5]) + "\n";
-      }
-    }
-    m_files["head.vta"] = shapes + "end\n";
-    m_script +=
-        "$model face \"head.smd\" {\n  flexfile \"head.vta\" {\n    defaultflex frame 0\n    flex smile frame 1\n"
-        "    flex frown frame 2\n    flex late frame 3\n    flexpair wide " +
-        Number(0.37 * static_cast<double>(m_meshVertices.size() % 40)) + " frame 2\n  }\n  mouth 0 \"smile\" " +
-        AnyBone() +
-        " 0 1 0\n"
-        "  flexcontroller mouth smile range 0 1\n  flexcontroller brow range -1 1 right_frown left_frown\n"
-        "  localvar both\n  %both = smile * 0.5 + 1\n  %smile = (%both - 0.5) / 2\n"
-        "  %frown = left_frown - right_frown * 2\n  %late = -smile\n}\n";
+    RandomFaceRequest face{m_dice, Has(RandomEyes)};
+    Mesh("head.smd", 5, 9, Has(RandomEyes) ? std::vector<std::string>{"Eye_R", "eye_l"} : std::vector<std::string>{});
+    face.Vertices = m_meshVertices;
+    face.Bone = AnyBone();
+    face.Skeleton = Nodes();
+    m_script += MakeRandomFace(face, m_files);
   }
   void Skins() {
     m_script += "$texturegroup skinfamilies {\n  { \"Skin\" \"metal\" }\n  { \"Skin_b\" \"metal\" }\n";
@@ -341,7 +279,7 @@ class Maker {
   void WeightLists() {
     if (Has(RandomStatic)) return;
     m_script += "$weightlist \"" + Odd("upper") + "\" {";
-    for (const Bone& bone : m_bones) {
+    for (const RandomBone& bone : m_bones) {
       if (m_dice.Chance(60))
         m_script += " \"" + bone.Name + "\"" + Numbers(m_dice.Chance(50) ? 1.0 : m_dice.Real(0, 1));
     }
@@ -482,8 +420,8 @@ class Maker {
   Dice m_dice;
   uint32_t m_things;
   std::string m_odd;
-  std::vector<Bone> m_bones;
-  std::vector<Vertex> m_meshVertices;
+  std::vector<RandomBone> m_bones;
+  std::vector<RandomVertex> m_meshVertices;
   std::string m_script;
   std::map<std::string, std::string> m_files;
 };

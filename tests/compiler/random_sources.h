@@ -31,7 +31,9 @@ enum RandomThing : uint32_t {
   RandomRepeats = 1U << 20,    // meshes named twice, a mesh without triangles, a collision model of the shown mesh
   RandomNames = 1U << 21,      // words of the language, blanks, quotes, slashes and letters beyond ASCII as names
   RandomOddMeshes = 1U << 22,  // triangles and vertices that nobody wants
-  RandomThings = 23
+  RandomBigSkeleton = 1U << 23,
+  RandomEyes = 1U << 24,  // of a face: eyeballs and lids
+  RandomThings = 25
 };
 
 /// The sources of a sound model, by their names; the script is "model.qc". The same seed and things give the same model

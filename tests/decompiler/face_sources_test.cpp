@@ -96,6 +96,13 @@ TEST(FaceSources, SayEachShapeWithItsPlaceSplitAndLid) {
   const DecompiledModel run(Head(), DecompileOptionReadyToCompile);
   EXPECT_EQ(run.MeshCommands(),
             "$model \"body\" \"head.smd\" {\n"
+            // A compile numbers names as they come; of these the first is a lid's.
+            "    localvar \"upper_right\"\n"
+            "    localvar \"smileR\"\n"
+            "    localvar \"smileL\"\n"
+            "    localvar \"open\"\n"
+            "    localvar \"spare\"\n"
+            "    localvar \"lower_right\"\n"
             "    flexfile \"ravelback_expressions.vta\" {\n"
             "      defaultflex frame 0\n"
             "      flexpair \"smile\" 0.5 frame 3\n"

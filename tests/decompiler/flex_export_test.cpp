@@ -158,11 +158,10 @@ TEST(FlexExport, EachFaceHasItsOwnFileToCompile) {
   face.Models[0].Meshes[0].Flexes = {{.FlexDesc = 4}};
   model.BodyParts = {face, BodyPartDescription{}, face};
   const DecompiledModel run(model, DecompileOptionReadyToCompile);
-  EXPECT_THAT(
-      run.Script(),
-      HasSubstr(
-          "$model \"body\" \"cube.smd\" {\n    flexfile \"ravelback_expressions.vta\" {\n      defaultflex frame 0\n"
-          "      flex \"d4\" frame 1\n    }\n}\n"));
+  EXPECT_THAT(run.Script(),
+              HasSubstr("    localvar \"d4\"\n    flexfile \"ravelback_expressions.vta\" {\n      defaultflex frame 0\n"
+                        "      flex \"d4\" frame 1\n    }\n}\n"));
+  EXPECT_THAT(run.Script(), HasSubstr("$model \"body\" \"cube.smd\" {\n    localvar \"d0\"\n"));
   EXPECT_THAT(run.Script(), HasSubstr("$body \"body\" \"cube_2.smd\"\n"));
   EXPECT_THAT(run.Script(), HasSubstr("    flexfile \"ravelback_expressions_2.vta\""));
   EXPECT_THAT(run.Files(), testing::IsSupersetOf({"ravelback_expressions.vta", "ravelback_expressions_2.vta"}));
