@@ -1,9 +1,4 @@
-#ifdef _WIN32
-#include <windows.h>
-#endif
-
 #include <QtGlobal>
-#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -11,6 +6,7 @@
 #include "app/start_switches.h"
 #include "core/command_line.h"
 #include "core/version.h"
+#include "platform/start_message.h"
 
 namespace {
 
@@ -27,16 +23,11 @@ constexpr const char* HelpText =
     "\n"
     "The same work for scripts: tarnwick-cli --help\n";
 
-/// Prints on the console that the program was started from: on Windows a program with a window has none of its own.
-void Print(const std::string& text) {
-#ifdef _WIN32
-  const HANDLE output = GetStdHandle(STD_OUTPUT_HANDLE);
-  const bool isRedirected = output != nullptr && GetFileType(output) != FILE_TYPE_UNKNOWN;
-  if (!isRedirected && AttachConsole(ATTACH_PARENT_PROCESS)) std::freopen("CONOUT$", "w", stdout);
-#endif
-  std::fputs(text.c_str(), stdout);
-  std::fflush(stdout);
+void Tell(const std::string& text, tarnwick::platform::StartStream stream = tarnwick::platform::StartStream::Output) {
+  tarnwick::platform::TellAtStart(text, stream, "Tarnwick");
 }
+
+constexpr int WrongUsage = 2;
 
 }  // namespace
 
@@ -45,16 +36,20 @@ int main(int argumentCount, char** arguments) {
   const std::vector<std::string> words = tarnwick::core::CommandLine(argumentCount, arguments).Arguments();
   for (const std::string& word : words) {
     if (word == "--help" || word == "-h") {
-      Print(HelpText);
+      Tell(HelpText);
       return 0;
     }
     if (word == "--version") {
-      Print(tarnwick::core::VersionText("tarnwick", std::string("Qt ") + qVersion()) + "\n");
+      Tell(tarnwick::core::VersionText("tarnwick", std::string("Qt ") + qVersion()) + "\n");
       return 0;
     }
   }
   using tarnwick::app::StartMode;
   const StartMode mode = tarnwick::app::ReadStartSwitches(words);
   if (mode == StartMode::Registration) return 0;
+  if (const auto unknown = tarnwick::app::UnknownOption(words)) {
+    Tell("Error: unknown option " + *unknown + "; see tarnwick --help\n", tarnwick::platform::StartStream::Error);
+    return WrongUsage;
+  }
   return tarnwick::app::CKilndeskApp(argumentCount, arguments, mode, tarnwick::app::FilesOnLine(words)).Run();
 }

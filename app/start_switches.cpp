@@ -57,4 +57,15 @@ std::vector<std::string> FilesOnLine(const std::vector<std::string>& arguments) 
   return files;
 }
 
+std::optional<std::string> UnknownOption(const std::vector<std::string>& arguments) {
+  if (ReadStartSwitches(arguments) != StartMode::Window) return std::nullopt;
+  for (const std::string& argument : arguments) {
+    std::error_code error;
+    const bool isOption =
+        argument.size() > 2 && argument.starts_with("--") && argument != "--help" && argument != "--version";
+    if (isOption && !std::filesystem::exists(core::NativePath(argument), error)) return argument;
+  }
+  return std::nullopt;
+}
+
 }  // namespace tarnwick::app

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,5 +23,9 @@ StartMode ReadStartSwitches(const std::vector<std::string>& arguments);
 /// disk; whole paths, so that they stand in the fields as a browser gives them; a name
 /// such as "game:models/crate.mdl" as it is.
 std::vector<std::string> FilesOnLine(const std::vector<std::string>& arguments);
+
+/// The first word that two dashes mark as an option and that is neither an option of the program (those of
+/// ReadStartSwitches among them) nor a file on the disk: a slip of the hand. Nothing if there is none.
+std::optional<std::string> UnknownOption(const std::vector<std::string>& arguments);
 
 }  // namespace tarnwick::app

@@ -14,10 +14,22 @@ namespace tarnwick::platform {
 
 #ifdef _WIN32
 
+namespace {
+
+bool Execute(const wchar_t* verb, const QString& file, const QString& parameters) {
+  const HINSTANCE result = ShellExecuteW(nullptr, verb, file.toStdWString().c_str(), parameters.toStdWString().c_str(),
+                                         nullptr, SW_SHOWNORMAL);
+  return reinterpret_cast<INT_PTR>(result) > 32;  // anything above is success
+}
+
+}  // namespace
+
 bool StartEditor(const QString& path) {
-  const auto text = path.toStdWString();
-  // Anything above 32 is success.
-  return reinterpret_cast<INT_PTR>(ShellExecuteW(nullptr, L"edit", text.c_str(), nullptr, nullptr, SW_SHOWNORMAL)) > 32;
+  return Execute(L"edit", path, {});
+}
+
+bool StartSystemEditor(const QString& path) {
+  return Execute(nullptr, "notepad.exe", '"' + path + '"');
 }
 
 #else
@@ -53,6 +65,10 @@ bool StartEditor(const QString& path) {
   for (const char* variable : {"VISUAL", "EDITOR"}) {
     if (Start(QProcess::splitCommand(qEnvironmentVariable(variable)), path)) return true;
   }
+  return false;
+}
+
+bool StartSystemEditor(const QString& /*path*/) {
   return false;
 }
 

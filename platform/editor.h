@@ -9,4 +9,8 @@ namespace tarnwick::platform {
 /// none is named or none starts.
 bool StartEditor(const QString& path);
 
+/// Opens it in the editor that every Windows has, for when no program is registered for the file's type. False
+/// elsewhere, where there is no such editor.
+bool StartSystemEditor(const QString& path);
+
 }  // namespace tarnwick::platform

@@ -1,6 +1,7 @@
 #include "platform/qt_desktop.h"
 
 #include <QDesktopServices>
+#include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMessageBox>
@@ -165,8 +166,9 @@ bool QtDesktop::OpenInNewWindow(const std::string& addressOrPath) {
 EditStart QtDesktop::Edit(const std::string& path) {
   const QString native = QtPath(path);
   if (!QFileInfo(native).isFile()) return EditStart::NoFile;
-  if (StartEditor(native) || QDesktopServices::openUrl(QUrl::fromLocalFile(native))) return EditStart::Begun;
-  return EditStart::NoEditor;
+  const bool begun = StartEditor(native) || QDesktopServices::openUrl(QUrl::fromLocalFile(native)) ||
+                     StartSystemEditor(QDir::toNativeSeparators(native));
+  return begun ? EditStart::Begun : EditStart::NoEditor;
 }
 
 }  // namespace tarnwick::platform

@@ -1,14 +1,16 @@
 #include <QApplication>
 #include <QByteArray>
 #include <QPointer>
-#include <iostream>
 #include <memory>
+#include <sstream>
 #include <vector>
 
 #include "core/command_line.h"
 #include "pages/content_dialog.h"
+#include "platform/bitmap_button.h"
 #include "platform/look.h"
 #include "platform/qt_desktop.h"
+#include "platform/start_message.h"
 #include "platform/text.h"
 #include "sdk/hlmv_arguments.h"
 #include "sdk/tool_console.h"
@@ -67,14 +69,21 @@ class Content {
 int main(int argumentCount, char** arguments) {
   using namespace tarnwick;
   const std::vector<std::string> words = core::CommandLine(argumentCount, arguments).Arguments();
-  const auto request = sdk::ReadHlmvArguments(words, std::cerr);
-  if (!request) return sdk::ToolWrongUsage;
+  const auto tell = [](const std::string& text, platform::StartStream stream) {
+    platform::TellAtStart(text, stream, "Model Viewer");
+  };
+  std::ostringstream wrong;
+  const auto request = sdk::ReadHlmvArguments(words, wrong);
+  if (!request) {
+    tell(wrong.str(), platform::StartStream::Error);
+    return sdk::ToolWrongUsage;
+  }
   if (request->WantsHelp) {
-    std::cout << sdk::HlmvHelp;
+    tell(sdk::HlmvHelp, platform::StartStream::Output);
     return sdk::ToolSuccess;
   }
   if (!HasDesktop()) {
-    std::cerr << "Error: there is no display to open a window on\n";
+    tell("Error: there is no display to open a window on\n", platform::StartStream::Error);
     return sdk::ToolFailure;
   }
   int one = 1;  // Qt has switches of its own, which are not the tool's
@@ -82,9 +91,12 @@ int main(int argumentCount, char** arguments) {
   QApplication::setApplicationName("hlmv");
   QApplication::setApplicationDisplayName("Model Viewer");
   platform::ApplyLook();
+  QApplication::setWindowIcon(platform::IconOf("tarnwick"));
   platform::QtDesktop desktop;
   const QString game = platform::ToQt(request->GameDirectory);
-  settings::QtSettingsStore store([](const std::string& text) { std::cerr << "Warning: " << text << '\n'; });
+  settings::QtSettingsStore store([&desktop](const std::string& text) {
+    desktop.Box(QApplication::activeWindow(), platform::BoxIcon::Exclamation, text, "Warning");
+  });
   Content content(store, desktop, request->GameDirectory);
   const std::vector<std::string> models = request->Models.empty() ? std::vector<std::string>{""} : request->Models;
   int aside = 0;

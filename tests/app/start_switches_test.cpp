@@ -46,6 +46,18 @@ TEST(FilesOnLine, AreWholePathsAndNoSwitches) {
             (std::vector<std::string>{here + "/a b/c.vtf", file, "/gone/model.mdl"}));
 }
 
+TEST(UnknownOptions, AreWhatTwoDashesMark) {
+  const tests::ScratchFolder folder;
+  tests::WriteText(folder.Path("--odd.mdl"), "x");
+  const std::filesystem::path before = std::filesystem::current_path();
+  std::filesystem::current_path(folder.Path());
+  EXPECT_FALSE(UnknownOption({"--odd.mdl", "-unknown", "/unknown", "a.mdl", "--version"}));
+  EXPECT_EQ(UnknownOption({"a.mdl", "--verison", "--hlep"}), "--verison");
+  EXPECT_FALSE(UnknownOption({"--", "a.mdl"}));
+  EXPECT_FALSE(UnknownOption({"--verison", "--RegServer"})) << "a run without a window ends without a word";
+  std::filesystem::current_path(before);
+}
+
 }  // namespace
 
 }  // namespace tarnwick::app

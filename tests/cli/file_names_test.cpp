@@ -157,4 +157,77 @@ TEST_F(FileNames, AProgramAtABlankInTheToolsPathIsNotRun) {
 
 }  // namespace tarnwick::tests
 
+#else
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "command_line.h"
+#include "core/file_image.h"
+#include "core/paths.h"
+#include "support/model_builder.h"
+#include "support/vtf_builder.h"
+
+namespace tarnwick::tests {
+
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+
+TEST(WindowsFileNames, MayBeLongAndOfAnyAlphabet) {
+  const ScratchFolder folder;
+  const std::string deep = folder.Path(std::string(120, 'a') + "/\u0436\u00E9 \u4E2D/" + std::string(120, 'b'));
+  fs::create_directories(core::NativePath(deep));
+  WriteText(folder.Path("a.vtf"), VtfBuilder().Build());
+  ModelBuilder{}.Write(folder.Path(), "box");
+  for (const auto& entry : fs::directory_iterator(folder.Path())) {
+    if (entry.is_directory()) continue;
+    const std::string name = core::PathText(entry.path().filename());
+    fs::copy_file(entry.path(), core::NativePath(deep + "/\u0436" + name));
+  }
+  const auto made = RunCommand({"decompile", "-q", "-o", deep + "/out", deep + "/\u0436box.mdl"});
+  EXPECT_EQ(made.ExitCode, 0) << made.Err;
+  EXPECT_TRUE(core::FileExists(deep + "/out/ravelback.qc"));
+  EXPECT_EQ(RunCommand({"decompile", "-q", "-r", "-o", deep + "/all", deep}).ExitCode, 0);
+  EXPECT_TRUE(core::FileExists(deep + "/all/\u0436box/ravelback.qc"));
+  const auto image = RunCommand({"vtf", "-q", "-o", deep, deep + "/\u0436a.vtf"});
+  EXPECT_EQ(image.ExitCode, 0) << image.Err;
+  EXPECT_TRUE(core::FileExists(deep + "/\u0436a.tga"));
+  // It goes to the compiler as it comes, and back into a model of that folder.
+  const auto again = RunCommand({"verify", deep + "/\u0436box.mdl"});
+  EXPECT_EQ(again.ExitCode, 0) << again.Err;
+  std::error_code ignored;
+  fs::remove_all(core::NativePath(deep), ignored);  // the folder's own end reaches no such paths
+}
+
+TEST(WindowsFileNames, MayLieInTheCurrentFolderOfADrive) {
+  const ScratchFolder folder;
+  ModelBuilder{}.Write(folder.Path(), "box");
+  const fs::path before = fs::current_path();
+  fs::current_path(folder.Path());
+  const std::string drive = fs::current_path().root_name().string();
+  const auto result = RunCommand({"decompile", "-q", "-o", drive + "out", drive + "box.mdl"});
+  fs::current_path(before);
+  EXPECT_EQ(result.ExitCode, 0) << result.Err;
+  EXPECT_THAT(folder.Files(), testing::Contains("out/ravelback.qc"));
+}
+
+TEST(WindowsFileNames, OfDevicesAreRefusedWithTheReason) {
+  const ScratchFolder folder;
+  for (const char* name : {"con.sc", "nul", "a.sc."}) {
+    const auto result = RunCommand({"project", "set", "--new", folder.Path(name), "Reference SMD", "box.smd"});
+    EXPECT_EQ(result.ExitCode, 1) << name;
+    EXPECT_THAT(result.Err, HasSubstr(name));
+    EXPECT_THAT(result.Err, HasSubstr("its name ")) << name;
+  }
+  EXPECT_TRUE(folder.Files().empty());
+}
+
+}  // namespace
+
+}  // namespace tarnwick::tests
+
 #endif

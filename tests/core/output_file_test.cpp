@@ -4,6 +4,10 @@
 
 #include <filesystem>
 
+#ifdef _WIN32
+#include <windows.h>
+#endif
+
 #include "support/scratch_folder.h"
 
 namespace tarnwick::core {
@@ -34,6 +38,28 @@ TEST(OutputFile, ReplacesTheFileBehindALinkAndKeepsTheLink) {
   EXPECT_TRUE(fs::is_symlink(folder.Path("link")));
   EXPECT_EQ(ReadText(folder.Path("real/a")), "new");
   EXPECT_EQ(folder.Files(), (std::vector<std::string>{"link", "real/a"}));
+}
+#else
+TEST(OutputFile, LeavesAReadOnlyOrLockedFileAsItIsAndTellsWhy) {
+  tests::ScratchFolder folder;
+  for (const char* name : {"read-only", "locked"}) WriteText(folder.Path(name), "old");
+  const fs::perms before = fs::status(folder.Path("read-only")).permissions();
+  fs::permissions(folder.Path("read-only"), fs::perms::owner_write, fs::perm_options::remove);
+  std::string reason;
+  EXPECT_FALSE(OutputFile::Create(folder.Path("read-only"), &reason));
+  EXPECT_EQ(reason, "Permission denied");
+  fs::permissions(folder.Path("read-only"), before);
+
+  const HANDLE lock = CreateFileW(fs::path(folder.Path("locked")).c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
+                                  OPEN_EXISTING, 0, nullptr);
+  ASSERT_NE(lock, INVALID_HANDLE_VALUE);
+  auto file = OutputFile::Create(folder.Path("locked"), &reason);
+  EXPECT_FALSE(file && file->Write("new") && file->Commit());
+  if (file) reason = file->Error();
+  EXPECT_FALSE(reason.empty());
+  CloseHandle(lock);
+  for (const char* name : {"read-only", "locked"}) EXPECT_EQ(ReadText(folder.Path(name)), "old") << name;
+  EXPECT_EQ(folder.Files(), (std::vector<std::string>{"locked", "read-only"})) << "nothing half-written stays";
 }
 #endif
 

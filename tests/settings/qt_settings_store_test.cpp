@@ -4,6 +4,10 @@
 
 #include <filesystem>
 
+#ifdef _WIN32
+#include <windows.h>
+#endif
+
 #include "core/settings_table.h"
 #include "support/scratch_folder.h"
 
@@ -65,6 +69,26 @@ TEST_F(QtSettingsStoreTest, SaysThatItCannotSave) {
   EXPECT_THAT(m_told, ElementsAre(HasSubstr("cannot be saved")));
   EXPECT_EQ(core::setting::TabSelect.Read(m_store), 0);
 }
+
+#ifdef _WIN32
+TEST(QtSettingsStoreInTheRegistry, HasTextsAndNumbersWhereOlderProgramsLookForThem) {
+  constexpr wchar_t Section[] = L"Software\\Fennelworks\\tarnwick\\A test's own";
+  QtSettingsStore store([](const std::string& text) { ADD_FAILURE() << text; });
+  store.WriteString("A test's own", "Game Directory", "C:\\игра, \"mod\"");
+  store.WriteInt("A test's own", "Tab", -3);
+  wchar_t text[64];
+  DWORD size = sizeof(text);
+  EXPECT_EQ(RegGetValueW(HKEY_CURRENT_USER, Section, L"Game Directory", RRF_RT_REG_SZ, nullptr, text, &size), 0);
+  EXPECT_EQ(std::wstring(text), L"C:\\игра, \"mod\"");
+  int32_t number = 0;
+  size = sizeof(number);
+  EXPECT_EQ(RegGetValueW(HKEY_CURRENT_USER, Section, L"Tab", RRF_RT_REG_DWORD, nullptr, &number, &size), 0);
+  EXPECT_EQ(number, -3);
+  EXPECT_EQ(QtSettingsStore({}).GetString("A test's own", "Game Directory", ""), "C:\\игра, \"mod\"");
+  EXPECT_EQ(QtSettingsStore({}).GetInt("A test's own", "Tab", 0), -3);
+  EXPECT_EQ(RegDeleteTreeW(HKEY_CURRENT_USER, Section), 0);
+}
+#endif
 
 }  // namespace
 
