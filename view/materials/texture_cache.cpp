@@ -7,7 +7,7 @@
 
 namespace tarnwick::view {
 
-SharedTexture TextureCache::Get(const core::FileImage& file, std::string& reason) {
+SharedTexture TextureCache::Get(core::FileImage file, std::string& reason) {
   const std::string_view bytes(reinterpret_cast<const char*>(file.Bytes().data()), file.Bytes().size());
   const size_t hash = std::hash<std::string_view>()(bytes);
   {
@@ -18,13 +18,13 @@ SharedTexture TextureCache::Get(const core::FileImage& file, std::string& reason
       return found->second.Kept;
     }
   }
-  // Two threads may decode the same file; both results are good.
-  auto decoded = DecodeTexture(file.View(), m_largestSide, reason);
-  if (!decoded) return nullptr;
-  decoded->Path = file.Path();
-  const auto texture = std::make_shared<const Texture>(std::move(*decoded));
+  // Two threads may read the same file; both results are good.
+  const std::string path = file.Path();
+  auto read = ReadTexture(std::move(file), m_largestSide, reason);
+  if (!read) return nullptr;
+  const auto texture = std::make_shared<const Texture>(std::move(*read));
   const std::lock_guard lock(m_lock);
-  Entry& entry = m_entries[file.Path()];
+  Entry& entry = m_entries[path];
   if (entry.Kept != nullptr) m_bytes -= entry.Kept->Bytes();
   entry = {texture, hash, ++m_clock};
   m_bytes += texture->Bytes();
