@@ -231,9 +231,13 @@ TEST_F(Materials, DecodeTheLevelsThatArePicturedAndKeepThem) {
   const SharedTexture first = cache.Get(image("a", file), reason);
   EXPECT_EQ(cache.Get(image("a", file), reason), first);
   EXPECT_NE(cache.Get(image("a", single), reason), first) << "the file has changed";
-  const SharedTexture again = cache.Get(image("a", file), reason);
+  const std::weak_ptr<const Texture> kept = cache.Get(image("a", file), reason);
+  EXPECT_FALSE(kept.expired());
   EXPECT_NE(cache.Get(image("b", single), reason), nullptr);
-  EXPECT_NE(cache.Get(image("a", file), reason), again) << "there was no room for both";
+  EXPECT_TRUE(kept.expired()) << "there was no room for both";
+  const SharedTexture used = cache.Get(image("a", file), reason);
+  EXPECT_NE(cache.Get(image("b", single), reason), nullptr);
+  EXPECT_EQ(cache.Get(image("a", file), reason), used) << "what is in use is not read twice";
 }
 
 }  // namespace

@@ -1,6 +1,5 @@
 #include "view/materials/texture_cache.h"
 
-#include <algorithm>
 #include <functional>
 #include <string_view>
 #include <utility>
@@ -13,9 +12,10 @@ SharedTexture TextureCache::Get(core::FileImage file, std::string& reason) {
   {
     const std::lock_guard lock(m_lock);
     const auto found = m_entries.find(file.Path());
-    if (found != m_entries.end() && found->second.Hash == hash) {
-      found->second.Used = ++m_clock;
-      return found->second.Kept;
+    const SharedTexture known = found == m_entries.end() ? nullptr : found->second.Known.lock();
+    if (known != nullptr && found->second.Hash == hash) {
+      Keep(found->second, known);
+      return known;
     }
   }
   // Two threads may read the same file; both results are good.
@@ -25,10 +25,8 @@ SharedTexture TextureCache::Get(core::FileImage file, std::string& reason) {
   const auto texture = std::make_shared<const Texture>(std::move(*read));
   const std::lock_guard lock(m_lock);
   Entry& entry = m_entries[path];
-  if (entry.Kept != nullptr) m_bytes -= entry.Kept->Bytes();
-  entry = {texture, hash, ++m_clock};
-  m_bytes += texture->Bytes();
-  MakeRoom();
+  entry.Hash = hash;
+  Keep(entry, texture);
   return texture;
 }
 
@@ -38,13 +36,26 @@ void TextureCache::Clear() {
   m_bytes = 0;
 }
 
-void TextureCache::MakeRoom() {
-  while (m_bytes > m_mostBytes && !m_entries.empty()) {
-    const auto oldest = std::min_element(m_entries.begin(), m_entries.end(),
-                                         [](const auto& a, const auto& b) { return a.second.Used < b.second.Used; });
-    m_bytes -= oldest->second.Kept->Bytes();
-    m_entries.erase(oldest);
+void TextureCache::Keep(Entry& entry, const SharedTexture& texture) {
+  Drop(entry);
+  entry.Known = texture;
+  entry.Kept = texture;
+  entry.Used = ++m_clock;
+  m_bytes += texture->Bytes();
+  while (m_bytes > m_mostBytes) {
+    Entry* oldest = nullptr;
+    for (auto& [path, other] : m_entries) {
+      if (other.Kept != nullptr && (oldest == nullptr || other.Used < oldest->Used)) oldest = &other;
+    }
+    if (oldest == nullptr) break;
+    Drop(*oldest);
   }
+  std::erase_if(m_entries, [](const auto& each) { return each.second.Known.expired(); });
+}
+
+void TextureCache::Drop(Entry& entry) {
+  if (entry.Kept != nullptr) m_bytes -= entry.Kept->Bytes();
+  entry.Kept = nullptr;
 }
 
 }  // namespace tarnwick::view

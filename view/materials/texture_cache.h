@@ -9,8 +9,8 @@
 
 namespace tarnwick::view {
 
-/// Textures that were read, kept while there is room for the next model that names them. Several threads may use
-/// one.
+/// Textures that were read, kept while there is room for the next model that names them; one that is in use is not
+/// read twice. Several threads may use one cache.
 class TextureCache {
  public:
   /// `mostBytes` of textures are kept; what was not asked for the longest goes first. Levels above
@@ -25,12 +25,14 @@ class TextureCache {
 
  private:
   struct Entry {
-    SharedTexture Kept = {};
-    size_t Hash = 0;    // of the file's bytes
-    uint64_t Used = 0;  // when it was last asked for
+    std::weak_ptr<const Texture> Known = {};
+    SharedTexture Kept = {};  // null where there was no room
+    size_t Hash = 0;          // of the file's bytes
+    uint64_t Used = 0;        // when it was last asked for
   };
 
-  void MakeRoom();
+  void Keep(Entry& entry, const SharedTexture& texture);
+  void Drop(Entry& entry);
 
   const size_t m_mostBytes;
   const int m_largestSide;

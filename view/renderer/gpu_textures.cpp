@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <string_view>
 #include <utility>
+#include <vector>
 
+#include "view/renderer/gl_functions.h"
 #include "view/renderer/shaders.h"
 
 namespace tarnwick::view {
@@ -60,25 +62,29 @@ GpuTextures::Entry GpuTextures::Uploaded(const SharedTexture& texture) {
   m_gl.PixelStorei(GL_UNPACK_SKIP_PIXELS, 0);
   m_gl.PixelStorei(GL_UNPACK_SKIP_ROWS, 0);
   const bool blocks = GoesAsBlocks(*texture);
-  GLint level = 0;
+  std::vector<const textures::StoredImage*> levels;
   for (const textures::StoredImage& image : texture->Levels) {
     const bool last = &image == &texture->Levels.back();
-    if (!last && std::max(image.Width, image.Height) > m_largest) continue;
-    HandOver(level++, image, blocks);
-    entry.Bytes +=
-        blocks ? image.Pixels.size() : static_cast<size_t>(image.Width) * static_cast<size_t>(image.Height) * 4;
+    if (last || std::max(image.Width, image.Height) <= m_largest) levels.push_back(&image);
   }
+  // Before the levels, so that the driver makes room for all of them at once.
   const auto set = [&](GLenum name, GLint value) { m_gl.TexParameteri(GL_TEXTURE_2D, name, value); };
+  set(GL_TEXTURE_MAX_LEVEL, static_cast<GLint>(levels.size()) - 1);
+  set(GL_TEXTURE_WRAP_S, texture->ClampS ? GL_CLAMP_TO_EDGE : GL_REPEAT);
+  set(GL_TEXTURE_WRAP_T, texture->ClampT ? GL_CLAMP_TO_EDGE : GL_REPEAT);
+  set(GL_TEXTURE_MAG_FILTER, texture->PointSample ? GL_NEAREST : GL_LINEAR);
+  set(GL_TEXTURE_MIN_FILTER, texture->PointSample ? GL_NEAREST_MIPMAP_NEAREST : GL_LINEAR_MIPMAP_LINEAR);
   if (!blocks) {
     // Handed over as they lie in memory, which drivers copy whole, and put right when they are read.
     set(GL_TEXTURE_SWIZZLE_R, GL_BLUE);
     set(GL_TEXTURE_SWIZZLE_B, GL_RED);
   }
-  set(GL_TEXTURE_MAX_LEVEL, level - 1);
-  set(GL_TEXTURE_WRAP_S, texture->ClampS ? GL_CLAMP_TO_EDGE : GL_REPEAT);
-  set(GL_TEXTURE_WRAP_T, texture->ClampT ? GL_CLAMP_TO_EDGE : GL_REPEAT);
-  set(GL_TEXTURE_MAG_FILTER, texture->PointSample ? GL_NEAREST : GL_LINEAR);
-  set(GL_TEXTURE_MIN_FILTER, texture->PointSample ? GL_NEAREST_MIPMAP_NEAREST : GL_LINEAR_MIPMAP_LINEAR);
+  for (size_t level = 0; level < levels.size(); ++level) {
+    const textures::StoredImage& image = *levels[level];
+    HandOver(static_cast<GLint>(level), image, blocks);
+    entry.Bytes +=
+        blocks ? image.Pixels.size() : static_cast<size_t>(image.Width) * static_cast<size_t>(image.Height) * 4;
+  }
   return entry;
 }
 
@@ -103,10 +109,7 @@ void GpuTextures::AskDriver() {
   for (GLint i = 0; i < count && !m_takesBlocks; ++i) {
     m_takesBlocks = TextOf(m_gl.GetStringi(GL_EXTENSIONS, static_cast<GLuint>(i))) == "GL_EXT_texture_compression_s3tc";
   }
-  const std::string_view driver = TextOf(m_gl.GetString(GL_RENDERER));
-  for (const std::string_view software : {"llvmpipe", "softpipe", "swrast", "SwiftShader", "GDI Generic"}) {
-    if (driver.find(software) != std::string_view::npos) m_isSoftware = true;
-  }
+  m_isSoftware = IsSoftwareDriver(TextOf(m_gl.GetString(GL_RENDERER)));
 }
 
 bool GpuTextures::GoesAsBlocks(const Texture& texture) const {
