@@ -53,8 +53,7 @@ TEST_F(Materials, SaysWhatTheFileSaysWithTheFilesOfAnyCase) {
   const Material crate = Load("crate.bmp");
   EXPECT_THAT(m_set.Missing, IsEmpty());
   EXPECT_FALSE(crate.Missing);
-  EXPECT_EQ(crate.Base->Levels[0].Pixels[0], (textures::Bgra{30, 20, 10, 40}));
-  EXPECT_TRUE(crate.Base->UsesAlpha);
+  EXPECT_EQ(DecodedLevel(crate.Base->Levels[0]).Pixels[0], (textures::Bgra{30, 20, 10, 40}));
   ASSERT_NE(crate.Bump, nullptr);
   EXPECT_TRUE(crate.AlphaTest && crate.NoCull && crate.SelfIllum && crate.Phong);
   EXPECT_FALSE(crate.Translucent || crate.Additive || crate.Blended());
@@ -70,7 +69,7 @@ TEST_F(Materials, AreSoughtBesideTheModelsFolderThenInTheGame) {
   Write("game/materials/b.vmt", "UnlitGeneric { $basetexture tex/a }");
   Write("mod/materials/tex/a.vtf", Plain(1, 1, 1, 1, -1));
   Write("game/materials/tex/a.vtf", Plain(1, 2, 2, 2, -1));
-  EXPECT_EQ(Load("a").Base->Levels[0].Pixels[0].R, 1) << "the game knows nothing of this folder";
+  EXPECT_EQ(DecodedLevel(Load("a").Base->Levels[0]).Pixels[0].R, 1) << "the game knows nothing of this folder";
   EXPECT_TRUE(m_set.Materials[0].Unlit);
   EXPECT_THAT(Load("b", {"models/other/", ""}).Path, EndsWith("game/materials/b.vmt"));
 
@@ -91,7 +90,7 @@ TEST_F(Materials, AreSoughtBesideTheModelsFolderThenInTheGame) {
   Write("game/gameinfo.txt",
         "GameInfo { FileSystem { SearchPaths { game |gameinfo_path|. game |gameinfo_path|../mod } } }");
   m_cache.Clear();
-  EXPECT_EQ(Load("a").Base->Levels[0].Pixels[0].R, 2);
+  EXPECT_EQ(DecodedLevel(Load("a").Base->Levels[0]).Pixels[0].R, 2);
   EXPECT_TRUE(Load("none").Missing);
   EXPECT_THAT(m_set.Missing[0].Tried[0], EndsWith("game/materials/models/props/none.vmt"));
   EXPECT_THAT(m_set.Missing[0].Tried[1], EndsWith("mod/materials/models/props/none.vmt"));
@@ -112,7 +111,7 @@ TEST_F(Materials, OfAPatchAreWhatItIncludesWithItsChanges) {
   EXPECT_EQ(top.Alpha, 0.75f);
   EXPECT_TRUE(top.Translucent);
   EXPECT_FALSE(top.NoCull || top.Additive) << "replace takes keys alone that are there";
-  EXPECT_EQ(top.Base->Levels[0].Pixels[0].R, 7);
+  EXPECT_EQ(DecodedLevel(top.Base->Levels[0]).Pixels[0].R, 7);
 }
 
 TEST_F(Materials, ThatLeadBackToThemselvesAreTold) {
@@ -176,6 +175,32 @@ TEST_F(Materials, ThatAreHostileGiveThePatternAndAReason) {
   EXPECT_EQ(odd.PhongExponent, 20);
 }
 
+TEST_F(Materials, KeepBlocksAsTheFileHasThem) {
+  constexpr size_t Blocks = 4 + 1 + 1 + 1;  // of levels of 8, 4, 2 and 1 pixels
+  const auto read = [](VtfBuilder builder, int largest) {
+    const std::string bytes = builder.Build();
+    std::string reason;
+    return *ReadTexture(core::FileImage::FromBytes("x.vtf", std::as_bytes(std::span(bytes))), largest, reason);
+  };
+  const VtfBuilder chain = VtfBuilder().Size(8, 8).Mips(4).Format(PixelFormat::Dxt5);
+  const Texture whole = read(chain, 0);
+  ASSERT_THAT(whole.Levels, SizeIs(4));
+  EXPECT_EQ(whole.Levels[0].Format, PixelFormat::Dxt5);
+  EXPECT_EQ(whole.Levels[0].Pixels.size(), 64u);
+  EXPECT_EQ(whole.Levels[3].Pixels[0], std::byte{0}) << "the smallest level lies first";
+  EXPECT_TRUE(whole.Kept.has_value());
+
+  // What is passed over, further frames among it, takes no memory.
+  for (const Texture& part : {read(chain, 4), read(VtfBuilder(chain).Frames(3), 0)}) {
+    EXPECT_FALSE(part.Kept.has_value());
+    EXPECT_LE(part.Bytes(), Blocks * 16);
+    EXPECT_EQ(part.Levels.back().Pixels[1], std::byte{1});
+  }
+  const Texture made = read(VtfBuilder().Size(8, 8).Format(PixelFormat::Dxt5), 0);
+  EXPECT_THAT(made.Levels, SizeIs(4));
+  EXPECT_EQ(made.Levels[0].Format, PixelFormat::Bgra8888) << "levels that are missing are made of pixels";
+}
+
 TEST_F(Materials, DecodeTheLevelsThatArePicturedAndKeepThem) {
   std::string pixels;
   for (const auto& [side, value] : {std::pair{1, 1}, {2, 2}, {4, 4}, {8, 8}}) {
@@ -184,10 +209,12 @@ TEST_F(Materials, DecodeTheLevelsThatArePicturedAndKeepThem) {
   const std::string file = VtfBuilder().Size(8, 8).Mips(4).Pixels(pixels).Build();
   const auto sizes = [&](const std::string& bytes, int largest) {
     std::string reason;
-    const auto image = core::FileImage::FromBytes("x.vtf", std::as_bytes(std::span(bytes)));
-    const auto texture = DecodeTexture(image.View(), largest, reason);
+    auto image = core::FileImage::FromBytes("x.vtf", std::as_bytes(std::span(bytes)));
+    const auto texture = ReadTexture(std::move(image), largest, reason);
     std::vector<std::pair<int, int>> found;  // width, value
-    for (const textures::Picture& level : texture->Levels) found.emplace_back(level.Width, level.Pixels[0].R);
+    for (const textures::StoredImage& level : texture->Levels) {
+      found.emplace_back(level.Width, DecodedLevel(level).Pixels[0].R);
+    }
     return found;
   };
   using P = std::pair<int, int>;
@@ -204,9 +231,13 @@ TEST_F(Materials, DecodeTheLevelsThatArePicturedAndKeepThem) {
   const SharedTexture first = cache.Get(image("a", file), reason);
   EXPECT_EQ(cache.Get(image("a", file), reason), first);
   EXPECT_NE(cache.Get(image("a", single), reason), first) << "the file has changed";
-  const SharedTexture again = cache.Get(image("a", file), reason);
+  const std::weak_ptr<const Texture> kept = cache.Get(image("a", file), reason);
+  EXPECT_FALSE(kept.expired());
   EXPECT_NE(cache.Get(image("b", single), reason), nullptr);
-  EXPECT_NE(cache.Get(image("a", file), reason), again) << "there was no room for both";
+  EXPECT_TRUE(kept.expired()) << "there was no room for both";
+  const SharedTexture used = cache.Get(image("a", file), reason);
+  EXPECT_NE(cache.Get(image("b", single), reason), nullptr);
+  EXPECT_EQ(cache.Get(image("a", file), reason), used) << "what is in use is not read twice";
 }
 
 }  // namespace

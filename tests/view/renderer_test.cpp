@@ -8,7 +8,9 @@
 #include "support/model_builder.h"
 #include "support/recording_troubles.h"
 #include "support/scratch_folder.h"
+#include "support/vtf_builder.h"
 #include "view/materials/material.h"
+#include "view/renderer/gl_table.h"
 #include "view/renderer/offscreen.h"
 #include "view/renderer/overlay.h"
 #include "view/scene/make_scene.h"
@@ -264,6 +266,37 @@ TEST_F(DrawnTriangle, IsDrawnAsItsMaterialSays) {
   m_materials.Materials.clear();  // a list that is too short is filled with the pattern
   const Bgra pattern = Middle();
   EXPECT_EQ(pattern.G, 0);
+}
+
+TEST_F(DrawnTriangle, LooksTheSameWhereTheDriverTakesNoBlocks) {
+  auto without = std::make_shared<GlFunctions>(*m_context->Functions());
+  without->GetStringi = [](GLenum, GLuint) -> const GLubyte* { return nullptr; };
+  std::string reason;
+  auto other = Renderer::Make(without, reason);
+  ASSERT_NE(other, nullptr) << reason;
+  First().Translucent = true;
+  using textures::PixelFormat;
+  for (const PixelFormat format :
+       {PixelFormat::Dxt1, PixelFormat::Dxt1OneBitAlpha, PixelFormat::Dxt3, PixelFormat::Dxt5}) {
+    SCOPED_TRACE(textures::PixelFormatName(format));
+    tests::VtfBuilder file = tests::VtfBuilder().Size(1024, 64).Mips(11).Format(format);
+    const std::string bytes = file.Build();
+    auto image = core::FileImage::FromBytes("x.vtf", std::as_bytes(std::span(bytes)));
+    First().Base = std::make_shared<Texture>(*ReadTexture(std::move(image), 0, reason));
+    const Picture blocks = Draw();
+    const size_t blockBytes = m_counts.GpuBytes;
+    std::swap(m_renderer, other);
+    const Picture pixels = Draw();
+    std::swap(m_renderer, other);
+    EXPECT_LT(blockBytes, m_counts.GpuBytes / 3);
+    size_t seen = 0;
+    for (size_t i = 0; i < pixels.Pixels.size(); ++i) {
+      const Bgra a = pixels.Pixels[i], b = blocks.Pixels[i];
+      seen += a != Bgra{0, 0, 0, 255} ? 1u : 0u;
+      ASSERT_TRUE(std::abs(a.R - b.R) < 5 && std::abs(a.G - b.G) < 5 && std::abs(a.B - b.B) < 5) << "pixel " << i;
+    }
+    EXPECT_GT(seen, 100u);
+  }
 }
 
 TEST_F(DrawnTriangle, IsEdgesAloneAsWireframe) {

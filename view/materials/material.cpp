@@ -15,4 +15,10 @@ size_t MaterialSet::TextureBytes() const {
   return bytes;
 }
 
+MaterialSet MaterialSet::WithoutTextures() const {
+  MaterialSet result = *this;
+  for (Material& material : result.Materials) material.Base = material.Bump = material.SelfIllumMask = nullptr;
+  return result;
+}
+
 }  // namespace tarnwick::view

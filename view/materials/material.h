@@ -16,7 +16,7 @@ struct Material {
   /// Whether the pattern stands for it: the file, or the texture that gives its colours, is missing or cannot be read.
   bool Missing = false;
 
-  SharedTexture Base = {};  // never null
+  SharedTexture Base = {};  // null only in what WithoutTextures gave
   SharedTexture Bump = {};  // a normal map; null for none
 
   bool Translucent = false;
@@ -58,6 +58,8 @@ struct MaterialSet {
 
   /// The memory of all textures, each counted once.
   size_t TextureBytes() const;
+  /// The same without the textures, for whoever reads only what the materials say.
+  MaterialSet WithoutTextures() const;
 };
 
 }  // namespace tarnwick::view

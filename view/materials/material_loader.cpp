@@ -100,8 +100,9 @@ class Loader {
     MaterialFile file = m_files.Read(below + ".vtf");
     SharedTexture texture;
     if (file.Image) {
-      texture = m_cache.Get(*file.Image, file.Reason);
-      if (texture == nullptr) file.Tried.push_back(file.Image->Path());
+      const std::string path = file.Image->Path();
+      texture = m_cache.Get(std::move(*file.Image), file.Reason);
+      if (texture == nullptr) file.Tried.push_back(path);
     }
     if (texture == nullptr) {
       Miss(name, material.Name, file.Reason, std::move(file.Tried));

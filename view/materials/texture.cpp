@@ -1,6 +1,7 @@
 #include "view/materials/texture.h"
 
 #include <algorithm>
+#include <span>
 #include <utility>
 
 #include "textures/pixel_rows.h"
@@ -15,21 +16,29 @@ constexpr int PatternSquare = 8;
 constexpr textures::Bgra Magenta{255, 0, 255, 255};
 constexpr textures::Bgra Black{0, 0, 0, 255};
 
-textures::Picture Decode(const textures::VtfFile& vtf, int mip) {
-  const textures::VtfInfo& info = vtf.Info();
-  textures::Picture picture{textures::MipSize(info.Width, mip), textures::MipSize(info.Height, mip), {}};
-  picture.Pixels.resize(static_cast<size_t>(picture.Width) * static_cast<size_t>(picture.Height));
-  const textures::StoredImage image{info.Format, picture.Width, picture.Height, vtf.Image({.Mip = mip})};
-  textures::DecodeRows(image, 0, picture.Height, textures::PixelLayout::Bgra32,
-                       reinterpret_cast<uint8_t*>(picture.Pixels.data()), ptrdiff_t{picture.Width} * 4);
-  return picture;
+/// Adds levels down to 1 by 1 to `pictures`.
+void CompleteLevels(std::vector<textures::Picture>& pictures, textures::PictureKind kind) {
+  while (pictures.back().Width > 1 || pictures.back().Height > 1) {
+    pictures.push_back(textures::Halve(pictures.back(), kind, true, true));
+  }
 }
 
-/// Adds levels down to 1 by 1.
-void CompleteLevels(std::vector<textures::Picture>& levels, textures::PictureKind kind) {
-  while (levels.back().Width > 1 || levels.back().Height > 1) {
-    levels.push_back(textures::Halve(levels.back(), kind, true, true));
+/// Gives the texture bytes of its own for a level.
+void AddLevel(textures::PixelFormat format, int width, int height, std::span<const std::byte> bytes, Texture& texture) {
+  const auto& made = texture.Made.emplace_back(bytes.begin(), bytes.end());
+  texture.Levels.push_back({format, width, height, made});
+}
+
+void AddPictures(const std::vector<textures::Picture>& pictures, Texture& texture) {
+  for (const textures::Picture& picture : pictures) {
+    AddLevel(textures::PixelFormat::Bgra8888, picture.Width, picture.Height, std::as_bytes(std::span(picture.Pixels)),
+             texture);
   }
+}
+
+/// Whether levels of that format are handed to drivers as they are.
+bool IsDrawnAsStored(textures::PixelFormat format) {
+  return format == textures::PixelFormat::Bgra8888 || textures::FindPixelFormat(format)->Blocks;
 }
 
 bool IsAbove(int width, int height, int side) {
@@ -39,13 +48,21 @@ bool IsAbove(int width, int height, int side) {
 }  // namespace
 
 size_t Texture::Bytes() const {
-  size_t bytes = 0;
-  for (const textures::Picture& level : Levels) bytes += level.Pixels.size() * sizeof(textures::Bgra);
+  size_t bytes = Kept ? Kept->Bytes().size() : 0;
+  for (const std::vector<std::byte>& level : Made) bytes += level.size();
   return bytes;
 }
 
-std::optional<Texture> DecodeTexture(core::ImageView file, int largestSide, std::string& reason) {
-  const auto vtf = textures::VtfFile::Open(file, reason);
+textures::Picture DecodedLevel(const textures::StoredImage& level) {
+  textures::Picture picture{level.Width, level.Height, {}};
+  picture.Pixels.resize(static_cast<size_t>(picture.Width) * static_cast<size_t>(picture.Height));
+  textures::DecodeRows(level, 0, picture.Height, textures::PixelLayout::Bgra32,
+                       reinterpret_cast<uint8_t*>(picture.Pixels.data()), ptrdiff_t{picture.Width} * 4);
+  return picture;
+}
+
+std::optional<Texture> ReadTexture(core::FileImage file, int largestSide, std::string& reason) {
+  const auto vtf = textures::VtfFile::Open(file.View(), reason);
   if (!vtf) return std::nullopt;
   const textures::VtfInfo& info = vtf->Info();
   if (info.Frames < 1 || info.MipLevels < 1) {
@@ -56,32 +73,45 @@ std::optional<Texture> DecodeTexture(core::ImageView file, int largestSide, std:
     reason = "it is an environment map, which covers no surface";
     return std::nullopt;
   }
-  int first = 0;
-  while (first + 1 < info.MipLevels &&
-         IsAbove(textures::MipSize(info.Width, first), textures::MipSize(info.Height, first), largestSide)) {
-    ++first;
+  std::vector<textures::StoredImage> stored;
+  size_t bytes = 0;
+  for (int mip = 0; mip < info.MipLevels; ++mip) {
+    const int width = textures::MipSize(info.Width, mip), height = textures::MipSize(info.Height, mip);
+    if (mip + 1 < info.MipLevels && IsAbove(width, height, largestSide)) continue;
+    stored.push_back({info.Format, width, height, vtf->Image({.Mip = mip})});
+    bytes += stored.back().Pixels.size();
+    if (width == 1 && height == 1) break;
   }
-  if (IsAbove(textures::MipSize(info.Width, first), textures::MipSize(info.Height, first), textures::LargestSide)) {
+  const textures::StoredImage first = stored.front(), last = stored.back();
+  if (IsAbove(first.Width, first.Height, textures::LargestSide)) {
     reason = "it is larger than " + std::to_string(textures::LargestSide) + " pixels";
     return std::nullopt;
   }
-  const auto kind =
-      (info.Flags & textures::VtfNormalMap) != 0 ? textures::PictureKind::NormalMap : textures::PictureKind::Colour;
   Texture texture;
-  texture.Levels.push_back(Decode(*vtf, first));
-  while (IsAbove(texture.Levels.back().Width, texture.Levels.back().Height, largestSide)) {
-    texture.Levels.back() = textures::Halve(texture.Levels.back(), kind, true, true);
-  }
-  for (int mip = first + 1; mip < info.MipLevels; ++mip) {
-    const textures::Picture& last = texture.Levels.back();
-    if (last.Width == 1 && last.Height == 1) break;
-    texture.Levels.push_back(Decode(*vtf, mip));
-  }
-  CompleteLevels(texture.Levels, kind);
   texture.ClampS = (info.Flags & textures::VtfClampS) != 0;
   texture.ClampT = (info.Flags & textures::VtfClampT) != 0;
   texture.PointSample = (info.Flags & textures::VtfPointSample) != 0;
-  texture.UsesAlpha = textures::UsesAlpha(texture.Levels.front());
+  texture.Path = file.Path();
+  const bool isWhole = last.Width == 1 && last.Height == 1;
+  if (!isWhole || !IsDrawnAsStored(info.Format)) {
+    const auto kind =
+        (info.Flags & textures::VtfNormalMap) != 0 ? textures::PictureKind::NormalMap : textures::PictureKind::Colour;
+    std::vector<textures::Picture> pictures;
+    for (const textures::StoredImage& level : stored) pictures.push_back(DecodedLevel(level));
+    while (IsAbove(pictures.front().Width, pictures.front().Height, largestSide)) {  // then it is the only one
+      pictures.front() = textures::Halve(pictures.front(), kind, true, true);
+    }
+    CompleteLevels(pictures, kind);
+    AddPictures(pictures, texture);
+  } else if (bytes < file.Bytes().size() / 2) {
+    // Of frames and levels that are never drawn nothing is kept.
+    for (const textures::StoredImage& level : stored) {
+      AddLevel(level.Format, level.Width, level.Height, level.Pixels, texture);
+    }
+  } else {
+    texture.Levels = std::move(stored);
+    texture.Kept = std::move(file);
+  }
   return texture;
 }
 
@@ -94,9 +124,10 @@ SharedTexture MissingPattern() {
         picture.Pixels.push_back((x / PatternSquare + y / PatternSquare) % 2 == 0 ? Magenta : Black);
       }
     }
+    std::vector<textures::Picture> pictures{std::move(picture)};
+    CompleteLevels(pictures, textures::PictureKind::Colour);
     auto texture = std::make_shared<Texture>();
-    texture->Levels.push_back(std::move(picture));
-    CompleteLevels(texture->Levels, textures::PictureKind::Colour);
+    AddPictures(pictures, *texture);
     return texture;
   }();
   return pattern;
@@ -104,8 +135,7 @@ SharedTexture MissingPattern() {
 
 SharedTexture PlainTexture(textures::Bgra colour) {
   auto texture = std::make_shared<Texture>();
-  texture->Levels.push_back({1, 1, {colour}});
-  texture->UsesAlpha = colour.A != 255;
+  AddPictures({{1, 1, {colour}}}, *texture);
   return texture;
 }
 

@@ -7,29 +7,38 @@
 #include <string>
 #include <vector>
 
-#include "core/image_view.h"
+#include "core/file_image.h"
 #include "textures/picture.h"
+#include "textures/stored_image.h"
 
 namespace tarnwick::view {
 
-/// A texture as it is drawn: the first frame, face and slice of a file, decoded, with its mip levels.
+/// A texture as it is drawn: the first frame, face and slice of a file with its mip levels. Levels of a block format
+/// stay as the file has them, for the drivers that take them so; others are decoded.
 struct Texture {
-  std::vector<textures::Picture> Levels;  // the largest first, each half the size of the one before; never empty
+  /// The largest first, each half the size of the one before; never empty. All are of one format, either a block format
+  /// or BGRA8888. Their bytes lie in Kept or in Made, and move with them.
+  std::vector<textures::StoredImage> Levels;
+  std::optional<core::FileImage> Kept = {};
+  std::vector<std::vector<std::byte>> Made = {};
   bool ClampS = false;
   bool ClampT = false;
   bool PointSample = false;
-  bool UsesAlpha = false;  // whether any pixel of the first level is not fully opaque
-  std::string Path = {};   // of the file, for people; "" for one that was made here
+  std::string Path = {};  // of the file, for people; "" for one that was made here
 
+  /// The memory that it takes.
   size_t Bytes() const;
 };
 
 using SharedTexture = std::shared_ptr<const Texture>;
 
-/// Decodes a texture file. Levels with a side above `largestSide` are passed over where the file has smaller ones (0:
+/// The pixels of a level, whatever its format.
+textures::Picture DecodedLevel(const textures::StoredImage& level);
+
+/// The texture in a file. Levels with a side above `largestSide` are passed over where the file has smaller ones (0:
 /// none is); a file without smaller levels gets them made. Nothing, with `reason`, if it cannot be decoded or is an
 /// environment map.
-std::optional<Texture> DecodeTexture(core::ImageView file, int largestSide, std::string& reason);
+std::optional<Texture> ReadTexture(core::FileImage file, int largestSide, std::string& reason);
 
 /// What is drawn where a texture or material is missing: squares of magenta and black.
 SharedTexture MissingPattern();

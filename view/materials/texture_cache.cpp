@@ -1,34 +1,32 @@
 #include "view/materials/texture_cache.h"
 
-#include <algorithm>
 #include <functional>
 #include <string_view>
 #include <utility>
 
 namespace tarnwick::view {
 
-SharedTexture TextureCache::Get(const core::FileImage& file, std::string& reason) {
+SharedTexture TextureCache::Get(core::FileImage file, std::string& reason) {
   const std::string_view bytes(reinterpret_cast<const char*>(file.Bytes().data()), file.Bytes().size());
   const size_t hash = std::hash<std::string_view>()(bytes);
   {
     const std::lock_guard lock(m_lock);
     const auto found = m_entries.find(file.Path());
-    if (found != m_entries.end() && found->second.Hash == hash) {
-      found->second.Used = ++m_clock;
-      return found->second.Kept;
+    const SharedTexture known = found == m_entries.end() ? nullptr : found->second.Known.lock();
+    if (known != nullptr && found->second.Hash == hash) {
+      Keep(found->second, known);
+      return known;
     }
   }
-  // Two threads may decode the same file; both results are good.
-  auto decoded = DecodeTexture(file.View(), m_largestSide, reason);
-  if (!decoded) return nullptr;
-  decoded->Path = file.Path();
-  const auto texture = std::make_shared<const Texture>(std::move(*decoded));
+  // Two threads may read the same file; both results are good.
+  const std::string path = file.Path();
+  auto read = ReadTexture(std::move(file), m_largestSide, reason);
+  if (!read) return nullptr;
+  const auto texture = std::make_shared<const Texture>(std::move(*read));
   const std::lock_guard lock(m_lock);
-  Entry& entry = m_entries[file.Path()];
-  if (entry.Kept != nullptr) m_bytes -= entry.Kept->Bytes();
-  entry = {texture, hash, ++m_clock};
-  m_bytes += texture->Bytes();
-  MakeRoom();
+  Entry& entry = m_entries[path];
+  entry.Hash = hash;
+  Keep(entry, texture);
   return texture;
 }
 
@@ -38,13 +36,26 @@ void TextureCache::Clear() {
   m_bytes = 0;
 }
 
-void TextureCache::MakeRoom() {
-  while (m_bytes > m_mostBytes && !m_entries.empty()) {
-    const auto oldest = std::min_element(m_entries.begin(), m_entries.end(),
-                                         [](const auto& a, const auto& b) { return a.second.Used < b.second.Used; });
-    m_bytes -= oldest->second.Kept->Bytes();
-    m_entries.erase(oldest);
+void TextureCache::Keep(Entry& entry, const SharedTexture& texture) {
+  Drop(entry);
+  entry.Known = texture;
+  entry.Kept = texture;
+  entry.Used = ++m_clock;
+  m_bytes += texture->Bytes();
+  while (m_bytes > m_mostBytes) {
+    Entry* oldest = nullptr;
+    for (auto& [path, other] : m_entries) {
+      if (other.Kept != nullptr && (oldest == nullptr || other.Used < oldest->Used)) oldest = &other;
+    }
+    if (oldest == nullptr) break;
+    Drop(*oldest);
   }
+  std::erase_if(m_entries, [](const auto& each) { return each.second.Known.expired(); });
+}
+
+void TextureCache::Drop(Entry& entry) {
+  if (entry.Kept != nullptr) m_bytes -= entry.Kept->Bytes();
+  entry.Kept = nullptr;
 }
 
 }  // namespace tarnwick::view

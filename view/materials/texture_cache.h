@@ -9,28 +9,30 @@
 
 namespace tarnwick::view {
 
-/// Textures that were decoded, kept while there is room for the next model that names them. Several threads may use
-/// one.
+/// Textures that were read, kept while there is room for the next model that names them; one that is in use is not
+/// read twice. Several threads may use one cache.
 class TextureCache {
  public:
-  /// `mostBytes` of decoded textures are kept; what was not asked for the longest goes first. Levels above
+  /// `mostBytes` of textures are kept; what was not asked for the longest goes first. Levels above
   /// `largestSide` are passed over (0: none is).
   explicit TextureCache(size_t mostBytes = size_t{256} << 20, int largestSide = 0)
       : m_mostBytes(mostBytes), m_largestSide(largestSide) {}
 
-  /// The texture in a file, decoded anew or, if its bytes are those of before, kept. Null, with `reason`, if it cannot
+  /// The texture in a file, read anew or, if its bytes are those of before, kept. Null, with `reason`, if it cannot
   /// be decoded.
-  SharedTexture Get(const core::FileImage& file, std::string& reason);
+  SharedTexture Get(core::FileImage file, std::string& reason);
   void Clear();
 
  private:
   struct Entry {
-    SharedTexture Kept = {};
-    size_t Hash = 0;    // of the file's bytes
-    uint64_t Used = 0;  // when it was last asked for
+    std::weak_ptr<const Texture> Known = {};
+    SharedTexture Kept = {};  // null where there was no room
+    size_t Hash = 0;          // of the file's bytes
+    uint64_t Used = 0;        // when it was last asked for
   };
 
-  void MakeRoom();
+  void Keep(Entry& entry, const SharedTexture& texture);
+  void Drop(Entry& entry);
 
   const size_t m_mostBytes;
   const int m_largestSide;

@@ -1,5 +1,8 @@
 #include "view/renderer/gl_functions.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "view/renderer/gl_table.h"
 
 namespace tarnwick::view {
@@ -26,6 +29,12 @@ std::shared_ptr<const GlFunctions> LoadGlFunctions(const GlLoader& loader, std::
     return nullptr;
   }
   return gl;
+}
+
+bool IsSoftwareDriver(std::string_view name) {
+  constexpr std::string_view Known[] = {"llvmpipe", "softpipe", "swrast", "SwiftShader", "GDI Generic"};
+  return std::any_of(std::begin(Known), std::end(Known),
+                     [&](std::string_view known) { return name.find(known) != std::string_view::npos; });
 }
 
 }  // namespace tarnwick::view

@@ -3,6 +3,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 
 namespace tarnwick::view {
 
@@ -15,5 +16,8 @@ using GlLoader = std::function<void*(const char* name)>;
 /// Looks all functions up in the current context. Null, with `reason`, if one is not there or the context is older than
 /// OpenGL 3.3.
 std::shared_ptr<const GlFunctions> LoadGlFunctions(const GlLoader& loader, std::string& reason);
+
+/// Whether a driver of that name (as OpenGL calls its renderer) draws without a graphics processor.
+bool IsSoftwareDriver(std::string_view name);
 
 }  // namespace tarnwick::view

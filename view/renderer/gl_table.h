@@ -24,6 +24,7 @@ namespace tarnwick::view {
   F(ClearDepth, CLEARDEPTH)                                         \
   F(ColorMask, COLORMASK)                                           \
   F(CompileShader, COMPILESHADER)                                   \
+  F(CompressedTexImage2D, COMPRESSEDTEXIMAGE2D)                     \
   F(CreateProgram, CREATEPROGRAM)                                   \
   F(CreateShader, CREATESHADER)                                     \
   F(CullFace, CULLFACE)                                             \
@@ -54,6 +55,7 @@ namespace tarnwick::view {
   F(GetShaderInfoLog, GETSHADERINFOLOG)                             \
   F(GetShaderiv, GETSHADERIV)                                       \
   F(GetString, GETSTRING)                                           \
+  F(GetStringi, GETSTRINGI)                                         \
   F(GetUniformLocation, GETUNIFORMLOCATION)                         \
   F(LineWidth, LINEWIDTH)                                           \
   F(LinkProgram, LINKPROGRAM)                                       \

@@ -34,9 +34,17 @@ class GpuTextures {
   };
 
   Entry Uploaded(const SharedTexture& texture);
+  void AskDriver();
+  bool GoesAsBlocks(const Texture& texture) const;
+  void HandOver(GLint level, const textures::StoredImage& image, bool blocks);
 
   const GlFunctions& m_gl;
   std::map<const Texture*, Entry> m_entries;
+  // What the driver is, asked for once
+  bool m_wasAsked = false;
+  GLint m_largest = 0;  // side that it takes
+  bool m_takesBlocks = false;
+  bool m_isSoftware = false;
 };
 
 }  // namespace tarnwick::view

@@ -66,8 +66,7 @@ void FactsTab::TakeState() {
   const auto counted = [&](int64_t count, const char* thing) {
     return QString("%1 %2%3").arg(numbers.toString(count), thing, count == 1 ? "" : "s");
   };
-  const uint64_t memory = static_cast<uint64_t>(std::max<int64_t>(scene.MeshBytes(), 0)) +
-                          (model.Materials ? model.Materials->TextureBytes() : 0);
+  const uint64_t memory = static_cast<uint64_t>(std::max<int64_t>(scene.MeshBytes(), 0)) + model.TextureBytes;
   const QStringList lines = {
       counted(counts.Triangles, "triangle") + ", " + counted(counts.Vertices, "vertex").replace("vertexs", "vertices"),
       counted(counts.Draws, "draw") + ", " + counted(static_cast<int64_t>(scene.Bones.size()), "bone") + ", " +

@@ -1,11 +1,16 @@
 #include "view/widget/model_canvas.h"
 
+#include <QEvent>
 #include <QGuiApplication>
-#include <QOffscreenSurface>
 #include <QOpenGLContext>
+#include <QOpenGLFunctions>
+#include <QOpenGLWidget>
 #include <QPainter>
+#include <cmath>
 
 #include "platform/text.h"
+#include "view/renderer/gl_functions.h"
+#include "view/widget/pixel_context.h"
 
 namespace tarnwick::view {
 
@@ -13,31 +18,33 @@ using platform::ToQt;
 
 namespace {
 
-QSurfaceFormat Format() {
-  QSurfaceFormat format;
-  format.setRenderableType(QSurfaceFormat::OpenGL);
-  format.setVersion(3, 3);
-  format.setProfile(QSurfaceFormat::CoreProfile);
-  format.setAlphaBufferSize(0);
-  return format;  // the renderer smooths edges in a framebuffer of its own
-}
+struct OpenGlFound {
+  QString Trouble = {};  // why windows cannot draw by it
+  bool IsSoftware = false;
+};
 
-QString FindOpenGlTrouble() {
+OpenGlFound FindOpenGl() {
   // Some desktops know contexts, and no window that could show what is drawn in one.
   for (const char* platform : {"offscreen", "minimal", "linuxfb", "vnc"}) {
-    if (QGuiApplication::platformName() == platform) return "this desktop draws without OpenGL";
+    if (QGuiApplication::platformName() == platform) return {"this desktop draws without OpenGL"};
   }
-  QOpenGLContext context;
-  context.setFormat(Format());
-  QOffscreenSurface surface;
-  if (!context.create()) return "no OpenGL context can be had";
-  surface.setFormat(context.format());
-  surface.create();
-  if (!context.makeCurrent(&surface)) return "the OpenGL context cannot be used";
-  const QSurfaceFormat had = context.format();
-  context.doneCurrent();
-  if (had.version() >= std::pair(3, 3)) return {};
-  return QString("OpenGL 3.3 is needed, and there is %1.%2").arg(had.majorVersion()).arg(had.minorVersion());
+  PixelContext test;
+  if (!test.Context().isValid()) return {"no OpenGL context can be had"};
+  if (!test.MakeCurrent()) return {"the OpenGL context cannot be used"};
+  const QSurfaceFormat had = test.Context().format();
+  const GLubyte* name = test.Context().functions()->glGetString(GL_RENDERER);
+  OpenGlFound found;
+  found.IsSoftware = name != nullptr && IsSoftwareDriver(reinterpret_cast<const char*>(name));
+  test.DoneCurrent();
+  if (had.version() < std::pair(3, 3)) {
+    found.Trouble = QString("OpenGL 3.3 is needed, and there is %1.%2").arg(had.majorVersion()).arg(had.minorVersion());
+  }
+  return found;
+}
+
+const OpenGlFound& OpenGlOfWindows() {
+  static const OpenGlFound found = FindOpenGl();
+  return found;
 }
 
 /// Colours of the window, a little apart from those of the controls around it.
@@ -53,8 +60,7 @@ void SetBackground(const QPalette& palette, DrawTarget& target) {
 }  // namespace
 
 const QString& OpenGlTrouble() {
-  static const QString trouble = FindOpenGlTrouble();
-  return trouble;
+  return OpenGlOfWindows().Trouble;
 }
 
 /// The names of the bones, painted by the window itself: they need no state of OpenGL.
@@ -75,21 +81,77 @@ class ModelCanvas::Names : public QWidget {
   ModelCanvas& m_canvas;
 };
 
-ModelCanvas::ModelCanvas(QWidget* parent) : QOpenGLWidget(parent), m_names(new Names(*this)) {
-  setFormat(Format());
+/// The part of the window that a graphics processor draws.
+class ModelCanvas::Surface : public QOpenGLWidget {
+ public:
+  explicit Surface(ModelCanvas& canvas) : QOpenGLWidget(&canvas), m_canvas(canvas) {
+    setFormat(CanvasFormat());
+    setFocusPolicy(Qt::NoFocus);
+  }
+
+ protected:
+  void initializeGL() override {
+    // A window that is taken to another parent gets another context.
+    connect(context(), &QOpenGLContext::aboutToBeDestroyed, &m_canvas, [this] { m_canvas.End(); });
+    m_canvas.Begin(*context());
+  }
+  void paintGL() override { m_canvas.DrawInto(defaultFramebufferObject()); }
+
+ private:
+  ModelCanvas& m_canvas;
+};
+
+ModelCanvas::ModelCanvas(QWidget* parent) : QWidget(parent) {
   setFocusPolicy(Qt::NoFocus);  // the keys are the view's
+  if (OpenGlOfWindows().IsSoftware) {
+    setAttribute(Qt::WA_OpaquePaintEvent);
+  } else {
+    m_surface = new Surface(*this);
+  }
+  m_names = new Names(*this);
 }
 
 ModelCanvas::~ModelCanvas() {
-  Release();
+  End();
+  delete m_surface;  // its context may still tell of its end
 }
 
-void ModelCanvas::Release() {
-  if (!m_renderer) return;
-  makeCurrent();
-  m_renderer.reset();
-  doneCurrent();
+void ModelCanvas::Begin(QOpenGLContext& context) {
+  std::string reason;
+  const auto gl = LoadGlFunctions(
+      [&context](const char* name) { return reinterpret_cast<void*>(context.getProcAddress(name)); }, reason);
+  if (gl) m_renderer = Renderer::Make(gl, reason);
+  if (!m_renderer) emit Failed(ToQt(reason));
+}
+
+void ModelCanvas::End() {
   m_isLoaded = false;
+  if (!m_renderer) return;
+  MakeCurrent();
+  m_renderer.reset();
+  DoneCurrent();
+}
+
+bool ModelCanvas::MakeCurrent() {
+  if (m_surface == nullptr) return m_pixels && m_pixels->MakeCurrent();
+  m_surface->makeCurrent();
+  return true;
+}
+
+void ModelCanvas::DoneCurrent() {
+  if (m_surface != nullptr) {
+    m_surface->doneCurrent();
+  } else if (m_pixels) {
+    m_pixels->DoneCurrent();
+  }
+}
+
+void ModelCanvas::DrawAgain() {
+  if (m_surface != nullptr) {
+    m_surface->update();
+  } else {
+    update();
+  }
 }
 
 void ModelCanvas::ShowModel(const ShownModel& model) {
@@ -98,16 +160,21 @@ void ModelCanvas::ShowModel(const ShownModel& model) {
   m_isLoaded = false;
   m_state = nullptr;
   m_pose = nullptr;
-  if (!m_renderer) return;
-  makeCurrent();
+  if (!m_renderer || !MakeCurrent()) return;
   if (m_model.Model) {
-    m_renderer->Load(*m_model.Model, *m_model.Materials);
-    m_isLoaded = true;
+    LoadModel();
   } else {
     m_renderer->Unload();
   }
-  doneCurrent();
-  update();
+  DoneCurrent();
+  DrawAgain();
+}
+
+void ModelCanvas::LoadModel() {
+  m_renderer->Load(*m_model.Model, *m_model.Materials);
+  m_isLoaded = true;
+  // A context of its own stays, and without a graphics processor the driver's copy lies in the same memory.
+  if (m_surface == nullptr) m_model.Materials = std::make_shared<MaterialSet>(m_model.Materials->WithoutTextures());
 }
 
 void ModelCanvas::Draw(const ViewState& state, const ScenePose& pose) {
@@ -116,45 +183,75 @@ void ModelCanvas::Draw(const ViewState& state, const ScenePose& pose) {
   m_names->setVisible(state.Extras.BoneNames);
   m_names->setGeometry(rect());
   m_names->update();
-  update();
+  DrawAgain();
 }
 
 QString ModelCanvas::DriverName() const {
   return m_renderer ? ToQt(m_renderer->DriverName()) : QString();
 }
 
-void ModelCanvas::initializeGL() {
-  // A window that is taken to another parent gets another context.
-  connect(context(), &QOpenGLContext::aboutToBeDestroyed, this, &ModelCanvas::Release, Qt::UniqueConnection);
-  std::string reason;
-  const auto gl = LoadGlFunctions(
-      [this](const char* name) { return reinterpret_cast<void*>(context()->getProcAddress(name)); }, reason);
-  if (gl) m_renderer = Renderer::Make(gl, reason);
-  if (!m_renderer) emit Failed(ToQt(reason));
+QSize ModelCanvas::PixelSize() const {
+  return {static_cast<int>(std::lround(width() * devicePixelRatioF())),
+          static_cast<int>(std::lround(height() * devicePixelRatioF()))};
 }
 
-void ModelCanvas::resizeGL(int, int) {
+void ModelCanvas::resizeEvent(QResizeEvent*) {
+  if (m_surface != nullptr) m_surface->setGeometry(rect());
   m_names->setGeometry(rect());
 }
 
-void ModelCanvas::paintGL() {
+void ModelCanvas::changeEvent(QEvent* event) {
+  QWidget::changeEvent(event);
+  if (event->type() == QEvent::PaletteChange) DrawAgain();
+}
+
+void ModelCanvas::DrawInto(unsigned framebuffer) {
   if (!m_renderer) return;
-  if (!m_isLoaded && m_model.Model) {
-    m_renderer->Load(*m_model.Model, *m_model.Materials);
-    m_isLoaded = true;
-  }
+  if (!m_isLoaded && m_model.Model) LoadModel();
   DrawTarget target;
-  target.Framebuffer = defaultFramebufferObject();
-  target.Width = static_cast<int>(std::lround(width() * devicePixelRatioF()));
-  target.Height = static_cast<int>(std::lround(height() * devicePixelRatioF()));
+  target.Framebuffer = framebuffer;
+  target.Width = PixelSize().width();
+  target.Height = PixelSize().height();
   target.LineWidth = static_cast<float>(devicePixelRatioF());
   SetBackground(palette(), target);
   if (!m_isLoaded || m_state == nullptr || m_pose == nullptr) return m_renderer->Clear(target);
   m_counts = m_renderer->Draw(*m_state, *m_pose, target);
 }
 
+/// Draws and reads back; null if that cannot be done.
+const QImage* ModelCanvas::DrawnPixels() {
+  const bool isNew = m_pixels == nullptr;
+  if (isNew) m_pixels = std::make_unique<PixelContext>();
+  if (!m_pixels->MakeCurrent()) return nullptr;
+  if (isNew) Begin(m_pixels->Context());
+  const QImage* image = nullptr;
+  const unsigned framebuffer = m_renderer ? m_pixels->Framebuffer(PixelSize()) : 0;
+  if (framebuffer != 0) {
+    DrawInto(framebuffer);
+    image = &m_pixels->Read();
+  }
+  m_pixels->DoneCurrent();
+  return image;
+}
+
+void ModelCanvas::paintEvent(QPaintEvent*) {
+  if (m_surface != nullptr) return;
+  QPainter painter(this);
+  if (const QImage* image = DrawnPixels()) {
+    painter.drawImage(rect(), *image);
+  } else {
+    painter.fillRect(rect(), palette().window());
+  }
+}
+
 QImage ModelCanvas::Picture() {
-  QImage picture = grabFramebuffer();
+  QImage picture;
+  if (m_surface != nullptr) {
+    picture = m_surface->grabFramebuffer();
+  } else if (const QImage* image = DrawnPixels()) {
+    picture = *image;
+  }
+  if (picture.isNull()) return picture;
   picture.setDevicePixelRatio(devicePixelRatioF());
   QPainter painter(&picture);
   PaintNames(painter);

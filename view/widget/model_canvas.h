@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QOpenGLWidget>
+#include <QWidget>
 #include <memory>
 
 #include "view/renderer/renderer.h"
@@ -8,13 +8,18 @@
 #include "view/scene/view_state.h"
 #include "view/widget/shown_model.h"
 
+class QOpenGLContext;
+
 namespace tarnwick::view {
 
 /// Why windows cannot draw by OpenGL 3.3 here, for people; empty if they can. Found out once.
 const QString& OpenGlTrouble();
 
-/// Where a model is drawn. ModelView steers it.
-class ModelCanvas : public QOpenGLWidget {
+class PixelContext;
+
+/// Where a model is drawn. ModelView steers it. A graphics processor draws straight into the window; where there is
+/// none, pixels are read back and painted.
+class ModelCanvas : public QWidget {
   Q_OBJECT
 
  public:
@@ -34,16 +39,28 @@ class ModelCanvas : public QOpenGLWidget {
   void Failed(const QString& reason);
 
  protected:
-  void initializeGL() override;
-  void resizeGL(int width, int height) override;
-  void paintGL() override;
+  void paintEvent(QPaintEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+  void changeEvent(QEvent* event) override;
 
  private:
-  void Release();
+  class Names;
+  class Surface;
+
+  void Begin(QOpenGLContext& context);
+  void End();
+  void LoadModel();
+  void DrawInto(unsigned framebuffer);
+  const QImage* DrawnPixels();
+  QSize PixelSize() const;
+  void DrawAgain();
+  bool MakeCurrent();
+  void DoneCurrent();
   void PaintNames(QPainter& painter) const;
 
-  class Names;
-
+  // One of the two
+  Surface* m_surface = nullptr;
+  std::unique_ptr<PixelContext> m_pixels;
   Names* m_names;  // lies over the picture
   ShownModel m_model;
   const ViewState* m_state = nullptr;

@@ -156,8 +156,11 @@ float ModelView::Aspect() const {
 void ModelView::ShowModel(const ShownModel& model, const std::optional<ViewState>& state) {
   m_isDragging = false;
   m_pose.reset();
-  const ShownModel before = std::exchange(m_model, model);
-  if (m_canvas != nullptr) m_canvas->ShowModel(m_model);
+  // The canvas alone has the textures, for as long as it needs them.
+  ShownModel plain = model;
+  if (model.Materials) plain.Materials = std::make_shared<MaterialSet>(model.Materials->WithoutTextures());
+  const ShownModel before = std::exchange(m_model, plain);
+  if (m_canvas != nullptr) m_canvas->ShowModel(model);
   if (!m_model.Model) return;
   m_wasFramed = state.has_value();
   m_state = state ? *state : FirstViewOf(*m_model.Model, Aspect());
@@ -176,7 +179,7 @@ void ModelView::ShowModel(const ShownModel& model, const std::optional<ViewState
         Say("The model cannot be shown: " + reason + ". Everything else works without.");
       });
       layout()->addWidget(m_canvas);
-      m_canvas->ShowModel(m_model);
+      m_canvas->ShowModel(model);
     }
     m_text->hide();
     m_canvas->show();
@@ -334,11 +337,6 @@ void ModelView::resizeEvent(QResizeEvent* event) {
   if (!HasModel() || m_wasFramed) return;
   FrameModel();
   m_wasFramed = false;
-}
-
-void ModelView::changeEvent(QEvent* event) {
-  QWidget::changeEvent(event);
-  if (event->type() == QEvent::PaletteChange && m_canvas != nullptr) m_canvas->update();
 }
 
 }  // namespace tarnwick::view

@@ -58,6 +58,7 @@ ShownModel ModelSource::Load(const std::string& path, const std::string& gameDir
   const MaterialFiles files(*m_content, path);
   shown.Materials =
       std::make_shared<MaterialSet>(LoadMaterials(scene->Materials, scene->MaterialDirectories, files, m_textures));
+  shown.TextureBytes = shown.Materials->TextureBytes();
   shown.Model = std::make_shared<Scene>(std::move(*scene));
   return shown;
 }

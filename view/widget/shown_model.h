@@ -18,15 +18,17 @@ namespace tarnwick::view {
 struct ShownModel {
   std::shared_ptr<const Scene> Model = {};            // null if it could not be read
   std::shared_ptr<const MaterialSet> Materials = {};  // never null where Model is not
+  size_t TextureBytes = 0;                            // of all textures, each counted once
   std::vector<core::Trouble> Troubles = {};           // of the model and its companions, in their order
   std::string Error = {};                             // without a Model: why, for people
 };
 
-/// Loads models one after the other, on any thread; keeps the game's places and decoded textures from one to the next.
+/// Loads models one after the other, on any thread; keeps the game's places from one to the next.
 class ModelSource {
  public:
-  ModelSource() = default;
-  /// Keeps up to `mostTextureBytes` of decoded textures, whose levels above `largestSide` are passed over (0: none is).
+  /// Textures live as long as a model that was loaded has them.
+  ModelSource() : m_textures(0) {}
+  /// Keeps up to `mostTextureBytes` of textures too, whose levels above `largestSide` are passed over (0: none is).
   ModelSource(size_t mostTextureBytes, int largestSide) : m_textures(mostTextureBytes, largestSide) {}
 
   /// The model (.mdl) or the mesh (.smd) at `path`, or under a name in an archive or the game; its materials from the
