@@ -88,9 +88,9 @@ std::optional<ShapeFile> ShapeFile::Open(CompileContext& context, const qc::Plac
     if (entry.Count++ == 0) entry.First = static_cast<uint32_t>(file.m_vertices.size());
     file.m_vertices.push_back(vertex);
   }
-  if (const int64_t unused = match.CountUnused(); unused > 0) {
+  if (const int64_t lonely = match.CountLonely(); lonely > 0) {
     context.Warning(at,
-                    std::to_string(unused) + (unused == 1 ? " vertex" : " vertices") + " of \"" + source.Path +
+                    std::to_string(lonely) + (lonely == 1 ? " vertex" : " vertices") + " of \"" + source.Path +
                         "\" have no vertex of the mesh at their place",
                     core::TroubleKind::Mismatch);
   }

@@ -139,8 +139,17 @@ int32_t ShapeMatch::FindAround(const model::Vec3& position, const model::Vec3& n
   return best;
 }
 
-int64_t ShapeMatch::CountUnused() const {
-  return std::count(m_used.begin(), m_used.end(), uint8_t{0});
+int64_t ShapeMatch::CountLonely() const {
+  int64_t lonely = 0;
+  for (size_t first = 0, end = 0; first < m_sorted.size(); first = end) {
+    const Key place = KeyOf(m_points[m_sorted[first]].Position);
+    bool used = false;
+    for (end = first; end < m_sorted.size() && Compare(KeyOf(m_points[m_sorted[end]].Position), place) == 0; ++end) {
+      used |= m_used[m_sorted[end]] != 0;
+    }
+    if (!used) lonely += static_cast<int64_t>(end - first);
+  }
+  return lonely;
 }
 
 }  // namespace tarnwick::compiler

@@ -25,8 +25,8 @@ class ShapeMatch {
 
   /// The place among the points of the one that stands for a vertex; -1 for none.
   int32_t Find(const model::Vec3& position, const model::Vec3& normal);
-  /// Points that no vertex was found for.
-  int64_t CountUnused() const;
+  /// Points at whose place no point stands for any vertex. One that was not needed beside its like is none.
+  int64_t CountLonely() const;
 
  private:
   int32_t Take(size_t first, size_t last);

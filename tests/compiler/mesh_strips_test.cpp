@@ -135,13 +135,13 @@ TEST(ShapeMatch, GivesAlikePointsOutOneByOneAndFindsTheNearest) {
       {{0, 0, 0}, {0, 0, 1}}, {{5, 0, 0}, {0, 0, 1}}, {{0, 0, 0}, {0, 0, 1}}, {{0, 0, 0}, {1, 0, 0}}};
   ShapeMatch match(points);
   EXPECT_EQ(match.Find({0, 0, 0}, {0, 0, 1}), 0);
+  EXPECT_EQ(match.CountLonely(), 1) << "those beside one that is used are none";
   EXPECT_EQ(match.Find({0, 0, 0}, {0, 0, 1}), 2);
   EXPECT_EQ(match.Find({0, 0, 0}, {0, 0, 1}), 2) << "the last as often as need be";
   EXPECT_EQ(match.Find({0, 0, 0}, {0.9f, 0, 0.4f}), 3);
-  EXPECT_EQ(match.CountUnused(), 1);
   EXPECT_EQ(match.Find({5.006f, -0.003f, 0}, {0, 0, 1}), 1);
   EXPECT_EQ(match.Find({5.02f, 0, 0}, {0, 0, 1}), -1);
-  EXPECT_EQ(match.CountUnused(), 0);
+  EXPECT_EQ(match.CountLonely(), 0);
 }
 
 }  // namespace
