@@ -160,8 +160,12 @@ class FaceBuild {
       flex.Targets = TargetsOf(places.at(shape.Name), shape.Position.value_or(1.0f));
       flex.Decay = shape.Decay.value_or(1.0f);
       if (shape.What == PlanShape::Kind::Pair) {
-        flex.Descriptor = m_names.Descriptor(shape.Name + "R");
-        flex.Partner = m_names.Descriptor(shape.Name + "L");
+        // The right one comes first, unless the names were said the other way round.
+        const int32_t left = m_names.FindDescriptor(shape.Name + "L");
+        const int32_t right = m_names.FindDescriptor(shape.Name + "R");
+        flex.LeftFirst = left >= 0 && left < right;
+        flex.Descriptor = m_names.Descriptor(shape.Name + (flex.LeftFirst ? "L" : "R"));
+        flex.Partner = m_names.Descriptor(shape.Name + (flex.LeftFirst ? "R" : "L"));
         flex.SideBand = shape.Split;
       } else {
         flex.Descriptor = m_names.Descriptor(shape.Name);

@@ -166,7 +166,7 @@ bool ShapeFile::AddFlex(CompileContext& context, const FlexShape& flex, const Bu
       record.Speed = context.Options.Version >= VersionOfWholeSpeeds ? uint8_t{255}
                      : longest > 0 ? ByteOf(double{flex.Decay} * change.Length / longest)
                                    : uint8_t{0};
-      if (flex.Partner != 0) record.Side = SideOf(change.RestX, flex.SideBand);
+      if (flex.Partner != 0) record.Side = SideOf(flex.LeftFirst ? -change.RestX : change.RestX, flex.SideBand);
       record.PositionDelta = EncodeVec48(change.Position[0], change.Position[1], change.Position[2]);
       record.NormalDelta = EncodeVec48(change.Normal[0], change.Normal[1], change.Normal[2]);
       built.VertAnims.push_back(record);

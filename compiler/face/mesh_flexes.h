@@ -24,6 +24,7 @@ struct FlexShape {
   int32_t Partner = 0;  // of a pair; 0 for none
   std::array<float, 4> Targets = {0, 1, 10, 11};
   float SideBand = 0;             // of a pair: half the width in which it passes from side to side
+  bool LeftFirst = false;         // of a pair: the descriptor is that of the left one, the partner the right one
   std::optional<float> KeptSide;  // of a lid: vertices with x below it (above it if it is negative) move
   float Decay = 1;
 };

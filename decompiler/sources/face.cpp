@@ -55,7 +55,10 @@ class FlexLines {
     }
     m_names.Declare(shape.Partner);
     const bool leftFirst = name.back() == 'L';
-    if (leftFirst) m_job.Lose("pairs of flexes that begin with the left one");
+    // A compile puts the left one first where its name was said first.
+    if (leftFirst && static_cast<int64_t>(shape.Descriptor) > shape.Partner) {
+      m_job.Lose("pairs of flexes that begin with the left one");
+    }
     const PairSplit split = FindPairSplit(m_job, m_shapes, shape);
     if (split.IsMirrored != leftFirst) m_job.Lose("pairs of flexes whose sides are exchanged");
     if (!split.IsExact) m_job.Lose("pairs of flexes whose sides no split gives");
@@ -102,8 +105,11 @@ bool AreNamedInOrder(JobContext& job, const core::Record<StudioModel>& model, co
   };
   for (size_t i = 0; i < shapes.Shapes.size(); ++i) {
     if (ofLids[i]) continue;
-    name(static_cast<int64_t>(shapes.Shapes[i].Descriptor));
-    if (shapes.Shapes[i].Partner != 0) name(shapes.Shapes[i].Partner);
+    const FaceShape& shape = shapes.Shapes[i];
+    const bool leftFirst = shape.Partner != 0 && names.Descriptors[shape.Descriptor].ends_with('L');
+    if (leftFirst) name(shape.Partner);
+    name(static_cast<int64_t>(shape.Descriptor));
+    if (shape.Partner != 0) name(shape.Partner);
   }
   for (const int32_t descriptor : LidDescriptors(job, model)) name(descriptor);
   return inOrder;

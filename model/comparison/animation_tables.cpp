@@ -12,7 +12,6 @@ namespace {
 
 constexpr RecordField AnimationFields[] = {
     {"frames per second", offsetof(StudioAnimDesc, Fps), 1, TextGrain},
-    {"flags", offsetof(StudioAnimDesc, Flags)},
     {"number of frames", offsetof(StudioAnimDesc, FrameCount)},
     {"frames of a section", offsetof(StudioAnimDesc, SectionFrames)},
 };
@@ -173,6 +172,8 @@ void CompareAnimations(const ComparedModels& models) {
         models.Differences.Text(ModelTable::Animations, "name", where, name,
                                 TextOf(models.Second, other, other->NameOffset));
         CompareFields(models.Differences, ModelTable::Animations, AnimationFields, *one, *other, where);
+        models.Differences.Flags(ModelTable::Animations, "flags", where, one->Flags, other->Flags,
+                                 AnimFlagLooping | AnimFlagDelta);
         models.Differences.Whole(ModelTable::Animations, "number of ik rules", where, one->IkRuleCount,
                                  other->IkRuleCount);
         CompareTables<StudioMovement>(

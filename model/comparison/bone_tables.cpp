@@ -17,10 +17,12 @@ constexpr RecordField BoneFields[] = {
     {"controllers", offsetof(StudioBone, Controllers), 6},
     {"position scale", offsetof(StudioBone, PositionScale), 3, TextGrain},
     {"rotation scale", offsetof(StudioBone, RotationScale), 3, RotationScaleGrain},
-    {"flags", offsetof(StudioBone, Flags)},
     {"procedure", offsetof(StudioBone, ProceduralType)},
     {"contents", offsetof(StudioBone, Contents)},
 };
+
+constexpr uint32_t SayableBoneFlags =
+    BoneFlagProcedural | BoneFlagHitbox | BoneFlagAttachment | BoneFlagVertexLods | BoneFlagMerge;
 
 constexpr RecordField PoseFields[] = {
     {"position", offsetof(StudioBone, Position), 3, TextGrain},
@@ -95,6 +97,7 @@ void CompareBones(const ComparedModels& models) {
                          TextOf(models.First, first, first->SurfacePropOffset),
                          TextOf(models.Second, second, second->SurfacePropOffset));
         CompareFields(differences, ModelTable::Bones, BoneFields, *first, *second, where);
+        differences.Flags(ModelTable::Bones, "flags", where, first->Flags, second->Flags, SayableBoneFlags);
         if (first->PhysicsSolid != second->PhysicsSolid) {
           differences.Add(ModelTable::Bones, "physics solid", name, std::to_string(first->PhysicsSolid),
                           std::to_string(second->PhysicsSolid), 0, false, models.LostWithPhysics());

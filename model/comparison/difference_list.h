@@ -29,6 +29,16 @@ class DifferenceList {
   void Whole(ModelTable table, std::string_view what, const Where& where, int64_t first, int64_t second) {
     if (first != second) Add(table, what, where(), std::to_string(first), std::to_string(second), 0, false);
   }
+  /// Flags. Those beyond `sayable` are bits of which no statement of a script is known to set them: where they alone
+  /// are missing from the second, no source holds them.
+  template <typename Where>
+  void Flags(ModelTable table, std::string_view what, const Where& where, uint32_t first, uint32_t second,
+             uint32_t sayable) {
+    if (first == second) return;
+    const bool unsaid = (first & sayable) == second;
+    Add(table, what, where(), std::to_string(first), std::to_string(second), 0, false,
+        unsaid ? "flags that no statement is known to set" : "");
+  }
   template <typename Where>
   void Text(ModelTable table, std::string_view what, const Where& where, std::string_view first,
             std::string_view second) {

@@ -6,11 +6,12 @@ namespace tarnwick::model {
 namespace {
 
 constexpr RecordField HeaderFields[] = {
-    {"version", offsetof(StudioHeader, Version)},
     {"eye position", offsetof(StudioHeader, EyePosition), 3, TextGrain},
-    {"flags", offsetof(StudioHeader, Flags)},
     {"contents", offsetof(StudioHeader, Contents)},
 };
+
+constexpr uint32_t SayableFlags =
+    ModelFlagGeneratedHitboxes | ModelFlagOpaque | ModelFlagMostlyOpaque | ModelFlagStatic | ModelFlagShadowLod;
 
 constexpr RecordField SecondHeaderFields[] = {
     {"illumination attachment", offsetof(StudioSecondHeader, IllumAttachment)},
@@ -66,6 +67,12 @@ void CompareHeaders(const ComparedModels& models) {
   differences.Text(ModelTable::Header, "name", nowhere, WithSlashes(core::FixedText(a->Name)),
                    WithSlashes(core::FixedText(b->Name)));
   CompareFields(differences, ModelTable::Header, HeaderFields, *a, *b, nowhere);
+  if (a->Version != b->Version) {
+    const bool isWritten = a->Version == 44 || a->Version == 48 || a->Version == 49;
+    differences.Add(ModelTable::Header, "version", "", std::to_string(a->Version), std::to_string(b->Version), 0, false,
+                    isWritten ? "" : "a version that is not written");
+  }
+  differences.Flags(ModelTable::Header, "flags", nowhere, a->Flags, b->Flags, SayableFlags);
   CompareFields(differences, ModelTable::Boxes, BoxFields, *a, *b, nowhere);
   const float mass = a->Mass, otherMass = b->Mass;
   if (mass != otherMass) {

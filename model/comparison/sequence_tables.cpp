@@ -11,7 +11,6 @@ namespace {
 constexpr double BoxGrain = 0.02;
 
 constexpr RecordField SequenceFields[] = {
-    {"flags", offsetof(StudioSeqDesc, Flags)},
     {"activity weight", offsetof(StudioSeqDesc, ActivityWeight)},
     {"size of the grid", offsetof(StudioSeqDesc, BlendSize), 2},
     {"pose parameters", offsetof(StudioSeqDesc, PoseParameter), 2},
@@ -21,13 +20,16 @@ constexpr RecordField SequenceFields[] = {
     {"phases", offsetof(StudioSeqDesc, EntryPhase), 2, TextGrain},
     {"cycle's pose parameter", offsetof(StudioSeqDesc, CyclePose)},
 };
+constexpr uint32_t SayableFlags = SequenceFlagLooping | SequenceFlagSnap | SequenceFlagDelta | SequenceFlagAutoplay |
+                                  SequenceFlagLayered | SequenceFlagRealtime | SequenceFlagHidden |
+                                  SequenceFlagDeclared | SequenceFlagWorldSpace;
+
 constexpr RecordField EventFields[] = {
     {"cycle", offsetof(StudioEvent, Cycle), 1, 1e-4},
     {"number", offsetof(StudioEvent, Event)},
     {"type", offsetof(StudioEvent, Type)},
 };
 constexpr RecordField LayerFields[] = {
-    {"flags", offsetof(StudioAutoLayer, Flags)},
     {"range", offsetof(StudioAutoLayer, Start), 4, 1e-4},
 };
 constexpr RecordField LockFields[] = {
@@ -63,6 +65,7 @@ class SequenceComparison {
     Text("label", m_first->LabelOffset, m_second->LabelOffset);
     Text("activity", m_first->ActivityOffset, m_second->ActivityOffset);
     CompareFields(m_models.Differences, ModelTable::Sequences, SequenceFields, *m_first, *m_second, where);
+    m_models.Differences.Flags(ModelTable::Sequences, "flags", where, m_first->Flags, m_second->Flags, SayableFlags);
     CompareBoxes();
     m_models.Differences.Text(ModelTable::Sequences, "key values", where, KeyValues(m_models.First, m_first),
                               KeyValues(m_models.Second, m_second));
@@ -73,6 +76,7 @@ class SequenceComparison {
           m_models.Differences.Whole(ModelTable::Layers, "sequence", where, a->Sequence, b->Sequence);
           m_models.Differences.Whole(ModelTable::Layers, "pose parameter", where, a->PoseParameter, b->PoseParameter);
           CompareFields(m_models.Differences, ModelTable::Layers, LayerFields, *a, *b, where);
+          m_models.Differences.Flags(ModelTable::Layers, "flags", where, a->Flags, b->Flags, LayerFlagLocal);
         });
     Table<StudioIkLock>(ModelTable::Sequences, "ik locks", {m_first->IkLockOffset, m_first->IkLockCount},
                         {m_second->IkLockOffset, m_second->IkLockCount}, [&](const auto& a, const auto& b) {
@@ -156,10 +160,45 @@ class SequenceComparison {
     const bool b = m_second->PoseKeyOffset != 0;
     m_models.Differences.Whole(ModelTable::Sequences, "pose keys", where, a ? 1 : 0, b ? 1 : 0);
     if (!a || !b) return;
-    Table<PackedFloat>(ModelTable::Sequences, "pose keys", {m_first->PoseKeyOffset, Keys(*m_first)},
-                       {m_second->PoseKeyOffset, Keys(*m_second)}, [&](const auto& x, const auto& y) {
-                         Floats(ModelTable::Sequences, "pose key", x->Value, y->Value, 1e-4, m_place);
-                       });
+    m_models.Differences.Whole(ModelTable::Sequences, "number of pose keys", where, Keys(*m_first), Keys(*m_second));
+    if (!m_models.First.Spend((int64_t{Keys(*m_first)} + Keys(*m_second)) * RecordCost)) return;
+    const auto keys = PoseKeys(m_models.First, m_first), others = PoseKeys(m_models.Second, m_second);
+    for (size_t i = 0; i < std::min(keys.size(), others.size()); ++i) {
+      if (keys[i] == others[i]) continue;
+      const float amount = std::abs(keys[i] - others[i]);
+      // A compile spreads keys evenly, or measures them of animations in a way that is not known.
+      m_models.Differences.Add(ModelTable::Sequences, "pose key", m_place, DifferenceList::NumberText({&keys[i], 1}),
+                               DifferenceList::NumberText({&others[i], 1}), double{amount},
+                               amount <= KeyGrain * std::max(1.0f, std::abs(keys[i])),
+                               IsEven(keys) ? "" : "measured of animations");
+    }
+  }
+
+  static constexpr float KeyGrain = 1e-4f;
+
+  /// The keys of both axes; none that do not lie inside the file.
+  static std::vector<float> PoseKeys(const ModelReader& reader, const SequenceRecord& sequence) {
+    std::vector<float> keys;
+    const auto table =
+        reader.Model.View().Array<PackedFloat>(sequence.Offset() + sequence->PoseKeyOffset, Keys(*sequence));
+    if (!table) return keys;
+    for (const auto key : *table) keys.push_back(key->Value);
+    return keys;
+  }
+
+  /// Whether the keys of each axis lie evenly from its start to its end.
+  bool IsEven(const std::vector<float>& keys) const {
+    size_t at = 0;
+    for (size_t axis = 0; axis < 2; ++axis) {
+      const auto count = static_cast<size_t>(std::max(int32_t{m_first->BlendSize[axis]}, 0));
+      const float start = m_first->PoseStart[axis], end = m_first->PoseEnd[axis];
+      for (size_t i = 0; i < count && at < keys.size(); ++i, ++at) {
+        const float part = count <= 1 ? 0 : static_cast<float>(i) / static_cast<float>(count - 1);
+        const float even = start + (end - start) * part;
+        if (!(std::abs(keys[at] - even) <= KeyGrain * std::max(1.0f, std::abs(even)))) return false;
+      }
+    }
+    return true;
   }
 
   void CompareWeights() {

@@ -25,9 +25,9 @@ std::string ShapeFile(const RandomFaceRequest& request) {
 }
 
 std::string FlexFile(Dice& dice) {
-  std::string text =
-      "  flexfile \"head.vta\" {\n    defaultflex frame 0\n    flex smile frame 1\n    flex frown frame 2" +
-      dice.Any({"", " decay 4", " decay 0.5"}) + "\n    flex late frame 3\n";
+  std::string text = dice.Any({"", "", "  localvar wide1L wide1R\n"});
+  text += "  flexfile \"head.vta\" {\n    defaultflex frame 0\n    flex smile frame 1\n    flex frown frame 2" +
+          dice.Any({"", " decay 4", " decay 0.5"}) + "\n    flex late frame 3\n";
   for (int pair = dice.From(1, 3); pair > 0; --pair) {
     text += "    flexpair wide" + Number(pair) + " " + Number(dice.Real(0.01, 20)) + " frame " +
             Number(dice.From(2, 5)) + "\n";

@@ -184,6 +184,47 @@ TEST(ModelComparison, TellsWhatNoSourceHolds) {
   for (const ModelDifference& one : *compared.Differences) EXPECT_FALSE(one.IsReal()) << DifferenceLine(one);
 }
 
+/// Which of the differences between two models there are, and whether they are real.
+std::vector<std::string> RealAndDerived(const ModelBuilder& first, const ModelBuilder& second) {
+  const Compared compared = Compare(first, second);
+  std::vector<std::string> lines;
+  for (const ModelDifference& one : compared.Differences.value_or(std::vector<ModelDifference>{})) {
+    lines.push_back((one.IsReal() ? "real " : one.IsRounding ? "rounding " : "derived ") + one.What);
+  }
+  return lines;
+}
+
+TEST(ModelComparison, FlagsAndKeysThatNoStatementSetsAreNoRealDifference) {
+  using testing::ElementsAre;
+  ModelBuilder first = WholeModel();
+  first.Flags = 0x10000 | model::ModelFlagOpaque;
+  first.Bones[1].Flags = model::BoneFlagZeroFrames;
+  first.Animations[1].Flags = 0x40;
+  first.Sequences[1].Flags = model::SequenceFlagCalcBlend;
+  first.Sequences[1].Blends = {0, 1, 0};
+  first.Sequences[1].BlendSize = {3, 1};
+  first.Sequences[1].PoseParameter = {0, -1};
+  first.Sequences[1].PoseStart = {-90, 0};
+  first.Sequences[1].PoseEnd = {90, 0};
+  first.Sequences[1].PoseKeys = {-90, 17, 90, 0};
+  ModelBuilder second = first;
+  second.Flags = model::ModelFlagOpaque;
+  second.Bones[1].Flags = 0;
+  second.Animations[1].Flags = 0;
+  second.Sequences[1].Flags = 0;
+  second.Sequences[1].PoseKeys[1] = 0;
+  EXPECT_THAT(RealAndDerived(first, second),
+              ElementsAre("derived flags", "derived flags", "derived flags", "derived flags", "derived pose key"));
+  // The other way round, and where a statement would have set them, they are.
+  EXPECT_THAT(RealAndDerived(second, first),
+              ElementsAre("real flags", "real flags", "real flags", "real flags", "real pose key"));
+  second = first;
+  second.Flags &= ~model::ModelFlagOpaque;
+  second.Sequences[1].PoseKeys = first.Sequences[1].PoseKeys = {-90, 0, 90, 0};
+  second.Sequences[1].PoseKeys[1] = 1;
+  EXPECT_THAT(RealAndDerived(first, second), ElementsAre("real flags", "real pose key"));
+}
+
 TEST(ModelComparison, VerticesCountByWhatTheyAreNotByTheirNumbers) {
   ModelBuilder other = WholeModel();
   auto& mesh = Mesh(other);
