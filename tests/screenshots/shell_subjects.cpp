@@ -223,7 +223,8 @@ std::vector<Subject> ViewSubjects() {
   return {ModelWindow("model-viewer", 0, {}),
           ModelWindow("model-viewer-display", 1,
                       {.Bones = true, .BoneNames = true, .Attachments = true, .Hitboxes = true, .Grid = true}),
-          ModelWindow("model-viewer-parts", 2, {.Hulls = true, .Boxes = true}), ModelWindow("model-viewer-pose", 3, {}),
+          ModelWindow("model-viewer-parts", 2, {.Hulls = true, .Boxes = true}),
+          ModelWindow("model-viewer-pose", 3, {}),
           ModelWindow("model-viewer-face", 4, {}),
           ModelWindow("model-viewer-facts", 5, {.Normals = true})};
 }
