@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 
 #include <QAction>
+#include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -204,6 +205,27 @@ TEST_F(ModelViewerTest, TurnsMovesAndSwitchesByKeys) {
   EXPECT_NEAR(ShownFrame(*View().Model().Model, State()), 2, 1e-3);
   Press(Qt::Key_Comma);
   EXPECT_THAT(ControlOf<QLabel>(*m_viewer, "frameLabel").text().toStdString(), testing::StartsWith("1"));
+}
+
+TEST_F(ModelViewerTest, IsLitAsTheDesktopLooksUntilTheUserChooses) {
+  Open(Walker);
+  auto& desktop = ControlOf<QCheckBox>(*m_viewer, "desktopLight");
+  const auto look = [this](const QColor& window) {
+    QPalette palette = m_viewer->palette();
+    palette.setColor(QPalette::Window, window);
+    palette.setColor(QPalette::WindowText, window.lightness() < 128 ? Qt::white : Qt::black);
+    m_viewer->setPalette(palette);
+    return std::pair(State().LightYaw, State().LightPitch);
+  };
+  const auto light = look(Qt::white), dark = look(QColor(30, 30, 30));
+  EXPECT_NE(light, dark);
+  for (QSlider* slider : m_viewer->findChildren<QSlider*>()) {
+    if (slider->accessibleName() == "Light from the side") slider->setValue(-77);
+  }
+  EXPECT_FALSE(desktop.isChecked());
+  EXPECT_EQ(look(Qt::white), std::pair(-77.0f, dark.second)) << "what was chosen stays";
+  desktop.click();
+  EXPECT_EQ(std::pair(State().LightYaw, State().LightPitch), light);
 }
 
 TEST_F(ModelViewerTest, GivesEveryCommandOfAMenuALetterOfItsOwn) {

@@ -1,9 +1,9 @@
-#include <QFile>
 #include <QProgressBar>
 #include <QTabWidget>
 #include <QTemporaryDir>
 #include <QTest>
 #include <array>
+#include <filesystem>
 
 #include "app/about_dlg.h"
 #include "app/game_config_dialog.h"
@@ -131,21 +131,21 @@ std::unique_ptr<QWidget> Verified(Stage& stage) {
   return status;
 }
 
-/// The bundled sample at a place with a short name.
+/// The bundled sample, with its materials, at a place with a short name.
 std::string SampleModel() {
   static const QTemporaryDir folder;
-  for (const char* ending : {".mdl", ".vvd", ".dx90.vtx", ".phy"}) {
-    QFile::copy(QString(TARNWICK_SAMPLES "/walker") + ending, folder.filePath(QString("walker") + ending));
+  const std::filesystem::path to = folder.path().toStdString();
+  for (const char* ending : {"walker.mdl", "walker.vvd", "walker.dx90.vtx", "walker.phy", "materials"}) {
+    std::error_code error;  // it is there from the picture before
+    std::filesystem::copy(std::filesystem::path(TARNWICK_SAMPLES) / ending, to / ending,
+                          std::filesystem::copy_options::recursive, error);
   }
   return folder.filePath("walker.mdl").toStdString();
 }
 
 void WaitFor(view::ModelViewer& viewer) {
   for (int i = 0; i < 200 && viewer.IsBusy(); ++i) QTest::qWait(20);
-  viewer.View().Change([](view::ViewState& state) {
-    state.IsPlaying = false;
-    state.Mode = view::ShadingMode::Shaded;
-  });
+  viewer.View().Change([](view::ViewState& state) { state.IsPlaying = false; });
 }
 
 /// The decompile page with the model that is named beside it.
@@ -223,7 +223,9 @@ std::vector<Subject> ViewSubjects() {
   return {ModelWindow("model-viewer", 0, {}),
           ModelWindow("model-viewer-display", 1,
                       {.Bones = true, .BoneNames = true, .Attachments = true, .Hitboxes = true, .Grid = true}),
-          ModelWindow("model-viewer-parts", 2, {.Hulls = true, .Boxes = true}), ModelWindow("model-viewer-face", 4, {}),
+          ModelWindow("model-viewer-parts", 2, {.Hulls = true, .Boxes = true}),
+          ModelWindow("model-viewer-pose", 3, {}),
+          ModelWindow("model-viewer-face", 4, {}),
           ModelWindow("model-viewer-facts", 5, {.Normals = true})};
 }
 

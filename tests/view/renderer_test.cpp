@@ -337,6 +337,26 @@ TEST_F(Rendering, RefusesPicturesThatTheDriverCannotHold) {
   EXPECT_NE(m_context->Framebuffer(1, 1, reason), 0u);
 }
 
+TEST(Overlays, StandOutAgainstLightAndDark) {
+  tests::RecordingTroubles troubles;
+  const auto scene = MakeScene(std::string(TARNWICK_SAMPLES) + "/walker.mdl", troubles);
+  ASSERT_TRUE(scene.has_value());
+  ViewState state = FirstViewOf(*scene, 1);
+  state.Extras = {.Hitboxes = true, .Hulls = true, .Boxes = true, .Normals = true, .Grid = true};
+  ScenePose pose(*scene);
+  pose.Set(PoseOf(state));
+  for (const bool onDark : {false, true}) {
+    const Overlay overlay = MakeOverlay(*scene, PrepareOverlay(*scene), state, pose, scene->Points, 0, onDark);
+    for (const auto* points : {&overlay.Lines, &overlay.TopLines}) {
+      ASSERT_FALSE(points->empty());
+      for (const OverlayPoint& point : *points) {
+        const int bright = (point.Colour[0] * 3 + point.Colour[1] * 6 + point.Colour[2]) / 10;
+        ASSERT_TRUE(onDark ? bright > 80 : bright < 150) << bright;
+      }
+    }
+  }
+}
+
 TEST(Overlays, OutlineHullsWithoutTheSeamsOfTheirTriangles) {
   SceneHull box;
   for (int i = 0; i < 8; ++i) {

@@ -145,6 +145,16 @@ void AddNormals(const Scene& scene, const ViewState& state, const ScenePose& pos
   }
 }
 
+/// Gives the colours the depth that they need to be seen on a light background.
+void Darken(Overlay& overlay) {
+  constexpr int Percent = 62;
+  for (auto* points : {&overlay.Lines, &overlay.TopTriangles, &overlay.TopLines, &overlay.TopDots}) {
+    for (OverlayPoint& point : *points) {
+      for (size_t i = 0; i < 3; ++i) point.Colour[i] = static_cast<uint8_t>(point.Colour[i] * Percent / 100);
+    }
+  }
+}
+
 /// A grid on the ground under the model, as far as it reaches and some more, whose lines stand a power of two apart.
 void AddGrid(const Scene& scene, bool onDark, Overlay& overlay) {
   constexpr float Lines = 16;  // about as many from one end to the other
@@ -201,13 +211,14 @@ Overlay MakeOverlay(const Scene& scene, const OverlayParts& parts, const ViewSta
   const ViewExtras& extras = state.Extras;
   const std::span<const Matrix34> bones = pose.Bones();
   const float radius = std::max(scene.MeshBox.Radius(), 1.0f);
-  if (extras.Grid) AddGrid(scene, onDark, overlay);
   if (extras.Boxes) AddBoxes(scene, state, overlay);
   if (extras.Normals) AddNormals(scene, state, pose, points, lod, radius * 0.03f, overlay);
   if (extras.Hitboxes) AddHitboxes(scene, state.HitboxSet, bones, overlay);
   if (extras.Hulls) AddHulls(scene, parts, bones, overlay);
-  if (extras.Bones) AddBones(scene, bones, overlay);
+  if (!onDark) Darken(overlay);
+  if (extras.Bones) AddBones(scene, bones, overlay);  // which lie before the model, not the background
   if (extras.Attachments) AddAttachments(scene, bones, radius * 0.08f, overlay);
+  if (extras.Grid) AddGrid(scene, onDark, overlay);
   return overlay;
 }
 

@@ -49,6 +49,7 @@ struct ViewState {
   ViewExtras Extras;
   Camera Eye;
   float LightYaw = 30, LightPitch = 40;  // degrees, as the camera's: where the light comes from
+  bool IsLightChosen = false;            // by the user; else it is the desktop's, as the background is
   std::optional<ViewColor> Background;   // nothing: the desktop's
   int32_t HighlightedMaterial = -1;      // a place in Scene::Materials that is lit up
 

@@ -28,6 +28,7 @@ DisplayTab::DisplayTab(ModelView& view)
     : ViewerTab(view),
       m_mode(new QComboBox),
       m_background(new QComboBox),
+      m_desktopLight(new QCheckBox("As the desktop's")),
       m_lightYaw(MakeSlider("Light from the side", -180, 180)),
       m_lightPitch(MakeSlider("Light from above", -90, 90)) {
   m_mode->setObjectName("modeCombo");
@@ -41,6 +42,9 @@ DisplayTab::DisplayTab(ModelView& view)
   auto* choices = new QFormLayout;
   choices->addRow("Mode:", m_mode);
   choices->addRow("Background:", m_background);
+  m_desktopLight->setObjectName("desktopLight");
+  m_desktopLight->setAccessibleName("Light as the desktop's");
+  choices->addRow("Light:", m_desktopLight);
   choices->addRow("Light, turn:", m_lightYaw);
   choices->addRow("Light, height:", m_lightPitch);
   auto* boxes = new QGridLayout;
@@ -78,11 +82,19 @@ DisplayTab::DisplayTab(ModelView& view)
           [this](int mode) { View().Change([&](ViewState& state) { state.Mode = static_cast<ShadingMode>(mode); }); });
   connect(m_background, &QComboBox::activated, this, &DisplayTab::ChooseBackground);
   connect(m_lightYaw, &QSlider::valueChanged, this, [this](int degrees) {
-    View().Change([&](ViewState& state) { state.LightYaw = static_cast<float>(degrees); });
+    View().Change([&](ViewState& state) {
+      state.IsLightChosen = true;
+      state.LightYaw = static_cast<float>(degrees);
+    });
   });
   connect(m_lightPitch, &QSlider::valueChanged, this, [this](int degrees) {
-    View().Change([&](ViewState& state) { state.LightPitch = static_cast<float>(degrees); });
+    View().Change([&](ViewState& state) {
+      state.IsLightChosen = true;
+      state.LightPitch = static_cast<float>(degrees);
+    });
   });
+  connect(m_desktopLight, &QCheckBox::clicked, this,
+          [this](bool on) { View().Change([on](ViewState& state) { state.IsLightChosen = !on; }); });
 }
 
 void DisplayTab::ChooseBackground(int choice) {
@@ -100,6 +112,7 @@ void DisplayTab::ChooseBackground(int choice) {
 void DisplayTab::TakeState() {
   ViewState state = View().State();
   SetQuietly(*m_mode, static_cast<int>(state.Mode));
+  m_desktopLight->setChecked(!state.IsLightChosen);
   SetQuietly(*m_lightYaw, static_cast<int>(std::lround(std::remainder(state.LightYaw, 360))));
   SetQuietly(*m_lightPitch, static_cast<int>(std::lround(state.LightPitch)));
   int background = 0;

@@ -27,6 +27,7 @@ class DisplayTab : public ViewerTab {
 
   QComboBox* m_mode;
   QComboBox* m_background;
+  QCheckBox* m_desktopLight;
   QSlider* m_lightYaw;
   QSlider* m_lightPitch;
   std::vector<std::pair<QCheckBox*, std::function<bool&(ViewState&)>>> m_boxes;

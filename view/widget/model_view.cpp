@@ -28,6 +28,13 @@ constexpr float ZoomAStep = 0.87f;
 constexpr float WheelNotch = 120;
 constexpr float LongestTick = 0.25f;  // seconds: a window that was held up does not leap
 
+struct LightPlace {
+  float Yaw, Pitch;  // degrees
+};
+constexpr LightPlace LightDesktopLight{30, 40};
+/// Lower, so that what is in the shade stands out against a dark background.
+constexpr LightPlace DarkDesktopLight{45, 15};
+
 /// Whether `model` is an SMD file of whose materials none is there.
 bool IsUntexturedMesh(const ShownModel& model) {
   const auto& materials = model.Materials->Materials;
@@ -169,6 +176,7 @@ void ModelView::ShowModel(const ShownModel& model, const std::optional<ViewState
     if (IsUntexturedMesh(m_model)) m_state.Mode = ShadingMode::Shaded;
     if (m_model.Model->Draws.empty()) m_state.Extras.Bones = true;
   }
+  TakeDesktopLight(m_state);
   m_pose.emplace(*m_model.Model);
   if (!OpenGlTrouble().isEmpty()) {
     Say("The model cannot be shown: " + OpenGlTrouble() + ". Everything else works without.");
@@ -207,10 +215,24 @@ QString ModelView::ShownText() const {
   return m_text->isHidden() ? QString() : m_text->text();
 }
 
+void ModelView::TakeDesktopLight(ViewState& state) const {
+  if (state.IsLightChosen) return;
+  const bool isDark = palette().color(QPalette::Window).lightness() < 128;
+  const LightPlace& place = isDark ? DarkDesktopLight : LightDesktopLight;
+  state.LightYaw = place.Yaw;
+  state.LightPitch = place.Pitch;
+}
+
+void ModelView::changeEvent(QEvent* event) {
+  QWidget::changeEvent(event);
+  if (event->type() == QEvent::PaletteChange) Change([](ViewState&) {});
+}
+
 void ModelView::Change(const std::function<void(ViewState&)>& change) {
   if (!HasModel()) return;
   const ViewState before = m_state;
   change(m_state);
+  TakeDesktopLight(m_state);
   if (m_state == before) return;
   if (m_state.Eye != before.Eye) m_wasFramed = true;
   Redraw();

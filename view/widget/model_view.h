@@ -73,6 +73,7 @@ class ModelView : public QWidget {
   void contextMenuEvent(QContextMenuEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
+  void changeEvent(QEvent* event) override;
 
  private:
   void MakeCommands();
@@ -83,6 +84,7 @@ class ModelView : public QWidget {
   void Redraw();
   void Say(const QString& text);
   float Aspect() const;
+  void TakeDesktopLight(ViewState& state) const;
 
   ShownModel m_model;
   ViewState m_state;
