@@ -38,7 +38,8 @@ const QtTextMeasure::Entry& QtTextMeasure::Known(const HtmlFont& font) const {
       std::find_if(m_known.begin(), m_known.end(), [&](const Entry& entry) { return entry.Key == font; });
   if (known != m_known.end()) return *known;
   const QFont made = MakeFont(font);
-  return m_known.emplace_back(font, made, QFontMetrics(made));
+  m_known.push_back({font, made, QFontMetrics(made)});
+  return m_known.back();
 }
 
 int QtTextMeasure::Width(std::string_view text, const HtmlFont& font) const {

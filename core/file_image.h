@@ -17,14 +17,14 @@ class FileImage {
  public:
   /// Reads the file at `path` (either slash is taken). Nothing if it cannot be opened or read, or is no regular file;
   /// then `reason`, if given, tells why in the system's words.
-  static std::optional<FileImage> Read(const std::string& path, std::string* reason = nullptr);
+  [[nodiscard]] static std::optional<FileImage> Read(const std::string& path, std::string* reason = nullptr);
 
   /// An image over bytes made in memory. `bytes` is copied.
   static FileImage FromBytes(std::string path, std::span<const std::byte> bytes);
 
   /// An image of `size` bytes that `fill` writes, handed all of them at once. Nothing if it returns false.
   template <typename Fill>
-  static std::optional<FileImage> Filled(std::string path, size_t size, Fill fill) {
+  [[nodiscard]] static std::optional<FileImage> Filled(std::string path, size_t size, Fill fill) {
     FileImage image;
     image.m_path = std::move(path);
     image.m_size = size;

@@ -17,28 +17,29 @@ class FileSource {
   virtual ~FileSource() = default;
 
   /// The whole file of that name. Nothing if it cannot be had; then `reason`, if given, tells why.
-  virtual std::optional<FileImage> Read(const std::string& name, std::string* reason = nullptr) const = 0;
+  [[nodiscard]] virtual std::optional<FileImage> Read(const std::string& name, std::string* reason = nullptr) const = 0;
 
   /// The first bytes of that file, as many as `out` holds; false if it has fewer or cannot be had. What else the file
   /// holds is neither read nor checked.
-  virtual bool ReadStart(const std::string& name, std::span<std::byte> out) const = 0;
+  [[nodiscard]] virtual bool ReadStart(const std::string& name, std::span<std::byte> out) const = 0;
 
   /// Whether there is a file of that very name (in an archive in any case).
-  virtual bool Holds(const std::string& name) const = 0;
+  [[nodiscard]] virtual bool Holds(const std::string& name) const = 0;
 
   /// The name under which to read a file that goes with another one (a model's .vvd) and lies in the same folder or
   /// archive: `name` itself, or the one file beside it whose name differs in case only. Nothing if there is none.
-  virtual std::optional<std::string> FindBeside(const std::string& name) const = 0;
+  [[nodiscard]] virtual std::optional<std::string> FindBeside(const std::string& name) const = 0;
 
   /// The same for one that is not beside it, where a game would find it. Nothing if there is none, or no other place.
-  virtual std::optional<std::string> FindElsewhere(const std::string& name) const = 0;
+  [[nodiscard]] virtual std::optional<std::string> FindElsewhere(const std::string& name) const = 0;
 
   /// The name under which to read `inside` ("models/shared.mdl") of the game that the file `owner` is of. Nothing if no
   /// place has it, or the source knows no places.
-  virtual std::optional<std::string> FindGameFile(const std::string& owner, const std::string& inside) const;
+  [[nodiscard]] virtual std::optional<std::string> FindGameFile(const std::string& owner,
+                                                                const std::string& inside) const;
 
   /// `FindBeside`, or else `FindElsewhere`.
-  std::optional<std::string> FindCompanion(const std::string& name) const;
+  [[nodiscard]] std::optional<std::string> FindCompanion(const std::string& name) const;
 };
 
 /// The disk alone.

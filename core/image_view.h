@@ -104,7 +104,7 @@ class ImageView {
 
   /// Whether `count` records of `stride` bytes that start at `offset` lie inside the image. A count of 0 fits at any
   /// offset, since nothing is read there.
-  bool Fits(int64_t offset, int64_t count, int64_t stride) const {
+  [[nodiscard]] bool Fits(int64_t offset, int64_t count, int64_t stride) const {
     if (count == 0) return true;
     if (offset < 0 || count < 0 || stride <= 0 || offset > Size()) return false;
     return count <= (Size() - offset) / stride;
@@ -112,7 +112,7 @@ class ImageView {
 
   /// `count` records from `offset` on.
   template <PackedRecord T>
-  std::optional<RecordArray<T>> Array(int64_t offset, int64_t count) const {
+  [[nodiscard]] std::optional<RecordArray<T>> Array(int64_t offset, int64_t count) const {
     if (!Fits(offset, count, static_cast<int64_t>(sizeof(T)))) return std::nullopt;
     if (count == 0) return RecordArray<T>(nullptr, offset, 0);
     return RecordArray<T>(reinterpret_cast<const T*>(m_bytes.data() + offset), offset, count);
@@ -120,7 +120,7 @@ class ImageView {
 
   /// The one record at `offset`.
   template <PackedRecord T>
-  std::optional<Record<T>> At(int64_t offset) const {
+  [[nodiscard]] std::optional<Record<T>> At(int64_t offset) const {
     if (!Fits(offset, 1, static_cast<int64_t>(sizeof(T)))) return std::nullopt;
     return Record<T>(reinterpret_cast<const T*>(m_bytes.data() + offset), offset);
   }
@@ -136,7 +136,7 @@ class ImageView {
   }
 
   /// The NUL-terminated string at `offset`, without its NUL. Nothing if it has no NUL inside the image.
-  std::optional<std::string_view> Text(int64_t offset) const {
+  [[nodiscard]] std::optional<std::string_view> Text(int64_t offset) const {
     if (!Fits(offset, 1, 1)) return std::nullopt;
     const char* first = reinterpret_cast<const char*>(m_bytes.data() + offset);
     const void* end = std::memchr(first, 0, static_cast<size_t>(Size() - offset));
@@ -145,7 +145,7 @@ class ImageView {
   }
 
   /// `size` bytes from `offset` on.
-  std::optional<std::span<const std::byte>> Bytes(int64_t offset, int64_t size) const {
+  [[nodiscard]] std::optional<std::span<const std::byte>> Bytes(int64_t offset, int64_t size) const {
     if (!Fits(offset, size, 1)) return std::nullopt;
     if (size == 0) return std::span<const std::byte>();
     return m_bytes.subspan(static_cast<size_t>(offset), static_cast<size_t>(size));

@@ -17,7 +17,7 @@ class InputFile {
  public:
   /// Opens the file at `path` (either slash is taken). Nothing if it cannot be opened or is no regular file; then
   /// `reason`, if given, tells why in the system's words.
-  static std::optional<InputFile> Open(const std::string& path, std::string* reason = nullptr);
+  [[nodiscard]] static std::optional<InputFile> Open(const std::string& path, std::string* reason = nullptr);
 
   /// The next bytes, good until the next call; empty at the end of the file and after a failure.
   std::string_view Read();

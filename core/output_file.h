@@ -23,7 +23,7 @@ class OutputFile {
   /// Begins the file that will stand at `path` (either slash is taken). Nothing if no file can be made there (no such
   /// folder, no right, a folder of that name, an older file that may not be written); then `reason`, if given, tells
   /// why in the system's words.
-  static std::optional<OutputFile> Create(std::string path, std::string* reason = nullptr);
+  [[nodiscard]] static std::optional<OutputFile> Create(std::string path, std::string* reason = nullptr);
 
   OutputFile(OutputFile&& other) noexcept;
   OutputFile& operator=(OutputFile&& other) noexcept;
@@ -34,7 +34,7 @@ class OutputFile {
 
   /// Closes the file and gives it its name. False, with the temporary file removed, if any write failed or the
   /// name could not be given.
-  bool Commit();
+  [[nodiscard]] bool Commit();
 
   /// Removes what was written so far. The older file, if any, stays as it was.
   void Discard();

@@ -35,10 +35,10 @@ std::string UpperAscii(std::string_view text);
 bool EqualIgnoringCase(std::string_view a, std::string_view b);
 
 /// Whether a regular file or anything else that can be opened for reading stands at `path`.
-bool FileExists(const std::string& path);
+[[nodiscard]] bool FileExists(const std::string& path);
 
 /// The file at `path`, or, where there is none, the one file of the same folder whose name differs from it in case
 /// only. Nothing if there is none or more than one. The result is a path with the name as the folder has it.
-std::optional<std::string> FindIgnoringCase(const std::string& path);
+[[nodiscard]] std::optional<std::string> FindIgnoringCase(const std::string& path);
 
 }  // namespace tarnwick::core

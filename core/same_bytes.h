@@ -10,7 +10,7 @@ namespace tarnwick::core {
 /// have no bytes between its members, since those would be compared too.
 template <typename T>
 requires std::is_trivially_copyable_v<T>
-bool HasSameBytes(const T& a, const T& b) {
+[[nodiscard]] bool HasSameBytes(const T& a, const T& b) {
   return std::memcmp(std::as_bytes(std::span(&a, 1)).data(), std::as_bytes(std::span(&b, 1)).data(), sizeof(T)) == 0;
 }
 

@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "jobs/verify_models.h"
+#include "jobs/model_compile.h"
 
 namespace tarnwick::jobs {
 

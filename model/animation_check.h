@@ -27,7 +27,7 @@ struct CheckedAnimation {
   /// Where the data of `frame` begin: the first StudioAnim. `frame` becomes the frame within that data. Nothing if the
   /// animation says that it has none, or if they lie in a block
   /// file that is not there.
-  std::optional<AnimData> Find(int32_t& frame) const;
+  [[nodiscard]] std::optional<AnimData> Find(int32_t& frame) const;
 };
 
 /// Tells that `what` of animation `name`, at byte `offset` of the file at `path`, cannot be. As

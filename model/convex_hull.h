@@ -14,6 +14,6 @@ namespace tarnwick::model {
 /// point: a box whose faces are divided comes out as 12 triangles, turned or not. The same points give the same mesh.
 ///
 /// Nothing for points that lie in a plane, on a line or in one place within that bound, or that are not finite.
-std::optional<std::vector<PhyCorners>> ConvexHull(std::span<const Vec3> points);
+[[nodiscard]] std::optional<std::vector<PhyCorners>> ConvexHull(std::span<const Vec3> points);
 
 }  // namespace tarnwick::model

@@ -59,10 +59,10 @@ struct LoadedModel {
   core::Record<StudioHeader> Header() const { return *Mdl.View().At<StudioHeader>(0); }
 
   /// The name at `offset` from the file's start: inside the file, ended by a NUL, at most LongestName bytes.
-  std::optional<std::string_view> Name(int64_t offset) const;
+  [[nodiscard]] std::optional<std::string_view> Name(int64_t offset) const;
   /// The name that `record` (a field of which is `nameOffset`) has.
   template <typename T>
-  std::optional<std::string_view> NameOf(const core::Record<T>& record, int32_t nameOffset) const {
+  [[nodiscard]] std::optional<std::string_view> NameOf(const core::Record<T>& record, int32_t nameOffset) const {
     return Name(record.Offset() + nameOffset);
   }
 };

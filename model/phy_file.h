@@ -24,6 +24,7 @@ struct PhyFile {
 /// its solid's surface, tree nodes and pieces belong to one place each, points are finite and near. A damaged solid is
 /// told as an error and costs that solid alone; a damaged header, or a solid whose size is, costs the file (nothing is
 /// returned). Time and memory grow with the file's size, whatever its numbers are.
-std::optional<PhyFile> ReadPhyFile(core::ImageView image, const std::string& file, core::TroubleSink& troubles);
+[[nodiscard]] std::optional<PhyFile> ReadPhyFile(core::ImageView image, const std::string& file,
+                                                 core::TroubleSink& troubles);
 
 }  // namespace tarnwick::model

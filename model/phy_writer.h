@@ -23,8 +23,9 @@ inline constexpr size_t MostPhyPoints = 65536;
 /// `hull` is the convex hull round all pieces, over the solid's points; needed where there are several pieces, unused
 /// where there is one. Every piece and the hull must be closed: each edge once in either direction. Nothing if one is
 /// not, if there is no piece, or if the format cannot number what there is; `reason` then tells why.
-std::optional<std::string> WritePhySolid(const PhySolid& solid, const std::vector<PhyCorners>& hull,
-                                         std::string* reason = nullptr, const PhyVector* massCentre = nullptr);
+[[nodiscard]] std::optional<std::string> WritePhySolid(const PhySolid& solid, const std::vector<PhyCorners>& hull,
+                                                       std::string* reason = nullptr,
+                                                       const PhyVector* massCentre = nullptr);
 
 /// A whole file: header, `solids` as WritePhySolid gives them, and the text with the NUL that ends it.
 std::string WritePhyFile(uint32_t checksum, const std::vector<std::string>& solids, std::string_view text);

@@ -44,7 +44,7 @@ class RunCursor {
   int32_t HeldUntil(int32_t frame) const { return frame - m_start < m_valid - 1 ? frame + 1 : m_end; }
 
   /// The offset of the run at which the stream left its image or had no values; nothing if all was well so far.
-  std::optional<int64_t> DamagedAt() const {
+  [[nodiscard]] std::optional<int64_t> DamagedAt() const {
     if (m_damagedAt < 0) return std::nullopt;
     return m_damagedAt;
   }

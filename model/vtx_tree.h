@@ -10,7 +10,8 @@ namespace tarnwick::model {
 // Steps down the tree of a .vtx file. The numbers come from the .mdl file and from the header's LOD count; the tree's
 // own counts are not read. Each gives nothing if the record does not lie inside the file.
 
-inline std::optional<core::Record<VtxModel>> VtxModelAt(const core::ImageView& vtx, int64_t bodyPart, int64_t model) {
+[[nodiscard]] inline std::optional<core::Record<VtxModel>> VtxModelAt(const core::ImageView& vtx, int64_t bodyPart,
+                                                                      int64_t model) {
   const auto header = vtx.At<VtxHeader>(0);
   if (!header) return std::nullopt;
   const auto part =
@@ -19,13 +20,15 @@ inline std::optional<core::Record<VtxModel>> VtxModelAt(const core::ImageView& v
   return vtx.At<VtxModel>(part->Offset() + (*part)->ModelOffset + model * int64_t{sizeof(VtxModel)});
 }
 
-inline std::optional<core::Record<VtxModelLod>> VtxLodAt(const core::ImageView& vtx,
-                                                         const core::Record<VtxModel>& model, int64_t lod) {
+[[nodiscard]] inline std::optional<core::Record<VtxModelLod>> VtxLodAt(const core::ImageView& vtx,
+                                                                       const core::Record<VtxModel>& model,
+                                                                       int64_t lod) {
   return vtx.At<VtxModelLod>(model.Offset() + model->LodOffset + lod * int64_t{sizeof(VtxModelLod)});
 }
 
-inline std::optional<core::Record<VtxMesh>> VtxMeshAt(const core::ImageView& vtx, const core::Record<VtxModelLod>& lod,
-                                                      int64_t mesh) {
+[[nodiscard]] inline std::optional<core::Record<VtxMesh>> VtxMeshAt(const core::ImageView& vtx,
+                                                                    const core::Record<VtxModelLod>& lod,
+                                                                    int64_t mesh) {
   return vtx.At<VtxMesh>(lod.Offset() + lod->MeshOffset + mesh * int64_t{sizeof(VtxMesh)});
 }
 

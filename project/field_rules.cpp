@@ -3,8 +3,8 @@
 #include <cmath>
 
 #include "core/number_parse.h"
+#include "core/number_text.h"
 #include "project/project_values.h"
-#include "project/value_rules.h"
 
 namespace tarnwick::project {
 
@@ -51,6 +51,10 @@ Verdict CheckCommand(std::string_view text, char standIn) {
     return Error("The command holds a line break, which a project file cannot hold", "Command");
   }
   return std::nullopt;
+}
+
+bool RoundsToNothing(double value) {
+  return value != 0 && core::ParseReal(core::FixedText(value, 2)) == 0;
 }
 
 Verdict CheckNumber(std::string_view label, std::string_view text) {

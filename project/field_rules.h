@@ -33,6 +33,9 @@ Verdict CheckText(std::string_view label, std::string_view text);
 /// its own, which would come back as a double quote, and no line break.
 Verdict CheckCommand(std::string_view text, char standIn);
 
+/// Whether `value` is not 0 and would be kept as 0.00, since a project keeps two decimals.
+bool RoundsToNothing(double value);
+
 /// Whether a project can keep the number that `text` begins with, in the field of that label: it is finite, and not so
 /// small that its two decimals are 0.00. Text without a number is a 0.
 Verdict CheckNumber(std::string_view label, std::string_view text);

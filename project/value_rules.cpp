@@ -3,7 +3,6 @@
 #include <cmath>
 
 #include "core/number_parse.h"
-#include "core/number_text.h"
 #include "project/field_rules.h"
 
 namespace tarnwick::project {
@@ -34,10 +33,6 @@ std::optional<std::string> CheckWhole(const ProjectKey& key, std::string_view na
 }
 
 }  // namespace
-
-bool RoundsToNothing(double value) {
-  return value != 0 && core::ParseReal(core::FixedText(value, 2)) == 0;
-}
 
 std::optional<std::string> CheckProjectValue(const ProjectKey& key, std::string_view name, std::string_view value) {
   size_t length = 0;

@@ -8,9 +8,6 @@
 
 namespace tarnwick::project {
 
-/// Whether `value` is not 0 and would be kept as 0.00, since a project keeps two decimals.
-bool RoundsToNothing(double value);
-
 /// Why `value` is none of the key's kind, with `name` for the key: no number, none of an index's values, a text that no
 /// project file can hold. Nothing if it is good.
 std::optional<std::string> CheckProjectValue(const ProjectKey& key, std::string_view name, std::string_view value);

@@ -67,7 +67,7 @@ std::string_view TextOf(const ModelReader& reader, const core::Record<T>& record
 }
 
 /// The .phy file that goes with a model in `files`, if there is one.
-std::optional<std::string> FindPhyFile(const core::FileSource& files, const std::string& mdl);
+[[nodiscard]] std::optional<std::string> FindPhyFile(const core::FileSource& files, const std::string& mdl);
 
 // The tables, a kind each.
 void CompareHeaders(const ComparedModels& models);

@@ -19,9 +19,8 @@ namespace tarnwick::model {
 /// The differences, none for models that are the same, in the order of the tables; nothing, told to `troubles`, if one
 /// of the two cannot be read. Damage that costs a part of a model is told to `troubles` too. `stopped`, if there, is
 /// asked now and then; after a yes the rest is left out.
-std::optional<std::vector<ModelDifference>> CompareModels(const std::string& firstMdl, const std::string& secondMdl,
-                                                          core::TroubleSink& troubles,
-                                                          const std::function<bool()>& stopped = {},
-                                                          const core::FileSource& firstFiles = core::DiskFiles());
+[[nodiscard]] std::optional<std::vector<ModelDifference>> CompareModels(
+    const std::string& firstMdl, const std::string& secondMdl, core::TroubleSink& troubles,
+    const std::function<bool()>& stopped = {}, const core::FileSource& firstFiles = core::DiskFiles());
 
 }  // namespace tarnwick::model

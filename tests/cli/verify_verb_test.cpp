@@ -1,0 +1,103 @@
+#include <gmock/gmock.h>
+
+#include <cstddef>
+#include <nlohmann/json.hpp>
+
+#include "command_line.h"
+#include "model/studio_records.h"
+#include "support/scratch_folder.h"
+
+namespace tarnwick::cli {
+namespace {
+
+using namespace tests;
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+/// A sound model in a folder, the same below it with a value in its header that no source can say, and one that is
+/// none.
+class VerifyVerb : public VerbTest {
+ protected:
+  VerifyVerb() {
+    const std::string sample = TARNWICK_SAMPLES "/walker";
+    for (const char* ending : {".mdl", ".vvd", ".dx90.vtx", ".phy"}) {
+      const std::string bytes = ReadText(sample + ending);
+      WriteText(m_folder.Path(std::string("walker") + ending), bytes);
+      WriteText(m_folder.Path(std::string("below/odd") + ending), bytes);
+    }
+    std::string odd = ReadText(Odd);
+    odd[offsetof(model::StudioHeader, AllowedRootLods)] = 64;
+    WriteText(Odd, odd);
+    WriteText(Broken, "IDST");
+  }
+
+  int Run(const std::vector<std::string>& arguments) { return RunVerb({"verify"}, arguments); }
+
+  ScratchFolder m_folder;
+  const std::string Sound = m_folder.Path("walker.mdl");
+  const std::string Odd = m_folder.Path("below/odd.mdl");
+  const std::string Broken = m_folder.Path("broken.mdl");
+};
+
+TEST_F(VerifyVerb, TellsEachModelAndFailsIfOneDiffers) {
+  EXPECT_EQ(Run({Sound}), ExitSuccess);
+  EXPECT_EQ(m_out, Sound + ": same\n");
+  EXPECT_THAT(m_err, StartsWith("1 model, "));
+
+  EXPECT_EQ(Run({Odd}), ExitFailure);
+  EXPECT_EQ(m_out, Odd + ": differs: header: allowed root levels differs: 64 and 0\n");
+
+  EXPECT_EQ(Run({"-j", "1", m_folder.Path()}), ExitFailure);
+  EXPECT_THAT(m_out, AllOf(HasSubstr(Sound + ": same\n"), HasSubstr(Broken + ": failed: decompiling: ")));
+  EXPECT_THAT(m_out, testing::Not(HasSubstr("odd.mdl"))) << "a folder below is taken with -r only";
+  EXPECT_THAT(m_err, StartsWith("2 models, "));
+}
+
+TEST_F(VerifyVerb, IsQuietAboutWhatWentWellOnly) {
+  EXPECT_EQ(Run({"-q", Sound}), ExitSuccess);
+  EXPECT_EQ(m_out + m_err, "");
+  EXPECT_EQ(Run({"--quiet", "-r", m_folder.Path()}), ExitFailure);
+  EXPECT_THAT(m_out, AllOf(HasSubstr(Odd + ": differs"), HasSubstr(Broken + ": failed")));
+  EXPECT_THAT(m_out, testing::Not(HasSubstr(": same")));
+  EXPECT_EQ(m_err, "");
+}
+
+TEST_F(VerifyVerb, GivesEveryDifferenceAsJson) {
+  EXPECT_EQ(Run({"--json", "-r", "-j", "1", m_folder.Path()}), ExitFailure);
+  std::vector<nlohmann::json> models;
+  std::istringstream lines(m_out);
+  for (std::string line; std::getline(lines, line);) models.push_back(nlohmann::json::parse(line));
+  ASSERT_EQ(models.size(), 3u);
+  for (const nlohmann::json& one : models) {
+    EXPECT_GE(one["seconds"], 0);
+    if (one["model"] == Odd) {
+      EXPECT_EQ(one["outcome"], "differs");
+      EXPECT_EQ(one["differences"].dump(),
+                R"([{"count":1,"derived":"","first":"64","largest":0.0,"rounding":false,"second":"0",)"
+                R"("table":"header","what":"allowed root levels","where":""}])");
+    } else {
+      EXPECT_EQ(one["outcome"], one["model"] == Sound ? "same" : "failed");
+      EXPECT_EQ(one["differences"].size(), 0u);
+      EXPECT_EQ(one["errors"].size(), one["model"] == Sound ? 0u : 1u);
+    }
+  }
+}
+
+TEST_F(VerifyVerb, KeepsWhatItMadeAndTellsDetailsWhereThatIsWanted) {
+  EXPECT_EQ(Run({Odd}), ExitFailure);
+  EXPECT_THAT(m_err, testing::Not(HasSubstr("allowed root levels differs")));
+  EXPECT_EQ(Run({"--details", "--keep", m_folder.Path("kept"), Odd}), ExitFailure);
+  EXPECT_THAT(m_err, HasSubstr("allowed root levels differs"));
+  EXPECT_THAT(m_folder.Files(),
+              testing::IsSupersetOf({"kept/odd/sources/ravelback.qc", "kept/odd/again/ravelback.qc"}));
+}
+
+TEST_F(VerifyVerb, RefusesAWrongCommandLine) {
+  for (const std::vector<std::string>& wrong : {std::vector<std::string>{}, {"-j", "0", Sound}, {"--speed", Sound}}) {
+    EXPECT_EQ(Run(wrong), ExitUsage) << testing::PrintToString(wrong);
+  }
+}
+
+}  // namespace
+}  // namespace tarnwick::cli
