@@ -68,7 +68,7 @@ TEST(CompileScript, PutsAnimationsIntoBlocksOfAFileOfTheirOwn) {
   EXPECT_EQ(whole->Ani, "");
   const model::StudioHeader header = HeaderOf(*cut);
   EXPECT_STREQ(cut->Mdl.c_str() + header.AnimBlockNameOffset, "models/a.ani");
-  ASSERT_GT(header.AnimBlockCount, 2);
+  ASSERT_GT(+header.AnimBlockCount, 2);
   EXPECT_EQ(RecordAt<uint32_t>(cut->Ani, 8), RecordAt<uint32_t>(cut->Mdl, 8)) << "the checksums";
   const auto block = [&](int32_t i) {
     return RecordAt<model::StudioAnimBlock>(
@@ -78,20 +78,20 @@ TEST(CompileScript, PutsAnimationsIntoBlocksOfAFileOfTheirOwn) {
     EXPECT_LE(block(i).End - block(i).Start, 4096);
     EXPECT_EQ(block(i).Start % 16, 0);
   }
-  EXPECT_EQ(block(header.AnimBlockCount - 1).End, static_cast<int32_t>(cut->Ani.size()));
+  EXPECT_EQ(+block(header.AnimBlockCount - 1).End, static_cast<int32_t>(cut->Ani.size()));
   const auto animation = [&](int32_t i) {
     return RecordAt<model::StudioAnimDesc>(cut->Mdl,
                                            header.AnimOffset + i * static_cast<int64_t>(sizeof(model::StudioAnimDesc)));
   };
-  EXPECT_EQ(animation(0).Block, 0);
+  EXPECT_EQ(+animation(0).Block, 0);
   const auto section = [&](int32_t i) {
     return RecordAt<model::StudioAnimSection>(
         cut->Mdl, header.AnimOffset + static_cast<int64_t>(sizeof(model::StudioAnimDesc)) + animation(1).SectionOffset +
                       i * static_cast<int64_t>(sizeof(model::StudioAnimSection)));
   };
-  EXPECT_EQ(animation(1).Block, 0) << "nostall";
-  EXPECT_EQ(section(0).Block, 0) << "nostall";
-  EXPECT_EQ(section(1).Block, 1);
+  EXPECT_EQ(+animation(1).Block, 0) << "nostall";
+  EXPECT_EQ(+section(0).Block, 0) << "nostall";
+  EXPECT_EQ(+section(1).Block, 1);
 }
 
 TEST(CompileScript, TellsWhatItDoesNotBuild) {

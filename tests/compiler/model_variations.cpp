@@ -128,8 +128,12 @@ class Variation {
       Edit<VvdVertex>(m_files.Vvd, vvd.VertexOffset, i, [&](VvdVertex& vertex, int64_t) {
         if (vertex.WeightCount < 2) return;
         if (!m_dice.Chance(50)) return;
-        std::swap(vertex.Weights[0], vertex.Weights[1]);
-        std::swap(vertex.Bones[0], vertex.Bones[1]);
+        const float weight = vertex.Weights[0];
+        const auto bone = vertex.Bones[0];
+        vertex.Weights[0] = vertex.Weights[1];
+        vertex.Bones[0] = vertex.Bones[1];
+        vertex.Weights[1] = weight;
+        vertex.Bones[1] = bone;
       });
     }
   }
