@@ -171,12 +171,13 @@ void SetChecksum(std::string& file, size_t at, uint32_t checksum) {
 bool MakeFiles(CompileContext& context, const ModelParts& parts, CompiledFiles& files) {
   auto mdl = WriteMdl(context, parts);
   if (!mdl || context.Stopped()) return false;
-  files.Mdl = std::move(*mdl);
+  files.Mdl = std::move(mdl->Mdl);
+  files.Ani = std::move(mdl->Ani);
   if (!parts.Meshes.BodyParts.empty()) {
     files.Vvd = WriteVvd(parts.Meshes);
     files.Vtx = WriteVtx(parts.Meshes);
   }
-  uint32_t checksum = ChecksumOf({files.Mdl, files.Vvd, files.Vtx});
+  uint32_t checksum = ChecksumOf({files.Mdl, files.Vvd, files.Vtx, files.Ani});
   if (parts.Physics) {
     for (const std::string& solid : parts.Physics->Solids) checksum ^= ChecksumOf({solid});
     checksum ^= ChecksumOf({parts.Physics->Text});
@@ -184,6 +185,7 @@ bool MakeFiles(CompileContext& context, const ModelParts& parts, CompiledFiles& 
   }
   SetChecksum(files.Mdl, 8, checksum);
   SetChecksum(files.Vvd, 8, checksum);
+  SetChecksum(files.Ani, 8, checksum);
   SetChecksum(files.Vtx, 16, checksum);
   return context.ErrorCount() == 0;
 }

@@ -301,8 +301,10 @@ bool ApplyAnimationWord(CompileContext& context, const ModelBones& bones, const 
       context.Warning(word.At, qc::Shown(word.Name) + " is known, but nothing is built from it",
                       core::TroubleKind::Lost);
       return true;
-    case Key::NoAutoIk:  // rules are made of `ikrule` alone
     case Key::NoAnimBlock:
+      animation.InModelFile = true;
+      return true;
+    case Key::NoAutoIk:  // rules are made of `ikrule` alone
     case Key::NoAnimBlockStall:
     case Key::AlignBoneTo:
     case Key::Match:

@@ -34,7 +34,8 @@ struct BuiltAnimation {
   std::vector<BonePose> Poses;  // a pose for each bone, frame after frame
   std::vector<model::StudioMovement> Movements;
   std::vector<BuiltIkRule> IkRules;
-  bool OnlyBase = false;  // nothing but subtraction uses it, and it is the rest pose: it is not written
+  bool InModelFile = false;  // also where other animations go to a block file
+  bool OnlyBase = false;     // nothing but subtraction uses it, and it is the rest pose: it is not written
 
   BonePose& Pose(int32_t frame, size_t bone, size_t bones) { return Poses[static_cast<size_t>(frame) * bones + bone]; }
   const BonePose& Pose(int32_t frame, size_t bone, size_t bones) const {

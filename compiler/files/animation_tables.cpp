@@ -19,12 +19,13 @@ constexpr int32_t UsualSection = 30;
 
 AnimationTables::AnimationTables(CompileContext& context, const ModelParts& parts,
                                  const std::vector<BoneScales>& scales, ByteWriter& writer, TextPool& texts,
-                                 model::StudioHeader& header)
+                                 model::StudioHeader& header, BlockFile& blocks)
     : m_context(context),
       m_parts(parts),
       m_writer(writer),
       m_texts(texts),
       m_header(header),
+      m_blocks(blocks),
       m_scales(scales),
       m_new(context.Options.Version > OldVersion) {}
 
@@ -114,9 +115,21 @@ bool AnimationTables::WriteAnimations() {
   return true;
 }
 
+/// Rules stand beside the tracks that they are for: an animation that has some stays.
+bool AnimationTables::GoesToBlocks(size_t number) const {
+  const BuiltAnimation& animation = m_parts.Motion.Animations[number];
+  return m_blocks.IsWanted() && !m_parts.Bones.Static && !animation.InModelFile && animation.IkRules.empty();
+}
+
 bool AnimationTables::WriteData(size_t number, std::vector<Stretch>& stretches, int64_t at, StudioAnimDesc& record) {
   if (record.SectionFrames > 0) return WriteSections(number, stretches, at, record);
   if (const auto& chain = stretches.front().Chain) {
+    if (GoesToBlocks(number)) {
+      const BlockFile::Place place = m_blocks.Add(*chain);
+      record.Block = place.Block;
+      record.DataOffset = place.Offset;
+      return true;
+    }
     m_writer.Align(m_new ? 16 : 4);
     record.DataOffset = static_cast<int32_t>(m_writer.AppendBytes(*chain) - at);
     m_writer.Align(4);
@@ -145,11 +158,19 @@ bool AnimationTables::WriteSections(size_t number, const std::vector<Stretch>& s
                       core::TroubleKind::Limit);
       return false;
     }
-    m_writer.Align(i == 0 ? 16 : 4);
-    const auto offset = static_cast<int32_t>(m_writer.AppendBytes(*chain) - at);
-    if (i == 0) record.DataOffset = offset;
+    BlockFile::Place place;
+    if (GoesToBlocks(number) && !(i == 0 && m_context.Plan.KeepFirstSections)) {
+      place = m_blocks.Add(*chain);
+    } else {
+      m_writer.Align(i == 0 ? 16 : 4);
+      place.Offset = static_cast<int32_t>(m_writer.AppendBytes(*chain) - at);
+    }
+    if (i == 0) {
+      record.Block = place.Block;
+      record.DataOffset = place.Offset;
+    }
     m_writer.Put(table + static_cast<int64_t>(i * sizeof(model::StudioAnimSection)),
-                 model::StudioAnimSection{0, offset});
+                 model::StudioAnimSection{place.Block, place.Offset});
   }
   m_writer.Align(4);
   return true;

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "compiler/animation/track_encoder.h"
+#include "compiler/files/block_file.h"
 #include "compiler/files/byte_writer.h"
 #include "compiler/files/model_parts.h"
 #include "model/studio_records.h"
@@ -17,7 +18,7 @@ class AnimationTables {
  public:
   /// `scales` are those of the bones, as MeasureScales gives them.
   AnimationTables(CompileContext& context, const ModelParts& parts, const std::vector<BoneScales>& scales,
-                  ByteWriter& writer, TextPool& texts, model::StudioHeader& header);
+                  ByteWriter& writer, TextPool& texts, model::StudioHeader& header, BlockFile& blocks);
 
   /// False, told, if a track is too long for the format.
   bool Write();
@@ -35,6 +36,7 @@ class AnimationTables {
   bool WriteAnimations();
   bool WriteData(size_t number, std::vector<Stretch>& stretches, int64_t at, model::StudioAnimDesc& record);
   bool WriteSections(size_t number, const std::vector<Stretch>& sections, int64_t at, model::StudioAnimDesc& record);
+  bool GoesToBlocks(size_t number) const;
   void WriteIkRules(const BuiltAnimation& animation, int64_t at, model::StudioAnimDesc& record);
   void WriteSequences();
   void WriteSequenceTables(const BuiltSequence& sequence, int64_t at, model::StudioSeqDesc& record);
@@ -45,6 +47,7 @@ class AnimationTables {
   ByteWriter& m_writer;
   TextPool& m_texts;
   model::StudioHeader& m_header;
+  BlockFile& m_blocks;
   const std::vector<BoneScales>& m_scales;
   std::vector<std::pair<std::vector<float>, int64_t>> m_weightLists;
   bool m_new;

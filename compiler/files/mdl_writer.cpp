@@ -35,13 +35,13 @@ class MdlWriter {
   MdlWriter(CompileContext& context, const ModelParts& parts)
       : m_context(context), m_plan(context.Plan), m_parts(parts), m_new(context.Options.Version > OldVersion) {}
 
-  std::optional<std::string> Write() {
+  std::optional<MdlFiles> Write() {
     m_writer.Reserve<StudioHeader>(1);
     if (m_new) m_second = m_writer.Reserve<StudioSecondHeader>(1);
     WriteHead();
     WriteBones();
     WriteBoneTables();
-    AnimationTables animations(m_context, m_parts, m_scales, m_writer, m_texts, m_header);
+    AnimationTables animations(m_context, m_parts, m_scales, m_writer, m_texts, m_header, m_blocks);
     if (!animations.Write()) return std::nullopt;
     WriteBodies();
     WriteEnd();
@@ -52,7 +52,7 @@ class MdlWriter {
       m_context.Error({0, 1, 1, 0}, "the model is larger than its format can tell", core::TroubleKind::Limit);
       return std::nullopt;
     }
-    return m_writer.Take();
+    return MdlFiles{m_writer.Take(), m_blocks.Take(m_header.Version)};
   }
 
  private:
@@ -119,6 +119,11 @@ class MdlWriter {
     const model::Vec3 typed = *m_plan.IllumPosition;
     const int32_t bone = m_plan.IllumBone.empty() || m_parts.Bones.Static ? -1 : m_parts.Bones.Find(m_plan.IllumBone);
     return bone < 0 ? typed : m_parts.Bones.Bones[static_cast<size_t>(bone)].ToModel.Apply(typed);
+  }
+
+  std::string BlockFileName() const {
+    const std::string& name = m_plan.ModelName;
+    return "models/" + name.substr(0, name.size() - std::string_view(".mdl").size()) + ".ani";
   }
 
   // Bones
@@ -343,6 +348,9 @@ class MdlWriter {
       m_texts.Name(at + Field(offsetof(model::StudioIncludeModel, NameOffset)), at, name);
     }
     m_header.AnimBlockOffset = Here();
+    m_header.AnimBlockCount = static_cast<int32_t>(m_blocks.Blocks().size());
+    for (const model::StudioAnimBlock& block : m_blocks.Blocks()) m_writer.Append(block);
+    if (m_header.AnimBlockCount > 0) m_texts.Name(offsetof(StudioHeader, AnimBlockNameOffset), 0, BlockFileName());
     WriteMaterials();
     m_header.KeyValueOffset = Here();
     if (!m_plan.KeyValues.empty()) {
@@ -424,6 +432,7 @@ class MdlWriter {
   const CompilePlan& m_plan;
   const ModelParts& m_parts;
   bool m_new;
+  BlockFile m_blocks{m_plan.AnimBlockSize};
   ByteWriter m_writer;
   TextPool m_texts;
   StudioHeader m_header = {};
@@ -435,7 +444,7 @@ class MdlWriter {
 
 }  // namespace
 
-std::optional<std::string> WriteMdl(CompileContext& context, const ModelParts& parts) {
+std::optional<MdlFiles> WriteMdl(CompileContext& context, const ModelParts& parts) {
   return MdlWriter(context, parts).Write();
 }
 

@@ -26,8 +26,12 @@ struct ModelParts {
   model::Vec3 MiddleOfFirstBox = {0, 0, 0};
 };
 
-/// The bytes of the .mdl file, its checksum 0. Nothing, told, if the format cannot hold what there is.
-std::optional<std::string> WriteMdl(CompileContext& context, const ModelParts& parts);
+/// The bytes of the .mdl file and of its animation block file, empty for none, their checksums 0.
+struct MdlFiles {
+  std::string Mdl, Ani;
+};
+/// Nothing, told, if the format cannot hold what there is.
+std::optional<MdlFiles> WriteMdl(CompileContext& context, const ModelParts& parts);
 /// The bytes of the .vvd and the .vtx file, their checksums 0. Empty for a model without body parts.
 std::string WriteVvd(const BuiltMeshes& meshes);
 std::string WriteVtx(const BuiltMeshes& meshes);

@@ -302,7 +302,8 @@ struct CompilePlan {
   };
   std::vector<Motion> Motions;
   bool CalcTransitions = false, LowerCaseSequences = false;
-  int32_t AnimBlockSize = 0;  // bytes, 0 for none
+  int32_t AnimBlockSize = 0;       // bytes, 0 for none
+  bool KeepFirstSections = false;  // of animations in a block file: they stay in the model's own
   bool NoStall = false;
   int32_t SectionFrames = 30, LeastSectionedFrames = 120;
 

@@ -66,7 +66,7 @@ class PlanReader {
         break;
       case Command::BoneSaveFrame:
         Told().Note(core::TroubleKind::Lost, s.At,
-                    "$bonesaveframe has no effect: animations stay in the model's own file");
+                    "$bonesaveframe has no effect: first frames are not stored by themselves");
         break;
       default:
         if (const qc::StatementRow* row = qc::FindStatement(s.Name);
@@ -297,7 +297,7 @@ class PlanReader {
         m_plan.LowerCaseSequences = true;
         return true;
       case Command::AnimBlockSize:
-        Told().Warning(core::TroubleKind::Lost, s.At, "animations stay in the model's own file; no block file is made");
+        ReadBlocks(s);
         return true;
       case Command::SectionFrames:
         m_plan.SectionFrames = std::max(Whole(s.Number(0)), 0);
@@ -305,6 +305,20 @@ class PlanReader {
         return true;
       default:
         return false;
+    }
+  }
+  void ReadBlocks(const Statement& s) {
+    constexpr double KiloByte = 1024, MostKiloBytes = 1 << 20;
+    const double size = s.Number(0);
+    m_plan.AnimBlockSize = size > 0 ? static_cast<int32_t>(std::min(size, MostKiloBytes) * KiloByte) : 0;
+    for (const qc::Option& option : s.Options) {
+      if (option.Kind == qc::Key::NoStall) {
+        m_plan.KeepFirstSections = true;
+      } else {
+        Told().Note(
+            core::TroubleKind::Lost, option.At,
+            qc::Shown(option.Name) + " of $animblocksize has no effect: first frames are not stored by themselves");
+      }
     }
   }
   static PlanWeightList WeightsOf(const Statement& s, std::string name) {

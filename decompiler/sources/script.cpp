@@ -24,14 +24,17 @@ constexpr int32_t UsualLeastSectioned = 120;
 void WriteStorage(JobContext& job) {
   const auto header = job.Model.Header();
   if (header->AnimBlockCount > 1) {
-    constexpr int64_t KiloByte = 1024;
+    constexpr int64_t KiloByte = 1024, Least = 4, Most = 64;
     const auto blocks =
         job.Table<StudioAnimBlock>("animation block table", header->AnimBlockOffset, header->AnimBlockCount);
     int64_t largest = 0;
     for (int64_t i = 1; blocks && i < blocks->Count(); ++i) {
       largest = std::max(largest, int64_t{(*blocks)[i]->End} - (*blocks)[i]->Start);
     }
-    job.Script().Text("$animblocksize " + std::to_string(std::clamp<int64_t>(largest / KiloByte, 4, 64)) + "\n");
+    // A block is filled as far as its size allows; sizes are powers of two.
+    int64_t size = Least;
+    while (size < Most && size * KiloByte < largest) size *= 2;
+    job.Script().Text("$animblocksize " + std::to_string(size) + "\n");
   }
   const auto animations = job.Model.View().Array<StudioAnimDesc>(header->AnimOffset, header->AnimCount);
   if (!animations) return;

@@ -34,6 +34,9 @@ constexpr RecordField MeshFields[] = {
     {"eyeball of a mesh", offsetof(StudioMesh, Eyeball)},
 };
 
+/// The levels of which a mesh counts its vertices.
+constexpr size_t MostLevels = sizeof(StudioMesh::LodVertexCounts) / sizeof(int32_t);
+
 using ModelRecord = core::Record<StudioModel>;
 
 /// The vertices at the corners of a piece's triangles, in their order.
@@ -218,7 +221,7 @@ void CompareModel(const ComparedModels& models, const ModelRecord& first, const 
         const auto mesh = [&] { return place + ", mesh " + std::to_string(i); };
         CompareFields(models.Differences, ModelTable::Bodies, MeshFields, *a, *b, mesh);
         counts.Compare(ModelTable::Bodies, "vertices of a mesh", mesh, a->VertexCount, b->VertexCount);
-        for (size_t level = 0; level < std::size(a->LodVertexCounts); ++level) {
+        for (size_t level = 0; level < MostLevels; ++level) {
           counts.Compare(ModelTable::Bodies, "vertices of a mesh's levels", mesh, a->LodVertexCounts[level],
                          b->LodVertexCounts[level]);
         }

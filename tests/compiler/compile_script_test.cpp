@@ -46,6 +46,54 @@ std::string Pyramid(int size) {
          "a\n" + o + x + z + "b\n" + o + z + y + "b\n" + x + y + z + "end\n";
 }
 
+/// A swing of many frames, in which no two changes are alike.
+std::string LongSwing(int frames) {
+  std::string text = "version 1\nnodes\n0 \"root\" -1\n1 \"arm\" 0\nend\nskeleton\n";
+  for (int frame = 0; frame < frames; ++frame) {
+    const std::string by = std::to_string(frame * frame % 97 * 0.003);
+    text += "time " + std::to_string(frame) + "\n0 0 0 0 0 0 0\n1 4 " + by + " 0 " + by + " " + by + " 0\n";
+  }
+  return text + "end\n";
+}
+
+TEST(CompileScript, PutsAnimationsIntoBlocksOfAFileOfTheirOwn) {
+  Workshop shop;
+  WriteText(shop.Folder.Path("parts/long.smd"), LongSwing(290));
+  const std::string script = std::string(Head) +
+                             "$bonemerge arm\n$body a arm\n$animation here swing noanimblock\n$animation a long\n"
+                             "$animation b long\n$animation c long\n$sequence s { here a b c }\n";
+  const auto whole = shop.Compile(script);
+  const auto cut = shop.Compile("$animblocksize 4 nostall\n" + script);
+  ASSERT_TRUE(whole && cut);
+  EXPECT_EQ(whole->Ani, "");
+  const model::StudioHeader header = HeaderOf(*cut);
+  EXPECT_STREQ(cut->Mdl.c_str() + header.AnimBlockNameOffset, "models/a.ani");
+  ASSERT_GT(+header.AnimBlockCount, 2);
+  EXPECT_EQ(RecordAt<uint32_t>(cut->Ani, 8), RecordAt<uint32_t>(cut->Mdl, 8)) << "the checksums";
+  const auto block = [&](int32_t i) {
+    return RecordAt<model::StudioAnimBlock>(
+        cut->Mdl, header.AnimBlockOffset + i * static_cast<int64_t>(sizeof(model::StudioAnimBlock)));
+  };
+  for (int32_t i = 1; i < header.AnimBlockCount; ++i) {
+    EXPECT_LE(block(i).End - block(i).Start, 4096);
+    EXPECT_EQ(block(i).Start % 16, 0);
+  }
+  EXPECT_EQ(+block(header.AnimBlockCount - 1).End, static_cast<int32_t>(cut->Ani.size()));
+  const auto animation = [&](int32_t i) {
+    return RecordAt<model::StudioAnimDesc>(cut->Mdl,
+                                           header.AnimOffset + i * static_cast<int64_t>(sizeof(model::StudioAnimDesc)));
+  };
+  EXPECT_EQ(+animation(0).Block, 0);
+  const auto section = [&](int32_t i) {
+    return RecordAt<model::StudioAnimSection>(
+        cut->Mdl, header.AnimOffset + static_cast<int64_t>(sizeof(model::StudioAnimDesc)) + animation(1).SectionOffset +
+                      i * static_cast<int64_t>(sizeof(model::StudioAnimSection)));
+  };
+  EXPECT_EQ(+animation(1).Block, 0) << "nostall";
+  EXPECT_EQ(+section(0).Block, 0) << "nostall";
+  EXPECT_EQ(+section(1).Block, 1);
+}
+
 TEST(CompileScript, TellsWhatItDoesNotBuild) {
   const struct {
     const char* Line;

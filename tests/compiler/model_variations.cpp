@@ -5,7 +5,6 @@
 #include <functional>
 #include <string>
 
-#include "model/animation_records.h"
 #include "model/script_records.h"
 #include "model/studio_records.h"
 #include "model/vtx_records.h"
@@ -129,43 +128,14 @@ class Variation {
       Edit<VvdVertex>(m_files.Vvd, vvd.VertexOffset, i, [&](VvdVertex& vertex, int64_t) {
         if (vertex.WeightCount < 2) return;
         if (!m_dice.Chance(50)) return;
-        std::swap(vertex.Weights[0], vertex.Weights[1]);
-        std::swap(vertex.Bones[0], vertex.Bones[1]);
+        const float weight = vertex.Weights[0];
+        const auto bone = vertex.Bones[0];
+        vertex.Weights[0] = vertex.Weights[1];
+        vertex.Bones[0] = vertex.Bones[1];
+        vertex.Weights[1] = weight;
+        vertex.Bones[1] = bone;
       });
     }
-  }
-
-  /// Each animation that is not cut into sections moves into a block of its own, with all that stood behind it.
-  void MoveIntoBlocks() {
-    std::string& mdl = m_files.Mdl;
-    std::vector<StudioAnimBlock> blocks(1);
-    m_files.Ani = std::string(sizeof(StudioHeader), '\0');
-    m_files.Ani.replace(0, 4, "IDAG");
-    Put(m_files.Ani, 4, m_header.Version);
-    constexpr int64_t MostBytes = 40000;
-    for (int32_t a = 0; a < m_header.AnimCount; ++a) {
-      Edit<StudioAnimDesc>(mdl, m_header.AnimOffset, a, [&](StudioAnimDesc& animation, int64_t offset) {
-        if (animation.SectionFrames != 0 || animation.IkRuleCount != 0 || !m_dice.Chance(70)) return;
-        const std::string data = mdl.substr(static_cast<size_t>(offset + animation.DataOffset), MostBytes);
-        m_files.Ani.resize((m_files.Ani.size() + 15) / 16 * 16);
-        const auto start = static_cast<int32_t>(m_files.Ani.size());
-        m_files.Ani += data;
-        animation.Block = static_cast<int32_t>(blocks.size());
-        animation.DataOffset = 0;
-        blocks.push_back({start, static_cast<int32_t>(m_files.Ani.size())});
-      });
-    }
-    if (blocks.size() == 1) return m_files.Ani.clear();
-    mdl.resize((mdl.size() + 3) / 4 * 4);
-    m_header.AnimBlockOffset = static_cast<int32_t>(mdl.size());
-    m_header.AnimBlockCount = static_cast<int32_t>(blocks.size());
-    for (const StudioAnimBlock& block : blocks) {
-      mdl.append(reinterpret_cast<const char*>(&block), sizeof block);
-    }
-    m_header.AnimBlockNameOffset = static_cast<int32_t>(mdl.size());
-    mdl += std::string("models/props/model.ani") + '\0';
-    m_header.Length = static_cast<int32_t>(mdl.size());
-    Put(mdl, 0, m_header);
   }
 
   void ChangeSigns() {
@@ -188,7 +158,6 @@ void VaryModel(compiler::CompiledFiles& files, uint32_t seed, uint32_t variation
   if ((variations & VaryLongNames) != 0) variation.LengthenNames();
   if ((variations & VaryHitboxNames) != 0) variation.LoseHitboxNames();
   if ((variations & VaryWeights) != 0) variation.ShuffleWeights();
-  if ((variations & VaryBlocks) != 0) variation.MoveIntoBlocks();
   if ((variations & VarySigns) != 0) variation.ChangeSigns();
 }
 

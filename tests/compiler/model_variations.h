@@ -13,9 +13,8 @@ enum ModelVariation : uint32_t {
   VaryLongNames = 1U << 2,         // names of models fill their field
   VaryHitboxNames = 1U << 3,       // lead past the file
   VaryWeights = 1U << 4,           // in another order
-  VaryBlocks = 1U << 5,            // animations stand in a block file
-  VarySigns = 1U << 6,             // positions of the header with negative zeros
-  ModelVariations = 7
+  VarySigns = 1U << 5,             // positions of the header with negative zeros
+  ModelVariations = 6
 };
 
 /// Changes the files of a sound model so that it stays one.

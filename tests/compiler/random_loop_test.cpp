@@ -3,11 +3,13 @@
 #include <gmock/gmock.h>
 
 #include <cstdlib>
+#include <cstring>
 #include <fstream>
 
 #include "compiler/compile_model.h"
 #include "decompiler/decompile_job.h"
 #include "model/comparison/model_comparison.h"
+#include "model/studio_records.h"
 #include "model_variations.h"
 #include "random_sources.h"
 #include "smd/source_comparison.h"
@@ -37,11 +39,19 @@ struct WrittenModel {
     const std::pair<const char*, const std::string*> parts[] = {{"model.mdl", &files->Mdl},
                                                                 {"model.vvd", &files->Vvd},
                                                                 {"model.dx90.vtx", &files->Vtx},
-                                                                {"model.phy", &files->Phy},
-                                                                {"model.ani", &files->Ani}};
+                                                                {"model.phy", &files->Phy}};
     for (const auto& [name, bytes] : parts) {
       if (!bytes->empty()) std::ofstream(Folder.Path(name), std::ios::binary) << *bytes;
     }
+    WriteBlocks(*files);
+  }
+  /// A model names its block file.
+  void WriteBlocks(const CompiledFiles& files) {
+    if (files.Ani.empty()) return;
+    model::StudioHeader header;
+    std::memcpy(&header, files.Mdl.data(), sizeof header);
+    const std::string name = files.Mdl.c_str() + header.AnimBlockNameOffset;
+    std::ofstream(Folder.Path(name.substr(name.rfind('/') + 1)), std::ios::binary) << files.Ani;
   }
   std::string Path() const { return Folder.Path("model.mdl"); }
   std::vector<std::string> Layout;
@@ -118,7 +128,7 @@ TEST(RandomLoop, GivesBackWhatOtherCompilesWrite) {
     things &= ~uint32_t{RandomCollision};
 #endif
     const uint32_t variations = seed % 3 == 0 ? 1U << seed / 3 % ModelVariations : seed * 40503U >> 4;
-    const uint32_t those = variations & ((1U << ModelVariations) - 1) & ~uint32_t{VaryBlocks};
+    const uint32_t those = variations & ((1U << ModelVariations) - 1);
     // Boxes that are computed hold what no triangle shows; shapes list it, and so do the users of bones.
     if ((those & (VaryHiddenVertices | VaryRepeatedVertices)) != 0) things |= RandomHitboxes;
     if ((those & VaryHiddenVertices) != 0) things &= ~(uint32_t{RandomFace} | RandomBigSkeleton | RandomWeights);

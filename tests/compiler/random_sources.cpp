@@ -158,6 +158,7 @@ class Maker {
         "$opaque",
         "$includemodel \"rand/Moves.mdl\"",
         "$keyvalues { prop_data { base Metal.Large allowstatic 1 } \"a b\" { c \"d e\" } }",
+        "$animblocksize 4 nostall",
         "$cdmaterials \"\" other\\folder"};
     for (const std::string& line : lines) {
       if (m_dice.Chance(50)) m_script += line + "\n";
