@@ -35,28 +35,9 @@ struct Options {
 /// Starts hlmv; why it cannot be started.
 using Start = std::function<std::optional<process::SystemError>(const process::Command& command)>;
 
-int Show(const Options& options, const process::Command& command, const std::vector<std::string>& warnings,
-         const Start& start, Invocation& invocation);
-
-/// Shows a model in the program's own viewer, which opens it wherever it lies. Nothing if that is not there.
-std::optional<int> ShowInOwn(const Options& options, const std::string& path, const std::vector<std::string>& warnings,
-                             Invocation& invocation) {
-  const auto own = tools::OwnToolDirectory(tools::Hlmv);
-  if (!own) return std::nullopt;
-  const Start start = [&](const process::Command& command) {
-    return tools::StartHlmv(command, options.Directories.Start());
-  };
-  return Show(options, tools::HlmvCommandForFile(*own, options.Directories.Game, path), warnings, start, invocation);
-}
-
-/// Whether the SDK has a viewer that runs here; a Windows program without a Wine that runs it is as good as none.
-bool HasSdkViewer(const Options& options) {
-  const tools::ToolChoice choice = options.Directories.ToolFor(tools::Hlmv);
-  if (choice.StandsIn || choice.Directory.empty()) return false;
-  tools::ProgramStart ignored;
-  const auto command = tools::HlmvCommandForFile(choice.Directory, options.Directories.Game, options.Model);
-  const auto error = tools::PrepareStart(command, options.Directories.Start(), ignored);
-  return !error || error->Code != ENOEXEC;
+/// Starts it and lets it go its own way.
+Start Alone(const Options& options) {
+  return [&options](const process::Command& command) { return tools::StartHlmv(command, options.Directories.Start()); };
 }
 
 int Show(const Options& options, const process::Command& command, const std::vector<std::string>& warnings,
@@ -78,6 +59,25 @@ int Show(const Options& options, const process::Command& command, const std::vec
   }
   if (!options.Json) invocation.Out << command.Line() << '\n';
   return ExitSuccess;
+}
+
+/// Shows a model in the program's own viewer, which opens it wherever it lies. Nothing if that is not there.
+std::optional<int> ShowInOwn(const Options& options, const std::string& path, const std::vector<std::string>& warnings,
+                             Invocation& invocation) {
+  const auto own = tools::OwnToolDirectory(tools::Hlmv);
+  if (!own) return std::nullopt;
+  const auto command = tools::HlmvCommandForFile(*own, options.Directories.Game, path);
+  return Show(options, command, warnings, Alone(options), invocation);
+}
+
+/// Whether the SDK has a viewer that runs here; a Windows program without a Wine that runs it is as good as none.
+bool HasSdkViewer(const Options& options) {
+  const tools::ToolChoice choice = options.Directories.ToolFor(tools::Hlmv);
+  if (choice.StandsIn || choice.Directory.empty()) return false;
+  tools::ProgramStart ignored;
+  const auto command = tools::HlmvCommandForFile(choice.Directory, options.Directories.Game, options.Model);
+  const auto error = tools::PrepareStart(command, options.Directories.Start(), ignored);
+  return !error || error->Code != ENOEXEC;
 }
 
 /// Shows a model that is in an archive or a game: hlmv gets a copy on the disk, which is there until it ends.
@@ -142,10 +142,8 @@ int View(Options options, Invocation& invocation) {
   } else if (!core::FindIgnoringCase(path)) {
     warnings.push_back("there is no model " + path);
   }
-  const auto start = [&](const process::Command& command) {
-    return tools::StartHlmv(command, options.Directories.Start());
-  };
-  return Show(options, tools::HlmvCommand(options.Directories.Sdk, game, modelFile), warnings, start, invocation);
+  const auto command = tools::HlmvCommand(options.Directories.Sdk, game, modelFile);
+  return Show(options, command, warnings, Alone(options), invocation);
 }
 
 }  // namespace

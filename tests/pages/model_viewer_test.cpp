@@ -17,6 +17,7 @@
 #include <QToolButton>
 #include <QTreeWidget>
 #include <cmath>
+#include <filesystem>
 #include <set>
 
 #include "support/archive_builder.h"
@@ -175,6 +176,25 @@ TEST_F(ModelViewerTest, SaysWhyAFileIsNotShownAndReadsItOnceItIsThere) {
   EXPECT_TRUE(tests::WaitUntil([this] { return View().HasModel(); }));
   m_viewer->ShowFile({});
   EXPECT_TRUE(tests::WaitUntil([this] { return !View().HasModel(); }));
+}
+
+TEST_F(ModelViewerTest, SaysBelowThePictureWhatIsNotInIt) {
+  const auto notice = [this] {
+    const auto& label = ControlOf<QLabel>(*m_viewer, "viewerNotice");
+    return label.isHidden() ? std::string() : label.text().toStdString();
+  };
+  Open(Walker);
+  EXPECT_EQ(notice(), "");
+  Show(tests::ModelBuilder{}.Build().Write(m_folder.Path(), "crate"));
+  EXPECT_THAT(notice(), AllOf(HasSubstr("missing"), HasSubstr("Facts")));
+  Show(tests::ModelBuilder{.BodyParts = {}}.Build().Write(m_folder.Path(), "bones"));
+  EXPECT_THAT(notice(), AllOf(HasSubstr("no mesh"), HasSubstr("bones are shown")));
+  const std::string alone = tests::ModelBuilder{}.Build().Write(m_folder.Path(), "alone");
+  std::filesystem::remove(m_folder.Path("alone.vvd"));
+  Show(alone);
+  EXPECT_THAT(notice(), AllOf(HasSubstr("no mesh"), HasSubstr("alone.vvd")));
+  Show(m_folder.Path("gone.mdl"));
+  EXPECT_EQ(notice(), "") << "the picture's place says it";
 }
 
 TEST_F(ModelViewerTest, TurnsMovesAndSwitchesByKeys) {

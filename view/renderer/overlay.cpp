@@ -156,13 +156,13 @@ void Darken(Overlay& overlay) {
 }
 
 /// A grid on the ground under the model, as far as it reaches and some more, whose lines stand a power of two apart.
-void AddGrid(const Scene& scene, bool onDark, Overlay& overlay) {
+void AddGrid(const Box& ground, bool onDark, Overlay& overlay) {
   constexpr float Lines = 16;  // about as many from one end to the other
-  const float radius = std::clamp(scene.MeshBox.Radius(), 1.0f, 1e6f);
+  const float radius = std::clamp(ground.Radius(), 1.0f, 1e6f);
   const float step = std::exp2(std::ceil(std::log2(radius * 3 / Lines)));
   const float reach = step * Lines / 2;
   const uint8_t grey = onDark ? 255 : 0;
-  const Vec3 centre = scene.MeshBox.IsEmpty() ? Vec3() : scene.MeshBox.Centre();
+  const Vec3 centre = ground.IsEmpty() ? Vec3() : ground.Centre();
   const float x = std::round(centre.X / step) * step, y = std::round(centre.Y / step) * step;
   for (int i = -static_cast<int>(Lines) / 2; i <= static_cast<int>(Lines) / 2; ++i) {
     const float at = static_cast<float>(i) * step;
@@ -210,7 +210,11 @@ Overlay MakeOverlay(const Scene& scene, const OverlayParts& parts, const ViewSta
   Overlay overlay;
   const ViewExtras& extras = state.Extras;
   const std::span<const Matrix34> bones = pose.Bones();
-  const float radius = std::max(scene.MeshBox.Radius(), 1.0f);
+  Box box = scene.MeshBox;
+  if (box.IsEmpty()) {
+    for (const Matrix34& bone : bones) box.Add(bone.Translation());
+  }
+  const float radius = std::max(box.Radius(), 1.0f);
   if (extras.Boxes) AddBoxes(scene, state, overlay);
   if (extras.Normals) AddNormals(scene, state, pose, points, lod, radius * 0.03f, overlay);
   if (extras.Hitboxes) AddHitboxes(scene, state.HitboxSet, bones, overlay);
@@ -218,7 +222,7 @@ Overlay MakeOverlay(const Scene& scene, const OverlayParts& parts, const ViewSta
   if (!onDark) Darken(overlay);
   if (extras.Bones) AddBones(scene, bones, overlay);  // which lie before the model, not the background
   if (extras.Attachments) AddAttachments(scene, bones, radius * 0.08f, overlay);
-  if (extras.Grid) AddGrid(scene, onDark, overlay);
+  if (extras.Grid) AddGrid(box, onDark, overlay);
   return overlay;
 }
 

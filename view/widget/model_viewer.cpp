@@ -47,6 +47,7 @@ ModelViewer::ModelViewer(platform::Desktop& desktop, Controls controls, QWidget*
       m_desktop(desktop),
       m_view(new ModelView),
       m_tabs(new QTabWidget),
+      m_notice(new QLabel),
       m_frame(new QSlider(Qt::Horizontal)),
       m_time(new QLabel),
       m_emptyText("The model that is named is shown here"),
@@ -66,6 +67,10 @@ ModelViewer::ModelViewer(platform::Desktop& desktop, Controls controls, QWidget*
   AddTab(m_face, "Face");
   AddTab(m_facts, "Facts");
 
+  m_notice->setObjectName("viewerNotice");
+  m_notice->setWordWrap(true);
+  m_notice->setTextFormat(Qt::PlainText);
+  m_notice->setTextInteractionFlags(Qt::TextSelectableByMouse);
   auto* time = new QHBoxLayout;
   m_play = AddButton("Play", "playButton");
   m_play->setCheckable(true);
@@ -84,6 +89,7 @@ ModelViewer::ModelViewer(platform::Desktop& desktop, Controls controls, QWidget*
   auto* rows = new QVBoxLayout(picture);
   rows->setContentsMargins(0, 0, 0, 0);
   rows->addWidget(m_view, 1);
+  rows->addWidget(m_notice);
   rows->addLayout(time);
 
   auto* splitter = new QSplitter(controls == Controls::Beside ? Qt::Horizontal : Qt::Vertical);
@@ -179,6 +185,8 @@ void ModelViewer::TakeModel(const ShownModel& model, const QString& path) {
     m_view->ShowModel(model, kept != KeptStates().constEnd() ? std::optional(*kept) : std::nullopt);
   }
   const bool has = model.Model != nullptr;
+  m_notice->setText(ToQt(NoticeOf(model)));
+  m_notice->setVisible(!m_notice->text().isEmpty());
   for (ViewerTab* tab : m_tabList) tab->TakeModel();
   m_tabs->setTabEnabled(m_tabs->indexOf(m_pose), m_pose->HasSliders());
   m_tabs->setTabEnabled(m_tabs->indexOf(m_face), m_face->HasSliders());

@@ -79,6 +79,7 @@ class ModelViewer : public QWidget {
   QToolButton* m_before = nullptr;
   QToolButton* m_next = nullptr;
   bool m_looksPlaying = false;
+  QLabel* m_notice;  // below the picture
   QSlider* m_frame;
   QLabel* m_time;
   QString m_path;

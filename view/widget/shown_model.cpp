@@ -1,5 +1,7 @@
 #include "view/widget/shown_model.h"
 
+#include <algorithm>
+
 #include "core/paths.h"
 #include "view/materials/material_loader.h"
 #include "view/scene/make_scene.h"
@@ -31,6 +33,26 @@ std::string ErrorOf(const std::vector<core::Trouble>& troubles, const std::strin
 }
 
 }  // namespace
+
+std::string NoticeOf(const ShownModel& model) {
+  if (model.Model == nullptr) return {};
+  const auto first = [&](core::Severity level) -> const core::Trouble* {
+    const auto found = std::find_if(model.Troubles.begin(), model.Troubles.end(),
+                                    [level](const core::Trouble& trouble) { return trouble.Level == level; });
+    return found == model.Troubles.end() ? nullptr : &*found;
+  };
+  const core::Trouble* error = first(core::Severity::Error);
+  if (model.Model->Draws.empty()) {
+    const core::Trouble* why = error != nullptr ? error : first(core::Severity::Warning);
+    const std::string bones = model.Model->Bones.empty() ? "" : " Its bones are shown.";
+    return why == nullptr ? "There is no mesh." + bones : "There is no mesh: " + why->Text + "." + bones;
+  }
+  if (error != nullptr) return "Not all of it is shown: " + error->Text;
+  const size_t missing = model.Materials->Missing.size();
+  if (missing == 0 || IsSmd(model.Model->Path)) return {};
+  return std::to_string(missing) + (missing == 1 ? " material or texture is" : " materials or textures are") +
+         R"( missing and shown as a pattern; "Facts" has the paths that were tried.)";
+}
 
 std::vector<std::string> ModelSource::FilesOf(const std::string& path) {
   std::vector<std::string> files = {path};

@@ -23,6 +23,10 @@ struct ShownModel {
   std::string Error = {};                             // without a Model: why, for people
 };
 
+/// What somebody who looks at the model has to know: that it has no mesh, that parts of it could not be read, that
+/// materials are missing. "" for nothing. A mesh (.smd) may be without materials.
+std::string NoticeOf(const ShownModel& model);
+
 /// Loads models one after the other, on any thread; keeps the game's places from one to the next.
 class ModelSource {
  public:
