@@ -195,6 +195,22 @@ struct ContentFiles::Root {
   std::string Start = {};  // what stands before a name in an archive
 };
 
+namespace {
+
+bool IsSameFolder(const std::filesystem::path& a, const std::filesystem::path& b) {
+  std::error_code error;
+#ifdef _WIN32  // where the library compares files alone
+  const std::filesystem::path first = std::filesystem::canonical(a, error);
+  if (error) return false;
+  const std::filesystem::path second = std::filesystem::canonical(b, error);
+  return !error && core::EqualIgnoringCase(core::PathText(first), core::PathText(second));
+#else
+  return std::filesystem::equivalent(a, b, error);
+#endif
+}
+
+}  // namespace
+
 /// Whether the archive or folder at `path` is one of the game's places.
 bool ContentFiles::IsOfGame(const std::string& path) const {
   {
@@ -207,8 +223,7 @@ bool ContentFiles::IsOfGame(const std::string& path) const {
   bool isOfGame = false;
   const std::filesystem::path wanted = core::NativePath(path);
   for (const std::string& place : game != nullptr ? game->Places() : std::vector<std::string>{m_gameDirectory}) {
-    std::error_code error;
-    isOfGame = isOfGame || std::filesystem::equivalent(core::NativePath(place), wanted, error);
+    isOfGame = isOfGame || IsSameFolder(core::NativePath(place), wanted);
   }
   const std::lock_guard lock(m_lock);
   m_isOfGame.emplace(path, isOfGame);

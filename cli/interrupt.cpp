@@ -54,7 +54,18 @@ struct InterruptFlag::Watch {
   };
   std::vector<Replaced> Handlers;
   std::stop_source Stop;
-  std::jthread Looker;  // last, so that it ends before what it uses
+  std::mutex Lock;
+  std::condition_variable End;
+  bool HasEnded = false;  // under the lock
+  std::thread Looker;
+
+  /// Hands the flag on to those who wait for the token, until the end or the first interrupt.
+  void Look() {
+    std::unique_lock lock(Lock);
+    while (!HasEnded && !Interrupted) End.wait_for(lock, LookInterval);
+    lock.unlock();
+    if (Interrupted) Stop.request_stop();
+  }
 };
 
 InterruptFlag::InterruptFlag() : m_watch(std::make_unique<Watch>()) {
@@ -70,16 +81,16 @@ InterruptFlag::InterruptFlag() : m_watch(std::make_unique<Watch>()) {
 #ifdef _WIN32
   SetConsoleCtrlHandler(OnConsoleEvent, TRUE);
 #endif
-  m_watch->Looker = std::jthread([watch = m_watch.get()](const std::stop_token& ended) {
-    std::mutex mutex;
-    std::condition_variable_any end;
-    std::unique_lock lock(mutex);
-    while (!ended.stop_requested() && !Interrupted) end.wait_for(lock, ended, LookInterval, [] { return false; });
-    if (Interrupted) watch->Stop.request_stop();
-  });
+  m_watch->Looker = std::thread([watch = m_watch.get()] { watch->Look(); });
 }
 
 InterruptFlag::~InterruptFlag() {
+  {
+    const std::lock_guard lock(m_watch->Lock);
+    m_watch->HasEnded = true;
+  }
+  m_watch->End.notify_one();
+  m_watch->Looker.join();
 #ifdef _WIN32
   SetConsoleCtrlHandler(OnConsoleEvent, FALSE);
 #endif

@@ -16,6 +16,7 @@
 #include "core/byte_size.h"
 #include "core/paths.h"
 #include "pages/source_highlighter.h"
+#include "platform/native_path.h"
 #include "platform/text.h"
 #include "view/widget/model_view.h"
 
@@ -180,7 +181,7 @@ void SourcesView::Look() {
 
 void SourcesView::OpenFolder() {
   const QFileInfo chosen(ToQt(ChosenPath()));
-  const std::string folder = FromQt(chosen.isDir() ? chosen.filePath() : chosen.path());
+  const std::string folder = platform::PathFromQt(chosen.isDir() ? chosen.filePath() : chosen.path());
   if (m_desktop.Open(folder)) return;
   m_desktop.Box(this, platform::BoxIcon::Stop, "Unable to open the folder " + folder, "Error");
 }

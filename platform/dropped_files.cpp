@@ -4,6 +4,7 @@
 #include <QUrl>
 #include <QWidget>
 
+#include "platform/native_path.h"
 #include "platform/text.h"
 
 namespace tarnwick::platform {
@@ -32,7 +33,7 @@ DroppedFiles FilesOf(const QMimeData& data) {
   }
   if (!files.Paths.empty()) return files;
   for (const QUrl& url : data.urls()) {
-    if (url.isLocalFile()) files.Paths.push_back(FromQt(url.toLocalFile()));
+    if (url.isLocalFile()) files.Paths.push_back(PathFromQt(url.toLocalFile()));
   }
   return files;
 }

@@ -17,6 +17,7 @@
 #include "core/paths.h"
 #include "core/report.h"
 #include "platform/editor.h"
+#include "platform/native_path.h"
 #include "platform/text.h"
 
 namespace tarnwick::platform {
@@ -81,7 +82,7 @@ QStringList Choose(QWidget* owner, const FileRequest& request, QFileDialog::Acce
 
 std::optional<std::string> First(const QStringList& files) {
   if (files.isEmpty()) return std::nullopt;
-  return FromQt(files.front());
+  return PathFromQt(files.front());
 }
 
 }  // namespace
@@ -132,7 +133,7 @@ std::optional<std::vector<std::string>> QtDesktop::ChooseFilesToOpen(QWidget* ow
   const QStringList chosen = Choose(owner, request, QFileDialog::AcceptOpen, QFileDialog::ExistingFiles);
   if (chosen.isEmpty()) return std::nullopt;
   std::vector<std::string> files;
-  for (const QString& file : chosen) files.push_back(FromQt(file));
+  for (const QString& file : chosen) files.push_back(PathFromQt(file));
   return files;
 }
 
@@ -144,7 +145,7 @@ std::optional<std::string> QtDesktop::ChooseFolder(QWidget* owner, const std::st
                                                    const std::string& startDirectory) {
   const QString folder = QFileDialog::getExistingDirectory(owner, ToQt(title), QtPath(startDirectory));
   if (folder.isEmpty()) return std::nullopt;
-  return FromQt(folder);
+  return PathFromQt(folder);
 }
 
 bool QtDesktop::Open(const std::string& addressOrPath) {

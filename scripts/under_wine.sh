@@ -31,7 +31,22 @@ start_wine() {
   mkdir -p "$1"
   export WINEPREFIX=$1 WINEDEBUG=-all
   unset DISPLAY
-  timeout 300 "$wine" cmd /c exit >/dev/null 2>&1
+  timeout 300 "$wine" cmd /c exit >/dev/null 2>&1 || return
+  # Wine has no fonts of its own, and Windows' are not to be had.
+  local font
+  for font in Tahoma 'Segoe UI' 'MS Shell Dlg' 'MS Shell Dlg 2'; do set_wine_font "$font" 'DejaVu Sans'; done
+  set_wine_font 'Courier New' 'DejaVu Sans Mono'
+}
+
+# Gives the programs font `$2` for `$1`.
+set_wine_font() {
+  "$wine" reg add 'HKCU\Software\Wine\Fonts\Replacements' /v "$1" /d "$2" /f >/dev/null 2>&1
+}
+
+# Lets programs with windows run without a screen. Wine keeps what is named QT_... from them, and hands them without its
+# first letters what is named WINEQT_...
+windows_without_screen() {
+  export QT_QPA_PLATFORM=offscreen WINEQT_QPA_PLATFORM=offscreen
 }
 
 # Runs test program `$1` with its log in `$2`. What fails is run once more by itself: on a busy machine Wine can take longer

@@ -29,7 +29,7 @@ for program in "$build"/bin/*_tests.exe; do
   [ "$mode" = --if-made ] && [[ " ${logic_tests[*]} " == *" $name "* ]] || tests+=("$name")
 done
 start_wine "$build/wineprefix" || { echo "Wine does not start here." >&2; exit 1; }
-export QT_QPA_PLATFORM=offscreen
+windows_without_screen
 run_windows_tests "$build/bin" "$build" "${tests[@]}"
 if [ "$mode" != --if-made ]; then
   ./scripts/build.sh release tarnwick-cli

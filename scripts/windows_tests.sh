@@ -29,7 +29,7 @@ fi
 ./scripts/build.sh release tarnwick-cli
 
 start_wine "$build/wineprefix" || cannot_run "Wine does not start here."
-export QT_QPA_PLATFORM=offscreen
+windows_without_screen
 run_windows_tests "$build/bin" "$build" "${tests[@]}"
 compare_sample "$build/bin/tarnwick-cli.exe" build/release/bin/tarnwick-cli "$build"
 tell_failed

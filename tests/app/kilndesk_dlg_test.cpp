@@ -4,6 +4,7 @@
 
 #include <QAbstractButton>
 #include <QComboBox>
+#include <QDir>
 #include <QKeySequence>
 #include <QLabel>
 #include <QLineEdit>
@@ -21,6 +22,7 @@
 #include "app/document_view.h"
 #include "app/help_window.h"
 #include "controls/html_static.h"
+#include "core/paths.h"
 #include "platform/job_runner.h"
 #include "platform/look.h"
 #include "support/scratch_folder.h"
@@ -150,10 +152,10 @@ TEST_F(MainDialog, HandsDropsToTheShowingPageOnlyAndPagesKeepTheirText) {
   EXPECT_EQ(modelBox.text(), "") << "another tab is showing";
   Tabs().setCurrentIndex(2);
   tests::Drop(modelBox, {"/m/b.mdl"});
-  EXPECT_EQ(modelBox.text(), "/m/b.mdl");
+  EXPECT_EQ(modelBox.text(), QDir::toNativeSeparators("/m/b.mdl"));
   Tabs().setCurrentIndex(3);
   Tabs().setCurrentIndex(2);
-  EXPECT_EQ(modelBox.text(), "/m/b.mdl");
+  EXPECT_EQ(modelBox.text(), QDir::toNativeSeparators("/m/b.mdl"));
 }
 
 TEST_F(MainDialog, ShowsThePageOfTheFilesThatItWasStartedWith) {
@@ -182,12 +184,13 @@ TEST_F(MainDialog, ConfiguringOffersTheProgramsOwnTextureTools) {
   Open();
   tests::WhenModalOpens([this](QWidget& dialog) {
     Click(dialog, "ownToolsButton");
-    EXPECT_THAT(ControlOf<QLineEdit>(dialog, "sdkEdit").text().toStdString(), EndsWith("/bin/sdk"));
+    EXPECT_THAT(ControlOf<QLineEdit>(dialog, "sdkEdit").text().toStdString(),
+                EndsWith(std::string("bin") + core::PathSeparator + "sdk"));
     EXPECT_EQ(Value("Tarnwick/SDKDirectory"), "(not there)") << "stored on OK only";
     static_cast<QDialog&>(dialog).accept();
   });
   Click(*m_dialog, "configureButton");
-  EXPECT_THAT(Value("Tarnwick/SDKDirectory"), EndsWith("/bin/sdk"));
+  EXPECT_THAT(Value("Tarnwick/SDKDirectory"), EndsWith(std::string("bin") + core::PathSeparator + "sdk"));
 }
 
 TEST_F(MainDialog, ConfiguringNamesTheToolsInUseAndKeepsTheSdks) {
@@ -348,7 +351,8 @@ TEST_F(MainDialog, CheckingForUpdatesSaysWhatItCanBeforeItOpensAPage) {
   Open();
   m_desktop.BoxAnswers = {BoxAnswer::Cancel};
   Click(*m_dialog, "updatesButton");
-  EXPECT_THAT(m_desktop.LastBox.Text, testing::MatchesRegex("This is Tarnwick [0-9.]+\\..*by itself.*"));
+  EXPECT_THAT(m_desktop.LastBox.Text,
+              testing::AllOf(testing::StartsWith("This is Tarnwick "), testing::HasSubstr("by itself")));
   EXPECT_THAT(m_desktop.LastBox.Details, testing::HasSubstr("No maker's host was set"));
   EXPECT_TRUE(m_desktop.Opened.empty());
   Click(*m_dialog, "updatesButton");

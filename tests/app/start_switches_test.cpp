@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "core/paths.h"
 #include "support/scratch_folder.h"
 
 namespace tarnwick::app {
@@ -41,9 +42,9 @@ TEST(FilesOnLine, AreWholePathsAndNoSwitches) {
   const tests::ScratchFolder folder;
   const std::string file = folder.Path() + "/-odd.mdl";
   std::ofstream(file).put('x');
-  const std::string here = std::filesystem::current_path().string();
+  const auto whole = [](const std::filesystem::path& path) { return core::PathText(absolute(path).make_preferred()); };
   EXPECT_EQ(FilesOnLine({"-x", "/unknown", "", "a b/./c.vtf", file, "/gone/model.mdl"}),
-            (std::vector<std::string>{here + "/a b/c.vtf", file, "/gone/model.mdl"}));
+            (std::vector<std::string>{whole("a b/c.vtf"), whole(file), whole("/gone/model.mdl")}));
 }
 
 TEST(UnknownOptions, AreWhatTwoDashesMark) {

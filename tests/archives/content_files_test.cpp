@@ -72,8 +72,10 @@ TEST_F(ContentFilesTest, ReadsAnArchiveAnewWhenItWasWrittenAnew) {
                 .Directory);
   EXPECT_EQ(Text(files, path + ":a.txt"), "the second");
   EXPECT_EQ(Text(files, path + ":b.txt"), "b");
+#ifndef _WIN32  // there its name may stay until the last who has it open is done
   std::filesystem::remove(path);
   EXPECT_THAT(Text(files, path + ":a.txt"), HasSubstr("new.vpk: "));
+#endif
 }
 
 TEST_F(ContentFilesTest, CompanionsComeFromTheSameArchiveFirst) {
@@ -85,7 +87,11 @@ TEST_F(ContentFilesTest, CompanionsComeFromTheSameArchiveFirst) {
   EXPECT_FALSE(noGame.FindCompanion(addon + ":models/shared.ani"));
   EXPECT_FALSE(files.FindCompanion(addon + ":models/none.ani"));
   EXPECT_EQ(Text(files, *files.FindCompanion("game:models/crate.vvd")), "game vvd");
+#ifdef _WIN32  // where any spelling opens it
+  EXPECT_TRUE(files.FindCompanion(m_folder.Path("loose.vvd")));
+#else
   EXPECT_THAT(files.FindCompanion(m_folder.Path("loose.vvd")), Optional(m_folder.Path("Loose.vvd")));
+#endif
   EXPECT_FALSE(files.FindCompanion(m_folder.Path("none.vvd")));
 }
 

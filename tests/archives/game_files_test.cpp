@@ -26,6 +26,11 @@ std::string GameInfo(const std::string& paths) {
 
 TEST(GameInfo, TellsTheSearchPaths) {
   std::string reason;
+#ifdef _WIN32
+  const std::string content = "C:/opt/content";
+#else
+  const std::string content = "/opt/content";
+#endif
   const auto paths = ReadSearchPaths(GameInfo("game+mod mod/custom/*\n"
                                               "GAME |gameinfo_path|.\n"
                                               "gamebin |gameinfo_path|bin\n"
@@ -35,7 +40,8 @@ TEST(GameInfo, TellsTheSearchPaths) {
                                               "game hl2/pc.vpk [!$X360]\n"
                                               "Game |All_Source_Engine_Paths|hl2/hl2_misc.vpk\n"
                                               "game { nested 1 }\n"
-                                              "game /opt/content\n"),
+                                              "game " +
+                                              content + "\n"),
                                      "/games/mod", reason);
   ASSERT_TRUE(paths) << reason;
   using Kind = SearchPath::Kind;
@@ -45,7 +51,7 @@ TEST(GameInfo, TellsTheSearchPaths) {
       ElementsAre(SearchPath{Kind::AllBelow, "/games" + s + "mod/custom"}, SearchPath{Kind::Place, "/games/mod"},
                   SearchPath{Kind::Place, "/games/mod" + s + "sub"},
                   SearchPath{Kind::Place, "/games" + s + "hl2/pc.vpk"},
-                  SearchPath{Kind::Place, "/games" + s + "hl2/hl2_misc.vpk"}, SearchPath{Kind::Place, "/opt/content"}));
+                  SearchPath{Kind::Place, "/games" + s + "hl2/hl2_misc.vpk"}, SearchPath{Kind::Place, content}));
   EXPECT_FALSE(ReadSearchPaths("GameInfo { FileSystem { } }", "/games/mod", reason));
   EXPECT_THAT(reason, HasSubstr("no list"));
   EXPECT_FALSE(ReadSearchPaths("GameInfo { FileSystem", "/games/mod", reason));
@@ -117,8 +123,8 @@ TEST_F(GameFilesTest, CaseAndSlashPlayNoPart) {
        {"materials/models/wood.vmt", "MATERIALS\\models\\WOOD.vmt", "/Materials//Models/./Wood.VMT"}) {
     EXPECT_EQ(Text(*game, name), "loose") << name;
   }
-  EXPECT_EQ(game->Find("materials\\models\\Stone.vmt")->Name,
-            m_folder.Path("base") + core::PathSeparator + "base_misc_dir.vpk:materials/models/stone.vmt");
+  EXPECT_THAT(game->Find("materials\\models\\Stone.vmt")->Name,
+              testing::EndsWith("base_misc_dir.vpk:materials/models/stone.vmt"));
   for (const char* name : {"", "materials", "materials/models/", "../base/base.txt", "materials/../z.txt"}) {
     EXPECT_FALSE(game->Find(name)) << name;
   }

@@ -149,4 +149,99 @@ TEST(InterruptTest, ASignalThatIsIgnoredFromTheStartStaysIgnored) {
 }  // namespace
 }  // namespace tarnwick::cli
 
+#else
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <filesystem>
+
+#include "core/paths.h"
+#include "core/program_directory.h"
+#include "support/model_builder.h"
+#include "support/scratch_folder.h"
+
+namespace tarnwick::cli {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::AllOf;
+using testing::HasSubstr;
+
+/// tarnwick-cli as a process group of this program's console, its standard output read here.
+class ChildProgram {
+ public:
+  ChildProgram(const std::string& arguments, const std::string& errorFile) : m_errorFile(errorFile) {
+    AllocConsole();  // fails, rightly, where there is one
+    SECURITY_ATTRIBUTES inherited{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
+    HANDLE output = nullptr;
+    EXPECT_TRUE(CreatePipe(&m_output, &output, &inherited, 1024));
+    SetHandleInformation(m_output, HANDLE_FLAG_INHERIT, 0);
+    const HANDLE errors =
+        CreateFileW(fs::path(errorFile).c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherited, CREATE_ALWAYS, 0, nullptr);
+    STARTUPINFOW startup{};
+    startup.cb = sizeof startup;
+    startup.dwFlags = STARTF_USESTDHANDLES;
+    startup.hStdOutput = output;
+    startup.hStdError = errors;
+    const fs::path program = core::NativePath(core::ProgramDirectory() + "/tarnwick-cli.exe");
+    std::wstring line = fs::path("tarnwick-cli " + arguments).native();
+    EXPECT_TRUE(CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, TRUE, CREATE_NEW_PROCESS_GROUP, nullptr,
+                               nullptr, &startup, &m_process));
+    CloseHandle(output);
+    CloseHandle(errors);
+  }
+  ~ChildProgram() {
+    TerminateProcess(m_process.hProcess, 9);
+    for (const HANDLE each : {m_process.hProcess, m_process.hThread, m_output}) CloseHandle(each);
+  }
+
+  /// Waits until it has printed something: it is at work then.
+  void WaitForOutput() { EXPECT_TRUE(ReadSome()); }
+  bool Interrupt() { return GenerateConsoleCtrlEvent(CTRL_BREAK_EVENT, m_process.dwProcessId) != 0; }
+  /// Waits for its end; its exit code.
+  DWORD Wait() {
+    while (ReadSome()) {
+    }
+    WaitForSingleObject(m_process.hProcess, INFINITE);
+    DWORD code = 0;
+    GetExitCodeProcess(m_process.hProcess, &code);
+    return code;
+  }
+  std::string ErrorText() const { return tests::ReadText(m_errorFile); }
+
+ private:
+  bool ReadSome() {
+    char text[64];
+    DWORD size = 0;
+    return ReadFile(m_output, text, sizeof text, &size, nullptr) && size > 0;
+  }
+
+  std::string m_errorFile;
+  HANDLE m_output = nullptr;
+  PROCESS_INFORMATION m_process{};
+};
+
+TEST(Interrupt, FromTheConsoleLeavesNoTemporaryFileAndGivesASummary) {
+  const tests::ScratchFolder folder;
+  for (int i = 0; i < 60; ++i) tests::ModelBuilder{}.Write(folder.Path("models"), "cube" + std::to_string(i));
+  ChildProgram program("decompile -j 2 -o \"" + folder.Path("out") + "\" \"" + folder.Path("models") + '"',
+                       folder.Path("errors"));
+  program.WaitForOutput();
+  if (!program.Interrupt()) GTEST_SKIP() << "this console sends no events: error " << GetLastError();
+  EXPECT_EQ(program.Wait(), 1u);
+  EXPECT_THAT(program.ErrorText(),
+              AllOf(HasSubstr("\n60 models, "), HasSubstr(" 0 failed"), HasSubstr(" not begun\n")));
+  size_t written = 0;
+  for (const auto& entry : fs::recursive_directory_iterator(folder.Path("out"))) {
+    EXPECT_FALSE(entry.path().filename().string().starts_with(".tarnwick")) << entry.path();
+    ++written;
+  }
+  EXPECT_GT(written, 0u);
+}
+
+}  // namespace
+}  // namespace tarnwick::cli
+
 #endif

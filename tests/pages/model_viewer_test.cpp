@@ -138,11 +138,11 @@ TEST_F(ModelViewerTest, DrawsWhatTheCameraSees) {
                               static_cast<float>(View().width()), static_cast<float>(View().height()));
       const QPoint pixel(static_cast<int>(at.X * scale), static_cast<int>(at.Y * scale));
       outline |= QRect(pixel, QSize(1, 1));
-      bool near = false;
+      bool isNear = false;
       for (int x = -1; x <= 1; ++x) {
-        for (int y = -1; y <= 1; ++y) near = near || isCovered(pixel.x() + x, pixel.y() + y);
+        for (int y = -1; y <= 1; ++y) isNear = isNear || isCovered(pixel.x() + x, pixel.y() + y);
       }
-      outside += near ? 0 : 1;
+      outside += isNear ? 0 : 1;
     }
   }
   EXPECT_EQ(outside, 0) << "vertices of " << outline.width() << " by " << outline.height() << " pixels";

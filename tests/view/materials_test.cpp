@@ -31,6 +31,9 @@ class Materials : public testing::Test {
   Material Load(const std::string& name, const std::vector<std::string>& directories = {"models\\props\\"}) {
     const archives::ContentFiles content(m_game, m_troubles);
     m_set = LoadMaterials({name}, directories, {content, m_folder.Path("mod/models/props/crate.mdl")}, m_cache);
+    for (MissingFile& missing : m_set.Missing) {
+      for (std::string& path : missing.Tried) std::replace(path.begin(), path.end(), '\\', '/');
+    }
     return m_set.Materials.at(0);
   }
 
@@ -71,7 +74,8 @@ TEST_F(Materials, AreSoughtBesideTheModelsFolderThenInTheGame) {
   Write("game/materials/tex/a.vtf", Plain(1, 2, 2, 2, -1));
   EXPECT_EQ(DecodedLevel(Load("a").Base->Levels[0]).Pixels[0].R, 1) << "the game knows nothing of this folder";
   EXPECT_TRUE(m_set.Materials[0].Unlit);
-  EXPECT_THAT(Load("b", {"models/other/", ""}).Path, EndsWith("game/materials/b.vmt"));
+  EXPECT_THAT(std::filesystem::path(Load("b", {"models/other/", ""}).Path).generic_string(),
+              EndsWith("game/materials/b.vmt"));
 
   const Material none = Load("none", {"models/x/", "models/y"});
   EXPECT_TRUE(none.Missing);

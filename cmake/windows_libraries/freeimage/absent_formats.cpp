@@ -1,5 +1,6 @@
 // The formats whose codecs are left out. The library numbers its formats by the order in which they are made known, so
-// each must be; it asks for a name, and takes a format that can neither be read nor written for one that is of no use.
+// each must be; it asks for a name and for extensions, and takes a format that can neither be read nor written for one
+// that is of no use.
 #include "FreeImage.h"
 #include "Plugin.h"
 
@@ -9,8 +10,13 @@ const char* DLL_CALLCONV NoFormat() {
   return "-";
 }
 
+const char* DLL_CALLCONV NoExtensions() {
+  return "";
+}
+
 void MakeAbsent(Plugin* plugin) {
   plugin->format_proc = NoFormat;
+  plugin->extension_proc = NoExtensions;
 }
 
 }  // namespace
