@@ -1,7 +1,6 @@
 #include "cli/view_verb.h"
 
 #include <CLI/CLI.hpp>
-#include <cerrno>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -70,16 +69,6 @@ std::optional<int> ShowInOwn(const Options& options, const std::string& path, co
   return Show(options, command, warnings, Alone(options), invocation);
 }
 
-/// Whether the SDK has a viewer that runs here; a Windows program without a Wine that runs it is as good as none.
-bool HasSdkViewer(const Options& options) {
-  const tools::ToolChoice choice = options.Directories.ToolFor(tools::Hlmv);
-  if (choice.StandsIn || choice.Directory.empty()) return false;
-  tools::ProgramStart ignored;
-  const auto command = tools::HlmvCommandForFile(choice.Directory, options.Directories.Game, options.Model);
-  const auto error = tools::PrepareStart(command, options.Directories.Start(), ignored);
-  return !error || error->Code != ENOEXEC;
-}
-
 /// Shows a model that is in an archive or a game: hlmv gets a copy on the disk, which is there until it ends.
 int ViewUnpacked(const Options& options, Invocation& invocation) {
   const jobs::InputContent content(options.Directories.Game);
@@ -119,7 +108,7 @@ int View(Options options, Invocation& invocation) {
   const std::string modelFile = isOnDisk ? tools::ModelFileOf(game, options.Model) : std::string();
   const std::string path = game + "/models/" + modelFile;
   std::vector<std::string> warnings;
-  if (!HasSdkViewer(options)) {
+  if (!tools::RunsHlmv(options.Directories.Sdk, options.Directories.Start())) {
     std::string shown = options.Model;
     if (isOnDisk) {
       std::error_code error;

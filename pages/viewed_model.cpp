@@ -1,13 +1,10 @@
 #include "pages/viewed_model.h"
 
-#include <cerrno>
-
 #include "core/paths.h"
 #include "core/settings_table.h"
 #include "platform/text.h"
 #include "platform/window_placing.h"
 #include "tools/hlmv_command.h"
-#include "tools/tool_file.h"
 #include "view/widget/model_viewer.h"
 #include "view/widget/model_window.h"
 
@@ -38,18 +35,15 @@ void ViewedModel::View(const std::string& modelFile) {
   const std::string sdk = setting::SdkDirectory.Read(m_settings);
   const std::string model = tools::ModelFileOf(game, modelFile);
   const process::Command command = tools::HlmvCommand(sdk, game, model);
-  if (!sdk.empty() && tools::ToolExists(command.Program)) {
-    const auto error = tools::StartHlmv(command, {setting::WineProgram.Read(m_settings)});
-    if (!error) return;
-    // A Windows program without a Wine that runs it is as good as none.
-    if (error->Code != ENOEXEC) {
-      platform::MessageBoxRequest box{tools::HlmvErrorText(command), {}, platform::BoxIcon::None};
-      box.Details = error->Message;
-      m_desktop.ShowBox(&m_owner, box);
-      return;
-    }
+  const tools::StartSettings start{setting::WineProgram.Read(m_settings)};
+  if (!tools::RunsHlmv(sdk, start)) {
+    return ShowHere(core::FindIgnoringCase(game + "/models/" + model).value_or(game + "/models/" + model), true);
   }
-  ShowHere(core::FindIgnoringCase(game + "/models/" + model).value_or(game + "/models/" + model), true);
+  if (const auto error = tools::StartHlmv(command, start)) {
+    platform::MessageBoxRequest box{tools::HlmvErrorText(command), {}, platform::BoxIcon::None};
+    box.Details = error->Message;
+    m_desktop.ShowBox(&m_owner, box);
+  }
 }
 
 void ViewedModel::ShowCompiled(const jobs::ItemResult& result) {

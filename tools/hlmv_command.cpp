@@ -1,9 +1,11 @@
 #include "tools/hlmv_command.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 
 #include "core/paths.h"
+#include "tools/tool_file.h"
 
 namespace tarnwick::tools {
 
@@ -37,6 +39,14 @@ process::Command HlmvCommandForFile(std::string_view sdkDirectory, std::string_v
   process::Command command{std::string(sdkDirectory) + core::PathSeparator + "hlmv.exe"};
   command.Word("-game").InQuotes(std::string(gameDirectory)).InQuotes(path);
   return command;
+}
+
+bool RunsHlmv(std::string_view sdkDirectory, const StartSettings& settings) {
+  const process::Command command = HlmvCommand(sdkDirectory, {}, {});
+  if (sdkDirectory.empty() || !ToolExists(command.Program)) return false;
+  ProgramStart ignored;
+  const auto error = PrepareStart(command, settings, ignored);
+  return !error || error->Code != ENOEXEC;
 }
 
 std::optional<process::SystemError> StartHlmv(const process::Command& command, const StartSettings& settings) {

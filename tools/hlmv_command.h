@@ -16,6 +16,9 @@ process::Command HlmvCommand(std::string_view sdkDirectory, std::string_view gam
 process::Command HlmvCommandForFile(std::string_view sdkDirectory, std::string_view gameDirectory,
                                     const std::string& path);
 
+/// Whether the SDK has an hlmv that runs here; a Windows program without a Wine that runs it is as good as none.
+bool RunsHlmv(std::string_view sdkDirectory, const StartSettings& settings);
+
 /// Starts hlmv without waiting for it. A failure is told by the system's error.
 std::optional<process::SystemError> StartHlmv(const process::Command& command, const StartSettings& settings);
 
