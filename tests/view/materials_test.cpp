@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include "support/recording_troubles.h"
 #include "support/scratch_folder.h"
 #include "support/vtf_builder.h"
