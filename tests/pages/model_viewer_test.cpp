@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 
 #include <QAction>
+#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
@@ -82,6 +83,29 @@ TEST(ModelWindow, OpensModelsThatAreChosenInTheGame) {
   EXPECT_EQ(asked, 1);
   EXPECT_EQ(window.Viewer().File().toStdString(), Walker);
   EXPECT_TRUE(tests::WaitUntil([&] { return !window.Viewer().IsBusy(); }));
+}
+
+TEST(ModelWindow, OpensWhatIsDroppedOnItMoreModelsInWindowsOfTheirOwn) {
+  const tests::ScratchFolder folder;
+  const std::string crate = tests::ModelBuilder{}.Build().Write(folder.Path(), "crate");
+  tests::ScriptedDesktop desktop;
+  ModelWindow window(desktop);
+  window.setAttribute(Qt::WA_DeleteOnClose, false);
+  window.show();
+  tests::Drop(window, {"/m/notes.txt"});
+  EXPECT_EQ(window.Viewer().File().toStdString(), "");
+  tests::Drop(window, {"/m/notes.txt", Walker, crate});
+  std::vector<std::string> shown;
+  for (QWidget* other : QApplication::topLevelWidgets()) {
+    auto* opened = qobject_cast<ModelWindow*>(other);
+    if (opened == nullptr || !opened->isVisible()) continue;
+    EXPECT_TRUE(tests::WaitUntil([&] { return !opened->Viewer().IsBusy(); }));
+    EXPECT_TRUE(opened->Viewer().View().HasModel());
+    shown.push_back(opened->Viewer().File().toStdString());
+    opened->close();
+  }
+  EXPECT_EQ(window.Viewer().File().toStdString(), Walker);
+  EXPECT_THAT(shown, testing::UnorderedElementsAre(Walker, crate));
 }
 
 TEST_F(ModelViewerTest, SaysWhyNothingIsDrawnAndDoesAllElse) {
