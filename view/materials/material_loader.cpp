@@ -54,7 +54,12 @@ class Loader {
   std::optional<core::FileImage> FindFile(Material& material) {
     const std::string stem = WithoutEnding(material.Name, {".vmt", ".vtf", ".bmp", ".tga", ".png", ".psd"});
     std::vector<std::string> names;
-    for (const std::string& directory : m_directories) AddName(directory + "/" + stem + ".vmt", names);
+    for (const std::string& directory : m_directories) {
+      std::string name = directory;
+      name += '/';
+      name += stem;
+      AddName(name += ".vmt", names);
+    }
     AddName(stem + ".vmt", names);
     std::vector<std::string> tried;
     std::string reason = "it was not found";

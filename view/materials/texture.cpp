@@ -97,6 +97,7 @@ std::optional<Texture> ReadTexture(core::FileImage file, int largestSide, std::s
     const auto kind =
         (info.Flags & textures::VtfNormalMap) != 0 ? textures::PictureKind::NormalMap : textures::PictureKind::Colour;
     std::vector<textures::Picture> pictures;
+    pictures.reserve(stored.size());
     for (const textures::StoredImage& level : stored) pictures.push_back(DecodedLevel(level));
     while (IsAbove(pictures.front().Width, pictures.front().Height, largestSide)) {  // then it is the only one
       pictures.front() = textures::Halve(pictures.front(), kind, true, true);

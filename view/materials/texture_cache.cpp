@@ -12,7 +12,7 @@ SharedTexture TextureCache::Get(core::FileImage file, std::string& reason) {
   {
     const std::lock_guard lock(m_lock);
     const auto found = m_entries.find(file.Path());
-    const SharedTexture known = found == m_entries.end() ? nullptr : found->second.Known.lock();
+    SharedTexture known = found == m_entries.end() ? nullptr : found->second.Known.lock();
     if (known != nullptr && found->second.Hash == hash) {
       Keep(found->second, known);
       return known;
@@ -22,7 +22,7 @@ SharedTexture TextureCache::Get(core::FileImage file, std::string& reason) {
   const std::string path = file.Path();
   auto read = ReadTexture(std::move(file), m_largestSide, reason);
   if (!read) return nullptr;
-  const auto texture = std::make_shared<const Texture>(std::move(*read));
+  auto texture = std::make_shared<const Texture>(std::move(*read));
   const std::lock_guard lock(m_lock);
   Entry& entry = m_entries[path];
   entry.Hash = hash;
