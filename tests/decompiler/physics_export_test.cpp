@@ -27,8 +27,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 
-constexpr float QuarterTurn = 1.57079633f;
-
 DecompiledModel Ready(const ModelBuilder& model, uint32_t more = 0) {
   return DecompiledModel(model, DecompileOptionReadyToCompile | more);
 }
