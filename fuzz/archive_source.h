@@ -60,7 +60,7 @@ inline void WalkArchive(const uint8_t* data, size_t size) {
     if (whole && (image->Bytes().size() != pieces.size() || pieces.size() != files.Place(i).WholeSize())) std::abort();
   }
   if (files.SortedByName().size() != files.FilesIn("", true).size()) std::abort();
-  archive->CheckWhole(reason);
+  archive->CheckWhole({}, reason);
 }
 
 }  // namespace tarnwick::fuzz
