@@ -1,6 +1,5 @@
 #!/usr/bin/env bash
-# thread_tests.sh: builds the tests of the rooms that have threads under the thread sanitizer, and runs them. Of the
-# compiler those that compile whole models: its other tests have one thread and would take minutes here.
+# thread_tests.sh: builds the tests of the rooms that have threads under the thread sanitizer, and runs them.
 set -euo pipefail
 
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
@@ -12,7 +11,6 @@ for room in core process decompiler tools images jobs platform; do
   targets+=("${room}_tests")
 done
 ./scripts/ensure_packages.sh build test
-./scripts/build.sh tsan "${targets[@]}" compiler_tests
+./scripts/build.sh tsan "${targets[@]}"
 export QT_QPA_PLATFORM=offscreen
 ctest --preset tsan --no-tests=error --label-regex "^($(IFS='|'; echo "${rooms[*]}"))$"
-ctest --preset tsan --no-tests=error --tests-regex '^compiler\.CompileModel\.'
