@@ -57,7 +57,7 @@ TEST(HtmlStatic, ShowsAnUnderlinedBlueLinkThatOpensOnAClick) {
   ScriptedDesktop desktop;
   LinkDialog dialog(desktop, BlueLink);
   ASSERT_EQ(dialog.Control.Layout().Fragments.size(), 1u);
-  const HtmlFragment& text = dialog.Control.Layout().Fragments[0];
+  const HtmlFragment text = dialog.Control.Layout().Fragments[0];  // each painting lays the text out anew
   EXPECT_TRUE(text.Font.Underline);
   EXPECT_GT(CountPixels(dialog.Control, MakeColor(0, 0, 255)), text.Box.Width() - 1) << "the underline at least";
 

@@ -71,8 +71,8 @@ void JiggleMotion::Step(float seconds) {
     for (Tip& tip : m_tips) tip.HasPlace = false;
   }
   m_isMoving = true;
-  m_steps =
-      std::clamp(static_cast<int>(std::ceil(std::clamp(seconds, 0.0f, LongestPause) / LongestStep)), 0, MostSteps);
+  const float passed = seconds >= 0 ? std::min(seconds, LongestPause) : 0;  // 0 for what is no number too
+  m_steps = std::min(static_cast<int>(std::ceil(passed / LongestStep)), MostSteps);
   m_seconds = m_steps > 0 ? seconds / static_cast<float>(m_steps) : 0;
 }
 
