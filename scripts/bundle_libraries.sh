@@ -17,11 +17,10 @@ done
 
 # The system's own: the loader and the C library, drivers and what talks to them, the font configuration.
 own='^(ld-linux.*|libc|libm|libdl|libpthread|librt|libresolv|libGL.*|libEGL.*|libOpenGL|libgbm|libdrm.*|libX11.*|libxcb|libfontconfig|libfreetype|libz|libstdc\+\+|libgcc_s)\.so'
-find "$tree" -maxdepth 1 -type f -perm -u+x -print0 | cat - <(find "$tree/sdk" "$tree/plugins" -type f -print0) |
-  xargs -0 -n 1 ldd 2>/dev/null | awk '$2 == "=>" && $3 ~ /^\// { print $3 }' | sort -u |
+find "$tree" -path "$tree/lib" -prune -o -type f \( -perm -u+x -o -name '*.so' \) -print0 | xargs -0 -n 1 ldd | awk '$2 == "=>" && $3 ~ /^\// { print $3 }' | sort -u |
   while read -r library; do
     base=$(basename "$library")
-    [[ $base =~ $own ]] || cp -L "$library" "$tree/lib/$base"
+    [[ $base =~ $own || -e $tree/lib/$base ]] || cp -L "$library" "$tree/lib/$base"
   done
 # Whose they are and on which terms.
 mkdir -p "$tree/licences"

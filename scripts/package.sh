@@ -2,6 +2,7 @@
 # package.sh: builds the program without its tests and writes the packages for Linux into dist/: a Debian package, and
 # an archive that runs from any folder with its libraries inside. Says each file's size.
 set -euo pipefail
+trap 'echo "package.sh: stopped at line $LINENO" >&2' ERR
 
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 top=$PWD
