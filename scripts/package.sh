@@ -29,7 +29,27 @@ make_documents() {
   "$bin/tarnwick-cli" completions bash >"$made/completions/tarnwick-cli.bash"
   "$bin/tarnwick-cli" completions zsh >"$made/completions/_tarnwick-cli"
   "$bin/tarnwick-cli" completions fish >"$made/completions/tarnwick-cli.fish"
-  gzip -9nc CHANGELOG.md >"$made/changelog.gz"
+  debian_changelog | gzip -9nc >"$made/changelog.gz"
+}
+
+# The newest release of CHANGELOG.md, in the form that Debian's tools read.
+debian_changelog() {
+  awk -v wide=74 '
+    function flush(  start, line, end) {
+      for (start = "  * "; length(item) > 0; start = "    ") {
+        line = substr(item, 1, wide + 1)
+        end = length(item) <= wide ? length(item) : match(line, / [^ ]*$/) ? RSTART - 1 : wide
+        print start substr(item, 1, end)
+        item = substr(item, end + 1)
+        sub(/^ /, "", item)
+      }
+    }
+    /^## / { if (version != "") exit; version = $2; gsub(/-/, "~", version)
+             print "tarnwick (" version ") bookworm; urgency=medium\n"; next }
+    /^- / { flush(); item = substr($0, 3); next }
+    /^  / { item = item " " substr($0, 3) }
+    END { flush() }' CHANGELOG.md
+  printf '\n -- The owners of Tarnwick <maintainers@tarnwick.org>  %s\n' "$(date -R -r CHANGELOG.md)"
 }
 
 mkdir -p build
