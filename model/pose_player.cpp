@@ -61,9 +61,11 @@ void PosePlayer::Open(const std::optional<AnimData>& data, int32_t frame) {
 void PosePlayer::OpenBone(const AnimRecord& anim, int32_t frame) {
   const uint8_t flags = anim->Flags;
   const size_t bone = anim->Bone;
-  if ((flags & (AnimRawRotation48 | AnimRawRotation64)) == 0 && (flags & AnimRunRotation) != 0) {
+  const bool packed = (flags & (AnimRawRotation48 | AnimRawRotation64)) != 0;
+  if (!packed && (flags & AnimRunRotation) != 0) {
     AddTrack(anim, anim.Payload(), true, frame);
   } else {
+    if (packed) m_running[bone] |= PackedBit;
     SetRotation(bone, DecodeBoneRotation(frame, *m_bones[anim->Bone], anim));
   }
   if ((flags & AnimRawPosition) == 0 && (flags & AnimRunPosition) != 0) {

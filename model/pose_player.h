@@ -30,6 +30,8 @@ class PosePlayer {
   /// Whether the bone's rotation or position comes out of runs at the frame of the last GoTo; else it stands still.
   bool RotationRuns(size_t bone) const { return (m_running[bone] & RotationBit) != 0; }
   bool PositionRuns(size_t bone) const { return (m_running[bone] & PositionBit) != 0; }
+  /// Whether the bone's rotation, which stands still, was read out of 48 or 64 bits.
+  bool RotationPacked(size_t bone) const { return (m_running[bone] & PackedBit) != 0; }
 
   std::span<const Vec3> Positions() const { return m_positions; }
   std::span<const Quat> Rotations() const { return m_rotations; }
@@ -37,6 +39,7 @@ class PosePlayer {
  private:
   static constexpr uint8_t RotationBit = 1;
   static constexpr uint8_t PositionBit = 2;
+  static constexpr uint8_t PackedBit = 4;
 
   /// Values are taken from their runs for this many frames at a time: going through many runs by single frames is
   /// slower.

@@ -11,6 +11,7 @@
 #include "compiler/animation/pose_math.h"
 #include "model/animation_records.h"
 #include "model/bone_math.h"
+#include "model/rotation_packing.h"
 
 namespace tarnwick::compiler {
 
@@ -75,102 +76,6 @@ void AppendRuns(std::string& bytes, std::span<const int16_t> values) {
   }
 }
 
-/// A rotation as the file packs it: three parts of a quaternion, and whether the fourth is negative.
-struct PackedParts {
-  std::array<int64_t, 3> Parts = {};
-  bool NegativeW = false;
-};
-
-/// How large the parts of a packed form are.
-struct PackedForm {
-  std::array<double, 3> Scales;
-  std::array<int64_t, 3> Middles;
-  void (*Decode)(const PackedParts&, model::Quat&);
-
-  int64_t Most(size_t part) const { return 2 * Middles[part] - 1; }
-};
-
-uint64_t Bits64(const PackedParts& packed) {
-  uint64_t bits = uint64_t{packed.NegativeW ? 1U : 0U} << 63;
-  for (size_t i = 0; i < 3; ++i) bits |= static_cast<uint64_t>(packed.Parts[i]) << (21 * i);
-  return bits;
-}
-std::array<uint16_t, 3> Words48(const PackedParts& packed) {
-  return {static_cast<uint16_t>(packed.Parts[0]), static_cast<uint16_t>(packed.Parts[1]),
-          static_cast<uint16_t>(packed.Parts[2] | (packed.NegativeW ? 0x8000 : 0))};
-}
-
-constexpr PackedForm Form64 = {
-    {1048576.5, 1048576.5, 1048576.5}, {1048576, 1048576, 1048576}, [](const PackedParts& packed, model::Quat& q) {
-      model::DecodeQuat64({Bits64(packed)}, q);
-    }};
-constexpr PackedForm Form48 = {
-    {32768, 32768, 16384}, {32768, 32768, 16384}, [](const PackedParts& packed, model::Quat& q) {
-      const auto words = Words48(packed);
-      model::DecodeQuat48({{words[0], words[1], words[2]}}, q);
-    }};
-
-PackedParts Pack(const PackedForm& form, const model::Quat& q, double sign) {
-  PackedParts packed;
-  const double parts[3] = {double{q.x}, double{q.y}, double{q.z}};
-  for (size_t i = 0; i < 3; ++i) {
-    const double step = std::isfinite(parts[i]) ? std::round(sign * parts[i] * form.Scales[i]) : 0;
-    packed.Parts[i] = std::clamp<int64_t>(static_cast<int64_t>(step) + form.Middles[i], 0, form.Most(i));
-  }
-  packed.NegativeW = sign * double{q.w} < 0;
-  return packed;
-}
-
-/// The angle between two rotations, in radians. Angles about axes would not tell it: where the pitch is upright one
-/// rotation has many of them.
-double AngleBetween(const model::Quat& p, const model::Quat& q) {
-  const double a[4] = {double{p.x}, double{p.y}, double{p.z}, double{p.w}};
-  const double b[4] = {double{q.x}, double{q.y}, double{q.z}, double{q.w}};
-  double near = 0, far = 0;  // to q, and to its negative, which is the same rotation
-  for (size_t i = 0; i < 4; ++i) {
-    near += (a[i] - b[i]) * (a[i] - b[i]);
-    far += (a[i] + b[i]) * (a[i] + b[i]);
-  }
-  const double angle = 2 * std::sqrt(std::min(near, far));
-  return std::isnan(angle) ? 4 : angle;
-}
-
-double RotationMiss(const PackedForm& form, const PackedParts& packed, const model::Quat& q) {
-  model::Quat is;
-  form.Decode(packed, is);
-  return AngleBetween(is, q);
-}
-
-/// The packed rotation that comes nearest to `angles`: rounding each part by itself misses a little where all three
-/// turn together, and a good deal where the fourth is near 0. A quaternion and its negative are one rotation, but the
-/// parts reach to -1 and not to 1.
-PackedParts PackNearest(const PackedForm& form, const model::EulerAngles& angles) {
-  constexpr double Unseen = 4e-7;  // less than half of what texts show
-  model::Quat q;
-  model::EulerToQuat(angles, q);
-  PackedParts best = Pack(form, q, 1);
-  double least = RotationMiss(form, best, q);
-  for (const double sign : {1.0, -1.0}) {
-    const PackedParts start = Pack(form, q, sign);
-    for (int step = 0; step < 54; ++step) {
-      if (least <= Unseen) return best;
-      const int steps[3] = {step % 3 - 1, step / 3 % 3 - 1, step / 9 % 3 - 1};
-      PackedParts tried = start;
-      for (size_t i = 0; i < 3; ++i) {
-        tried.Parts[i] = std::clamp<int64_t>(start.Parts[i] + steps[i], 0, form.Most(i));
-      }
-      // Near 0 the fourth part's sign is lost in the rounding.
-      if (step >= 27) tried.NegativeW = !tried.NegativeW;
-      const double miss = RotationMiss(form, tried, q);
-      if (miss < least) {
-        least = miss;
-        best = tried;
-      }
-    }
-  }
-  return best;
-}
-
 /// A bone over the frames of a chain.
 class BoneChain {
  public:
@@ -207,9 +112,9 @@ class BoneChain {
       const model::EulerAngles angles = {pose.Angles[0], pose.Angles[1], pose.Angles[2]};
       flags |= packed64 ? model::AnimRawRotation64 : model::AnimRawRotation48;
       if (packed64) {
-        Append(bytes, Bits64(PackNearest(Form64, angles)));
+        Append(bytes, model::PackQuat64(angles));
       } else {
-        for (const uint16_t word : Words48(PackNearest(Form48, angles))) Append(bytes, word);
+        Append(bytes, model::PackQuat48(angles));
       }
     }
     if (MovedFromRest(pose)) {
@@ -232,7 +137,7 @@ class BoneChain {
     model::EulerToQuat({pose.Angles[0], pose.Angles[1], pose.Angles[2]}, is);
     model::EulerToQuat({static_cast<float>(m_rest[3]), static_cast<float>(m_rest[4]), static_cast<float>(m_rest[5])},
                        rest);
-    return AngleBetween(is, rest) > StillRotation;
+    return model::AngleBetween(is, rest) > StillRotation;
   }
   /// Half-floats are coarser than run values: a place that is none of them and hardly moved stays at rest.
   bool MovedFromRest(const BonePose& pose) const {

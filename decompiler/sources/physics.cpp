@@ -1,4 +1,5 @@
 #include "decompiler/sources/physics.h"
+#include "decompiler/stages/animation_file.h"
 
 #include <algorithm>
 #include <cmath>
@@ -9,6 +10,7 @@
 #include "core/paths.h"
 #include "decompiler/sources/collision_statement.h"
 #include "decompiler/sources/script_values.h"
+#include "decompiler/stages/animation_file.h"
 #include "decompiler/stages/reference_skeleton.h"
 #include "decompiler/writers/mesh_names.h"
 #include "decompiler/writers/physics_smd.h"
@@ -48,8 +50,8 @@ std::optional<core::FileImage> LoadPhysics(JobContext& job) {
   return file;
 }
 
-/// Where the root bone stands in the first frame of the first sequence, as the model holds it. Nothing if there is no
-/// such frame.
+/// Where the root bone stands in the first frame of the first sequence, as the animation's file has it, in the model's
+/// own directions. Nothing if there is no such frame.
 std::optional<RigidTransform> FirstRootPose(JobContext& job, const Skeleton& skeleton) {
   const core::ImageView view = job.Model.View();
   const auto header = job.Model.Header();
@@ -66,6 +68,14 @@ std::optional<RigidTransform> FirstRootPose(JobContext& job, const Skeleton& ske
   if (!checked) return std::nullopt;
   PosePlayer player(skeleton.Bones, *checked);
   player.GoTo(0);
+  const auto* text = GetAnimationSmdModel(job);
+  if (text != nullptr && player.RotationPacked(0)) {
+    constexpr float QuarterTurn = 1.57079632679f;
+    if (auto typed = TypedAnglesOf(*text, *skeleton.Bones[0], player.Rotations()[0])) {
+      if (text->TurnRoots) typed->z += QuarterTurn;
+      return RigidTransform::Of(*typed, player.Positions()[0]);
+    }
+  }
   return RigidTransform::Of(player.Rotations()[0], player.Positions()[0]);
 }
 

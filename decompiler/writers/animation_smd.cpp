@@ -5,6 +5,7 @@
 #include "model/bone_math.h"
 #include "model/pose_player.h"
 #include "model/quick_rotations.h"
+#include "model/rotation_packing.h"
 #include "smd/skeleton_frame.h"
 #include "smd/skeleton_text.h"
 
@@ -14,6 +15,7 @@ namespace {
 
 /// A line of ordinary numbers, of the nodes (without the name) or of a pose.
 constexpr int64_t OrdinaryLine = 80;
+constexpr float QuarterTurn = 1.57079632679f;
 
 smd::Triple ToTriple(const Vec3& v) {
   return {v.x, v.y, v.z};
@@ -38,7 +40,6 @@ void Apply(const Matrix3x4& left, Quat& rotation, Vec3& position) {
 /// Angles of the rotation `turn` of a bone whose `angles` are known: nearly straight up or down many sets of them are
 /// alike, and those that lie nearest the bone's rest angles are what the animation was made of.
 void ChooseAngles(const StudioBone& bone, bool isTurned, const Quat& turn, EulerAngles& angles) {
-  constexpr float QuarterTurn = 1.57079632679f;
   constexpr float Steep = QuarterTurn - 0.05f;
   if (!(std::abs(angles.y) > Steep)) return;
   EulerAngles rest = bone.Angles;
@@ -71,6 +72,7 @@ class AnimationText {
   AnimationText(const AnimationSmdModel& model, const CheckedAnimation& animation, const AnimationSmdForm& form)
       : m_model(model),
         m_onDefaultPose(form.OnDefaultPose && animation.IsDelta()),
+        m_isDelta(animation.IsDelta()),
         m_exactWhereStill(form.ExactWhereStill),
         m_anglesNearRest(form.AnglesNearRest),
         m_travel(form.Travel),
@@ -116,7 +118,13 @@ class AnimationText {
     for (size_t bone = 0; bone < m_positions.size(); ++bone) {
       if (!Changed(bone) || !m_player.RotationChanged(bone)) continue;
       const auto record = m_model.Bones[static_cast<int64_t>(bone)];
-      ChooseAngles(*record, m_model.TurnRoots && record->Parent == -1, m_rotations[number], m_angles[number]);
+      const bool isTurned = m_model.TurnRoots && record->Parent == -1;
+      EulerAngles& angles = m_angles[number];
+      ChooseAngles(*record, isTurned, m_rotations[number], angles);
+      if (m_player.RotationPacked(bone) && !m_isDelta && m_exactWhereStill) {
+        const auto typed = TypedAnglesOf(m_model, *record, m_player.Rotations()[bone]);
+        if (typed) angles = *typed;
+      }
       ++number;
     }
   }
@@ -146,6 +154,7 @@ class AnimationText {
 
   const AnimationSmdModel& m_model;
   bool m_onDefaultPose;
+  bool m_isDelta;
   bool m_exactWhereStill;
   bool m_anglesNearRest;
   const std::vector<TravelPart>& m_travel;
@@ -179,6 +188,18 @@ std::shared_ptr<const AnimationSmdModel> MakeAnimationSmdModel(const Skeleton& s
   }
   model->Head = smd::AnimationHead(nodes);
   return model;
+}
+
+std::optional<EulerAngles> TypedAnglesOf(const AnimationSmdModel& model, const StudioBone& bone, const Quat& packed) {
+  const bool isTurned = model.TurnRoots && bone.Parent == -1;
+  Quat turn = packed;
+  Vec3 place = {};
+  if (isTurned) Apply(model.RootTurn, turn, place);
+  EulerAngles angles;
+  QuatToEuler(turn, angles);
+  ChooseAngles(bone, isTurned, turn, angles);
+  const EulerAngles rest = bone.Angles;
+  return TypedAngles(packed, angles, rest, isTurned ? QuarterTurn : 0);
 }
 
 int64_t AnimationSmdSize(const AnimationSmdModel& model, int64_t blocks) {

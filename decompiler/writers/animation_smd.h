@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -24,6 +25,12 @@ struct AnimationSmdModel {
 
 /// Makes it for a model with these bones.
 [[nodiscard]] std::shared_ptr<const AnimationSmdModel> MakeAnimationSmdModel(const Skeleton& skeleton, bool turnRoots);
+
+/// What was typed for the rotation `packed` of `bone`, which stands still and was read out of 48 or 64 bits, where that
+/// can be found: likelier than what the packing left of it, and with no more digits than it has. As in the animation's
+/// file, less the turn of roots.
+[[nodiscard]] std::optional<EulerAngles> TypedAnglesOf(const AnimationSmdModel& model, const StudioBone& bone,
+                                                       const Quat& packed);
 
 /// Bytes that its head may well have.
 [[nodiscard]] int64_t AnimationHeadSize(const Skeleton& skeleton);
