@@ -248,7 +248,8 @@ TEST_F(AuthoredScripts, BuildBonesMotionAndCollision) {
               "\t{ event 3001 1 }\n}\n$sequence four swing.smd { snap autoplay delta }\n",
        {"one/ACT_IDLE/1/1x1", "two//1/2x1", "three/ACT_RUN/1/2x2/e1", "four//30/1x1", "poses: p q", "b/2/12/1"}},
       {"a sequence that stands still, one of a static model whose file is gone",
-       head + "$sequence idle swing fps 0\n$sequence gone nowhere fps 5\n", {"@idle/3/0/0", "sequences: idle//0/1x1/e0\n"}},
+       head + "$sequence idle swing fps 0\n$sequence gone nowhere fps 5\n",
+       {"@idle/3/0/0", "sequences: idle//0/1x1/e0\n"}},
       {"the same of a static model", "$staticprop\n" + head + "$sequence idle nowhere loop fps 5\n", {"@idle/1/5/1"}},
       {"attachments with every option",
        head + "$sequence idle swing\n$attachment \"a\" \"arm\" 1 2 3 rotate 0 90 0\n$attachment b root 1 2 3 absolute "
