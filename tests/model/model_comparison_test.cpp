@@ -210,6 +210,16 @@ std::vector<std::string> RealAndDerived(const ModelBuilder& first, const ModelBu
   return lines;
 }
 
+TEST(ModelComparison, KeyValuesCountByTheirWords) {
+  ModelBuilder first = WholeModel();
+  first.KeyValues = "mdlkeyvalue{\"prop_data\"\n{ base \"Metal.Large\" \"a\" \"b c\" } }";
+  ModelBuilder second = first;
+  second.KeyValues = "mdlkeyvalue\n{\nprop_data {\n\"base\" \"Metal.Large\" \"a\" \"b c\"  }\n}\n";
+  EXPECT_THAT(RealAndDerived(first, second), IsEmpty());
+  second.KeyValues = "mdlkeyvalue\n{\nprop_data {\n\"base\" \"Metal.Large\" \"a\" b c  }\n}\n";
+  EXPECT_THAT(RealAndDerived(first, second), testing::ElementsAre("real key values"));
+}
+
 TEST(ModelComparison, FlagsAndKeysThatNoStatementSetsAreNoRealDifference) {
   using testing::ElementsAre;
   ModelBuilder first = WholeModel();
