@@ -196,11 +196,11 @@ std::optional<uint32_t> Parser::Operand() {
     if (node && !Expect(')', "a closing parenthesis")) node.reset();
   } else if (token.Is('-') || token.Is('+')) {
     m_tokens.Next();
+    const bool signsNumber = m_tokens.Now().What == Token::Type::Number;
     node = Operand();
     if (node && token.Is('-')) {
-      ExpressionNode& last = m_nodes[*node];
-      if (last.What == Kind::Number) {
-        last.Value = -last.Value;
+      if (signsNumber) {
+        m_nodes[*node].Value = -m_nodes[*node].Value;
       } else {
         node = Put({Kind::Negate, token.At, 0, "", {*node}});
       }

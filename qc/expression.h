@@ -30,8 +30,8 @@ struct FlexRule {
 };
 
 /// Parses the words of one rule. Operators are `+ - * /` with the usual precedence, parentheses, a minus ahead of an
-/// operand, and functions with commas; blanks between them do not matter. A name in quotes may hold anything.
-/// What is wrong is told at its place.
+/// operand (a part of the number where one stands right behind it), and functions with commas; blanks between them do
+/// not matter. A name in quotes may hold anything. What is wrong is told at its place.
 FlexRule ParseFlexRule(std::span<const Word> words, Messages& messages);
 
 }  // namespace tarnwick::qc

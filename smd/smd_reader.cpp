@@ -228,9 +228,14 @@ class Reader {
     }
     if (AtEnd()) return false;
     const std::string_view word = Word();
-    if (after == word.data() || !std::isfinite(value)) {
+    const std::string shown = "\"" + std::string(word.substr(0, 40)) + "\"";
+    // Some programs write what is no number as "-1.#IND" and its like.
+    if (after == word.data() || !std::isfinite(value) || word.find(".#") != std::string_view::npos) {
       value = 0;
-      Tell(false, "\"" + std::string(word.substr(0, 40)) + "\" is no finite number and counts as 0");
+      Tell(false, shown + " is no finite number and counts as 0");
+    } else if (after < word.data() + word.size()) {
+      const auto rest = static_cast<size_t>(after - word.data());
+      Tell(false, "the number " + shown + " is read up to \"" + std::string(word.substr(rest, 40)) + "\"");
     }
     return true;
   }
@@ -393,7 +398,11 @@ class Reader {
     m_source.Links.reserve(m_source.Links.size() + left / 80);
     while (NextLine()) {
       const std::string_view material = Rest();
-      if (material.empty() || material.starts_with("//")) continue;
+      if (material.starts_with("//")) continue;
+      if (material.empty()) {
+        PassNameless();
+        continue;
+      }
       if (IsEndLine(material)) return;
       const size_t corners = m_source.Corners.size(), links = m_source.Links.size();
       bool sound = true;
@@ -406,6 +415,32 @@ class Reader {
       }
       m_source.TriangleMaterials.push_back(MaterialAt(material));
     }
+  }
+  /// Behind an empty line: a triangle, if its corners follow at once, belongs to no mesh for want of a material.
+  void PassNameless() {
+    const char* at = m_at;
+    const int64_t line = m_line;
+    if (!NextLine() || !IsCornerAhead()) {
+      m_at = at;
+      m_line = line;
+      return;
+    }
+    Tell(false, "a triangle has no material and is left out");
+    for (int corner = 1; corner < 3 && NextCornerLine(); ++corner) continue;
+  }
+  /// Whether the line begins with as many numbers as a corner has.
+  bool IsCornerAhead() const {
+    constexpr int Numbers = 9;
+    const char* at = m_at;
+    for (int i = 0; i < Numbers; ++i) {
+      while (at < m_end && IsBlank(*at)) ++at;
+      float value = 0;
+      const char* after = ParseFloat(at, m_end, value);
+      if (after == at) return false;
+      at = after;
+      if (at < m_end && !IsBlank(*at) && !IsLineEnd(*at)) return false;
+    }
+    return true;
   }
   bool NextCornerLine() {
     while (NextLine()) {

@@ -49,6 +49,12 @@ std::optional<double> NumberIn(std::string_view word) {
   return number;
 }
 
+/// Whether a word is what printing makes of no number. What reads sources takes none for one.
+bool IsNoNumber(std::string_view word) {
+  if (word.starts_with('-')) word.remove_prefix(1);
+  return word == "nan" || word == "inf";
+}
+
 /// The lines of a text, and where they stand.
 std::vector<std::string_view> LinesOf(std::string_view text) {
   std::vector<std::string_view> lines;
@@ -109,7 +115,7 @@ class LineComparison {
     }
     LineDifference difference{true, 0};
     for (size_t i = 0; i < a.size(); ++i) {
-      if (a[i] == b[i]) continue;
+      if (a[i] == b[i] || (m_grain != ScriptGrain && IsNoNumber(a[i]))) continue;
       const auto x = NumberIn(a[i]);
       const auto y = NumberIn(b[i]);
       if (!x || !y) return {};

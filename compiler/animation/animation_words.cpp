@@ -223,10 +223,9 @@ bool ApplyAnimationWord(CompileContext& context, const ModelBones& bones, const 
   };
   switch (word.Kind) {
     case Key::Fps:
-      if (word.Number(0) > 0) {
-        animation.Fps = static_cast<float>(word.Number(0));
-      } else {
-        context.Warning(word.At, "fps is above 0; the animation keeps 30 frames a second");
+      animation.Fps = static_cast<float>(word.Number(0));
+      if (!(animation.Fps > 0)) {
+        context.Warning(word.At, "an animation of " + std::string(name) + " frames a second stands still");
       }
       return true;
     case Key::Loop:

@@ -117,6 +117,17 @@ class MotionBuilder {
     use.Source = source.Source;
     use.At = source.At;
     if (!TakeFrames(m_context, m_bones, use, animation)) return -1;
+    return Finish(std::move(animation), ownName, words);
+  }
+  /// An animation that is nothing but the rest pose.
+  int32_t MakeRest(const CompilePlan::Motion& motion, std::string name, const Words& words) {
+    BuiltAnimation animation;
+    animation.Name = std::move(name);
+    animation.At = motion.Words->At;
+    TakeRestPose(m_bones, animation);
+    return Finish(std::move(animation), NameOf(*motion.Words), words);
+  }
+  int32_t Finish(BuiltAnimation animation, std::string_view ownName, const Words& words) {
     const FindAnimation find = [this](std::string_view wanted) {
       BuiltAnimation* found = FindMade(wanted);
       if (found != nullptr) m_bases[static_cast<size_t>(found - m_motion.Animations.data())] = true;
@@ -196,6 +207,10 @@ class MotionBuilder {
       }
       m_used[static_cast<size_t>(animation)] = true;
       animations.push_back(animation);
+    }
+    if (animations.empty() && m_bones.Static) {  // which needs nothing of a file
+      animations.push_back(MakeRest(motion, "@" + Label(s), words));
+      m_used[static_cast<size_t>(animations.back())] = true;
     }
     if (animations.empty()) {
       m_context.Warning(s.At, "the sequence " + qc::Shown(NameOf(s)) + " has no animation and is left out",

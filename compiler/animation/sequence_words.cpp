@@ -307,7 +307,7 @@ void ApplySequenceWords(CompileContext& context, const ModelBones& bones, const 
       for (const int32_t a : sequence.Animations) {
         BuiltAnimation& animation = motion.Animations[static_cast<size_t>(a)];
         if (word->Kind == Key::Loop) animation.Loops = true;
-        if (word->Kind == Key::Fps && word->Number(0) > 0) animation.Fps = static_cast<float>(word->Number(0));
+        if (word->Kind == Key::Fps) animation.Fps = static_cast<float>(word->Number(0));
       }
       if (ChangesFrames(word->Kind)) {
         context.Warning(

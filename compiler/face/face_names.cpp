@@ -42,8 +42,8 @@ namespace {
 using Kind = qc::ExpressionNode::Kind;
 
 /// The operation of a node that works on what stands on the stack; 0 for none.
-int32_t OperationOf(Kind kind) {
-  switch (kind) {
+int32_t OperationOf(const qc::ExpressionNode& node) {
+  switch (node.What) {
     case Kind::Add:
       return model::FlexOpAdd;
     case Kind::Subtract:
@@ -52,6 +52,10 @@ int32_t OperationOf(Kind kind) {
       return model::FlexOpMultiply;
     case Kind::Divide:
       return model::FlexOpDivide;
+    case Kind::Negate:
+      return model::FlexOpNegate;
+    case Kind::Function:
+      return node.Name == "max" ? model::FlexOpLarger : node.Name == "min" ? model::FlexOpSmaller : 0;
     default:
       return 0;
   }
@@ -89,16 +93,7 @@ bool AddFlexRule(CompileContext& context, const qc::FlexRule& rule, FaceNames& n
         context.Warning(node.At, "nothing drives the flex " + qc::Shown(node.Name), core::TroubleKind::Missing);
       }
       built.Operations.push_back({model::FlexOpFlexDesc, names.Descriptor(node.Name)});
-    } else if (node.What == Kind::Negate) {
-      // There is no operation for it.
-      if (!built.Operations.empty() && built.Operations.back().Op == model::FlexOpConstant) {
-        const double value = double{std::bit_cast<float>(int32_t{built.Operations.back().Operand})};
-        built.Operations.back() = Constant(-value);
-      } else {
-        built.Operations.push_back(Constant(-1));
-        built.Operations.push_back({model::FlexOpMultiply, 0});
-      }
-    } else if (const int32_t operation = OperationOf(node.What); operation != 0) {
+    } else if (const int32_t operation = OperationOf(node); operation != 0) {
       built.Operations.push_back({operation, 0});
     } else {
       context.Warning(node.At,

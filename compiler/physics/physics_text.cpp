@@ -92,9 +92,10 @@ class PhysicsText {
 
   /// A bone's surface is that of the nearest statement for it or a bone above it, else the model's.
   const std::string& SurfaceOf(int32_t bone) const {
-    for (; m_plan.Joints && bone >= 0; bone = m_bones.Bones[static_cast<size_t>(bone)].Parent) {
-      for (const PlanBoneText& text : m_context.Plan.BoneSurfaces) {
-        if (m_bones.Named(text.Bone) == bone) return text.Text;
+    const auto& surfaces = m_context.Plan.BoneSurfaces;
+    for (; m_plan.Joints && !m_bones.Static && bone >= 0; bone = m_bones.Bones[static_cast<size_t>(bone)].Parent) {
+      for (auto typed = surfaces.rbegin(); typed != surfaces.rend(); ++typed) {  // of two the last stands
+        if (m_bones.Named(typed->Bone) == bone) return typed->Text;
       }
     }
     return m_context.Plan.SurfaceProp;

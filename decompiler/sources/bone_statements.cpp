@@ -14,8 +14,6 @@ namespace {
 
 /// How far an element of an attachment's matrix may be from that of its own angles.
 constexpr float MatrixTolerance = 1e-6f;
-constexpr int32_t ContentsDefault = 1;
-constexpr int32_t ContentsGrate = 8;
 constexpr std::string_view StaticBone = "static_prop";
 
 bool IsStatic(const JobContext& job) {
@@ -49,10 +47,8 @@ void WriteContents(JobContext& job, const Skeleton& skeleton) {
     const std::string name = Quoted(job, skeleton.Names[contents.size()]);
     contents.push_back(own);
     if (own == inherited) continue;
-    if (own == ContentsGrate) {
-      job.Script().Text("$jointcontents " + name + " \"grate\"\n");
-    } else if (own == ContentsDefault) {
-      job.Script().Text("$jointcontents " + name + " \"solid\"\n");
+    if (const auto words = ContentsWords(own)) {
+      job.Script().Text("$jointcontents " + name + " " + *words + "\n");
     } else {
       job.Lose("contents of bones");
     }

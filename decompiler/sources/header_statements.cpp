@@ -17,7 +17,6 @@ namespace {
 constexpr uint32_t FlagsThatAreTold =
     ModelFlagGeneratedHitboxes | ModelFlagOpaque | ModelFlagMostlyOpaque | ModelFlagStatic | ModelFlagShadowLod;
 constexpr int32_t ContentsDefault = 1;
-constexpr int32_t ContentsGrate = 8;
 /// Cosine of 90 degrees, as older compilers leave it where no turn of the eyes is given.
 constexpr float NoEyeDeflection = 1e-6f;
 
@@ -77,9 +76,10 @@ void WriteFlags(JobContext& job) {
 
 void WriteContents(JobContext& job) {
   const int32_t contents = job.Model.Header()->Contents;
-  if (contents == ContentsGrate) {
-    job.Script().Text("$contents \"grate\"\n");
-  } else if (contents != ContentsDefault) {
+  if (contents == ContentsDefault) return;
+  if (const auto words = ContentsWords(contents)) {
+    job.Script().Text("$contents " + *words + "\n");
+  } else {
     job.Lose("contents of the model");
   }
 }

@@ -123,7 +123,7 @@ class PhysicsExport {
       m_job.Lose("physics solids without a form", static_cast<int64_t>(values.size() - count));
     }
     values.resize(count);
-    m_collision.IsJoined = count > 1 || (count == 1 && BoneNamed(m_skeleton, values[0].Name) >= 0);
+    m_collision.IsJoined = count > 1 || (count == 1 && BelongsToBone(m_file.Solids[0], values[0].Name));
     for (size_t i = 0; i < count; ++i) {
       SourceSolid solid{.Values = std::move(values[i])};
       if (m_file.Solids[i]) solid.PieceCount = m_file.Solids[i]->Pieces.size();
@@ -131,6 +131,12 @@ class PhysicsExport {
       m_collision.Solids.push_back(std::move(solid));
     }
     return count > 0;
+  }
+
+  /// Whether a model's only solid is that of a bone: it has the bone's name, and its pieces have the bone's number.
+  bool BelongsToBone(const std::optional<PhySolid>& solid, const std::string& name) const {
+    if (BoneNamed(m_skeleton, name) < 0) return false;
+    return !solid || solid->Pieces.empty() || solid->Pieces.front().BoneNumber != 0;
   }
 
   void FindBone(SourceSolid& solid, size_t index) {
@@ -173,11 +179,10 @@ class PhysicsExport {
   /// at rest, since the file has it where the first frame of the first sequence puts it. A compile turns a static model
   /// by a quarter about Z.
   RigidTransform PlacementOf(const SourceSolid& solid, const std::vector<RigidTransform>& rest) {
-    if (m_collision.IsJoined) return rest[static_cast<size_t>(solid.Bone)];
     const RigidTransform turnedBack = RigidTransform::QuarterTurn().Inverse();
-    if ((m_job.Model.Header()->Flags & ModelFlagStatic) != 0 || rest.empty() || m_job.WithoutAnimations()) {
-      return turnedBack;
-    }
+    if ((m_job.Model.Header()->Flags & ModelFlagStatic) != 0) return turnedBack;
+    if (m_collision.IsJoined) return rest[static_cast<size_t>(solid.Bone)];
+    if (rest.empty() || m_job.WithoutAnimations()) return turnedBack;
     const auto pose = FirstRootPose(m_job, m_skeleton);
     return pose ? rest[0] * pose->Inverse() : turnedBack;
   }

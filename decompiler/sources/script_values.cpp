@@ -75,4 +75,13 @@ std::string FrameAt(float part, int32_t frames, bool& exact) {
   return core::ShortestDecimal(frame);
 }
 
+std::optional<std::string> ContentsWords(int32_t contents) {
+  constexpr int32_t Solid = 1, Grate = 8;
+  if ((contents & ~(Solid | Grate)) != 0) return std::nullopt;
+  if (contents == 0) return "\"notsolid\"";
+  std::string words = (contents & Solid) != 0 ? "\"solid\"" : "";
+  if ((contents & Grate) != 0) words += words.empty() ? "\"grate\"" : " \"grate\"";
+  return words;
+}
+
 }  // namespace tarnwick::decompiler::sources

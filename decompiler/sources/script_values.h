@@ -30,4 +30,7 @@ namespace tarnwick::decompiler::sources {
 /// part back, else one with a fraction. `exact` is cleared if none does.
 [[nodiscard]] std::string FrameAt(float part, int32_t frames, bool& exact);
 
+/// The words for what a model or a bone is to traces ("\"solid\" \"grate\""); nothing where some of it has no word.
+[[nodiscard]] std::optional<std::string> ContentsWords(int32_t contents);
+
 }  // namespace tarnwick::decompiler::sources

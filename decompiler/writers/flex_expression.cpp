@@ -32,6 +32,11 @@ struct Node {
   bool IsNegation() const { return Left >= 0 && Right < 0; }
 };
 
+bool IsNumber(const Node& node) {
+  const char first = node.Text.empty() ? '\0' : node.Text.front();
+  return node.Left < 0 && (first == '-' || first == '.' || (first >= '0' && first <= '9'));
+}
+
 struct Operation {
   int32_t Code;
   std::string_view Text;
@@ -116,8 +121,10 @@ class Builder {
 
   /// Whether `child` stands in parentheses below `parent`. Right of a sign what binds as loosely needs them too, since
   /// an expression goes from left to right.
+  /// A minus right ahead of a number would be read as its sign.
   bool IsWrapped(const Node& parent, const Node& child, bool right) const {
     if (parent.IsFunction()) return false;
+    if (parent.IsNegation() && IsNumber(child)) return true;
     return child.Binds < parent.Binds || (right && child.Binds == parent.Binds);
   }
 

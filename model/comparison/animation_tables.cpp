@@ -66,6 +66,16 @@ double AngleBetween(const Quat& a, const Quat& b) {
   return 2 * std::sqrt(x * x + y * y + z * z + w * w);
 }
 
+/// Whether the parts of two rotations that a packed form stores are neighbours. Where the fourth, which follows from
+/// them, is next to nothing, a step of one of them turns it by much more than it is large itself.
+bool HasNextParts(const Quat& a, const Quat& b) {
+  constexpr double Steps = 3e-6, NextToNothing = 0.004;
+  if (!(std::abs(double{a.w}) < NextToNothing) || !(std::abs(double{b.w}) < NextToNothing)) return false;
+  const double sign = double{a.x} * b.x + double{a.y} * b.y + double{a.z} * b.z < 0 ? -1 : 1;
+  return std::abs(a.x - sign * b.x) <= Steps && std::abs(a.y - sign * b.y) <= Steps &&
+         std::abs(a.z - sign * b.z) <= Steps;
+}
+
 class FrameComparison {
  public:
   FrameComparison(const ComparedModels& models, const Skeleton& first, const Skeleton& second)
@@ -120,9 +130,10 @@ class FrameComparison {
     if (turned) {
       const double angle = AngleBetween(p, q);
       if (!(angle > 0)) return;
-      m_models.Differences.Add(
-          ModelTable::Frames, "rotation", where(), DifferenceList::NumberText(std::array{p.x, p.y, p.z, p.w}),
-          DifferenceList::NumberText(std::array{q.x, q.y, q.z, q.w}), angle, angle <= grain.Rotation);
+      m_models.Differences.Add(ModelTable::Frames, "rotation", where(),
+                               DifferenceList::NumberText(std::array{p.x, p.y, p.z, p.w}),
+                               DifferenceList::NumberText(std::array{q.x, q.y, q.z, q.w}), angle,
+                               angle <= grain.Rotation || HasNextParts(p, q));
     }
   }
 

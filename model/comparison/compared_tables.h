@@ -69,6 +69,10 @@ std::string_view TextOf(const ModelReader& reader, const core::Record<T>& record
 /// The .phy file that goes with a model in `files`, if there is one.
 [[nodiscard]] std::optional<std::string> FindPhyFile(const core::FileSource& files, const std::string& mdl);
 
+/// The words and braces of a text of keys and values, a blank between two. What stands between them does not count, nor
+/// whether a word has quotes that it does not need.
+[[nodiscard]] std::string KeyWords(std::string_view text);
+
 // The tables, a kind each.
 void CompareHeaders(const ComparedModels& models);
 void CompareScriptTables(const ComparedModels& models);

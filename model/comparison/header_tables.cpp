@@ -40,8 +40,9 @@ std::string_view KeyValues(const ModelReader& reader) {
   return reader.Model.View().Text(header->KeyValueOffset).value_or("");
 }
 
-/// The words and braces of a text of keys and values, a blank between two: what stands between them does not count.
-std::string WordsOf(std::string_view text) {
+}  // namespace
+
+std::string KeyWords(std::string_view text) {
   std::string words;
   while (true) {
     text.remove_prefix(std::min(text.find_first_not_of(" \t\r\n"), text.size()));
@@ -52,12 +53,14 @@ std::string WordsOf(std::string_view text) {
     } else if (text[0] != '{' && text[0] != '}') {
       end = std::min(text.find_first_of(" \t\r\n{}\""), text.size());
     }
-    words += (words.empty() ? "" : " ") + std::string(text.substr(0, end));
+    std::string_view word = text.substr(0, end);
     text.remove_prefix(end);
+    const bool isQuoted = word.size() > 2 && word.front() == '"' && word.back() == '"';
+    if (isQuoted && word.find_first_of(" \t\r\n{}") == std::string_view::npos) word = word.substr(1, word.size() - 2);
+    words += words.empty() ? "" : " ";
+    words += word;
   }
 }
-
-}  // namespace
 
 void CompareHeaders(const ComparedModels& models) {
   const auto a = models.First.Model.Header();
@@ -83,8 +86,8 @@ void CompareHeaders(const ComparedModels& models) {
   }
   differences.Text(ModelTable::Header, "surface property", nowhere, TextOf(models.First, a, a->SurfacePropOffset),
                    TextOf(models.Second, b, b->SurfacePropOffset));
-  differences.Text(ModelTable::Header, "key values", nowhere, WordsOf(KeyValues(models.First)),
-                   WordsOf(KeyValues(models.Second)));
+  differences.Text(ModelTable::Header, "key values", nowhere, KeyWords(KeyValues(models.First)),
+                   KeyWords(KeyValues(models.Second)));
   differences.Whole(ModelTable::Header, "constant light", nowhere, a->ConstantLight, b->ConstantLight);
   differences.Whole(ModelTable::Header, "root level of detail", nowhere, a->RootLod, b->RootLod);
   differences.Whole(ModelTable::Header, "allowed root levels", nowhere, a->AllowedRootLods, b->AllowedRootLods);

@@ -67,8 +67,8 @@ class SequenceComparison {
     CompareFields(m_models.Differences, ModelTable::Sequences, SequenceFields, *m_first, *m_second, where);
     m_models.Differences.Flags(ModelTable::Sequences, "flags", where, m_first->Flags, m_second->Flags, SayableFlags);
     CompareBoxes();
-    m_models.Differences.Text(ModelTable::Sequences, "key values", where, KeyValues(m_models.First, m_first),
-                              KeyValues(m_models.Second, m_second));
+    m_models.Differences.Text(ModelTable::Sequences, "key values", where, KeyWords(KeyValues(m_models.First, m_first)),
+                              KeyWords(KeyValues(m_models.Second, m_second)));
     CompareEvents();
     Table<StudioAutoLayer>(
         ModelTable::Layers, "layers", {m_first->LayerOffset, m_first->LayerCount},

@@ -247,6 +247,10 @@ TEST_F(AuthoredScripts, BuildBonesMotionAndCollision) {
               "\"ACT_RUN\" -1\n"
               "\t{ event 3001 1 }\n}\n$sequence four swing.smd { snap autoplay delta }\n",
        {"one/ACT_IDLE/1/1x1", "two//1/2x1", "three/ACT_RUN/1/2x2/e1", "four//30/1x1", "poses: p q", "b/2/12/1"}},
+      {"a sequence that stands still, one of a static model whose file is gone",
+       head + "$sequence idle swing fps 0\n$sequence gone nowhere fps 5\n",
+       {"@idle/3/0/0", "sequences: idle//0/1x1/e0\n"}},
+      {"the same of a static model", "$staticprop\n" + head + "$sequence idle nowhere loop fps 5\n", {"@idle/1/5/1"}},
       {"attachments with every option",
        head + "$sequence idle swing\n$attachment \"a\" \"arm\" 1 2 3 rotate 0 90 0\n$attachment b root 1 2 3 absolute "
               "rigid\n"
@@ -303,6 +307,10 @@ TEST_F(AuthoredScripts, BuildBonesMotionAndCollision) {
        head + "$sequence idle swing\n$collisionjoints \"crate phys\" {\n$mass 10\n$inertia 5\n$jointinertia 3\n"
               "$jointinertia root 4\n$jointdamping \"root\" .5\n$rootbone root\n$jointskip arm\n$noselfcollisions }\n",
        {"\"inertia\" \"4.000000\"", "\"damping\" \"0.500000\"", "\"name\" \"root\""}},
+      {"surfaces of joints, the last of two",
+       head + "$sequence idle swing\n$jointsurfaceprop root metal\n$jointsurfaceprop root stone\n"
+              "$collisionjoints \"crate phys\" { $mass 10 }\n",
+       {"\"surfaceprop\" \"stone\""}},
       {"jiggle bones with groups in any order",
        head + "$sequence idle swing\n$jigglebone \"arm\"\n{\n\tis_flexible\n\t{\n\t\tlength 20\n\t\ttip_mass 100\n"
               "\t\tangle_constraint 30\n\t}\n\thas_base_spring { stiffness 100 damping 3 left_constraint -1 1 }\n}\n",

@@ -148,7 +148,7 @@ class Maker {
   void Header() {
     const std::vector<std::string> lines = {
         "$surfaceprop \"Flesh\"",
-        "$contents \"grate\"",
+        "$contents \"grate\" solid",
         "$eyeposition 1 -2.5 60",
         "$illumposition 0 3 12.25",
         "$bbox -20 -20 0 20 20 72",
@@ -380,6 +380,7 @@ class Maker {
 
   void Collision() {
     const bool joints = Has(RandomJoints) && !Has(RandomStatic);
+    const bool ofBone = Has(RandomJoints) && Has(RandomStatic);
     std::string triangles;
     const size_t solids = joints ? m_bones.size() : static_cast<size_t>(m_dice.From(1, 4));
     for (size_t i = 0; i < solids; ++i) {
@@ -396,7 +397,7 @@ class Maker {
     }
     const bool shown = !joints && Has(RandomRepeats);
     if (!shown) m_files["hull.smd"] = Nodes() + Rest() + "triangles\n" + triangles + "end\n";
-    m_script += std::string(joints ? "$collisionjoints" : "$collisionmodel") +
+    m_script += std::string(joints || ofBone ? "$collisionjoints" : "$collisionmodel") +
                 (shown ? " \"ref.smd\"" : " \"hull.smd\"") + " {\n  $mass " + Numbers(m_dice.Real(1, 200)) + "\n";
     if (!joints && m_dice.Chance(60)) m_script += "  $concave\n";
     if (m_dice.Chance(50)) m_script += "  $inertia 2\n  $damping 0.1\n  $rotdamping 1.5\n";

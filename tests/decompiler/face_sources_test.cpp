@@ -29,6 +29,8 @@ TEST(FlexExpression, HasTheParenthesesThatTheOrderNeeds) {
   EXPECT_EQ(Expression({Smile, Lip, Subtract, Smile, Subtract}), "smile - %lip - smile");
   EXPECT_EQ(Expression({Smile, Lip, Smile, Multiply, Divide}), "smile / (%lip * smile)");
   EXPECT_EQ(Expression({Smile, Lip, Smile, Multiply, Add, Negate}), "-(smile + %lip * smile)");
+  EXPECT_EQ(Expression({Smile, Negate, Constant(2), Negate, Constant(-2), Negate, Add, Multiply}),
+            "-smile * (-(2) + -(-2))");
   EXPECT_EQ(Expression({Smile, Lip, Add, Odd, Larger, Jaw, Smaller, Constant(2), Divide}),
             "min(max(smile + %lip, \"%a-b\"), \"jaw drop\") / 2");
 }

@@ -222,6 +222,25 @@ TEST(PhysicsExport, PutsTheSolidOfAWholeModelWhereItIsTyped) {
   }
 }
 
+TEST(PhysicsExport, KnowsWhoseBodyASingleSolidIs) {
+  const BoxDescription box = {{1, 2, 3}, {11, 22, 33}};
+  ModelBuilder model;
+  model.Bones = {{.Name = "static_prop"}};
+  model.Physics = PhyBuilder{.Solids = {Solid("static_prop", "", box)}};
+  EXPECT_EQ(Statements(Ready(model)).find("$collisionmodel \"static_prop.smd\""), 0u) << "no piece has a bone's number";
+  // A static model is turned with all that belongs to its bone.
+  model.Flags = ModelFlagStatic;
+  model.Physics->Solids[0].BoneNumber = 1;
+  const DecompiledModel job = Ready(model);
+  const std::string statements = Statements(job);
+  EXPECT_EQ(statements.find("$collisionjoints \""), 0u);
+  const size_t name = statements.find('"') + 1;
+  const auto pieces = PiecesOf(ReadSmd(job.File(statements.substr(name, statements.find('"', name) - name))));
+  ASSERT_EQ(pieces.size(), 1u);
+  const PhySolid solid = BoxSolid({box});
+  EXPECT_LT(FarthestFrom(solid, solid.Pieces[0], pieces[0], RigidTransform::QuarterTurn()), 2e-6);
+}
+
 TEST(PhysicsExport, KeepsPiecesApartThatTouchEachOther) {
   ModelBuilder model;
   PhySolidDescription row{.Boxes = {}};

@@ -141,6 +141,22 @@ TEST(ModelComparison, NamesTheTableAndPlaceOfEachChange) {
 }
 
 TEST(ModelComparison, TellsRoundingFromARealDifference) {
+  const auto withPacked = [](int64_t x, int64_t y, int64_t z) {
+    constexpr int64_t Middle = 1048576;
+    ModelBuilder model = WholeModel();
+    const int64_t bits = (x + Middle) | (y + Middle) << 21 | (z + Middle) << 42;
+    model.Animations[0].Data.Bones = {{.Bone = 1, .Rotation64 = static_cast<uint64_t>(bits)}};
+    return model;
+  };
+  // A half-turn, its parts by a step apart each, which turns it by more than a step elsewhere; then by many.
+  const auto steps = Compare(withPacked(-1, -821042, 652229), withPacked(-2, -821041, 652230)).Differences;
+  ASSERT_TRUE(steps && steps->size() == 1);
+  EXPECT_TRUE(steps->front().IsRounding);
+  EXPECT_GT(steps->front().Largest, 5e-4);
+  const auto turned = Compare(withPacked(-1, -821042, 652229), withPacked(-1, -820900, 652229)).Differences;
+  ASSERT_TRUE(turned && turned->size() == 1);
+  EXPECT_FALSE(turned->front().IsRounding);
+
   ModelBuilder near = WholeModel();
   near.Bones[1].Position.z += 0.000002f;
   (*near.Animations[1].Data.Bones[0].RotationRuns)[0][0].Values[1] = 101;  // a step of the track
@@ -192,6 +208,16 @@ std::vector<std::string> RealAndDerived(const ModelBuilder& first, const ModelBu
     lines.push_back((one.IsReal() ? "real " : one.IsRounding ? "rounding " : "derived ") + one.What);
   }
   return lines;
+}
+
+TEST(ModelComparison, KeyValuesCountByTheirWords) {
+  ModelBuilder first = WholeModel();
+  first.KeyValues = "mdlkeyvalue{\"prop_data\"\n{ base \"Metal.Large\" \"a\" \"b c\" } }";
+  ModelBuilder second = first;
+  second.KeyValues = "mdlkeyvalue\n{\nprop_data {\n\"base\" \"Metal.Large\" \"a\" \"b c\"  }\n}\n";
+  EXPECT_THAT(RealAndDerived(first, second), IsEmpty());
+  second.KeyValues = "mdlkeyvalue\n{\nprop_data {\n\"base\" \"Metal.Large\" \"a\" b c  }\n}\n";
+  EXPECT_THAT(RealAndDerived(first, second), testing::ElementsAre("real key values"));
 }
 
 TEST(ModelComparison, FlagsAndKeysThatNoStatementSetsAreNoRealDifference) {

@@ -51,6 +51,7 @@ TEST(QcExpression, FollowsPrecedenceWithAndWithoutBlanks) {
       {"%a=b-c-d*2", "b c - d 2.00 * -"},
       {"%a = (b + c) * -(d / .5)", "b c + d 0.50 / ~ *"},
       {"%a= b * -0.5 - -1e0", "b -0.5 * -1.0 -"},
+      {"%a = -(2) * --b", "2.00 ~ b ~ ~ *"},
       {"%a =min(b,MAX( %c , 1 ))/2", "b %c 1.00 max min 2.00 /"},
       {"%a = \"odd-name\" + \"%b c\"", "odd-name %b c +"},
   };

@@ -61,6 +61,24 @@ TEST(SmdReader, TellsWhatIsWrongByLine) {
   }
 }
 
+TEST(SmdReader, GoesOnBehindWhatOtherProgramsGetWrong) {
+  const std::string corners = "0 0 0 0 0 0 1 0 0\n0 1 0 0 0 0 1 1 0\n0 0 1 0 -1.#IND00 0 1 0 2,5\n";
+  SmdSource source;
+  const auto messages =
+      ReadSource("version 1\nnodes\n0 \"a\" -1\nend\nskeleton\ntime 0\n0 0 0 0 0 0 0\nend\ntriangles\n\n" + corners +
+                     "\nskin\n" + corners + "end\n",
+                 "a.smd", source);
+  std::vector<std::string> told;
+  for (const SourceMessage& message : messages) told.push_back(std::to_string(message.Line) + " " + message.Text);
+  EXPECT_THAT(told, ElementsAre("11 a triangle has no material and is left out",
+                                "18 \"-1.#IND00\" is no finite number and counts as 0",
+                                "18 the number \"2,5\" is read up to \",5\""));
+  EXPECT_THAT(source.Materials, ElementsAre("skin"));
+  ASSERT_THAT(source.Corners, SizeIs(3));
+  EXPECT_EQ(source.Corners[2].Normal.X, 0);
+  EXPECT_EQ(source.Corners[2].V, 2);
+}
+
 TEST(SmdReader, ReadsNumbersToTheNearestFloat) {
   const char* texts[] = {"0",          "-0.000000", "16777217",         "0.1",   "1e-40", "123456789.123456789",
                          "8388609.5",  "3.4e38",    "0.000030517579",   "5.",    ".5",    "9007199254740993",

@@ -37,6 +37,10 @@ TEST(SourceComparison, TellsRoundingFromARealDifference) {
       {"a.smd", "0 1 2 3 0 0 0\n", "1 1 2 3 0 0 0\n", false, 1, 1},
       // Vertices are no tracks.
       {"a.smd", "0 1 2 3 0 0 1 0.5 0.5\n", "0 1.01 2 3 0 0 1 0.5 0.5\n", false, 1, 1},
+      // What was no number in a model is none of a source.
+      {"a.smd", "0 1 2 3 nan -nan inf 0.5 0.5\n", "0 1 2 3 0 0 0 0.5 0.5\n", true, 1, 1},
+      {"a.smd", "0 1 2 3 0 0 0 0.5 0.5\n", "0 1 2 3 nan 0 0 0.5 0.5\n", false, 1, 1},
+      {"a.qc", "$body nan\n", "$body inf\n", false, 1, 1},
       // The first real line counts, not a rounded one ahead of it.
       {"a.vta", "0 1.000001 0\n0 5 0\n", "0 1 0\n0 6 0\n", false, 2, 2},
   };
