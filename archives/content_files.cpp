@@ -6,6 +6,7 @@
 #include "archives/folded_text.h"
 #include "archives/name_pattern.h"
 #include "core/paths.h"
+#include "core/same_folder.h"
 
 namespace tarnwick::archives {
 
@@ -44,6 +45,16 @@ std::optional<std::string> RootOf(const std::string& name) {
   const std::string folded = '/' + FoldedText(name);
   const size_t at = folded.rfind("/models/");
   return at == std::string::npos ? std::nullopt : std::optional(name.substr(0, at));
+}
+
+/// The folder of a file of the disk, as one text however it is written.
+std::string FolderKey(const std::string& path) {
+  const std::string_view folder = core::DirectoryWithSeparator(path);
+#ifdef _WIN32
+  return FoldedText(folder);
+#else
+  return std::string(folder);
+#endif
 }
 
 /// The folders beside a file of the disk in which what its game has may lie: what its folder `models` lies in, and its
@@ -112,8 +123,7 @@ std::optional<ContentFiles::Place> ContentFiles::Find(const std::string& name, s
     if (found->InArchive != nullptr) return Place{.InArchive = found->InArchive, .Number = found->Number};
     const std::string inside = PlainName(content.Inside);
     const std::lock_guard lock(m_lock);
-    m_gameFolders.insert_or_assign(std::string(core::DirectoryWithSeparator(found->Name)),
-                                   std::string(core::DirectoryWithSeparator(inside)));
+    m_gameFolders.insert_or_assign(FolderKey(found->Name), std::string(core::DirectoryWithSeparator(inside)));
     return Place{.Path = std::move(found->Name)};
   }
   auto archive = OpenArchive(content.Path, reason);
@@ -165,7 +175,7 @@ std::optional<std::string> ContentFiles::FindElsewhere(const std::string& name) 
   if (m_gameDirectory.empty() || content.Where == Where::Game) return std::nullopt;
   if (content.Where == Where::Disk) {
     const std::lock_guard lock(m_lock);
-    const auto folder = m_gameFolders.find(std::string(core::DirectoryWithSeparator(name)));
+    const auto folder = m_gameFolders.find(FolderKey(name));
     if (folder == m_gameFolders.end()) return std::nullopt;
     inside = folder->second + std::string(core::LastComponent(name));
   }
@@ -195,22 +205,6 @@ struct ContentFiles::Root {
   std::string Start = {};  // what stands before a name in an archive
 };
 
-namespace {
-
-bool IsSameFolder(const std::filesystem::path& a, const std::filesystem::path& b) {
-  std::error_code error;
-#ifdef _WIN32  // where the library compares files alone
-  const std::filesystem::path first = std::filesystem::canonical(a, error);
-  if (error) return false;
-  const std::filesystem::path second = std::filesystem::canonical(b, error);
-  return !error && core::EqualIgnoringCase(core::PathText(first), core::PathText(second));
-#else
-  return std::filesystem::equivalent(a, b, error);
-#endif
-}
-
-}  // namespace
-
 /// Whether the archive or folder at `path` is one of the game's places.
 bool ContentFiles::IsOfGame(const std::string& path) const {
   {
@@ -221,9 +215,8 @@ bool ContentFiles::IsOfGame(const std::string& path) const {
   std::string ignored;
   const GameFiles* const game = Game(ignored);
   bool isOfGame = false;
-  const std::filesystem::path wanted = core::NativePath(path);
   for (const std::string& place : game != nullptr ? game->Places() : std::vector<std::string>{m_gameDirectory}) {
-    isOfGame = isOfGame || IsSameFolder(core::NativePath(place), wanted);
+    isOfGame = isOfGame || core::IsSameFolder(place, path);
   }
   const std::lock_guard lock(m_lock);
   m_isOfGame.emplace(path, isOfGame);

@@ -8,7 +8,6 @@
 set -euo pipefail
 
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
-top=$PWD
 home=${TARNWICK_WINDOWS_LIBRARIES:-${XDG_CACHE_HOME:-$HOME/.cache}/tarnwick/windows-libraries}
 made=$home/made stamps=$home/stamps sources=$home/sources work=$home/work
 jobs=${TARNWICK_JOBS:-$(nproc)}
@@ -106,7 +105,7 @@ build_imath() {
 }
 
 build_freeimage() {
-  build freeimage "$top/cmake/windows_libraries/freeimage" "${hardened[@]}" -DFREEIMAGE_SOURCES="$work/freeimage"
+  build freeimage "$home/toolchain/windows_libraries/freeimage" "${hardened[@]}" -DFREEIMAGE_SOURCES="$work/freeimage"
 }
 
 build_qhull() {
@@ -141,7 +140,7 @@ mkdir -p "$stamps" "$work" "$home/toolchain"
 exec 9>"$home/lock"
 flock 9
 # A build that goes on later may do so from another clone of this project, so what it was begun with lies beside it.
-cp -ru cmake/windows_cross.cmake cmake/windows_cross "$home/toolchain/"
+cp -ru cmake/windows_cross.cmake cmake/windows_cross cmake/windows_libraries "$home/toolchain/"
 for library in "${libraries[@]}"; do
   is_made "$library" && continue
   echo "Building $library for Windows in $home ..."

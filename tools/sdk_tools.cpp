@@ -1,11 +1,11 @@
 #include "tools/sdk_tools.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <utility>
 
 #include "core/paths.h"
 #include "core/program_directory.h"
+#include "core/same_folder.h"
 #include "tools/tool_file.h"
 
 namespace tarnwick::tools {
@@ -18,11 +18,6 @@ constexpr SdkTool AllTools[] = {Studiomdl, Vtex, Vtf2tga};
 
 std::string OwnFolder() {
   return core::ProgramDirectory() + core::PathSeparator + BundledFolder;
-}
-
-bool IsSameFolder(const std::string& a, const std::string& b) {
-  std::error_code error;
-  return std::filesystem::equivalent(core::NativePath(a), core::NativePath(b), error) && !error;
 }
 
 }  // namespace
@@ -60,7 +55,7 @@ std::optional<std::string> BundledSdkDirectory() {
 }
 
 bool HoldsSdkTools(const std::string& sdkDirectory) {
-  if (sdkDirectory.empty() || IsSameFolder(sdkDirectory, OwnFolder())) return false;
+  if (sdkDirectory.empty() || core::IsSameFolder(sdkDirectory, OwnFolder())) return false;
   return ToolExists(SdkToolPath(sdkDirectory, Hlmv)) ||
          std::any_of(std::begin(AllTools), std::end(AllTools),
                      [&](const SdkTool& tool) { return ToolExists(SdkToolPath(sdkDirectory, tool)); });
@@ -89,7 +84,7 @@ std::string ToolsInUseText(const std::string& sdkDirectory) {
   for (const SdkTool& tool : AllTools) {
     const ToolChoice choice = ToolInUse(sdkDirectory, tool);
     if (!text.empty()) text += ", ";
-    if (choice.StandsIn || IsSameFolder(choice.Directory, OwnFolder())) {
+    if (choice.StandsIn || core::IsSameFolder(choice.Directory, OwnFolder())) {
       text += OwnToolNote(tool);
     } else {
       const bool found = !choice.Directory.empty() && ToolExists(SdkToolPath(choice.Directory, tool));

@@ -66,11 +66,10 @@ bool LowerToken() {
     return false;
   }
 
-  BYTE untrusted[SECURITY_MAX_SID_SIZE];
-  size = sizeof untrusted;
-  if (!CreateWellKnownSid(WinUntrustedLabelSid, nullptr, untrusted, &size)) return false;
-  TOKEN_MANDATORY_LABEL label{{untrusted, SE_GROUP_INTEGRITY}};
-  return SetTokenInformation(own, TokenIntegrityLevel, &label, static_cast<DWORD>(sizeof label) + size) != 0;
+  // By hand: Wine does not know it among the ones that have names.
+  SID untrusted{SID_REVISION, 1, SECURITY_MANDATORY_LABEL_AUTHORITY, {SECURITY_MANDATORY_UNTRUSTED_RID}};
+  TOKEN_MANDATORY_LABEL label{{&untrusted, SE_GROUP_INTEGRITY}};
+  return SetTokenInformation(own, TokenIntegrityLevel, &label, DWORD{sizeof label} + GetLengthSid(&untrusted)) != 0;
 }
 
 /// Keeps the clipboard, other programs' windows, the desktop and the settings of the screen away.

@@ -170,8 +170,12 @@ TEST(Archive, TellsThatItChangedOnTheDisk) {
   ASSERT_TRUE(archive);
   EXPECT_TRUE(archive->Read(*archive->Find("b.txt"), reason)) << reason;
   EXPECT_FALSE(archive->HasChanged());
+#ifdef _WIN32  // where a file that is open goes from its folder when the last one closes it
+  WriteText(folder.Path("pak01_001.vpk"), "another part");
+#else
   std::filesystem::remove(folder.Path("pak01_001.vpk"));
-  EXPECT_TRUE(archive->HasChanged()) << "a part that was read from is gone";
+#endif
+  EXPECT_TRUE(archive->HasChanged()) << "a part that was read from is gone, or another one";
 
   // Cut short under the one who reads it: told, and no signal ends the program.
   const auto whole = Archive::Open(path, reason);

@@ -137,10 +137,12 @@ TEST_F(TwoPlaces, TakesFilesOutOfArchivesAndFoldersAlike) {
   EXPECT_FALSE(ContentIndex::Of({Loose("mod")}, stop.get_token()));
   EXPECT_THAT(m_report.Troubles, IsEmpty());
 
-  // A file taken out into its own place stays as it is; a link there leads nowhere.
+  // A file taken out into its own place stays as it is.
   const uint32_t crate = *m_index->Find("models/crate.mdl");
   EXPECT_EQ(ExtractContent(*m_index, {crate}, m_folder.Path("mod"), m_report, {}, {}).Failed, 0u);
   EXPECT_EQ(ReadText(m_folder.Path("mod/models/Crate.mdl")), "the mod's");
+#ifndef _WIN32
+  // A link there leads nowhere.
   std::filesystem::create_directory_symlink(m_folder.Path(), m_folder.Path("trap"));
   std::filesystem::create_directory(m_folder.Path("cage"));
   std::filesystem::rename(m_folder.Path("trap"), m_folder.Path("cage/models"));
@@ -148,6 +150,7 @@ TEST_F(TwoPlaces, TakesFilesOutOfArchivesAndFoldersAlike) {
   EXPECT_FALSE(std::filesystem::exists(m_folder.Path("Crate.mdl")));
   ASSERT_EQ(m_report.Troubles.size(), 1u);
   EXPECT_THAT(m_report.Troubles[0].Text, HasSubstr("leads outside"));
+#endif
 }
 
 TEST_F(ContentIndexTest, StandsNamesThatNoFileSystemHas) {

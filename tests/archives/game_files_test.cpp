@@ -27,10 +27,11 @@ std::string GameInfo(const std::string& paths) {
 TEST(GameInfo, TellsTheSearchPaths) {
   std::string reason;
 #ifdef _WIN32
-  const std::string content = "C:/opt/content";
+  const std::string drive = "C:", above = "C:\\games\\";
 #else
-  const std::string content = "/opt/content";
+  const std::string drive, above = "/games/";
 #endif
+  const std::string mod = drive + "/games/mod", content = drive + "/opt/content";
   const auto paths = ReadSearchPaths(GameInfo("game+mod mod/custom/*\n"
                                               "GAME |gameinfo_path|.\n"
                                               "gamebin |gameinfo_path|bin\n"
@@ -42,16 +43,14 @@ TEST(GameInfo, TellsTheSearchPaths) {
                                               "game { nested 1 }\n"
                                               "game " +
                                               content + "\n"),
-                                     "/games/mod", reason);
+                                     mod, reason);
   ASSERT_TRUE(paths) << reason;
   using Kind = SearchPath::Kind;
-  const std::string s(1, core::PathSeparator);
-  EXPECT_THAT(
-      *paths,
-      ElementsAre(SearchPath{Kind::AllBelow, "/games" + s + "mod/custom"}, SearchPath{Kind::Place, "/games/mod"},
-                  SearchPath{Kind::Place, "/games/mod" + s + "sub"},
-                  SearchPath{Kind::Place, "/games" + s + "hl2/pc.vpk"},
-                  SearchPath{Kind::Place, "/games" + s + "hl2/hl2_misc.vpk"}, SearchPath{Kind::Place, content}));
+  EXPECT_THAT(*paths,
+              ElementsAre(SearchPath{Kind::AllBelow, above + "mod/custom"}, SearchPath{Kind::Place, mod},
+                          SearchPath{Kind::Place, mod + core::PathSeparator + "sub"},
+                          SearchPath{Kind::Place, above + "hl2/pc.vpk"},
+                          SearchPath{Kind::Place, above + "hl2/hl2_misc.vpk"}, SearchPath{Kind::Place, content}));
   EXPECT_FALSE(ReadSearchPaths("GameInfo { FileSystem { } }", "/games/mod", reason));
   EXPECT_THAT(reason, HasSubstr("no list"));
   EXPECT_FALSE(ReadSearchPaths("GameInfo { FileSystem", "/games/mod", reason));

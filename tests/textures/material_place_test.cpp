@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
+#include "core/paths.h"
+
 namespace tarnwick::textures {
 namespace {
 
@@ -25,7 +29,7 @@ TEST(PlaceOfMaterial, GoesFromMaterialsrcToMaterials) {
     std::string reason;
     const auto place = PlaceOfMaterial(each.Tga, each.OutputFolder, reason);
     ASSERT_TRUE(place) << reason;
-    EXPECT_EQ(place->Folder, each.Folder);
+    EXPECT_EQ(place->Folder, core::PathText(std::filesystem::absolute(core::NativePath(each.Folder)).make_preferred()));
     EXPECT_EQ(place->Stem, "brick.v2");
     EXPECT_EQ(place->Name, each.Name);
   }

@@ -8,9 +8,10 @@
 
 namespace tarnwick::view {
 
-/// A context of OpenGL that needs neither a display nor a graphics processor: EGL on a device, or Mesa's software
-/// renderer without a surface. libEGL is loaded when the first one is made. The context is current on one
-/// thread at a time, first on the one that made it.
+/// A context of OpenGL that shows nothing. On Linux it needs neither a display nor a graphics processor: EGL on a
+/// device, or Mesa's software renderer without a surface; on Windows a window that is never shown, and the driver of
+/// the graphics card. The system's library is loaded when the first one is made. The context is current on one thread
+/// at a time, first on the one that made it.
 class Offscreen {
  public:
   /// Null, with `reason`, where no such context can be had.
