@@ -1,5 +1,6 @@
 #include <cmath>
 
+#include "support/model_builder.h"
 #include "support/model_writer.h"
 
 namespace tarnwick::tests {

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "support/model_builder.h"
 #include "support/model_writer.h"
 
 namespace tarnwick::tests {

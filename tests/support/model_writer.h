@@ -7,9 +7,13 @@
 #include "model/face_records.h"
 #include "model/script_records.h"
 #include "model/studio_records.h"
-#include "support/model_builder.h"
+#include "support/animation_description.h"
+#include "support/file_builder.h"
+#include "support/mesh_description.h"
 
 namespace tarnwick::tests {
+
+struct ModelBuilder;
 
 // The parts of the model writer. Each adds its records behind what the file holds already and enters them in the
 // header, which stands at the file's start.

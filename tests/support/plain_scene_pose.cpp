@@ -6,6 +6,7 @@
 
 #include "model/animation_records.h"
 #include "view/scene/frame_source.h"
+#include "view/scene/sequence_place.h"
 
 namespace tarnwick::tests {
 

@@ -1,3 +1,4 @@
+#include "support/model_builder.h"
 #include "support/model_writer.h"
 
 namespace tarnwick::tests {

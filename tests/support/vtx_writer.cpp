@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "model/vtx_records.h"
+#include "support/model_builder.h"
 #include "support/model_writer.h"
 
 namespace tarnwick::tests {

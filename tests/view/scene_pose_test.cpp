@@ -5,6 +5,7 @@
 #include "model/animation_records.h"
 #include "scene_support.h"
 #include "support/plain_scene_pose.h"
+#include "view/scene/sequence_place.h"
 #include "view/scene/view_state.h"
 
 namespace tarnwick::view {

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "core/paths.h"
+#include "view/scene/complete_scene.h"
 #include "view/scene/included_models.h"
 #include "view/scene/model_frames.h"
 #include "view/scene/model_loading.h"
@@ -68,7 +69,7 @@ class Maker {
     if (!m_scene.Animations.empty() && !m_scene.Bones.empty()) m_scene.Frames = m_frames;
     const int64_t included = m_wish.IncludedModels ? TakeIncludedModels(m_reader, m_files, m_troubles, m_scene) : 0;
     m_scene.RestTurn = RestTurnOf(m_scene);
-    m_scene.Complete();
+    CompleteScene(m_scene);
     if (const auto phy = m_loading.ReadBeside(".phy")) TakeHulls(m_reader, *phy, m_scene);
     m_scene.FileBytes = m_loading.FileBytes() + included;
     m_frames->FallSilent();

@@ -312,8 +312,6 @@ struct Scene {
   /// Where the animations' frames come from; null without any.
   std::shared_ptr<FrameSource> Frames;
 
-  /// Fills in what follows from the rest, for whoever makes a scene.
-  void Complete();
   /// The place in Materials of a draw's slot under `skin`; -1 where the slot has none. A skin that the model does not
   /// have counts as the first.
   int32_t MaterialOf(const SceneDraw& draw, int32_t skin) const;

@@ -32,19 +32,6 @@ struct PoseRequest {
   bool operator==(const PoseRequest&) const = default;
 };
 
-/// The value that a pose parameter has if nobody sets it: 0, or what is next to it.
-float DefaultPoseValue(const ScenePoseParameter& parameter);
-
-/// Frames per second and the number of frames of a sequence at these pose parameters.
-struct SequenceTiming {
-  float Fps = 30;
-  float LastFrame = 0;  // may lie between two whole ones: animations of unlike lengths are blended
-};
-SequenceTiming TimingOf(const Scene& scene, int32_t sequence, std::span<const float> poseParameters);
-
-/// How much of a layer is there at `cycle` (or at the value of its pose parameter): 0 to 1.
-float RampOf(const SceneAutoLayer& layer, float cycle);
-
 /// Where the bones of a scene stand. Keeps its room from one pose to the next, and some frames that were decoded.
 /// Of inverse kinematics the locks are held. The rules of animations are not: what their errors count from is not
 /// known.

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "view/scene/scene_pose.h"
-
 namespace tarnwick::view {
 
 namespace {

@@ -24,7 +24,20 @@ struct SequencePlace {
 /// The place of `sequence`, which has animations.
 SequencePlace PlaceOf(const Scene& scene, const SceneSequence& sequence, std::span<const float> poseParameters);
 
+/// The value that a pose parameter has if nobody sets it: 0, or what is next to it.
+float DefaultPoseValue(const ScenePoseParameter& parameter);
+
 /// The value of pose parameter `index`, in its range: what is given, or its default. 0 for one that the scene lacks.
 float PoseValue(const Scene& scene, int32_t index, std::span<const float> poseParameters);
+
+/// Frames per second and the number of frames of a sequence at these pose parameters.
+struct SequenceTiming {
+  float Fps = 30;
+  float LastFrame = 0;  // may lie between two whole ones: animations of unlike lengths are blended
+};
+SequenceTiming TimingOf(const Scene& scene, int32_t sequence, std::span<const float> poseParameters);
+
+/// How much of a layer is there at `cycle` (or at the value of its pose parameter): 0 to 1.
+float RampOf(const SceneAutoLayer& layer, float cycle);
 
 }  // namespace tarnwick::view

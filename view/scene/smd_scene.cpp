@@ -7,6 +7,7 @@
 
 #include "core/paths.h"
 #include "smd/smd_reader.h"
+#include "view/scene/complete_scene.h"
 #include "view/scene/frame_source.h"
 #include "view/scene/make_scene.h"
 
@@ -88,7 +89,7 @@ class SmdMaker {
     m_scene.RestTurn = {0, 0, std::sqrt(0.5f), std::sqrt(0.5f)};
     TakeBones();
     TakeMesh();
-    m_scene.Complete();
+    CompleteScene(m_scene);
     return std::move(m_scene);
   }
 

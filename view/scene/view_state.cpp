@@ -5,6 +5,7 @@
 
 #include "model/animation_records.h"
 #include "view/scene/face.h"
+#include "view/scene/sequence_place.h"
 
 namespace tarnwick::view {
 

@@ -14,6 +14,7 @@
 #include <cmath>
 
 #include "core/paths.h"
+#include "view/scene/sequence_place.h"
 #include "view/widget/model_canvas.h"
 
 namespace tarnwick::view {

@@ -17,6 +17,7 @@
 #include <cmath>
 
 #include "platform/text.h"
+#include "view/scene/sequence_place.h"
 #include "view/widget/display_tab.h"
 #include "view/widget/facts_tab.h"
 #include "view/widget/parts_tab.h"

@@ -11,6 +11,7 @@
 
 #include "platform/text.h"
 #include "view/scene/face.h"
+#include "view/scene/sequence_place.h"
 #include "view/widget/model_view.h"
 #include "view/widget/pose_pad.h"
 #include "view/widget/tab_controls.h"
