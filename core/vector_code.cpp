@@ -13,7 +13,10 @@ VectorLevel FindLevel() {
   __builtin_cpu_init();
   if (!__builtin_cpu_supports("ssse3")) return VectorLevel::Plain;
 #if TARNWICK_HAS_AVX_CODE
-  if (!__builtin_cpu_supports("avx2") || !__builtin_cpu_supports("fma")) return VectorLevel::Ssse3;
+  if (!__builtin_cpu_supports("avx2") || !__builtin_cpu_supports("fma") || !__builtin_cpu_supports("bmi") ||
+      !__builtin_cpu_supports("popcnt")) {
+    return VectorLevel::Ssse3;
+  }
   if (!__builtin_cpu_supports("avx512f") || !__builtin_cpu_supports("avx512bw") ||
       !__builtin_cpu_supports("avx512dq") || !__builtin_cpu_supports("avx512vl")) {
     return VectorLevel::Avx2;

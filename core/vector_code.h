@@ -26,8 +26,8 @@
 // Windows' calling convention and GCC do not agree on the alignment of wide registers on the stack (GCC bug 54412).
 #if defined(__x86_64__) && defined(__GNUC__) && !defined(_WIN32)
 #define TARNWICK_HAS_AVX_CODE 1
-#define TARNWICK_AVX2 __attribute__((target("avx2,fma")))
-#define TARNWICK_AVX512 __attribute__((target("avx2,fma,avx512f,avx512bw,avx512dq,avx512vl")))
+#define TARNWICK_AVX2 __attribute__((target("avx2,fma,bmi,popcnt")))
+#define TARNWICK_AVX512 __attribute__((target("avx2,fma,bmi,popcnt,avx512f,avx512bw,avx512dq,avx512vl")))
 #else
 #define TARNWICK_HAS_AVX_CODE 0
 #define TARNWICK_AVX2
@@ -51,7 +51,7 @@ namespace tarnwick::core {
 enum class VectorLevel {
   Plain,   // what every processor of its kind has
   Ssse3,   // byte shuffles of 16 bytes
-  Avx2,    // 32 bytes, fused multiplications
+  Avx2,    // 32 bytes, fused multiplications, and what came with them: finding and counting bits
   Avx512,  // 64 bytes
 };
 

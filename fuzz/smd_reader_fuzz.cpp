@@ -1,4 +1,4 @@
-// Reads any bytes as an SMD or VTA file, and every number in them against strtof.
+// Reads any bytes as an SMD or VTA file, with vectors and without, and every number in them against strtof.
 
 #include <bit>
 #include <cmath>
@@ -8,6 +8,8 @@
 #include <string_view>
 
 #include "smd/smd_reader.h"
+#include "smd/source_number.h"
+#include "support/source_bytes.h"
 
 using namespace tarnwick;
 
@@ -55,5 +57,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   for (const smd::SourceMessage& message : smd::ReadSource(text, "a.smd", source)) error = error || message.IsError;
   if (!error) CheckSource(source);
   CheckNumbers(text);
+  Require(tests::SourceBytes(text, core::HighestVectorLevel()) == tests::SourceBytes(text, core::VectorLevel::Plain));
   return 0;
 }

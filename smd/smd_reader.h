@@ -5,16 +5,10 @@
 #include <string_view>
 #include <vector>
 
+#include "core/vector_code.h"
 #include "smd/smd_source.h"
 
 namespace tarnwick::smd {
-
-/// What is wrong with a source, by line. A file with an error cannot be compiled.
-struct SourceMessage {
-  int64_t Line = 0;  // from 1
-  bool IsError = false;
-  std::string Text;  // one sentence, without place, line end or full stop
-};
 
 /// Bounds of what a source may hold.
 inline constexpr size_t MostSourceNodes = 4096;
@@ -24,10 +18,7 @@ inline constexpr size_t MostSourcePoses = 16 << 20;  // nodes times frames
 /// line ends of any kind. `//`, `#` and `;` begin a comment but in material lines and in quotes. A bone that a frame
 /// leaves out stands as in the frame before, in the first frame at 0 0 0. A word that is no finite number counts as 0
 /// and is told. Nothing bad ends the reading; the messages, 50 at most, tell what was left out.
-std::vector<SourceMessage> ReadSource(std::string_view text, std::string path, SmdSource& source);
-
-/// The number at `at`: an optional sign, digits with an optional fraction and exponent, to the nearest float. Gives the
-/// place behind it, or `at` where no number stands.
-const char* ParseFloat(const char* at, const char* end, float& value);
+std::vector<SourceMessage> ReadSource(std::string_view text, std::string path, SmdSource& source,
+                                      core::VectorLevel level = core::HighestVectorLevel());
 
 }  // namespace tarnwick::smd

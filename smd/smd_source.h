@@ -45,6 +45,13 @@ struct SourceShape {
   std::vector<ShapeVertex> Vertices;
 };
 
+/// What is wrong with a source, by line. A file with an error cannot be compiled.
+struct SourceMessage {
+  int64_t Line = 0;  // from 1
+  bool IsError = false;
+  std::string Text;  // one sentence, without place, line end or full stop
+};
+
 /// An SMD or VTA file as read.
 struct SmdSource {
   std::string Path;

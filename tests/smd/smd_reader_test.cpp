@@ -2,11 +2,15 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <bit>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
 #include <vector>
+
+#include "smd/source_number.h"
+#include "support/source_bytes.h"
 
 namespace tarnwick::smd {
 namespace {
@@ -122,6 +126,84 @@ TEST(SmdReader, ReadsSixDecimalsToTheNearestFloatToo) {
           << texts[i + k];
     }
     EXPECT_EQ(pose.Rotation.Z, pose.Position.X);
+  }
+}
+
+/// Lines that vectors read must give what reading them number by number gives, and all others must be left to that.
+TEST(SmdReader, ReadsLinesTheSameWithVectorsAsWithout) {
+  const std::vector<std::string> words = {"0.000000",
+                                          "-0.000000",
+                                          "1.500000",
+                                          "-12.345678",
+                                          "9999999.999999",
+                                          "-1234567.654321",
+                                          "12345678.000001",
+                                          "16777217.000000",
+                                          "0.0000001",
+                                          ".500000",
+                                          "-.250000",
+                                          "--1.000000",
+                                          "+1.000000",
+                                          "1-2.000000",
+                                          "1.00000",
+                                          "1,000000",
+                                          "1.0000000",
+                                          "nan",
+                                          "8388609.500000",
+                                          "1e3",
+                                          "1.000000\v0",
+                                          "1.00000:",
+                                          "1.00000/",
+                                          "100000000000000.000000",
+                                          "-1.000000",
+                                          "1.000000\x01",
+                                          "-123456789012",
+                                          "4.000000 // ",
+                                          "# 1.000000",
+                                          "1.\xFF\x80\xB0\xB9"
+                                          "00000"};
+  const std::vector<std::string> wholes = {"0", "1", "7", "12", "123", "4095", "99999", "-1", "1.0", "x", "00001", ""};
+  const std::vector<std::string> blanks = {" ", " ", " ", "  ", "\t", " \t ", "\n", "\r\n", ""};
+  const std::vector<std::string> ends = {"\n", "\r\n", " \n", "\r", "  // end\n", " 5 6\n"};
+  uint64_t seed = 1;
+  const auto pick = [&seed](const std::vector<std::string>& from, uint64_t usual) {
+    seed = seed * 6364136223846793005u + 1442695040888963407u;
+    const uint64_t bits = seed >> 33;
+    return from[bits % 16 < 15 ? bits / 16 % usual : bits / 16 % from.size()];
+  };
+  for (size_t file = 0; file < 40; ++file) {
+    std::string text = "version 1\nnodes\n0 a -1\n1 b 0\n12 c 1\nend\nskeleton\n";
+    // The first files hold only what vectors read, the others more and more of what they do not.
+    const size_t usual = file < 8 ? 6 : words.size() * (file - 7) / 33 + 3, usualBlanks = file < 20 ? 1 : 6;
+    const auto numbers = [&](size_t count) {
+      for (size_t i = 0; i < count; ++i) text += pick(blanks, usualBlanks) + pick(words, std::min(usual, words.size()));
+    };
+    for (size_t line = 0; line < 60; ++line) {
+      if (line % 20 == 0) text += "time 0\n";
+      text += (line % 3 == 0 ? "  " : "") + pick(wholes, 4);
+      numbers(6 + (line % 16 == 0 ? 2 : 0));
+      text += pick(ends, 2);
+    }
+    text += "end\ntriangles\n";
+    for (size_t line = 0; line < 90; ++line) {
+      if (line % 3 == 0) text += line % 9 == 0 ? "skin\n" : "skin two.tga\r\n";
+      text += pick(wholes, 4);
+      numbers(8);
+      if (line % 7 != 0) text += " " + std::to_string(line % 6);
+      for (size_t link = 0; line % 7 != 0 && link < line % 6; ++link) {
+        text += pick(blanks, 3) + pick(wholes, 4);
+        numbers(1);
+      }
+      text += pick(ends, 3);
+    }
+    text += "end\nvertexanimation\ntime 1\n12";
+    numbers(6);
+    // The end of a file must not be read over, wherever it is.
+    for (size_t less = 0; less < (file % 16 == 0 ? 140 : 1); ++less, text.pop_back()) {
+      ASSERT_EQ(tests::SourceBytes(text, core::HighestVectorLevel()),
+                tests::SourceBytes(text, core::VectorLevel::Plain))
+          << text;
+    }
   }
 }
 
