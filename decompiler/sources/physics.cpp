@@ -1,5 +1,4 @@
 #include "decompiler/sources/physics.h"
-#include "decompiler/stages/animation_file.h"
 
 #include <algorithm>
 #include <cmath>
