@@ -139,7 +139,7 @@ bool ScriptReader::NamesAnimation(const Context& context, const Word& word) cons
 /// Reads one option if the next word is one.
 bool ScriptReader::ReadOption(const Context& context, std::vector<Option>& out) {
   const Word* next = m_words.Peek();
-  if (context.Options == &FaceOptions() && !next->Quoted && next->Text.starts_with('%')) {
+  if (context.Options == &FaceOptions() && next->Text.starts_with('%')) {
     ReadRule(out);
     return true;
   }

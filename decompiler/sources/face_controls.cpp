@@ -155,7 +155,7 @@ class SharedFace {
         const FlexExpression expression =
             MakeFlexExpression(*ops, {m_controllerNames, m_names.Descriptors}, LongestRule);
         if (expression.Problem.empty()) {
-          m_job.Script().Text("    %" + std::string(name) + " = " + expression.Text + "\n");
+          m_job.Script().Text("    " + FlexWord(name) + " = " + expression.Text + "\n");
         } else {
           LeaveOut(name, expression.Problem);
         }

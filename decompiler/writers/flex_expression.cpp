@@ -197,7 +197,7 @@ std::string FlexWord(std::string_view name) {
 }
 
 bool CanBeginRule(std::string_view name) {
-  return IsPlainWord(name);
+  return !name.empty() && CleanWord(name) == name;
 }
 
 FlexExpression MakeFlexExpression(const core::RecordArray<StudioFlexOp>& ops, const FlexExpressionNames& names,

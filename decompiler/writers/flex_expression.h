@@ -34,7 +34,7 @@ struct FlexExpression {
 /// A flex's name as a rule has it, behind its percent sign; in quotes where the rule would take it apart.
 [[nodiscard]] std::string FlexWord(std::string_view name);
 
-/// Whether a rule can be for a flex of this name: the word that begins a rule stands without quotes.
+/// Whether a rule can be for a flex of this name: quotes hold it as it is.
 [[nodiscard]] bool CanBeginRule(std::string_view name);
 
 }  // namespace tarnwick::decompiler

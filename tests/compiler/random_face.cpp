@@ -27,7 +27,7 @@ std::string ShapeFile(const RandomFaceRequest& request) {
 std::string FlexFile(Dice& dice) {
   std::string text = dice.Any({"", "", "  localvar wide1L wide1R\n"});
   text += "  flexfile \"head.vta\" {\n    defaultflex frame 0\n    flex smile frame 1\n    flex frown frame 2" +
-          dice.Any({"", " decay 4", " decay 0.5"}) + "\n    flex late frame 3\n";
+          dice.Any({"", " decay 4", " decay 0.5"}) + "\n    flex \"so-late\" frame 3\n";
   for (int pair = dice.From(1, 3); pair > 0; --pair) {
     text += "    flexpair wide" + Number(pair) + " " + Number(dice.Real(0.01, 20)) + " frame " +
             Number(dice.From(2, 5)) + "\n";
@@ -66,7 +66,7 @@ std::string MakeRandomFace(const RandomFaceRequest& request, std::map<std::strin
           "  flexcontroller mouth smile range 0 1\n  flexcontroller brow range -1 1 right_frown left_frown\n"
           "  flexcontroller eyes range -30 30 eyes_updown\n"
           "  localvar both\n  %both = smile * 0.5 + 1\n  %smile = (%both - 0.5) / 2\n"
-          "  %frown = left_frown - right_frown * 2\n  %late = -smile\n";
+          "  %frown = left_frown - right_frown * 2\n  \"%so-late\" = -smile\n";
   if (dice.Chance(50)) text += "  %both = min(max(smile, 0.25), 1 - eyes_updown / 30)\n";
   return text + "}\n";
 }

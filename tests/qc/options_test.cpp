@@ -76,17 +76,19 @@ TEST(QcFaces, AreReadWithTheirRules) {
       "$model face \"face.smd\"\n{\n flexfile face.vta\n {\n  defaultflex frame 0\n  flex jaw frame 1 position 0.5\n"
       "  flexpair smile 1.5 frame 2\n }\n eyeball righteye head 1 2 3 white 1.2 3 iris 0.6\n"
       " eyelid upper_right \"face.vta\" lowerer 3 -0.2 neutral 0 0.1\n  raiser 4 0.3 split 0.1 eyeball righteye\n"
-      " mouth 0 jaw head 0 1 0\n flexcontroller mouth \"range\" -1 1 jaw_x jaw_y default 0.5\n localvar half other\n"
-      " %half = jaw_x * 0.5 + (jaw_y\n   - 1)\n %smileR = %half\n %upper_right_raiser = jaw_z\n}");
+      " mouth 0 jaw head 0 1 0\n flexcontroller mouth \"range\" -1 1 jaw_x jaw_y default 0.5\n localvar half \"other "
+      "half\"\n"
+      " %half = jaw_x * 0.5 + (jaw_y\n   - 1)\n \"%other half\" = \"%other half\"\n %smileR = %half\n "
+      "%upper_right_raiser = jaw_z\n}");
   EXPECT_THAT(StatementsOf(script),
               ElementsAre("$model face|face.smd: flexfile face.vta (defaultflex (frame 0), flex jaw (frame 1, position "
                           "0.5), flexpair smile|1.5 (frame 2)), eyeball righteye|head|1|2|3|white|1.2|3|iris|0.6, "
                           "eyelid upper_right|face.vta (lowerer 3|-0.2, neutral 0|0.1, raiser 4|0.3, split 0.1, "
                           "eyeball righteye), mouth 0|jaw|head|0|1|0, flexcontroller mouth|jaw_x|jaw_y (range -1|1, "
-                          "default 0.5), localvar half|other, half, smileR, upper_right_raiser"));
+                          "default 0.5), localvar half|other half, half, other half, smileR, upper_right_raiser"));
   EXPECT_EQ(script.Rules[0].Nodes.size(), 7u);
   EXPECT_THAT(Told(script),
-              ElementsAre("a.qc:18:24: error: there is no flexcontroller \"jaw_z\"; did you mean \"jaw_x\"?"));
+              ElementsAre("a.qc:19:24: error: there is no flexcontroller \"jaw_z\"; did you mean \"jaw_x\"?"));
 }
 
 TEST(QcBones, AreReadWithTheirOptions) {
