@@ -39,6 +39,7 @@ void TextWriter::Raw(std::string_view bytes) {
     bytes.remove_prefix(room);
     Flush();
   }
+  if (bytes.empty()) return;  // which may be nowhere
   std::memcpy(m_next, bytes.data(), bytes.size());
   m_next += bytes.size();
 }
