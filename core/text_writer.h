@@ -67,6 +67,14 @@ class TextWriter {
   void Text(std::string_view text);
   /// Bytes as they are, such as text that another writer has made.
   void Raw(std::string_view bytes);
+  /// A place for up to `bytes` bytes, far fewer than a buffer holds, which the caller writes itself and then hands over
+  /// with `Take`.
+  char* Room(size_t bytes) {
+    Reserve(bytes);
+    return m_next;
+  }
+  /// Hands over the first `bytes` bytes of the room asked for last.
+  void Take(size_t bytes) { m_next += bytes; }
   void Char(char c) {
     Reserve(1);
     *m_next++ = c;

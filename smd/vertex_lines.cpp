@@ -1,5 +1,7 @@
 #include "smd/vertex_lines.h"
 
+#include <algorithm>
+
 namespace tarnwick::smd {
 
 namespace {
@@ -54,15 +56,18 @@ uint64_t CountNonFinite(const Vertex& vertex, bool withLinks) {
 }
 
 VertexLines::VertexLines(core::TextWriter& writer, bool withLinks)
-    : m_writer(writer), m_withLinks(withLinks), m_lines(std::make_unique_for_overwrite<Line[]>(LineCount)) {
-  for (size_t i = 0; i < LineCount; ++i) m_lines[i].Key = NoKey;
+    : m_writer(writer),
+      m_withLinks(withLinks),
+      m_keys(std::make_unique_for_overwrite<uint64_t[]>(LineCount)),
+      m_lines(std::make_unique_for_overwrite<Line[]>(LineCount)) {
+  std::fill_n(m_keys.get(), LineCount, NoKey);
 }
 
 void VertexLines::WriteNew(uint64_t key, const Vertex& vertex) {
-  char text[LongestVertexLine];
+  char* const text = m_writer.Room(LongestVertexLine);
   const auto length = static_cast<size_t>(WriteVertexLine(text, vertex, m_withLinks) - text);
+  m_writer.Take(length);
   const uint64_t nonFinite = CountNonFinite(vertex, m_withLinks);
-  m_writer.Raw(std::string_view(text, length));
   Line& line = m_lines[key % LineCount];
   if (nonFinite > 0 || length > sizeof line.Text) {  // written anew each time, so that all are counted
     m_writer.CountNonFinite(nonFinite);
@@ -70,7 +75,7 @@ void VertexLines::WriteNew(uint64_t key, const Vertex& vertex) {
   }
   std::memcpy(line.Text, text, length);
   line.Length = static_cast<uint32_t>(length);
-  line.Key = key;
+  m_keys[key % LineCount] = key;
 }
 
 }  // namespace tarnwick::smd
