@@ -174,7 +174,9 @@ TEST_F(ExportTexturesTest, PlansWhereEachImageGoes) {
   Texture("in/sub/red.VTF", VtfBuilder());
   const auto targets = [](const ExportTextures& job) {
     std::vector<std::string> all;
-    for (const PlannedItem& item : Plan(job).Items) all.push_back(item.Target);
+    for (const PlannedItem& item : Plan(job).Items) {
+      all.push_back(std::filesystem::path(item.Target).generic_string());
+    }
     return all;
   };
   EXPECT_THAT(targets({.Inputs = {m_folder.Path("in")}, .Output = "o", .Format = "png", .Recursive = true}),
