@@ -127,6 +127,7 @@ QPalette DarkPalette() {
   palette.setColor(QPalette::Link, QColor(110, 170, 255));
   palette.setColor(QPalette::LinkVisited, QColor(190, 150, 255));
   palette.setColor(QPalette::Highlight, QColor(50, 110, 190));
+  palette.setColor(QPalette::HighlightedText, Qt::white);  // else the desktop's, which is light
   for (const auto role : {QPalette::Text, QPalette::WindowText, QPalette::ButtonText}) {
     palette.setColor(QPalette::Disabled, role, QColor(130, 130, 130));
   }

@@ -80,7 +80,7 @@ refuses 1 'damaged ж.mdl' "${cli[@]}" decompile -o nothing "damaged ж.mdl"
 refuses 2 '"decompil"' "${cli[@]}" decompil samples/walker.mdl
 refuses 2 'unknown option --verison' "$wine" ./tarnwick.exe --verison
 refuses 2 'unknown switch -gmae' "$wine" ./sdk/hlmv.exe -gmae x
-refuses 1 'there is no renderer' "${cli[@]}" picture -o picture.png samples/walker.mdl  # but in a window
+refuses 1 'no window for OpenGL can be made' "${cli[@]}" picture -o picture.png samples/walker.mdl  # without a screen
 refuses 1 "con.sc" "${cli[@]}" project set --new con.sc "Reference SMD" a.smd
 [ ! -e nothing ] && [ ! -e con.sc ] || wrong "A refused file left something behind."
 echo "Damaged files and wrong words are told."
@@ -94,6 +94,12 @@ for image in images/*; do
   [ -s "game ж/materials/models/${image##*.}/walker_skin.vtf" ] || wrong "$image became no texture."
 done
 echo "Each of them becomes a material."
+
+# A window that nobody sees is one for a screen.
+quietly xvfb-run -a "${cli[@]}" picture --size 400x300 --game "game ж" -o "$pictures/picture.png" samples/walker.mdl
+[ "$(identify -format '%wx%h' "$pictures/picture.png")" = 400x300 ] &&
+  [ "$(identify -format %k "$pictures/picture.png")" -gt 50 ] || wrong "The sample's picture is empty."
+echo "The sample is drawn."
 
 # Opens a program's window, NAME for its picture, waits until something stands on the screen, and leaves it there for a
 # while: it must not end by itself.

@@ -7,6 +7,9 @@ failed=()
 logic_tests=(core_tests model_tests decompiler_tests smd_tests qc_tests compiler_tests archives_tests project_tests
   process_tests tools_tests images_tests textures_tests sdk_tests jobs_tests cli_tests)
 
+# Those that draw with OpenGL, which Wine has only where there is a screen.
+drawing_tests=(view_tests jobs_tests pages_tests cli_tests)
+
 # Builds the targets that follow, or everything, with windows and images in build/windows, from the libraries in `$1`.
 # Quiet unless something fails.
 build_for_windows() {
@@ -52,11 +55,14 @@ windows_without_screen() {
 # Runs test program `$1` with its log in `$2`. What fails is run once more by itself: on a busy machine Wine can take longer
 # to start a program, or to end one, than a test waits for.
 run_windows_test() {
-  local program=$1 log=$2 again
-  timeout 1200 "$wine" "$program" >"$log" 2>&1 && return
+  local program=$1 log=$2 again run=(timeout 1200 "$wine" "$1")
+  if [[ " ${drawing_tests[*]} " == *" $(basename "$program" .exe) "* ]] && command -v xvfb-run >/dev/null; then
+    run=(xvfb-run -a "${run[@]}")
+  fi
+  "${run[@]}" >"$log" 2>&1 && return
   again=$(tr -d '\r' <"$log" | sed -n 's/^\[  FAILED  \] \([^ ,]*\.[^ ,]*\).*/\1/p' | sort -u | paste -sd:)
   mv "$log" "$log.first"
-  timeout 1200 "$wine" "$program" ${again:+"--gtest_filter=$again"} >"$log" 2>&1 || return
+  "${run[@]}" ${again:+"--gtest_filter=$again"} >"$log" 2>&1 || return
   echo "$(basename "$program" .exe): passed when run once more: ${again:-all}"
 }
 

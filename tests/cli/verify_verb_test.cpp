@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 
 #include <cstddef>
+#include <filesystem>
+#include <fstream>
 #include <nlohmann/json.hpp>
 
 #include "command_line.h"
@@ -22,13 +24,15 @@ class VerifyVerb : public VerbTest {
   VerifyVerb() {
     const std::string sample = TARNWICK_SAMPLES "/walker";
     for (const char* ending : {".mdl", ".vvd", ".dx90.vtx", ".phy"}) {
-      const std::string bytes = ReadText(sample + ending);
-      WriteText(m_folder.Path(std::string("walker") + ending), bytes);
-      WriteText(m_folder.Path(std::string("below/odd") + ending), bytes);
+      for (const char* name : {"walker", "below/odd"}) {
+        std::filesystem::create_directories(m_folder.Path("below"));
+        std::filesystem::copy_file(sample + ending, m_folder.Path(std::string(name) + ending));
+      }
     }
-    std::string odd = ReadText(Odd);
-    odd[offsetof(model::StudioHeader, AllowedRootLods)] = 64;
-    WriteText(Odd, odd);
+    std::fstream odd(Odd, std::ios::in | std::ios::out | std::ios::binary);
+    odd.seekp(offsetof(model::StudioHeader, AllowedRootLods));
+    odd.put(64);
+    EXPECT_TRUE(odd.flush());
     WriteText(Broken, "IDST");
   }
 

@@ -2,11 +2,13 @@
 
 #include "both_hosts.h"
 #include "jobs/compile_models.h"
+#include "support/shell_programs.h"
 
 namespace tarnwick {
 namespace {
 
 TEST(ModelDoors, CompileTheSameModelsToTheSameFiles) {
+  TARNWICK_NEEDS_SHELL_PROGRAMS();
   tests::ScratchFolder folder;
   const std::string game = folder.Path("game");
   tests::WriteShellProgram(

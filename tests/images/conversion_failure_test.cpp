@@ -3,6 +3,7 @@
 #include <thread>
 
 #include "conversion_fixture.h"
+#include "support/shell_programs.h"
 
 namespace tarnwick::tests {
 
@@ -111,13 +112,19 @@ TEST_F(ConversionFailureTest, NamesTheWorkerThatCannotBeStarted) {
   WriteImage(Folder.Path("a.png"), Gradient(8, 8));
   Worker = images::ImageWorker(Folder.Path("no-worker"));
   EXPECT_EQ(ToTga(Folder.Path("a.png")), "");
-  ExpectFailure(Out("a.tga"), "no-worker cannot be started: No such file or directory");
-  Worker = images::ImageWorker("/bin/echo");
+  ExpectFailure(Out("a.tga"), "no-worker cannot be started: ");
+#ifdef _WIN32
+  const std::string other = "C:/windows/system32/hostname.exe";
+#else
+  const std::string other = "/bin/echo";
+#endif
+  Worker = images::ImageWorker(other);
   EXPECT_EQ(ToTga(Folder.Path("a.png")), "");
-  ExpectFailure(Out("a.tga"), "/bin/echo ended without an answer");
+  ExpectFailure(Out("a.tga"), other + " ended without an answer");
 }
 
 TEST_F(ConversionFailureTest, AStopEndsAConversionAtOnceWithoutAWord) {
+  TARNWICK_NEEDS_SHELL_PROGRAMS();
   WriteImage(Folder.Path("a.png"), Gradient(8, 8));
   WriteText(Out("a.tga"), "older");
   WriteShellProgram(Folder.Path("worker"), "echo begun >'" + Folder.Path("begun") + "'\nsleep 60\n");

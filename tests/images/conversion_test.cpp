@@ -59,25 +59,30 @@ TEST_F(ConversionTest, LeavesAFileAloneThatIsItsOwnDestination) {
   const std::string before = ReadText(Out("Skin.TGA"));
   std::string typed = Out("Skin.TGA");
   typed[typed.rfind('/')] = '\\';
-  EXPECT_EQ(ToTga(typed), Out("Skin.TGA"));
+  EXPECT_EQ(ToTga(typed), Told(Out("Skin.TGA")));
   EXPECT_EQ(Report.LogText, "WARNING, Source and destination files are the same, file is not checked\r\n");
 
   Report = {};
-  EXPECT_EQ(ToTgaWithAlpha(Out("Skin.TGA"), Out("Skin.TGA")), Out("Skin.TGA"));
+  EXPECT_EQ(ToTgaWithAlpha(Out("Skin.TGA"), Out("Skin.TGA")), Told(Out("Skin.TGA")));
   EXPECT_EQ(Report.LogText, "WARNING, Source and destination files are the same, file is unmodified\r\n");
 
   // The same file by another road would be read and overwritten at once.
   std::filesystem::rename(Out("Skin.TGA"), Out("skin.tga"));
+#ifdef _WIN32  // which lets not everybody make other links
+  std::filesystem::create_hard_link(Out("skin.tga"), Folder.Path("skin.tga"));
+#else
   std::filesystem::create_symlink(Out("skin.tga"), Folder.Path("skin.tga"));
-  EXPECT_EQ(ToTga(Folder.Path("skin.tga")), Folder.Path("skin.tga"));
+#endif
+  EXPECT_EQ(ToTga(Folder.Path("skin.tga")), Told(Folder.Path("skin.tga")));
   EXPECT_EQ(ReadText(Out("skin.tga")), before);
 }
 
 TEST_F(ConversionTest, NamesTheDestinationInSmallLettersAndReadsTheSourceInItsOwn) {
-  WriteImage(Folder.Path("Über Wand 2.V3.png"), Gradient(8, 8));
-  EXPECT_EQ(ToTga(Folder.Path("Über Wand 2.V3.png")), Out("Über wand 2.v3.tga"));
-  EXPECT_THAT(Report.LogText, HasSubstr("Converting Über Wand 2.V3.png from "));
-  ReadImage(Out("Über wand 2.v3.tga"));
+  const std::string wall = Folder.Path() + "/Über Wand 2.V3.png", made = Folder.Path() + "/out/Über wand 2.v3.tga";
+  WriteImage(wall, Gradient(8, 8));
+  EXPECT_EQ(ToTga(wall), made);
+  EXPECT_THAT(Report.LogText, HasSubstr("Converting " + Told("Über Wand 2.V3.png") + " from "));
+  ReadImage(made);
 }
 
 TEST_F(ConversionTest, PutsTheGreyOfASecondImageIntoTheAlphaChannel) {
@@ -151,6 +156,7 @@ TEST_F(ConversionTest, ReadsAnImageAsWhatItsContentIs) {
 TEST_F(ConversionTest, ReadsUncommonFormatsUnlessTheUserWantsLessToTrust) {
   for (const char* name : {"a.jp2", "a.ppm", "a.xpm", "a.png"}) {
     SCOPED_TRACE(name);
+    if (!HasFormat(name)) continue;  // its codec is left out on Windows
     Report = {};
     WriteImage(Folder.Path(name), Gradient(64, 64));
     Worker.ReadFamiliarOnly(false);

@@ -5,6 +5,8 @@
 
 #include <memory>
 
+#include "core/paths.h"
+
 namespace tarnwick::tests {
 
 namespace {
@@ -15,12 +17,24 @@ using Bitmap = std::unique_ptr<FIBITMAP, decltype(&FreeImage_Unload)>;
 [[maybe_unused]] const bool initialised = (FreeImage_Initialise(TRUE), true);
 #endif
 
+FREE_IMAGE_FORMAT FormatOf(const std::string& path) {
+  return FreeImage_GetFIFFromFilename(path.c_str());
+}
+
 void Save(const Bitmap& bitmap, const std::string& path) {
-  EXPECT_TRUE(FreeImage_Save(FreeImage_GetFIFFromFilename(path.c_str()), bitmap.get(), path.c_str(), 0))
-      << path << " cannot be written";
+#ifdef _WIN32
+  const BOOL saved = FreeImage_SaveU(FormatOf(path), bitmap.get(), core::NativePath(path).c_str(), 0);
+#else
+  const BOOL saved = FreeImage_Save(FormatOf(path), bitmap.get(), path.c_str(), 0);
+#endif
+  EXPECT_TRUE(saved) << path << " cannot be written";
 }
 
 }  // namespace
+
+bool HasFormat(const std::string& name) {
+  return FreeImage_FIFSupportsWriting(FormatOf(name)) != FALSE;
+}
 
 TestImage MakeImage(int width, int height, int depth, const std::function<Rgba(int x, int y)>& colour) {
   TestImage image{width, height, depth, {}};
@@ -76,7 +90,11 @@ void WriteFloatImage(const std::string& path, int width, int height, std::array<
 }
 
 TestImage ReadImage(const std::string& path) {
-  const Bitmap stored(FreeImage_Load(FreeImage_GetFIFFromFilename(path.c_str()), path.c_str(), 0), &FreeImage_Unload);
+#ifdef _WIN32
+  const Bitmap stored(FreeImage_LoadU(FormatOf(path), core::NativePath(path).c_str(), 0), &FreeImage_Unload);
+#else
+  const Bitmap stored(FreeImage_Load(FormatOf(path), path.c_str(), 0), &FreeImage_Unload);
+#endif
   EXPECT_TRUE(stored) << path << " cannot be read";
   if (!stored) return {};
   const Bitmap bitmap(FreeImage_ConvertTo32Bits(stored.get()), &FreeImage_Unload);

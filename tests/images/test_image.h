@@ -35,6 +35,8 @@ TestImage MakeImage(int width, int height, int depth, const std::function<Rgba(i
 /// An image whose red grows to the right and whose green grows downwards.
 TestImage Gradient(int width, int height, int depth = 24);
 
+/// Whether images of that name's format can be written: not every system has every codec.
+bool HasFormat(const std::string& name);
 /// Writes `image` in the format that the name of `path` asks for.
 void WriteImage(const std::string& path, const TestImage& image);
 /// Writes an image with 16 bits a channel, all pixels of one colour.

@@ -11,6 +11,7 @@
 #include "support/scratch_folder.h"
 #ifdef TARNWICK_HAS_IMAGES
 #include "jobs/export_textures.h"
+#include "support/shell_programs.h"
 #include "support/vtf_builder.h"
 #endif
 
@@ -222,6 +223,7 @@ TEST_F(ArchiveInputsTest, VerifiesAndUnpacksModels) {
 
 #ifdef TARNWICK_HAS_IMAGES
 TEST_F(ArchiveInputsTest, ExportsTexturesWithAndWithoutTheSdksTool) {
+  TARNWICK_NEEDS_SHELL_PROGRAMS();
   const std::string texture = tests::VtfBuilder().Frames(2).Build();
   const std::string vpk = WriteVpk("own_dir.vpk", {.Files = {{.Name = "materials/a/brick.vtf", .Bytes = texture},
                                                              {.Name = "materials/a/none.vtf", .Bytes = "VTF"}}});

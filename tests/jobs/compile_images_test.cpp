@@ -6,6 +6,7 @@
 
 #include "support/recording_host.h"
 #include "support/scratch_folder.h"
+#include "support/shell_programs.h"
 #include "support/tga_builder.h"
 
 namespace tarnwick::jobs {
@@ -65,6 +66,7 @@ TEST_F(CompileImagesTest, TellsAnImageFromItsConversionToItsFiles) {
 }
 
 TEST_F(CompileImagesTest, JudgesByWhatTheToolWrote) {
+  TARNWICK_NEEDS_SHELL_PROGRAMS();
   const std::string image = Image("a.tga");
   CompileImages job = Job({image});
   job.SdkDirectory = Tool("echo 'Error: no room'\n");
@@ -170,6 +172,7 @@ TEST_F(CompileImagesTest, ANoToADirectoryHoldsForAllImages) {
 }
 
 TEST_F(CompileImagesTest, AStopEndsTheToolAndBeginsNoFurtherImage) {
+  TARNWICK_NEEDS_SHELL_PROGRAMS();
   CompileImages job = Job({Image("a.tga"), Image("b.tga")});
   job.SdkDirectory = Tool("echo running\nsleep 60\n");
   std::stop_source stop;

@@ -6,6 +6,7 @@
 
 #include "support/recording_host.h"
 #include "support/scratch_folder.h"
+#include "support/shell_programs.h"
 #include "support/vtf_builder.h"
 #include "textures/dds_format.h"
 
@@ -31,7 +32,7 @@ class ExportTexturesTest : public testing::Test {
   std::vector<std::string> Files(const JobResult& result, size_t item = 0) {
     std::vector<std::string> files;
     for (const core::WrittenFile& file : result.Items.at(item).Files) {
-      files.push_back(std::filesystem::path(file.Path).lexically_relative(m_folder.Path()).string());
+      files.push_back(std::filesystem::path(file.Path).lexically_relative(m_folder.Path()).generic_string());
     }
     return files;
   }
@@ -119,6 +120,7 @@ TEST_F(ExportTexturesTest, TellsHowMuchItWouldReplaceAndWhatItDoesNotMake) {
 }
 
 TEST_F(ExportTexturesTest, JudgesByWhatTheToolWrote) {
+  TARNWICK_NEEDS_SHELL_PROGRAMS();
   const std::string input = Texture("a.vtf", VtfBuilder());
   tests::WriteText(m_folder.Path("a.tga"), "an older image");
   ExportTextures job{
@@ -152,6 +154,7 @@ TEST_F(ExportTexturesTest, OurOwnToolStandsInForAMissingOneAndThatIsToldOnce) {
 }
 
 TEST_F(ExportTexturesTest, AStopEndsTheToolAndLeavesNothingBehind) {
+  TARNWICK_NEEDS_SHELL_PROGRAMS();
   ExportTextures job{.Inputs = {Texture("in/a.vtf", VtfBuilder()), Texture("in/b.vtf", VtfBuilder())},
                      .Output = m_folder.Path("out")};
   job.SdkDirectory = Tool("echo running\nsleep 60\n");
@@ -171,7 +174,9 @@ TEST_F(ExportTexturesTest, PlansWhereEachImageGoes) {
   Texture("in/sub/red.VTF", VtfBuilder());
   const auto targets = [](const ExportTextures& job) {
     std::vector<std::string> all;
-    for (const PlannedItem& item : Plan(job).Items) all.push_back(item.Target);
+    for (const PlannedItem& item : Plan(job).Items) {
+      all.push_back(std::filesystem::path(item.Target).generic_string());
+    }
     return all;
   };
   EXPECT_THAT(targets({.Inputs = {m_folder.Path("in")}, .Output = "o", .Format = "png", .Recursive = true}),

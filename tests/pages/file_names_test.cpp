@@ -15,6 +15,7 @@
 #include "project/model_options.h"
 #include "support/model_builder.h"
 #include "support/scratch_folder.h"
+#include "support/shell_programs.h"
 #include "support/vtf_builder.h"
 #include "window_support/memory_settings.h"
 #include "window_support/scripted_desktop.h"
@@ -93,6 +94,7 @@ TEST_F(FileNamesOnPages, ATextureIsExported) {
 }
 
 TEST_F(FileNamesOnPages, AScriptIsCompiled) {
+  TARNWICK_NEEDS_SHELL_PROGRAMS();
   tests::WriteShellProgram(m_folder.Path("sdk/studiomdl.exe"), "printf '[%s]' \"$@\" >\"$0.seen\"\n");
   m_settings.Values["Tarnwick/SDKDirectory"] = m_folder.Path("sdk");
   for (const std::string& name : AllCharacters()) {

@@ -16,6 +16,7 @@
 #include "model_page.h"
 #include "pages/qc_compile_dialog.h"
 #include "pages/tool_output.h"
+#include "support/shell_programs.h"
 #include "view/widget/model_viewer.h"
 #include "view/widget/model_window.h"
 
@@ -33,6 +34,7 @@ using tests::ControlOf;
 using tests::ShownBox;
 
 TEST_F(ModelPages, CompileTwiceAndStop) {
+  TARNWICK_NEEDS_SHELL_PROGRAMS();
   Tool("studiomdl.exe", "echo compiled\nif [ -e \"$0.slow\" ]; then sleep 30; fi\n");
   const auto page = OpenCrate();
   auto& status = *page->findChild<CStudioMDLStatusDialog*>();
@@ -69,6 +71,7 @@ TEST_F(ModelPages, CompileTwiceAndStop) {
 }
 
 TEST_F(ModelPages, ShowARunInColoursCopyItsCommandAndKeepItWhole) {
+  TARNWICK_NEEDS_SHELL_PROGRAMS();
   Tool("studiomdl.exe",
        "echo 'WARNING: thin'\necho 'ERROR: gone'\necho 'Working on \"error.smd\"'\nyes 0123456789 | head -n 7000\n");
   const auto page = OpenCrate();
@@ -105,6 +108,7 @@ TEST_F(ModelPages, ShowARunInColoursCopyItsCommandAndKeepItWhole) {
 }
 
 TEST_F(ModelPages, TheVerdictTellsWhatTheRunLeft) {
+  TARNWICK_NEEDS_SHELL_PROGRAMS();
   const std::string model = m_folder.Path("game/models/props/crate.mdl");
   std::filesystem::create_directories(m_folder.Path("game/models/props"));
   tests::WriteText(m_folder.Path("game/gameinfo.txt"), "");
@@ -136,6 +140,7 @@ TEST_F(ModelPages, TheVerdictTellsWhatTheRunLeft) {
 }
 
 TEST_F(ModelPages, TheWholeLogOpensDuringARunAtItsFirstError) {
+  TARNWICK_NEEDS_SHELL_PROGRAMS();
   Tool("studiomdl.exe",
        "yes 'all is well' | head -n 300\necho 'ERROR: the first'\nyes 'all is well' | head -n 300\n"
        "echo 'ERROR: the second'\nwhile [ ! -e \"$0.go\" ]; do sleep 0.05; done\necho 'the end'\n");
@@ -158,6 +163,7 @@ TEST_F(ModelPages, TheWholeLogOpensDuringARunAtItsFirstError) {
 }
 
 TEST_F(ModelPages, LiveOnWhileAToolPrintsTenMegabytes) {
+  TARNWICK_NEEDS_SHELL_PROGRAMS();
   Tool("studiomdl.exe", "yes 'WARNING: a line of the usual length that is printed far too often' | head -c 10000000\n");
   const auto page = Open<CQCCompileDialog>();
   ControlOf<QLineEdit>(*page, "qcFileEdit").setText("/m/a.qc");
@@ -172,6 +178,7 @@ TEST_F(ModelPages, LiveOnWhileAToolPrintsTenMegabytes) {
 }
 
 TEST_F(ModelPages, ViewTheCompiledModel) {
+  TARNWICK_NEEDS_SHELL_PROGRAMS();
   Tool("hlmv.exe", "for word; do echo \"$word\"; done > \"$0.new\"\nmv \"$0.new\" \"$0.words\"\n");
   const auto page = OpenCrate();
   Click(*page, "viewButton");
@@ -198,6 +205,7 @@ TEST_F(ModelPages, ViewTheCompiledModelInAWindowOfOurOwnWithoutTheSdks) {
 }
 
 TEST_F(ModelPages, ViewSaysWhyTheViewerDidNotStart) {
+  TARNWICK_NEEDS_SHELL_PROGRAMS();
   Tool("hlmv.exe", "");
   const auto page = OpenCrate();
   const auto cause = [&] {
@@ -223,6 +231,7 @@ TEST_F(ModelPages, ViewSaysWhyTheViewerDidNotStart) {
 }
 
 TEST_F(ModelPages, CompileAReadyMadeScript) {
+  TARNWICK_NEEDS_SHELL_PROGRAMS();
   const auto page = Open<CQCCompileDialog>();
   tests::Drop(ControlOf<QLineEdit>(*page, "qcFileEdit"), {"/m/a.qc", "/m/b.qc"});
   Tool("studiomdl.exe", "echo read\n");

@@ -130,6 +130,9 @@ TEST(DarkPalette, CanBeRead) {
   const QPalette palette = DarkPalette();
   for (const auto& [text, ground] : pairs) {
     EXPECT_GE(Contrast(palette.color(text), palette.color(ground)), ReadableContrast) << text << " on " << ground;
+    for (const auto role : {text, ground}) {
+      EXPECT_TRUE(palette.isBrushSet(QPalette::Active, role)) << role << " would be the desktop's";
+    }
   }
 }
 

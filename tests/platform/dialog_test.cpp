@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <QDir>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTest>
@@ -90,7 +91,8 @@ TEST(Dialog, GetsFilesThatAreDroppedOnAnEditBox) {
   window.Create();
   window.show();
   tests::Drop(window.Second, {"/m/a b.mdl", "/m/ä.mdl"});
-  EXPECT_THAT(window.Dropped, ElementsAre("/m/a b.mdl", "/m/ä.mdl"));
+  EXPECT_THAT(window.Dropped, ElementsAre(QDir::toNativeSeparators("/m/a b.mdl").toStdString(),
+                                          QDir::toNativeSeparators("/m/ä.mdl").toStdString()));
   EXPECT_TRUE(window.DropIsOverSecond);
   EXPECT_EQ(window.Second.text(), "") << "the edit box does not take the drop as text";
 }
