@@ -116,8 +116,9 @@ class ModelRound {
     job.Helpers = &m_run.Helpers;
     job.StopRequested = &m_stopped;
     const auto result = decompiler::DecompileModel(job, report);
+    if (Stopped()) return false;
     if (!result.Completed && !Failed()) report.ErrorBox(core::TroubleKind::Lost, "it did not come to its end", "");
-    return !Stopped() && !Failed();
+    return !Failed();
   }
 
   void Compare(const std::string& model, const std::string& sources, const std::string& again) {

@@ -19,13 +19,12 @@ struct CommandResult {
   std::string Err;
 };
 
-/// Calls the program with these arguments, as a user does whose settings are empty.
-inline CommandResult RunCommand(const std::vector<std::string>& arguments) {
-  const ScratchFolder settings;
+/// Calls the program with these arguments, as a user does whose settings lie in the folder `settings`.
+inline CommandResult RunCommandWith(const std::string& settings, const std::vector<std::string>& arguments) {
 #ifdef _WIN32
-  _putenv_s("XDG_CONFIG_HOME", settings.Path().c_str());
+  _putenv_s("XDG_CONFIG_HOME", settings.c_str());
 #else
-  setenv("XDG_CONFIG_HOME", settings.Path().c_str(), 1);
+  setenv("XDG_CONFIG_HOME", settings.c_str(), 1);
 #endif
   std::vector<const char*> pointers{"tarnwick-cli"};
   for (const std::string& argument : arguments) pointers.push_back(argument.c_str());
@@ -33,6 +32,11 @@ inline CommandResult RunCommand(const std::vector<std::string>& arguments) {
   std::ostringstream err;
   const int exitCode = cli::RunProgram(static_cast<int>(pointers.size()), pointers.data(), out, err);
   return {exitCode, out.str(), err.str()};
+}
+
+/// The same as a user whose settings are empty.
+inline CommandResult RunCommand(const std::vector<std::string>& arguments) {
+  return RunCommandWith(ScratchFolder().Path(), arguments);
 }
 
 /// Tests of one verb: keep what its last call printed.

@@ -38,6 +38,26 @@ TEST_F(ConfigVerb, SetsGetsAndLists) {
   EXPECT_THAT(m_out, AllOf(HasSubstr("\"value\": -1"), HasSubstr("\"stored\": true")));
 }
 
+#ifndef _WIN32
+TEST_F(ConfigVerb, WhatIsStoredIsWhatOtherVerbsWorkWith) {
+  const std::string sdk = m_folder.Path("my sdk");
+  const std::string settings = m_folder.Path("settings");
+  const auto run = [&](const std::vector<std::string>& words) { return tests::RunCommandWith(settings, words); };
+  for (const char* tool : {"studiomdl.exe", "vtf2tga.exe"}) tests::WriteShellProgram(sdk + "/" + tool, "exit 1\n");
+  tests::WriteText(m_folder.Path("game/gameinfo.txt"), "");
+  tests::WriteText(m_folder.Path("a.qc"), "$modelname a.mdl\n");
+  tests::WriteText(m_folder.Path("a.vtf"), "VTF");
+  ASSERT_EQ(run({"config", "set", "SDKDirectory", sdk}).ExitCode, ExitSuccess);
+  ASSERT_EQ(run({"config", "set", "GameDirectory", m_folder.Path("game")}).ExitCode, ExitSuccess);
+  EXPECT_THAT(run({"compile", m_folder.Path("a.qc")}).Out,
+              HasSubstr(sdk + "/studiomdl.exe -game \"" + m_folder.Path("game") + '"'));
+#ifdef TARNWICK_HAS_IMAGES
+  EXPECT_THAT(run({"vtf", "-v", m_folder.Path("a.vtf"), "-o", m_folder.Path("a.tga")}).Err,
+              HasSubstr(sdk + "/vtf2tga.exe"));
+#endif
+}
+#endif
+
 TEST_F(ConfigVerb, RefusesWhatIsNoSettingOrNoNumber) {
   EXPECT_EQ(Run({"set", "TabSelect", "2nd"}), ExitUsage);
   EXPECT_THAT(m_err, HasSubstr("Tarnwick/TabSelect is a whole number, not \"2nd\""));

@@ -97,6 +97,8 @@ TEST_F(DecompileVerb, OptionsReachTheJob) {
   EXPECT_THAT(ReadText(m_output.Path("cube.smd")),
               HasSubstr("\n0 0.000000 0.000000 0.000000 0.000000 0.000000 1.000000 "
                         "0.000000 1.000000\n"));
+  EXPECT_EQ(Run({path, "-o", m_output.Path("usual")}), ExitSuccess);
+  EXPECT_NE(ReadText(m_output.Path("usual/cube.smd")), ReadText(m_output.Path("cube.smd"))) << "with weights";
   model.Physics = PhyBuilder{};
   model.Physics->Solids[0].Values.Parent = "nobody";
   const std::string solid = model.Write(m_models.Path());

@@ -67,7 +67,8 @@ TEST_F(MaterialVerbTest, GoesOnPastAnImageThatCannotBeRead) {
   EXPECT_THAT(result.Err, AllOf(HasSubstr("bad.png: TGA Error: Unable to create TGA file "),
                                 HasSubstr(": bad.png: the file cannot be read as a PNG image\n"),
                                 HasSubstr("brick.bmp both become brick.tga\n")));
-  EXPECT_THAT(result.Out, AllOf(HasSubstr("\"outcome\":\"failed\""), HasSubstr("\"outcome\":\"ok\"")));
+  EXPECT_THAT(result.Out, AllOf(HasSubstr("\"outcome\":\"failed\""), HasSubstr("\"outcome\":\"ok\""),
+                                HasSubstr("vtex.exe -"), HasSubstr("brick.tga")));
   EXPECT_TRUE(std::filesystem::exists(Folder.Path("game/materials/models/brick.vtf")));
 }
 

@@ -1,6 +1,22 @@
 #include <gmock/gmock.h>
 
+#include <sstream>
+
 #include "command_line.h"
+#ifndef _WIN32
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdlib>
+
+#include "core/program_directory.h"
+#include "support/model_builder.h"
+
+extern char** environ;
+#endif
 
 namespace tarnwick::cli {
 namespace {
@@ -19,6 +35,77 @@ TEST(Program, ShowsWhatThereIsWhereAVerbIsMissingOrUnknown) {
   EXPECT_EQ(RunCommand({}).ExitCode, ExitUsage);
   EXPECT_EQ(RunCommand({"--version"}).ExitCode, ExitSuccess);
 }
+
+TEST(Program, EveryVerbHelpsWithExamples) {
+  const std::string help = RunCommand({"--help"}).Out;
+  std::istringstream verbs(help.substr(help.find("Subcommands:\n") + 13));
+  size_t count = 0;
+  for (std::string line; std::getline(verbs, line);) {
+    if (!line.starts_with("  ") || line[2] == ' ') continue;
+    const std::string verb = line.substr(2, line.find(' ', 2) - 2);
+    EXPECT_THAT(RunCommand({verb, "--help"}).Out, HasSubstr("\nExamples:\n  tarnwick-cli " + verb)) << verb;
+    ++count;
+  }
+  EXPECT_GE(count, 8u);
+}
+
+#ifndef _WIN32
+extern "C" void OnTestSignal(int) {}
+
+TEST(Program, GivesSignalsBackToWhoHadThem) {
+  const auto old = std::signal(SIGTERM, OnTestSignal);
+  RunCommand({"decompile", "none.mdl"});
+  EXPECT_EQ(std::signal(SIGTERM, old), OnTestSignal);
+}
+
+/// What a terminal shows of `text`, whose only commands are those that go back to the start of the line and clear it.
+std::string ShownOf(const std::string& text) {
+  std::string shown;
+  for (size_t i = 0; i < text.size(); ++i) {
+    if (text.compare(i, 4, "\r\033[K") == 0) {
+      shown.resize(shown.rfind('\n') + 1);
+      i += 3;
+    } else if (text[i] != '\r') {
+      shown += text[i];
+    }
+  }
+  return shown;
+}
+
+TEST(Program, TheBarAtTheBottomOfATerminalMakesRoomForEveryLine) {
+  const tests::ScratchFolder folder;
+  for (const char* name : {"a", "b", "c"}) tests::ModelBuilder{}.Write(folder.Path("in"), name);
+  tests::WriteText(folder.Path("in/bad.mdl"), "");
+  const int terminal = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+  ASSERT_GE(terminal, 0);
+  ASSERT_EQ(grantpt(terminal) + unlockpt(terminal), 0);
+  std::string program = core::ProgramDirectory() + "/tarnwick-cli";
+  std::string in = folder.Path("in"), out = folder.Path("out");
+  std::string words[] = {program, "decompile", "-j", "1", "-o", out, in};
+  std::vector<char*> pointers;
+  for (std::string& word : words) pointers.push_back(word.data());
+  pointers.push_back(nullptr);
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_addopen(&actions, 1, folder.Path("results").c_str(), O_WRONLY | O_CREAT, 0600);
+  posix_spawn_file_actions_addopen(&actions, 2, ptsname(terminal), O_RDWR | O_NOCTTY, 0);
+  pid_t child = 0;
+  ASSERT_EQ(posix_spawn(&child, pointers[0], &actions, nullptr, pointers.data(), environ), 0);
+  posix_spawn_file_actions_destroy(&actions);
+  std::string text;
+  char piece[1024];
+  for (ssize_t size = 0; (size = read(terminal, piece, sizeof piece)) > 0;)
+    text.append(piece, static_cast<size_t>(size));
+  int status = 0;
+  waitpid(child, &status, 0);
+  close(terminal);
+  EXPECT_THAT(text, HasSubstr("[##################......] 3/4 " + in + "/"));
+  const std::string shown = ShownOf(text);
+  EXPECT_THAT(shown, testing::StartsWith(in + "/bad.mdl: Error: Unable to load model: ")) << text;
+  EXPECT_THAT(shown, HasSubstr("\n4 models, 6 files, ")) << text;
+  EXPECT_THAT(shown, testing::Not(HasSubstr("/4 "))) << "the bar is gone";
+}
+#endif
 
 TEST(Program, KeepsArgumentsInSquareBracketsWhole) {
   tests::ScratchFolder folder;

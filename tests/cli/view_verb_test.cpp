@@ -75,6 +75,14 @@ TEST_F(InstalledProgram, ShowsModelsInItsOwnViewerWhereNoOtherCanRun) {
     EXPECT_EQ(json["warnings"].size(), named == archive ? 1u : 0u) << "that archive is not there";
   }
 }
+
+#ifdef TARNWICK_HAS_IMAGES
+TEST_F(InstalledProgram, SaysThatItsOwnToolIsMissing) {
+  const process::CapturedRun run =
+      process::RunAndKeep({m_folder.Path("bin/tarnwick-cli"), {"vtf", "info", m_folder.Path("a.vtf")}}, {}, {});
+  EXPECT_THAT(run.Output, HasSubstr("vtf2tga.exe is not in " + m_folder.Path("bin") + "/sdk\n"));
+}
+#endif
 #endif
 
 }  // namespace

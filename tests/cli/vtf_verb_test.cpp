@@ -4,12 +4,15 @@
 #include <nlohmann/json.hpp>
 
 #include "command_line.h"
+#include "core/program_directory.h"
 #include "images/test_image.h"
+#include "process/run.h"
 
 namespace tarnwick::tests {
 
 namespace {
 
+using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -106,11 +109,22 @@ TEST_F(VtfVerbTest, RefusesAFormatThatCannotBeWrittenBeforeItStarts) {
   EXPECT_THAT(Folder.Files(), ElementsAre("a.vtf", "x/a.tga"));
 }
 
+TEST_F(VtfVerbTest, ListsTheFormatsThatItWrites) {
+  const auto result = RunCommand({"vtf", "--list-formats"});
+  EXPECT_EQ(result.ExitCode, 0);
+  EXPECT_THAT("\n" + result.Out, AllOf(HasSubstr("\nbmp\n"), HasSubstr("\npng\n"), HasSubstr("\ntga\n")));
+  EXPECT_EQ(result.Err, "");
+}
+
 TEST_F(VtfVerbTest, TellsWhatATextureHolds) {
   WriteText(Folder.Path("a.vtf"), PlainTexture({{255, 0, 0}, {0, 0, 0}}));
   auto result = RunCommand({"vtf", "info", Folder.Path("a.vtf")});
   EXPECT_EQ(result.ExitCode, 0) << result.Err;
   EXPECT_THAT(result.Out, HasSubstr("version: 7.2\nwidth: 4\nheight: 2\n"));
+  // Whoever reads the program's output gets nothing else.
+  const process::CapturedRun run =
+      process::RunAndKeep({core::ProgramDirectory() + "/tarnwick-cli", {"vtf", "info", Folder.Path("a.vtf")}}, {}, {});
+  EXPECT_EQ(WithLineFeeds(run.Output), result.Out);
   result = RunCommand({"vtf", "info", "--json", Folder.Path("a.vtf"), Folder.Path("gone.vtf")});
   EXPECT_EQ(result.ExitCode, 1);
   EXPECT_EQ(nlohmann::json::parse(result.Out)["frames"], 2);

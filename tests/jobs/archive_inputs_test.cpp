@@ -217,6 +217,7 @@ TEST_F(ArchiveInputsTest, VerifiesAndUnpacksModels) {
   EXPECT_THAT(m_output.Files(),
               ElementsAre("models/props/crate.dx90.vtx", "models/props/crate.mdl", "models/props/crate.vvd",
                           "models/shared/moves.dx90.vtx", "models/shared/moves.mdl", "models/shared/moves.vvd"));
+  for (const PackedFile& file : files) EXPECT_EQ(tests::ReadText(m_output.Path(file.Name)), file.Bytes) << file.Name;
   EXPECT_FALSE(UnpackModel(vpk + ":models/none.mdl", content.Files(), m_output.Path(), reason));
   EXPECT_THAT(reason, HasSubstr("none.mdl: the archive has no such file"));
 }
@@ -236,19 +237,16 @@ TEST_F(ArchiveInputsTest, ExportsTexturesWithAndWithoutTheSdksTool) {
   EXPECT_THAT(m_output.Files(), ElementsAre("a/brick.png", "a/brick001.png"));
 
 #ifndef _WIN32
-  tests::WriteShellProgram(m_folder.Path("sdk/vtf2tga.exe"),
-                           "echo \"$@\"; for o; do :; done; cp \"$2\" \"$o\"; exit 0");
+  tests::WriteShellProgram(m_folder.Path("sdk/vtf2tga.exe"), "printf %s \"$3\" >'" + m_folder.Path("laid") +
+                                                                 "'; for o; do :; done; cp \"$3\" \"$o\"; exit 0");
   const JobResult sdk = jobs::Run(ExportTextures{.Inputs = {vpk + ":materials/a/brick.vtf"},
                                                  .Output = m_output.Path("b.tga"),
                                                  .SdkDirectory = m_folder.Path("sdk")},
                                   m_host, {});
-  EXPECT_THAT(sdk.Items[0].CommandLine, HasSubstr("texture.vtf"));
-  const size_t start = sdk.Items[0].CommandLine.find("/tmp/");
-  if (start != std::string::npos) {
-    const std::string laid =
-        sdk.Items[0].CommandLine.substr(start, sdk.Items[0].CommandLine.find("texture.vtf") - start);
-    EXPECT_FALSE(std::filesystem::exists(laid)) << "what is laid on the disk for the tool is taken away";
-  }
+  EXPECT_TRUE(sdk.Succeeded());
+  const std::filesystem::path laid = tests::ReadText(m_folder.Path("laid"));
+  EXPECT_EQ(laid.filename(), "texture.vtf");
+  EXPECT_FALSE(std::filesystem::exists(laid.parent_path())) << "what is laid on the disk for the tool is taken away";
 #endif
   const JobPlan beside = Plan(
       ExportTextures{.Inputs = {vpk + ":materials/a/brick.vtf"}, .Place = ImagePlace::BesideInput, .Output = "x.png"});
@@ -277,7 +275,8 @@ TEST_F(ArchiveInputsTest, WritesTheMaterialsOfAModel) {
   files.push_back({.Name = "materials/models/props/extra.vtf", .Bytes = texture});
   std::vector<PackedFile> game = {
       {.Name = "materials/models/other/lid.vmt",
-       .Bytes = "patch { include materials/models/other/base.vmt replace { $detail models/other/dots } }"},
+       .Bytes = "patch { include materials/models/other/base.vmt replace { $detail models/other/dots } "
+                "insert { $bumpmap models/props/gone } "},
       {.Name = "materials/models/other/base.vmt",
        .Bytes = "X { $basetexture models/props/skin \"$iris\" ../../../evil include materials/models/other/lid.vmt }"},
       {.Name = "materials/models/other/dots.vtf", .Bytes = "no texture"}};
@@ -298,10 +297,17 @@ TEST_F(ArchiveInputsTest, WritesTheMaterialsOfAModel) {
                                                "materials/models/other/lost.vmt (looked in " +
                                                vpk),
                                      HasSubstr(m_folder.Path("mod")))));
-    EXPECT_THAT(told, Contains(HasSubstr("Missing texture materials/models/props/gone.vtf")));
+    EXPECT_THAT(told, Contains(HasSubstr("Missing texture materials/models/props/gone.vtf")).Times(1))
+        << "once, though two materials name it";
+    EXPECT_THAT(told, Contains(HasSubstr("models/other/lid.vmt: "))) << "its last brace is missing";
     EXPECT_THAT(told, Contains(HasSubstr("models/other/dots.vtf: ")));
     EXPECT_THAT(told, testing::Not(Contains(HasSubstr("env_cubemap"))));
-    for (const std::string& name : m_output.Files()) EXPECT_THAT(name, testing::Not(HasSubstr("evil")));
+    for (const std::string& name : m_output.Files()) {
+      EXPECT_THAT(name, testing::Not(HasSubstr("evil")));
+      if (name.ends_with(".vmt") || name.ends_with(ending)) {
+        EXPECT_THAT(result.Items[0].Files, Contains(Field(&core::WrittenFile::Path, EndsWith(name))));
+      }
+    }
   }
   EXPECT_FALSE(std::filesystem::exists(m_output.Path("../evil.vmt")));
   // A loose model has its materials beside its folder models, in any case.

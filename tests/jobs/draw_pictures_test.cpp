@@ -1,6 +1,7 @@
 #include "jobs/draw_pictures.h"
 
 #include <gmock/gmock.h>
+#include <png.h>
 
 #include <filesystem>
 
@@ -40,6 +41,18 @@ class DrawPicturesTest : public testing::Test {
   static std::string SizeOf(const std::string& png) {
     EXPECT_EQ(png.substr(0, 8), "\x89PNG\r\n\x1A\n");
     return png.substr(16, 8);
+  }
+  /// How much of each pixel is there, row after row.
+  static std::vector<uint8_t> AlphaOf(const std::string& png) {
+    png_image image{};
+    image.version = PNG_IMAGE_VERSION;
+    EXPECT_NE(png_image_begin_read_from_memory(&image, png.data(), png.size()), 0);
+    image.format = PNG_FORMAT_RGBA;
+    std::vector<uint8_t> pixels(PNG_IMAGE_SIZE(image));
+    EXPECT_NE(png_image_finish_read(&image, nullptr, pixels.data(), 0, nullptr), 0);
+    std::vector<uint8_t> alphas;
+    for (size_t i = 3; i < pixels.size(); i += 4) alphas.push_back(pixels[i]);
+    return alphas;
   }
   static std::string Read(const std::string& path) { return core::FileExists(path) ? tests::ReadText(path) : ""; }
 
@@ -88,6 +101,19 @@ TEST_F(DrawPicturesTest, EachChoiceChangesThePicture) {
   draw({.Angle = {80, -20}});
   draw({.Wireframe = true});
   draw({.Transparent = true});
+}
+
+TEST_F(DrawPicturesTest, NothingButTheModelIsInAPicture) {
+  tests::WriteText(m_folder.Path("materials/models/props/skin.vmt"), "UnlitGeneric { $nocull 1 }");
+  const std::string model = ModelBuilder{}.Write(m_folder.Path("models/props"));
+  ASSERT_TRUE(
+      Draw({.Inputs = {model}, .Output = m_folder.Path("x.png"), .Angle = {0, 70}, .Transparent = true}).Succeeded());
+  const std::vector<uint8_t> alphas = AlphaOf(Read(m_folder.Path("x.png")));
+  ASSERT_THAT(alphas, SizeIs(32 * 32));
+  EXPECT_THAT(alphas, testing::Contains(testing::Gt(0))) << "the model";
+  for (size_t i = 0; i < 32; ++i) {
+    for (const size_t edge : {i, 31 * 32 + i, 32 * i, 32 * i + 31}) EXPECT_EQ(alphas[edge], 0) << edge;
+  }
 }
 
 TEST_F(DrawPicturesTest, SequencesOfIncludedModelsAreAskedForByName) {

@@ -4,6 +4,8 @@
 
 #include <filesystem>
 
+#include "core/file_source.h"
+#include "jobs/texture_images.h"
 #include "support/recording_host.h"
 #include "support/scratch_folder.h"
 #include "support/shell_programs.h"
@@ -142,6 +144,41 @@ TEST_F(ExportTexturesTest, JudgesByWhatTheToolWrote) {
     const JobResult alone = jobs::Run(job, m_host, {});
     EXPECT_EQ(alone.Items[0].First(Severity::Error)->Text, "vtf2tga: it is late") << target;
   }
+}
+
+#ifndef _WIN32
+TEST_F(ExportTexturesTest, AToolThatCannotBeStartedFails) {
+  ExportTextures job{.Inputs = {Texture("a.vtf", VtfBuilder())}, .Output = m_folder.Path("a.png")};
+  job.SdkDirectory = Tool("exit 0\n");
+  tests::WriteText(m_folder.Path("sdk/vtf2tga.exe"), "no program");
+  const JobResult result = jobs::Run(job, m_host, {});
+  ASSERT_EQ(result.Items[0].Judged, Verdict::Failed);
+  EXPECT_EQ(result.Items[0].First(Severity::Error)->Kind, TroubleKind::Tool);
+}
+#endif
+
+TEST_F(ExportTexturesTest, ADdsFileIsWrittenWholeOrTheReasonIsTold) {
+  const core::FileSource& disk = core::DiskFiles();
+  const TextureImages good(Texture("a.vtf", VtfBuilder().Format(textures::PixelFormat::Dxt1)), disk);
+  const TextureImages odd(Texture("b.vtf", VtfBuilder().Format(textures::PixelFormat::Uv88)), disk);
+  const TextureImages none(m_folder.Path("none.vtf"), disk);
+  const std::string a = m_folder.Path("a.tga");
+  std::string reason;
+  for (const TextureImages* texture : {&good, &odd, &none}) {
+    reason = "of an earlier one";
+    const std::string name = texture == &good ? m_folder.Path("other.tga") : a;
+    EXPECT_FALSE(texture->WriteDds(name, a, m_folder.Path("a.dds"), reason));
+    EXPECT_EQ(reason, "");
+  }
+  tests::WriteText(m_folder.Path("taken"), "a file");
+  EXPECT_FALSE(good.WriteDds(a, a, m_folder.Path("taken/a.dds"), reason));
+  EXPECT_NE(reason, "");
+  EXPECT_THAT(m_folder.Files(), ElementsAre("a.vtf", "b.vtf", "taken"));
+  EXPECT_TRUE(good.WriteDds(a, a, m_folder.Path("a.dds"), reason));
+
+  EXPECT_FALSE(TextureFacts(m_folder.Path("taken"), disk, false, reason));
+  EXPECT_THAT(reason, HasSubstr("too short for a texture"));
+  EXPECT_THAT(TextureFacts(m_folder.Path("a.vtf"), disk, true, reason), testing::Optional(HasSubstr("DXT1")));
 }
 
 TEST_F(ExportTexturesTest, OurOwnToolStandsInForAMissingOneAndThatIsToldOnce) {

@@ -46,6 +46,8 @@ TEST(RunItems, TellsAnItemFromItsStartToItsResult) {
                           Progress{0, "a.smd", 1, 2}, ItemFinished{0, item}, Finished{{{item}, {}, 0}}));
   EXPECT_TRUE(result.Succeeded());
   EXPECT_EQ(result.Items[0].Bytes(), 12u);
+  EXPECT_GT(result.Items[0].Seconds, 0);
+  EXPECT_GE(result.Seconds, result.Items[0].Seconds);
 }
 
 TEST(RunItems, JudgesByWhatWasTold) {

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 
@@ -19,6 +20,7 @@ using namespace tarnwick::tests;
 using testing::AllOf;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 using testing::SizeIs;
 using testing::StartsWith;
 
@@ -76,6 +78,38 @@ TEST_F(VerifyModelsJob, TellsWhetherAModelComesBackTheSame) {
   EXPECT_THAT(differs.Verified->Model, SizeIs(1));
   EXPECT_THAT(m_folder.Files(), SizeIs(3)) << "nothing but the model is left";
 }
+
+TEST_F(VerifyModelsJob, TellsEachKindOfDifferenceOnceTheRealOnesFirst) {
+  Verification found;
+  found.Model = {{.What = "rounded", .IsRounding = true}, {.What = "derived", .Derived = "a reason"}, {.What = "real"}};
+  found.Sources = {{.File = "near.smd", .Lines = 1}, {.File = "far.smd", .Lines = 2, .RealLines = 1}};
+  EXPECT_THAT(found.Lines(), testing::ElementsAre(HasSubstr("real"), HasSubstr("far.smd"), HasSubstr("derived"),
+                                                  HasSubstr("rounded"), HasSubstr("near.smd")));
+  EXPECT_EQ(found.RealCount(), 2u);
+  EXPECT_THAT(found.Line(), AllOf(StartsWith("differs: "), HasSubstr("far.smd"), Not(HasSubstr("derived"))));
+  found.Model.pop_back();
+  found.Sources.pop_back();
+  EXPECT_THAT(found.Line(), StartsWith("same but for what no source holds: "));
+  found.Model.pop_back();
+  EXPECT_THAT(found.Line(), StartsWith("same but for rounding: "));
+  found.Model.assign(5, {.What = "real"});
+  EXPECT_THAT(found.Line(), testing::EndsWith("; and 2 more"));
+}
+
+#ifndef _WIN32
+TEST_F(VerifyModelsJob, ItsOwnFilesAreTakenAwayAndWithoutAPlaceForThemItSaysSo) {
+  Crate().Write(m_folder.Path());
+  const char* before = std::getenv("TMPDIR");
+  const std::string usual = before == nullptr ? "/tmp" : before;
+  setenv("TMPDIR", m_folder.Path("temporary").c_str(), 1);
+  EXPECT_EQ(Verify(Gives(Crate())).Judged, Verdict::Failed);
+  EXPECT_THAT(m_result.Items[0].First(core::Severity::Error)->Text, HasSubstr("No such file or directory"));
+  std::filesystem::create_directory(m_folder.Path("temporary"));
+  EXPECT_EQ(Verify(Gives(Crate())).Judged, Verdict::Succeeded);
+  EXPECT_TRUE(std::filesystem::is_empty(m_folder.Path("temporary")));
+  setenv("TMPDIR", usual.c_str(), 1);
+}
+#endif
 
 TEST_F(VerifyModelsJob, KeepsEachStepWhereItIsAsked) {
   Crate().Write(m_folder.Path());
@@ -153,6 +187,12 @@ TEST_F(VerifyModelsJob, EndsWhenItIsStopped) {
   EXPECT_EQ(Verify(own, m_folder.Path("kept")).Judged, Verdict::Stopped);
   EXPECT_FALSE(core::FileExists(m_folder.Path("kept/cube/compiled/models/ravelback.mdl"))) << "within a compile";
   EXPECT_THAT(m_host.All<Told>(), SizeIs(1)) << "once";
+  m_stop = {};
+
+  m_host.OnEvent = [this](const Event& event) { std::holds_alternative<ItemStarted>(event) && m_stop.request_stop(); };
+  EXPECT_EQ(Verify(own, m_folder.Path("early")).Judged, Verdict::Stopped);
+  EXPECT_FALSE(core::FileExists(m_folder.Path("early/cube/sources/ravelback.qc"))) << "within a decompile";
+  m_host.OnEvent = {};
   m_stop = {};
 
   const auto stops = [this](const ModelCompile& compile, core::Report& report) {
