@@ -15,6 +15,13 @@
 
 namespace tarnwick::tools {
 
+/// What a worker thread receives to run a tool. The buffer is the caller's and outlives the run.
+struct ToolRunRequest {
+  process::Command CommandLine;
+  char* OutputBuffer = nullptr;
+  int32_t OutputSize = 0;  // bytes of the buffer
+};
+
 /// As much memory as the machine has: a tool that runs wild is refused more before the whole system stands still. 0
 /// where that is not known, and in a build with a sanitizer, whose tools need more than any limit.
 uint64_t DefaultMostMemory();

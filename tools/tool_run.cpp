@@ -31,20 +31,25 @@ std::string NotesOf(const ToolRunOutcome& outcome, size_t shown, const std::vect
 
 }  // namespace
 
+FinishedRun RunTool(const ToolRunRule& rule, const ToolRunRequest& request, const ToolRunOptions& options,
+                    const std::vector<std::string>& warnings) {
+  ConsoleCapture capture;
+  capture.Options = options;
+  capture.RunAndCapture(request.CommandLine, request.OutputBuffer, request.OutputSize);
+  size_t shown = 0;
+  FinishedRun run;
+  run.CommandLine = request.CommandLine.Line();
+  run.Text = DisplayText(run.CommandLine, request.OutputBuffer, rule, &shown);
+  run.Notes = NotesOf(capture.Outcome, shown, warnings);
+  run.Outcome = std::move(capture.Outcome);
+  return run;
+}
+
 FinishedRun RunTool(ToolRun run, const process::Command& command, const ToolRunOptions& options,
                     const std::vector<std::string>& warnings) {
   const ToolRunRule& rule = RuleOf(run);
-  std::string output(static_cast<size_t>(rule.BufferBytes), '\0');
-  ConsoleCapture capture;
-  capture.Options = options;
-  capture.RunAndCapture(command, output.data(), rule.BufferBytes);
-  size_t shown = 0;
-  FinishedRun finished;
-  finished.CommandLine = command.Line();
-  finished.Text = DisplayText(finished.CommandLine, output.data(), rule, &shown);
-  finished.Notes = NotesOf(capture.Outcome, shown, warnings);
-  finished.Outcome = std::move(capture.Outcome);
-  return finished;
+  std::string buffer(static_cast<size_t>(rule.BufferBytes), '\0');
+  return RunTool(rule, ToolRunRequest{command, buffer.data(), rule.BufferBytes}, options, warnings);
 }
 
 }  // namespace tarnwick::tools

@@ -27,4 +27,8 @@ struct FinishedRun {
 FinishedRun RunTool(ToolRun run, const process::Command& command, const ToolRunOptions& options,
                     const std::vector<std::string>& warnings = {});
 
+/// The same with a request whose buffer is the caller's.
+FinishedRun RunTool(const ToolRunRule& rule, const ToolRunRequest& request, const ToolRunOptions& options,
+                    const std::vector<std::string>& warnings = {});
+
 }  // namespace tarnwick::tools
