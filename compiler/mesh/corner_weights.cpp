@@ -38,7 +38,13 @@ CornerWeights WeightsOfCorner(const smd::SmdSource& source, const smd::SourceCor
   }
   // Values that are kept stand in their order too: not every model has the heaviest first.
   if (!keepValues || count > 3) {
-    std::stable_sort(links, links + count, [](const smd::Link& a, const smd::Link& b) { return a.Weight > b.Weight; });
+    // By hand: the library's stable way asks for memory each time, and there are few to sort.
+    for (size_t i = 1; i < count; ++i) {
+      const smd::Link link = links[i];
+      size_t k = i;
+      for (; k > 0 && link.Weight > links[k - 1].Weight; --k) links[k] = links[k - 1];
+      links[k] = link;
+    }
   }
   count = std::min<size_t>(count, 3);
   float sum = 0;
