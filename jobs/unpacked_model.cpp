@@ -86,10 +86,12 @@ class Unpacking {
     std::error_code error;
     std::filesystem::create_directories(path.parent_path(), error);
     auto file = core::OutputFile::Create(core::PathText(path), &reason);
-    if (!file) return std::nullopt;
-    file->Write({reinterpret_cast<const char*>(image.Bytes().data()), image.Bytes().size()});
-    if (file->Commit()) return core::PathText(path);
-    reason = file->Error();
+    if (file) {
+      file->Write({reinterpret_cast<const char*>(image.Bytes().data()), image.Bytes().size()});
+      if (file->Commit()) return core::PathText(path);
+      reason = file->Error();
+    }
+    reason = core::PathText(path) + " cannot be written: " + reason;
     return std::nullopt;
   }
 

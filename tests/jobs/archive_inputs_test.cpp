@@ -1,4 +1,9 @@
 #include <gmock/gmock.h>
+#ifndef _WIN32
+#include <sys/resource.h>
+
+#include <csignal>
+#endif
 
 #include <filesystem>
 
@@ -28,6 +33,7 @@ using testing::EndsWith;
 using testing::Field;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::StartsWith;
 using tests::GmaBuilder;
 using tests::ModelBuilder;
 using tests::PackedFile;
@@ -35,6 +41,28 @@ using tests::RecordingHost;
 using tests::ScratchFolder;
 using tests::VpkBuilder;
 using tests::WriteText;
+
+#ifndef _WIN32
+/// Lets no file of this process grow beyond `bytes`, as on a full disk.
+class FileSizeLimit {
+ public:
+  explicit FileSizeLimit(rlim_t bytes) : m_signal(std::signal(SIGXFSZ, SIG_IGN)) {
+    getrlimit(RLIMIT_FSIZE, &m_before);
+    const rlimit lower{bytes, m_before.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &lower);
+  }
+  ~FileSizeLimit() {
+    setrlimit(RLIMIT_FSIZE, &m_before);
+    std::signal(SIGXFSZ, m_signal);
+  }
+  FileSizeLimit(const FileSizeLimit&) = delete;
+  FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+
+ private:
+  rlimit m_before{};
+  void (*m_signal)(int);
+};
+#endif
 
 /// Archives with models, and a game that has some of their files too.
 class ArchiveInputsTest : public testing::Test {
@@ -222,6 +250,30 @@ TEST_F(ArchiveInputsTest, VerifiesAndUnpacksModels) {
   EXPECT_THAT(reason, HasSubstr("none.mdl: the archive has no such file"));
 }
 
+TEST_F(ArchiveInputsTest, AModelThatMayNotOrCannotBeUnpackedNamesTheFileAndWhy) {
+  const std::string vpk =
+      WriteVpk("own_dir.vpk",
+               {.Files = {{.Name = "models/bell\a.mdl", .Bytes = "x"}, {.Name = "models/a.mdl", .Bytes = "12345"}}});
+  const InputContent content;
+  std::string reason;
+  EXPECT_FALSE(UnpackModel(vpk + ":models/bell\a.mdl", content.Files(), m_output.Path(), reason));
+  EXPECT_THAT(reason, StartsWith(vpk + ":models/bell\\x07.mdl: "));
+  EXPECT_THAT(m_output.Files(), IsEmpty());
+
+  WriteText(m_output.Path("taken/models"), "a file");
+  EXPECT_FALSE(UnpackModel(vpk + ":models/a.mdl", content.Files(), m_output.Path("taken"), reason));
+  EXPECT_THAT(reason, HasSubstr("a.mdl cannot be written: "));
+#ifndef _WIN32
+  const auto full = [&] {
+    const FileSizeLimit limit(4);
+    return UnpackModel(vpk + ":models/a.mdl", content.Files(), m_output.Path("full"), reason);
+  }();
+  EXPECT_FALSE(full);
+  EXPECT_EQ(reason, m_output.Path("full/models/a.mdl") + " cannot be written: File too large");
+  EXPECT_THAT(m_output.Files(), ElementsAre("taken/models")) << "nothing is left half written";
+#endif
+}
+
 #ifdef TARNWICK_HAS_IMAGES
 TEST_F(ArchiveInputsTest, ExportsTexturesWithAndWithoutTheSdksTool) {
   TARNWICK_NEEDS_SHELL_PROGRAMS();
@@ -278,7 +330,8 @@ TEST_F(ArchiveInputsTest, WritesTheMaterialsOfAModel) {
        .Bytes = "patch { include materials/models/other/base.vmt replace { $detail models/other/dots } "
                 "insert { $bumpmap models/props/gone } "},
       {.Name = "materials/models/other/base.vmt",
-       .Bytes = "X { $basetexture models/props/skin \"$iris\" ../../../evil include materials/models/other/lid.vmt }"},
+       .Bytes = "X { $basetexture models/props/skin \"$iris\" ../../../evil include materials/models/other/lid.vmt\n"
+                "include Materials\\models/other/away.vmt $refracttexture _rt_Water $envmapmask shared/_RT_Camera }"},
       {.Name = "materials/models/other/dots.vtf", .Bytes = "no texture"}};
   const std::string vpk = WriteVpk("own_dir.vpk", {.Files = files});
   for (const char* format : {"tga", "png"}) {
@@ -301,7 +354,8 @@ TEST_F(ArchiveInputsTest, WritesTheMaterialsOfAModel) {
         << "once, though two materials name it";
     EXPECT_THAT(told, Contains(HasSubstr("models/other/lid.vmt: "))) << "its last brace is missing";
     EXPECT_THAT(told, Contains(HasSubstr("models/other/dots.vtf: ")));
-    EXPECT_THAT(told, testing::Not(Contains(HasSubstr("env_cubemap"))));
+    EXPECT_THAT(told, Contains(StartsWith("Missing material materials/models/other/away.vmt ")));
+    EXPECT_THAT(told, testing::Not(Contains(testing::AnyOf(HasSubstr("env_cubemap"), HasSubstr("_rt_")))));
     for (const std::string& name : m_output.Files()) {
       EXPECT_THAT(name, testing::Not(HasSubstr("evil")));
       if (name.ends_with(".vmt") || name.ends_with(ending)) {
@@ -322,6 +376,21 @@ TEST_F(ArchiveInputsTest, WritesTheMaterialsOfAModel) {
                                                   .MaterialFormat = "tga"},
                                     m_host, {});
   EXPECT_THAT(out.Files(), Contains("materials/models/props/skin.vmt"));
+}
+
+TEST_F(ArchiveInputsTest, MaterialsThatCannotBeWrittenAreToldOnceBesideTheWholeSources) {
+  ModelBuilder{.Textures = {"skin", "lid"}}.Write(m_folder.Path("models/props"), "crate");
+  for (const char* name : {"skin", "lid"}) {
+    WriteText(m_folder.Path("materials/models/props/") + name + ".vmt", "X { $basetexture models/props/gone }");
+  }
+  WriteText(m_output.Path("materials"), "a file");
+  const ItemResult result =
+      Decompile({.Inputs = {m_folder.Path("models/props/crate.mdl")}, .MaterialFormat = "tga"}).Items.at(0);
+  EXPECT_EQ(result.Judged, Verdict::Failed);
+  ASSERT_THAT(result.Troubles, ElementsAre(Field(&core::Trouble::Kind, TroubleKind::Unwritable)))
+      << "neither the second material nor what the first one names is tried";
+  EXPECT_THAT(result.Troubles[0].Text, HasSubstr("props cannot be made: "));
+  EXPECT_THAT(m_output.Files(), ElementsAre("cube.smd", "materials", "ravelback.qc"));
 }
 #endif
 

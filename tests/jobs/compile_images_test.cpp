@@ -82,6 +82,9 @@ TEST_F(CompileImagesTest, JudgesByWhatTheToolWrote) {
   job.SdkDirectory = Tool("echo made >'" + Compiled("a.vtf") + "'\nexit 3\n");
   result = jobs::Run(job, m_host, {});
   EXPECT_EQ(result.Items[0].First(Severity::Error)->Kind, TroubleKind::Tool);
+
+  job.SdkDirectory = Tool("kill -SEGV $$\n");
+  EXPECT_THAT(jobs::Run(job, m_host, {}).Items[0].Notes, HasSubstr("[The tool crashed: "));
 }
 
 TEST_F(CompileImagesTest, TellsWhatTheChecksBeforeTheToolFound) {

@@ -99,8 +99,11 @@ TEST_F(DrawPicturesTest, EachChoiceChangesThePicture) {
   draw({});
   draw({.Skin = 1});
   draw({.Angle = {80, -20}});
-  draw({.Wireframe = true});
   draw({.Transparent = true});
+  // Lines have no light, which turns with the camera: their place alone tells.
+  draw({.Wireframe = true});
+  draw({.Angle = {.Yaw = 80}, .Wireframe = true});
+  draw({.Angle = {.Pitch = -20}, .Wireframe = true});
 }
 
 TEST_F(DrawPicturesTest, NothingButTheModelIsInAPicture) {

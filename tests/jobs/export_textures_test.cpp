@@ -9,6 +9,7 @@
 #include "support/recording_host.h"
 #include "support/scratch_folder.h"
 #include "support/shell_programs.h"
+#include "support/tga_builder.h"
 #include "support/vtf_builder.h"
 #include "textures/dds_format.h"
 
@@ -116,6 +117,7 @@ TEST_F(ExportTexturesTest, TellsHowMuchItWouldReplaceAndWhatItDoesNotMake) {
   ASSERT_EQ(below.Items.size(), 1u);
   const core::Trouble* error = below.Items[0].First(Severity::Error);
   ASSERT_NE(error, nullptr) << "what is not made is told";
+  EXPECT_EQ(below.Items[0].Count(Severity::Error), 1u) << "and nothing is tried behind the no";
   EXPECT_THAT(error->Text, HasSubstr(m_folder.Path("new") + " does not exist"));
   EXPECT_EQ(error->File, m_folder.Path("new"));
   EXPECT_THAT(m_folder.Files(), ElementsAre("a.png", "a.vtf", "b.vtf"));
@@ -144,6 +146,22 @@ TEST_F(ExportTexturesTest, JudgesByWhatTheToolWrote) {
     const JobResult alone = jobs::Run(job, m_host, {});
     EXPECT_EQ(alone.Items[0].First(Severity::Error)->Text, "vtf2tga: it is late") << target;
   }
+}
+
+TEST_F(ExportTexturesTest, AnImageThatCannotBeConvertedEndsItsTexture) {
+  TARNWICK_NEEDS_SHELL_PROGRAMS();
+  tests::WriteText(m_folder.Path("good.tga"), tests::TgaOf({1, 1, {{1, 2, 3, 255}}}));
+  ExportTextures job{.Inputs = {Texture("a.vtf", VtfBuilder())}, .Output = m_folder.Path("out/a.png")};
+  job.SdkDirectory =
+      Tool("for o; do :; done\necho broken >\"$o\"\ncp '" + m_folder.Path("good.tga") + "' \"${o%.tga}001.tga\"\n");
+  const ItemResult result = jobs::Run(job, m_host, {}).Items.at(0);
+  EXPECT_EQ(result.Judged, Verdict::Failed);
+  EXPECT_EQ(result.Count(Severity::Error), 1u);
+  EXPECT_THAT(result.Files, IsEmpty());
+  EXPECT_THAT(m_folder.Files(), testing::Not(testing::Contains(StartsWith("out/"))));
+
+  job.SdkDirectory = Tool("for o; do :; done\ncp '" + m_folder.Path("good.tga") + "' \"$o\"\n");
+  EXPECT_TRUE(jobs::Run(job, m_host, {}).Succeeded()) << "what the tool wrote was all that was wrong";
 }
 
 #ifndef _WIN32
@@ -218,6 +236,8 @@ TEST_F(ExportTexturesTest, PlansWhereEachImageGoes) {
   };
   EXPECT_THAT(targets({.Inputs = {m_folder.Path("in")}, .Output = "o", .Format = "png", .Recursive = true}),
               ElementsAre("o/red.png", "o/sub/red.png"));
+  EXPECT_THAT(targets({.Inputs = {m_folder.Path("in")}, .Output = "x.png"}), ElementsAre("x.png/red.tga"))
+      << "a folder may get a second texture later";
   EXPECT_THAT(targets({.Inputs = {"a.vtf"}, .Output = "x.y.png"}), ElementsAre("x.y.png"));
   EXPECT_THAT(targets({.Inputs = {"a.vtf"}, .Output = "folder"}), ElementsAre("folder/a.tga"));
   EXPECT_THAT(targets({.Inputs = {"a.vtf"}, .Place = ImagePlace::ExactlyOutput, .Output = "noending"}),

@@ -132,7 +132,6 @@ TEST_F(VerifyModelsJob, TellsEachStep) {
                          {std::pair<std::string, size_t>{"compiling", 1}, {"decompiling again", 2}, {"comparing", 3}}));
 }
 
-/// What our own compiler makes of a model that is of `version`.
 TEST_F(VerifyModelsJob, OurOwnCompilerKeepsTheVersionAndEveryNormal) {
   for (const auto& [version, written] : {std::pair{46, 44}, {48, 48}, {49, 49}}) {
     ModelBuilder crate = Crate();
@@ -141,7 +140,8 @@ TEST_F(VerifyModelsJob, OurOwnCompilerKeepsTheVersionAndEveryNormal) {
     MeshDescription& mesh = crate.BodyParts[0].Models[0].Meshes[0];
     const VertexDescription first = mesh.Vertices[0];
     mesh.Vertices.insert(mesh.Vertices.end(), {first, mesh.Vertices[2], {.Position = {-1, 0, 0}}});
-    mesh.Vertices[3].Normal = {0, 0.0174524f, 0.9998477f};
+    mesh.Vertices[3].Normal = {0, 0.017452f, 0.999848f};
+    mesh.Vertices[5].Normal = {0, 0, 0.5f};
     mesh.Lods = {Triangles({0, 1, 2, 3, 4, 5})};
     crate.Write(m_folder.Path());
     int32_t made = 0, vertices = 0;
@@ -156,6 +156,9 @@ TEST_F(VerifyModelsJob, OurOwnCompilerKeepsTheVersionAndEveryNormal) {
     });
     EXPECT_EQ(made, written) << version;
     EXPECT_EQ(vertices, 5) << "the one that stood there twice once";
+    ASSERT_TRUE(m_result.Items.at(0).Verified);
+    EXPECT_THAT(m_result.Items[0].Verified->Lines(), Not(testing::Contains(HasSubstr("normal"))))
+        << "one that is not of length 1 too";
   }
 }
 
