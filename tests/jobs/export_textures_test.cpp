@@ -146,6 +146,9 @@ TEST_F(ExportTexturesTest, JudgesByWhatTheToolWrote) {
     const JobResult alone = jobs::Run(job, m_host, {});
     EXPECT_EQ(alone.Items[0].First(Severity::Error)->Text, "vtf2tga: it is late") << target;
   }
+
+  job.SdkDirectory = Tool("kill -SEGV $$\n");
+  EXPECT_THAT(jobs::Run(job, m_host, {}).Items[0].Notes, HasSubstr("[The tool crashed: "));
 }
 
 TEST_F(ExportTexturesTest, AnImageThatCannotBeConvertedEndsItsTexture) {
