@@ -30,7 +30,10 @@ fs::path Reachable(fs::path path) {
   } else if (!path.empty()) {
     whole = (path.is_absolute() ? path : fs::absolute(path, error)).lexically_normal().make_preferred().native();
   }
-  if (error || whole.size() <= LongestUsual) return path;
+  if (error) return path;
+  // The library cannot make a folder in the current one of a drive: a drive without a slash behind it is none to it.
+  if (path.has_root_name() && !path.has_root_directory() && whole.size() <= LongestUsual) return whole;
+  if (whole.size() <= LongestUsual) return path;
   const std::wstring_view view = whole;
   if (view.starts_with(Share)) return std::wstring(UnchangedShare).append(view.substr(Share.size()));
   return std::wstring(Unchanged).append(view);

@@ -47,9 +47,11 @@ set_wine_font() {
 }
 
 # Lets programs with windows run without a screen. Wine keeps what is named QT_... from them, and hands them without its
-# first letters what is named WINEQT_...
+# first letters what is named WINEQT_... Without a screen Qt knows none of the system's fonts, and would draw boxes that
+# are wider than letters: it has to be told where there are some.
 windows_without_screen() {
   export QT_QPA_PLATFORM=offscreen WINEQT_QPA_PLATFORM=offscreen
+  export WINEQT_QPA_FONTDIR='Z:\usr\share\fonts\truetype\dejavu'
 }
 
 # Runs test program `$1` with its log in `$2`. What fails is run once more by itself: on a busy machine Wine can take longer
