@@ -17,7 +17,8 @@ done
 
 # The system's own: the loader and the C library, drivers and what talks to them, the font configuration.
 own='^(ld-linux.*|libc|libm|libdl|libpthread|librt|libresolv|libGL.*|libEGL.*|libOpenGL|libgbm|libdrm.*|libX11.*|libxcb|libfontconfig|libfreetype|libz|libstdc\+\+|libgcc_s)\.so'
-find "$tree" -path "$tree/lib" -prune -o -type f \( -perm -u+x -o -name '*.so' \) -print0 | xargs -0 -n 1 ldd | awk '$2 == "=>" && $3 ~ /^\// { print $3 }' | sort -u |
+find "$tree" -path "$tree/lib" -prune -o -type f \( -perm -u+x -o -name '*.so' \) -print0 |
+  xargs -0 -n 1 ldd | awk '$2 == "=>" && $3 ~ /^\// { print $3 }' | sort -u |
   while read -r library; do
     base=$(basename "$library")
     [[ $base =~ $own || -e $tree/lib/$base ]] || cp -L "$library" "$tree/lib/$base"

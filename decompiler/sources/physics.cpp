@@ -69,9 +69,8 @@ std::optional<RigidTransform> FirstRootPose(JobContext& job, const Skeleton& ske
   player.GoTo(0);
   const auto* text = GetAnimationSmdModel(job);
   if (text != nullptr && player.RotationPacked(0)) {
-    constexpr float QuarterTurn = 1.57079632679f;
     if (auto typed = TypedAnglesOf(*text, *skeleton.Bones[0], player.Rotations()[0])) {
-      if (text->TurnRoots) typed->z += QuarterTurn;
+      if (text->TurnRoots) typed->z += RootTurnZ;
       return RigidTransform::Of(*typed, player.Positions()[0]);
     }
   }

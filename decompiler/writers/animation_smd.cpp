@@ -1,6 +1,7 @@
 #include "decompiler/writers/animation_smd.h"
 
 #include <cmath>
+#include <numbers>
 
 #include "model/bone_math.h"
 #include "model/pose_player.h"
@@ -15,7 +16,6 @@ namespace {
 
 /// A line of ordinary numbers, of the nodes (without the name) or of a pose.
 constexpr int64_t OrdinaryLine = 80;
-constexpr float QuarterTurn = 1.57079632679f;
 
 smd::Triple ToTriple(const Vec3& v) {
   return {v.x, v.y, v.z};
@@ -40,10 +40,10 @@ void Apply(const Matrix3x4& left, Quat& rotation, Vec3& position) {
 /// Angles of the rotation `turn` of a bone whose `angles` are known: nearly straight up or down many sets of them are
 /// alike, and those that lie nearest the bone's rest angles are what the animation was made of.
 void ChooseAngles(const StudioBone& bone, bool isTurned, const Quat& turn, EulerAngles& angles) {
-  constexpr float Steep = QuarterTurn - 0.05f;
+  constexpr float Steep = std::numbers::pi_v<float> / 2 - 0.05f;
   if (!(std::abs(angles.y) > Steep)) return;
   EulerAngles rest = bone.Angles;
-  if (isTurned) rest.z -= QuarterTurn;
+  if (isTurned) rest.z -= RootTurnZ;
   QuatToEulerNear(turn, rest, angles);
 }
 
@@ -199,7 +199,7 @@ std::optional<EulerAngles> TypedAnglesOf(const AnimationSmdModel& model, const S
   QuatToEuler(turn, angles);
   ChooseAngles(bone, isTurned, turn, angles);
   const EulerAngles rest = bone.Angles;
-  return TypedAngles(packed, angles, rest, isTurned ? QuarterTurn : 0);
+  return TypedAngles(packed, angles, rest, isTurned ? RootTurnZ : 0);
 }
 
 int64_t AnimationSmdSize(const AnimationSmdModel& model, int64_t blocks) {

@@ -14,6 +14,9 @@
 
 namespace tarnwick::decompiler {
 
+/// Radians by which models have their root bones turned about Z against the sources, but for static ones.
+inline constexpr float RootTurnZ = 1.57079632679f;
+
 /// What all animation files of a job have in common, made once.
 struct AnimationSmdModel {
   core::RecordArray<StudioBone> Bones;
