@@ -85,17 +85,8 @@ class TextWriter {
     Reserve(LongestNumberText);
     m_next = WriteInteger(m_next, value);
   }
-  /// "%3d".
-  void Integer3(int64_t value) {
-    Reserve(LongestNumberText);
-    m_next = WriteIntegerWide(m_next, value, 3);
-  }
   /// "%f" and "%2.6f", which print the same.
   void Float6(float value) { Fixed<6>(value); }
-  /// "%2.3f".
-  void Float3(float value) { Fixed<3>(value); }
-  /// "%2.2f".
-  void Float2(float value) { Fixed<2>(value); }
 
   /// Writes `pattern` with its arguments in the places of %s, %d and %f, width and precision as in printf, %% as a
   /// percent sign. That each argument fits its place is checked at compile time. "\n" becomes the platform's line end,

@@ -245,13 +245,6 @@ PhyVector PhyNormal(const PhySolid& solid, const PhyCorners& corners) {
   return normal;
 }
 
-double PhyPieceVolume(const PhySolid& solid, const PhyPiece& piece) {
-  const PhyVector origin = MiddleOf(solid);
-  double volume = 0;
-  for (const PhyCorners& corners : piece.Triangles) volume += SixVolumes(TriangleOf(solid, corners, origin)) / 6;
-  return volume;
-}
-
 PhyMeasures MeasurePhySolid(const PhySolid& solid, const PhyVector* massCentre) {
   PhyMeasures measures;
   const PhyVector middle = MiddleOf(solid);

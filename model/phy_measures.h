@@ -25,9 +25,6 @@ struct PhyMeasures {
 /// Where `massCentre` is given, in the file's units and axes, it is the mass centre.
 PhyMeasures MeasurePhySolid(const PhySolid& solid, const PhyVector* massCentre = nullptr);
 
-/// The same for one piece alone: its volume in cubic metres, negative if it is inside out.
-double PhyPieceVolume(const PhySolid& solid, const PhyPiece& piece);
-
 /// The unit normal of a triangle in the file's axes; zeros for one without area.
 PhyVector PhyNormal(const PhySolid& solid, const PhyCorners& corners);
 

@@ -31,7 +31,6 @@ class ContentExtractionJob {
   /// How many files were looked at so far; any thread may ask.
   size_t Done() const { return m_done; }
   const std::string& Folder() const { return m_folder; }
-  size_t FileCount() const { return m_files.size(); }
   // What came of it, once it has ended.
   bool WroteAny() const { return !m_result.Files.empty(); }
   QString Outcome() const;

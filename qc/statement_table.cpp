@@ -169,11 +169,4 @@ const StatementRow* FindStatement(std::string_view name) {
   return row ? &StatementRows()[*row] : nullptr;
 }
 
-std::string_view CommandName(Command command) {
-  for (const StatementRow& row : StatementRows()) {
-    if (row.Kind == command) return row.Name;
-  }
-  return "";
-}
-
 }  // namespace tarnwick::qc

@@ -87,8 +87,6 @@ struct StatementRow {
 std::span<const StatementRow> StatementRows();
 /// The statement of that name in any case, or nothing.
 const StatementRow* FindStatement(std::string_view name);
-/// The first name of a statement.
-std::string_view CommandName(Command command);
 
 /// The options of $animation alone, of $sequence, and those that a $cmdlist may hold.
 const OptionTable& AnimationOptions();

@@ -60,11 +60,6 @@ std::string EncodeBlocks(const Picture& picture, PixelFormat format, FitEffort e
 
 }  // namespace
 
-bool CanEncode(PixelFormat format) {
-  return format == PixelFormat::Bgr888 || format == PixelFormat::Bgra8888 || format == PixelFormat::Dxt1 ||
-         format == PixelFormat::Dxt1OneBitAlpha || format == PixelFormat::Dxt5;
-}
-
 std::string EncodePicture(const Picture& picture, PixelFormat format, FitEffort effort) {
   const char* pixels = reinterpret_cast<const char*>(picture.Pixels.data());
   if (format == PixelFormat::Bgra8888) return std::string(pixels, picture.Pixels.size() * sizeof(Bgra));

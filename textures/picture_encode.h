@@ -6,9 +6,6 @@
 
 namespace tarnwick::textures {
 
-/// Whether EncodePicture can write `format`.
-bool CanEncode(PixelFormat format);
-
 /// How much work goes into a DXT block: the best fit that libsquish finds, or a quick one along the line through its
 /// colours.
 enum class FitEffort { Best, Quick };

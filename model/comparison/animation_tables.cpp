@@ -5,6 +5,7 @@
 #include "model/comparison/compared_tables.h"
 #include "model/comparison/record_fields.h"
 #include "model/pose_player.h"
+#include "model/rotation_packing.h"
 
 namespace tarnwick::model {
 
@@ -56,14 +57,8 @@ PoseGrain GrainOf(const StudioBone& a, const StudioBone& b) {
   return {Some * largest(a.PositionScale, b.PositionScale), std::max(PackedRotation, Some * turn * std::sqrt(3.0))};
 }
 
-/// The angle between two rotations of unit length, in radians; exact for small ones.
-double AngleBetween(const Quat& a, const Quat& b) {
-  const double sign = double{a.x} * b.x + double{a.y} * b.y + double{a.z} * b.z + double{a.w} * b.w < 0 ? -1 : 1;
-  const double x = a.x - sign * b.x;
-  const double y = a.y - sign * b.y;
-  const double z = a.z - sign * b.z;
-  const double w = a.w - sign * b.w;
-  return 2 * std::sqrt(x * x + y * y + z * z + w * w);
+bool IsNumber(const Quat& q) {
+  return !std::isnan(q.x + q.y + q.z + q.w);
 }
 
 /// Whether the parts of two rotations that a packed form stores are neighbours. Where the fourth, which follows from
@@ -129,7 +124,7 @@ class FrameComparison {
     }
     if (turned) {
       const double angle = AngleBetween(p, q);
-      if (!(angle > 0)) return;
+      if (angle == 0 || (!IsNumber(p) && !IsNumber(q))) return;
       m_models.Differences.Add(ModelTable::Frames, "rotation", where(),
                                DifferenceList::NumberText(std::array{p.x, p.y, p.z, p.w}),
                                DifferenceList::NumberText(std::array{q.x, q.y, q.z, q.w}), angle,

@@ -27,9 +27,9 @@ TEST(TextWriter, KeepsEveryByteAcrossItsBuffer) {
     TextWriter writer(text);
     const std::string chunk(777, 'x');
     for (int i = 0; i < 500; ++i) {
-      writer.Integer3(i);
+      writer.Format("%3d", i);
       writer.Raw(chunk);
-      writer.Float2(static_cast<float>(i));
+      writer.Format("%.2f", static_cast<double>(i));
       char number[900];
       const int length = std::snprintf(number, sizeof number, "%3d%s%.2f", i, chunk.c_str(), static_cast<double>(i));
       expected.append(number, static_cast<size_t>(length));
@@ -44,7 +44,7 @@ TEST(TextWriter, CountsWhatIsNotFinite) {
   TextWriter writer(text);
   const float infinity = std::numeric_limits<float>::infinity();
   writer.Float6(infinity);
-  writer.Float3(-infinity);
+  writer.Float6(-infinity);
   writer.Format(" %f %f %f", std::nanf(""), 1.0f, static_cast<double>(infinity));
   writer.CountNonFinite(2);
   writer.Flush();

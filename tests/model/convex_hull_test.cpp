@@ -72,7 +72,7 @@ TEST(ConvexHull, IsClosedTurnedOutwardAndHoldsEveryPoint) {
     ASSERT_TRUE(hull);
     const PhySolid solid{points, {{0, *hull}}};
     EXPECT_TRUE(WritePhySolid(solid, {}));
-    EXPECT_GT(PhyPieceVolume(solid, solid.Pieces[0]), 0);
+    EXPECT_GT(MeasurePhySolid(solid).CubicInches, 0);
     EXPECT_EQ(CornersOf(*hull).size(), hull->size() / 2 + 2);
     EXPECT_LT(FarthestOutside(points, *hull), 2e-4);
     EXPECT_EQ(ConvexHull(points), hull);

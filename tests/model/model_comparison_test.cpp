@@ -156,6 +156,10 @@ TEST(ModelComparison, TellsRoundingFromARealDifference) {
   const auto turned = Compare(withPacked(-1, -821042, 652229), withPacked(-1, -820900, 652229)).Differences;
   ASSERT_TRUE(turned && turned->size() == 1);
   EXPECT_FALSE(turned->front().IsRounding);
+  // Parts that no rotation has are no number where they are read, which no rotation is like.
+  const auto none = Compare(withPacked(-1, -821042, 652229), withPacked(1000000, 1000000, 0)).Differences;
+  ASSERT_TRUE(none && none->size() == 1);
+  EXPECT_FALSE(none->front().IsRounding);
 
   ModelBuilder near = WholeModel();
   near.Bones[1].Position.z += 0.000002f;

@@ -194,7 +194,6 @@ TEST(Scene, SaysWhatItsSequencesAre) {
   EXPECT_TRUE(idle.IsLooping());
   EXPECT_EQ(idle.Fps, 12);
   EXPECT_EQ(idle.FrameCount, 25);
-  EXPECT_NEAR(idle.Duration(), 2, 1e-6);
   EXPECT_THAT(scene->Sequences[1].Animations, IsEmpty());
   EXPECT_THAT(scene->Sequences[2].Animations, ElementsAre(0));
   EXPECT_EQ(scene->FindSequence("iDLE"), 0);

@@ -16,9 +16,6 @@ bool SceneSequence::IsDelta() const {
 bool SceneSequence::IsAutoplay() const {
   return (Flags & model::SequenceFlagAutoplay) != 0;
 }
-bool SceneSequence::IsHidden() const {
-  return (Flags & model::SequenceFlagHidden) != 0;
-}
 
 int32_t Scene::MaterialOf(const SceneDraw& draw, int32_t skin) const {
   const size_t row = skin >= 0 && static_cast<size_t>(skin) < Skins.size() ? static_cast<size_t>(skin) : 0;

@@ -209,9 +209,6 @@ struct SceneSequence {
   bool IsLooping() const;
   bool IsDelta() const;
   bool IsAutoplay() const;
-  bool IsHidden() const;
-  /// Seconds from the first frame to the last; 0 for one frame.
-  float Duration() const { return FrameCount > 1 && Fps > 0 ? static_cast<float>(FrameCount - 1) / Fps : 0; }
 };
 
 struct SceneAnimation {
