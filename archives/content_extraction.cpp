@@ -10,6 +10,7 @@
 #include "archives/safe_name.h"
 #include "core/output_file.h"
 #include "core/paths.h"
+#include "core/whole_path.h"
 
 namespace tarnwick::archives {
 
@@ -73,10 +74,10 @@ bool CopyLoose(const std::string& from, const std::string& name, OutputFolder& f
 size_t CountExisting(const ContentIndex& index, const std::vector<uint32_t>& files,
                      const std::string& outputDirectory) {
   std::error_code error;
-  const fs::path root = core::NativePath(outputDirectory);
   return static_cast<size_t>(std::count_if(files.begin(), files.end(), [&](uint32_t file) {
     const std::string name = index.Name(file);
-    return UnsafeReason(name).empty() && fs::exists(fs::symlink_status(root / core::NativePath(name), error));
+    return UnsafeReason(name).empty() &&
+           fs::exists(fs::symlink_status(core::NativePath(core::PathBelow(outputDirectory, name)), error));
   }));
 }
 

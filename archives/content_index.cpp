@@ -6,7 +6,9 @@
 
 #include "archives/folded_text.h"
 #include "archives/name_pattern.h"
+#include "core/folder_reader.h"
 #include "core/paths.h"
+#include "core/whole_path.h"
 
 namespace tarnwick::archives {
 
@@ -29,23 +31,20 @@ class FolderWalk {
 
   void Walk(const fs::path& path, const std::string& name) {
     std::error_code error;
-    const fs::path real = fs::canonical(path, error);
+    const fs::path real = core::RealPath(path, error);
     // A link may lead back to where the walk comes from.
     if (error || m_way.size() >= MostLevels || std::find(m_way.begin(), m_way.end(), real) != m_way.end()) return;
     m_way.push_back(real);
     const auto folder = m_table.AddFolder(name);
-    for (fs::directory_iterator entries(path, error), end; folder && !error && entries != end;
-         entries.increment(error)) {
-      if (m_stop.stop_requested()) break;
-      std::error_code ignored;
-      const std::string part = core::PathText(entries->path().filename());
-      if (entries->is_directory(ignored)) {
+    core::FolderReader entries(path);
+    while (folder && entries.Next() && !m_stop.stop_requested()) {
+      const std::string part = entries.Name();
+      if (entries.IsFolder()) {
         std::string below = name;
         if (!below.empty()) below += '/';
-        Walk(entries->path(), below += part);
-      } else if (entries->is_regular_file(ignored)) {
-        const uintmax_t size = entries->file_size(ignored);
-        m_table.Add(*folder, part, {}, {.Size = ignored ? 0 : size});
+        Walk(entries.Path(), below += part);
+      } else if (entries.IsFile()) {
+        m_table.Add(*folder, part, {}, {.Size = entries.Size()});
       }
     }
     m_way.pop_back();

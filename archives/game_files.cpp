@@ -7,6 +7,7 @@
 #include "archives/archive_name.h"
 #include "archives/folded_text.h"
 #include "core/paths.h"
+#include "core/whole_path.h"
 
 namespace tarnwick::archives {
 
@@ -72,7 +73,7 @@ void FilesBelow(const LooseFolder& place, const std::string& folder, bool below,
                 FoldedSet& names) {
   constexpr size_t MostLevels = 64, MostUnknown = 16;
   std::error_code error;
-  const fs::path real = fs::canonical(core::NativePath(Joined(place.Path(), folder)), error);
+  const fs::path real = core::RealPath(core::NativePath(Joined(place.Path(), folder)), error);
   // A name in another case than the folder's own leads nowhere by itself; then only the depth ends a circle.
   if (way.size() > (error ? MostUnknown : MostLevels)) return;
   if (!error && std::find(way.begin(), way.end(), real) != way.end()) return;
@@ -129,7 +130,7 @@ std::unique_ptr<GameFiles> GameFiles::Open(const std::vector<SearchPath>& paths,
 
 bool GameFiles::IsNew(const std::string& path) {
   std::error_code error;
-  const std::string known = core::PathText(fs::weakly_canonical(core::NativePath(path), error));
+  const std::string known = core::PathText(core::RealPathOfNew(core::NativePath(path), error));
   if (std::find(m_known.begin(), m_known.end(), known) != m_known.end()) return false;
   m_known.push_back(known);
   return true;

@@ -1,14 +1,12 @@
 #include "archives/loose_folder.h"
 
 #include <algorithm>
-#include <filesystem>
 
 #include "archives/folded_text.h"
+#include "core/folder_reader.h"
 #include "core/paths.h"
 
 namespace tarnwick::archives {
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -37,12 +35,8 @@ std::shared_ptr<const LooseFolder::Listing> LooseFolder::Listed(const std::strin
     if (known != m_listings.end()) return known->second;
   }
   auto listing = std::make_shared<Listing>();
-  std::error_code error;
-  for (fs::directory_iterator entries(core::NativePath(path), error), end; !error && entries != end;
-       entries.increment(error)) {
-    std::error_code ignored;
-    listing->push_back({core::PathText(entries->path().filename()), entries->is_directory(ignored)});
-  }
+  core::FolderReader entries(core::NativePath(path));
+  while (entries.Next()) listing->push_back({entries.Name(), entries.IsFolder()});
   std::sort(listing->begin(), listing->end(), FoldedLess());
   const std::lock_guard lock(m_lock);
   return m_listings.emplace(path, std::move(listing)).first->second;

@@ -4,6 +4,7 @@
 
 #include "archives/safe_name.h"
 #include "core/paths.h"
+#include "core/whole_path.h"
 
 namespace tarnwick::archives {
 
@@ -21,7 +22,7 @@ bool OutputFolder::Open(const std::string& path, std::string& reason) {
   m_path = path;
   std::error_code error;
   fs::create_directories(core::NativePath(path), error);
-  if (!error) m_root = fs::canonical(core::NativePath(path), error);
+  if (!error) m_root = core::RealPath(core::NativePath(path), error);
   if (error) reason = error.message();
   return !error;
 }
@@ -32,7 +33,7 @@ OutputFolder::Answer OutputFolder::Place(const std::string& name, fs::path& targ
     reason += "; it is not written";
     return Answer::Refused;
   }
-  target = m_root / core::NativePath(name);
+  target = core::NativePath(core::PathBelow(core::PathText(m_root), name));
   // A folder is made, and found out where it lies, once.
   const auto [known, isNew] = m_folders.try_emplace(target.parent_path());
   if (isNew) known->second = FolderReason(target.parent_path());
@@ -45,13 +46,13 @@ OutputFolder::Answer OutputFolder::Place(const std::string& name, fs::path& targ
 }
 
 std::string OutputFolder::PathOf(const std::string& name) const {
-  return core::PathText(core::NativePath(m_path) / core::NativePath(name));
+  return core::PathBelow(m_path, name);
 }
 
 std::string OutputFolder::FolderReason(const fs::path& folder) const {
   // What is there of the path so far must not lead outside before anything is made in it.
   std::error_code error;
-  const fs::path real = fs::weakly_canonical(folder, error);
+  const fs::path real = core::RealPathOfNew(folder, error);
   if (!error && !Inside(real, m_root)) {
     return core::PathText(folder) + ": a link leads outside the output folder; nothing is written there";
   }

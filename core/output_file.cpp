@@ -17,6 +17,7 @@
 #endif
 
 #include "core/paths.h"
+#include "core/whole_path.h"
 #ifdef _WIN32
 #include "core/windows_names.h"
 #endif
@@ -96,8 +97,8 @@ std::optional<OutputFile> OutputFile::Create(std::string path, std::string* reas
   if (fs::is_symlink(status)) {
     status = fs::status(native, error);
     std::error_code dangling;
-    const fs::path target = fs::canonical(native, dangling);
-    if (!dangling) native = target;
+    const fs::path target = RealPath(native, dangling);
+    if (!dangling) native = NativePath(PathText(target));
   }
   if (fs::is_directory(status)) return refuse("a folder of that name exists");
   if (fs::exists(status) && !MayBeWritten(native)) return refuse(std::strerror(errno));

@@ -2,6 +2,12 @@
 
 #include <algorithm>
 
+#include "core/folder_reader.h"
+
+#ifdef _WIN32
+#include <windows.h>
+#endif
+
 namespace tarnwick::core {
 
 namespace fs = std::filesystem;
@@ -45,7 +51,11 @@ fs::path Reachable(fs::path path) {
 
 fs::path NativePath(std::string_view path) {
 #ifdef _WIN32
-  return Reachable(fs::path(std::u8string(path.begin(), path.end())));
+  // Bytes that are no characters become the sign for that, which no file is named by; the library would throw.
+  std::wstring wide(path.size(), L'\0');
+  const auto size = static_cast<int>(path.size());
+  wide.resize(static_cast<size_t>(MultiByteToWideChar(CP_UTF8, 0, path.data(), size, wide.data(), size)));
+  return Reachable(std::move(wide));
 #else
   std::string text(path);
   std::replace(text.begin(), text.end(), '\\', '/');
@@ -63,8 +73,11 @@ std::string PathText(const fs::path& path) {
   } else if (whole.starts_with(Unchanged)) {
     whole.remove_prefix(Unchanged.size());
   }
-  const std::u8string text = fs::path(whole).u8string();
-  return std::string(text.begin(), text.end());
+  std::string text(whole.size() * 3, '\0');
+  const auto size = static_cast<int>(whole.size());
+  text.resize(static_cast<size_t>(WideCharToMultiByte(CP_UTF8, 0, whole.data(), size, text.data(),
+                                                      static_cast<int>(text.size()), nullptr, nullptr)));
+  return text;
 #else
   return path.string();
 #endif
@@ -113,10 +126,9 @@ std::optional<std::string> FindIgnoringCase(const std::string& path) {
   const std::string_view name = LastComponent(path);
   const std::string folder(DirectoryWithSeparator(path));
   std::optional<std::string> found;
-  std::error_code error;
-  fs::directory_iterator entries(folder.empty() ? fs::path(".") : NativePath(folder), error);
-  for (; !error && entries != fs::directory_iterator(); entries.increment(error)) {
-    const std::string entry = PathText(entries->path().filename());
+  FolderReader entries(NativePath(folder));
+  while (entries.Next()) {
+    const std::string entry = entries.Name();
     if (!EqualIgnoringCase(entry, name) || !FileExists(folder + entry)) continue;
     if (found) return std::nullopt;
     found = folder + entry;

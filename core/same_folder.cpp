@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "core/paths.h"
+#include "core/whole_path.h"
 
 namespace tarnwick::core {
 
@@ -11,9 +12,9 @@ namespace fs = std::filesystem;
 bool IsSameFolder(const std::string& a, const std::string& b) {
   std::error_code error;
 #ifdef _WIN32  // where the library compares files alone
-  const fs::path first = fs::canonical(NativePath(a), error);
+  const fs::path first = RealPath(NativePath(a), error);
   if (error) return false;
-  const fs::path second = fs::canonical(NativePath(b), error);
+  const fs::path second = RealPath(NativePath(b), error);
   return !error && EqualIgnoringCase(PathText(first), PathText(second));
 #else
   return fs::equivalent(NativePath(a), NativePath(b), error) && !error;

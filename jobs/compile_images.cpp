@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "core/paths.h"
+#include "core/whole_path.h"
 #include "images/tga_path.h"
 #include "jobs/image_questions.h"
 #include "jobs/last_line.h"
@@ -25,8 +26,7 @@ std::string CompiledPath(const CompileImages& job, const std::string& tga, std::
       job.GameDirectory + (job.Form.ModelPath ? "/materials/models/" : "/materials/") + job.Form.Directory;
   const std::string_view name = core::LastComponent(tga);
   const std::string stem(name.substr(0, name.rfind('.')));
-  return core::PathText(
-      (core::NativePath(folder) / core::NativePath(stem + std::string(extension))).lexically_normal());
+  return core::PathText(core::NativePath(core::PathBelow(folder, stem + std::string(extension))).lexically_normal());
 }
 
 /// Images and maps of which several become one TGA file, the later over the earlier, a sentence each.

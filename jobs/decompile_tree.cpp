@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "core/paths.h"
+#include "core/whole_path.h"
 #include "jobs/input_files.h"
 #include "jobs/made_folder.h"
 #ifdef TARNWICK_HAS_IMAGES
@@ -77,7 +78,7 @@ JobPlan Plan(const DecompileTree& job) {
   UniqueNames folders;
   for (const InputFile& file : found.Files) {
     const std::string folder = folders.Take(WithoutExtension(file.Name, ModelExtension));
-    plan.Items.push_back({file.Path, core::PathText(core::NativePath(job.OutputDirectory) / core::NativePath(folder))});
+    plan.Items.push_back({file.Path, core::PathBelow(job.OutputDirectory, folder)});
   }
   return plan;
 }

@@ -9,6 +9,7 @@
 
 #include "core/output_file.h"
 #include "core/paths.h"
+#include "core/whole_path.h"
 #include "jobs/input_files.h"
 #include "jobs/made_folder.h"
 #include "jobs/not_begun.h"
@@ -271,7 +272,7 @@ JobPlan Plan(const DrawPictures& job) {
   UniqueNames names;
   for (const InputFile& file : found.Files) {
     const std::string name = names.Take(WithoutExtension(file.Name, ModelExtension)) + std::string(PictureExtension);
-    plan.Items.push_back({file.Path, core::PathText(output / core::NativePath(name))});
+    plan.Items.push_back({file.Path, core::PathBelow(core::PathText(output), name)});
   }
   return plan;
 }

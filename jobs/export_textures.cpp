@@ -6,8 +6,10 @@
 #include <random>
 #include <utility>
 
+#include "core/folder_reader.h"
 #include "core/output_file.h"
 #include "core/paths.h"
+#include "core/whole_path.h"
 #include "images/image_format.h"
 #include "images/tga_path.h"
 #include "jobs/image_questions.h"
@@ -66,13 +68,11 @@ std::string FolderOf(const std::string& path) {
 /// The TGA files in `folder` whose names begin with `stem`, those of the first frame before the others.
 std::vector<fs::path> TgaFiles(const fs::path& folder, const std::string& stem) {
   std::vector<fs::path> files;
-  std::error_code error;
-  for (fs::directory_iterator entries(folder, error); !error && entries != fs::directory_iterator();
-       entries.increment(error)) {
-    const fs::path& path = entries->path();
-    if (core::EqualIgnoringCase(core::PathText(path.extension()), ".tga") &&
-        core::PathText(path.filename()).starts_with(stem)) {
-      files.push_back(path);
+  core::FolderReader entries(folder);
+  while (entries.Next()) {
+    const std::string name = entries.Name();
+    if (name.starts_with(stem) && core::EqualIgnoringCase(EndingOf(name), DefaultFormat)) {
+      files.push_back(entries.Path());
     }
   }
   // "sky.tga" stands before "sky001.tga": the stems are compared, not the dots behind them.
@@ -95,15 +95,14 @@ class TgaPlace {
     const fs::path parent = m_folder;
     std::error_code error;
     do {
-      m_folder = parent / (".tarnwick-" + std::to_string(random()));
+      m_folder = core::NativePath(core::PathText(parent / (".tarnwick-" + std::to_string(random()))));
     } while (!fs::create_directory(m_folder, error) && !error);
     if (error) problem = core::PathText(parent) + " cannot be written to: " + error.message();
   }
   TgaPlace(const TgaPlace&) = delete;
   TgaPlace& operator=(const TgaPlace&) = delete;
   ~TgaPlace() {
-    std::error_code ignored;
-    if (!m_kept) fs::remove_all(m_folder, ignored);
+    if (!m_kept) core::RemoveFolder(m_folder);
   }
 
   const std::string& Stem() const { return m_stem; }
@@ -120,7 +119,7 @@ class TgaPlace {
 
   std::string FirstFile(const std::string& target) const {
     return m_kept ? WithEnding(target, DefaultFormat)
-                  : core::PathText(m_folder / core::NativePath(m_stem + "." + std::string(DefaultFormat)));
+                  : core::PathBelow(core::PathText(m_folder), m_stem + "." + std::string(DefaultFormat));
   }
 
  private:
@@ -264,7 +263,7 @@ class Export {
       if (!Convert(tga, stem, destination, texture)) return false;
     } else if (!m_job.KeepTga) {
       std::error_code error;
-      fs::rename(tga, core::NativePath(destination), error);
+      fs::rename(core::NativePath(core::PathText(tga)), core::NativePath(destination), error);
       if (error) {
         m_run.Fail(core::TroubleKind::Unwritable, destination + " cannot be written: " + error.message(), destination);
         return false;
@@ -373,7 +372,7 @@ JobPlan Plan(const ExportTextures& job) {
     }
     const std::string name = names.Take(WithoutExtension(file.Name, TextureExtension)) + "." +
                              (job.Format.empty() ? std::string(DefaultFormat) : job.Format);
-    plan.Items.push_back({file.Path, core::PathText(output / core::NativePath(name))});
+    plan.Items.push_back({file.Path, core::PathBelow(core::PathText(output), name)});
   }
   return plan;
 }

@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "archives/safe_name.h"
+#include "core/folder_reader.h"
 #include "core/paths.h"
 #include "jobs/input_content.h"
 
@@ -13,20 +14,10 @@ namespace fs = std::filesystem;
 
 namespace {
 
-template <typename Iterator>
-std::vector<fs::path> FilesOf(const fs::path& folder, std::string_view extension, std::string& problem) {
-  std::vector<fs::path> files;
-  std::error_code error;
-  Iterator entries(folder, fs::directory_options::skip_permission_denied, error);
-  for (; !error && entries != Iterator(); entries.increment(error)) {
-    std::error_code ignored;
-    const fs::path& path = entries->path();
-    if (!core::EqualIgnoringCase(core::PathText(path.extension()), extension)) continue;
-    if (entries->is_regular_file(ignored)) files.push_back(path);
-  }
-  if (error) problem = core::PathText(folder) + ": " + error.message();
-  std::sort(files.begin(), files.end());
-  return files;
+/// A file's ending with its dot; "" if it has none, or no name before it.
+std::string_view ExtensionOf(std::string_view name) {
+  const size_t dot = name.rfind('.');
+  return dot == std::string_view::npos || dot == 0 ? std::string_view() : name.substr(dot);
 }
 
 /// Whether `name`, as the system gave it, holds a backslash that is no separator there. It would be opened as a path,
@@ -76,16 +67,18 @@ void AddFile(InputFiles& found, InputFile file, std::string_view extension, bool
 
 void AddFolder(InputFiles& found, const std::string& input, std::string_view extension, bool recursive) {
   const fs::path path = core::NativePath(input);
-  std::string problem;
-  const auto files = recursive ? FilesOf<fs::recursive_directory_iterator>(path, extension, problem)
-                               : FilesOf<fs::directory_iterator>(path, extension, problem);
-  if (!problem.empty()) {
+  std::error_code error;
+  const auto wants = [&](std::string_view name) { return core::EqualIgnoringCase(ExtensionOf(name), extension); };
+  auto files = core::FilesBelow(path, recursive, wants, error);
+  std::sort(files.begin(), files.end(), [](const auto& a, const auto& b) { return a.Path < b.Path; });
+  if (error) {
+    const std::string problem = core::PathText(path) + ": " + error.message();
     found.Troubles.push_back({.Kind = core::TroubleKind::Unreadable, .File = input, .Text = problem});
   } else if (files.empty()) {
     found.Troubles.push_back(NothingIn(input, extension, recursive));
   }
-  for (const fs::path& file : files) {
-    AddFile(found, {core::PathText(file), core::PathText(file.lexically_relative(path)), true}, extension, true);
+  for (const core::FileBelow& file : files) {
+    AddFile(found, {core::PathText(file.Path), file.Below, true}, extension, true);
   }
 }
 

@@ -1,5 +1,6 @@
 #include "jobs/made_folder.h"
 
+#include <algorithm>
 #include <mutex>
 
 #include "core/paths.h"
@@ -29,11 +30,12 @@ std::string MadeFolder::Make(const std::string& path) {
   const std::lock_guard lock(FoldersMutex());
   const fs::path folder = core::NativePath(path);
   std::error_code error;
-  fs::path built;
-  for (const fs::path& part : folder) {
-    built /= part;
-    if (!part.empty() && !fs::exists(built, error)) m_made.push_back(built);
+  const auto known = m_made.size();
+  for (fs::path part = folder; !part.empty() && !fs::exists(part, error) && part != part.parent_path();
+       part = part.parent_path()) {
+    if (part.has_filename()) m_made.push_back(part);
   }
+  std::reverse(m_made.begin() + static_cast<ptrdiff_t>(known), m_made.end());
   fs::create_directories(folder, error);
   std::error_code ignored;
   return fs::is_directory(folder, ignored) ? std::string() : error.message();

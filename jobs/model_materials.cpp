@@ -12,6 +12,7 @@
 #include "core/number_parse.h"
 #include "core/output_file.h"
 #include "core/paths.h"
+#include "core/whole_path.h"
 #include "images/conversion.h"
 #include "jobs/image_questions.h"
 #include "jobs/made_folder.h"
@@ -252,9 +253,7 @@ class Copying {
     return true;
   }
 
-  std::string PathOf(const std::string& inside) const {
-    return core::PathText(core::NativePath(m_copies.Directory) / core::NativePath(inside));
-  }
+  std::string PathOf(const std::string& inside) const { return core::PathBelow(m_copies.Directory, inside); }
 
   bool MakeFolderOf(const std::string& path) {
     const std::string folder = core::PathText(core::NativePath(path).parent_path());

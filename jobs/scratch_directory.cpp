@@ -3,6 +3,8 @@
 #include <random>
 #include <system_error>
 
+#include "core/folder_reader.h"
+
 namespace tarnwick::jobs {
 
 namespace fs = std::filesystem;
@@ -29,8 +31,7 @@ ScratchDirectory::ScratchDirectory() {
 }
 
 ScratchDirectory::~ScratchDirectory() {
-  std::error_code ignored;
-  if (!m_path.empty()) fs::remove_all(m_path, ignored);
+  if (!m_path.empty()) core::RemoveFolder(m_path);
 }
 
 }  // namespace tarnwick::jobs

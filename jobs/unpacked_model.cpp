@@ -9,6 +9,7 @@
 #include "archives/safe_name.h"
 #include "core/output_file.h"
 #include "core/paths.h"
+#include "core/whole_path.h"
 #include "model/loaded_model.h"
 #include "model/script_records.h"
 
@@ -82,7 +83,7 @@ class Unpacking {
   }
 
   std::optional<std::string> Write(const std::string& inside, const core::FileImage& image, std::string& reason) {
-    const std::filesystem::path path = core::NativePath(m_folder) / core::NativePath(inside);
+    const std::filesystem::path path = core::NativePath(core::PathBelow(m_folder, inside));
     std::error_code error;
     std::filesystem::create_directories(path.parent_path(), error);
     auto file = core::OutputFile::Create(core::PathText(path), &reason);

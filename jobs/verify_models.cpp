@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "core/paths.h"
+#include "core/whole_path.h"
 #include "decompiler/decompile_job.h"
 #include "jobs/input_files.h"
 #include "jobs/own_compiler.h"
@@ -158,7 +159,7 @@ JobPlan Plan(const VerifyModels& job) {
     std::string target;
     if (!job.KeepDirectory.empty()) {
       const std::string folder = folders.Take(WithoutExtension(file.Name, ModelExtension));
-      target = core::PathText(core::NativePath(job.KeepDirectory) / core::NativePath(folder));
+      target = core::PathBelow(job.KeepDirectory, folder);
     }
     plan.Items.push_back({file.Path, std::move(target)});
   }

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include "core/folder_reader.h"
 #include "core/paths.h"
 
 namespace tarnwick::qc {
@@ -61,11 +62,8 @@ const FolderLook::Entries& FolderLook::EntriesOf(const std::string& folder) {
   const auto [known, isNew] = m_folders.try_emplace(folder);
   Entries& entries = known->second;
   if (!isNew) return entries;
-  std::error_code error;
-  fs::directory_iterator entry(core::NativePath(folder.empty() ? "." : folder), error);
-  for (; !error && entry != fs::directory_iterator() && entries.Names.size() < MostNames; entry.increment(error)) {
-    entries.Names.push_back(core::PathText(entry->path().filename()));
-  }
+  core::FolderReader reader(core::NativePath(folder));
+  while (entries.Names.size() < MostNames && reader.Next()) entries.Names.push_back(reader.Name());
   std::sort(entries.Names.begin(), entries.Names.end());
   for (size_t i = 0; i < entries.Names.size(); ++i) {
     entries.ByLowerName.emplace(core::LowerAscii(entries.Names[i]), i);

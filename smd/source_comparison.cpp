@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "core/file_image.h"
+#include "core/folder_reader.h"
 #include "core/number_parse.h"
 #include "core/paths.h"
 
@@ -166,20 +167,14 @@ std::string Shown(std::string_view line) {
   return "\"" + text + (line.size() > LongestShown ? "...\"" : "\"");
 }
 
-/// Every file in and below `folder`, by its name below it.
+/// Every file in and below `folder`, by its name below it, which is alike on every system.
 std::map<std::string, fs::path> FilesOf(const std::string& folder) {
   std::map<std::string, fs::path> files;
   std::error_code error;
-  const fs::path top = core::NativePath(folder);
-  for (fs::recursive_directory_iterator at(top, error), end; !error && at != end; at.increment(error)) {
-    std::error_code ignored;
-    if (!at->is_regular_file(ignored)) continue;
-    std::string name;  // alike on every system
-    for (const fs::path& part : at->path().lexically_relative(top)) {
-      if (!name.empty()) name += '/';
-      name += core::PathText(part);
-    }
-    files[name] = at->path();
+  for (auto& file : core::FilesBelow(
+           core::NativePath(folder), true, [](auto) { return true; }, error)) {
+    if (core::PathSeparator != '/') std::replace(file.Below.begin(), file.Below.end(), core::PathSeparator, '/');
+    files[std::move(file.Below)] = std::move(file.Path);
   }
   return files;
 }

@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "core/paths.h"
+#include "core/whole_path.h"
 #include "tools/tool_file.h"
 
 namespace tarnwick::tools {
@@ -17,9 +18,9 @@ namespace {
 /// there.
 std::string PathBelow(const std::string& models, std::string_view model) {
   std::error_code error;
-  const fs::path file = fs::canonical(core::NativePath(model), error);
+  const fs::path file = core::RealPath(core::NativePath(model), error);
   if (error) return {};
-  const fs::path folder = fs::canonical(core::NativePath(models), error);
+  const fs::path folder = core::RealPath(core::NativePath(models), error);
   if (error) return {};
   const fs::path below = file.lexically_relative(folder);
   const bool isBelow = !below.empty() && below != "." && *below.begin() != "..";

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "core/paths.h"
+#include "core/whole_path.h"
 
 namespace tarnwick::compiler {
 
@@ -17,7 +18,7 @@ class Before {
  public:
   explicit Before(const core::OutputFile& file) {
     std::error_code error;
-    m_target = fs::weakly_canonical(core::NativePath(file.Path()), error);
+    m_target = core::NativePath(core::PathText(core::RealPathOfNew(core::NativePath(file.Path()), error)));
     if (error || !fs::is_regular_file(m_target, error)) return;
     m_kept = file.TemporaryPath();
     m_kept += ".old";

@@ -9,6 +9,7 @@
 #include "compiler/files/commit_together.h"
 #include "core/output_file.h"
 #include "core/paths.h"
+#include "core/whole_path.h"
 
 namespace tarnwick::compiler {
 
@@ -44,8 +45,8 @@ std::optional<std::string> SafePath(std::string name) {
 /// Whether `path`, with all links followed, lies in `folder`.
 bool LiesIn(const std::filesystem::path& path, const std::filesystem::path& folder) {
   std::error_code error;
-  const auto whole = std::filesystem::weakly_canonical(path, error);
-  const auto base = std::filesystem::weakly_canonical(folder, error);
+  const auto whole = core::RealPathOfNew(path, error);
+  const auto base = core::RealPathOfNew(folder, error);
   const auto [end, nothing] = std::mismatch(base.begin(), base.end(), whole.begin(), whole.end());
   return !error && end == base.end();
 }

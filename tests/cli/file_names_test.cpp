@@ -165,7 +165,7 @@ TEST_F(FileNames, AProgramAtABlankInTheToolsPathIsNotRun) {
 #include <filesystem>
 
 #include "command_line.h"
-#include "core/file_image.h"
+#include "core/folder_reader.h"
 #include "core/paths.h"
 #include "support/model_builder.h"
 #include "support/vtf_builder.h"
@@ -179,28 +179,36 @@ using testing::HasSubstr;
 
 TEST(WindowsFileNames, MayBeLongAndOfAnyAlphabet) {
   const ScratchFolder folder;
-  const std::string deep = folder.Path(std::string(120, 'a') + "/\u0436\u00E9 \u4E2D/" + std::string(120, 'b'));
+  const std::string top = folder.Path(std::string(120, 'a'));
+  const std::string deep = top + "/\u0436\u00E9 \u4E2D/" + std::string(120, 'b');
   fs::create_directories(core::NativePath(deep));
-  WriteText(folder.Path("a.vtf"), VtfBuilder().Build());
-  ModelBuilder{}.Write(folder.Path(), "box");
-  for (const auto& entry : fs::directory_iterator(folder.Path())) {
-    if (entry.is_directory()) continue;
-    const std::string name = core::PathText(entry.path().filename());
-    fs::copy_file(entry.path(), core::NativePath(deep + "/\u0436" + name));
+  WriteText(deep + "/\u0436a.vtf", VtfBuilder().Build());
+  for (const char* ending : {".mdl", ".vvd", ".dx90.vtx", ".phy"}) {
+    fs::copy_file(core::NativePath(TARNWICK_SAMPLES "/walker" + std::string(ending)),
+                  core::NativePath(deep + "/\u0436walker" + ending));
   }
-  const auto made = RunCommand({"decompile", "-q", "-o", deep + "/out", deep + "/\u0436box.mdl"});
+  const auto made = RunCommand({"decompile", "-q", "-o", deep + "/out", deep + "/\u0436walker.mdl"});
   EXPECT_EQ(made.ExitCode, 0) << made.Err;
   EXPECT_TRUE(core::FileExists(deep + "/out/ravelback.qc"));
-  EXPECT_EQ(RunCommand({"decompile", "-q", "-r", "-o", deep + "/all", deep}).ExitCode, 0);
-  EXPECT_TRUE(core::FileExists(deep + "/all/\u0436box/ravelback.qc"));
-  const auto image = RunCommand({"vtf", "-q", "-o", deep, deep + "/\u0436a.vtf"});
-  EXPECT_EQ(image.ExitCode, 0) << image.Err;
-  EXPECT_TRUE(core::FileExists(deep + "/\u0436a.tga"));
-  // It goes to the compiler as it comes, and back into a model of that folder.
-  const auto again = RunCommand({"verify", deep + "/\u0436box.mdl"});
-  EXPECT_EQ(again.ExitCode, 0) << again.Err;
-  std::error_code ignored;
-  fs::remove_all(core::NativePath(deep), ignored);  // the folder's own end reaches no such paths
+  // Found in the folder itself, and from one whose path is short.
+  for (const std::string& input : {deep, top}) {
+    const std::string below = input == deep ? "" : deep.substr(top.size());
+    const auto all = RunCommand({"decompile", "-q", "-r", "-o", input + "/all", input});
+    EXPECT_EQ(all.ExitCode, 0) << all.Err;
+    EXPECT_TRUE(core::FileExists(input + "/all" + below + "/\u0436walker/ravelback.qc")) << input;
+  }
+  for (const char* ending : {"tga", "png"}) {
+    const auto image = RunCommand({"vtf", "-q", "-f", ending, "-o", deep, deep});
+    EXPECT_EQ(image.ExitCode, 0) << image.Err;
+    EXPECT_TRUE(core::FileExists(deep + "/\u0436a." + ending));
+  }
+  for (core::FolderReader entries(core::NativePath(deep)); entries.Next();) {
+    EXPECT_FALSE(entries.Name().starts_with('.')) << "a folder for a while stays: " << entries.Name();
+  }
+  // Back into a model, with all that is on the way beside it.
+  const auto again = RunCommand({"verify", "--keep", deep + "/kept", deep + "/\u0436walker.mdl"});
+  EXPECT_EQ(again.ExitCode, 0) << again.Err << again.Out;
+  core::RemoveFolder(core::NativePath(top));  // the folder's own end reaches no such paths
 }
 
 TEST(WindowsFileNames, MayLieInTheCurrentFolderOfADrive) {

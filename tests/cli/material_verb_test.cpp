@@ -35,7 +35,7 @@ TEST_F(MaterialVerbTest, CompilesAnImageWithItsMapsIntoAGameWithoutAnSdk) {
                "normal", "--envmap", "--contrast", "0.5", Folder.Path("Brick.png")});
   ASSERT_EQ(result.ExitCode, 0) << result.Err;
   const std::string compiled = Folder.Path("game/materials/models/props/brick");
-  EXPECT_EQ(result.Out, compiled + ".vtf\n" + compiled + ".vmt\n");
+  EXPECT_EQ(WithSlashes(result.Out), compiled + ".vtf\n" + compiled + ".vmt\n");
   EXPECT_THAT(ReadText(compiled + ".vmt"),
               AllOf(HasSubstr("\"VertexLitGeneric\""), HasSubstr("$bumpmap"), HasSubstr("brick_n"),
                     HasSubstr("$normalmapalphaenvmapmask"), HasSubstr("\"$envmapcontrast\" \"0.5\"")));

@@ -56,7 +56,7 @@ TEST_F(VtfVerbTest, WritesEveryFrameInTheFormatOfTheName) {
     EXPECT_EQ(result.ExitCode, 0) << result.Err;
     std::string second = Folder.Path(name);
     second.insert(second.size() - 4, "001");
-    EXPECT_EQ(result.Out, Folder.Path(name) + "\n" + second + "\n");
+    EXPECT_EQ(WithSlashes(result.Out), Folder.Path(name) + "\n" + second + "\n");
     const TestImage first = ReadImage(Folder.Path(name));
     EXPECT_EQ(first.Width, 4);
     EXPECT_EQ(first.Height, 2);
@@ -82,7 +82,7 @@ TEST_F(VtfVerbTest, GoesOnPastATextureThatIsDamaged) {
   const auto result =
       RunCommand({"vtf", "-o", Folder.Path("out"), "-f", "bmp", "-j", "2", "-r", "--json", Folder.Path("in")});
   EXPECT_EQ(result.ExitCode, 1);
-  EXPECT_THAT(result.Err, HasSubstr("in/sub/bad.vtf: vtf2tga: Error: "));
+  EXPECT_THAT(WithSlashes(result.Err), HasSubstr("in/sub/bad.vtf: vtf2tga: Error: "));
   EXPECT_EQ(ReadText(Folder.Path("out/sub/bad.bmp")), "an older image");
   EXPECT_EQ(ReadImage(Folder.Path("out/red.bmp")).At(0, 0).Red, 255);
   EXPECT_EQ(ReadImage(Folder.Path("out/sub/red.bmp")).At(0, 0).Red, 128);

@@ -3,11 +3,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "core/paths.h"
 #include "images/conversion.h"
 #include "images/test_image.h"
 #include "support/recording_report.h"
 #include "support/scratch_folder.h"
+#include "support/told_image.h"
 
 namespace tarnwick::tests {
 
@@ -17,20 +17,8 @@ class ConversionTest : public testing::Test {
   ConversionTest() { std::filesystem::create_directory(Folder.Path("out")); }
 
   std::string Out(const std::string& name) const { return Folder.Path("out/" + name); }
-  /// The path of a source as it is told: on Windows, where the case of letters means nothing, in small ones.
-  static std::string Told(const std::string& path) {
-#ifdef _WIN32
-    return core::LowerAscii(path);
-#else
-    return path;
-#endif
-  }
-  images::ConversionContext Context() {
-    return {Report, Worker, {}};
-  }
-  std::string ToTga(const std::string& source) {
-    return images::ConvertToTga(source, Folder.Path("out"), Context());
-  }
+  images::ConversionContext Context() { return {Report, Worker, {}}; }
+  std::string ToTga(const std::string& source) { return images::ConvertToTga(source, Folder.Path("out"), Context()); }
   std::string ToTgaWithAlpha(const std::string& source, const std::string& alpha) {
     return images::ConvertToTgaWithAlpha(source, alpha, Folder.Path("out"), Context());
   }

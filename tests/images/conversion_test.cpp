@@ -59,11 +59,11 @@ TEST_F(ConversionTest, LeavesAFileAloneThatIsItsOwnDestination) {
   const std::string before = ReadText(Out("Skin.TGA"));
   std::string typed = Out("Skin.TGA");
   typed[typed.rfind('/')] = '\\';
-  EXPECT_EQ(ToTga(typed), Told(Out("Skin.TGA")));
+  EXPECT_EQ(ToTga(typed), ToldImage(Out("Skin.TGA")));
   EXPECT_EQ(Report.LogText, "WARNING, Source and destination files are the same, file is not checked\r\n");
 
   Report = {};
-  EXPECT_EQ(ToTgaWithAlpha(Out("Skin.TGA"), Out("Skin.TGA")), Told(Out("Skin.TGA")));
+  EXPECT_EQ(ToTgaWithAlpha(Out("Skin.TGA"), Out("Skin.TGA")), ToldImage(Out("Skin.TGA")));
   EXPECT_EQ(Report.LogText, "WARNING, Source and destination files are the same, file is unmodified\r\n");
 
   // The same file by another road would be read and overwritten at once.
@@ -73,7 +73,7 @@ TEST_F(ConversionTest, LeavesAFileAloneThatIsItsOwnDestination) {
 #else
   std::filesystem::create_symlink(Out("skin.tga"), Folder.Path("skin.tga"));
 #endif
-  EXPECT_EQ(ToTga(Folder.Path("skin.tga")), Told(Folder.Path("skin.tga")));
+  EXPECT_EQ(ToTga(Folder.Path("skin.tga")), ToldImage(Folder.Path("skin.tga")));
   EXPECT_EQ(ReadText(Out("skin.tga")), before);
 }
 
@@ -81,7 +81,7 @@ TEST_F(ConversionTest, NamesTheDestinationInSmallLettersAndReadsTheSourceInItsOw
   const std::string wall = Folder.Path() + "/Über Wand 2.V3.png", made = Folder.Path() + "/out/Über wand 2.v3.tga";
   WriteImage(wall, Gradient(8, 8));
   EXPECT_EQ(ToTga(wall), made);
-  EXPECT_THAT(Report.LogText, HasSubstr("Converting " + Told("Über Wand 2.V3.png") + " from "));
+  EXPECT_THAT(Report.LogText, HasSubstr("Converting " + ToldImage("Über Wand 2.V3.png") + " from "));
   ReadImage(made);
 }
 

@@ -69,7 +69,7 @@ TEST_F(CutImageTest, IsAnErrorThatNamesTheFileAndTheCause) {
     ASSERT_EQ(Report.Troubles.size(), 1u);
     const core::Trouble& trouble = Report.Troubles[0];
     EXPECT_EQ(trouble.Kind, core::TroubleKind::Damaged);
-    EXPECT_EQ(trouble.File, Told(Folder.Path(name)));
+    EXPECT_EQ(trouble.File, ToldImage(Folder.Path(name)));
     EXPECT_EQ(trouble.Text, "Unable to create TGA file " + Out("x.tga") + "\n");
     EXPECT_THAT(trouble.Details, testing::StartsWith(name + ": the file "));
     EXPECT_THAT(Report.LogText, testing::HasSubstr(trouble.Details));
@@ -93,7 +93,7 @@ TEST_F(CutImageTest, IsUsedAllTheSameWhereTheUserSaysSo) {
     answer = true;
     EXPECT_EQ(images::ConvertToTga(Folder.Path(name), Folder.Path("out"), context), Out("x.tga"));
     ASSERT_EQ(asked.size(), 2u);
-    EXPECT_EQ(asked[1].Source, Told(Folder.Path(name)));
+    EXPECT_EQ(asked[1].Source, ToldImage(Folder.Path(name)));
     EXPECT_EQ(asked[1].Caption, "TGA Error");
     ASSERT_EQ(Report.Troubles.size(), 1u);
     EXPECT_EQ(Report.Troubles[0].Level, core::Severity::Warning);

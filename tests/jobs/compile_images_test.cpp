@@ -8,6 +8,7 @@
 #include "support/scratch_folder.h"
 #include "support/shell_programs.h"
 #include "support/tga_builder.h"
+#include "support/told_image.h"
 
 namespace tarnwick::jobs {
 namespace {
@@ -18,7 +19,6 @@ using testing::AllOf;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::EndsWith;
-using testing::Field;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using tests::RecordingHost;
@@ -55,10 +55,13 @@ TEST_F(CompileImagesTest, TellsAnImageFromItsConversionToItsFiles) {
   const std::string image = Image("Brick.tga");
   const JobResult result = jobs::Run(Job({image}), m_host, {});
   ASSERT_TRUE(result.Succeeded());
-  EXPECT_THAT(result.Items[0].Files, ElementsAre(Field(&core::WrittenFile::Path, Compiled("brick.vtf")),
-                                                 Field(&core::WrittenFile::Path, Compiled("brick.vmt"))));
-  EXPECT_EQ(m_host.All<ItemStarted>(), std::vector<ItemStarted>({{0, image, Compiled("brick.vtf")}}));
-  EXPECT_THAT(m_host.Text(LineSource::Log), HasSubstr("Converting Brick.tga from "));
+  std::vector<std::string> files;
+  for (const core::WrittenFile& file : result.Items[0].Files) files.push_back(tests::WithSlashes(file.Path));
+  EXPECT_THAT(files, ElementsAre(Compiled("brick.vtf"), Compiled("brick.vmt")));
+  std::vector<ItemStarted> started = m_host.All<ItemStarted>();
+  for (ItemStarted& one : started) one.Target = tests::WithSlashes(one.Target);
+  EXPECT_EQ(started, std::vector<ItemStarted>({{0, image, Compiled("brick.vtf")}}));
+  EXPECT_THAT(m_host.Text(LineSource::Log), HasSubstr("Converting " + tests::ToldImage("Brick.tga") + " from "));
   EXPECT_THAT(m_host.Text(LineSource::Command), HasSubstr("/vtex.exe -nopause -shader VertexLitGeneric"));
   EXPECT_THAT(m_host.Text(LineSource::Tool), HasSubstr("brick.vtf: 8 x 8, DXT1"));
   EXPECT_THAT(m_host.Text(LineSource::Log), HasSubstr("vtex: our own"));
@@ -105,7 +108,7 @@ TEST_F(CompileImagesTest, TakesADamagedImageOnlyWhereThatIsWanted) {
   JobResult result = jobs::Run(job, m_host, {});
   ASSERT_EQ(result.Items[0].Judged, Verdict::Failed);
   EXPECT_EQ(result.Items[0].First(Severity::Error)->Kind, TroubleKind::Damaged);
-  EXPECT_EQ(result.Items[0].First(Severity::Error)->File, image);
+  EXPECT_EQ(result.Items[0].First(Severity::Error)->File, tests::ToldImage(image));
   EXPECT_THAT(result.Items[0].First(Severity::Error)->Text,
               AllOf(HasSubstr("a.tga: the file ends early"), HasSubstr("256 bytes of pixels, 182 are there")));
   const auto asked = std::find_if(m_host.Questions.begin(), m_host.Questions.end(),

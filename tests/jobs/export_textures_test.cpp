@@ -233,7 +233,7 @@ TEST_F(ExportTexturesTest, PlansWhereEachImageGoes) {
   const auto targets = [](const ExportTextures& job) {
     std::vector<std::string> all;
     for (const PlannedItem& item : Plan(job).Items) {
-      all.push_back(std::filesystem::path(item.Target).generic_string());
+      all.push_back(tests::WithSlashes(item.Target));
     }
     return all;
   };

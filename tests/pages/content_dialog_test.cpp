@@ -60,7 +60,9 @@ class ContentWindow : public testing::Test {
     m_window =
         std::make_unique<CContentDialog>(ContentContext{m_settings, m_desktop, [this] { ++m_configured; },
                                                         [this](const std::vector<std::string>& names) {
-                                                          m_opened = names;
+                                                          m_opened.clear();
+                                                          for (const std::string& name : names)
+                                                            m_opened.push_back(tests::WithSlashes(name));
                                                           return names.front().ends_with(".txt") ? 0 : names.size();
                                                         }},
                                          nullptr);
@@ -249,7 +251,7 @@ TEST_F(ContentWindow, DragsFilesThatStayForAWhile) {
     first = paths[0];
     EXPECT_EQ(tests::ReadText(first), "crate");
     const auto dragged = DragData({"game:models/props/crate.mdl"}, paths);
-    EXPECT_EQ(dragged->urls().front().toLocalFile().toStdString(), first);
+    EXPECT_EQ(dragged->urls().front().toLocalFile().toStdString(), tests::WithSlashes(first));
     EXPECT_THAT(platform::FilesOf(*dragged).Paths, ElementsAre("game:models/props/crate.mdl"))
         << "a field of the program takes the name";
     const auto second = drags.Write(*index, crate, {}, reason);
@@ -269,8 +271,10 @@ TEST_F(ContentWindow, ReadsArchivesAnewThatChangeOnTheDisk) {
   WriteVpk("one.vpk", {{.Name = "models/a.mdl", .Bytes = "a"}, {.Name = "models/b.mdl", .Bytes = "b"}});
   EXPECT_TRUE(WaitForList({"a.mdl", "b.mdl"}));
   EXPECT_EQ(SearchBox().text(), "mdl");
+#ifndef _WIN32  // there its name may stay until the last who has it open is done
   std::filesystem::remove(m_folder.Path("one.vpk"));
   EXPECT_TRUE(WaitUntil([this] { return Message().find("one.vpk") != std::string::npos; })) << Message();
+#endif
   WriteVpk("one.vpk", {{.Name = "models/back.mdl", .Bytes = "b"}});
   EXPECT_TRUE(WaitForList({"back.mdl"}));
 }

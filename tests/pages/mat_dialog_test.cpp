@@ -10,6 +10,7 @@ using platform::BoxIcon;
 using testing::ElementsAre;
 using tests::Click;
 using tests::ControlOf;
+using tests::Dropped;
 using tests::ShownBox;
 
 TEST_F(MaterialPage, StartsForModelsWhenNothingIsKept) {
@@ -60,6 +61,7 @@ TEST_F(MaterialPage, KeepsEveryControlForTheNextStart) {
     images.push_back(m_folder.Path(name));
   }
   tests::Drop(*List().viewport(), images);
+  for (std::string& image : images) image = tests::Dropped(image);
   m_page->SaveSettings();
 
   const std::vector<std::pair<std::string, std::string>> expected = {{"Materials DIR", "props/new"},
@@ -149,22 +151,22 @@ TEST_F(MaterialPage, BrowsesForMapsAndImages) {
 TEST_F(MaterialPage, TakesDropsByTheirPointAndClearsRows) {
   Open();
   tests::Drop(Edit("normalEdit"), {"/n.png", "/other.png"});
-  EXPECT_EQ(Edit("normalEdit").text(), "/n.png") << "although the box is disabled";
+  EXPECT_EQ(Edit("normalEdit").text().toStdString(), Dropped("/n.png")) << "although the box is disabled";
   tests::Drop(Edit("glowEdit"), {"/g.png"});
-  EXPECT_EQ(Edit("glowEdit").text(), "/g.png");
+  EXPECT_EQ(Edit("glowEdit").text().toStdString(), Dropped("/g.png"));
   Envmap().show();
   tests::Drop(ControlOf<QLineEdit>(Envmap(), "specularEdit"), {"/s.png"});
-  EXPECT_EQ(ControlOf<QLineEdit>(Envmap(), "specularEdit").text(), "/s.png");
+  EXPECT_EQ(ControlOf<QLineEdit>(Envmap(), "specularEdit").text().toStdString(), Dropped("/s.png"));
   tests::Drop(*List().viewport(), {"/a.png", "/A.png", "/a.png", "/b.png", "/c.png"});
   tests::Drop(*List().viewport(), {"/a.png"});
-  EXPECT_THAT(List().Files(), ElementsAre("/a.png", "/A.png", "/b.png", "/c.png"));
+  EXPECT_THAT(List().Files(), ElementsAre(Dropped("/a.png"), Dropped("/A.png"), Dropped("/b.png"), Dropped("/c.png")));
 
   Click(*m_page, "clearButton");
   EXPECT_THAT(m_desktop.Boxes, ElementsAre(ShownBox{BoxIcon::Exclamation, "No items were selected!", "Warning"}));
   List().topLevelItem(0)->setSelected(true);
   List().topLevelItem(2)->setSelected(true);
   Click(*m_page, "clearButton");
-  EXPECT_THAT(List().Files(), ElementsAre("/A.png", "/c.png"));
+  EXPECT_THAT(List().Files(), ElementsAre(Dropped("/A.png"), Dropped("/c.png")));
   Click(*m_page, "clearAllButton");
   EXPECT_TRUE(List().Files().empty());
   EXPECT_EQ(m_desktop.Boxes.size(), 1u);

@@ -43,12 +43,12 @@ TEST_F(ModelPages, TakeDropsAndKeepRowsOfOneNameApart) {
   m_settings.Values["Tarnwick/Prop Type"] = "2";
   const auto page = Open<CMDLDialog>();
   tests::Drop(ControlOf<QLineEdit>(*page, "referenceEdit"), {"/m/a.smd", "/m/b.smd"});
-  EXPECT_EQ(page->Project().referenceSmd, "/m/a.smd");
+  EXPECT_EQ(page->Project().referenceSmd, tests::Dropped("/m/a.smd"));
   auto& list = ControlOf<QTreeWidget>(*page, "list");
   tests::Drop(list, {"/m/walk.smd"});  // the editor opens once the drop is over
   NameSequence("walk");
   ASSERT_TRUE(tests::WaitUntil([&] { return list.topLevelItemCount() == 1; }));
-  EXPECT_EQ(list.topLevelItem(0)->text(1), "/m/walk.smd");
+  EXPECT_EQ(list.topLevelItem(0)->text(1).toStdString(), tests::Dropped("/m/walk.smd"));
   NameSequence("walk");
   Click(*page, "addButton");
   tests::WhenModalOpens([](QWidget& dialog) { static_cast<QDialog&>(dialog).reject(); });
@@ -169,7 +169,7 @@ TEST_F(ModelPages, RememberTheInnerTabAndTheScript) {
   page->SaveSettings();
   page = Open<CMDLSelDialog>();
   EXPECT_EQ(ControlOf<QTabWidget>(*page, "tabs").currentIndex(), 1);
-  EXPECT_EQ(ControlOf<QLineEdit>(*page, "qcFileEdit").text(), "/m/a.qc");
+  EXPECT_EQ(ControlOf<QLineEdit>(*page, "qcFileEdit").text().toStdString(), tests::Dropped("/m/a.qc"));
   EXPECT_EQ(ControlOf<QLineEdit>(*page, "referenceEdit").text(), "") << "that page was not showing";
 }
 

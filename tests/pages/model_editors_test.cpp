@@ -149,7 +149,7 @@ TEST(LodEditor, TakesADropAndRefusesHalfAnEntry) {
   Type(dialog, "distanceEdit", "far");
   dialog.accept();
   EXPECT_FALSE(dialog.isVisible());
-  EXPECT_EQ(dialog.Entry.smdFile, "/m/lod1.smd");
+  EXPECT_EQ(dialog.Entry.smdFile, tests::Dropped("/m/lod1.smd"));
   EXPECT_EQ(dialog.Entry.distance, "far");
 }
 

@@ -104,8 +104,8 @@ TEST(ModelWindow, OpensWhatIsDroppedOnItMoreModelsInWindowsOfTheirOwn) {
     shown.push_back(opened->Viewer().File().toStdString());
     opened->close();
   }
-  EXPECT_EQ(window.Viewer().File().toStdString(), Walker);
-  EXPECT_THAT(shown, testing::UnorderedElementsAre(Walker, crate));
+  EXPECT_EQ(window.Viewer().File().toStdString(), tests::Dropped(Walker));
+  EXPECT_THAT(shown, testing::UnorderedElementsAre(tests::Dropped(Walker), tests::Dropped(crate)));
 }
 
 TEST_F(ModelViewerTest, SaysWhyNothingIsDrawnAndDoesAllElse) {

@@ -11,6 +11,19 @@ namespace tarnwick::tests {
 
 namespace fs = std::filesystem;
 
+namespace {
+
+/// `path` for a call of the library, which on Windows does not take UTF-8. On Linux a backslash stays part of a name.
+fs::path Native(const std::string& path) {
+#ifdef _WIN32
+  return core::NativePath(path);
+#else
+  return path;
+#endif
+}
+
+}  // namespace
+
 ScratchFolder::ScratchFolder() {
   std::random_device random;
   do {
@@ -32,8 +45,13 @@ std::vector<std::string> ScratchFolder::Files() const {
   return files;
 }
 
+std::string WithSlashes(std::string text) {
+  if (core::PathSeparator != '/') std::replace(text.begin(), text.end(), core::PathSeparator, '/');
+  return text;
+}
+
 std::string ReadText(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
+  std::ifstream file(Native(path), std::ios::binary);
   EXPECT_TRUE(file) << path << " cannot be read";
   return WithLineFeeds(std::string(std::istreambuf_iterator<char>(file), {}));
 }
@@ -51,7 +69,7 @@ std::string WithLineFeeds(std::string text) {
 }
 
 void WriteText(const std::string& path, std::string_view text) {
-  const fs::path native(path);
+  const fs::path native = Native(path);
   if (native.has_parent_path()) fs::create_directories(native.parent_path());
   std::ofstream file(native, std::ios::binary);
   file.write(text.data(), static_cast<std::streamsize>(text.size()));

@@ -20,7 +20,7 @@ class ScratchFolder {
   /// The folder, without a separator at its end.
   std::string Path() const { return m_path.generic_string(); }
   /// The path of `name` in the folder.
-  std::string Path(const std::string& name) const { return (m_path / name).generic_string(); }
+  std::string Path(const std::string& name) const { return Path() + '/' + name; }
   /// The path of `name` in the folder as the program makes it: joined by its own separator.
   std::string Joined(const std::string& name) const { return Path() + core::PathSeparator + name; }
   /// The names of the files in the folder and below it ("sub/name"), sorted.
@@ -30,6 +30,8 @@ class ScratchFolder {
   std::filesystem::path m_path;
 };
 
+/// `text` with `/` for each separator of this platform, where a test does not ask which of the two a path came with.
+std::string WithSlashes(std::string text);
 /// The whole file at `path` as text, with "\n" for this platform's line end; a test failure and "" if it cannot be
 /// read.
 std::string ReadText(const std::string& path);

@@ -2,6 +2,7 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QDir>
 #include <QDropEvent>
 #include <QMimeData>
 #include <QTest>
@@ -28,8 +29,12 @@ void Drop(QWidget& target, const std::vector<std::string>& paths) {
   QApplication::sendEvent(&target, &drop);
 }
 
+std::string Dropped(const std::string& path) {
+  return QDir::toNativeSeparators(QString::fromStdString(path)).toStdString();
+}
+
 bool WaitUntil(const std::function<bool()>& condition) {
-  return QTest::qWaitFor(condition, 10'000);
+  return QTest::qWaitFor(condition, 60'000);
 }
 
 void WhenModalOpens(const std::function<void(QWidget& dialog)>& answer) {

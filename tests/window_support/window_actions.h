@@ -27,7 +27,10 @@ void Click(QWidget& window, const char* button);
 /// Drops files on the middle of `target` the way the platform does.
 void Drop(QWidget& target, const std::vector<std::string>& paths);
 
-/// Lets events pass until `condition` holds; false after ten seconds.
+/// The text that a field holds of a file or folder that was dropped on it: with the platform's own separators.
+std::string Dropped(const std::string& path);
+
+/// Lets events pass until `condition` holds; false after a minute.
 bool WaitUntil(const std::function<bool()>& condition);
 
 /// Has `answer` called with the modal dialog that the next action opens. `answer` must close it.
