@@ -146,6 +146,12 @@ int List(const Options& options, Invocation& invocation) {
   return ExitCode(troubles);
 }
 
+/// Whether the user has stopped the program before it came to `input`, which is told.
+bool IsStoppedBefore(const std::string& input, const InterruptFlag& interrupt, PrintedTroubles& troubles) {
+  if (interrupt.IsSet()) troubles.Error(input + ": not begun");
+  return interrupt.IsSet();
+}
+
 /// Takes the chosen files of one archive out, into `output`.
 void ExtractOne(const Chosen& chosen, const std::string& output, const Options& options, Invocation& invocation,
                 const InterruptFlag& interrupt, PrintedTroubles& troubles, ProgressLine& progress) {
@@ -182,7 +188,7 @@ int Extract(const Options& options, Invocation& invocation) {
   const InterruptFlag interrupt;
   jobs::UniqueNames names;
   for (const std::string& input : options.Inputs) {
-    if (interrupt.IsSet()) break;
+    if (IsStoppedBefore(input, interrupt, troubles)) break;
     const Chosen chosen = Choose(input, options, troubles);
     if (chosen.Opened == nullptr) continue;
     std::string output = options.Output;
@@ -273,7 +279,7 @@ int Info(const Options& options, Invocation& invocation) {
   PrintedTroubles troubles(invocation.Err, &progress);
   const InterruptFlag interrupt;
   for (const std::string& input : options.Inputs) {
-    if (interrupt.IsSet()) break;
+    if (IsStoppedBefore(input, interrupt, troubles)) break;
     const Chosen chosen = Choose(input, options, troubles);
     if (chosen.Opened == nullptr) continue;
     const archives::ArchiveSummary summary = archives::Summarize(*chosen.Opened);

@@ -101,7 +101,6 @@ int ExportTextures(Options& options, Invocation& invocation) {
                                  .KeepTga = options.KeepTga,
                                  .SdkDirectory = options.Directories.Sdk,
                                  .Start = options.Directories.Start(),
-                                 .UncommonFormats = options.Directories.UncommonFormats,
                                  .Threads = options.Jobs};
   const jobs::JobPlan plan = jobs::Plan(job);
   if (!plan.Items.empty()) {

@@ -138,7 +138,6 @@ class Drawing {
   /// Takes the job's sequence, frame, skin and kind of picture. False if the model does not have them, which is told.
   bool Choose(const view::Scene& scene, view::ViewState& state) {
     state.IsPlaying = false;
-    state.Extras = {};
     state.Extras.Grid = false;
     state.FixedLod = 0;
     state.Mode = m_job.Wireframe ? view::ShadingMode::Wireframe : view::ShadingMode::Textured;

@@ -390,7 +390,6 @@ JobResult Run(const ExportTextures& given, Host& host, const std::stop_token& st
   if (tool.StandsIn)
     host.On(Line{NoItem, LineSource::Log, tools::LineKind::Plain, tools::OwnToolNote(tools::Vtf2tga) + "\r\n"});
   images::ImageWorker worker;
-  worker.ReadFamiliarOnly(!job.UncommonFormats);
   worker.StopWith(stop);
   const int threads = job.KeepTga ? 1 : job.Threads;
   return RunItems(plan, {threads, threads}, host, stop, [&](size_t, ItemRun& run) {

@@ -30,8 +30,7 @@ struct ExportTextures {
   bool KeepTga = false;           // leave the TGA files beside images of other formats
   std::string SdkDirectory = {};  // whose vtf2tga runs; the program's own where it is empty
   tools::StartSettings Start = {};
-  bool UncommonFormats = true;  // write every format that the image library knows
-  int Threads = 1;              // textures at a time; one where the TGA files are kept
+  int Threads = 1;  // textures at a time; one where the TGA files are kept
 };
 
 /// The textures that the job finds; the target of each is the image of its first frame.

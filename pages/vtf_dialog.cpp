@@ -212,7 +212,6 @@ void CVTFDialog::Start(jobs::ExportTextures job) {
   job.KeepTga = true;
   job.SdkDirectory = setting::SdkDirectory.Read(Settings());
   job.Start.WineProgram = setting::WineProgram.Read(Settings());
-  job.UncommonFormats = setting::UncommonImageFormats.Read(Settings()) != 0;
   m_finishedLog.clear();
   m_wholeLog = m_runningLog = tools::WholeLog(KeptBytes);
   m_note.clear();

@@ -4,8 +4,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <filesystem>
+#include <nlohmann/json.hpp>
+#include <sstream>
 
 #include "command_line.h"
 #include "support/scratch_folder.h"
@@ -15,6 +16,7 @@ namespace tarnwick::cli {
 namespace {
 
 namespace fs = std::filesystem;
+using ::testing::AllOf;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
@@ -39,6 +41,15 @@ class CompileVerb : public tests::VerbTest {
 
   int Run(const std::vector<std::string>& arguments) {
     return RunVerb({"compile", "--sdk", m_sdk, "--game", m_game}, arguments);
+  }
+
+  using Json = nlohmann::json;
+  /// What --json printed.
+  std::vector<Json> Lines() const {
+    std::vector<Json> lines;
+    std::istringstream text(m_out);
+    for (std::string line; std::getline(text, line);) lines.push_back(Json::parse(line));
+    return lines;
   }
 
   tests::ScratchFolder m_folder;
@@ -88,9 +99,39 @@ TEST_F(CompileVerb, RunsSeveralFilesAndSumsUp) {
   EXPECT_EQ(Run({"--json", Script("a.qc", "Error: bad\n"), Script("b.qc", "fine\n")}), ExitFailure);
   EXPECT_THAT(m_err, EndsWith(", 1 failed:\n  1 x Error: bad\n"));
   EXPECT_THAT(m_err, HasSubstr(m_folder.Path("b.qc") + " -> " + m_game + "/models/box.mdl\n"));
-  EXPECT_THAT(m_out, HasSubstr(R"("outcome":"failed")"));
-  EXPECT_THAT(m_out, HasSubstr(R"("errors":["Error: bad"])"));
-  EXPECT_THAT(m_out, HasSubstr(R"("outcome":"ok")"));
+  const std::string model = m_game + "/models/box.mdl";
+  const auto json = Lines();
+  ASSERT_EQ(json.size(), 2u);
+  const std::string a = m_folder.Path("a.qc"), command = m_sdk + "/studiomdl.exe -game \"" + m_game + "\" \"";
+  EXPECT_EQ(json[0], (Json{{"input", a},
+                           {"outcome", "failed"},
+                           {"command", command + a + '"'},
+                           {"script", a},
+                           {"model", model},
+                           {"written", true},
+                           {"files", {model}},
+                           {"errors", {"Error: bad"}},
+                           {"warnings", Json::array()},
+                           {"more_errors", 0},
+                           {"more_warnings", 0}}));
+  EXPECT_EQ(json[1]["outcome"], "ok");
+}
+
+TEST_F(CompileVerb, CountsWhatItDoesNotPrintAndNamesAnUnknownModel) {
+  std::string errors, warnings;
+  for (int i = 0; i < 101; ++i) errors += "ERROR: e\n";
+  for (int i = 0; i < 102; ++i) warnings += "WARNING: w\n";
+  const std::string a = Script("a.qc", errors + warnings);
+  EXPECT_EQ(Run({"-q", a}), ExitFailure);
+  EXPECT_THAT(m_err, EndsWith(a + ": 1 more error\n" + a + ": 2 more warnings\n"));
+  EXPECT_EQ(Run({"--json", a}), ExitFailure);
+  ASSERT_EQ(Lines().size(), 1u);
+  EXPECT_EQ(Lines()[0]["more_errors"], 1);
+  EXPECT_EQ(Lines()[0]["more_warnings"], 2);
+  tests::WriteText(m_folder.Path("b.qc"), "a script without a name or a line's end");
+  EXPECT_EQ(Run({m_folder.Path("b.qc"), m_folder.Path("b.qc")}), ExitSuccess);
+  EXPECT_THAT(m_err, HasSubstr(m_folder.Path("b.qc") + " -> unknown\n"));
+  EXPECT_THAT(m_out, EndsWith("a line's end\n")) << "what is said next begins a line";
 }
 
 TEST_F(CompileVerb, UsesOurOwnToolForAMissingOneAndTellsAProjectThatCannotBeRead) {
@@ -100,7 +141,9 @@ TEST_F(CompileVerb, UsesOurOwnToolForAMissingOneAndTellsAProjectThatCannotBeRead
   EXPECT_EQ(Run({Script("a.qc", "$body box \"gone.smd\"\n")}), ExitFailure);
   EXPECT_THAT(m_err, AllOf(HasSubstr("studiomdl: our own"), HasSubstr("gone.smd")));
   EXPECT_EQ(Run({"--json", Script("a.qc", "$body box \"gone.smd\"\n"), m_folder.Path("none.sc")}), ExitFailure);
-  EXPECT_EQ(std::ranges::count(m_out, '\n'), 2);
+  ASSERT_EQ(Lines().size(), 2u);
+  EXPECT_EQ(Lines()[0]["written"], false);
+  EXPECT_EQ(Lines()[1]["files"], Json::array());
 }
 
 }  // namespace

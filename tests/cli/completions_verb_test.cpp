@@ -42,8 +42,23 @@ TEST(CompletionsVerb, OtherShellsGetTheWordsWithTheirDescriptions) {
   const std::string zsh = RunCommand({"completions", "zsh"}).Out;
   EXPECT_THAT(zsh, HasSubstr("#compdef tarnwick-cli\n"));
   EXPECT_THAT(zsh, HasSubstr("'replace:Replace a name by another throughout SMD files, in place'"));
-  EXPECT_THAT(RunCommand({"completions", "fish"}).Out,
-              HasSubstr("complete -c tarnwick-cli -n '__fish_seen_subcommand_from decompile' -l output -r -d "));
+  EXPECT_THAT(zsh, HasSubstr("'smd replace') command='smd replace' ;;\n"));
+  EXPECT_THAT(zsh, HasSubstr("    '')\n      verbs=( 'decompile:Turn "));
+  EXPECT_THAT(zsh, HasSubstr("      valued=( '-o' '--output' '--texture-format' '--game' '-j' '--jobs') ;;\n"))
+      << "flags take no value";
+  // A colon in a description would part it once more; an option's stands behind its word.
+  EXPECT_THAT(zsh, HasSubstr("'--angle:From where it is seen, YAW,PITCH in degrees, 0,0 is the front"));
+
+  const std::string fish = RunCommand({"completions", "fish"}).Out;
+  const std::string start = "\ncomplete -c tarnwick-cli -n ";
+  EXPECT_THAT(fish, HasSubstr(start + "'__fish_use_subcommand' -f -a 'decompile' -d 'Turn "));
+  EXPECT_THAT(fish, HasSubstr("'Compile model projects and QC scripts with the SDK\\'s studiomdl'"));
+  EXPECT_THAT(fish, HasSubstr(start + "'__fish_seen_subcommand_from decompile' -l output -r -d "));
+  EXPECT_THAT(fish, HasSubstr(start + "'__fish_seen_subcommand_from decompile' -s q -d "));
+  EXPECT_THAT(fish, HasSubstr(start + "'__fish_seen_subcommand_from smd; and not __fish_seen_subcommand_from info; "
+                                      "and not __fish_seen_subcommand_from replace' -f -a 'info' -d "));
+  EXPECT_THAT(fish, HasSubstr(start + "'__fish_seen_subcommand_from replace; and __fish_seen_subcommand_from smd' "
+                                      "-l yes -d "));
   EXPECT_EQ(RunCommand({"completions", "powershell"}).ExitCode, ExitUsage);
 }
 

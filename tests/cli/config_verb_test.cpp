@@ -2,8 +2,13 @@
 
 #include <gmock/gmock.h>
 
+#include <filesystem>
+
 #include "command_line.h"
 #include "support/scratch_folder.h"
+#ifdef TARNWICK_HAS_IMAGES
+#include "support/tga_builder.h"
+#endif
 
 namespace tarnwick::cli {
 
@@ -54,6 +59,46 @@ TEST_F(ConfigVerb, WhatIsStoredIsWhatOtherVerbsWorkWith) {
 #ifdef TARNWICK_HAS_IMAGES
   EXPECT_THAT(run({"vtf", "-v", m_folder.Path("a.vtf"), "-o", m_folder.Path("a.tga")}).Err,
               HasSubstr(sdk + "/vtf2tga.exe"));
+  tests::WriteText(m_folder.Path("a.ppm"), "P6 4 4 255\n" + std::string(48, 'x'));
+  EXPECT_EQ(run({"material", m_folder.Path("a.ppm")}).ExitCode, ExitSuccess) << "into the game that is stored";
+  std::filesystem::remove_all(m_folder.Path("game/materialsrc"));
+  ASSERT_EQ(run({"config", "set", "Uncommon Image Formats", "0"}).ExitCode, ExitSuccess);
+  EXPECT_THAT(run({"material", m_folder.Path("a.ppm")}).Err, HasSubstr("are not read, as the settings say"));
+#endif
+}
+#endif
+
+#ifdef __linux__
+TEST_F(ConfigVerb, WindowsToolsRunUnderTheWineThatIsStoredOrNamed) {
+  const std::string settings = m_folder.Path("settings");
+  const std::string sdk = m_folder.Path("sdk");
+  const std::string program =
+      std::string("MZ") + std::string(58, '\0') + "\x40" + std::string(3, '\0') + "PE" + std::string(300, '\0');
+  for (const char* tool : {"studiomdl.exe", "vtf2tga.exe", "vtex.exe"}) tests::WriteText(sdk + "/" + tool, program);
+  for (const char* name : {"stored", "named"}) {
+    tests::WriteShellProgram(m_folder.Path(name), std::string("echo \"") + name + " runs $1\"\n");
+  }
+  tests::WriteText(m_folder.Path("game/gameinfo.txt"), "");
+  tests::WriteText(m_folder.Path("a.qc"), "$modelname a.mdl\n");
+  tests::WriteText(m_folder.Path("a.vtf"), "VTF");
+  const auto ran = [&](std::vector<std::string> words) {
+    words.insert(words.end(), {"--sdk", sdk});
+    const auto result = tests::RunCommandWith(settings, words);
+    return result.Out + result.Err;
+  };
+  ASSERT_EQ(tests::RunCommandWith(settings, {"config", "set", "Wine Program", m_folder.Path("stored")}).ExitCode,
+            ExitSuccess);
+  const std::vector<std::string> compile{"compile", m_folder.Path("a.qc"), "--game", m_folder.Path("game")};
+  EXPECT_THAT(ran(compile), HasSubstr("stored runs " + sdk + "/studiomdl.exe\n"));
+  std::vector<std::string> named = compile;
+  named.insert(named.end(), {"--wine", m_folder.Path("named")});
+  EXPECT_THAT(ran(named), HasSubstr("named runs " + sdk + "/studiomdl.exe\n"));
+#ifdef TARNWICK_HAS_IMAGES
+  EXPECT_THAT(ran({"vtf", "-v", m_folder.Path("a.vtf"), "-o", m_folder.Path("a.tga")}),
+              HasSubstr("stored runs " + sdk + "/vtf2tga.exe\n"));
+  tests::WriteText(m_folder.Path("a.tga"), tests::TgaOf({1, 1, {{1, 2, 3, 255}}}));
+  EXPECT_THAT(ran({"material", m_folder.Path("a.tga"), "-d", "props", "--game", m_folder.Path("game")}),
+              HasSubstr("stored runs " + sdk + "/vtex.exe\n"));
 #endif
 }
 #endif

@@ -83,6 +83,11 @@ TEST_F(DecompileVerb, PrintsAJsonObjectForEachModel) {
   std::getline(lines, line);
   const auto second = nlohmann::json::parse(line);
   EXPECT_EQ(second["outcome"], "failed");
+  EXPECT_EQ(second["files"], nlohmann::json::array()) << "a list, though nothing is in it";
+  EXPECT_EQ(second["lost"], nlohmann::json::array());
+  EXPECT_EQ(second["bytes"], 0);
+  EXPECT_GT(first["seconds"], 0);
+  EXPECT_EQ(first["warnings"], nlohmann::json::array());
   // The file and the reason, as the window's box and list have them.
   EXPECT_THAT(second["errors"],
               ElementsAre(testing::StartsWith("Error: Unable to load model: " + m_models.Path("none.mdl") + ": ")));

@@ -14,6 +14,7 @@
 #include <iterator>
 
 #include "core/program_directory.h"
+#include "support/archive_builder.h"
 #include "support/model_builder.h"
 #include "support/scratch_folder.h"
 
@@ -85,7 +86,14 @@ bool IsAlive(int id) {
 
 class Interrupt : public testing::TestWithParam<int> {
  protected:
+  // A child inherits that a signal is ignored, as SIGHUP is where these tests run under nohup.
+  void SetUp() override { m_before = std::signal(GetParam(), SIG_DFL); }
+  void TearDown() override { std::signal(GetParam(), m_before); }
+
   tests::ScratchFolder m_folder;
+
+ private:
+  void (*m_before)(int) = SIG_DFL;
 };
 
 TEST_P(Interrupt, LeavesNoTemporaryFileOfADecompileAndGivesASummary) {
@@ -130,6 +138,22 @@ TEST_P(Interrupt, EndsAToolWithAllThatItStarted) {
 
 INSTANTIATE_TEST_SUITE_P(Signals, Interrupt, testing::Values(SIGINT, SIGTERM, SIGHUP, SIGQUIT),
                          [](const auto& each) { return std::string(sigabbrev_np(each.param)); });
+
+TEST_P(Interrupt, BetweenTwoArchivesIsToldAndNoSuccess) {
+  const std::string archive = m_folder.Path("a.gma");
+  tests::WriteText(archive, tests::GmaBuilder{.Files = {{.Name = "a.txt", .Bytes = "x"}}}.Build());
+  for (const std::vector<std::string>& verb :
+       {std::vector<std::string>{"extract", "-o", m_folder.Path("out")}, {"info", "--check"}}) {
+    std::vector<std::string> words{"archive", verb[0], "--json"};
+    words.insert(words.end(), verb.begin() + 1, verb.end());
+    words.insert(words.end(), 100, archive);
+    ChildProgram program(words, m_folder.Path(verb[0] + " errors"));
+    program.WaitForOutput();
+    program.Signal(GetParam());
+    EXPECT_EQ(program.Wait(), 1) << verb[0];
+    EXPECT_THAT(program.ErrorText(), testing::EndsWith("a.gma: not begun\n"));
+  }
+}
 
 TEST(InterruptTest, ASignalThatIsIgnoredFromTheStartStaysIgnored) {
   tests::ScratchFolder folder;

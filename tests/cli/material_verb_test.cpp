@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <nlohmann/json.hpp>
+#include <sstream>
 
 #include "command_line.h"
 #include "images/test_image.h"
@@ -58,6 +60,29 @@ TEST_F(MaterialVerbTest, PutsMapMaterialsStraightBelowMaterials) {
               AllOf(HasSubstr("LightmappedGeneric"), HasSubstr("$selfillum"), Not(HasSubstr("$model"))));
 }
 
+TEST_F(MaterialVerbTest, EveryOptionReachesTheMaterial) {
+  const auto material = [&](std::vector<std::string> options) {
+    options.insert(options.end(), {"-q", Folder.Path("Brick.png")});
+    const auto result = Compile(options);
+    EXPECT_EQ(result.ExitCode, 0) << result.Err;
+    return result.ExitCode == 0 ? ReadText(Folder.Path("game/materials/models/brick.vmt")) : std::string();
+  };
+  EXPECT_THAT(material({}), Not(testing::AnyOf(HasSubstr("$translucent"), HasSubstr("$envmap"), HasSubstr("$selfillum"),
+                                               HasSubstr("$bumpmap"))));
+  EXPECT_THAT(material({"--translucent"}), HasSubstr("\"$translucent\" \"1\""));
+  EXPECT_THAT(material({"--envmap", "--mask", "base", "--saturation", "0.25", "--tint", "1 0 0.5"}),
+              AllOf(HasSubstr("\"$envmap\" \"env_cubemap\""), HasSubstr("\"$basealphaenvmapmask\" \"1\""),
+                    HasSubstr("\"$envmapsaturation\" \"0.25\""), HasSubstr("$envmaptint"), HasSubstr("1 0 0.5"),
+                    Not(HasSubstr("$normalmapalphaenvmapmask"))));
+  const std::string glow = Folder.Path("shine.png");
+  EXPECT_THAT(material({"--glow", glow}), HasSubstr("\"$selfillum\" \"1\""));
+  EXPECT_THAT(material({"--envmap", "--mask", "illum", "--glow", glow, "--glow-texture"}),
+              AllOf(HasSubstr("$selfillum_envmapmask_alpha"), HasSubstr("$selfillumtexture")));
+  for (const char* option : {"--contrast", "--saturation", "--tint", "--mask", "--glow-texture"}) {
+    EXPECT_EQ(Compile({option, "1", Folder.Path("Brick.png")}).ExitCode, 2) << option << " alone says nothing";
+  }
+}
+
 TEST_F(MaterialVerbTest, GoesOnPastAnImageThatCannotBeRead) {
   WriteText(Folder.Path("bad.png"), "no image");
   WriteImage(Folder.Path("brick.bmp"), Gradient(8, 8));
@@ -65,10 +90,21 @@ TEST_F(MaterialVerbTest, GoesOnPastAnImageThatCannotBeRead) {
       Compile({"--json", "-q", Folder.Path("bad.png"), Folder.Path("Brick.png"), Folder.Path("brick.bmp")});
   EXPECT_EQ(result.ExitCode, 1);
   EXPECT_THAT(result.Err, AllOf(HasSubstr("bad.png: TGA Error: Unable to create TGA file "),
-                                HasSubstr(": bad.png: the file cannot be read as a PNG image\n"),
+                                HasSubstr("bad.tga: bad.png: the file cannot be read as a PNG image\n"),
                                 HasSubstr("brick.bmp both become brick.tga\n")));
-  EXPECT_THAT(result.Out, AllOf(HasSubstr("\"outcome\":\"failed\""), HasSubstr("\"outcome\":\"ok\""),
-                                HasSubstr("vtex.exe -"), HasSubstr("brick.tga")));
+  std::istringstream lines(result.Out);
+  std::vector<nlohmann::json> told;
+  for (std::string line; std::getline(lines, line);) told.push_back(nlohmann::json::parse(line));
+  ASSERT_EQ(told.size(), 3u);
+  EXPECT_EQ(told[0]["image"], Folder.Path("bad.png"));
+  EXPECT_EQ(told[0]["outcome"], "failed");
+  EXPECT_EQ(told[0]["files"], nlohmann::json::array());
+  EXPECT_EQ(told[0]["errors"].size(), 1u);
+  EXPECT_EQ(told[1]["outcome"], "ok");
+  EXPECT_THAT(told[1]["command"].get<std::string>(), AllOf(HasSubstr("vtex.exe -"), HasSubstr("brick.tga")));
+  const std::string compiled = Folder.Path("game/materials/models/brick");
+  EXPECT_EQ(told[1]["files"], nlohmann::json({compiled + ".vtf", compiled + ".vmt"}));
+  EXPECT_EQ(told[1]["errors"], nlohmann::json::array());
   EXPECT_TRUE(std::filesystem::exists(Folder.Path("game/materials/models/brick.vtf")));
 }
 

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <filesystem>
 #include <nlohmann/json.hpp>
 
 #include "command_line.h"
@@ -38,9 +39,46 @@ TEST_F(PictureVerb, DrawsAFileAndTellsWhatIsMissing) {
   EXPECT_EQ(json["picture"], m_output.Path("two.png"));
   EXPECT_EQ(json["missing"][0]["name"], "skin");
   EXPECT_GE(json["missing"][0]["tried"].size(), 2u);
+  EXPECT_EQ(json["missing"][0]["neededBy"], "");
+  EXPECT_EQ(json["missing"][0]["reason"], "it was not found");
+  EXPECT_EQ(json["model"], m_models.Path("cube.mdl"));
+  EXPECT_EQ(json["warnings"], nlohmann::json({"the material skin: it was not found"}));
+  EXPECT_EQ(json["errors"], nlohmann::json::array());
+  EXPECT_GT(json["seconds"], 0);
   EXPECT_EQ(Run({m_models.Path(), "-q", "-r", "-j", "2", "-o", m_output.Path("all")}), ExitSuccess);
   EXPECT_EQ(m_out, "");
   EXPECT_THAT(m_output.Files(), ElementsAre("all/cube.png", "try.png", "two.png"));
+}
+
+TEST_F(PictureVerb, EachOptionChangesThePicture) {
+  if (!CanDraw()) GTEST_SKIP() << m_err;
+  ModelBuilder model{.SkinFamilies = {{0}, {0}}, .Animations = {{.Name = "@a", .FrameCount = 3}, {.Name = "@b"}}};
+  model.Sequences = {{.Label = "first"}, {.Label = "turned"}};
+  model.Sequences[1].Blends = {1};
+  const std::string path = model.Write(m_models.Path(), "moves");
+  const auto draw = [&](std::vector<std::string> options) {
+    options.insert(options.end(), {path, "-q", "-o", m_output.Path("x.png")});
+    EXPECT_EQ(Run(options), ExitSuccess) << m_err;
+    return ReadText(m_output.Path("x.png"));
+  };
+  EXPECT_EQ(draw({"--angle", "30,15"}), draw({})) << "what the help says";
+  const std::vector<std::string> below{"--angle", "30,-15"};  // the triangle is seen from there
+  const std::string plain = draw(below);
+  for (const char* angle : {"80,-15", "30,-40", "30,15"}) EXPECT_NE(draw({"--angle", angle}), plain) << angle;
+  for (const char* option : {"--wireframe", "--transparent"}) {
+    EXPECT_NE(draw({below[0], below[1], option}), plain) << option;
+  }
+  EXPECT_EQ(draw({"--angle", "3600,-90"}), draw({"--angle", "-3600,-90"})) << "the ends are angles too";
+  EXPECT_EQ(Run({path, "--frame", "3", "-o", m_output.Path("no.png")}), ExitFailure);
+  EXPECT_THAT(m_err, HasSubstr("there is no frame 3: the sequence has 3, counted from 0"));
+  EXPECT_EQ(Run({path, "--frame", "2", "-o", m_output.Path("x.png")}), ExitSuccess);
+  EXPECT_EQ(Run({path, "--sequence", "TURNED", "--frame", "1", "-o", m_output.Path("no.png")}), ExitFailure);
+  EXPECT_EQ(Run({path, "--skin", "1", "-o", m_output.Path("x.png")}), ExitSuccess);
+  EXPECT_EQ(Run({path, "--skin", "2", "-o", m_output.Path("no.png")}), ExitFailure);
+  EXPECT_THAT(m_err, HasSubstr("there is no skin 2: it has 2, counted from 0"));
+  std::filesystem::create_directory(m_output.Path("a.jpg"));
+  EXPECT_EQ(Run({path, "-o", m_output.Path("a.jpg")}), ExitSuccess) << "a folder may be called so";
+  EXPECT_EQ(m_out, m_output.Path("a.jpg/moves.png") + "\n");
 }
 
 TEST_F(PictureVerb, FailsWithOneForAModelAndWithTwoForTheCommandLine) {
@@ -54,6 +92,8 @@ TEST_F(PictureVerb, FailsWithOneForAModelAndWithTwoForTheCommandLine) {
                                                     {model, "-o", m_output.Path("a.jpg")},
                                                     {model, "-o", m_output.Path("a.png"), "--angle", "30"},
                                                     {model, "-o", m_output.Path("a.png"), "--angle", "1,91"},
+                                                    {model, "-o", m_output.Path("a.png"), "--angle", "3601,1"},
+                                                    {model, "-o", m_output.Path("a.png"), "--angle", "1,x"},
                                                     {model, "-o", m_output.Path("a.png"), "--skin", "-1"},
                                                     {model, "-o", m_output.Path("a.png"), "--frame", "x"}};
   for (const auto& arguments : wrong) EXPECT_EQ(Run(arguments), ExitUsage) << testing::PrintToString(arguments);

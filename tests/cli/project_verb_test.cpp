@@ -47,6 +47,56 @@ TEST(ProjectVerb, BuildsAProjectAndItsScript) {
   EXPECT_THAT(RunCommand({"qc", path}).Err, HasSubstr("No Sequences Specified"));
 }
 
+TEST(ProjectVerb, TellsWhatAProjectHasNotAndChangesNothing) {
+  tests::ScratchFolder folder;
+  const std::string path = folder.Path("a.sc"), gone = folder.Path("gone.sc");
+  ASSERT_EQ(RunCommand({"project", "set", "--new", path, "Model File", "a.mdl"}).Err, "");
+  const std::string before = ReadText(path);
+  auto result = RunCommand({"project", "get", path, "Nothing", "Model File"});
+  EXPECT_EQ(result.ExitCode, ExitFailure);
+  EXPECT_EQ(result.Out, "a.mdl\n");
+  EXPECT_EQ(result.Err, "Error: " + path + ": the project has no Nothing\n");
+  EXPECT_EQ(RunCommand({"project", "get", "--json", path, "Nothing", "Model File"}).Out,
+            "{\n  \"Model File\": \"a.mdl\"\n}\n");
+  result = RunCommand({"project", "remove", path, "Animation0"});
+  EXPECT_EQ(result.ExitCode, ExitFailure);
+  EXPECT_EQ(result.Err, "Error: " + path + ": The project has no Animation0. Nothing was changed\n");
+  EXPECT_EQ(RunCommand({"project", "set", path, "Model File", "b.mdl", "Scale"}).Err,
+            "Error: Scale has no value behind it\n");
+  EXPECT_EQ(ReadText(path), before);
+  // An older file of the name is changed, not made anew.
+  ASSERT_EQ(RunCommand({"project", "set", "--new", path, "Reference SMD", "a.smd", "Phy SMD Check", "1"}).ExitCode,
+            ExitSuccess);
+  EXPECT_EQ(RunCommand({"project", "get", path, "Model File"}).Out, "a.mdl\n");
+
+  EXPECT_EQ(RunCommand({"project", "set", gone, "Model File", "a"}).Err,
+            "Error: " + gone + ": there is no such file; --new makes one\n");
+  for (const char* verb : {"show", "get", "remove"}) {
+    std::vector<std::string> words{"project", verb, gone};
+    if (words[1] != "show") words.push_back("Model File");
+    result = RunCommand(words);
+    EXPECT_EQ(result.ExitCode, ExitFailure) << verb;
+    EXPECT_THAT(result.Err, HasSubstr(gone)) << verb;
+    EXPECT_EQ(result.Out, "") << verb;
+  }
+  EXPECT_FALSE(std::filesystem::exists(gone));
+  result = RunCommand({"qc", "--json", gone, path});
+  EXPECT_EQ(result.ExitCode, ExitFailure);
+  EXPECT_THAT(
+      result.Out,
+      AllOf(HasSubstr("{\"project\":\"" + gone + "\",\"outcome\":\"failed\",\"errors\":[\"Project "),
+            testing::EndsWith("\"warnings\":[\"the Reference SMD " + folder.Path("a.smd") + " is not there\"]}\n")));
+  EXPECT_THAT(result.Err, HasSubstr(gone + ": no script was written\n"));
+}
+
+TEST(ProjectVerb, TellsWhatEachKeyTakes) {
+  const std::string keys = "\n" + RunCommand({"project", "keys"}).Out;
+  EXPECT_THAT(keys, HasSubstr("\nModel File: Compiled Model File (text)\n"));
+  EXPECT_THAT(keys, HasSubstr("\nPhy SMD Check: Use Reference SMD as collision (0 | 1)\n"));
+  EXPECT_THAT(keys, HasSubstr("Model Type (prop_static | prop_dynamic | prop_physics | weapon | character)\n"));
+  EXPECT_THAT(keys, HasSubstr("\nModel Options/Scale: Scale (number, 1.0 unless given)\n"));
+}
+
 TEST(ProjectVerb, TakesValuesThatBeginWithAMinus) {
   tests::ScratchFolder folder;
   const std::string path = folder.Path("a.sc");
@@ -56,7 +106,16 @@ TEST(ProjectVerb, TakesValuesThatBeginWithAMinus) {
   ASSERT_EQ(RunCommand({"project", "set", path, "--", "Skin0/Skin Name", "--new"}).Err, "");
   const auto result = RunCommand({"project", "get", "--json", path, "Skin0/Skin Name"});
   EXPECT_EQ(result.Out, "{\n  \"Skin0/Skin Name\": \"--new\"\n}\n");
-  EXPECT_EQ(RunCommand({"project", "set", "--frce", path, "Model File", "b"}).ExitCode, ExitUsage);
+  for (const std::vector<std::string>& wrong :
+       {std::vector<std::string>{"project", "set", "--frce", path, "Model File", "b"},
+        {"project", "set", path, "-x", "b"},
+        {"project", "get", path, "-x", "-y"},
+        {"smd", "replace", path, "a", "-b", "-y"}}) {
+    EXPECT_EQ(RunCommand(wrong).ExitCode, ExitUsage) << testing::PrintToString(wrong) << ": no value, but an option";
+  }
+  for (const char* help : {"--help", "-h"}) {
+    EXPECT_THAT(RunCommand({"project", "set", path, "Model File", help}).Out, HasSubstr("Usage:")) << help;
+  }
 }
 
 TEST(ProjectVerb, WritesTheScriptBesideTheProjectWhereverItIsCalled) {

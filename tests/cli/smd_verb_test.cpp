@@ -35,6 +35,24 @@ TEST(SmdVerb, ShowsFiguresAndReplaces) {
   EXPECT_THAT(ReadText(path), HasSubstr("\noak\n"));
 }
 
+TEST(SmdVerb, NamesEachFileOfSeveralAndThoseThatAreNotThere) {
+  tests::ScratchFolder folder;
+  const std::string a = folder.Path("a.smd"), gone = folder.Path("gone.smd"), b = folder.Path("b.smd");
+  WriteText(a, "nodes\n0 root -1\nend\n");
+  WriteText(b, "nodes\n0 root -1\nend\nskeleton\ntime 0\n0 0 0 0 0 0 0\nend\n");
+  EXPECT_EQ(RunCommand({"smd", "info", a}).Out, "Frames:\t0\nBones:\t1\nTriangles:\t0\n");
+  const auto several = RunCommand({"smd", "info", gone, a, b});
+  EXPECT_EQ(several.ExitCode, ExitFailure);
+  EXPECT_EQ(several.Out,
+            a + ":\nFrames:\t0\nBones:\t1\nTriangles:\t0\n" + b + ":\nFrames:\t1\nBones:\t1\nTriangles:\t0\n");
+  EXPECT_THAT(several.Err, testing::StartsWith("Error: " + gone + ": "));
+  EXPECT_THAT(RunCommand({"smd", "info", "--json", gone}).Out,
+              testing::AllOf(HasSubstr("\"complete\":false"), HasSubstr("\"error\":\"")));
+  const auto nothing = RunCommand({"smd", "replace", a, "", "oak", "--yes"});
+  EXPECT_EQ(nothing.ExitCode, ExitUsage);
+  EXPECT_EQ(nothing.Err, "SMD ERROR: No Old Material Specified\n");
+}
+
 TEST(SmdVerb, ReplacesInSeveralFilesThoughOneCannotBeRead) {
   tests::ScratchFolder folder;
   for (const char* name : {"a.smd", "c.smd"}) WriteText(folder.Path(name), "triangles\nwood\nwood\n");

@@ -74,7 +74,9 @@ TEST_F(VerifyVerb, GivesEveryDifferenceAsJson) {
   for (std::string line; std::getline(lines, line);) models.push_back(nlohmann::json::parse(line));
   ASSERT_EQ(models.size(), 3u);
   for (const nlohmann::json& one : models) {
-    EXPECT_GE(one["seconds"], 0);
+    EXPECT_GT(one["seconds"], 0);
+    EXPECT_EQ(one["kept"], "");
+    EXPECT_EQ(one["sources"], nlohmann::json::array());
     const std::string model = WithSlashes(one["model"]);
     if (model == Odd) {
       EXPECT_EQ(one["outcome"], "differs");

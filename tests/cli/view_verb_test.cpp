@@ -76,6 +76,36 @@ TEST_F(InstalledProgram, ShowsModelsInItsOwnViewerWhereNoOtherCanRun) {
   }
 }
 
+TEST_F(InstalledProgram, SaysWhatToDoAboutAViewerThatIsMissing) {
+  EXPECT_THAT(View("none", "box.mdl").Output, HasSubstr("\nName the folder of the SDK's tools with --sdk"));
+  WriteText(m_folder.Path("broken/hlmv.exe"), "no program");
+  EXPECT_THAT(View("broken", "box.mdl").Output, testing::Not(HasSubstr("--sdk"))) << "it is there";
+}
+
+TEST(ViewVerb, TellsWhatItStartsAndWhatTheViewerWillNotFind) {
+  const ScratchFolder folder;
+  WriteShellProgram(folder.Path("sdk/hlmv.exe"), "exit 0\n");
+  WriteText(folder.Path("game/models/box.mdl"), "");
+  const std::string program = folder.Path("sdk/hlmv.exe"), game = folder.Path("game");
+  const auto view = [&](std::vector<std::string> words) {
+    words.insert(words.begin(), {"view", "--sdk", folder.Path("sdk")});
+    return RunCommand(words);
+  };
+  const CommandResult plain = view({"--game", game, "box.mdl"});
+  EXPECT_EQ(plain.ExitCode, 0);
+  EXPECT_EQ(plain.Out, program + " -game \"" + game + "\" \"" + game + "/models/box.mdl\"\n");
+  EXPECT_EQ(plain.Err, "");
+  EXPECT_EQ(nlohmann::json::parse(view({"--json", "--game", game, "box.mdl"}).Out),
+            (nlohmann::json{{"model", "box.mdl"},
+                            {"outcome", "ok"},
+                            {"program", program},
+                            {"parameters", "-game \"" + game + "\" \"" + game + "/models/box.mdl\""},
+                            {"arguments", {"-game", game, game + "/models/box.mdl"}},
+                            {"warnings", nlohmann::json::array()}}));
+  EXPECT_EQ(view({"--game", game, "none.mdl"}).Err, "Warning: there is no model " + game + "/models/none.mdl\n");
+  EXPECT_EQ(view({"box.mdl"}).Err, "Warning: no game directory is set\n");
+}
+
 #ifdef TARNWICK_HAS_IMAGES
 TEST_F(InstalledProgram, SaysThatItsOwnToolIsMissing) {
   const process::CapturedRun run =

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <map>
 #include <nlohmann/json.hpp>
 
 #include "command_line.h"
@@ -66,6 +67,19 @@ TEST_F(VtfVerbTest, WritesEveryFrameInTheFormatOfTheName) {
   EXPECT_THAT(Folder.Files(), ElementsAre("a b.vtf", "new/x.y.png", "new/x.y.tga", "new/x.y001.png", "new/x.y001.tga"));
 }
 
+TEST_F(VtfVerbTest, TellsWhatTheToolSaysOnlyWhereThatIsWanted) {
+  WriteText(Folder.Path("a.vtf"), PlainTexture({{250, 20, 30}}));
+  const auto run = [&](const std::vector<std::string>& options) {
+    std::vector<std::string> words{"vtf", "-o", Folder.Path("a.tga"), Folder.Path("a.vtf")};
+    words.insert(words.end(), options.begin(), options.end());
+    return RunCommand(words);
+  };
+  EXPECT_THAT(run({}).Err, AllOf(testing::Not(HasSubstr("-nopause")), HasSubstr("1 texture, 1 file, ")));
+  EXPECT_THAT(run({"-v"}).Err, AllOf(HasSubstr("vtf2tga.exe -nopause"), HasSubstr("a.tga: 4 x 2")));
+  const auto quiet = run({"-q"});
+  EXPECT_EQ(quiet.Out + quiet.Err, "");
+}
+
 TEST_F(VtfVerbTest, KeepsTheTgaFilesOnlyWhereThatIsWanted) {
   WriteText(Folder.Path("a.vtf"), PlainTexture({{250, 20, 30}}));
   EXPECT_EQ(RunCommand({"vtf", "-o", Folder.Path("b.dds"), Folder.Path("a.vtf")}).ExitCode, 0);
@@ -89,14 +103,21 @@ TEST_F(VtfVerbTest, GoesOnPastATextureThatIsDamaged) {
   EXPECT_THAT(Folder.Files(), ElementsAre("in/red.vtf", "in/sub/bad.vtf", "in/sub/red.VTF", "out/red.bmp",
                                           "out/sub/bad.bmp", "out/sub/red.bmp"));
   std::istringstream lines(result.Out);
-  int good = 0;
-  int bad = 0;
+  std::map<std::string, nlohmann::json> told;
   for (std::string line; std::getline(lines, line);) {
-    const auto json = nlohmann::json::parse(line);
-    ++(json["outcome"] == "ok" && json["files"].size() == 1 ? good : bad);
+    auto json = nlohmann::json::parse(line);
+    EXPECT_GT(json["seconds"], 0);
+    json.erase("seconds");
+    told[json["input"]] = json;
   }
-  EXPECT_EQ(good, 2);
-  EXPECT_EQ(bad, 1);
+  ASSERT_EQ(told.size(), 3u);
+  const std::string bad = Folder.Path("in/sub/bad.vtf");
+  EXPECT_EQ(told[Folder.Path("in/red.vtf")]["files"], nlohmann::json({Folder.Path("out/red.bmp")}));
+  EXPECT_EQ(told[Folder.Path("in/red.vtf")]["outcome"], "ok");
+  EXPECT_EQ(told[bad]["outcome"], "failed");
+  EXPECT_EQ(told[bad]["files"], nlohmann::json::array());
+  EXPECT_EQ(told[bad]["warnings"], nlohmann::json::array());
+  EXPECT_EQ(told[bad]["errors"].size(), 1u);
 }
 
 TEST_F(VtfVerbTest, RefusesAFormatThatCannotBeWrittenBeforeItStarts) {
@@ -113,6 +134,7 @@ TEST_F(VtfVerbTest, ListsTheFormatsThatItWrites) {
   const auto result = RunCommand({"vtf", "--list-formats"});
   EXPECT_EQ(result.ExitCode, 0);
   EXPECT_THAT("\n" + result.Out, AllOf(HasSubstr("\nbmp\n"), HasSubstr("\npng\n"), HasSubstr("\ntga\n")));
+  EXPECT_THAT(result.Out, testing::Not(HasSubstr("pcx"))) << "which can be read alone";
   EXPECT_EQ(result.Err, "");
 }
 
@@ -129,6 +151,12 @@ TEST_F(VtfVerbTest, TellsWhatATextureHolds) {
   EXPECT_EQ(result.ExitCode, 1);
   EXPECT_EQ(nlohmann::json::parse(result.Out)["frames"], 2);
   EXPECT_THAT(result.Err, HasSubstr("gone.vtf"));
+  // Several are parted by an empty line, and one that cannot be read ends none of the others.
+  const std::string one = RunCommand({"vtf", "info", Folder.Path("a.vtf")}).Out;
+  result = RunCommand({"vtf", "info", Folder.Path("a.vtf"), Folder.Path("gone.vtf"), Folder.Path("a.vtf")});
+  EXPECT_EQ(result.ExitCode, 1);
+  EXPECT_EQ(result.Out, one + "\n" + one);
+  EXPECT_EQ(RunCommand({"vtf", "info"}).ExitCode, 2);
 }
 
 }  // namespace

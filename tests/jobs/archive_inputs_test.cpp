@@ -298,6 +298,7 @@ TEST_F(ArchiveInputsTest, ExportsTexturesWithAndWithoutTheSdksTool) {
   EXPECT_TRUE(sdk.Succeeded());
   const std::filesystem::path laid = tests::ReadText(m_folder.Path("laid"));
   EXPECT_EQ(laid.filename(), "texture.vtf");
+  EXPECT_EQ(tests::ReadText(m_output.Path("b.tga")), texture) << "the tool had the whole texture";
   EXPECT_FALSE(std::filesystem::exists(laid.parent_path())) << "what is laid on the disk for the tool is taken away";
 #endif
   const JobPlan beside = Plan(
@@ -376,6 +377,17 @@ TEST_F(ArchiveInputsTest, WritesTheMaterialsOfAModel) {
                                                   .MaterialFormat = "tga"},
                                     m_host, {});
   EXPECT_THAT(out.Files(), Contains("materials/models/props/skin.vmt"));
+}
+
+TEST_F(ArchiveInputsTest, AModelThatNamesEndlessMaterialsEndsAndSaysSoOnce) {
+  ModelBuilder builder;
+  builder.Textures.clear();
+  for (int i = 0; i < 4'200; ++i) builder.Textures.push_back("t" + std::to_string(i));
+  builder.Write(m_folder.Path("models/props"), "crate");
+  const ItemResult result =
+      Decompile({.Inputs = {m_folder.Path("models/props/crate.mdl")}, .MaterialFormat = "tga"}).Items.at(0);
+  EXPECT_EQ(result.Count(Severity::Warning), 4'096u + 1) << "each that was looked for, and that no more are";
+  EXPECT_THAT(m_host.Text(LineSource::Log), EndsWith("so many materials that not all are written\r\n"));
 }
 
 TEST_F(ArchiveInputsTest, MaterialsThatCannotBeWrittenAreToldOnceBesideTheWholeSources) {

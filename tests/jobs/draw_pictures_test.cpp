@@ -190,6 +190,11 @@ TEST_F(DrawPicturesTest, AModelThatCannotBeDrawnLeavesNoFileAndStopsNoOther) {
   }
   EXPECT_THAT(Pictures(), ElementsAre("out/good.png"));
   EXPECT_FALSE(core::FileExists(m_folder.Path("refused")));
+  std::filesystem::create_directory(m_folder.Path("empty"));
+  const JobResult empty = Draw({.Inputs = {m_folder.Path("empty"), good}, .Output = m_folder.Path("out")});
+  EXPECT_FALSE(empty.Succeeded()) << "a folder without a model is told";
+  ASSERT_THAT(empty.Troubles, SizeIs(1));
+  EXPECT_EQ(empty.Troubles[0].File, m_folder.Path("empty"));
 
   std::stop_source stop;
   stop.request_stop();

@@ -82,6 +82,15 @@ TEST_F(ExportTexturesTest, WritesTheBlocksOfATextureAsTheyAreIntoADdsFile) {
   EXPECT_EQ(second.substr(sizeof(textures::DdsHeader) + 64, 16), bytes.substr(bytes.size() - 128 - 16, 16));
   EXPECT_EQ(second.size(), sizeof(textures::DdsHeader) + 64 + 3 * 16);
   EXPECT_THAT(m_host.Text(LineSource::Log), HasSubstr("Converting a.vtf from VTF to DDS\r\n"));
+
+  // The smaller levels of a texture with depth have fewer slices: an image of one slice has none of them.
+  const auto volume = VtfBuilder().Format(textures::PixelFormat::Dxt1).Size(8, 8, 2).Mips(4);
+  const auto slices =
+      jobs::Run(ExportTextures{.Inputs = {Texture("v.vtf", volume)}, .Output = m_folder.Path("v.dds")}, m_host, {});
+  ASSERT_EQ(Files(slices).size(), 2u);
+  for (const core::WrittenFile& file : slices.Items[0].Files) {
+    EXPECT_EQ(file.Size, sizeof(textures::DdsHeader) + 32) << file.Path;
+  }
 }
 
 TEST_F(ExportTexturesTest, AsksBeforeItReplacesWhatStandsBesideTheImage) {
@@ -90,7 +99,11 @@ TEST_F(ExportTexturesTest, AsksBeforeItReplacesWhatStandsBesideTheImage) {
   const ExportTextures job{
       .Inputs = {water}, .Place = ImagePlace::ExactlyOutput, .Output = m_folder.Path("w.png"), .KeepTga = true};
   m_host.Answer = false;
-  EXPECT_FALSE(jobs::Run(job, m_host, {}).Succeeded());
+  const JobResult refused = jobs::Run(job, m_host, {});
+  EXPECT_FALSE(refused.Succeeded());
+  ASSERT_EQ(refused.Items.size(), 1u) << "what was asked for is named, though nothing was done";
+  EXPECT_EQ(refused.Items[0].Input, water);
+  EXPECT_EQ(refused.Items[0].Target, m_folder.Path("w.png"));
   ASSERT_EQ(m_host.Questions.size(), 1u);
   EXPECT_EQ(m_host.Questions[0].Kind, QuestionKind::Overwrite);
   EXPECT_THAT(m_host.Questions[0].Text, StartsWith(m_folder.Path("w001.tga") + " exists already."));
@@ -137,6 +150,7 @@ TEST_F(ExportTexturesTest, JudgesByWhatTheToolWrote) {
   EXPECT_EQ(error.File, input);
   EXPECT_EQ(error.Text, "Unable to create TGA file " + m_folder.Path("a.png") + "\n");
   EXPECT_EQ(error.Details, "vtf2tga: it is late");
+  EXPECT_THAT(result.Items[0].Shown, HasSubstr("it is late")) << "a page shows it";
   EXPECT_FALSE(std::filesystem::exists(m_folder.Path("a.png"))) << "the older TGA file is not taken for a new one";
 
   // The box is for an image of another format whose TGA file was wanted too: else the cause stands alone.
@@ -165,6 +179,19 @@ TEST_F(ExportTexturesTest, AnImageThatCannotBeConvertedEndsItsTexture) {
 
   job.SdkDirectory = Tool("for o; do :; done\ncp '" + m_folder.Path("good.tga") + "' \"$o\"\n");
   EXPECT_TRUE(jobs::Run(job, m_host, {}).Succeeded()) << "what the tool wrote was all that was wrong";
+}
+
+TEST_F(ExportTexturesTest, AnImageThatCannotTakeItsPlaceEndsItsTexture) {
+  std::filesystem::create_directories(m_folder.Path("out/a.tga/full"));
+  const ItemResult result = jobs::Run(ExportTextures{.Inputs = {Texture("a.vtf", VtfBuilder().Frames(3))},
+                                                     .Place = ImagePlace::ExactlyOutput,
+                                                     .Output = m_folder.Path("out/a.tga")},
+                                      m_host, {})
+                                .Items.at(0);
+  EXPECT_EQ(result.Count(Severity::Error), 1u);
+  EXPECT_THAT(result.First(Severity::Error)->Text, StartsWith(m_folder.Path("out/a.tga") + " cannot be written: "));
+  EXPECT_THAT(result.Files, IsEmpty());
+  EXPECT_THAT(m_folder.Files(), ElementsAre("a.vtf"));
 }
 
 #ifndef _WIN32
@@ -225,6 +252,20 @@ TEST_F(ExportTexturesTest, AStopEndsTheToolAndLeavesNothingBehind) {
   EXPECT_EQ(result.Items[0].Judged, Verdict::Stopped);
   EXPECT_EQ(result.Items[1].Judged, Verdict::NotBegun);
   EXPECT_FALSE(std::filesystem::exists(m_folder.Path("out")));
+}
+
+TEST_F(ExportTexturesTest, AStopEndsAConversionAndLeavesNoImage) {
+  std::stop_source stop;
+  m_host.OnEvent = [&](const Event& event) {
+    const auto* line = std::get_if<Line>(&event);
+    if (line != nullptr && line->Text.starts_with("Converting ")) stop.request_stop();
+  };
+  const JobResult result = jobs::Run(
+      ExportTextures{.Inputs = {Texture("a.vtf", VtfBuilder().Frames(2))}, .Output = m_folder.Path("out/a.png")},
+      m_host, stop.get_token());
+  EXPECT_EQ(result.Items[0].Judged, Verdict::Stopped);
+  EXPECT_THAT(result.Items[0].Files, IsEmpty());
+  EXPECT_THAT(m_folder.Files(), ElementsAre("a.vtf"));
 }
 
 TEST_F(ExportTexturesTest, PlansWhereEachImageGoes) {
