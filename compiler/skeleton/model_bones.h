@@ -48,7 +48,8 @@ class ModelBones {
     return lod < LodBones.size() && !LodBones[lod].empty() ? LodBones[lod][static_cast<size_t>(bone)] : bone;
   }
 
-  /// How a dropped or collapsed bone stands at rest in the bone that `Find` gives for it; nothing for a bone that is kept.
+  /// How a dropped or collapsed bone stands at rest in the bone that `Find` gives for it; nothing for a bone that is
+  /// kept.
   const model::RigidTransform* PlaceOfDropped(std::string_view name) const;
 
   /// Sets `flag` for the bone and all of its parents.

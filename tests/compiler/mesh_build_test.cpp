@@ -123,8 +123,7 @@ TEST(BuildMeshes, SharesVerticesBetweenLevelsThatLookTheSameWayAlone) {
   coarse.Add("a", coarse.Corner({0, 0, 0}, {sine, 0, cosine}), coarse.Corner({1, 0, 0}, {near, 0, nearCosine}),
              coarse.Corner({0, 1.08f, 0}));
   fixture.AddModel(fine.Source, "fine.smd");
-  fixture.Plan.Lods.emplace_back().Replacements.push_back(
-      {{}, "fine", fixture.AddSource(coarse.Source, "coarse.smd")});
+  fixture.Plan.Lods.emplace_back().Replacements.push_back({{}, "fine", fixture.AddSource(coarse.Source, "coarse.smd")});
   const BuiltMeshes meshes = fixture.Meshes();
   EXPECT_EQ(MeshOf(meshes).VertexCount, 5) << "one that looks elsewhere, one that is too far";
 }
