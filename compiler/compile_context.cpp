@@ -1,5 +1,6 @@
 #include "compiler/compile_context.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace tarnwick::compiler {
@@ -14,6 +15,24 @@ std::optional<core::FileImage> CompileContext::Read(const std::string& path, con
   auto image = Options.Read ? Options.Read(path, reason) : core::FileImage::Read(path, &reason);
   if (!image) Error(at, qc::Shown(path) + " cannot be read: " + reason, core::TroubleKind::Unreadable);
   return image;
+}
+
+const std::deque<VrdSource>& CompileContext::VrdSources() {
+  if (m_vrdSources) return *m_vrdSources;
+  m_vrdSources.emplace();
+  for (const int32_t number : Plan.VrdSources) {
+    const qc::Source& source = Plan.Script.Sources[static_cast<size_t>(number)];
+    const auto image = source.Path.empty() ? std::nullopt : Read(source.Path, source.At);
+    if (!image) continue;
+    const auto bytes = image->Bytes();
+    const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    const VrdSource& read = m_vrdSources->emplace_back(VrdSource{source.At, qc::ReadVrdText(text, source.Path)});
+    for (qc::Message message : read.File.Told.All()) {
+      message.Level = std::min(message.Level, core::Severity::Warning);
+      Tell(qc::MessageTrouble(read.File.Files, message));
+    }
+  }
+  return *m_vrdSources;
 }
 
 void CompileContext::SetSource(int32_t number, smd::SmdSource source) {

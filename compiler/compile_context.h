@@ -1,5 +1,6 @@
 #pragma once
 
+#include <deque>
 #include <optional>
 #include <string>
 #include <vector>
@@ -7,9 +8,16 @@
 #include "compiler/compile_options.h"
 #include "compiler/plan/compile_plan.h"
 #include "core/file_image.h"
+#include "qc/vrd_file.h"
 #include "smd/smd_source.h"
 
 namespace tarnwick::compiler {
+
+/// A file of bones that other bones drive, and the statement that names it.
+struct VrdSource {
+  qc::Place At;
+  qc::VrdFile File;
+};
 
 /// What the stages of one compile share: options, the plan, sources as read, and where troubles are told. Stages run
 /// one after another; a stage that meets an error tells it and goes on as far as it can, so that all are told.
@@ -22,6 +30,9 @@ class CompileContext {
 
   /// The source at its place in Script::Sources; nothing if it could not be read, which has been told.
   const smd::SmdSource* Source(int32_t number) const;
+
+  /// The files of $proceduralbones; read, and what is wrong with them told, at the first call.
+  const std::deque<VrdSource>& VrdSources();
 
   /// A file, through the options' reader; nothing, told at `at`, if it cannot be read.
   std::optional<core::FileImage> Read(const std::string& path, const qc::Place& at = {0, 1, 1, 0});
@@ -44,6 +55,7 @@ class CompileContext {
  private:
   std::vector<smd::SmdSource> m_sources;
   std::vector<bool> m_haveSource;
+  std::optional<std::deque<VrdSource>> m_vrdSources;
   std::vector<core::Trouble> m_troubles;
   size_t m_errors = 0;
   int64_t m_spent = 0;

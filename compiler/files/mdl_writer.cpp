@@ -118,7 +118,9 @@ class MdlWriter {
   model::Vec3 IllumPlace() const {
     const model::Vec3 typed = *m_plan.IllumPosition;
     const int32_t bone = m_plan.IllumBone.empty() || m_parts.Bones.Static ? -1 : m_parts.Bones.Find(m_plan.IllumBone);
-    return bone < 0 ? typed : m_parts.Bones.Bones[static_cast<size_t>(bone)].ToModel.Apply(typed);
+    if (bone < 0) return typed;
+    const model::RigidTransform* stood = m_parts.Bones.PlaceOfDropped(m_plan.IllumBone);
+    return m_parts.Bones.Bones[static_cast<size_t>(bone)].ToModel.Apply(stood != nullptr ? stood->Apply(typed) : typed);
   }
 
   std::string BlockFileName() const {

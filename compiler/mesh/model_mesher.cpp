@@ -8,8 +8,9 @@ namespace tarnwick::compiler {
 
 namespace {
 
-/// How far a vertex of a coarser level may lie from one of a finer and still be taken for it, in units.
-constexpr double LodReach = 0.1;
+/// How far a vertex of a coarser level may lie from one of a finer and still be taken for it, in units. Published
+/// models join over 0.061 units, and keep apart what lies farther.
+constexpr double LodReach = 0.0625;
 
 /// A triangle by its corners, whichever of them is named first.
 uint64_t KeyOf(const MeshTriangle& triangle) {

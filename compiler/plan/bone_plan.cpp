@@ -103,7 +103,7 @@ class BonePlanReader {
     m_plan.DefinedBones.push_back(std::move(bone));
   }
   void ReadAttachment(const Statement& s) {
-    PlanAttachment attachment{s.At, Text(s, 0), Text(s, 1), VecAt(s, 2), {}, false, false, false, {}};
+    PlanAttachment attachment{s.At, Text(s, 0), Text(s, 1), VecAt(s, 2), {}, false, false, false, {}, {}};
     for (const Option& option : s.Options) {
       switch (option.Kind) {
         case Key::Absolute:

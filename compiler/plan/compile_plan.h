@@ -187,6 +187,7 @@ struct PlanAttachment {
   std::optional<model::PitchYawRoll> Rotation;
   bool Absolute = false, Rigid = false, WorldAlign = false;
   std::optional<std::array<float, 6>> Axes;  // X axis, then Z axis
+  SourceUse Settings;                        // $origin moves those that stand in the model's space
 };
 struct PlanHitbox {
   qc::Place At;

@@ -51,7 +51,14 @@ class PlanReader {
 
   void Read(const Statement& s) {
     if (s.Arguments.empty() && NeedsArguments(s.Kind)) return;  // told by the script's reader
-    if (ReadHeader(s) || ReadBoneStatement(s, m_plan) || ReadMotion(s) || ReadBodies(s)) return;
+    if (ReadHeader(s) || ReadMotion(s) || ReadBodies(s)) return;
+    if (ReadBoneStatement(s, m_plan)) {
+      if (s.Kind == Command::Attachment) {
+        m_plan.Attachments.back().Settings = m_use;
+        m_plan.Attachments.back().Settings.YUp = false;  // which is for sources alone
+      }
+      return;
+    }
     switch (s.Kind) {
       case Command::Cd:
       case Command::PushD:

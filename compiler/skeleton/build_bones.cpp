@@ -271,12 +271,31 @@ class BoneJoiner {
     for (const PlanJiggleBone& jiggle : m_plan.JiggleBones) Need(jiggle.Bone);
     for (const std::string& name : m_plan.CollapsedBones) {
       const int32_t bone = Find(name);
-      if (bone >= 0) m_all[static_cast<size_t>(bone)].Collapsed = true;
+      if (bone < 0) continue;
+      Candidate& collapsed = m_all[static_cast<size_t>(bone)];
+      collapsed.Collapsed = collapsed.Parent >= 0;
+      if (collapsed.Parent < 0) {
+        m_context.Warning({0, 1, 1, 0}, "$alwayscollapse of " + qc::Shown(name) +
+                                            " is passed over: it has no parent that could take its place");
+      }
     }
     const std::vector<bool> moving = m_plan.CollapseBones ? FindMoving() : std::vector<bool>();
     // A model of animations alone needs all bones.
     const bool none = std::ranges::none_of(m_all, [](const Candidate& bone) { return bone.Kept; });
     for (Candidate& bone : m_all) bone.Kept = bone.Kept || none;
+    KeepParents(moving);
+    // A bone that is driven needs the one that drives it.
+    for (const VrdSource& source : m_context.VrdSources()) {
+      for (const qc::VrdBone& helper : source.File.Bones) {
+        const int32_t bone = helper.What == qc::VrdBone::Kind::Helper ? Find(std::string(helper.Name)) : -1;
+        if (bone >= 0 && m_all[static_cast<size_t>(bone)].Kept) Need(std::string(helper.Driver));
+      }
+    }
+    KeepParents(moving);
+    for (Candidate& bone : m_all) bone.Kept = bone.Kept && !bone.Collapsed;
+  }
+  /// The parents of kept bones; all, or where bones collapse those that move.
+  void KeepParents(const std::vector<bool>& moving) {
     for (size_t i = 0; i < m_all.size(); ++i) {
       if (!m_all[i].Kept) continue;
       for (int32_t at = m_all[i].Parent; at >= 0 && !m_all[static_cast<size_t>(at)].Kept;
@@ -284,7 +303,6 @@ class BoneJoiner {
         m_all[static_cast<size_t>(at)].Kept = !m_plan.CollapseBones || moving[static_cast<size_t>(at)];
       }
     }
-    for (Candidate& bone : m_all) bone.Kept = bone.Kept && !bone.Collapsed;
   }
 
   int32_t KeptAncestor(int32_t bone) const {
@@ -306,11 +324,19 @@ class BoneJoiner {
     }
     for (size_t i = 0; i < m_all.size(); ++i) {
       const int32_t kept = KeptAncestor(static_cast<int32_t>(i));
-      m_bones.AddName(m_all[i].Name, kept >= 0 ? numbers[static_cast<size_t>(kept)] : 0);
+      const int32_t number = kept >= 0 ? numbers[static_cast<size_t>(kept)] : 0;
+      if (m_all[i].Kept || m_bones.Bones.empty()) {
+        m_bones.AddName(m_all[i].Name, number);
+      } else {
+        const RigidTransform& stands = m_bones.Bones[static_cast<size_t>(number)].ToModel;
+        m_bones.AddDropped(m_all[i].Name, number, stands.Inverse() * m_all[i].ToModel);
+      }
     }
     for (const auto& [from, to] : m_plan.RenamedBones) {
       const int32_t bone = m_bones.Find(to);
-      if (bone >= 0) m_bones.Rename(from, bone);
+      if (bone < 0) continue;
+      m_bones.Rename(from, bone);
+      if (const RigidTransform* place = m_bones.PlaceOfDropped(to)) m_bones.AddDropped(from, bone, *place);
     }
     return true;
   }

@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "compiler/skeleton/euler.h"
+#include "compiler/skeleton/source_placement.h"
 #include "core/paths.h"
 #include "model/bone_math.h"
 #include "model/studio_records.h"
@@ -76,6 +77,10 @@ Matrix3x4 QuarterTurned(const Matrix3x4& placement) {
 void BuildAttachments(CompileContext& context, ModelBones& bones, BuiltSkeleton& skeleton) {
   for (const PlanAttachment& typed : context.Plan.Attachments) {
     BuiltAttachment attachment{typed.Name, 0, Typed(typed)};
+    const bool isOfModel = bones.Static || typed.Absolute || typed.Bone.empty();
+    if (const auto moved = isOfModel ? PlacementOf(typed.Settings) : std::nullopt) {
+      model::ConcatMatrix(MatrixOf(*moved), attachment.Placement, attachment.Placement);
+    }
     if (bones.Static) {
       attachment.Placement = QuarterTurned(attachment.Placement);
     } else {
@@ -86,8 +91,11 @@ void BuildAttachments(CompileContext& context, ModelBones& bones, BuiltSkeleton&
         attachment.Bone = 0;
       }
       const Matrix3x4 inverse = MatrixOf(bones.Bones[static_cast<size_t>(attachment.Bone)].ToModel.Inverse());
-      if (typed.Absolute || typed.Bone.empty())
+      if (isOfModel) {
         model::ConcatMatrix(inverse, attachment.Placement, attachment.Placement);
+      } else if (const model::RigidTransform* stood = bones.PlaceOfDropped(typed.Bone)) {
+        model::ConcatMatrix(MatrixOf(*stood), attachment.Placement, attachment.Placement);
+      }
       if (typed.WorldAlign) {
         for (int column = 0; column < 3; ++column) {
           model::SetMatrixColumn(attachment.Placement, column,
@@ -110,6 +118,17 @@ struct Box {
     Most = {std::max(Most.x, p.x), std::max(Most.y, p.y), std::max(Most.z, p.z)};
   }
 };
+
+/// The box round one that stands turned in another space.
+Box Placed(const model::RigidTransform& placement, const Vec3& least, const Vec3& most) {
+  Box box;
+  for (const float x : {float{least.x}, float{most.x}}) {
+    for (const float y : {float{least.y}, float{most.y}}) {
+      for (const float z : {float{least.z}, float{most.z}}) box.Take(placement.Apply({x, y, z}));
+    }
+  }
+  return box;
+}
 
 int32_t GroupOf(const CompileContext& context, const ModelBones& bones, int32_t bone) {
   for (; bone >= 0; bone = bones.Bones[static_cast<size_t>(bone)].Parent) {
@@ -167,7 +186,9 @@ void BuildHitboxes(CompileContext& context, ModelBones& bones, const BuiltMeshes
       if (box.Minimum.x > box.Maximum.x || box.Minimum.y > box.Maximum.y || box.Minimum.z > box.Maximum.z) {
         context.Warning(box.At, "the hit box is inside out: nothing can hit it");
       }
-      set.Boxes.push_back({bone, box.Group, box.Minimum, box.Maximum});
+      const model::RigidTransform* stood = bones.PlaceOfDropped(box.Bone);
+      const Box placed = stood == nullptr ? Box{box.Minimum, box.Maximum} : Placed(*stood, box.Minimum, box.Maximum);
+      set.Boxes.push_back({bone, box.Group, placed.Least, placed.Most});
     }
   }
   for (const BuiltHitboxSet& set : skeleton.HitboxSets) {

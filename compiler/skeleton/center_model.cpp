@@ -63,7 +63,7 @@ void CenterModel(const CompileContext& context, CompilePlan& plan) {
     for (auto& [use, words] : plan.Collision->MorePieces) move(use.Origin);
   }
   for (PlanAttachment& attachment : plan.Attachments) {
-    if (plan.StaticProp || attachment.Absolute || attachment.Bone.empty()) move(attachment.Position);
+    if (plan.StaticProp || attachment.Absolute || attachment.Bone.empty()) move(attachment.Settings.Origin);
   }
   PlanAttachment origin;
   origin.Name = "placementOrigin";

@@ -23,6 +23,11 @@ int32_t ModelBones::Named(std::string_view name) const {
   return m_renamed.contains(core::LowerAscii(name)) ? bone : -1;
 }
 
+const model::RigidTransform* ModelBones::PlaceOfDropped(std::string_view name) const {
+  const auto dropped = m_dropped.find(core::LowerAscii(name));
+  return Static || dropped == m_dropped.end() ? nullptr : &dropped->second;
+}
+
 std::vector<int32_t> ModelBones::OfNodes(const smd::SmdSource& source) const {
   std::vector<int32_t> bones;
   bones.reserve(source.Nodes.size());
@@ -44,6 +49,11 @@ void ModelBones::MarkVertex(int32_t bone, size_t lod) {
 void ModelBones::Rename(std::string_view from, int32_t bone) {
   AddName(from, bone);
   m_renamed.insert(core::LowerAscii(from));
+}
+
+void ModelBones::AddDropped(std::string_view name, int32_t bone, const model::RigidTransform& place) {
+  AddName(name, bone);
+  m_dropped.try_emplace(core::LowerAscii(name), place);
 }
 
 void ModelBones::AddName(std::string_view name, int32_t bone) {

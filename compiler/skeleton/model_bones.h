@@ -48,6 +48,10 @@ class ModelBones {
     return lod < LodBones.size() && !LodBones[lod].empty() ? LodBones[lod][static_cast<size_t>(bone)] : bone;
   }
 
+  /// How a dropped or collapsed bone stands at rest in the bone that `Find` gives for it; nothing for a bone that is
+  /// kept.
+  const model::RigidTransform* PlaceOfDropped(std::string_view name) const;
+
   /// Sets `flag` for the bone and all of its parents.
   void Mark(int32_t bone, uint32_t flag);
   /// Marks a bone that a vertex of level `lod` has a weight on.
@@ -55,6 +59,8 @@ class ModelBones {
 
   /// Names as they are looked up: a name, and the bone it leads to.
   void AddName(std::string_view name, int32_t bone);
+  /// The same of a bone that is not kept.
+  void AddDropped(std::string_view name, int32_t bone, const model::RigidTransform& place);
   /// Another name that sources have for a bone.
   void Rename(std::string_view from, int32_t bone);
 
@@ -64,6 +70,7 @@ class ModelBones {
   std::unordered_map<std::string, int32_t> m_names;
   std::unordered_map<std::string, int32_t> m_lowerNames;
   std::unordered_set<std::string> m_renamed;
+  std::unordered_map<std::string, model::RigidTransform> m_dropped;
 };
 
 }  // namespace tarnwick::compiler

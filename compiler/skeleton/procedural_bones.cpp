@@ -3,7 +3,6 @@
 
 #include "compiler/plan/angles.h"
 #include "compiler/skeleton/build_skeleton.h"
-#include "core/file_image.h"
 #include "model/bone_math.h"
 #include "model/studio_records.h"
 #include "qc/vrd_file.h"
@@ -161,11 +160,13 @@ model::Quat QuatOf(const std::array<double, 3>& degrees) {
 void AddDriven(CompileContext& context, ModelBones& bones, const qc::Place& at, const qc::VrdBone& helper,
                BuiltSkeleton& skeleton) {
   BuiltDrivenBone driven;
-  driven.Bone = bones.Find(helper.Name);
-  driven.Driver = bones.Find(helper.Driver);
+  driven.Bone = bones.Named(helper.Name);
+  driven.Driver = bones.Named(helper.Driver);
   if (helper.What != qc::VrdBone::Kind::Helper) {
     return context.Warning(at, "an aim constraint is known, but nothing is built from it", core::TroubleKind::Lost);
   }
+  // A bone that nothing uses is not in the model: it is not for its parent to be driven in its place.
+  if (driven.Bone < 0 && bones.Find(helper.Name) >= 0) return;
   if (driven.Bone < 0 || driven.Driver < 0) {
     return context.Warning(at, "no bone is called " + qc::Shown(driven.Bone < 0 ? helper.Name : helper.Driver));
   }
@@ -193,18 +194,8 @@ void BuildProceduralBones(CompileContext& context, ModelBones& bones, BuiltSkele
     }
     skeleton.JiggleBones.push_back({bone, JiggleOf(context, *typed.Words)});
   }
-  for (const int32_t source : context.Plan.VrdSources) {
-    const qc::Source& file = context.Plan.Script.Sources[static_cast<size_t>(source)];
-    if (file.Path.empty()) continue;
-    const auto image = context.Read(file.Path);
-    if (!image) continue;
-    const auto bytes = image->Bytes();
-    const qc::VrdFile vrd = qc::ReadVrdText({reinterpret_cast<const char*>(bytes.data()), bytes.size()}, file.Path);
-    for (qc::Message message : vrd.Told.All()) {
-      message.Level = std::min(message.Level, core::Severity::Warning);
-      context.Tell(qc::MessageTrouble(vrd.Files, message));
-    }
-    for (const qc::VrdBone& helper : vrd.Bones) AddDriven(context, bones, file.At, helper, skeleton);
+  for (const VrdSource& source : context.VrdSources()) {
+    for (const qc::VrdBone& helper : source.File.Bones) AddDriven(context, bones, source.At, helper, skeleton);
   }
   const auto byBone = [](const auto& a, const auto& b) { return a.Bone < b.Bone; };
   std::ranges::stable_sort(skeleton.DrivenBones, byBone);

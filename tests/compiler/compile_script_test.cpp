@@ -155,7 +155,17 @@ TEST(CompileScript, PlacesBonesAndAnimationsWithTheirMeshes) {
   }
 }
 
-TEST(CompileScript, MovesAttachmentsWithACenteredModel) {
+TEST(CompileScript, MovesAttachmentsOfTheWholeModelWithIt) {
+  Workshop turned;
+  const auto moved = turned.Compile(std::string(Head) +
+                                    "$origin 10 0 0 90\n$staticprop\n$attachment top any 0 8 4\n$body b arm\n"
+                                    "$sequence idle arm\n");
+  ASSERT_TRUE(moved);
+  const auto beside = RecordAt<model::StudioAttachment>(moved->Mdl, HeaderOf(*moved).AttachmentOffset);
+  EXPECT_NEAR(beside.Placement.m[3], 0, 1e-4);  // (0, 8) turned by a quarter, moved by (10, 0), turned once more
+  EXPECT_NEAR(beside.Placement.m[7], 2, 1e-4);
+  EXPECT_NEAR(beside.Placement.m[11], 4, 1e-4);
+
   Workshop shop;
   const auto files = shop.Compile(std::string(Head) +
                                   "$autocenter\n$staticprop\n$attachment top any 0 8 4\n$body b arm\n"
@@ -254,6 +264,53 @@ TEST(CompileScript, CollapsesBonesThatHoldNothingAndStandStill) {
   EXPECT_THAT(bones("$sequence idle limb\n"), ElementsAre("root", "mid", "tip"));
   EXPECT_THAT(bones("$collapsebones\n$sequence idle limb\n"), ElementsAre("root", "tip"));
   EXPECT_THAT(bones("$collapsebones\n$sequence idle wave\n"), ElementsAre("root", "mid", "tip"));
+}
+
+TEST(CompileScript, LeavesWhatADroppedBoneHeldWhereItStood) {
+  Workshop shop;
+  const auto files = shop.Compile(std::string(Head) +
+                                  "$body b arm\n$sequence idle swing\n$alwayscollapse arm\n$alwayscollapse root\n"
+                                  "$attachment a unused 1 2 3 rigid\n$attachment b arm 1 2 3\n"
+                                  "$attachment c ARM 1 2 3 absolute\n$hbox 2 arm 0 0 0 1 2 3\n");
+  ASSERT_TRUE(files) << testing::PrintToString(shop.Texts());
+  EXPECT_THAT(shop.Texts(), ElementsAre(HasSubstr("$alwayscollapse of \"root\" is passed over")));
+  const model::StudioHeader header = HeaderOf(*files);
+  ASSERT_EQ(header.BoneCount, 1);
+  const model::Vec3 expected[] = {{1, 11, 3}, {5, 2, 3}, {1, 2, 3}};
+  ASSERT_EQ(header.AttachmentCount, 3);
+  for (int64_t i = 0; i < 3; ++i) {
+    const auto attachment = RecordAt<model::StudioAttachment>(
+        files->Mdl, header.AttachmentOffset + i * static_cast<int64_t>(sizeof(model::StudioAttachment)));
+    const model::Vec3& place = expected[i];
+    EXPECT_NEAR(attachment.Placement.m[3], place.x, 1e-5) << i;
+    EXPECT_NEAR(attachment.Placement.m[7], place.y, 1e-5) << i;
+    EXPECT_NEAR(attachment.Placement.m[11], place.z, 1e-5) << i;
+  }
+  const auto set = RecordAt<model::StudioHitboxSet>(files->Mdl, header.HitboxSetOffset);
+  const auto box = RecordAt<model::StudioHitbox>(files->Mdl, header.HitboxSetOffset + set.HitboxOffset);
+  const model::Vec3 least = box.Minimum, most = box.Maximum;
+  EXPECT_NEAR(least.x, 4, 1e-5);
+  EXPECT_NEAR(most.x, 5, 1e-5);
+  EXPECT_NEAR(most.z, 3, 1e-5);
+}
+
+TEST(CompileScript, KeepsTheDriversOfBonesAndDrivesNoParentInPlaceOfAHelper) {
+  Workshop shop;
+  WriteText(shop.Folder.Path("parts/rules.vrd"),
+            "<helper> arm root root unused\n<basepos> 4 0 0\n<trigger> 90 0 0 0 0 0 0 0 0 0\n");
+  const std::string script = std::string(Head) + "$body b arm\n$sequence idle swing\n$proceduralbones rules.vrd\n";
+  const auto driven = shop.Compile(script);
+  ASSERT_TRUE(driven);
+  ASSERT_EQ(HeaderOf(*driven).BoneCount, 3);
+  EXPECT_EQ(BoneName(*driven, 2), "unused") << "it drives the arm";
+  WriteText(shop.Folder.Path("parts/rules.vrd"),
+            "<helper> unused root root arm\n<basepos> 0 9 0\n<trigger> 90 0 0 0 0 0 0 0 0 0\n");
+  const auto none = shop.Compile(script);
+  ASSERT_TRUE(none);
+  EXPECT_THAT(shop.Texts(), testing::IsEmpty());
+  const model::StudioHeader header = HeaderOf(*none);
+  ASSERT_EQ(header.BoneCount, 2);
+  EXPECT_EQ(RecordAt<model::StudioBone>(none->Mdl, header.BoneOffset).ProceduralType, 0);
 }
 
 TEST(CompileScript, FindsTheMeshOfALevelByItsBareName) {

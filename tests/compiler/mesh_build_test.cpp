@@ -114,6 +114,20 @@ TEST(BuildMeshes, SharesVerticesBetweenLevelsCoarsestFirst) {
   EXPECT_EQ(fixture.Bones.Bones[1].Flags, 0U);
 }
 
+TEST(BuildMeshes, SharesVerticesBetweenLevelsThatLookTheSameWayAlone) {
+  CompileFixture fixture;
+  SourceBuilder fine, coarse;
+  const float sine = 0.05f, cosine = 0.99874922f;  // not quite three degrees
+  const float near = 0.02f, nearCosine = 0.9998f;  // a little above one
+  fine.Triangle("a", {0, 0, 0}, {1, 0, 0}, {0, 1, 0});
+  coarse.Add("a", coarse.Corner({0, 0, 0}, {sine, 0, cosine}), coarse.Corner({1, 0, 0}, {near, 0, nearCosine}),
+             coarse.Corner({0, 1.08f, 0}));
+  fixture.AddModel(fine.Source, "fine.smd");
+  fixture.Plan.Lods.emplace_back().Replacements.push_back({{}, "fine", fixture.AddSource(coarse.Source, "coarse.smd")});
+  const BuiltMeshes meshes = fixture.Meshes();
+  EXPECT_EQ(MeshOf(meshes).VertexCount, 5) << "one that looks elsewhere, one that is too far";
+}
+
 TEST(BuildMeshes, GivesReplacedBonesOfALevelVerticesOfTheirOwn) {
   CompileFixture fixture;
   fixture.AddBone("arm", 0);
