@@ -36,6 +36,7 @@ fs::path Whole(const fs::path& path) {
   const DWORD size = GetFullPathNameW(usual.c_str(), static_cast<DWORD>(whole.size()), whole.data(), nullptr);
   if (size == 0 || size >= whole.size()) return usual;
   whole.resize(size);
+  while (whole.size() > 3 && whole.back() == L'\\') whole.pop_back();  // but that of a drive
   return whole;
 }
 
@@ -44,7 +45,7 @@ fs::path Whole(const fs::path& path) {
 // The library's functions follow no links, and know nothing of paths in the long form.
 fs::path RealPath(const fs::path& path, std::error_code& error) {
   error.clear();
-  const fs::path native = NativePath(PathText(path));
+  const fs::path native = NativePath(PathText(Whole(path)));
   const HANDLE file = CreateFileW(native.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
                                   OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
   if (file == INVALID_HANDLE_VALUE) {

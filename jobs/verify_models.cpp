@@ -83,7 +83,7 @@ class ModelRound {
   static constexpr size_t Steps = 4;
 
   std::string MakeFolder(const char* name) {
-    const fs::path path = m_folder / name;
+    const fs::path path = core::NativePath(core::PathBelow(core::PathText(m_folder), name));
     std::error_code error;
     fs::create_directories(path, error);
     if (error) {

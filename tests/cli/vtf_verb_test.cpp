@@ -144,8 +144,12 @@ TEST_F(VtfVerbTest, TellsWhatATextureHolds) {
   EXPECT_EQ(result.ExitCode, 0) << result.Err;
   EXPECT_THAT(result.Out, HasSubstr("version: 7.2\nwidth: 4\nheight: 2\n"));
   // Whoever reads the program's output gets nothing else.
-  const process::CapturedRun run =
-      process::RunAndKeep({core::ProgramDirectory() + "/tarnwick-cli", {"vtf", "info", Folder.Path("a.vtf")}}, {}, {});
+#ifdef _WIN32
+  const std::string program = core::ProgramDirectory() + "/tarnwick-cli.exe";
+#else
+  const std::string program = core::ProgramDirectory() + "/tarnwick-cli";
+#endif
+  const process::CapturedRun run = process::RunAndKeep({program, {"vtf", "info", Folder.Path("a.vtf")}}, {}, {});
   EXPECT_EQ(WithLineFeeds(run.Output), result.Out);
   result = RunCommand({"vtf", "info", "--json", Folder.Path("a.vtf"), Folder.Path("gone.vtf")});
   EXPECT_EQ(result.ExitCode, 1);

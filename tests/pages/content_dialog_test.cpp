@@ -15,6 +15,7 @@
 #include "platform/dropped_files.h"
 #include "support/archive_builder.h"
 #include "support/drawing.h"
+#include "support/file_bytes.h"
 #include "support/scratch_folder.h"
 #include "support/vtf_builder.h"
 #include "window_support/memory_settings.h"
@@ -179,11 +180,11 @@ TEST_F(ContentWindow, MakesThePicturesOfMaterialsAndModels) {
   std::vector<PackedFile> files;
   const std::string samples = TARNWICK_SAMPLES;
   for (const std::string ending : {".mdl", ".vvd", ".dx90.vtx"}) {
-    files.push_back({.Name = "models/walker" + ending, .Bytes = tests::ReadText(samples + "/walker" + ending)});
+    files.push_back({.Name = "models/walker" + ending, .Bytes = tests::BytesOf(samples + "/walker" + ending)});
   }
   const std::string folder = "materials/models/walker/";
   for (const std::string name : {"walker_cloth.vmt", "walker_cloth.vtf", "walker_skin.vmt", "walker_skin.vtf"}) {
-    files.push_back({.Name = folder + name, .Bytes = tests::ReadText(samples + '/' + folder + name)});
+    files.push_back({.Name = folder + name, .Bytes = tests::BytesOf(samples + '/' + folder + name)});
   }
   files.push_back({.Name = folder + "patch.vmt",
                    .Bytes = "patch { include materials/models/walker/walker_skin.vmt replace { $alpha 1 } }"});
