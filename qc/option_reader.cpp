@@ -136,6 +136,20 @@ bool ScriptReader::NamesAnimation(const Context& context, const Word& word) cons
          m_script.Statements[static_cast<size_t>(found->second)].Kind == Command::Animation;
 }
 
+/// Whether the word behind a sequence's name, which reads as an option, is the sequence's file or animation all the
+/// same
+/// ("$sequence idle post"): what stands there is one, and it is there.
+bool ScriptReader::FollowsFile(const Context& context) {
+  const Word* word = m_words.Peek();
+  if (word == nullptr || word->FirstOfLine || !Knows(context.Options, word->Text)) return false;
+  const auto found = m_animations.find(word->Text);
+  if (found != m_animations.end() &&
+      m_script.Statements[static_cast<size_t>(found->second)].Kind == Command::Animation) {
+    return true;
+  }
+  return m_finder != nullptr && m_finder->Find(word->Text, SourceKind::Animation).Path.has_value();
+}
+
 /// Reads one option if the next word is one.
 bool ScriptReader::ReadOption(const Context& context, std::vector<Option>& out) {
   const Word* next = m_words.Peek();

@@ -96,6 +96,7 @@ void ScriptReader::ReadStatement(const Word& word, const StatementRow& row) {
       whole = ReadArguments("f", word, context, statement.Arguments);
     }
   }
+  if (whole && row.Kind == Command::Sequence && FollowsFile(context)) ReadFreeWord(context, statement.Options);
   ReadRest(*as, statement, context);
   if (!whole) TellNoMesh(statement);
   if (!whole || !Check(statement)) return;

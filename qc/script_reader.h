@@ -52,6 +52,7 @@ class ScriptReader {
   bool CanTake(const Context& context, char letter, bool optional, bool repeated);
   void TakeArgument(char letter, std::vector<Argument>& out);
   void SetNumber(char letter, Argument& argument);
+  bool FollowsFile(const Context& context);
   bool NamesAnimation(const Context& context, const Word& word) const;
   bool ReadOption(const Context& context, std::vector<Option>& out);
   void ReadOptionBlock(const Place& open, Context context, std::vector<Option>& out);

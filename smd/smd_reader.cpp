@@ -12,6 +12,16 @@ namespace tarnwick::smd {
 
 namespace {
 
+/// Whether a line where a material could stand is the end of its block, with a comment behind it perhaps.
+bool IsEnd(std::string_view line) {
+  constexpr std::string_view End = "end";
+  if (!core::EqualIgnoringCase(line.substr(0, End.size()), End)) return false;
+  const std::string_view rest = line.substr(End.size());
+  const size_t comment = rest.find_first_not_of(" \t");
+  return comment == std::string_view::npos ||
+         (comment > 0 && (rest[comment] == '#' || rest[comment] == ';' || rest.substr(comment).starts_with("//")));
+}
+
 class Reader {
  public:
   Reader(std::string_view text, SmdSource& source, std::vector<SourceMessage>& messages, core::VectorLevel level)
@@ -194,7 +204,7 @@ class Reader {
           PassNameless();
           continue;
         }
-        if (core::EqualIgnoringCase(material, "end")) return;
+        if (IsEnd(material)) return;
       }
       const size_t corners = m_source.Corners.size(), links = m_source.Links.size();
       bool sound = true;

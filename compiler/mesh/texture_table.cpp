@@ -7,11 +7,25 @@
 
 namespace tarnwick::compiler {
 
+namespace {
+
+/// Whether a name ends as an image file's does.
+bool IsImage(std::string_view name) {
+  constexpr std::string_view Images[] = {".tga", ".bmp", ".vmt", ".vtf", ".psd",
+                                         ".png", ".jpg", ".pcx", ".tif", ".dds"};
+  const std::string lower = core::LowerAscii(name);
+  return std::any_of(std::begin(Images), std::end(Images),
+                     [&](std::string_view ending) { return lower.ends_with(ending); });
+}
+
+}  // namespace
+
 TextureTable::TextureTable(const CompilePlan& plan) {
   const auto& folders = plan.MaterialFolders;
   m_keepFolders = std::find(folders.begin(), folders.end(), "") != folders.end();
   for (const auto& [from, to] : plan.RenamedMaterials) {
-    m_renamed.try_emplace(core::LowerAscii(NameInScript(from)), NameInScript(to));
+    // The new name is kept with its folder: it is none of a mesh, which brings the folders of its author's disk.
+    m_renamed.try_emplace(core::LowerAscii(NameInScript(from)), IsImage(to) ? to.substr(0, to.rfind('.')) : to);
   }
 }
 
@@ -30,11 +44,7 @@ std::string TextureTable::NameOf(std::string_view material) const {
 }
 
 std::string TextureTable::NameInScript(std::string_view name) const {
-  constexpr std::string_view Images[] = {".tga", ".bmp", ".vmt", ".vtf", ".psd",
-                                         ".png", ".jpg", ".pcx", ".tif", ".dds"};
-  const std::string lower = core::LowerAscii(name);
-  const bool isImage = std::any_of(std::begin(Images), std::end(Images),
-                                   [&](std::string_view ending) { return lower.ends_with(ending); });
+  const bool isImage = IsImage(name);
   // What NameOf takes away is then not a part of the name.
   return NameOf(isImage ? std::string(name) : std::string(name) + ".tga");
 }

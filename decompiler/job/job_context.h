@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <optional>
 #include <set>
 #include <string>
@@ -51,6 +52,14 @@ class JobContext : private core::TroubleSink, public ModelReader {
 
   /// The first mesh that the script names, as it types it; empty before it has one.
   std::string FirstMesh;
+
+  /// Names in the sources of textures that could not have their own there, by their numbers.
+  std::map<int64_t, std::string> MaterialNames;
+  /// The name that the texture has in the sources; nothing if the model has no such texture.
+  std::optional<std::string_view> MaterialName(int64_t texture) const {
+    const auto other = MaterialNames.find(texture);
+    return other == MaterialNames.end() ? model::TextureName(Model, texture) : std::string_view(other->second);
+  }
 
   /// Which delta reference file the job has; empty until the first delta animation.
   std::string DeltaReference;

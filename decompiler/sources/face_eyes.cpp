@@ -133,10 +133,10 @@ class Eyes {
   std::optional<std::string_view> WhiteOf(const StudioEyeball& eye, int64_t number) {
     const auto& meshes = m_shapes.Flexes.Meshes;
     for (const auto mesh : meshes) {
-      if (mesh->Kind == MeshKindEyeball && mesh->Eyeball == number) return TextureName(m_job.Model, mesh->Material);
+      if (mesh->Kind == MeshKindEyeball && mesh->Eyeball == number) return m_job.MaterialName(mesh->Material);
     }
     for (const auto mesh : meshes) {
-      if (eye.Texture != 0 && mesh->Material == eye.Texture) return TextureName(m_job.Model, mesh->Material);
+      if (eye.Texture != 0 && mesh->Material == eye.Texture) return m_job.MaterialName(mesh->Material);
     }
     return std::nullopt;
   }

@@ -31,6 +31,16 @@ bool HasTextures(const JobContext& job, const core::Record<StudioModel>& model) 
   return true;
 }
 
+/// Whether two models wear the same textures, mesh by mesh: two textures may have one name.
+bool SameTextures(const JobContext& job, const core::Record<StudioModel>& a, const core::Record<StudioModel>& b) {
+  const core::ImageView view = job.Model.View();
+  const auto one = view.Array<StudioMesh>(a.Offset() + a->MeshOffset, a->MeshCount);
+  const auto other = view.Array<StudioMesh>(b.Offset() + b->MeshOffset, b->MeshCount);
+  bool same = one && other && one->Count() == other->Count();
+  for (int64_t i = 0; same && i < one->Count(); ++i) same = +(*one)[i]->Material == +(*other)[i]->Material;
+  return same;
+}
+
 bool SameCorners(const MeshPiece& a, const MeshPiece& b) {
   if (a.Material != b.Material || a.Strips.size() != b.Strips.size()) return false;
   for (size_t s = 0; s < a.Strips.size(); ++s) {
@@ -69,7 +79,7 @@ const std::string* RepeatedMeshes::FindSame(JobContext& job, const core::Record<
   if (known == m_written.end() || HasFace(job, model) || !HasTextures(job, model)) return nullptr;
   for (const Written& other : known->second) {
     if (other.Model->MeshCount != model->MeshCount || other.Lods.Count() != lods.Count()) continue;
-    bool same = true;
+    bool same = SameTextures(job, other.Model, model);
     for (int64_t l = 0; same && l < lods.Count(); ++l) {
       same = SameTriangles(GatherMeshPieces(job, other.Model, other.Lods[l]), GatherMeshPieces(job, model, lods[l]));
     }

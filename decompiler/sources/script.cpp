@@ -5,6 +5,7 @@
 #include "decompiler/sources/bone_statements.h"
 #include "decompiler/sources/header_statements.h"
 #include "decompiler/sources/key_values.h"
+#include "decompiler/sources/material_names.h"
 #include "decompiler/sources/meshes.h"
 #include "decompiler/sources/physics.h"
 #include "decompiler/sources/procedural_bones.h"
@@ -60,8 +61,10 @@ void WriteScript(JobContext& job) {
   WriteHeaderStatements(job);
   WriteMaterialFolders(job);
   WriteBoneStatements(job);
+  FindMaterialNames(job);
   if (job.Model.Header()->BodyPartCount != 0) WriteModelMeshes(job);
   WriteSkinStatements(job);
+  WriteRenamedMaterials(job);
   WritePoseParameterStatements(job);
   WriteAttachmentStatements(job);
   WriteHitboxStatements(job);

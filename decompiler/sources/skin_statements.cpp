@@ -121,11 +121,11 @@ void WriteSkinStatements(JobContext& job) {
     std::string row = "  {";
     for (const int64_t column : columns) {
       const auto entry = (*skins)[family * references + column];
-      auto name = TextureName(job.Model, entry->Value);
+      auto name = job.MaterialName(entry->Value);
       if (!name) {
         job.Damaged(job.Model.Mdl.Path(), "skin table entry", entry.Offset(),
                     "names texture " + std::to_string(entry->Value) + ", which is not in the file");
-        name = TextureName(job.Model, (*skins)[column]->Value).value_or("");
+        name = job.MaterialName((*skins)[column]->Value).value_or("");
       }
       row += " " + Quoted(job, *name);
     }

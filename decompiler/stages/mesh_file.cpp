@@ -14,6 +14,15 @@ namespace {
 
 constexpr int32_t HighestVtxVersion = 7;
 
+/// Puts the names that materials have in the sources in place of their textures'.
+void NameMaterials(const JobContext& job, const core::Record<StudioModel>& model, MeshPieces& pieces) {
+  const auto meshes = job.Model.View().Array<StudioMesh>(model.Offset() + model->MeshOffset, model->MeshCount);
+  if (!meshes) return;
+  for (MeshPiece& piece : pieces.Meshes) {
+    piece.Material = job.MaterialName((*meshes)[piece.Number]->Material).value_or(piece.Material);
+  }
+}
+
 }  // namespace
 
 bool PrepareVtx(JobContext& job) {
@@ -81,6 +90,7 @@ bool WriteMeshFile(JobContext& job, const std::shared_ptr<const smd::SkeletonTex
   }
   DecompileLog(job, "Creating " + path + "\r\n");
   auto pieces = std::make_shared<MeshPieces>(GatherMeshPieces(job, model, lod));
+  if (!job.MaterialNames.empty()) NameMaterials(job, model, *pieces);
   if (pieces->LeftOut > 0) {
     job.Advise(path + " is without " + std::to_string(pieces->LeftOut) +
                (pieces->LeftOut == 1 ? " triangle strip" : " triangle strips") + "; only triangle lists are written");

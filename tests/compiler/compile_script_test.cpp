@@ -371,6 +371,34 @@ TEST(CompileScript, ComesBackWithoutTheCollisionModel) {
   }
 }
 
+TEST(CompileScript, GivesBackTexturesThatMeshesCannotName) {
+  Workshop shop;
+  WriteText(shop.Folder.Path("parts/roof.smd"), Pyramid(8));
+  WriteText(shop.Folder.Path("parts/arm.smd"), ArmMesh);
+  // Two bodies of one file name, with the same triangles but for what one of them is called in its file.
+  std::string other = Pyramid(8);
+  other.replace(other.find("\na\n"), 3, "\nc\n");
+  other.replace(other.find("\na\n"), 3, "\nc\n");
+  std::filesystem::create_directory(shop.Folder.Path("parts/two"));
+  WriteText(shop.Folder.Path("parts/two/roof.smd"), other);
+  const auto files = shop.Compile(std::string(Head) +
+                                  "$body one roof\n$body two \"two/roof\"\n$body three arm\n$sequence idle roof\n"
+                                  "$texturegroup s { { a c } { red blue } }\n$renamematerial c a\n"
+                                  "$renamematerial skin \"//walls/brick.tga\"\n$renamematerial blue RED\n");
+  ASSERT_TRUE(files) << testing::PrintToString(shop.Texts());
+  EXPECT_THAT(TextureNames(*files), ElementsAre("a", "b", "a", "//walls/brick", "red", "RED"));
+  ScratchFolder folder;
+  WriteText(folder.Path("roof.mdl"), files->Mdl);
+  WriteText(folder.Path("roof.vvd"), files->Vvd);
+  WriteText(folder.Path("roof.dx90.vtx"), files->Vtx);
+  RoundTrip trip(folder.Path("roof.mdl"));
+  ASSERT_TRUE(trip.Compiled) << trip.Told;
+  EXPECT_EQ(TextureNames(trip.Files), TextureNames(*files));
+  EXPECT_THAT(trip.Before["ravelback.qc"], HasSubstr("$renamematerial \"material3\" \"//walls/brick\"\n"));
+  EXPECT_THAT(trip.Different([](const std::string&, const std::string&) { return true; }), testing::IsEmpty());
+  EXPECT_EQ(HeaderOf(trip.Files).SkinFamilyCount, 2);
+}
+
 TEST(ModelFiles, RemovesWhatTheModelHasNoMore) {
   ScratchFolder folder;
   CompileReport report;

@@ -110,5 +110,23 @@ TEST_F(QcSources, AnAnimationGoesAheadOfAFileAndAFileAheadOfASequence) {
   EXPECT_EQ(source(5).Statement, 3);
 }
 
+TEST_F(QcSources, BehindASequencesNameGoAheadOfTheWordsThatTheyAreNamedLike) {
+  Touch("post.smd");
+  Touch("Frame.smd");
+  const Script script = Read(
+      "$sequence idle post fps 5 post\n$sequence open \"frame\" loop\n$animation X post\n$sequence lean X\n"
+      "$sequence turn { snap post post.smd }\n");
+  EXPECT_THAT(Told(script), IsEmpty());
+  const auto kinds = [&](size_t statement) {
+    std::vector<Key> result;
+    for (const Option& option : script.Statements[statement].Options) result.push_back(option.Kind);
+    return result;
+  };
+  EXPECT_THAT(kinds(1), ElementsAre(Key::Source, Key::Fps, Key::Post));
+  EXPECT_THAT(kinds(2), ElementsAre(Key::Source, Key::Loop));
+  EXPECT_THAT(kinds(4), ElementsAre(Key::Source));
+  EXPECT_THAT(kinds(5), ElementsAre(Key::Snap, Key::Post, Key::Source));
+}
+
 }  // namespace
 }  // namespace tarnwick::qc

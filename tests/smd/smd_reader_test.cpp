@@ -26,7 +26,7 @@ TEST(SmdReader, ReadsWhatPeopleAndToolsWrite) {
       "\xEF\xBB\xBFversion 1\r\nnodes // bones\r\n  7 \"left arm\" 3\r\n3 root -1\r\nend\r\n"
       "skeleton\r\ntime 0\r\n3\t0 0 1e1 0 0 0 # up\r\n7 1 2 3 .5 -.5 +1\r\ntime 1\r\n3 0 0 20 0 0 0\r\nend\r\n"
       "triangles\r\nfolder\\my skin.tga\r\n"
-      "3 0 0 0 0 0 1 0 0\r\n3 1 0 0 0 0 1 1 0 1 7 0.25\r\n7 0 1 0 0 0 1 0 1 2 3 0.5 7 0.5\r\nend",
+      "3 0 0 0 0 0 1 0 0\r\n3 1 0 0 0 0 1 1 0 1 7 0.25\r\n7 0 1 0 0 0 1 0 1 2 3 0.5 7 0.5\r\nEnd // of all\r\n",
       "arm.smd", source);
   EXPECT_THAT(messages, IsEmpty());
   ASSERT_THAT(source.Nodes, SizeIs(2));
