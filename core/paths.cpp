@@ -2,6 +2,10 @@
 
 #include <algorithm>
 
+#ifndef _WIN32
+#include <sys/stat.h>
+#endif
+
 namespace tarnwick::core {
 
 namespace fs = std::filesystem;
@@ -103,9 +107,16 @@ bool EqualIgnoringCase(std::string_view a, std::string_view b) {
 }
 
 bool FileExists(const std::string& path) {
+#ifdef _WIN32
   std::error_code error;
   const auto status = fs::status(NativePath(path), error);
   return !error && fs::exists(status) && !fs::is_directory(status);
+#else  // asked so often that taking the path apart for it would be the greater part
+  std::string native = path;
+  std::replace(native.begin(), native.end(), '\\', '/');
+  struct stat status {};
+  return stat(native.c_str(), &status) == 0 && !S_ISDIR(status.st_mode);
+#endif
 }
 
 std::optional<std::string> FindIgnoringCase(const std::string& path) {
