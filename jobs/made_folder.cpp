@@ -29,6 +29,9 @@ std::string MadeFolder::Make(const std::string& path) {
   const std::lock_guard lock(FoldersMutex());
   const fs::path folder = core::NativePath(path);
   std::error_code error;
+  if (fs::create_directory(folder, error)) m_made.push_back(folder);
+  if (!error) return "";  // as nearly always: only the innermost folder was missing, or none
+  error.clear();
   fs::path built;
   for (const fs::path& part : folder) {
     built /= part;
