@@ -46,9 +46,10 @@ void ConsoleHost::OnTold(const jobs::Told& told) {
 }
 
 void ConsoleHost::OnLine(const jobs::Line& line) {
+  if (m_style.Quiet) return;
   if (m_style.ToolLines == nullptr || line.Source == jobs::LineSource::Log)
     return ToLog(line.Item, PlainLines(line.Text));
-  if (m_style.Quiet || line.Text.empty()) return;
+  if (line.Text.empty()) return;
   *m_style.ToolLines << PlainLines(line.Text) << std::flush;
   m_lineIsOpen = line.Text.back() != '\n';
 }

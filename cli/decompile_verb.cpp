@@ -5,6 +5,7 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <thread>
+#include <utility>
 
 #include "cli/console_host.h"
 #include "cli/interrupt.h"
@@ -78,14 +79,15 @@ int Decompile(Options& options, Invocation& invocation) {
       .Options = options.Bits(),
       .MaterialFormat = options.Materials ? options.TextureFormat : std::string(),
       .Threads = options.Jobs};
-  const bool single = jobs::Plan(job).Items.size() == 1;
+  jobs::JobPlan plan = jobs::Plan(job);
+  const bool single = plan.Items.size() == 1;
   const auto resultLine = [&](const jobs::ItemResult& result) {
     if (options.Json) return ModelJson(result);
     return result.Succeeded() && !single ? result.Target : std::string();
   };
   const InterruptFlag interrupt;
   ConsoleHost host(invocation.Out, invocation.Err, {.Item = "model", .Quiet = options.Quiet, .ResultLine = resultLine});
-  return ExitCodeOf(jobs::Run(job, host, interrupt.Token()));
+  return ExitCodeOf(jobs::Run(job, std::move(plan), host, interrupt.Token()));
 }
 
 }  // namespace

@@ -1,51 +1,24 @@
 #include "core/file_image.h"
 
-#include <cerrno>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
 
-#include "core/paths.h"
+#include "core/readable_file.h"
 
 namespace tarnwick::core {
 
-namespace {
-
-void Explain(std::string* reason, std::string_view text) {
-  if (reason != nullptr) *reason = text;
-}
-
-}  // namespace
-
 std::optional<FileImage> FileImage::Read(const std::string& path, std::string* reason) {
-  const std::filesystem::path native = NativePath(path);
-  std::error_code error;
-  const auto status = std::filesystem::status(native, error);
-  if (error) {
-    Explain(reason, error.message());
-    return std::nullopt;
-  }
-  if (!std::filesystem::is_regular_file(status)) {
-    Explain(reason, std::filesystem::is_directory(status) ? "it is a folder" : "it is not a regular file");
-    return std::nullopt;
-  }
-  errno = 0;
-  std::ifstream file(native, std::ios::binary);
-  const auto size = file ? std::filesystem::file_size(native, error) : 0;
-  if (!file || error) {
-    Explain(reason, error ? error.message() : std::string(std::strerror(errno)));
-    return std::nullopt;
-  }
+  auto file = ReadableFile::Open(path, reason);
+  if (!file) return std::nullopt;
   FileImage image;
   image.m_path = path;
-  image.m_size = static_cast<size_t>(size);
+  image.m_size = static_cast<size_t>(file->Size());
   image.m_bytes = std::make_unique_for_overwrite<std::byte[]>(image.m_size);
-  file.read(reinterpret_cast<char*>(image.m_bytes.get()), static_cast<std::streamsize>(image.m_size));
-  if (file.bad()) {
-    Explain(reason, "it could not be read");
+  const auto read = file->Read({image.m_bytes.get(), image.m_size});
+  if (!read) {
+    if (reason != nullptr) *reason = "it could not be read";
     return std::nullopt;
   }
-  image.m_size = static_cast<size_t>(file.gcount());  // shorter if the file shrank while it was read
+  image.m_size = *read;  // shorter if the file shrank while it was read
   return image;
 }
 

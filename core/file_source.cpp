@@ -1,9 +1,9 @@
 #include "core/file_source.h"
 
 #include <algorithm>
-#include <fstream>
 
 #include "core/paths.h"
+#include "core/readable_file.h"
 
 namespace tarnwick::core {
 
@@ -15,9 +15,8 @@ class Disk : public FileSource {
     return FileImage::Read(name, reason);
   }
   bool ReadStart(const std::string& name, std::span<std::byte> out) const override {
-    std::ifstream file(NativePath(name), std::ios::binary);
-    file.read(reinterpret_cast<char*>(out.data()), static_cast<std::streamsize>(out.size()));
-    return static_cast<bool>(file);
+    auto file = ReadableFile::Open(name);
+    return file && file->Read(out) == out.size();
   }
   bool Holds(const std::string& name) const override { return FileExists(name); }
   std::optional<std::string> FindBeside(const std::string& name) const override { return FindIgnoringCase(name); }

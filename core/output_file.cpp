@@ -74,10 +74,15 @@ int ProcessNumber() {
 
 /// A name beside `path` that no other file of this or another process uses. It does not grow with the name of the
 /// file, so a name of the greatest length that the file system takes still works.
-fs::path TemporaryName(fs::path path) {
+fs::path TemporaryName(const fs::path& path) {
   static std::atomic<uint32_t> counter{0};
-  return path.replace_filename(".tarnwick-" + std::to_string(ProcessNumber()) + "-" +
-                               std::to_string(counter.fetch_add(1)) + ".tmp");
+  const std::string name =
+      ".tarnwick-" + std::to_string(ProcessNumber()) + "-" + std::to_string(counter.fetch_add(1)) + ".tmp";
+#ifdef _WIN32
+  return fs::path(path).replace_filename(name);
+#else  // put together as texts, which is quicker than to take apart and to put together paths
+  return path.native().substr(0, path.native().rfind('/') + 1) + name;
+#endif
 }
 
 }  // namespace

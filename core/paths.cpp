@@ -6,6 +6,8 @@
 
 #ifdef _WIN32
 #include <windows.h>
+#else
+#include <sys/stat.h>
 #endif
 
 namespace tarnwick::core {
@@ -116,9 +118,16 @@ bool EqualIgnoringCase(std::string_view a, std::string_view b) {
 }
 
 bool FileExists(const std::string& path) {
+#ifdef _WIN32
   std::error_code error;
   const auto status = fs::status(NativePath(path), error);
   return !error && fs::exists(status) && !fs::is_directory(status);
+#else  // asked so often that taking the path apart for it would be the greater part
+  std::string native = path;
+  std::replace(native.begin(), native.end(), '\\', '/');
+  struct stat status {};
+  return stat(native.c_str(), &status) == 0 && !S_ISDIR(status.st_mode);
+#endif
 }
 
 std::optional<std::string> FindIgnoringCase(const std::string& path) {

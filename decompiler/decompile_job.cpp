@@ -63,23 +63,30 @@ bool LoadModel(JobContext& job) {
 /// Finds and loads the .vtx file. False, told, if there is none.
 bool LoadVertices(JobContext& job) {
   const std::string& modelPath = job.Model.Mdl.Path();
-  const auto path = job.ReadyToCompile() ? FindMatchingVtxFile(job, modelPath) : FindVtxFile(job, modelPath);
-  if (!path) {
+  std::string reason;
+  std::optional<FoundFile> found;
+  if (job.ReadyToCompile()) {
+    found = ReadMatchingVtxFile(job, modelPath, reason);
+  } else if (auto path = FindVtxFile(job, modelPath)) {
+    auto file = LoadVtxFile(*path, &reason, job.Files());
+    found = {std::move(*path), std::move(file)};
+  }
+  if (!found) {
     job.Error("Unable to load vertices file: " +
                   modelPath.substr(0, modelPath.size() - std::min<size_t>(4, modelPath.size())) + ".vtx",
               "Error", core::TroubleKind::Missing, modelPath, "Unable to load vertices file");
     return false;
   }
-  std::string reason;
-  job.Model.Vtx = LoadVtxFile(*path, &reason, job.Files());
-  if (!job.Model.Vtx) {
-    DecompileLog(job, "Unable to read " + *path + ": " + reason + "\r\n");
-    job.Error("Unable to load vertices file: " + *path, "Error", core::TroubleKind::Unreadable, *path,
+  const std::string& path = found->Path;
+  if (!found->File) {
+    DecompileLog(job, "Unable to read " + path + ": " + reason + "\r\n");
+    job.Error("Unable to load vertices file: " + path, "Error", core::TroubleKind::Unreadable, path,
               "Unable to load vertices file");
     return false;
   }
-  DecompileLog(job, "Loaded Vertices " + *path + "\r\n");
-  if (const auto header = job.Model.Vtx->View().At<VtxHeader>(0)) CheckChecksum(job, *path, (*header)->Checksum);
+  job.Model.Vtx = std::move(found->File);
+  DecompileLog(job, "Loaded Vertices " + path + "\r\n");
+  if (const auto header = job.Model.Vtx->View().At<VtxHeader>(0)) CheckChecksum(job, path, (*header)->Checksum);
   return true;
 }
 

@@ -58,6 +58,7 @@ void DecompileOne(const DecompileTree& job, const InputContent& content, ItemRun
   decompiler::DecompileResult result = decompiler::DecompileModel(work, run);
   run.Result.Files = std::move(result.Files);
   run.Result.Lost = std::move(result.Lost);
+  if (!run.Result.Files.empty()) folder.Keep();
   if (!result.Completed && run.Result.First(core::Severity::Error) == nullptr) {
     run.Fail(core::TroubleKind::Lost, "it did not come to its end");
   }
@@ -86,10 +87,15 @@ JobPlan Plan(const DecompileTree& job) {
 JobResult Run(const DecompileTree& job, Host& host, const std::stop_token& stop) {
   DecompileTree whole = job;
   whole.Content = ContentOf(job);
+  return Run(whole, Plan(whole), host, stop);
+}
+
+JobResult Run(const DecompileTree& job, JobPlan plan, Host& host, const std::stop_token& stop) {
+  const std::shared_ptr<InputContent> content = ContentOf(job);
   const ThreadUse threads{job.Threads, job.OneByOne ? 1 : job.Threads};
-  return RunItems(Plan(whole), threads, host, stop, [&](size_t, ItemRun& run) {
-    DecompileOne(whole, *whole.Content, run);
-    for (const core::Trouble& trouble : whole.Content->TakeTroubles()) run.Tell(trouble);
+  return RunItems(plan, threads, host, stop, [&](size_t, ItemRun& run) {
+    DecompileOne(job, *content, run);
+    for (const core::Trouble& trouble : content->TakeTroubles()) run.Tell(trouble);
   });
 }
 

@@ -37,4 +37,7 @@ struct DecompileTree {
 /// directories are made when a model is there; one that stays empty goes again. A failure ends no other model.
 JobResult Run(const DecompileTree& job, Host& host, const std::stop_token& stop);
 
+/// The same with the job's plan, which was made before.
+JobResult Run(const DecompileTree& job, JobPlan plan, Host& host, const std::stop_token& stop);
+
 }  // namespace tarnwick::jobs

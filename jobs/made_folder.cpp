@@ -30,6 +30,9 @@ std::string MadeFolder::Make(const std::string& path) {
   const std::lock_guard lock(FoldersMutex());
   const fs::path folder = core::NativePath(path);
   std::error_code error;
+  if (fs::create_directory(folder, error)) m_made.push_back(folder);
+  if (!error) return "";  // as nearly always: only the innermost folder was missing, or none
+  error.clear();
   const auto known = m_made.size();
   for (fs::path part = folder; !part.empty() && !fs::exists(part, error) && part != part.parent_path();
        part = part.parent_path()) {

@@ -17,6 +17,8 @@ class MadeFolder {
 
   /// Makes the folder at `path` with all that lead to it. Says why that failed; "" if the folder is there.
   [[nodiscard]] std::string Make(const std::string& path);
+  /// Lets what was made stay, as there is something in it.
+  void Keep() { m_made.clear(); }
 
  private:
   std::vector<std::filesystem::path> m_made;  // the innermost last

@@ -56,16 +56,19 @@ std::optional<std::string> FindVtxFile(ModelReader& reader, const std::string& m
   return FindCompanion(reader, VtxPaths(modelPath));
 }
 
-std::optional<std::string> FindMatchingVtxFile(ModelReader& reader, const std::string& modelPath) {
+std::optional<FoundFile> ReadMatchingVtxFile(ModelReader& reader, const std::string& modelPath, std::string& reason) {
   const auto paths = VtxPaths(modelPath);
-  const auto first = FindCompanion(reader, paths);
-  if (!first || IsMadeWithModel(reader, *first)) return first;
+  auto path = FindCompanion(reader, paths);
+  if (!path) return std::nullopt;
+  FoundFile first{*path, reader.Files().Read(*path, &reason)};
+  const auto header = first.File ? first.File->View().At<VtxHeader>(0) : std::nullopt;
+  if (header ? (*header)->Checksum == reader.Model.Header()->Checksum : IsMadeWithModel(reader, *path)) return first;
   for (const auto find : {&core::FileSource::FindBeside, &core::FileSource::FindElsewhere}) {
-    for (const std::string& path : paths) {
-      const auto found = (reader.Files().*find)(path);
+    for (const std::string& other : paths) {
+      const auto found = (reader.Files().*find)(other);
       if (!found || !IsMadeWithModel(reader, *found)) continue;
-      reader.Note(*first, *first + " was made with another model; " + *found + " was made with this one and is used");
-      return found;
+      reader.Note(*path, *path + " was made with another model; " + *found + " was made with this one and is used");
+      return FoundFile{*found, reader.Files().Read(*found, &reason)};
     }
   }
   return first;

@@ -17,9 +17,16 @@ namespace tarnwick::model {
 /// last four characters of the path.
 [[nodiscard]] std::optional<std::string> FindVtxFile(ModelReader& reader, const std::string& modelPath);
 
+/// A file that was found, and read if it can be.
+struct FoundFile {
+  std::string Path;
+  std::optional<core::FileImage> File;
+};
+
 /// Among those four files the first that was made together with the model, as its checksum tells; the first that is
-/// there if none was.
-[[nodiscard]] std::optional<std::string> FindMatchingVtxFile(ModelReader& reader, const std::string& modelPath);
+/// there if none was. Nothing if there is none; `reason` tells why the one that was found cannot be read.
+[[nodiscard]] std::optional<FoundFile> ReadMatchingVtxFile(ModelReader& reader, const std::string& modelPath,
+                                                           std::string& reason);
 
 /// Warns if the file at `path` was made together with another model: its `checksum` is not that of the reader's model.
 void CheckChecksum(ModelReader& reader, const std::string& path, int32_t checksum);

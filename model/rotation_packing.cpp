@@ -119,8 +119,13 @@ PackedParts Pack(const PackedForm& form, const EulerAngles& angles) {
 bool PacksInto(const PackedForm& form, const EulerAngles& angles, const Quat& wanted) {
   constexpr float Off = 2e-7f;
   for (const float off : {0.0f, -Off, Off}) {
+    const EulerAngles moved = {angles.x + off, angles.y - off, angles.z + off};
     Quat is;
-    form.Decode(Pack(form, {angles.x + off, angles.y - off, angles.z + off}), is);
+    EulerToQuat(moved, is);
+    // What packing finds misses the rotation no more than rounding does, or than it may be cut short.
+    const double miss = AngleBetween(wanted, is);
+    if (miss > form.MostCut && miss > MissOf(form, PackRounded(form, is, 1), is)) return false;
+    form.Decode(Pack(form, moved), is);
     if (is.x != wanted.x || is.y != wanted.y || is.z != wanted.z || is.w != wanted.w) return false;
   }
   return true;

@@ -1,11 +1,15 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <memory>
+#include <string>
+#include <string_view>
 
 #include "core/text_writer.h"
+#include "core/vector_code.h"
 #include "smd/smd_values.h"
 
 namespace tarnwick::smd {
@@ -14,11 +18,32 @@ namespace tarnwick::smd {
 inline constexpr size_t LongestVertexLine = 18 * core::LongestNumberText;
 
 /// Writes one vertex line: bone, position, normal, texture coordinates, and the links if `withLinks`. Returns the end
-/// of the text, at most LongestVertexLine bytes; no NUL is written.
-[[nodiscard]] char* WriteVertexLine(char* out, const Vertex& vertex, bool withLinks);
+/// of the text, at most LongestVertexLine bytes; no NUL is written. Each level of vector code, which is at most that of
+/// the processor, gives the same.
+[[nodiscard]] char* WriteVertexLine(char* out, const Vertex& vertex, bool withLinks,
+                                    core::VectorLevel level = core::HighestVectorLevel());
 
 /// Infinities and not-a-numbers in the vertex's line.
 [[nodiscard]] uint64_t CountNonFinite(const Vertex& vertex, bool withLinks);
+
+/// The line ahead of a triangle, "name.tga", which many have in common.
+class MaterialLine {
+ public:
+  explicit MaterialLine(std::string_view material);
+
+  void Write(core::TextWriter& writer) const {
+    if (m_length == 0) return writer.Text(m_text);
+    std::memcpy(writer.Room(Usual), m_usual.data(), Usual);
+    writer.Take(m_length);
+  }
+
+ private:
+  static constexpr size_t Usual = 64;
+
+  std::string m_text;  // with "\n"
+  std::array<char, Usual> m_usual = {};
+  size_t m_length = 0;  // of m_usual; 0 where the line is an unusual one
+};
 
 /// Writes vertex lines. A vertex stands in about six triangles, and meshes are ordered so that those come close
 /// together: the lines of the vertices met last are kept and copied; the table is small enough to stay in the
@@ -39,21 +64,24 @@ class VertexLines {
   }
 
  private:
-  static constexpr size_t LineCount = 2048;
+  static constexpr size_t LineCount = 512;
   static constexpr uint64_t NoKey = ~uint64_t{0};
   struct Line {
     uint32_t Length;
     char Text[188];
   };
 
-  /// Copies a line by pieces of a fixed size, some of them too many, which is quicker than a copy of any length.
-  void WriteKept(const Line& line) {
+  /// Copies `length` bytes of a line, which both ends have room for, by pieces of a fixed size, some of them too many,
+  /// which is quicker than a copy of any length.
+  static void CopyPieces(char* to, const char* from, size_t length) {
     constexpr size_t Piece = 64;
-    static_assert(sizeof line.Text > 2 * Piece);
-    char* const out = m_writer.Room(sizeof line.Text);
-    std::memcpy(out, line.Text, Piece);
-    std::memcpy(out + Piece, line.Text + Piece, Piece);
-    if (line.Length > 2 * Piece) std::memcpy(out + 2 * Piece, line.Text + 2 * Piece, sizeof line.Text - 2 * Piece);
+    static_assert(sizeof(Line::Text) > 2 * Piece);
+    std::memcpy(to, from, Piece);
+    std::memcpy(to + Piece, from + Piece, Piece);
+    if (length > 2 * Piece) std::memcpy(to + 2 * Piece, from + 2 * Piece, sizeof(Line::Text) - 2 * Piece);
+  }
+  void WriteKept(const Line& line) {
+    CopyPieces(m_writer.Room(sizeof line.Text), line.Text, line.Length);
     m_writer.Take(line.Length);
   }
   void WriteNew(uint64_t key, const Vertex& vertex);
@@ -62,6 +90,7 @@ class VertexLines {
   bool m_withLinks;
   std::unique_ptr<uint64_t[]> m_keys;  // apart, so that they stay in the nearest cache
   std::unique_ptr<Line[]> m_lines;
+  core::VectorLevel m_level = core::HighestVectorLevel();
 };
 
 }  // namespace tarnwick::smd

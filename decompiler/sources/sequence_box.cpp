@@ -75,29 +75,50 @@ class BoxMaker {
     const int64_t vertices = m_vertices == nullptr ? 0 : m_vertices->Vertices.Count();
     m_posed += vertices + static_cast<int64_t>(count + m_corners.size());
     if (m_posed > MostPosedPoints) return false;
-    std::vector<RigidTransform> world(count), skin(count);
+    const bool isFirst = m_skin.empty();
+    m_world.resize(count);
+    m_skin.resize(count);
+    m_moved.resize(count);
     for (size_t i = 0; i < count; ++i) {
       const RigidTransform local = RigidTransform::Of(player.Rotations()[i], player.Positions()[i]);
       const int32_t parent = m_skeleton.Bones[static_cast<int64_t>(i)]->Parent;
       const bool isRoot = parent < 0 || static_cast<size_t>(parent) >= i;
-      world[i] = isRoot ? local : world[static_cast<size_t>(parent)] * local;
-      skin[i] = world[i] * m_toBone[i];
-      Take(world[i].Apply({0, 0, 0}));
+      m_world[i] = isRoot ? local : m_world[static_cast<size_t>(parent)] * local;
+      const RigidTransform skin = m_world[i] * m_toBone[i];
+      m_moved[i] = isFirst || skin.Turn != m_skin[i].Turn || skin.Move != m_skin[i].Move;
+      m_skin[i] = skin;
+      Take(m_world[i].Apply({0, 0, 0}));
     }
-    for (const Corner& corner : m_corners) Take(world[corner.Bone].Apply(corner.Place));
-    for (int64_t i = 0; i < vertices; ++i) {
-      const auto vertex = m_vertices->Vertices[i];
-      Vec3 posed = {0, 0, 0};
-      for (int k = 0; k < std::min<int>(vertex->WeightCount, 3); ++k) {
-        if (vertex->Bones[k] >= count) continue;
-        const Vec3 place = skin[vertex->Bones[k]].Apply(vertex->Position);
-        posed.x += vertex->Weights[k] * place.x;
-        posed.y += vertex->Weights[k] * place.y;
-        posed.z += vertex->Weights[k] * place.z;
-      }
-      Take(posed);
-    }
+    for (const Corner& corner : m_corners) Take(m_world[corner.Bone].Apply(corner.Place));
+    if (m_vertices != nullptr && m_taken) TakeVertices(isFirst);
     return true;
+  }
+
+  /// Takes the vertices where m_skin brings them, which is most of the work: nothing of it goes through memory.
+  void TakeVertices(bool isFirst) {
+    BoxOfPoints box = m_box;
+    const RigidTransform* const skin = m_skin.data();
+    const size_t bones = m_skin.size();
+    for (int64_t i = 0; i < m_vertices->Vertices.Count(); ++i) {
+      const VvdVertex& vertex = *m_vertices->Vertices[i];
+      const int weights = std::min<int>(vertex.WeightCount, 3);
+      bool moved = isFirst;  // else it is taken already
+      for (int k = 0; k < weights; ++k) moved = moved || (vertex.Bones[k] < bones && m_moved[vertex.Bones[k]] != 0);
+      if (!moved) continue;
+      const double x = vertex.Position.x, y = vertex.Position.y, z = vertex.Position.z;
+      float atX = 0, atY = 0, atZ = 0;
+      for (int k = 0; k < weights; ++k) {
+        if (vertex.Bones[k] >= bones) continue;
+        const auto& [turn, move] = skin[vertex.Bones[k]];
+        const float weight = vertex.Weights[k];
+        atX += weight * static_cast<float>(turn[0][0] * x + turn[0][1] * y + turn[0][2] * z + move[0]);
+        atY += weight * static_cast<float>(turn[1][0] * x + turn[1][1] * y + turn[1][2] * z + move[1]);
+        atZ += weight * static_cast<float>(turn[2][0] * x + turn[2][1] * y + turn[2][2] * z + move[2]);
+      }
+      box.Least = {std::min(box.Least.x, atX), std::min(box.Least.y, atY), std::min(box.Least.z, atZ)};
+      box.Most = {std::max(box.Most.x, atX), std::max(box.Most.y, atY), std::max(box.Most.z, atZ)};
+    }
+    m_box = box;
   }
   void Take(const Vec3& p) {
     if (!std::exchange(m_taken, true)) m_box = {p, p};
@@ -108,6 +129,9 @@ class BoxMaker {
   JobContext& m_job;
   const Skeleton& m_skeleton;
   std::vector<RigidTransform> m_toBone;
+  std::vector<RigidTransform> m_world;  // of the pose that is being taken
+  std::vector<RigidTransform> m_skin;   // where it brings the vertices of each bone
+  std::vector<uint8_t> m_moved;         // whether that is not where the pose before brought them
   const VertexImage* m_vertices = nullptr;
   std::vector<Corner> m_corners;
   BoxOfPoints m_box;

@@ -18,6 +18,19 @@ smd::Triple Turned(const Vec3& v, bool back) {
   return {v.y, 0.0f - v.x, v.z};
 }
 
+/// Fills `corner`, what it held does not matter.
+void MakeVertex(const VvdVertex& vertex, const MeshSmdForm& form, smd::Vertex& corner) {
+  corner.Bone = MainBone(vertex);
+  corner.Position = Turned(vertex.Position, form.TurnedBack);
+  corner.Normal = Turned(vertex.Normal, form.TurnedBack);
+  corner.U = vertex.U;
+  corner.V = (form.VFromOne ? 1.0f : 0.0f) - vertex.V;
+  corner.LinkCount = WeightCount(vertex);
+  for (int i = 0; i < corner.LinkCount; ++i) {
+    corner.Links[static_cast<size_t>(i)] = {vertex.Bones[i], vertex.Weights[i]};
+  }
+}
+
 }  // namespace
 
 int MainBone(const VvdVertex& vertex) {
@@ -32,31 +45,28 @@ int MainBone(const VvdVertex& vertex) {
   return bone;
 }
 
-smd::Vertex ToSmdVertex(const VvdVertex& vertex, const MeshSmdForm& form) {
-  smd::Vertex result;
-  result.Bone = MainBone(vertex);
-  result.Position = Turned(vertex.Position, form.TurnedBack);
-  result.Normal = Turned(vertex.Normal, form.TurnedBack);
-  result.U = vertex.U;
-  result.V = (form.VFromOne ? 1.0f : 0.0f) - vertex.V;
-  result.LinkCount = WeightCount(vertex);
-  for (int i = 0; i < result.LinkCount; ++i) {
-    result.Links[static_cast<size_t>(i)] = {vertex.Bones[i], vertex.Weights[i]};
-  }
-  return result;
-}
-
 void WriteTriangles(core::TextWriter& writer, const MeshPieces& pieces, const MeshSmdForm& form) {
   smd::VertexLines lines(writer, !form.Unweighted);
+  smd::Vertex made;
   for (const MeshPiece& mesh : pieces.Meshes) {
-    const std::string material = std::string(mesh.Material) + ".tga\n";
+    const smd::MaterialLine material(mesh.Material);
     for (const StripPiece& strip : mesh.Strips) {
-      for (int64_t k = 0; k < strip.IndexCount; ++k) {
+      const auto writeCorner = [&](int64_t k) {
         const uint16_t index = strip.Indices[TriangleIndex(k)]->Vertex;
-        const VvdVertex& vertex = *GetMeshVertex(mesh.Vertices, strip.GroupVertices[index]->MeshVertex);
-        if (k % 3 == 0) writer.Text(material);
-        lines.Write(reinterpret_cast<uintptr_t>(&vertex) / sizeof vertex, [&] { return ToSmdVertex(vertex, form); });
+        const int64_t number = strip.GroupVertices[index]->MeshVertex;
+        // The meshes share one image, so a place in it stands for a vertex.
+        lines.Write(static_cast<uint64_t>(mesh.Vertices.First + number), [&]() -> const smd::Vertex& {
+          MakeVertex(*GetMeshVertex(mesh.Vertices, number), form, made);
+          return made;
+        });
+      };
+      int64_t k = 0;
+      for (; k + 3 <= strip.IndexCount; k += 3) {
+        material.Write(writer);
+        for (int64_t corner = 0; corner < 3; ++corner) writeCorner(k + corner);
       }
+      if (k < strip.IndexCount) material.Write(writer);
+      for (; k < strip.IndexCount; ++k) writeCorner(k);
     }
   }
 }

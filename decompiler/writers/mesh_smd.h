@@ -3,7 +3,6 @@
 #include "core/text_writer.h"
 #include "decompiler/writers/model_names.h"
 #include "model/mesh_pieces.h"
-#include "smd/smd_values.h"
 
 namespace tarnwick::decompiler {
 
@@ -14,9 +13,6 @@ struct MeshSmdForm {
   bool TurnedBack =
       false;  // the quarter turn about Z, which a compile gives the meshes of a static model, is taken off
 };
-
-/// A model's vertex as a corner of a source file.
-[[nodiscard]] smd::Vertex ToSmdVertex(const VvdVertex& vertex, const MeshSmdForm& form);
 
 /// Writes the triangles: a material line ("name.tga") and three vertex lines each.
 void WriteTriangles(core::TextWriter& writer, const MeshPieces& pieces, const MeshSmdForm& form);
