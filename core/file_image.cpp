@@ -36,26 +36,20 @@ std::optional<FileImage> FileImage::Read(const std::string& path, std::string* r
     Explain(reason, error ? error.message() : std::string(std::strerror(errno)));
     return std::nullopt;
   }
-  FileImage image;
-  image.m_path = path;
-  image.m_size = static_cast<size_t>(size);
-  image.m_bytes = std::make_unique_for_overwrite<std::byte[]>(image.m_size);
-  file.read(reinterpret_cast<char*>(image.m_bytes.get()), static_cast<std::streamsize>(image.m_size));
+  auto bytes = std::make_unique_for_overwrite<std::byte[]>(static_cast<size_t>(size));
+  file.read(reinterpret_cast<char*>(bytes.get()), static_cast<std::streamsize>(size));
   if (file.bad()) {
     Explain(reason, "it could not be read");
     return std::nullopt;
   }
-  image.m_size = static_cast<size_t>(file.gcount());  // shorter if the file shrank while it was read
-  return image;
+  // Shorter if the file shrank while it was read.
+  return OfShared(path, std::move(bytes), static_cast<size_t>(file.gcount()));
 }
 
 FileImage FileImage::FromBytes(std::string path, std::span<const std::byte> bytes) {
-  FileImage image;
-  image.m_path = std::move(path);
-  image.m_size = bytes.size();
-  image.m_bytes = std::make_unique_for_overwrite<std::byte[]>(bytes.size());
-  if (!bytes.empty()) std::memcpy(image.m_bytes.get(), bytes.data(), bytes.size());
-  return image;
+  auto copy = std::make_unique_for_overwrite<std::byte[]>(bytes.size());
+  if (!bytes.empty()) std::memcpy(copy.get(), bytes.data(), bytes.size());
+  return OfShared(std::move(path), std::move(copy), bytes.size());
 }
 
 }  // namespace tarnwick::core

@@ -1,34 +1,83 @@
 #include "core/file_source.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
+#include <system_error>
 
+#include "core/file_store.h"
 #include "core/paths.h"
 
 namespace tarnwick::core {
 
+namespace fs = std::filesystem;
+
 namespace {
 
-class Disk : public FileSource {
+class Disk : public FileStore {
  public:
   std::optional<FileImage> Read(const std::string& name, std::string* reason) const override {
     return FileImage::Read(name, reason);
   }
   bool ReadStart(const std::string& name, std::span<std::byte> out) const override {
-    std::ifstream file(NativePath(name), std::ios::binary);
+    const fs::path path = NativePath(name);
+    std::error_code error;
+    if (!fs::is_regular_file(path, error)) return false;  // opening a pipe waits
+    std::ifstream file(path, std::ios::binary);
     file.read(reinterpret_cast<char*>(out.data()), static_cast<std::streamsize>(out.size()));
     return static_cast<bool>(file);
   }
   bool Holds(const std::string& name) const override { return FileExists(name); }
   std::optional<std::string> FindBeside(const std::string& name) const override { return FindIgnoringCase(name); }
-  std::optional<std::string> FindElsewhere(const std::string&) const override { return std::nullopt; }
-  std::optional<std::string> FindGameFile(const std::string& owner, const std::string& inside) const override {
-    // What a game holds lies beside the folder "models"; a file leads to no other place.
-    std::string folded = '/' + LowerAscii(owner);
-    std::replace(folded.begin(), folded.end(), '\\', '/');
-    const size_t models = folded.rfind("/models/");
-    if (models == std::string::npos || inside.find("..") != std::string::npos) return std::nullopt;
-    return FindIgnoringCase(owner.substr(0, models) + inside);
+
+  std::optional<OutputFile> Create(std::string path, std::string* reason) override {
+    return OutputFile::Create(std::move(path), reason);
+  }
+  std::string MakeFolder(const std::string& path) override {
+    std::error_code error;
+    fs::create_directories(NativePath(path), error);
+    return error ? error.message() : std::string();
+  }
+  std::string Remove(const std::string& path) override {
+    std::error_code error;
+    return fs::remove(NativePath(path), error) ? std::string() : error.message();
+  }
+  bool HoldsFolder(const std::string& path) const override {
+    std::error_code error;
+    return fs::is_directory(NativePath(path), error);
+  }
+  std::vector<std::string> NamesIn(const std::string& folder, size_t most) const override {
+    std::vector<std::string> names;
+    std::error_code error;
+    fs::directory_iterator entry(NativePath(folder.empty() ? "." : folder), error);
+    for (; !error && entry != fs::directory_iterator() && names.size() < most; entry.increment(error)) {
+      names.push_back(PathText(entry->path().filename()));
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+  }
+  std::vector<std::string> FilesBelow(const std::string& folder) const override {
+    std::vector<std::string> files;
+    std::error_code error;
+    const fs::path top = NativePath(folder);
+    for (fs::recursive_directory_iterator at(top, error), end; !error && at != end; at.increment(error)) {
+      std::error_code ignored;
+      if (!at->is_regular_file(ignored)) continue;
+      std::string& name = files.emplace_back();  // alike on every system
+      for (const fs::path& part : at->path().lexically_relative(top)) {
+        if (!name.empty()) name += '/';
+        name += PathText(part);
+      }
+    }
+    std::sort(files.begin(), files.end());
+    return files;
+  }
+  bool LiesIn(const std::string& path, const std::string& folder) const override {
+    std::error_code error;
+    const auto whole = fs::weakly_canonical(NativePath(path), error);
+    const auto base = fs::weakly_canonical(NativePath(folder), error);
+    const auto [end, nothing] = std::mismatch(base.begin(), base.end(), whole.begin(), whole.end());
+    return !error && end == base.end();
   }
 };
 
@@ -43,9 +92,26 @@ std::optional<std::string> FileSource::FindGameFile(const std::string&, const st
   return std::nullopt;
 }
 
-const FileSource& DiskFiles() {
-  static const Disk disk;
+std::optional<std::string> FileStore::FindElsewhere(const std::string&) const {
+  return std::nullopt;
+}
+
+std::optional<std::string> FileStore::FindGameFile(const std::string& owner, const std::string& inside) const {
+  // What a game holds lies beside the folder "models"; a file leads to no other place.
+  std::string folded = '/' + LowerAscii(owner);
+  std::replace(folded.begin(), folded.end(), '\\', '/');
+  const size_t models = folded.rfind("/models/");
+  if (models == std::string::npos || inside.find("..") != std::string::npos) return std::nullopt;
+  return FindBeside(owner.substr(0, models) + inside);
+}
+
+FileStore& DiskStore() {
+  static Disk disk;
   return disk;
+}
+
+const FileSource& DiskFiles() {
+  return DiskStore();
 }
 
 }  // namespace tarnwick::core
