@@ -12,7 +12,7 @@ const smd::SmdSource* CompileContext::Source(int32_t number) const {
 
 std::optional<core::FileImage> CompileContext::Read(const std::string& path, const qc::Place& at) {
   std::string reason;
-  auto image = Options.Read ? Options.Read(path, reason) : core::FileImage::Read(path, &reason);
+  auto image = Options.Read ? Options.Read(path, reason) : FilesOf(Options).Read(path, &reason);
   if (!image) Error(at, qc::Shown(path) + " cannot be read: " + reason, core::TroubleKind::Unreadable);
   return image;
 }

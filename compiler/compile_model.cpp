@@ -84,7 +84,8 @@ class SourceLoader {
 
  private:
   std::optional<core::FileImage> Open(const std::string& path, std::string& reason) const {
-    return m_context.Options.Read ? m_context.Options.Read(path, reason) : core::FileImage::Read(path, &reason);
+    return m_context.Options.Read ? m_context.Options.Read(path, reason)
+                                  : FilesOf(m_context.Options).Read(path, &reason);
   }
   void Read(ReadFile& file) const {
     const qc::Source& source = m_context.Plan.Script.Sources[file.Number];
@@ -193,6 +194,7 @@ bool MakeFiles(CompileContext& context, const ModelParts& parts, CompiledFiles& 
 qc::ReadOptions ReadOptionsOf(const CompileOptions& options, bool findSources) {
   qc::ReadOptions read;
   read.FindSources = findSources;
+  read.Files = options.Files;
   read.Read = options.Read;
   return read;
 }
@@ -247,7 +249,8 @@ std::optional<CompiledFiles> CompileTextToMemory(std::string_view text, const st
 
 bool CompileModel(const std::string& path, const CompileOptions& options, CompileReport& report) {
   const Outcome outcome = Compile(qc::ReadScript(path, ReadOptionsOf(options, true)), false, options, report);
-  return outcome.Files && WriteModelFiles(*outcome.Files, outcome.ModelName, options.GameDirectory, report);
+  return outcome.Files &&
+         WriteModelFiles(*outcome.Files, outcome.ModelName, options.GameDirectory, FilesOf(options), report);
 }
 
 }  // namespace tarnwick::compiler

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "core/file_store.h"
 #include "core/trouble.h"
 #include "qc/script.h"
 
@@ -20,7 +21,9 @@ struct CompileOptions {
   float NormalAngle = 2;
   /// Normals, weights and coordinates are kept as the sources have them: no unit length, no dropped weights.
   bool KeepValues = false;
-  /// Reads files in place of the disk.
+  /// Has the script and its sources, and takes the model's files; nothing: the disk.
+  core::FileStore* Files = nullptr;
+  /// Reads files in place of `Files`.
   qc::FileReader Read;
   /// Bytes that all tables of a compile may take, so that no script can ask for endless memory.
   int64_t MemoryLimit = int64_t{1} << 30;
@@ -29,6 +32,11 @@ struct CompileOptions {
   /// Ends the compile soon, without files.
   std::stop_token Stop;
 };
+
+/// Where a compile has its files.
+inline core::FileStore& FilesOf(const CompileOptions& options) {
+  return options.Files != nullptr ? *options.Files : core::DiskStore();
+}
 
 /// What a compile made.
 struct CompileReport {

@@ -9,26 +9,20 @@ namespace tarnwick::core {
 std::optional<FileImage> FileImage::Read(const std::string& path, std::string* reason) {
   auto file = ReadableFile::Open(path, reason);
   if (!file) return std::nullopt;
-  FileImage image;
-  image.m_path = path;
-  image.m_size = static_cast<size_t>(file->Size());
-  image.m_bytes = std::make_unique_for_overwrite<std::byte[]>(image.m_size);
-  const auto read = file->Read({image.m_bytes.get(), image.m_size});
+  const auto size = static_cast<size_t>(file->Size());
+  auto bytes = std::make_unique_for_overwrite<std::byte[]>(size);
+  const auto read = file->Read({bytes.get(), size});
   if (!read) {
     if (reason != nullptr) *reason = "it could not be read";
     return std::nullopt;
   }
-  image.m_size = *read;  // shorter if the file shrank while it was read
-  return image;
+  return OfShared(path, std::move(bytes), *read);  // shorter if the file shrank while it was read
 }
 
 FileImage FileImage::FromBytes(std::string path, std::span<const std::byte> bytes) {
-  FileImage image;
-  image.m_path = std::move(path);
-  image.m_size = bytes.size();
-  image.m_bytes = std::make_unique_for_overwrite<std::byte[]>(bytes.size());
-  if (!bytes.empty()) std::memcpy(image.m_bytes.get(), bytes.data(), bytes.size());
-  return image;
+  auto copy = std::make_unique_for_overwrite<std::byte[]>(bytes.size());
+  if (!bytes.empty()) std::memcpy(copy.get(), bytes.data(), bytes.size());
+  return OfShared(std::move(path), std::move(copy), bytes.size());
 }
 
 }  // namespace tarnwick::core

@@ -11,8 +11,8 @@
 
 namespace tarnwick::core {
 
-/// The bytes of a whole file, read in one call into one buffer that this object owns. Moving it does not move the
-/// bytes, so views stay good.
+/// The bytes of a whole file, read in one call into one buffer, which lives as long as an image of it does. Moving or
+/// copying an image does not move the bytes, so views stay good.
 class FileImage {
  public:
   /// Reads the file at `path` (either slash is taken). Nothing if it cannot be opened or read, or is no regular file;
@@ -25,12 +25,24 @@ class FileImage {
   /// An image of `size` bytes that `fill` writes, handed all of them at once. Nothing if it returns false.
   template <typename Fill>
   [[nodiscard]] static std::optional<FileImage> Filled(std::string path, size_t size, Fill fill) {
+    auto bytes = std::make_unique_for_overwrite<std::byte[]>(size);
+    if (!fill(std::span<std::byte>(bytes.get(), size))) return std::nullopt;
+    return OfShared(std::move(path), std::move(bytes), size);
+  }
+
+  /// An image over bytes that others may have too. `bytes` keeps them alive.
+  static FileImage OfShared(std::string path, std::shared_ptr<const std::byte[]> bytes, size_t size) {
     FileImage image;
     image.m_path = std::move(path);
     image.m_size = size;
-    image.m_bytes = std::make_unique_for_overwrite<std::byte[]>(size);
-    if (!fill(std::span<std::byte>(image.m_bytes.get(), size))) return std::nullopt;
+    image.m_bytes = std::move(bytes);
     return image;
+  }
+
+  /// The same bytes under another path.
+  FileImage Named(std::string path) && {
+    m_path = std::move(path);
+    return std::move(*this);
   }
 
   /// The path that the image was read from.
@@ -40,7 +52,7 @@ class FileImage {
 
  private:
   std::string m_path;
-  std::unique_ptr<std::byte[]> m_bytes;
+  std::shared_ptr<const std::byte[]> m_bytes;
   size_t m_size = 0;
 };
 

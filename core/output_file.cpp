@@ -129,6 +129,9 @@ std::optional<OutputFile> OutputFile::Create(std::string path, std::string* reas
   return file;
 }
 
+OutputFile::OutputFile(std::string path, std::unique_ptr<OutputTarget> target)
+    : m_path(std::move(path)), m_held(std::move(target)) {}
+
 OutputFile::OutputFile(OutputFile&& other) noexcept {
   *this = std::move(other);
 }
@@ -139,6 +142,7 @@ OutputFile& OutputFile::operator=(OutputFile&& other) noexcept {
   m_path = std::move(other.m_path);
   m_target = std::move(other.m_target);
   m_temporaryPath = std::exchange(other.m_temporaryPath, {});
+  m_held = std::move(other.m_held);
   m_error = std::move(other.m_error);
   m_size = other.m_size;
   m_descriptor = std::exchange(other.m_descriptor, -1);
@@ -156,6 +160,12 @@ bool OutputFile::Fail(std::string reason) {
 
 bool OutputFile::Write(std::string_view bytes) {
   if (!m_error.empty()) return false;
+  if (m_held != nullptr) {
+    std::string reason;
+    if (!m_held->Write(bytes, reason)) return Fail(std::move(reason));
+    m_size += bytes.size();
+    return true;
+  }
   if (m_descriptor < 0) return Fail("the file is closed");
   while (!bytes.empty()) {
     const int64_t written = WriteSome(m_descriptor, bytes.data(), bytes.size());
@@ -168,6 +178,12 @@ bool OutputFile::Write(std::string_view bytes) {
 }
 
 bool OutputFile::Commit() {
+  if (m_held != nullptr) {
+    std::string reason;
+    if (m_error.empty() && !m_held->Commit(reason)) Fail(std::move(reason));
+    m_held.reset();
+    return m_error.empty();
+  }
   if (m_descriptor < 0) return Fail("the file is closed");
   const int closed = CloseDescriptor(std::exchange(m_descriptor, -1));
   if (closed != 0) Fail(std::strerror(errno));
@@ -182,6 +198,7 @@ bool OutputFile::Commit() {
 }
 
 void OutputFile::Discard() {
+  m_held.reset();
   if (m_descriptor >= 0) CloseDescriptor(std::exchange(m_descriptor, -1));
   if (m_temporaryPath.empty()) return;
   std::error_code ignored;

@@ -9,6 +9,16 @@
 
 namespace tarnwick::core {
 
+/// What takes the bytes of an OutputFile in place of the disk. One that goes away uncommitted leaves nothing.
+class OutputTarget {
+ public:
+  virtual ~OutputTarget() = default;
+  /// Takes more bytes. False, with the reason in `error`, if they cannot be had.
+  virtual bool Write(std::string_view bytes, std::string& error) = 0;
+  /// Gives what was written its name. False, with the reason in `error`, if that cannot be done.
+  virtual bool Commit(std::string& error) = 0;
+};
+
 /// A file being written under a temporary name beside its place. `Commit` gives it its name, over an older file of
 /// that name; until then the older file is untouched, and an object that goes away uncommitted leaves nothing behind.
 /// The new file gets the permissions of the older one, and where `path` is a symbolic link, the file that it points to
@@ -25,6 +35,9 @@ class OutputFile {
   /// why in the system's words.
   [[nodiscard]] static std::optional<OutputFile> Create(std::string path, std::string* reason = nullptr);
 
+  /// A file whose bytes go to `target`.
+  OutputFile(std::string path, std::unique_ptr<OutputTarget> target);
+
   OutputFile(OutputFile&& other) noexcept;
   OutputFile& operator=(OutputFile&& other) noexcept;
   ~OutputFile();
@@ -40,7 +53,8 @@ class OutputFile {
   void Discard();
 
   const std::string& Path() const { return m_path; }
-  /// The name of the file until `Commit`, for another program that is to write its contents.
+  /// The name of the file until `Commit`, for another program that is to write its contents; empty where it is not on
+  /// the disk.
   const std::filesystem::path& TemporaryPath() const { return m_temporaryPath; }
   /// Bytes written so far.
   uint64_t Size() const { return m_size; }
@@ -54,6 +68,7 @@ class OutputFile {
   std::string m_path;
   std::filesystem::path m_target;         // the file to be replaced: m_path, or what the link there points to
   std::filesystem::path m_temporaryPath;  // beside m_target
+  std::unique_ptr<OutputTarget> m_held;   // in place of the disk
   std::string m_error;
   uint64_t m_size = 0;
   int m_descriptor = -1;

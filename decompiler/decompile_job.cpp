@@ -1,6 +1,7 @@
 #include "decompiler/decompile_job.h"
 
 #include <algorithm>
+#include <span>
 #include <utility>
 
 #include "core/paths.h"
@@ -22,9 +23,30 @@ constexpr std::string_view ModelId = "IDST";
 constexpr int32_t LowestVersion = 44;
 constexpr int32_t HighestVersion = 49;
 
-/// Loads the .mdl file. False, told, if there is none or it is shorter than its header.
+bool IsKnownVersion(int32_t version) {
+  return version >= LowestVersion && version <= HighestVersion;
+}
+bool IsNamedModel(const StudioHeader& header) {
+  return std::string_view(header.Id, sizeof header.Id) == ModelId;
+}
+
+/// Whether the file's head says that it is something else, which is told: no need to read the rest, however long.
+bool IsNoModel(JobContext& job, const std::string& path) {
+  StudioHeader header{};
+  if (!job.Files().ReadStart(path, std::as_writable_bytes(std::span(&header, 1)))) return false;
+  const int32_t version = header.Version;
+  if (IsKnownVersion(version) || IsNamedModel(header)) return false;
+  DecompileLog(job, "Loaded model " + path + "\r\n");
+  job.Error(path + " is no compiled model: neither its first letters nor its version (" + std::to_string(version) +
+                ") are those of one",
+            "Error", core::TroubleKind::Unknown, path, "not a compiled model");
+  return true;
+}
+
+/// Loads the .mdl file. False, told, if there is none, it is shorter than its header, or it is something else.
 bool LoadModel(JobContext& job) {
   const std::string& path = job.Job().ModelPath;
+  if (IsNoModel(job, path)) return false;
   std::string reason;
   auto model = LoadModelFile(path, &reason, job.Files());
   if (model && !model->View().At<StudioHeader>(0)) {
@@ -39,21 +61,14 @@ bool LoadModel(JobContext& job) {
   }
   job.Model.Mdl = std::move(*model);
   DecompileLog(job, "Loaded model " + job.Model.Mdl.Path() + "\r\n");
-  const int32_t version = job.Model.Header()->Version;
-  const bool known = version >= LowestVersion && version <= HighestVersion;
-  const bool named = std::string_view(job.Model.Header()->Id, 4) == ModelId;
-  if (!known && !named) {
-    job.Error(path + " is no compiled model: neither its first letters nor its version (" + std::to_string(version) +
-                  ") are those of one",
-              "Error", core::TroubleKind::Unknown, path, "not a compiled model");
-    return false;
-  }
-  if (!known) {
+  const StudioHeader header = *job.Model.Header();
+  const int32_t version = header.Version;
+  if (!IsKnownVersion(version)) {
     job.Warn(path + " is of version " + std::to_string(version) + "; versions " + std::to_string(LowestVersion) +
                  " to " + std::to_string(HighestVersion) + " are known, and what is written may be wrong",
              core::TroubleKind::Unknown);
   }
-  if (!named) {
+  if (!IsNamedModel(header)) {
     job.Advise(path + " does not begin with " + std::string(ModelId) + " as compiled models do",
                core::TroubleKind::Unknown);
   }

@@ -6,12 +6,14 @@
 #include <stop_token>
 #include <string>
 
+#include "core/file_store.h"
 #include "core/report.h"
 
 namespace tarnwick::jobs {
 
 /// Makes a model of a script, with nothing changed that the script says.
 struct ModelCompile {
+  core::FileStore& Files;  // has all of these, and takes the model
   std::string Script;
   std::string GameDirectory;  // the files come to lie below its folder "models", which is there
   int32_t Version = 48;       // of the model

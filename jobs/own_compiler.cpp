@@ -22,6 +22,7 @@ int32_t WrittenVersion(int32_t version) {
 
 std::optional<std::string> CompileUnchanged(const ModelCompile& compile, core::Report& report) {
   compiler::CompileOptions options;
+  options.Files = &compile.Files;
   options.GameDirectory = compile.GameDirectory;
   options.Version = WrittenVersion(compile.Version);
   options.NormalAngle = 0;

@@ -2,8 +2,11 @@
 
 #include <atomic>
 #include <filesystem>
+#include <optional>
+#include <span>
 #include <utility>
 
+#include "core/memory_store.h"
 #include "core/paths.h"
 #include "core/whole_path.h"
 #include "decompiler/decompile_job.h"
@@ -48,11 +51,12 @@ class ModelRound {
  public:
   /// `threads` are those of the compile.
   ModelRound(const ModelCompiler& compiler, int32_t threads, const core::FileSource& files, ItemRun& run,
-             const fs::path& folder)
+             core::FileStore& store, const fs::path& folder)
       : m_compiler(compiler),
         m_threads(threads),
         m_files(files),
         m_run(run),
+        m_store(store),
         m_folder(folder),
         m_onStop(run.Stop, [this] { m_stopped = true; }) {}
 
@@ -64,7 +68,8 @@ class ModelRound {
     if (Failed() || !Decompile(m_run.Result.Source, m_files, sources, "decompiling")) return;
     Step("compiling", 1);
     ErrorsOnly compileReport(m_run, "compiling");
-    const auto model = m_compiler({.Script = sources + core::PathSeparator + ScriptName,
+    const auto model = m_compiler({.Files = m_store,
+                                   .Script = sources + core::PathSeparator + ScriptName,
                                    .GameDirectory = compiled,
                                    .Version = Version(),
                                    .Threads = m_threads,
@@ -74,7 +79,7 @@ class ModelRound {
     if (!model && !Failed()) compileReport.ErrorBox(core::TroubleKind::Lost, "no model was made", "");
     if (Failed()) return;
     Step("decompiling again", 2);
-    if (!Decompile(*model, core::DiskFiles(), again, "decompiling again")) return;
+    if (!Decompile(*model, m_store, again, "decompiling again")) return;
     Step("comparing", 3);
     Compare(*model, sources, again);
   }
@@ -83,14 +88,11 @@ class ModelRound {
   static constexpr size_t Steps = 4;
 
   std::string MakeFolder(const char* name) {
-    const fs::path path = core::NativePath(core::PathBelow(core::PathText(m_folder), name));
-    std::error_code error;
-    fs::create_directories(path, error);
-    if (error) {
-      m_run.Fail(core::TroubleKind::Unwritable,
-                 "The folder " + core::PathText(path) + " cannot be made: " + error.message(), core::PathText(path));
+    const std::string path = core::PathBelow(core::PathText(m_folder), name);
+    if (const std::string problem = m_store.MakeFolder(path); !problem.empty()) {
+      m_run.Fail(core::TroubleKind::Unwritable, "The folder " + path + " cannot be made: " + problem, path);
     }
-    return core::PathText(path);
+    return path;
   }
 
   void Step(const char* name, size_t number) { m_run.Progressed(name, number, Steps); }
@@ -101,9 +103,9 @@ class ModelRound {
   }
 
   int32_t Version() const {
-    const auto mdl = model::LoadModelFile(m_run.Result.Source, nullptr, m_files);
-    const auto header = mdl ? mdl->View().At<model::StudioHeader>(0) : std::nullopt;
-    return header ? (*header)->Version : 0;
+    model::StudioHeader header{};
+    const bool isRead = m_files.ReadStart(m_run.Result.Source, std::as_writable_bytes(std::span(&header, 1)));
+    return isRead ? header.Version : 0;
   }
 
   bool Decompile(const std::string& path, const core::FileSource& files, const std::string& folder,
@@ -112,6 +114,7 @@ class ModelRound {
     decompiler::DecompileJob job;
     job.ModelPath = path;
     job.Files = &files;
+    job.Output = &m_store;
     job.OutputDirectory = folder;
     job.Options = decompiler::DecompileOptionReadyToCompile;
     job.Helpers = &m_run.Helpers;
@@ -125,11 +128,11 @@ class ModelRound {
   void Compare(const std::string& model, const std::string& sources, const std::string& again) {
     ErrorsOnly report(m_run, "comparing");
     auto differences = model::CompareModels(
-        m_run.Result.Source, model, report, [this] { return m_stopped.load(); }, m_files);
+        m_run.Result.Source, model, report, [this] { return m_stopped.load(); }, m_files, m_store);
     if (Stopped() || !differences) return;
     Verification& verified = m_run.Result.Verified.emplace();
     verified.Model = std::move(*differences);
-    verified.Sources = smd::CompareSources(sources, again, report);
+    verified.Sources = smd::CompareSources(sources, again, report, m_store);
     for (const std::string& line : verified.Lines()) m_run.Log(line + "\r\n");
     m_run.Result.Shown = verified.Line();
     if (verified.IsSameButForRounding()) return;
@@ -143,6 +146,7 @@ class ModelRound {
   const int32_t m_threads;
   const core::FileSource& m_files;  // have the model that is verified
   ItemRun& m_run;
+  core::FileStore& m_store;  // takes all that is made
   const fs::path m_folder;
   std::atomic<bool> m_stopped = false;
   const std::stop_callback<std::function<void()>> m_onStop;  // behind what it sets
@@ -172,14 +176,19 @@ JobResult Run(const VerifyModels& job, Host& host, const std::stop_token& stop) 
   whole.Content = ContentOf(job);
   const core::FileSource& files = whole.Content->Files();
   const int32_t threads = job.Threads > 1 ? 1 : 0;  // several models keep the cores busy by themselves
+  core::MemoryBudget budget(job.MemoryLimit);
   return RunItems(Plan(whole), {job.Threads, job.Threads}, host, stop, [&](size_t, ItemRun& run) {
-    const auto verify = [&](const fs::path& folder) { ModelRound(compiler, threads, files, run, folder).Work(); };
-    if (!run.Result.Target.empty()) return verify(core::NativePath(run.Result.Target));
-    const ScratchDirectory scratch;
-    if (scratch.Path().empty()) {
-      return run.Fail(core::TroubleKind::Unwritable, "No folder for temporary files can be made: " + scratch.Problem());
-    }
-    verify(scratch.Path());
+    const auto verify = [&](core::FileStore& store, const fs::path& folder) {
+      ModelRound(compiler, threads, files, run, store, folder).Work();
+    };
+    if (!run.Result.Target.empty()) return verify(core::DiskStore(), core::NativePath(run.Result.Target));
+    std::optional<ScratchDirectory> scratch;
+    core::MemoryStore store(budget, [&](std::string& reason) {
+      scratch.emplace();
+      reason = "no folder for temporary files can be made: " + scratch->Problem();
+      return core::PathText(scratch->Path());
+    });
+    verify(store, "");
   });
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <stop_token>
 #include <string>
@@ -20,7 +21,10 @@ struct VerifyModels {
   bool Recursive = false;                      // also the folders below a folder
   std::string KeepDirectory = {};              // where sources and compiled models stay; "" to leave nothing
   int Threads = 1;                             // models at a time
-  ModelCompiler Compiler = {};                 // empty for the program's own
+  /// Bytes that sources and compiled models may take in memory, those of all models at a time together. What is more
+  /// lies in a folder for temporary files meanwhile; with 0 all does.
+  int64_t MemoryLimit = int64_t{512} << 20;
+  ModelCompiler Compiler = {};  // empty for the program's own
 };
 
 /// The models that the job finds. The target of each is its folder below KeepDirectory, "" without one.
@@ -28,7 +32,7 @@ JobPlan Plan(const VerifyModels& job);
 
 /// Verifies every model. An item has succeeded if what came back is the same or differs by rounding alone; its result
 /// holds the verification. A model that cannot be read, written, compiled or compared has failed with the reason. What
-/// is made lies in a folder that goes away with the job: in `sources` the first sources, in `compiled` the model made
+/// is made is held in memory, or lies below KeepDirectory: in `sources` the first sources, in `compiled` the model made
 /// of them, in `again` the sources of that.
 JobResult Run(const VerifyModels& job, Host& host, const std::stop_token& stop);
 

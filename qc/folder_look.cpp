@@ -1,15 +1,10 @@
 #include "qc/folder_look.h"
 
 #include <algorithm>
-#include <filesystem>
-#include <system_error>
 
-#include "core/folder_reader.h"
 #include "core/paths.h"
 
 namespace tarnwick::qc {
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -26,15 +21,6 @@ constexpr bool PathsTellCase = true;
 
 bool HasDrive(std::string_view path) {
   return path.size() > 1 && path[1] == ':' && ((path[0] | 0x20) >= 'a' && (path[0] | 0x20) <= 'z');
-}
-
-bool IsFolder(const std::string& path) {
-  std::error_code error;
-  return fs::is_directory(core::NativePath(path.empty() ? "." : path), error);
-}
-
-bool Exists(const std::string& path, bool folder) {
-  return folder ? IsFolder(path) : core::FileExists(path);
 }
 
 }  // namespace
@@ -58,13 +44,15 @@ std::string Below(std::string_view folder, std::string_view path) {
   return result;
 }
 
+bool FolderLook::Exists(const std::string& path, bool folder) const {
+  return folder ? m_files.HoldsFolder(path.empty() ? "." : path) : m_files.Holds(path);
+}
+
 const FolderLook::Entries& FolderLook::EntriesOf(const std::string& folder) {
   const auto [known, isNew] = m_folders.try_emplace(folder);
   Entries& entries = known->second;
   if (!isNew) return entries;
-  core::FolderReader reader(core::NativePath(folder));
-  while (entries.Names.size() < MostNames && reader.Next()) entries.Names.push_back(reader.Name());
-  std::sort(entries.Names.begin(), entries.Names.end());
+  entries.Names = m_files.NamesIn(folder, MostNames);
   for (size_t i = 0; i < entries.Names.size(); ++i) {
     entries.ByLowerName.emplace(core::LowerAscii(entries.Names[i]), i);
   }

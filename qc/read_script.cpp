@@ -14,18 +14,24 @@ namespace tarnwick::qc {
 
 namespace {
 
-std::optional<core::FileImage> ReadFromDisk(const std::string& path, std::string& reason) {
-  return core::FileImage::Read(path, &reason);
+const core::FileStore& FilesOf(const ReadOptions& options) {
+  return options.Files != nullptr ? *options.Files : core::DiskStore();
+}
+
+/// The options' reader, or one of their files.
+FileReader ReaderOf(const ReadOptions& options) {
+  if (options.Read) return options.Read;
+  return
+      [&files = FilesOf(options)](const std::string& path, std::string& reason) { return files.Read(path, &reason); };
 }
 
 void ReadWords(Script& script, const ReadOptions& options) {
-  FolderLook look;
+  FolderLook look(FilesOf(options));
   std::optional<SourceFinder> finder;
   if (options.FindSources) {
     finder.emplace(look, Below("", core::DirectoryWithSeparator(script.Files.Files[0].Path)));
   }
-  WordStream words(script.Files, script.Told, options.Read ? nullptr : &look,
-                   options.Read ? options.Read : FileReader(ReadFromDisk), options.Limits);
+  WordStream words(script.Files, script.Told, options.Read ? nullptr : &look, ReaderOf(options), options.Limits);
   words.Start();
   ScriptReader(script, words, finder ? &*finder : nullptr).ReadAll();
 }
@@ -35,7 +41,7 @@ void ReadWords(Script& script, const ReadOptions& options) {
 Script ReadScript(const std::string& path, const ReadOptions& options) {
   Script script;
   std::string reason;
-  auto image = options.Read ? options.Read(path, reason) : ReadFromDisk(path, reason);
+  auto image = ReaderOf(options)(path, reason);
   const bool read = image.has_value();
   if (!read) image = core::FileImage::FromBytes(path, {});
   script.Files.Files.push_back({path, std::string(core::LastComponent(path)), std::move(*image)});

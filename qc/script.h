@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/file_store.h"
 #include "qc/command.h"
 #include "qc/expression.h"
 #include "qc/messages.h"
@@ -91,10 +92,12 @@ struct Script {
 };
 
 struct ReadOptions {
-  /// Whether source files are looked for on the disk; each that is not there is an error. Included scripts are in any
+  /// Whether source files are looked for in `Files`; each that is not there is an error. Included scripts are in any
   /// case.
   bool FindSources = true;
-  /// Reads files in place of the disk; included scripts are then taken by the names that they are given.
+  /// Has the scripts and the sources; nothing: the disk.
+  const core::FileStore* Files = nullptr;
+  /// Reads files in place of `Files`; included scripts are then taken by the names that they are given.
   FileReader Read;
   ScriptLimits Limits;
 };

@@ -4,18 +4,13 @@
 #include <array>
 #include <cmath>
 #include <cstdio>
-#include <filesystem>
-#include <map>
 #include <utility>
 
 #include "core/file_image.h"
-#include "core/folder_reader.h"
 #include "core/number_parse.h"
 #include "core/paths.h"
 
 namespace tarnwick::smd {
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -167,25 +162,14 @@ std::string Shown(std::string_view line) {
   return "\"" + text + (line.size() > LongestShown ? "...\"" : "\"");
 }
 
-/// Every file in and below `folder`, by its name below it, which is alike on every system.
-std::map<std::string, fs::path> FilesOf(const std::string& folder) {
-  std::map<std::string, fs::path> files;
-  std::error_code error;
-  for (auto& file : core::FilesBelow(
-           core::NativePath(folder), true, [](auto) { return true; }, error)) {
-    if (core::PathSeparator != '/') std::replace(file.Below.begin(), file.Below.end(), core::PathSeparator, '/');
-    files[std::move(file.Below)] = std::move(file.Path);
-  }
-  return files;
-}
-
-std::optional<core::FileImage> ReadTold(const fs::path& path, core::TroubleSink& troubles) {
+std::optional<core::FileImage> ReadTold(const core::FileStore& files, const std::string& path,
+                                        core::TroubleSink& troubles) {
   std::string reason;
-  auto image = core::FileImage::Read(core::PathText(path), &reason);
+  auto image = files.Read(path, &reason);
   if (!image) {
     troubles.Tell({.Kind = core::TroubleKind::Unreadable,
-                   .File = core::PathText(path),
-                   .Text = "Unable to read " + core::PathText(path) + ": " + reason,
+                   .File = path,
+                   .Text = "Unable to read " + path + ": " + reason,
                    .Alike = "a source cannot be read"});
   }
   return image;
@@ -233,23 +217,22 @@ std::optional<SourceDifference> CompareSourceTexts(const std::string& name, std:
 }
 
 std::vector<SourceDifference> CompareSources(const std::string& firstFolder, const std::string& secondFolder,
-                                             core::TroubleSink& troubles) {
-  const auto first = FilesOf(firstFolder);
-  const auto second = FilesOf(secondFolder);
+                                             core::TroubleSink& troubles, const core::FileStore& files) {
+  const auto first = files.FilesBelow(firstFolder);
+  const auto second = files.FilesBelow(secondFolder);
   std::vector<SourceDifference> differences;
-  for (const auto& [name, path] : first) {
-    const auto other = second.find(name);
-    const auto image = other == second.end() ? std::nullopt : ReadTold(path, troubles);
-    const auto otherImage = other == second.end() ? std::nullopt : ReadTold(other->second, troubles);
-    if (other == second.end() || !image || !otherImage) {
-      differences.push_back(
-          {.File = name, .InFirst = other == second.end() || image, .InSecond = otherImage.has_value()});
-    } else if (auto difference = CompareSourceTexts(name, TextOf(*image), TextOf(*otherImage))) {
+  for (const std::string& name : first) {
+    const bool inSecond = std::binary_search(second.begin(), second.end(), name);
+    const auto image = inSecond ? ReadTold(files, firstFolder + core::PathSeparator + name, troubles) : std::nullopt;
+    const auto other = inSecond ? ReadTold(files, secondFolder + core::PathSeparator + name, troubles) : std::nullopt;
+    if (!image || !other) {
+      differences.push_back({.File = name, .InFirst = !inSecond || image, .InSecond = other.has_value()});
+    } else if (auto difference = CompareSourceTexts(name, TextOf(*image), TextOf(*other))) {
       differences.push_back(std::move(*difference));
     }
   }
-  for (const auto& [name, path] : second) {
-    if (!first.contains(name)) differences.push_back({.File = name, .InFirst = false});
+  for (const std::string& name : second) {
+    if (!std::binary_search(first.begin(), first.end(), name)) differences.push_back({.File = name, .InFirst = false});
   }
   std::sort(differences.begin(), differences.end(), [](const auto& a, const auto& b) { return a.File < b.File; });
   return differences;

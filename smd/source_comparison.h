@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/file_store.h"
 #include "core/trouble.h"
 
 namespace tarnwick::smd {
@@ -33,10 +34,11 @@ struct SourceDifference {
 std::optional<SourceDifference> CompareSourceTexts(const std::string& name, std::string_view first,
                                                    std::string_view second);
 
-/// Compares all files of two folders, in the order of their names. A file that cannot be read is told and counts as
-/// missing.
+/// Compares all files of two folders of `files`, in the order of their names. A file that cannot be read is told and
+/// counts as missing.
 std::vector<SourceDifference> CompareSources(const std::string& firstFolder, const std::string& secondFolder,
-                                             core::TroubleSink& troubles);
+                                             core::TroubleSink& troubles,
+                                             const core::FileStore& files = core::DiskStore());
 
 /// The difference in one line.
 ///     walk.smd: 3 lines differ by up to 0.0002 (rounding), first line 12: "0 1.0" and "0 1.0002"

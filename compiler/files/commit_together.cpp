@@ -17,6 +17,7 @@ namespace {
 class Before {
  public:
   explicit Before(const core::OutputFile& file) {
+    if (file.TemporaryPath().empty()) return;  // what is held in memory goes away with its store
     std::error_code error;
     m_target = core::NativePath(core::PathText(core::RealPathOfNew(core::NativePath(file.Path()), error)));
     if (error || !fs::is_regular_file(m_target, error)) return;

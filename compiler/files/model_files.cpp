@@ -1,7 +1,6 @@
 #include "compiler/files/model_files.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -9,7 +8,6 @@
 #include "compiler/files/commit_together.h"
 #include "core/output_file.h"
 #include "core/paths.h"
-#include "core/whole_path.h"
 
 namespace tarnwick::compiler {
 
@@ -42,32 +40,23 @@ std::optional<std::string> SafePath(std::string name) {
   return path;
 }
 
-/// Whether `path`, with all links followed, lies in `folder`.
-bool LiesIn(const std::filesystem::path& path, const std::filesystem::path& folder) {
-  std::error_code error;
-  const auto whole = core::RealPathOfNew(path, error);
-  const auto base = core::RealPathOfNew(folder, error);
-  const auto [end, nothing] = std::mismatch(base.begin(), base.end(), whole.begin(), whole.end());
-  return !error && end == base.end();
-}
-
-void RemoveOld(const std::string& path, CompileReport& report) {
-  std::error_code error;
-  if (!std::filesystem::exists(core::NativePath(path), error)) return;
-  const bool removed = std::filesystem::remove(core::NativePath(path), error);
+void RemoveOld(const std::string& path, core::FileStore& store, CompileReport& report) {
+  if (!store.Holds(path)) return;
+  const std::string problem = store.Remove(path);
+  const bool removed = problem.empty();
   const core::Severity level = removed ? core::Severity::Note : core::Severity::Warning;
   report.Troubles.push_back({.Level = level,
                              .Kind = removed ? core::TroubleKind::Lost : core::TroubleKind::Unwritable,
                              .File = path,
                              .Text = removed ? path + " of the model before is removed; the model has none now"
-                                             : path + " of the model before cannot be removed: " + error.message()});
+                                             : path + " of the model before cannot be removed: " + problem});
   if (!removed) ++report.Warnings;
 }
 
 }  // namespace
 
 bool WriteModelFiles(const CompiledFiles& files, const std::string& modelName, const std::string& gameDirectory,
-                     CompileReport& report) {
+                     core::FileStore& store, CompileReport& report) {
   const auto path = SafePath(modelName);
   if (!path) {
     return Fail(report, core::TroubleKind::Refused, modelName,
@@ -77,16 +66,14 @@ bool WriteModelFiles(const CompiledFiles& files, const std::string& modelName, c
   while (folder.size() > 1 && (folder.back() == '/' || folder.back() == '\\')) folder.pop_back();
   folder += "/models/";
   const std::string base = folder + path->substr(0, path->size() - std::string_view(".mdl").size());
-  std::error_code error;
-  const auto native = core::NativePath(base);
-  std::filesystem::create_directories(core::NativePath(folder), error);
-  if (!error && !LiesIn(native.parent_path(), core::NativePath(folder))) {
+  const std::string parent = base.substr(0, base.rfind('/'));
+  std::string problem = store.MakeFolder(folder);
+  if (problem.empty() && !store.LiesIn(parent, folder)) {
     return Fail(report, core::TroubleKind::Refused, base, base + " would lie outside of " + folder);
   }
-  if (!error) std::filesystem::create_directories(native.parent_path(), error);
-  if (error) {
-    return Fail(report, core::TroubleKind::Unwritable, base,
-                "the folder of " + base + " cannot be made: " + error.message());
+  if (problem.empty()) problem = store.MakeFolder(parent);
+  if (!problem.empty()) {
+    return Fail(report, core::TroubleKind::Unwritable, base, "the folder of " + base + " cannot be made: " + problem);
   }
   struct Entry {
     std::string_view Ending;
@@ -99,7 +86,7 @@ bool WriteModelFiles(const CompiledFiles& files, const std::string& modelName, c
     if (entry.Bytes.empty()) continue;
     const std::string name = base + std::string(entry.Ending);
     std::string reason;
-    auto output = core::OutputFile::Create(name, &reason);
+    auto output = store.Create(name, &reason);
     if (!output || !output->Write(entry.Bytes)) {
       return Fail(report, core::TroubleKind::Unwritable, name,
                   name + " cannot be written: " + (output ? output->Error() : reason));
@@ -115,7 +102,7 @@ bool WriteModelFiles(const CompiledFiles& files, const std::string& modelName, c
   }
   // What the model had before and has no more would be taken for a part of it.
   for (const Entry& entry : entries) {
-    if (entry.Bytes.empty()) RemoveOld(base + std::string(entry.Ending), report);
+    if (entry.Bytes.empty()) RemoveOld(base + std::string(entry.Ending), store, report);
   }
   return true;
 }

@@ -75,14 +75,12 @@ model::Vec3 CornerVertices::DirectionOf(const smd::Triple& direction) const {
 }
 
 MeshVertex CornerVertices::Make(const smd::SourceCorner& corner) const {
-  MeshVertex vertex;
-  vertex.Position = PlaceOf(corner.Position);
-  vertex.Normal = DirectionOf(corner.Normal);
-  vertex.U = corner.U;
-  vertex.V = m_options.KeepValues ? FromOne(corner.V) : 1.0f - corner.V;
-  vertex.Weights = WeightsOfCorner(m_source, corner, m_bones, m_options.KeepValues);
-  if (m_static) vertex.Weights = {1, {0, 0, 0}, {1, 0, 0}};
-  return vertex;
+  return {.Position = PlaceOf(corner.Position),
+          .Normal = DirectionOf(corner.Normal),
+          .U = corner.U,
+          .V = m_options.KeepValues ? FromOne(corner.V) : 1.0f - corner.V,
+          .Weights = m_static ? CornerWeights{1, {0, 0, 0}, {1, 0, 0}}
+                              : WeightsOfCorner(m_source, corner, m_bones, m_options.KeepValues)};
 }
 
 }  // namespace tarnwick::compiler

@@ -11,11 +11,12 @@ constexpr float LeastWeight = 0.05f;
 /// How far a sum may lie from 1 and still stand for it.
 constexpr float SumTolerance = 1e-5f;
 constexpr size_t MostLinks = 64;
+/// Nearly every corner has no more than these. A place for all that there may be costs more than the rest of the work.
+constexpr size_t FewLinks = 4;
 
-}  // namespace
-
-CornerWeights WeightsOfCorner(const smd::SmdSource& source, const smd::SourceCorner& corner,
-                              std::span<const int32_t> bones, bool keepValues) {
+template <size_t MostLinks>
+CornerWeights WeightsOf(const smd::SmdSource& source, const smd::SourceCorner& corner, std::span<const int32_t> bones,
+                        bool keepValues) {
   CornerWeights result;
   smd::Link links[MostLinks];
   size_t count = 0;
@@ -50,7 +51,8 @@ CornerWeights WeightsOfCorner(const smd::SmdSource& source, const smd::SourceCor
   float sum = 0;
   for (size_t i = 0; i < count; ++i) sum += links[i].Weight;
   if (count == 0 || !(sum > 0) || !std::isfinite(sum)) {
-    return {1, {boneOf(corner.Bone), 0, 0}, {1, 0, 0}};
+    result = {1, {boneOf(corner.Bone), 0, 0}, {1, 0, 0}};
+    return result;
   }
   const bool unit = std::abs(sum - 1) <= SumTolerance;
   result.Count = static_cast<int32_t>(count);
@@ -59,6 +61,14 @@ CornerWeights WeightsOfCorner(const smd::SmdSource& source, const smd::SourceCor
     result.Weights[i] = keepValues && unit ? links[i].Weight : links[i].Weight / sum;
   }
   return result;
+}
+
+}  // namespace
+
+CornerWeights WeightsOfCorner(const smd::SmdSource& source, const smd::SourceCorner& corner,
+                              std::span<const int32_t> bones, bool keepValues) {
+  const auto weights = corner.LinkCount <= FewLinks ? WeightsOf<FewLinks> : WeightsOf<MostLinks>;
+  return weights(source, corner, bones, keepValues);
 }
 
 }  // namespace tarnwick::compiler

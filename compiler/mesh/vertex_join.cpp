@@ -1,8 +1,11 @@
 #include "compiler/mesh/vertex_join.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cmath>
+#include <cstddef>
+#include <cstring>
 #include <tuple>
 
 namespace tarnwick::compiler {
@@ -20,23 +23,20 @@ uint32_t Bits(float value, bool exact) {
 
 class Hash {
  public:
-  explicit Hash(bool exact) : m_exact(exact) {}
-  void Add(float value) { Mix(Bits(value, m_exact)); }
-  void Add(const model::Vec3& v) {
-    Add(float{v.x});
-    Add(float{v.y});
-    Add(float{v.z});
-  }
-  void Mix(uint32_t word) {
+  void Add(uint64_t word) {
     m_value = (m_value ^ word) * 0x9E3779B97F4A7C15u;
     m_value ^= m_value >> 29;
   }
+  void Add(uint32_t one, uint32_t other) { Add(uint64_t{one} << 32 | other); }
   uint64_t Value() const { return m_value ^ (m_value >> 32); }
 
  private:
-  bool m_exact;
   uint64_t m_value = 0x243F6A8885A308D3u;
 };
+
+/// The bytes of a vertex ahead of its weights, which is all of the rest.
+constexpr size_t BytesOfPlace = offsetof(MeshVertex, Weights);
+static_assert(BytesOfPlace == 2 * sizeof(model::Vec3) + 2 * sizeof(float) && BytesOfPlace % sizeof(uint64_t) == 0);
 
 bool SameWeights(const CornerWeights& a, const CornerWeights& b) {
   if (a.Count != b.Count) return false;
@@ -46,31 +46,42 @@ bool SameWeights(const CornerWeights& a, const CornerWeights& b) {
   return true;
 }
 
-bool SameVector(const model::Vec3& a, const model::Vec3& b, bool exact) {
-  return Bits(a.x, exact) == Bits(b.x, exact) && Bits(a.y, exact) == Bits(b.y, exact) &&
-         Bits(a.z, exact) == Bits(b.z, exact);
+bool SameVector(const model::Vec3& a, const model::Vec3& b) {
+  return Bits(a.x, false) == Bits(b.x, false) && Bits(a.y, false) == Bits(b.y, false) &&
+         Bits(a.z, false) == Bits(b.z, false);
 }
 
-bool SamePlace(const MeshVertex& a, const MeshVertex& b, bool exact) {
-  return SameVector(a.Position, b.Position, exact) && Bits(a.U, exact) == Bits(b.U, exact) &&
-         Bits(a.V, exact) == Bits(b.V, exact) && SameWeights(a.Weights, b.Weights);
+bool SamePlace(const MeshVertex& a, const MeshVertex& b) {
+  return SameVector(a.Position, b.Position) && Bits(a.U, false) == Bits(b.U, false) &&
+         Bits(a.V, false) == Bits(b.V, false) && SameWeights(a.Weights, b.Weights);
 }
 
 double Dot(const model::Vec3& a, const model::Vec3& b) {
   return double{a.x} * double{b.x} + double{a.y} * double{b.y} + double{a.z} * double{b.z};
 }
 
+/// Of all that `IsSame` compares, and no more.
 uint64_t HashOf(const MeshVertex& vertex, bool exact) {
-  Hash hash(exact);
-  hash.Add(vertex.Position);
-  hash.Add(vertex.U);
-  hash.Add(vertex.V);
-  for (int32_t i = 0; i < vertex.Weights.Count; ++i) {
-    hash.Mix(static_cast<uint32_t>(vertex.Weights.Bones[i]));
-    hash.Add(vertex.Weights.Weights[i]);
+  Hash hash;
+  if (exact) {
+    std::array<uint64_t, BytesOfPlace / sizeof(uint64_t)> words;
+    std::memcpy(words.data(), &vertex, BytesOfPlace);
+    for (const uint64_t word : words) hash.Add(word);
+  } else {
+    hash.Add(Bits(vertex.Position.x, false), Bits(vertex.Position.y, false));
+    hash.Add(Bits(vertex.Position.z, false), Bits(vertex.U, false));
+    hash.Add(Bits(vertex.V, false));
   }
-  if (exact) hash.Add(vertex.Normal);
+  for (int32_t i = 0; i < vertex.Weights.Count; ++i) {
+    hash.Add(static_cast<uint32_t>(vertex.Weights.Bones[i]), Bits(vertex.Weights.Weights[i], exact));
+  }
   return hash.Value();
+}
+
+/// Whether two vertices are one; if not `exact`, their normals aside.
+bool IsSame(const MeshVertex& a, const MeshVertex& b, bool exact) {
+  if (!exact) return SamePlace(a, b);
+  return std::memcmp(&a, &b, BytesOfPlace) == 0 && SameWeights(a.Weights, b.Weights);
 }
 
 std::tuple<uint32_t, uint32_t> Coordinates(const MeshVertex& vertex) {
@@ -93,8 +104,7 @@ uint32_t VertexJoiner::Add(const MeshVertex& corner) {
   uint32_t last = 0;
   while (m_table[slot] != 0) {
     const uint32_t head = m_table[slot] - 1;
-    if (m_hashes[head] != hash || !SamePlace(Vertices[head], corner, exact) ||
-        (exact && !SameVector(Vertices[head].Normal, corner.Normal, true))) {
+    if (m_hashes[head] != hash || !IsSame(Vertices[head], corner, exact)) {
       slot = (slot + 1) & mask;
       continue;
     }
@@ -102,7 +112,7 @@ uint32_t VertexJoiner::Add(const MeshVertex& corner) {
     int met = 0;
     for (uint32_t at = head + 1; at != 0 && met < MostNormals; at = m_next[at - 1], ++met) {
       const model::Vec3& normal = Vertices[at - 1].Normal;
-      if (SameVector(normal, corner.Normal, false) || Dot(normal, corner.Normal) > m_leastCosine) return at - 1;
+      if (SameVector(normal, corner.Normal) || Dot(normal, corner.Normal) > m_leastCosine) return at - 1;
       last = at;
     }
     break;

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core/file_source.h"
+#include "core/file_store.h"
 #include "core/trouble.h"
 #include "core/work_queue.h"
 #include "core/written_file.h"
@@ -40,6 +41,9 @@ struct DecompileJob {
 
   /// Where the model and the files that go with it are read from; nothing: the disk.
   const core::FileSource* Files = nullptr;
+
+  /// Takes what is written; nothing: the disk.
+  core::FileStore* Output = nullptr;
 
   /// Helps with formatting and writing the job's files; nothing: the calling thread does all.
   core::WorkQueue* Helpers = nullptr;

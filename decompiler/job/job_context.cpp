@@ -96,7 +96,7 @@ std::optional<core::OutputFile> JobContext::Create(std::string_view name, std::s
     FinishFiles();
     m_rewrittenPaths.insert(path);
   }
-  auto file = core::OutputFile::Create(std::move(path), reason);
+  auto file = (m_job.Output != nullptr ? *m_job.Output : core::DiskStore()).Create(std::move(path), reason);
   if (file) {
     m_progress.File = name;
     ++m_progress.FilesBegun;

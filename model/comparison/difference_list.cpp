@@ -18,15 +18,15 @@ void DifferenceList::Add(ModelTable table, std::string_view what, std::string wh
                          std::string second, double amount, bool isRounding, std::string_view derived) {
   if (Counted(table, what, amount, isRounding, derived)) return;
   if (ModelDifference* known = Find(table, what, isRounding, derived)) {
-    ++known->Count;
+    known->Count += m_places;
     known->Where = std::move(where);
     known->First = std::move(first);
     known->Second = std::move(second);
     known->Largest = amount;
     return;
   }
-  m_differences.push_back({table, std::string(what), std::move(where), std::move(first), std::move(second), 1, amount,
-                           isRounding, derived});
+  m_differences.push_back({table, std::string(what), std::move(where), std::move(first), std::move(second), m_places,
+                           amount, isRounding, derived});
 }
 
 ModelDifference* DifferenceList::Find(ModelTable table, std::string_view what, bool isRounding,
@@ -43,7 +43,7 @@ bool DifferenceList::Counted(ModelTable table, std::string_view what, double amo
                              std::string_view derived) {
   ModelDifference* known = Find(table, what, isRounding, derived);
   if (known == nullptr || amount > known->Largest) return false;
-  ++known->Count;
+  known->Count += m_places;
   return true;
 }
 

@@ -67,6 +67,8 @@ class DifferenceList {
     if (!differs || Counted(table, what, largest, isRounding, derived)) return;
     Add(table, what, where(), NumberText(first), NumberText(second), largest, isRounding, derived);
   }
+  /// What differs from now on does so in `places` places.
+  void SetPlaces(size_t places) { m_places = places; }
   /// A difference whose size is known. `derived` is as ModelDifference has it, a text that stays.
   void Add(ModelTable table, std::string_view what, std::string where, std::string first, std::string second,
            double amount, bool isRounding, std::string_view derived = {});
@@ -83,6 +85,7 @@ class DifferenceList {
   static std::string Quoted(std::string_view text);
 
   std::vector<ModelDifference> m_differences;
+  size_t m_places = 1;
 };
 
 }  // namespace tarnwick::model

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <limits>
 #include <map>
 #include <set>
@@ -44,7 +45,7 @@ class Corners {
  public:
   explicit Corners(const MeshPiece& piece) : m_piece(piece) {}
 
-  /// The next corner; null behind the last one.
+  /// The next corner's vertex; null behind the last one.
   const VvdVertex* Next() {
     while (m_strip < m_piece.Strips.size() && m_corner >= m_piece.Strips[m_strip].IndexCount) {
       ++m_strip;
@@ -53,8 +54,11 @@ class Corners {
     if (m_strip == m_piece.Strips.size()) return nullptr;
     const StripPiece& strip = m_piece.Strips[m_strip];
     const int64_t index = strip.Indices[m_corner++]->Vertex;
-    return GetMeshVertex(m_piece.Vertices, strip.GroupVertices[index]->MeshVertex);
+    m_number = strip.GroupVertices[index]->MeshVertex;
+    return GetMeshVertex(m_piece.Vertices, static_cast<int64_t>(m_number));
   }
+  /// The number of that vertex in the mesh.
+  size_t Number() const { return m_number; }
 
   static int64_t Count(const MeshPiece& piece) {
     int64_t count = 0;
@@ -66,6 +70,7 @@ class Corners {
   const MeshPiece& m_piece;
   size_t m_strip = 0;
   int64_t m_corner = 0;
+  size_t m_number = 0;
 };
 
 /// A vertex's weights by bone: their order shows in nothing.
@@ -78,8 +83,9 @@ std::array<std::pair<int, float>, 3> WeightsByBone(const VvdVertex& vertex) {
   return weights;
 }
 
-void CompareWeights(DifferenceList& differences, const VvdVertex& a, const VvdVertex& b,
-                    const std::function<std::string()>& where) {
+template <typename Where>
+void CompareWeights(DifferenceList& differences, const VvdVertex& a, const VvdVertex& b, const Where& where) {
+  if (std::memcmp(&a, &b, offsetof(VvdVertex, Position)) == 0) return;  // all of the weights
   differences.Whole(ModelTable::Vertices, "number of weights", where, a.WeightCount, b.WeightCount);
   const auto one = WeightsByBone(a);
   const auto other = WeightsByBone(b);
@@ -93,6 +99,39 @@ void CompareWeights(DifferenceList& differences, const VvdVertex& a, const VvdVe
   differences.Numbers(ModelTable::Vertices, "weights", where, first, second, WeightGrain);
 }
 
+/// Two vertices that stand at the same corners of two pieces.
+struct CornerPair {
+  const VvdVertex* First = nullptr;
+  const VvdVertex* Second = nullptr;
+  int64_t Corner = 0;  // the first of them
+  size_t Count = 1;
+};
+
+/// The vertices that differ, by the corners where they do so first. Most stand at several corners beside the same one.
+std::vector<CornerPair> DifferentCorners(const MeshPiece& first, const MeshPiece& second) {
+  constexpr uint32_t Unmet = 0, Same = 1, FirstPair = 2;
+  std::vector<CornerPair> pairs;
+  std::vector<std::pair<const VvdVertex*, uint32_t>> met;  // by the first's number: the second beside it, its pair
+  Corners firstCorners(first);
+  Corners secondCorners(second);
+  for (int64_t k = 0;; ++k) {
+    const VvdVertex* a = firstCorners.Next();
+    const VvdVertex* b = secondCorners.Next();
+    if (a == nullptr || b == nullptr) return pairs;
+    if (firstCorners.Number() >= met.size()) met.resize(std::max(firstCorners.Number() + 1, 2 * met.size()));
+    auto& [beside, pair] = met[firstCorners.Number()];
+    if (pair == Unmet || beside != b) {
+      beside = b;
+      pair = Same;
+      if (core::HasSameBytes(*a, *b)) continue;
+      pair = FirstPair + static_cast<uint32_t>(pairs.size());
+      pairs.push_back({a, b, k, 1});
+    } else if (pair != Same) {
+      ++pairs[pair - FirstPair].Count;
+    }
+  }
+}
+
 /// Compares triangle by triangle: what stands at each corner is all that a triangle shows, whatever numbers its
 /// vertices have.
 void ComparePieces(const ComparedModels& models, const MeshPiece& first, const MeshPiece& second,
@@ -100,19 +139,15 @@ void ComparePieces(const ComparedModels& models, const MeshPiece& first, const M
   const auto whole = [&] { return place; };
   models.Differences.Whole(ModelTable::Triangles, "number of triangles", whole, Corners::Count(first) / 3,
                            Corners::Count(second) / 3);
-  Corners firstCorners(first);
-  Corners secondCorners(second);
-  for (int64_t k = 0;; ++k) {
-    const VvdVertex* a = firstCorners.Next();
-    const VvdVertex* b = secondCorners.Next();
-    if (a == nullptr || b == nullptr) return;
-    if (core::HasSameBytes(*a, *b)) continue;
-    const std::function<std::string()> where = [&] {
-      return place + ", triangle " + std::to_string(k / 3) + ", corner " + std::to_string(k % 3);
+  for (const CornerPair& pair : DifferentCorners(first, second)) {
+    const auto where = [&] {
+      return place + ", triangle " + std::to_string(pair.Corner / 3) + ", corner " + std::to_string(pair.Corner % 3);
     };
-    CompareFields(models.Differences, ModelTable::Vertices, VertexFields, *a, *b, where);
-    CompareWeights(models.Differences, *a, *b, where);
+    models.Differences.SetPlaces(pair.Count);
+    CompareFields(models.Differences, ModelTable::Vertices, VertexFields, *pair.First, *pair.Second, where);
+    CompareWeights(models.Differences, *pair.First, *pair.Second, where);
   }
+  models.Differences.SetPlaces(1);
 }
 
 /// How many vertices the triangles of each mesh show at any level: those of equal content are one, and one that no

@@ -37,9 +37,10 @@ bool Load(ModelReader& reader, const std::string& path) {
 std::optional<std::vector<ModelDifference>> CompareModels(const std::string& firstMdl, const std::string& secondMdl,
                                                           core::TroubleSink& troubles,
                                                           const std::function<bool()>& stopped,
-                                                          const core::FileSource& firstFiles) {
+                                                          const core::FileSource& firstFiles,
+                                                          const core::FileSource& secondFiles) {
   ModelReader first(troubles, firstFiles);
-  ModelReader second(troubles);
+  ModelReader second(troubles, secondFiles);
   if (!Load(first, firstMdl) || !Load(second, secondMdl)) return std::nullopt;
   DifferenceList differences;
   const ComparedModels models{first, second, differences, stopped, FindPhyFile(firstFiles, firstMdl).has_value()};

@@ -405,10 +405,10 @@ TEST(ModelFiles, RemovesWhatTheModelHasNoMore) {
   CompiledFiles files;
   files.Mdl = "mdl";
   files.Phy = "phy";
-  ASSERT_TRUE(WriteModelFiles(files, "a.mdl", folder.Path("game"), report));
+  ASSERT_TRUE(WriteModelFiles(files, "a.mdl", folder.Path("game"), core::DiskStore(), report));
   files.Phy.clear();
   EXPECT_TRUE(report.Troubles.empty());
-  ASSERT_TRUE(WriteModelFiles(files, "a.mdl", folder.Path("game"), report));
+  ASSERT_TRUE(WriteModelFiles(files, "a.mdl", folder.Path("game"), core::DiskStore(), report));
   EXPECT_FALSE(std::filesystem::exists(folder.Path("game/models/a.phy")));
   ASSERT_EQ(report.Troubles.size(), 1U);
   EXPECT_THAT(report.Troubles[0].Text, HasSubstr("a.phy of the model before is removed"));

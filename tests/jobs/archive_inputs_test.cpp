@@ -14,6 +14,7 @@
 #include "support/model_builder.h"
 #include "support/recording_host.h"
 #include "support/scratch_folder.h"
+#include "support/stored_file.h"
 #ifdef TARNWICK_HAS_IMAGES
 #include "jobs/export_textures.h"
 #include "support/shell_programs.h"
@@ -39,6 +40,7 @@ using tests::ModelBuilder;
 using tests::PackedFile;
 using tests::RecordingHost;
 using tests::ScratchFolder;
+using tests::StoreFile;
 using tests::VpkBuilder;
 using tests::WriteText;
 
@@ -230,7 +232,8 @@ TEST_F(ArchiveInputsTest, VerifiesAndUnpacksModels) {
   const VerifyModels job{.Inputs = {vpk + ":models/props"},
                          .Compiler = [&](const ModelCompile& compile, core::Report&) -> std::optional<std::string> {
                            const std::string models = compile.GameDirectory + "/models";
-                           for (const PackedFile& file : files) WriteText(models + "/" + file.Name, file.Bytes);
+                           for (const PackedFile& file : files)
+                             StoreFile(compile.Files, models + "/" + file.Name, file.Bytes);
                            return models + "/models/props/crate.mdl";
                          }};
   const JobResult result = jobs::Run(job, m_host, {});

@@ -11,6 +11,7 @@
 #include "support/model_builder.h"
 #include "support/recording_host.h"
 #include "support/scratch_folder.h"
+#include "support/stored_file.h"
 
 namespace {
 
@@ -35,19 +36,27 @@ ModelBuilder Crate() {
 /// A compiler that gives `model` for every script that is there.
 ModelCompiler Gives(const ModelBuilder& model) {
   return [model](const ModelCompile& compile, core::Report& report) -> std::optional<std::string> {
-    if (!core::FileExists(compile.Script)) {
+    if (!compile.Files.Holds(compile.Script)) {
       report.ErrorBox(core::TroubleKind::Missing, "no script", "");
       return std::nullopt;
     }
-    return model.Write(compile.GameDirectory + "/models", "made");
+    const ScratchFolder folder;
+    model.Write(folder.Path(), "made");
+    for (const std::string& name : folder.Files()) {
+      StoreFile(compile.Files, compile.GameDirectory + "/models/" + name,
+                StoredBytes(core::DiskFiles(), folder.Path(name)));
+    }
+    return compile.GameDirectory + "/models/made.mdl";
   };
 }
 
 class VerifyModelsJob : public testing::Test {
  protected:
-  const ItemResult& Verify(const ModelCompiler& compiler, const std::string& keep = {}) {
-    m_result = jobs::Run({.Inputs = {m_folder.Path("cube.mdl")}, .KeepDirectory = keep, .Compiler = compiler}, m_host,
-                         m_stop.get_token());
+  const ItemResult& Verify(const ModelCompiler& compiler, const std::string& keep = {},
+                           int64_t memory = VerifyModels().MemoryLimit) {
+    m_result = jobs::Run(
+        {.Inputs = {m_folder.Path("cube.mdl")}, .KeepDirectory = keep, .MemoryLimit = memory, .Compiler = compiler},
+        m_host, m_stop.get_token());
     return m_result.Items.at(0);
   }
 
@@ -97,16 +106,23 @@ TEST_F(VerifyModelsJob, TellsEachKindOfDifferenceOnceTheRealOnesFirst) {
 }
 
 #ifndef _WIN32
-TEST_F(VerifyModelsJob, ItsOwnFilesAreTakenAwayAndWithoutAPlaceForThemItSaysSo) {
-  Crate().Write(m_folder.Path());
+TEST_F(VerifyModelsJob, WhatMemoryHasNoRoomForLiesInATemporaryFolderThatGoesAwayAndTellsTheSame) {
+  ModelBuilder crate = Crate();
+  crate.BodyParts[0].Models[0].Meshes[0].Vertices[1].Position.x = 1 / 3.0f;
+  crate.Write(m_folder.Path());
   const char* before = std::getenv("TMPDIR");
   const std::string usual = before == nullptr ? "/tmp" : before;
   setenv("TMPDIR", m_folder.Path("temporary").c_str(), 1);
-  EXPECT_EQ(Verify(Gives(Crate())).Judged, Verdict::Failed);
+  const Verification inMemory = Verify(CompileUnchanged).Verified.value_or(Verification());
+  EXPECT_FALSE(inMemory.IsSame());
+  EXPECT_EQ(Verify(CompileUnchanged, {}, 0).Judged, Verdict::Failed);
   EXPECT_THAT(m_result.Items[0].First(core::Severity::Error)->Text, HasSubstr("No such file or directory"));
   std::filesystem::create_directory(m_folder.Path("temporary"));
-  EXPECT_EQ(Verify(Gives(Crate())).Judged, Verdict::Succeeded);
-  EXPECT_TRUE(std::filesystem::is_empty(m_folder.Path("temporary")));
+  for (const int64_t limit : {0, 300, 700, 2000}) {
+    EXPECT_EQ(Verify(CompileUnchanged, {}, limit).Verified, inMemory) << limit;
+    EXPECT_TRUE(std::filesystem::is_empty(m_folder.Path("temporary"))) << limit;
+  }
+  EXPECT_EQ(Verify(CompileUnchanged, m_folder.Path("kept")).Verified, inMemory);
   setenv("TMPDIR", usual.c_str(), 1);
 }
 #endif
@@ -148,9 +164,9 @@ TEST_F(VerifyModelsJob, OurOwnCompilerKeepsTheVersionAndEveryNormal) {
     Verify([&](const ModelCompile& compile, core::Report& report) {
       const auto path = CompileUnchanged(compile, report);
       if (path) {
-        std::memcpy(&made, ReadText(*path).substr(4).data(), 4);
-        std::memcpy(&vertices,
-                    ReadText(std::filesystem::path(*path).replace_extension(".vvd").string()).substr(16).data(), 4);
+        const std::string stem = path->substr(0, path->size() - 4);
+        std::memcpy(&made, StoredBytes(compile.Files, *path).substr(4).data(), 4);
+        std::memcpy(&vertices, StoredBytes(compile.Files, stem + ".vvd").substr(16).data(), 4);
       }
       return path;
     });
