@@ -39,13 +39,6 @@ std::string LineOf(const core::Trouble& trouble) {
   return line;
 }
 
-std::string LastLine(std::string_view text) {
-  const size_t end = text.find_last_not_of("\r\n ");
-  if (end == std::string_view::npos) return {};
-  const size_t start = text.find_last_of("\r\n", end);  // npos + 1 is the start of the text
-  return std::string(text.substr(start + 1, end - start));
-}
-
 void ProgressLine::Show(size_t done, size_t all, std::string_view name) {
   if (!m_shown) return;
   constexpr size_t Width = 24;

@@ -20,9 +20,6 @@ std::string OneLine(std::string_view text);
 /// A trouble in one line: caption, text and cause.
 std::string LineOf(const core::Trouble& trouble);
 
-/// The last line of `text` that holds anything, without its line end.
-std::string LastLine(std::string_view text);
-
 /// A line at the bottom of a terminal that is drawn over and over; nothing where there is no terminal.
 class ProgressLine {
  public:
