@@ -150,7 +150,6 @@ class Drawing {
       return Refuse("there is no frame " + std::to_string(m_job.Frame) + ": the sequence has " +
                     std::to_string(frames) + ", counted from 0");
     }
-    state.Cycle = 0;
     view::ShowFrame(scene, state, static_cast<float>(m_job.Frame));
     if (static_cast<size_t>(m_job.Skin) >= std::max(scene.Skins.size(), size_t{1})) {
       return Refuse("there is no skin " + std::to_string(m_job.Skin) + ": it has " +

@@ -135,9 +135,9 @@ class Copying {
     return false;
   }
 
-  /// Whether a file is new and may be written.
-  bool IsNew(const std::string& inside) {
-    if (!MayTake() || !m_taken.insert(inside).second) return false;
+  /// Takes note of a file that is new, and tells whether it may be written.
+  bool Take(const std::string& inside) {
+    m_taken.insert(inside);
     const std::string reason = archives::UnsafeReason(inside);
     if (reason.empty()) return true;
     const std::string shown = archives::PrintableName(inside);
@@ -159,7 +159,7 @@ class Copying {
 
   /// Writes the material and what it names. `inside` begins with "materials/".
   void CopyMaterial(const std::string& inside, const std::string& found) {
-    if (!IsNew(inside)) return;
+    if (!Take(inside)) return;
     std::string reason;
     const auto image = m_content.Read(found, &reason);
     if (image && image->Bytes().size() > LargestMaterial) reason = "it is larger than 1 MiB";
@@ -206,7 +206,7 @@ class Copying {
       m_taken.insert(inside);
       return TellMissing("texture", {inside});
     }
-    if (!IsNew(inside)) return;
+    if (!Take(inside)) return;
     const TextureImages texture(*found, m_content);
     if (texture.Texture() == nullptr) {
       return Warn(core::TroubleKind::Damaged, *found, *found + ": " + texture.Problem(), "a texture cannot be read");

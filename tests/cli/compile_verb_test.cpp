@@ -9,6 +9,8 @@
 #include <sstream>
 
 #include "command_line.h"
+#include "core/program_directory.h"
+#include "process/run.h"
 #include "support/scratch_folder.h"
 #include "tools/tool_file.h"
 
@@ -48,7 +50,7 @@ class CompileVerb : public tests::VerbTest {
   std::vector<Json> Lines() const {
     std::vector<Json> lines;
     std::istringstream text(m_out);
-    for (std::string line; std::getline(text, line);) lines.push_back(Json::parse(line));
+    for (std::string line; std::getline(text, line);) lines.push_back(Json::parse(line, nullptr, false));
     return lines;
   }
 
@@ -115,6 +117,16 @@ TEST_F(CompileVerb, RunsSeveralFilesAndSumsUp) {
                            {"more_errors", 0},
                            {"more_warnings", 0}}));
   EXPECT_EQ(json[1]["outcome"], "ok");
+}
+
+TEST_F(CompileVerb, WhoReadsItsJsonGetsNothingElse) {
+  const process::CapturedRun run =
+      process::RunAndKeep({core::ProgramDirectory() + "/tarnwick-cli",
+                           {"compile", "-q", "--json", "--sdk", m_sdk, "--game", m_game, Script("a.qc", "fine\n")}},
+                          {}, {});
+  m_out = run.Output;
+  ASSERT_EQ(Lines().size(), 1u) << run.Output;
+  EXPECT_EQ(Lines()[0]["outcome"], "ok");
 }
 
 TEST_F(CompileVerb, CountsWhatItDoesNotPrintAndNamesAnUnknownModel) {

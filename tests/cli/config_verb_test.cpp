@@ -54,6 +54,9 @@ TEST_F(ConfigVerb, WhatIsStoredIsWhatOtherVerbsWorkWith) {
   tests::WriteText(m_folder.Path("a.vtf"), "VTF");
   ASSERT_EQ(run({"config", "set", "SDKDirectory", sdk}).ExitCode, ExitSuccess);
   ASSERT_EQ(run({"config", "set", "GameDirectory", m_folder.Path("game")}).ExitCode, ExitSuccess);
+  tests::WriteShellProgram(sdk + "/hlmv.exe", "exit 0\n");
+  EXPECT_EQ(run({"view", "a.mdl"}).Out,
+            sdk + "/hlmv.exe -game \"" + m_folder.Path("game") + "\" \"" + m_folder.Path("game/models/a.mdl\"\n"));
   EXPECT_THAT(run({"compile", m_folder.Path("a.qc")}).Out,
               HasSubstr(sdk + "/studiomdl.exe -game \"" + m_folder.Path("game") + '"'));
 #ifdef TARNWICK_HAS_IMAGES

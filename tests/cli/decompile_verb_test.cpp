@@ -44,6 +44,9 @@ TEST_F(DecompileVerb, SeveralModelsGetFoldersOfTheirOwn) {
   EXPECT_EQ(m_err, "");
 
   EXPECT_EQ(Run({m_models.Path("a"), "-r", "-j", "3", "-o", m_output.Path("tree")}), ExitSuccess);
+  for (const char* name : {"a/cube.mdl", "a/deep/cube.mdl"}) {
+    EXPECT_THAT(m_err, HasSubstr("Loaded model " + m_models.Path(name) + "\n")) << "the log of each";
+  }
   EXPECT_TRUE(std::filesystem::exists(m_output.Path("tree/cube/cube.smd")));
   EXPECT_TRUE(std::filesystem::exists(m_output.Path("tree/deep/cube/cube.smd")));
 
@@ -113,6 +116,15 @@ TEST_F(DecompileVerb, OptionsReachTheJob) {
   EXPECT_TRUE(std::filesystem::exists(m_output.Path("with/phys.smd")));
   EXPECT_THAT(nlohmann::json::parse(m_out)["lost"],
               testing::Contains(nlohmann::json{{"kind", "parents of physics solids"}, {"count", 1}}));
+  const std::string moves =
+      ModelBuilder{.Animations = {{.Name = "@turn"}}, .Sequences = {{.Label = "turn"}}}.Write(m_models.Path(), "moves");
+  EXPECT_EQ(Run({moves, "-o", m_output.Path("fixed")}), ExitSuccess);
+  EXPECT_EQ(Run({moves, "--keep-rotations", "-o", m_output.Path("kept")}), ExitSuccess);
+  EXPECT_NE(ReadText(m_output.Path("fixed/turn.smd")), ReadText(m_output.Path("kept/turn.smd")));
+  EXPECT_EQ(Run({moves, "--no-animations", "-o", m_output.Path("still")}), ExitSuccess);
+  EXPECT_FALSE(std::filesystem::exists(m_output.Path("still/turn.smd")));
+  EXPECT_EQ(Run({moves, "--own-folders", "-o", m_output.Path("own")}), ExitSuccess);
+  EXPECT_TRUE(std::filesystem::exists(m_output.Path("own/moves/turn.smd")));
   EXPECT_EQ(Run({path, "--plain", "-o", m_output.Path()}), ExitFailure);
   EXPECT_THAT(m_err, HasSubstr("File Error: Error opening " + m_output.Joined("folder/cube.smd")));
 }

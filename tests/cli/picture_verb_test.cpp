@@ -45,9 +45,22 @@ TEST_F(PictureVerb, DrawsAFileAndTellsWhatIsMissing) {
   EXPECT_EQ(json["warnings"], nlohmann::json({"the material skin: it was not found"}));
   EXPECT_EQ(json["errors"], nlohmann::json::array());
   EXPECT_GT(json["seconds"], 0);
+  // Width and height stand behind the signature and the head of the first chunk.
+  EXPECT_EQ(ReadText(m_output.Path("two.png")).substr(16, 8), std::string("\0\0\0\x28\0\0\0\x1E", 8));
   EXPECT_EQ(Run({m_models.Path(), "-q", "-r", "-j", "2", "-o", m_output.Path("all")}), ExitSuccess);
   EXPECT_EQ(m_out, "");
   EXPECT_THAT(m_output.Files(), ElementsAre("all/cube.png", "try.png", "two.png"));
+}
+
+TEST_F(PictureVerb, DrawsAModelOfTheGame) {
+  if (!CanDraw()) GTEST_SKIP() << m_err;
+  WriteText(m_models.Path("mod/gameinfo.txt"), "GameInfo { FileSystem { SearchPaths { game |gameinfo_path|. } } }");
+  ModelBuilder{}.Write(m_models.Path("mod/models"), "crate");
+  EXPECT_EQ(Run({"--game", m_models.Path("mod"), "game:models/crate.mdl", "-o", m_output.Path("game.png")}),
+            ExitSuccess)
+      << m_err;
+  EXPECT_EQ(Run({"game:models/crate.mdl", "-o", m_output.Path("no.png")}), ExitFailure);
+  EXPECT_THAT(m_err, HasSubstr("no game directory is known"));
 }
 
 TEST_F(PictureVerb, EachOptionChangesThePicture) {
@@ -63,7 +76,7 @@ TEST_F(PictureVerb, EachOptionChangesThePicture) {
   };
   EXPECT_EQ(draw({"--angle", "30,15"}), draw({})) << "what the help says";
   const std::vector<std::string> below{"--angle", "30,-15"};  // the triangle is seen from there
-  const std::string plain = draw(below);
+  const std::string plain = draw({below[0], below[1], "-j", "1"});
   for (const char* angle : {"80,-15", "30,-40", "30,15"}) EXPECT_NE(draw({"--angle", angle}), plain) << angle;
   for (const char* option : {"--wireframe", "--transparent"}) {
     EXPECT_NE(draw({below[0], below[1], option}), plain) << option;

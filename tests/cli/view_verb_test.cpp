@@ -10,6 +10,7 @@
 #include "command_line.h"
 #include "core/program_directory.h"
 #include "process/run.h"
+#include "support/archive_builder.h"
 
 namespace tarnwick::tests {
 
@@ -80,6 +81,14 @@ TEST_F(InstalledProgram, SaysWhatToDoAboutAViewerThatIsMissing) {
   EXPECT_THAT(View("none", "box.mdl").Output, HasSubstr("\nName the folder of the SDK's tools with --sdk"));
   WriteText(m_folder.Path("broken/hlmv.exe"), "no program");
   EXPECT_THAT(View("broken", "box.mdl").Output, testing::Not(HasSubstr("--sdk"))) << "it is there";
+}
+
+TEST_F(InstalledProgram, WhoReadsItsJsonOfACopyGetsNothingElse) {
+  VpkBuilder vpk{.Files = {{.Name = "models/box.mdl", .Bytes = "x"}}};
+  WriteText(m_folder.Path("pak_dir.vpk"), vpk.Build().Directory);
+  WriteShellProgram(m_folder.Path("sdk/hlmv.exe"), "echo loading\n");
+  const process::CapturedRun run = View("sdk", m_folder.Path("pak_dir.vpk") + ":models/box.mdl");
+  EXPECT_EQ(nlohmann::json::parse(run.Output, nullptr, false).value("outcome", ""), "ok") << run.Output;
 }
 
 TEST(ViewVerb, TellsWhatItStartsAndWhatTheViewerWillNotFind) {

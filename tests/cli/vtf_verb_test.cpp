@@ -80,6 +80,20 @@ TEST_F(VtfVerbTest, TellsWhatTheToolSaysOnlyWhereThatIsWanted) {
   EXPECT_EQ(quiet.Out + quiet.Err, "");
 }
 
+TEST_F(VtfVerbTest, WhoReadsItsJsonOrThatOfMaterialGetsNothingElse) {
+  WriteText(Folder.Path("a.vtf"), PlainTexture({{250, 20, 30}}));
+  WriteText(Folder.Path("game/gameinfo.txt"), "");
+  const auto run = [](std::vector<std::string> words) {
+    words.insert(words.end(), {"-q", "--json"});
+    return process::RunAndKeep({core::ProgramDirectory() + "/tarnwick-cli", words}, {}, {}).Output;
+  };
+  for (const std::string& output :
+       {run({"vtf", "-o", Folder.Path("a.tga"), Folder.Path("a.vtf")}),
+        run({"material", "--game", Folder.Path("game"), "-d", "props", Folder.Path("a.tga")})}) {
+    EXPECT_EQ(nlohmann::json::parse(output, nullptr, false).value("outcome", ""), "ok") << output;
+  }
+}
+
 TEST_F(VtfVerbTest, KeepsTheTgaFilesOnlyWhereThatIsWanted) {
   WriteText(Folder.Path("a.vtf"), PlainTexture({{250, 20, 30}}));
   EXPECT_EQ(RunCommand({"vtf", "-o", Folder.Path("b.dds"), Folder.Path("a.vtf")}).ExitCode, 0);
@@ -126,7 +140,8 @@ TEST_F(VtfVerbTest, RefusesAFormatThatCannotBeWrittenBeforeItStarts) {
   EXPECT_EQ(result.ExitCode, 2);
   EXPECT_THAT(result.Err, HasSubstr("images cannot be written as .vmt; choose one of bmp "));
   EXPECT_EQ(RunCommand({"vtf"}).ExitCode, 2);
-  EXPECT_EQ(RunCommand({"vtf", "-o", Folder.Path("x"), Folder.Path()}).ExitCode, 0);
+  EXPECT_EQ(RunCommand({"vtf", "-j", "0", Folder.Path("a.vtf")}).ExitCode, 2);
+  EXPECT_EQ(RunCommand({"vtf", "-j", "1", "-o", Folder.Path("x"), Folder.Path()}).ExitCode, 0);
   EXPECT_THAT(Folder.Files(), ElementsAre("a.vtf", "x/a.tga"));
 }
 
@@ -161,6 +176,7 @@ TEST_F(VtfVerbTest, TellsWhatATextureHolds) {
   EXPECT_EQ(result.ExitCode, 1);
   EXPECT_EQ(result.Out, one + "\n" + one);
   EXPECT_EQ(RunCommand({"vtf", "info"}).ExitCode, 2);
+  EXPECT_THAT(RunCommand({"vtf", "info", "--help"}).Out, HasSubstr("\nExample:\n  tarnwick-cli vtf info --json "));
 }
 
 }  // namespace

@@ -382,6 +382,22 @@ TEST_F(ArchiveInputsTest, WritesTheMaterialsOfAModel) {
   EXPECT_THAT(out.Files(), Contains("materials/models/props/skin.vmt"));
 }
 
+TEST_F(ArchiveInputsTest, AStopWithinTheMaterialsKeepsWhatIsWhole) {
+  ModelBuilder{.Textures = {"a", "b"}}.Write(m_folder.Path("models/props"), "crate");
+  for (const char* name : {"a", "b"}) WriteText(m_folder.Path("materials/models/props/") + name + ".vmt", "X { }");
+  std::stop_source stop;
+  m_host.OnEvent = [&](const Event& event) {
+    const auto* now = std::get_if<Progress>(&event);
+    if (now != nullptr && now->File.ends_with("a.vmt")) stop.request_stop();
+  };
+  const JobResult result = jobs::Run(DecompileTree{.Inputs = {m_folder.Path("models/props/crate.mdl")},
+                                                   .OutputDirectory = m_output.Path(),
+                                                   .MaterialFormat = "png"},
+                                     m_host, stop.get_token());
+  EXPECT_EQ(result.Items.at(0).Judged, Verdict::Stopped);
+  EXPECT_THAT(m_output.Files(), ElementsAre("cube.smd", "materials/models/props/a.vmt", "ravelback.qc"));
+}
+
 TEST_F(ArchiveInputsTest, AModelThatNamesEndlessMaterialsEndsAndSaysSoOnce) {
   ModelBuilder builder;
   builder.Textures.clear();

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 
+#include "core/paths.h"
 #include "support/recording_host.h"
 #include "support/scratch_folder.h"
 #include "support/shell_programs.h"
@@ -152,6 +153,44 @@ TEST_F(CompileImagesTest, TellsBeforeItRunsThatTwoImagesBecomeOneTexture) {
   EXPECT_FALSE(std::filesystem::exists(m_folder.Path("game/materialsrc")));
 }
 
+TEST_F(CompileImagesTest, PlansWhereEachTextureGoesAndWhatClashes) {
+  CompileImages job = Job({"Brick.Wall.PNG"});
+  job.Form.NormalMap = "other/brick.wall.tga";  // not wanted
+  EXPECT_EQ(std::filesystem::path(Plan(job).Items.at(0).Target).generic_string(), Compiled("brick.wall.vtf"));
+  EXPECT_THAT(Plan(job).Troubles, IsEmpty());
+  job.Form.ModelPath = false;
+  job.Form.Directory = "walls/old";
+  EXPECT_EQ(std::filesystem::path(Plan(job).Items.at(0).Target).generic_string(),
+            m_folder.Path("game/materials/walls/old/brick.wall.vtf"));
+  for (std::string tools::MaterialCompile::*map :
+       {&tools::MaterialCompile::NormalMap, &tools::MaterialCompile::GlowMap, &tools::MaterialCompile::SpecularMap}) {
+    CompileImages clashing = Job({"brick.png"});
+    clashing.Form.*map = "other/BRICK.jpg";
+    clashing.Form.HasNormalMap = clashing.Form.HasGlowMap = true;
+    ASSERT_EQ(Plan(clashing).Troubles.size(), 1u);
+    EXPECT_EQ(Plan(clashing).Troubles[0].Level, Severity::Warning);
+    EXPECT_EQ(Plan(clashing).Troubles[0].Text, "brick.png and other/BRICK.jpg both become brick.tga");
+    clashing.Form.*map = "brick.png";
+    EXPECT_THAT(Plan(clashing).Troubles, IsEmpty()) << "the same file becomes the same file";
+  }
+}
+
+TEST_F(CompileImagesTest, AStopWithinAConversionLeavesNothing) {
+  const std::string image = m_folder.Path("a.png");
+  tests::WriteText(image, "no image, which nobody finds out any more");
+  std::stop_source stop;
+  m_host.OnEvent = [&](const Event& event) {
+    const auto* line = std::get_if<Line>(&event);
+    if (line != nullptr && line->Text.starts_with("Converting ")) stop.request_stop();
+  };
+  const JobResult result = jobs::Run(Job({image, Image("b.tga")}), m_host, stop.get_token());
+  EXPECT_EQ(result.Items[0].Judged, Verdict::Stopped);
+  EXPECT_EQ(result.Items[0].Troubles.size(), 1u);
+  EXPECT_EQ(result.Items[1].Judged, Verdict::NotBegun);
+  EXPECT_EQ(m_host.Text(LineSource::Command), "") << "the tool was not begun either";
+  EXPECT_THAT(m_folder.Files(), ElementsAre("a.png", "b.tga"));
+}
+
 TEST_F(CompileImagesTest, NeedsAGameAndAsksBeforeItUsesNoDirectory) {
   CompileImages job = Job({Image("a.tga")});
   job.GameDirectory.clear();
@@ -172,7 +211,15 @@ TEST_F(CompileImagesTest, NeedsAGameAndAsksBeforeItUsesNoDirectory) {
 TEST_F(CompileImagesTest, ANoToADirectoryHoldsForAllImages) {
   m_host.Answer = false;
   const JobResult result = jobs::Run(Job({Image("a.tga"), Image("b.tga")}), m_host, {});
-  EXPECT_EQ(m_host.Questions.size(), 1u);
+  ASSERT_EQ(m_host.Questions.size(), 1u);
+  EXPECT_EQ(m_host.Questions[0].Kind, QuestionKind::MakeDirectory);
+  EXPECT_EQ(m_host.Questions[0].Yes, "Create Directory");
+  const std::string missing = "The directory " +
+                              core::PathText(core::NativePath(m_folder.Path("game/materialsrc/models/props"))) +
+                              " does not exist.";
+  EXPECT_EQ(m_host.Questions[0].Details, missing);
+  EXPECT_EQ(result.Items[0].First(Severity::Error)->Text, missing);
+  EXPECT_THAT(m_host.Text(LineSource::Log), HasSubstr(missing + "\r\n")) << "the box alone would be gone";
   EXPECT_EQ(result.Count(Verdict::Failed), 2u);
   EXPECT_EQ(result.Items[1].First(Severity::Error)->Kind, TroubleKind::Missing);
 }

@@ -137,6 +137,7 @@ TEST_F(CompileModelsJob, WritesTheScriptOfAProjectWithItsSwitches) {
   const ItemResult failed = RunOne();
   EXPECT_EQ(failed.Judged, Verdict::Failed);
   EXPECT_EQ(failed.CommandLine, "") << "nothing was run";
+  EXPECT_EQ(failed.Count(core::Severity::Error), 1u) << "the reason, once";
 }
 
 TEST_F(CompileModelsJob, TellsACrashAndAToolThatCannotBeRun) {

@@ -184,6 +184,9 @@ TEST_F(DrawPicturesTest, AModelThatCannotBeDrawnLeavesNoFileAndStopsNoOther) {
   const JobResult result =
       Draw({.Inputs = {m_folder.Path("in"), m_folder.Path("none.mdl")}, .Output = m_folder.Path("out")});
   EXPECT_EQ(result.Count(Verdict::Failed), 2u);
+  for (const ItemResult& item : result.Items) {
+    EXPECT_EQ(item.Count(Severity::Error), item.Succeeded() ? 0u : 1u) << item.Input << ": the reason, once";
+  }
   EXPECT_THAT(Pictures(), ElementsAre("out/good.png"));
   for (DrawPictures job : {DrawPictures{.Sequence = "no such"}, DrawPictures{.Frame = 1000}, DrawPictures{.Skin = 1},
                            DrawPictures{.Output = m_folder.Path("taken/out.png")}}) {

@@ -135,6 +135,34 @@ TEST_F(VerifyModelsJob, KeepsEachStepWhereItIsAsked) {
   }
 }
 
+TEST_F(VerifyModelsJob, KeepsEachModelInAFolderOfItsOwnOrSaysWhyNot) {
+  Crate().Write(m_folder.Path("in"));
+  Crate().Write(m_folder.Path("in"), "CUBE");
+  std::filesystem::create_directory(m_folder.Path("empty"));
+  VerifyModels job{.Inputs = {m_folder.Path("in"), m_folder.Path("empty")},
+                   .KeepDirectory = m_folder.Path("kept"),
+                   .Compiler = Gives(Crate())};
+  const JobResult both = jobs::Run(job, m_host, {});
+  EXPECT_EQ(both.Count(Verdict::Succeeded), 2u);
+  EXPECT_FALSE(both.Succeeded()) << "a folder without a model is told";
+  ASSERT_THAT(both.Troubles, SizeIs(1));
+  EXPECT_EQ(both.Troubles[0].Text,
+            m_folder.Path("empty") + ": the folder holds no .mdl file (those below it were not looked into)");
+  for (const char* name : {"CUBE", "cube_2"}) {
+    EXPECT_TRUE(core::FileExists(m_folder.Path(std::string("kept/") + name + "/again/ravelback.qc"))) << name;
+  }
+  job.Recursive = true;
+  EXPECT_EQ(Plan(job).Troubles.at(0).Text, m_folder.Path("empty") + ": the folder holds no .mdl file");
+
+  WriteText(m_folder.Path("taken"), "a file");
+  job.KeepDirectory = m_folder.Path("taken");
+  const JobResult none = jobs::Run(job, m_host, {});
+  EXPECT_EQ(none.Count(Verdict::Failed), 2u);
+  EXPECT_THAT(none.Items[0].First(core::Severity::Error)->Text,
+              AllOf(StartsWith("The folder "), HasSubstr("cannot be made: ")));
+  EXPECT_EQ(ReadText(m_folder.Path("taken")), "a file");
+}
+
 TEST_F(VerifyModelsJob, TellsEachStep) {
   Crate().Write(m_folder.Path());
   Verify(Gives(Crate()));
@@ -187,10 +215,11 @@ TEST_F(VerifyModelsJob, NamesTheStepThatFailedAndWhy) {
 
   Crate().Write(m_folder.Path());
   const auto refuses = [](const ModelCompile&, core::Report& report) -> std::optional<std::string> {
-    report.Tell({.Text = "ravelback.qc:3: error: no such mesh"});
+    report.Tell({.Text = "ravelback.qc:3: error: no such mesh", .Alike = "error: no such mesh"});
     return std::nullopt;
   };
   EXPECT_EQ(Verify(refuses).First(core::Severity::Error)->Text, "compiling: ravelback.qc:3: error: no such mesh");
+  EXPECT_EQ(m_result.Items[0].First(core::Severity::Error)->SharedText(), "compiling: error: no such mesh");
   EXPECT_FALSE(m_result.Items[0].Verified);
 
   const auto silent = [](const ModelCompile&, core::Report&) -> std::optional<std::string> { return std::nullopt; };
