@@ -220,6 +220,14 @@ TEST(ModelComparison, KeyValuesCountByTheirWords) {
   EXPECT_THAT(RealAndDerived(first, second), testing::ElementsAre("real key values"));
 }
 
+TEST(ModelComparison, FoldersMayGainTheSlashThatACompileEndsThemWith) {
+  ModelBuilder first = WholeModel(), second = WholeModel();
+  first.MaterialDirectories = {"props\\a", "b"};
+  second.MaterialDirectories = {"props\\a\\", "b\\"};
+  EXPECT_THAT(RealAndDerived(first, second), testing::Each("derived folder"));
+  EXPECT_THAT(RealAndDerived(second, first), testing::Each("real folder"));
+}
+
 TEST(ModelComparison, FlagsAndKeysThatNoStatementSetsAreNoRealDifference) {
   using testing::ElementsAre;
   ModelBuilder first = WholeModel();
