@@ -130,6 +130,10 @@ void WriteMaterialFolders(JobContext& job) {
     if (!job.ScriptWithinBounds()) return;
     std::string folder(*name);
     std::replace(folder.begin(), folder.end(), '\\', '/');
+    if (!folder.empty() && folder.back() != '/') {  // which a compile ends all folders with
+      folder += '/';
+      job.Lose("material folders without a slash at their end");
+    }
     job.Script().Text("$cdmaterials " + Quoted(job, folder) + "\n");
   }
 }

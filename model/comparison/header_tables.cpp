@@ -1,3 +1,4 @@
+#include "core/key_values.h"
 #include "model/comparison/compared_tables.h"
 #include "model/comparison/record_fields.h"
 
@@ -62,6 +63,35 @@ std::string KeyWords(std::string_view text) {
   }
 }
 
+namespace {
+
+void AddKeyWords(const std::vector<core::KeyValue>& keys, std::string& text) {
+  for (const core::KeyValue& key : keys) {
+    text.append("\"").append(key.Key).append("\" ");
+    if (key.IsBlock) {
+      text += "{ ";
+      AddKeyWords(key.Children, text);
+      text += "} ";
+    } else {
+      text.append("\"").append(key.Value).append("\" ");
+    }
+  }
+}
+
+/// The words that a compile of the text's blocks writes: each below the head that a compile has for it, closed at its
+/// end, and nothing outside of them.
+std::string CompiledKeyWords(std::string_view text) {
+  std::string compiled;
+  for (core::KeyValue& root : core::ReadKeyValues(text).Roots) {
+    if (!root.IsBlock) continue;
+    root.Key = "mdlkeyvalue";
+    AddKeyWords({root}, compiled);
+  }
+  return KeyWords(compiled);
+}
+
+}  // namespace
+
 void CompareHeaders(const ComparedModels& models) {
   const auto a = models.First.Model.Header();
   const auto b = models.Second.Model.Header();
@@ -86,8 +116,13 @@ void CompareHeaders(const ComparedModels& models) {
   }
   differences.Text(ModelTable::Header, "surface property", nowhere, TextOf(models.First, a, a->SurfacePropOffset),
                    TextOf(models.Second, b, b->SurfacePropOffset));
-  differences.Text(ModelTable::Header, "key values", nowhere, KeyWords(KeyValues(models.First)),
-                   KeyWords(KeyValues(models.Second)));
+  const std::string keys = KeyWords(KeyValues(models.First)), otherKeys = KeyWords(KeyValues(models.Second));
+  if (keys != otherKeys && CompiledKeyWords(KeyValues(models.First)) == otherKeys) {
+    differences.Add(ModelTable::Header, "key values", "", keys, otherKeys, 0, false,
+                    "a compile writes whole blocks with a head of its own");
+  } else {
+    differences.Text(ModelTable::Header, "key values", nowhere, keys, otherKeys);
+  }
   differences.Whole(ModelTable::Header, "constant light", nowhere, a->ConstantLight, b->ConstantLight);
   differences.Whole(ModelTable::Header, "root level of detail", nowhere, a->RootLod, b->RootLod);
   differences.Whole(ModelTable::Header, "allowed root levels", nowhere, a->AllowedRootLods, b->AllowedRootLods);

@@ -95,10 +95,15 @@ void CompareMaterials(const ComparedModels& models, const StudioHeader& a, const
   CompareTables<StudioOffset>(
       models, ModelTable::Materials, "folders", {a.MaterialDirectoryOffset, a.MaterialDirectoryCount},
       {b.MaterialDirectoryOffset, b.MaterialDirectoryCount}, [&](const auto& one, const auto& other, int64_t i) {
-        models.Differences.Text(
-            ModelTable::Materials, "folder", [&] { return "folder " + std::to_string(i); },
-            WithSlashes(models.First.Model.Name(one->Offset).value_or("")),
-            WithSlashes(models.Second.Model.Name(other->Offset).value_or("")));
+        const auto where = [&] { return "folder " + std::to_string(i); };
+        const std::string first = WithSlashes(models.First.Model.Name(one->Offset).value_or(""));
+        const std::string second = WithSlashes(models.Second.Model.Name(other->Offset).value_or(""));
+        if (second == first + "/") {
+          models.Differences.Add(ModelTable::Materials, "folder", where(), first, second, 0, false,
+                                 "a compile ends all folders with a slash");
+        } else {
+          models.Differences.Text(ModelTable::Materials, "folder", where, first, second);
+        }
       });
   const auto nowhere = [] { return std::string(); };
   models.Differences.Whole(ModelTable::Skins, "number of families", nowhere, a.SkinFamilyCount, b.SkinFamilyCount);

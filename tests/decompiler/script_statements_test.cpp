@@ -85,6 +85,14 @@ TEST(ScriptStatements, TexturesThatNoMeshShowsStandInTheirTable) {
   EXPECT_THAT(DecompiledModel(model, DecompileOptionReadyToCompile).Script(), testing::Not(HasSubstr("$texturegroup")));
 }
 
+TEST(ScriptStatements, EndMaterialFoldersAsACompileDoes) {
+  ModelBuilder model = Bare();
+  model.MaterialDirectories = {"models\\a", "", "models/b/"};
+  const DecompiledModel job(model, DecompileOptionReadyToCompile);
+  EXPECT_THAT(job.Script(), HasSubstr("$cdmaterials \"models/a/\"\n$cdmaterials \"\"\n$cdmaterials \"models/b/\"\n"));
+  EXPECT_THAT(job.Result.Lost, testing::ElementsAre(LostKind{"material folders without a slash at their end", 1}));
+}
+
 TEST(ScriptStatements, AreCleanedOfWhatBreaksAScriptToCompile) {
   ModelBuilder model = Bare();
   model.MaterialDirectories = {"models\\a\"b\r\n\\"};

@@ -222,6 +222,22 @@ TEST(ModelComparison, KeyValuesCountByTheirWords) {
   EXPECT_THAT(RealAndDerived(first, second), IsEmpty());
   second.KeyValues = "mdlkeyvalue\n{\nprop_data {\n\"base\" \"Metal.Large\" \"a\" b c  }\n}\n";
   EXPECT_THAT(RealAndDerived(first, second), testing::ElementsAre("real key values"));
+  // A compile puts blocks below its own head, and closes them.
+  for (const char* text : {"door { x { a b } }", "loose word\nmdlkeyvalue { x { a b // c\n}"}) {
+    first.KeyValues = text;
+    second.KeyValues = "mdlkeyvalue\n{\nx {\n\"a\" \"b\"  }\n}\n";
+    EXPECT_THAT(RealAndDerived(first, second), testing::ElementsAre("derived key values")) << text;
+    second.KeyValues = "mdlkeyvalue\n{\nx {\n\"a\" \"c\"  }\n}\n";
+    EXPECT_THAT(RealAndDerived(first, second), testing::ElementsAre("real key values")) << text;
+  }
+}
+
+TEST(ModelComparison, FoldersMayGainTheSlashThatACompileEndsThemWith) {
+  ModelBuilder first = WholeModel(), second = WholeModel();
+  first.MaterialDirectories = {"props\\a", "b"};
+  second.MaterialDirectories = {"props\\a\\", "b\\"};
+  EXPECT_THAT(RealAndDerived(first, second), testing::Each("derived folder"));
+  EXPECT_THAT(RealAndDerived(second, first), testing::Each("real folder"));
 }
 
 TEST(ModelComparison, FlagsAndKeysThatNoStatementSetsAreNoRealDifference) {
