@@ -164,7 +164,7 @@ int64_t VertexJoiner::FindNear(const MeshVertex& corner, uint32_t count, double 
     const double y = double{vertex.Position.y} - double{corner.Position.y};
     const double z = double{vertex.Position.z} - double{corner.Position.z};
     const double cosine = Dot(vertex.Normal, corner.Normal);
-    if (!SameVector(vertex.Normal, corner.Normal, false) && !(cosine > m_leastCosine)) continue;
+    if (!SameVector(vertex.Normal, corner.Normal) && !(cosine > m_leastCosine)) continue;
     // Of those in one place the one that looks the same way.
     const double distance = std::sqrt(x * x + y * y + z * z);
     if (distance > reach) continue;
