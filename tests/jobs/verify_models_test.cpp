@@ -176,6 +176,7 @@ TEST_F(VerifyModelsJob, OurOwnCompilerKeepsTheVersionAndEveryNormal) {
     Verify([&](const ModelCompile& compile, core::Report& report) {
       const auto path = CompileUnchanged(compile, report);
       if (path) {
+        EXPECT_THAT(*path, StartsWith(compile.GameDirectory)) << "no game is touched";
         std::memcpy(&made, ReadText(*path).substr(4).data(), 4);
         std::memcpy(&vertices,
                     ReadText(std::filesystem::path(*path).replace_extension(".vvd").string()).substr(16).data(), 4);
@@ -222,7 +223,11 @@ TEST_F(VerifyModelsJob, EndsWhenItIsStopped) {
   m_stop = {};
 
   m_host.OnEvent = [this](const Event& event) { std::holds_alternative<ItemStarted>(event) && m_stop.request_stop(); };
-  EXPECT_EQ(Verify(own, m_folder.Path("early")).Judged, Verdict::Stopped);
+  const auto never = [](const ModelCompile&, core::Report&) -> std::optional<std::string> {
+    ADD_FAILURE() << "nothing is compiled any more";
+    return std::nullopt;
+  };
+  EXPECT_EQ(Verify(never, m_folder.Path("early")).Judged, Verdict::Stopped);
   EXPECT_FALSE(core::FileExists(m_folder.Path("early/cube/sources/ravelback.qc"))) << "within a decompile";
   m_host.OnEvent = {};
   m_stop = {};
