@@ -120,10 +120,10 @@ TEST_F(VerifyModelsJob, KeepsEachStepWhereItIsAsked) {
 }
 
 TEST_F(VerifyModelsJob, KeepsEachModelInAFolderOfItsOwnOrSaysWhyNot) {
-  Crate().Write(m_folder.Path("in"));
-  Crate().Write(m_folder.Path("in"), "CUBE");
+  const std::string first = Crate().Write(m_folder.Path("in"));
+  const std::string second = Crate().Write(m_folder.Path("other"), "CUBE");
   std::filesystem::create_directory(m_folder.Path("empty"));
-  VerifyModels job{.Inputs = {m_folder.Path("in"), m_folder.Path("empty")},
+  VerifyModels job{.Inputs = {first, second, m_folder.Path("empty")},
                    .KeepDirectory = m_folder.Path("kept"),
                    .Compiler = Gives(Crate())};
   const JobResult both = jobs::Run(job, m_host, {});
@@ -132,7 +132,7 @@ TEST_F(VerifyModelsJob, KeepsEachModelInAFolderOfItsOwnOrSaysWhyNot) {
   ASSERT_THAT(both.Troubles, SizeIs(1));
   EXPECT_EQ(both.Troubles[0].Text,
             m_folder.Path("empty") + ": the folder holds no .mdl file (those below it were not looked into)");
-  for (const char* name : {"CUBE", "cube_2"}) {
+  for (const char* name : {"cube", "CUBE_2"}) {
     EXPECT_TRUE(core::FileExists(m_folder.Path(std::string("kept/") + name + "/again/ravelback.qc"))) << name;
   }
   job.Recursive = true;
