@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <filesystem>
+#include <nlohmann/json.hpp>
 
 #include "command_line.h"
 #include "support/scratch_folder.h"
@@ -40,7 +41,14 @@ TEST_F(ConfigVerb, SetsGetsAndLists) {
   EXPECT_THAT(m_out, AllOf(HasSubstr("Tarnwick/Shader=VertexLitGeneric\n"), HasSubstr("Ravelback/CheckBoxSettings=1\n"),
                            Not(HasSubstr("OutputDirectory=\n"))));
   EXPECT_EQ(Run({"list", "--json", "--stored"}), ExitSuccess);
-  EXPECT_THAT(m_out, AllOf(HasSubstr("\"value\": -1"), HasSubstr("\"stored\": true")));
+  EXPECT_EQ(nlohmann::json::parse(m_out),
+            nlohmann::json::parse(
+                R"([{"section": "Tarnwick", "name": "GameDirectory", "stored": true, "value": "/games/räv, 2"},)"
+                R"( {"section": "Tarnwick", "name": "TabSelect", "stored": true, "value": -1}])"));
+  EXPECT_EQ(Run({"list", "--json"}), ExitSuccess);
+  EXPECT_THAT(nlohmann::json::parse(m_out),
+              testing::Contains(nlohmann::json{
+                  {"section", "Tarnwick"}, {"name", "Shader"}, {"stored", false}, {"value", "VertexLitGeneric"}}));
 }
 
 #ifndef _WIN32

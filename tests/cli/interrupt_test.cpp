@@ -136,6 +136,25 @@ TEST_P(Interrupt, EndsAToolWithAllThatItStarted) {
   EXPECT_FALSE(IsAlive(std::stoi(tests::ReadText(m_folder.Path("child"))))) << "what the tool started is gone too";
 }
 
+TEST_P(Interrupt, EndsTheViewerOfACopyAndTakesTheCopyAway) {
+  tests::WriteText(m_folder.Path("a.gma"),
+                   tests::GmaBuilder{.Files = {{.Name = "models/a.mdl", .Bytes = "x"}}}.Build());
+  const std::string said = m_folder.Path("said"), ended = m_folder.Path("ended");
+  tests::WriteShellProgram(m_folder.Path("sdk/hlmv.exe"), "echo \"$3\" >" + said + ".new\nmv " + said + ".new " + said +
+                                                              "\nsleep 61\necho >" + ended + "\n");
+  ChildProgram program({"view", "--sdk", m_folder.Path("sdk"), "--game", m_folder.Path("game"),
+                        m_folder.Path("a.gma") + ":models/a.mdl"},
+                       m_folder.Path("errors"));
+  while (!fs::exists(said)) usleep(1000);
+  std::string copy = tests::ReadText(said);
+  copy.pop_back();
+  EXPECT_TRUE(fs::exists(copy));
+  program.Signal(GetParam());
+  program.Wait();
+  EXPECT_FALSE(fs::exists(ended)) << "it was not waited for";
+  EXPECT_FALSE(fs::exists(copy));
+}
+
 INSTANTIATE_TEST_SUITE_P(Signals, Interrupt, testing::Values(SIGINT, SIGTERM, SIGHUP, SIGQUIT),
                          [](const auto& each) { return std::string(sigabbrev_np(each.param)); });
 

@@ -136,10 +136,10 @@ TEST_F(VerifyModelsJob, KeepsEachStepWhereItIsAsked) {
 }
 
 TEST_F(VerifyModelsJob, KeepsEachModelInAFolderOfItsOwnOrSaysWhyNot) {
-  Crate().Write(m_folder.Path("in"));
-  Crate().Write(m_folder.Path("in"), "CUBE");
+  const std::string first = Crate().Write(m_folder.Path("in"));
+  const std::string second = Crate().Write(m_folder.Path("other"), "CUBE");
   std::filesystem::create_directory(m_folder.Path("empty"));
-  VerifyModels job{.Inputs = {m_folder.Path("in"), m_folder.Path("empty")},
+  VerifyModels job{.Inputs = {first, second, m_folder.Path("empty")},
                    .KeepDirectory = m_folder.Path("kept"),
                    .Compiler = Gives(Crate())};
   const JobResult both = jobs::Run(job, m_host, {});
@@ -148,7 +148,7 @@ TEST_F(VerifyModelsJob, KeepsEachModelInAFolderOfItsOwnOrSaysWhyNot) {
   ASSERT_THAT(both.Troubles, SizeIs(1));
   EXPECT_EQ(both.Troubles[0].Text,
             m_folder.Path("empty") + ": the folder holds no .mdl file (those below it were not looked into)");
-  for (const char* name : {"CUBE", "cube_2"}) {
+  for (const char* name : {"cube", "CUBE_2"}) {
     EXPECT_TRUE(core::FileExists(m_folder.Path(std::string("kept/") + name + "/again/ravelback.qc"))) << name;
   }
   job.Recursive = true;
@@ -192,6 +192,7 @@ TEST_F(VerifyModelsJob, OurOwnCompilerKeepsTheVersionAndEveryNormal) {
     Verify([&](const ModelCompile& compile, core::Report& report) {
       const auto path = CompileUnchanged(compile, report);
       if (path) {
+        EXPECT_THAT(*path, StartsWith(compile.GameDirectory)) << "no game is touched";
         const std::string stem = path->substr(0, path->size() - 4);
         std::memcpy(&made, StoredBytes(compile.Files, *path).substr(4).data(), 4);
         std::memcpy(&vertices, StoredBytes(compile.Files, stem + ".vvd").substr(16).data(), 4);
@@ -238,7 +239,11 @@ TEST_F(VerifyModelsJob, EndsWhenItIsStopped) {
   m_stop = {};
 
   m_host.OnEvent = [this](const Event& event) { std::holds_alternative<ItemStarted>(event) && m_stop.request_stop(); };
-  EXPECT_EQ(Verify(own, m_folder.Path("early")).Judged, Verdict::Stopped);
+  const auto never = [](const ModelCompile&, core::Report&) -> std::optional<std::string> {
+    ADD_FAILURE() << "nothing is compiled any more";
+    return std::nullopt;
+  };
+  EXPECT_EQ(Verify(never, m_folder.Path("early")).Judged, Verdict::Stopped);
   EXPECT_FALSE(core::FileExists(m_folder.Path("early/cube/sources/ravelback.qc"))) << "within a decompile";
   m_host.OnEvent = {};
   m_stop = {};
