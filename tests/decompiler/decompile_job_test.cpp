@@ -153,6 +153,31 @@ TEST(DecompileJob, FindsCompanionsWhoseNamesDifferInCaseIfThereIsJustOne) {
 #endif
 }
 
+/// The disk, of which nothing may be read whole.
+class HeadsOnly : public core::FileSource {
+ public:
+  std::optional<core::FileImage> Read(const std::string& name, std::string*) const override {
+    ADD_FAILURE() << name << " is read whole";
+    return std::nullopt;
+  }
+  bool ReadStart(const std::string& name, std::span<std::byte> out) const override {
+    return core::DiskFiles().ReadStart(name, out);
+  }
+  bool Holds(const std::string& name) const override { return core::DiskFiles().Holds(name); }
+  std::optional<std::string> FindBeside(const std::string& name) const override {
+    return core::DiskFiles().FindBeside(name);
+  }
+  std::optional<std::string> FindElsewhere(const std::string&) const override { return std::nullopt; }
+};
+
+TEST(DecompileJob, KnowsByItsHeadWhatIsNoModel) {
+  LooseJob job;
+  WriteText(job.Job.ModelPath = job.Folder.Path("film.mdl"), std::string(4096, 'x'));
+  const HeadsOnly heads;
+  job.Job.Files = &heads;
+  EXPECT_THAT(TextsOf(job.Run(), core::Severity::Error), ElementsAre(HasSubstr("is no compiled model")));
+}
+
 TEST(DecompileJob, TellsWhatIsNoModelOrNoneThatItKnows) {
   for (const uint32_t options : {0u, DecompileOptionReadyToCompile}) {
     const auto run = [options](int32_t version, char letter) {

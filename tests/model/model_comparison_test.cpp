@@ -281,6 +281,27 @@ TEST(ModelComparison, VerticesCountByWhatTheyAreNotByTheirNumbers) {
   EXPECT_THAT(*compared.Differences, IsEmpty());
 }
 
+TEST(ModelComparison, CountsEveryCornerAndNamesTheFirstThatDiffersMost) {
+  ModelBuilder model;
+  Mesh(model).Vertices.push_back({.Position = {1, 1, 0}});
+  Mesh(model).Lods = {Triangles({0, 1, 2, 0, 2, 3, 0, 3, 1, 3, 2, 1})};
+  ModelBuilder other = model;
+  const VertexDescription vertex = Mesh(model).Vertices[0];
+  for (const float moved : {0.25f, 0.5f}) {
+    Mesh(other).Vertices.push_back(vertex);
+    Mesh(other).Vertices.back().Position.x += moved;
+  }
+  Mesh(other).Lods = {Triangles({4, 1, 2, 5, 2, 3, 4, 3, 1, 3, 2, 1})};
+  const Compared compared = Compare(model, other);
+  ASSERT_TRUE(compared.Differences);
+  std::vector<std::string> lines;
+  for (const ModelDifference& one : *compared.Differences) {
+    if (one.What == "position") lines.push_back(DifferenceLine(one));
+  }
+  EXPECT_THAT(lines, ElementsAre(AllOf(HasSubstr("position differs in 3 places by up to 0.5"),
+                                       HasSubstr("triangle 1, corner 0: 0 0 0 and 0.5 0 0"))));
+}
+
 TEST(ModelComparison, TellsWhatCannotBeRead) {
   const ScratchFolder folder;
   const std::string sound = WholeModel().Write(folder.Path());
