@@ -39,7 +39,7 @@ void FindMaterialNames(JobContext& job) {
   std::set<std::string> taken;
   for (int32_t i = 0; i < count; ++i) {
     const auto name = TextureName(job.Model, i);
-    if (!name || !job.Spend(RecordCost)) return;
+    if (!name || !job.Spend(RecordCost + 2 * static_cast<int64_t>(name->size()))) return;
     taken.insert(core::LowerAscii(*name));
   }
   std::set<std::string> met;
