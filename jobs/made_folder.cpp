@@ -18,6 +18,20 @@ std::mutex& FoldersMutex() {
   return mutex;
 }
 
+/// Makes the folder, and those that lead to it, where only these are missing; they are added to `made`. False if there
+/// is more to it.
+bool MakeFrom(const fs::path& folder, std::vector<fs::path>& made) {
+  std::error_code error;
+  bool isNew = fs::create_directory(folder, error);
+  if (error == std::errc::no_such_file_or_directory) {
+    const fs::path parent = folder.parent_path();
+    if (parent.empty() || parent == folder || !MakeFrom(parent, made)) return false;
+    isNew = fs::create_directory(folder, error);
+  }
+  if (isNew) made.push_back(folder);
+  return !error;
+}
+
 }  // namespace
 
 MadeFolder::~MadeFolder() {
@@ -30,9 +44,7 @@ std::string MadeFolder::Make(const std::string& path) {
   const std::lock_guard lock(FoldersMutex());
   const fs::path folder = core::NativePath(path);
   std::error_code error;
-  if (fs::create_directory(folder, error)) m_made.push_back(folder);
-  if (!error) return "";  // as nearly always: only the innermost folder was missing, or none
-  error.clear();
+  if (MakeFrom(folder, m_made)) return "";
   const auto known = m_made.size();
   for (fs::path part = folder; !part.empty() && !fs::exists(part, error) && part != part.parent_path();
        part = part.parent_path()) {

@@ -133,12 +133,33 @@ uint64_t CountNonFinite(const Vertex& vertex, bool withLinks) {
   return count;
 }
 
+void WriteVertexLine(core::TextWriter& writer, const Vertex& vertex, bool withLinks) {
+  char* const text = writer.Room(LongestVertexLine);
+  writer.Take(static_cast<size_t>(WriteVertexLine(text, vertex, withLinks) - text));
+  writer.CountNonFinite(CountNonFinite(vertex, withLinks));
+}
+
 MaterialLine::MaterialLine(std::string_view material) : m_text(std::string(material) + ".tga\n") {
   const size_t bare = m_text.size() - 1;
   if (bare + core::PlatformLineEnd.size() > Usual || m_text.find('\n') != bare) return;
   std::memcpy(m_usual.data(), m_text.data(), bare);
   std::memcpy(m_usual.data() + bare, core::PlatformLineEnd.data(), core::PlatformLineEnd.size());
   m_length = bare + core::PlatformLineEnd.size();
+}
+
+// Lines vary in length by little; what may be written behind the last one is there too.
+LineList::LineList(size_t count)
+    : m_starts(std::make_unique_for_overwrite<uint32_t[]>(count + 1)),
+      m_text(std::make_unique_for_overwrite<char[]>(count * LongestKept + LongestVertexLine)) {
+  m_starts[0] = 0;
+}
+
+void LineList::Add(const Vertex& vertex, bool withLinks) {
+  char* const text = m_text.get() + m_starts[m_count];
+  const auto length = static_cast<uint32_t>(WriteVertexLine(text, vertex, withLinks) - text);
+  const bool isKept = length <= LongestKept && CountNonFinite(vertex, withLinks) == 0;
+  m_starts[m_count + 1] = m_starts[m_count] + (isKept ? length : 0);
+  ++m_count;
 }
 
 VertexLines::VertexLines(core::TextWriter& writer, bool withLinks)

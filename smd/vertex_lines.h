@@ -45,6 +45,41 @@ class MaterialLine {
   size_t m_length = 0;  // of m_usual; 0 where the line is an unusual one
 };
 
+/// Writes the line of a vertex.
+void WriteVertexLine(core::TextWriter& writer, const Vertex& vertex, bool withLinks);
+
+/// The lines of a few thousand vertices, formed one after the other, to be written wherever a triangle has one of them.
+class LineList {
+ public:
+  /// Room for `count` lines.
+  explicit LineList(size_t count);
+
+  /// Adds the line of the next vertex.
+  void Add(const Vertex& vertex, bool withLinks);
+
+  /// Writes the line of vertex number `index`. False if the list does not hold it: it was not added, its numbers are
+  /// not all finite, which is to be counted each time, or it is longer than sound ones are.
+  [[nodiscard]] bool Write(core::TextWriter& writer, size_t index) const {
+    if (index >= m_count) return false;
+    const size_t start = m_starts[index], length = m_starts[index + 1] - start;
+    if (length == 0) return false;
+    const char* const from = m_text.get() + start;
+    char* const to = writer.Room(LongestKept);
+    std::memcpy(to, from, 2 * Piece);  // of a fixed size, some of it too much, which is quicker than of any length
+    if (length > 2 * Piece) std::memcpy(to + 2 * Piece, from + 2 * Piece, LongestKept - 2 * Piece);
+    writer.Take(length);
+    return true;
+  }
+
+ private:
+  static constexpr size_t Piece = 64;
+  static constexpr size_t LongestKept = 4 * Piece;
+
+  size_t m_count = 0;
+  std::unique_ptr<uint32_t[]> m_starts;  // of the lines, and where the last one ends
+  std::unique_ptr<char[]> m_text;
+};
+
 /// Writes vertex lines. A vertex stands in about six triangles, and meshes are ordered so that those come close
 /// together: the lines of the vertices met last are kept and copied; the table is small enough to stay in the
 /// processor's cache.

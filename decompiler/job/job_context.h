@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string>
@@ -21,6 +22,8 @@
 #include "model/model_reader.h"
 
 namespace tarnwick::decompiler {
+
+class MeshLines;
 
 /// Everything that a running job knows, handed down through its stages. Stages call it from the job's own thread
 /// only; what they give to `WriteFile` runs on any thread and touches nothing but its own values and the model.
@@ -49,6 +52,9 @@ class JobContext : private core::TroubleSink, public ModelReader {
 
   /// `name` as a word of the script; in the plain form as it stands.
   std::string Word(std::string_view name) const { return ReadyToCompile() ? ScriptWord(name) : std::string(name); }
+
+  /// The lines of the model's vertices in source files; null before the first mesh.
+  std::shared_ptr<MeshLines> Lines;
 
   /// The first mesh that the script names, as it types it; empty before it has one.
   std::string FirstMesh;

@@ -23,6 +23,19 @@ void NameMaterials(const JobContext& job, const core::Record<StudioModel>& model
   }
 }
 
+/// The lines of the vertices that the job's vertex file, if it was had, says that it holds.
+std::shared_ptr<MeshLines> LinesOf(const JobContext& job) {
+  const bool isStatic = (job.Model.Header()->Flags & ModelFlagStatic) != 0;
+  const MeshSmdForm form{job.Unweighted(), job.ReadyToCompile(), job.ReadyToCompile() && isStatic};
+  const auto& image = job.Model.Vertices;
+  if (!image || !image->HasVertices) return std::make_shared<MeshLines>(core::RecordArray<VvdVertex>(), 0, form);
+  int64_t count = image->Vertices.Count();
+  const auto header = image->File.View().At<VvdHeader>(0);
+  // Without fix-ups the array goes on to the end of the file, over what stands behind the vertices.
+  if (image->Rebuilt.empty() && header) count = std::clamp<int64_t>((*header)->LodVertexCount[0], 0, count);
+  return std::make_shared<MeshLines>(image->Vertices, count, form);
+}
+
 }  // namespace
 
 bool PrepareVtx(JobContext& job) {
@@ -101,11 +114,10 @@ bool WriteMeshFile(JobContext& job, const std::shared_ptr<const smd::SkeletonTex
         core::TroubleKind::Lost, "a mesh is not complete");
   }
   if (!pieces->Complete && job.ReadyToCompile()) return false;
-  const bool isStatic = (job.Model.Header()->Flags & ModelFlagStatic) != 0;
-  const MeshSmdForm form{job.Unweighted(), job.ReadyToCompile(), job.ReadyToCompile() && isStatic};
-  job.WriteFile(std::move(*file), [skeleton, pieces, form](core::TextWriter& writer) {
+  if (job.Lines == nullptr) job.Lines = LinesOf(job);
+  job.WriteFile(std::move(*file), [skeleton, pieces, lines = job.Lines](core::TextWriter& writer) {
     smd::WriteReferenceHead(writer, *skeleton);
-    WriteTriangles(writer, *pieces, form);
+    WriteTriangles(writer, *pieces, *lines);
     if (pieces->Complete) writer.Text("end\n");
     return true;
   });
