@@ -137,8 +137,7 @@ bool ScriptReader::NamesAnimation(const Context& context, const Word& word) cons
 }
 
 /// Whether the word behind a sequence's name, which reads as an option, is the sequence's file or animation all the
-/// same
-/// ("$sequence idle post"): what stands there is one, and it is there.
+/// same ("$sequence idle post"), as one of that name is there.
 bool ScriptReader::FollowsFile(const Context& context) {
   const Word* word = m_words.Peek();
   if (word == nullptr || word->FirstOfLine || !Knows(context.Options, word->Text)) return false;
