@@ -18,8 +18,8 @@ struct MeshSmdForm {
       false;  // the quarter turn about Z, which a compile gives the meshes of a static model, is taken off
 };
 
-/// The lines of all vertices of a model in one form, which its meshes and LODs have in common. They are formed when they
-/// are first asked for, by the thread that asks.
+/// The lines of all vertices of a model in one form, which its meshes and LODs have in common. They are formed when
+/// they are first asked for, by the thread that asks.
 class MeshLines {
  public:
   /// Of the first `count` of `vertices`; others may be asked for, and are written anew each time.
