@@ -8,6 +8,7 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QTabWidget>
 #include <QTimer>
 
 #include "platform/dropped_files.h"
@@ -154,6 +155,9 @@ void CDialog::Prepare() {
   for (const QComboBox* combo : findChildren<QComboBox*>()) {  // one that can be typed into keeps Enter to itself
     if (CDialog::Of(combo) != this || !combo->isEditable()) continue;
     connect(combo->lineEdit(), &QLineEdit::returnPressed, this, &CDialog::PressMainButton);
+  }
+  for (QTabWidget* tabs : findChildren<QTabWidget*>()) {
+    if (CDialog::Of(tabs) == this) KeepFocusInTabs(*tabs);
   }
   if (m_style == Style::Page) {
     if (m_mainButton != nullptr) m_mainButton->setDefault(false);  // until the focus is there

@@ -1,6 +1,7 @@
 #include "platform/tab_order.h"
 
 #include <QAbstractSpinBox>
+#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLayout>
@@ -8,9 +9,12 @@
 #include <QPlainTextEdit>
 #include <QRadioButton>
 #include <QScrollArea>
+#include <QSplitter>
 #include <QTabBar>
 #include <QTabWidget>
 #include <algorithm>
+#include <memory>
+#include <utility>
 #include <vector>
 
 namespace tarnwick::platform {
@@ -33,6 +37,8 @@ void Collect(QWidget& widget, Widgets& order) {
   if (const auto* tabs = qobject_cast<QTabWidget*>(&widget)) {
     order.push_back(tabs->tabBar());
     for (int i = 0; i < tabs->count(); ++i) Collect(*tabs->widget(i), order);
+  } else if (const auto* splitter = qobject_cast<QSplitter*>(&widget)) {
+    for (int i = 0; i < splitter->count(); ++i) Collect(*splitter->widget(i), order);
   } else if (const auto* area = qobject_cast<QScrollArea*>(&widget); area != nullptr && area->widget() != nullptr) {
     Collect(*area->widget(), order);
   } else {
@@ -81,11 +87,25 @@ void BringIntoSight(QWidget& control) {
 
 QWidget* FirstField(QWidget& window) {
   Widgets order;
-  if (window.layout() != nullptr) Collect(*window.layout(), order);
+  Collect(window, order);
   for (QWidget* widget : order) {
     if (IsField(*widget) && widget->isEnabled() && widget->isVisibleTo(&window)) return widget;
   }
   return nullptr;
+}
+
+void KeepFocusInTabs(QTabWidget& tabs) {
+  const auto lost = std::make_shared<bool>(false);  // whether what had the focus has gone out of sight with its page
+  QObject::connect(qApp, &QApplication::focusChanged, &tabs, [&tabs, lost](const QWidget* old, const QWidget*) {
+    *lost = *lost || (old != nullptr && tabs.isAncestorOf(old) && !old->isVisibleTo(&tabs));
+  });
+  QObject::connect(&tabs, &QTabWidget::currentChanged, &tabs, [&tabs, lost] {
+    QWidget* const page = tabs.currentWidget();
+    const QWidget* const now = tabs.window()->focusWidget();
+    const bool isInPage = page == nullptr || (now != nullptr && now != page && page->isAncestorOf(now));
+    if (!std::exchange(*lost, false) || isInPage) return;
+    if (QWidget* const first = FirstField(*page)) first->setFocus(Qt::OtherFocusReason);
+  });
 }
 
 }  // namespace tarnwick::platform

@@ -1,5 +1,6 @@
 #pragma once
 
+class QTabWidget;
 class QWidget;
 
 namespace tarnwick::platform {
@@ -15,5 +16,9 @@ void BringIntoSight(QWidget& control);
 /// The first field of `window` in its tab order that a user can fill: a line or box to type into, a list to choose
 /// from, a box to tick. Null if there is none.
 QWidget* FirstField(QWidget& window);
+
+/// Has the focus follow to the first field of the page behind another tab, where it was in the page that goes out of
+/// sight: of itself it goes to what stands behind the tabs if the new page was never seen.
+void KeepFocusInTabs(QTabWidget& tabs);
 
 }  // namespace tarnwick::platform

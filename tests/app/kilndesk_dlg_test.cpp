@@ -297,6 +297,7 @@ TEST_F(MainDialog, KeysLeadFromTabToTabAndToTheFieldOfAGroup) {
   QTest::keyClick(m_dialog->focusWidget(), Qt::Key_PageDown, Qt::ControlModifier);
   EXPECT_EQ(Tabs().currentIndex(), 2);
   auto* page = m_dialog->findChild<pages::CDecompilerDialog*>();
+  EXPECT_EQ(m_dialog->focusWidget()->objectName(), "modelEdit") << "the first field of the page";
   auto& browse = ControlOf<QPushButton>(*page, "browseModelButton");
   browse.setFocus();
   QTest::keyClick(&browse, Qt::Key_M, Qt::AltModifier);
