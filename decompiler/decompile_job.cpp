@@ -55,8 +55,9 @@ bool LoadModel(JobContext& job) {
     model.reset();
   }
   if (!model) {
-    DecompileLog(job, "Unable to read " + path + ": " + reason + "\r\n");
-    job.Error("Unable to load model", "Error", core::TroubleKind::Unreadable, path, {}, path + ": " + reason);
+    const std::string cause = path.empty() ? "No model is named" : path + ": " + reason;
+    DecompileLog(job, (path.empty() ? cause : "Unable to read " + cause) + "\r\n");
+    job.Error("Unable to load model", "Error", core::TroubleKind::Unreadable, path, {}, cause);
     return false;
   }
   job.Model.Mdl = std::move(*model);

@@ -84,6 +84,11 @@ TEST(DecompileJob, EndsWithABoxWhereAFileCannotBeHad) {
   EXPECT_FALSE(missing.Run().Completed);
   EXPECT_THAT(missing.Report.Boxes, ElementsAre(RecordedBox{BoxIcon::Stop, "Unable to load model", "Error"}));
 
+  LooseJob unnamed;
+  unnamed.Job.ModelPath.clear();
+  EXPECT_FALSE(unnamed.Run().Completed);
+  EXPECT_THAT(unnamed.Report.LogText, HasSubstr("No model is named\r\n"));
+
   LooseJob shortFile;
   WriteText(shortFile.Job.ModelPath = shortFile.Folder.Path("a.mdl"), "IDST");
   shortFile.Run();
