@@ -88,7 +88,7 @@ class ModelRound {
   static constexpr size_t Steps = 4;
 
   std::string MakeFolder(const char* name) {
-    const std::string path = core::PathBelow(core::PathText(m_folder), name);
+    std::string path = core::PathBelow(core::PathText(m_folder), name);
     if (const std::string problem = m_store.MakeFolder(path); !problem.empty()) {
       m_run.Fail(core::TroubleKind::Unwritable, "The folder " + path + " cannot be made: " + problem, path);
     }
