@@ -79,7 +79,7 @@ int Decompile(Options& options, Invocation& invocation) {
       .Options = options.Bits(),
       .MaterialFormat = options.Materials ? options.TextureFormat : std::string(),
       .Threads = options.Jobs};
-  jobs::JobPlan plan = jobs::Plan(job);
+  const jobs::JobPlan plan = jobs::Plan(job);
   const bool single = plan.Items.size() == 1;
   const auto resultLine = [&](const jobs::ItemResult& result) {
     if (options.Json) return ModelJson(result);
@@ -87,7 +87,7 @@ int Decompile(Options& options, Invocation& invocation) {
   };
   const InterruptFlag interrupt;
   ConsoleHost host(invocation.Out, invocation.Err, {.Item = "model", .Quiet = options.Quiet, .ResultLine = resultLine});
-  return ExitCodeOf(jobs::Run(job, std::move(plan), host, interrupt.Token()));
+  return ExitCodeOf(jobs::Run(job, plan, host, interrupt.Token()));
 }
 
 }  // namespace

@@ -90,7 +90,7 @@ JobResult Run(const DecompileTree& job, Host& host, const std::stop_token& stop)
   return Run(whole, Plan(whole), host, stop);
 }
 
-JobResult Run(const DecompileTree& job, JobPlan plan, Host& host, const std::stop_token& stop) {
+JobResult Run(const DecompileTree& job, const JobPlan& plan, Host& host, const std::stop_token& stop) {
   const std::shared_ptr<InputContent> content = ContentOf(job);
   const ThreadUse threads{job.Threads, job.OneByOne ? 1 : job.Threads};
   return RunItems(plan, threads, host, stop, [&](size_t, ItemRun& run) {

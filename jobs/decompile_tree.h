@@ -38,6 +38,6 @@ struct DecompileTree {
 JobResult Run(const DecompileTree& job, Host& host, const std::stop_token& stop);
 
 /// The same with the job's plan, which was made before.
-JobResult Run(const DecompileTree& job, JobPlan plan, Host& host, const std::stop_token& stop);
+JobResult Run(const DecompileTree& job, const JobPlan& plan, Host& host, const std::stop_token& stop);
 
 }  // namespace tarnwick::jobs

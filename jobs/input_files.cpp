@@ -103,8 +103,10 @@ InputFiles FindInputFiles(const std::vector<std::string>& inputs, std::string_vi
     const std::string inside = NameInside(input);
     const bool couldBeFile = core::EqualIgnoringCase(fs::path(inside).extension().string(), extension);
     if (!reason.empty() && !couldBeFile) {
+      std::string text = input;
+      text.append(": ").append(reason);
       found.Troubles.push_back(
-          {.Kind = core::TroubleKind::Unreadable, .File = input, .Text = input + ": " + reason, .Alike = reason});
+          {.Kind = core::TroubleKind::Unreadable, .File = input, .Text = std::move(text), .Alike = reason});
     } else {
       AddFile(found, {input, std::string(core::LastComponent(inside))}, extension, IsOnDisk(input));
     }
