@@ -5,7 +5,6 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <thread>
-#include <utility>
 
 #include "cli/console_host.h"
 #include "cli/interrupt.h"

@@ -39,7 +39,6 @@ struct ToolDirectories {
   void AddSdkOptions(CLI::App& verb);
   /// Fills what was not given from the settings.
   void FillFromSettings(std::ostream& err);
-  /// Where `tool` is taken from: the SDK's directory, or where that lacks it the program's own tools.
   tools::StartSettings Start() const { return {Wine}; }
   /// By what a job has `inputs`. Where none of them is a name in an archive or a game, the settings are not asked for a
   /// game unless `askForGame`.
