@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include "core/paths.h"
+#include "core/whole_path.h"
 #include "project/qc_names.h"
 
 namespace tarnwick::project {
@@ -36,7 +37,8 @@ std::optional<std::string> ReferencePathOf(const ModelProject& project) {
   std::error_code error;
   const fs::path file = fs::absolute(core::NativePath(project.configFile), error);
   if (error) return std::nullopt;
-  return core::PathText((file.parent_path() / core::NativePath(project.referenceSmd)).lexically_normal());
+  const std::string whole = core::PathBelow(core::PathText(file.parent_path()), project.referenceSmd);
+  return core::PathText(core::NativePath(whole).lexically_normal());
 }
 
 std::vector<std::string> MissingSources(const ModelProject& project) {

@@ -84,8 +84,9 @@ refuses 1 'no window for OpenGL can be made' "${cli[@]}" picture -o picture.png 
 refuses 1 "con.sc" "${cli[@]}" project set --new con.sc "Reference SMD" a.smd
 [ ! -e nothing ] && [ ! -e con.sc ] || wrong "A refused file left something behind."
 echo "Damaged files and wrong words are told."
+"${cli[@]}" vtf --list-formats >"$work/formats"
 for format in png jpg tga bmp gif dds psd tiff; do
-  grep -q "^$format\b" <("${cli[@]}" vtf --list-formats) || continue
+  grep -q "^$format\b" "$work/formats" || continue
   quietly "${cli[@]}" vtf -o images --format "$format" samples/materials/models/walker/walker_skin.vtf
 done
 echo "Images written: $(ls images | paste -sd' ')"

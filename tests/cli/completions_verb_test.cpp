@@ -47,7 +47,7 @@ TEST(CompletionsVerb, OtherShellsGetTheWordsWithTheirDescriptions) {
   EXPECT_THAT(zsh, HasSubstr("      valued=( '-o' '--output' '--texture-format' '--game' '-j' '--jobs') ;;\n"))
       << "flags take no value";
   // A colon in a description would part it once more; an option's stands behind its word.
-  EXPECT_THAT(zsh, HasSubstr("'--angle:From where it is seen, YAW,PITCH in degrees, 0,0 is the front"));
+  EXPECT_THAT(zsh, HasSubstr("'--texture-format:The format of these images, tga or png'"));
 
   const std::string fish = RunCommand({"completions", "fish"}).Out;
   const std::string start = "\ncomplete -c tarnwick-cli -n ";

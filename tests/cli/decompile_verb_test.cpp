@@ -45,7 +45,7 @@ TEST_F(DecompileVerb, SeveralModelsGetFoldersOfTheirOwn) {
 
   EXPECT_EQ(Run({m_models.Path("a"), "-r", "-j", "3", "-o", m_output.Path("tree")}), ExitSuccess);
   for (const char* name : {"a/cube.mdl", "a/deep/cube.mdl"}) {
-    EXPECT_THAT(m_err, HasSubstr("Loaded model " + m_models.Path(name) + "\n")) << "the log of each";
+    EXPECT_THAT(WithSlashes(m_err), HasSubstr("Loaded model " + m_models.Path(name) + "\n")) << "the log of each";
   }
   EXPECT_TRUE(std::filesystem::exists(m_output.Path("tree/cube/cube.smd")));
   EXPECT_TRUE(std::filesystem::exists(m_output.Path("tree/deep/cube/cube.smd")));
