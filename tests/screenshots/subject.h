@@ -3,6 +3,7 @@
 #include <QWidget>
 #include <functional>
 #include <memory>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -25,6 +26,11 @@ struct Subject {
   /// Makes the window with what a user would see in it; it is shown and given some time afterwards.
   std::function<std::unique_ptr<QWidget>(Stage&)> Make;
 };
+
+/// For the names of tests, which else hold its bytes.
+inline void PrintTo(const Subject& subject, std::ostream* out) {
+  *out << subject.Name;
+}
 
 // One list for each area; a new one is also named in the program's main.
 std::vector<Subject> ControlsSubjects();
