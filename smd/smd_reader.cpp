@@ -4,6 +4,7 @@
 
 #include <cstring>
 #include <unordered_map>
+#include <utility>
 
 #include "core/paths.h"
 #include "smd/source_text.h"
@@ -21,6 +22,9 @@ bool IsEnd(std::string_view line) {
   return comment == std::string_view::npos ||
          (comment > 0 && (rest[comment] == '#' || rest[comment] == ';' || rest.substr(comment).starts_with("//")));
 }
+
+/// A corner of a triangle has a bone, a place, a normal and two texture coordinates.
+constexpr int CornerNumbers = 9;
 
 class Reader {
  public:
@@ -197,18 +201,25 @@ class Reader {
     while (m_text.NextLine()) {
       std::string_view material;
       if (!m_source.Materials.empty()) material = m_source.Materials[m_lastMaterial];
-      if (material.empty() || !m_text.TakeRest(material)) {
+      bool atCorner = false;
+      if (material.empty() || IsEnd(material) || !m_text.TakeRest(material)) {
         material = m_text.Rest();
         if (material.starts_with("//")) continue;
         if (material.empty()) {
           PassNameless();
           continue;
         }
-        if (IsEnd(material)) return;
+        if (IsEnd(material)) {
+          // Behind the end of a block no corner can stand: then it is a material of that name.
+          atCorner = m_text.NextLineOfNumbers(CornerNumbers);
+          if (!atCorner) return;
+        }
       }
       const size_t corners = m_source.Corners.size(), links = m_source.Links.size();
       bool sound = true;
-      for (int corner = 0; corner < 3 && sound; ++corner) sound = NextCornerLine() && Corner();
+      for (int corner = 0; corner < 3 && sound; ++corner) {
+        sound = (std::exchange(atCorner, false) || NextCornerLine()) && Corner();
+      }
       if (!sound) {
         m_text.Tell(true, "a corner of a triangle needs a bone, a place, a normal and two texture coordinates");
         m_source.Corners.resize(corners);
@@ -220,8 +231,7 @@ class Reader {
   }
   /// Behind an empty line: a triangle, if its corners follow at once, belongs to no mesh for want of a material.
   void PassNameless() {
-    constexpr int Numbers = 9;
-    if (!m_text.NextLineOfNumbers(Numbers)) return;
+    if (!m_text.NextLineOfNumbers(CornerNumbers)) return;
     m_text.Tell(false, "a triangle has no material and is left out");
     for (int corner = 1; corner < 3 && NextCornerLine(); ++corner) continue;
   }

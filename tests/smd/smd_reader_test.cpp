@@ -83,6 +83,22 @@ TEST(SmdReader, GoesOnBehindWhatOtherProgramsGetWrong) {
   EXPECT_EQ(source.Corners[2].V, 2);
 }
 
+TEST(SmdReader, ReadsAMaterialThatIsCalledAsTheEndOfItsBlock) {
+  const std::string corners = "0 0 0 0 0 0 1 0 0\n0 1 0 0 0 0 1 1 0\n0 0 1 0 0 0 1 0 .5\n";
+  const std::string head = "version 1\nnodes\n0 \"a\" -1\nend\nskeleton\ntime 0\n0 0 0 0 0 0 0\nend\ntriangles\n";
+  const std::string shape = "vertexanimation\ntime 0\n0 0 0 0 0 0 1\nend\n";
+  for (const char* end : {"end", "END", "end // of all"}) {
+    SmdSource source;
+    const auto messages = ReadSource(
+        head + "end\n" + corners + "skin\n" + corners + "end\n" + corners + "end\n" + corners + end + "\n" + shape,
+        "a.smd", source);
+    EXPECT_THAT(messages, IsEmpty()) << end;
+    EXPECT_THAT(source.Materials, ElementsAre("end", "skin")) << end;
+    EXPECT_THAT(source.Corners, SizeIs(12)) << end;
+    EXPECT_THAT(source.Shapes, SizeIs(1)) << end;
+  }
+}
+
 TEST(SmdReader, ReadsNumbersToTheNearestFloat) {
   const char* texts[] = {"0",          "-0.000000", "16777217",         "0.1",   "1e-40", "123456789.123456789",
                          "8388609.5",  "3.4e38",    "0.000030517579",   "5.",    ".5",    "9007199254740993",
