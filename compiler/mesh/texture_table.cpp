@@ -1,31 +1,19 @@
 #include "compiler/mesh/texture_table.h"
 
 #include <algorithm>
-#include <iterator>
 
 #include "core/paths.h"
+#include "smd/image_ending.h"
 
 namespace tarnwick::compiler {
-
-namespace {
-
-/// Whether a name ends as an image file's does.
-bool IsImage(std::string_view name) {
-  constexpr std::string_view Images[] = {".tga", ".bmp", ".vmt", ".vtf", ".psd",
-                                         ".png", ".jpg", ".pcx", ".tif", ".dds"};
-  const std::string lower = core::LowerAscii(name);
-  return std::any_of(std::begin(Images), std::end(Images),
-                     [&](std::string_view ending) { return lower.ends_with(ending); });
-}
-
-}  // namespace
 
 TextureTable::TextureTable(const CompilePlan& plan) {
   const auto& folders = plan.MaterialFolders;
   m_keepFolders = std::find(folders.begin(), folders.end(), "") != folders.end();
   for (const auto& [from, to] : plan.RenamedMaterials) {
     // The new name is kept with its folder: it is none of a mesh, which brings the folders of its author's disk.
-    m_renamed.try_emplace(core::LowerAscii(NameInScript(from)), IsImage(to) ? to.substr(0, to.rfind('.')) : to);
+    m_renamed.try_emplace(core::LowerAscii(NameInScript(from)),
+                          smd::EndsAsImage(to) ? to.substr(0, to.rfind('.')) : to);
   }
 }
 
@@ -44,7 +32,7 @@ std::string TextureTable::NameOf(std::string_view material) const {
 }
 
 std::string TextureTable::NameInScript(std::string_view name) const {
-  const bool isImage = IsImage(name);
+  const bool isImage = smd::EndsAsImage(name);
   // What NameOf takes away is then not a part of the name.
   return NameOf(isImage ? std::string(name) : std::string(name) + ".tga");
 }

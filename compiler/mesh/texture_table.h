@@ -27,13 +27,14 @@ class TextureTable {
   /// The same, -1 if there is none: by the name in the sources, or by the one that the script gave it.
   int32_t FindKnown(const std::string& name) const;
 
+  /// The name that the script gives the texture of that name, which may be the same.
+  const std::string& Renamed(const std::string& name) const;
+
   size_t Count() const { return m_names.size(); }
   /// The names as the model has them, renamed where the script says so.
   std::vector<std::string> Names() const;
 
  private:
-  const std::string& Renamed(const std::string& name) const;
-
   bool m_keepFolders = false;
   std::unordered_map<std::string, std::string> m_renamed;
   std::vector<std::string> m_names;

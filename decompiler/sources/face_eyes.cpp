@@ -166,8 +166,8 @@ class Eyes {
     // The iris' own material is not kept; that of the white brings no other one in.
     m_job.Script().Text("    eyeball " + Quoted(m_job, name) + " " +
                         Quoted(m_job, skeleton.Names[static_cast<size_t>(eye->Bone)]) + " " + Numbers(m_job, origin) +
-                        " " + Quoted(m_job, *white) + " " + Number(m_job, eye->Radius * 2) + " " +
-                        Number(m_job, AngleOf(eye->ForwardOffset)) + " " + Quoted(m_job, *white) + " " +
+                        " " + QuotedMaterial(m_job, *white) + " " + Number(m_job, eye->Radius * 2) + " " +
+                        Number(m_job, AngleOf(eye->ForwardOffset)) + " " + QuotedMaterial(m_job, *white) + " " +
                         Number(m_job, ReciprocalOf(eye->IrisScale)) + "\n");
     // A compile looks along -Y of the model, with Z above.
     GetMatrixColumn(bone->PoseToBone, 2, up);

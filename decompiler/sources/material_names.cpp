@@ -56,8 +56,8 @@ void FindMaterialNames(JobContext& job) {
 void WriteRenamedMaterials(JobContext& job) {
   for (const auto& [texture, name] : job.MaterialNames) {
     if (!job.ScriptWithinBounds()) return;
-    job.Script().Text("$renamematerial \"" + name + "\" " + Quoted(job, TextureName(job.Model, texture).value_or("")) +
-                      "\n");
+    job.Script().Text("$renamematerial \"" + name + "\" " +
+                      QuotedMaterial(job, TextureName(job.Model, texture).value_or("")) + "\n");
   }
 }
 

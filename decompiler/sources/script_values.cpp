@@ -5,6 +5,7 @@
 #include <numbers>
 
 #include "core/number_text.h"
+#include "smd/image_ending.h"
 
 namespace tarnwick::decompiler::sources {
 
@@ -48,6 +49,10 @@ std::string Quoted(JobContext& job, std::string_view text) {
   }
   if (cleaned) job.CleanOnce("names with quotes or control characters", "stand without them");
   return quoted + "\"";
+}
+
+std::string QuotedMaterial(JobContext& job, std::string_view material) {
+  return Quoted(job, smd::EndsAsImage(material) ? std::string(material) + ".tga" : std::string(material));
 }
 
 std::optional<std::string_view> BoneName(JobContext& job, std::string_view user, int64_t userOffset, int64_t index) {

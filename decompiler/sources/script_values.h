@@ -22,6 +22,10 @@ namespace tarnwick::decompiler::sources {
 /// control byte a blank; that is told.
 [[nodiscard]] std::string Quoted(JobContext& job, std::string_view text);
 
+/// The name of a material as one word of the script. A compile takes the ending of an image away, so that a name which
+/// really ends so gets one more.
+[[nodiscard]] std::string QuotedMaterial(JobContext& job, std::string_view material);
+
 /// The name of bone `index`; nothing, told, if the model has no such bone. `user` is who names it, at `userOffset`.
 [[nodiscard]] std::optional<std::string_view> BoneName(JobContext& job, std::string_view user, int64_t userOffset,
                                                        int64_t index);

@@ -127,7 +127,7 @@ void WriteSkinStatements(JobContext& job) {
                     "names texture " + std::to_string(entry->Value) + ", which is not in the file");
         name = job.MaterialName((*skins)[column]->Value).value_or("");
       }
-      row += " " + Quoted(job, *name);
+      row += " " + QuotedMaterial(job, *name);
     }
     job.Script().Text(row + " }\n");
   }

@@ -383,10 +383,10 @@ TEST(CompileScript, GivesBackTexturesThatMeshesCannotName) {
   WriteText(shop.Folder.Path("parts/two/roof.smd"), other);
   const auto files = shop.Compile(std::string(Head) +
                                   "$body one roof\n$body two \"two/roof\"\n$body three arm\n$sequence idle roof\n"
-                                  "$texturegroup s { { a c } { red blue } }\n$renamematerial c a\n"
+                                  "$texturegroup s { { a c } { red.tga.tga blue } }\n$renamematerial c a\n"
                                   "$renamematerial skin \"//walls/brick.tga\"\n$renamematerial blue RED\n");
   ASSERT_TRUE(files) << testing::PrintToString(shop.Texts());
-  EXPECT_THAT(TextureNames(*files), ElementsAre("a", "b", "a", "//walls/brick", "red", "RED"));
+  EXPECT_THAT(TextureNames(*files), ElementsAre("a", "b", "a", "//walls/brick", "red.tga", "RED"));
   ScratchFolder folder;
   WriteText(folder.Path("roof.mdl"), files->Mdl);
   WriteText(folder.Path("roof.vvd"), files->Vvd);
