@@ -375,30 +375,62 @@ class BoneJoiner {
 };
 
 /// Which bones stand for others at each level of detail.
-void BuildLodBones(CompileContext& context, ModelBones& bones) {
-  const std::vector<PlanLod>& lods = context.Plan.Lods;
-  bones.LodBones.resize(lods.size() + 1);
-  for (size_t i = 0; i < lods.size(); ++i) {
-    if (lods[i].Bones.empty() && lods[i].CollapsedTrees.empty()) continue;
-    std::vector<int32_t>& map = bones.LodBones[i + 1];
-    for (size_t bone = 0; bone < bones.Bones.size(); ++bone) map.push_back(static_cast<int32_t>(bone));
-    for (const std::string& name : lods[i].CollapsedTrees) {
-      const int32_t root = bones.Find(name);
+class LodBones {
+ public:
+  LodBones(CompileContext& context, const ModelBones& bones) : m_context(context), m_bones(bones) {}
+
+  std::vector<int32_t> Of(const PlanLod& lod) {
+    std::vector<int32_t> map;
+    for (size_t bone = 0; bone < m_bones.Bones.size(); ++bone) map.push_back(static_cast<int32_t>(bone));
+    for (const std::string& name : lod.CollapsedTrees) {
+      const int32_t root = Named(name, lod.At);
       for (size_t bone = 0; root >= 0 && bone < map.size(); ++bone) {
         int32_t at = static_cast<int32_t>(bone);
-        while (at > root) at = bones.Bones[static_cast<size_t>(at)].Parent;
+        while (at > root) at = m_bones.Bones[static_cast<size_t>(at)].Parent;
         if (at == root) map[bone] = root;
       }
     }
-    for (const auto& [from, to] : lods[i].Bones) {
-      const int32_t bone = bones.Find(from), other = bones.Find(to);
-      if (bone < 0 || other < 0) {
-        context.Warning(lods[i].At, "no bone is called " + qc::Shown(bone < 0 ? from : to));
-        continue;
-      }
-      map[static_cast<size_t>(bone)] = other;
+    for (const auto& [from, to] : lod.Bones) {
+      const int32_t bone = Named(from, lod.At);
+      const int32_t other = m_bones.Find(to);
+      if (other < 0) Tell(to, lod.At);
+      if (bone >= 0 && other >= 0) map[static_cast<size_t>(bone)] = other;
     }
-    for (int32_t& bone : map) bone = map[static_cast<size_t>(bone)];
+    // What a bone gives away goes on with the bone that gets it; a ring of replacements ends.
+    for (size_t bone = 0; bone < map.size(); ++bone) {
+      for (size_t steps = 0; steps < map.size(); ++steps) {
+        const int32_t next = map[static_cast<size_t>(map[bone])];
+        if (next == map[bone]) break;
+        map[bone] = next;
+      }
+    }
+    return map;
+  }
+
+ private:
+  /// The bone of that very name. One that the model does not hold has no weights to give: its parent keeps its own.
+  int32_t Named(const std::string& name, const qc::Place& at) {
+    const int32_t bone = m_bones.Named(name);
+    if (bone < 0 && m_bones.Find(name) < 0) Tell(name, at);
+    return bone;
+  }
+  void Tell(const std::string& name, const qc::Place& at) {
+    qc::NearName near(name);
+    for (const ModelBone& bone : m_bones.Bones) near.Offer(bone.Name);
+    m_context.Warning(at, "no bone is called " + qc::Shown(name) + qc::DidYouMean(near.Best()));
+  }
+
+  CompileContext& m_context;
+  const ModelBones& m_bones;
+};
+
+void BuildLodBones(CompileContext& context, ModelBones& bones) {
+  const std::vector<PlanLod>& lods = context.Plan.Lods;
+  bones.LodBones.resize(lods.size() + 1);
+  for (size_t i = 0; i < lods.size() && !bones.Static; ++i) {
+    if (!lods[i].Bones.empty() || !lods[i].CollapsedTrees.empty()) {
+      bones.LodBones[i + 1] = LodBones(context, bones).Of(lods[i]);
+    }
   }
 }
 

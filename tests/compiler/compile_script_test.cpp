@@ -313,6 +313,42 @@ TEST(CompileScript, KeepsTheDriversOfBonesAndDrivesNoParentInPlaceOfAHelper) {
   EXPECT_EQ(RecordAt<model::StudioBone>(none->Mdl, header.BoneOffset).ProceduralType, 0);
 }
 
+TEST(CompileScript, GivesBonesOfALevelToOthersThroughAllThatStandBetween) {
+  std::string mesh = "version 1\nnodes\n0 \"root\" -1\n";
+  for (const char* node : {"1 \"arm\" 0", "2 \"hand\" 1", "3 \"finger\" 2", "4 \"tip\" 3", "5 \"sleeve\" 1"}) {
+    mesh += std::string(node) + "\n";
+  }
+  mesh += "end\nskeleton\ntime 0\n";
+  for (int bone = 0; bone < 6; ++bone) mesh += std::to_string(bone) + " 4 0 0 0 0 0\n";
+  mesh += "end\ntriangles\n";
+  for (int bone = 1; bone < 5; ++bone) {
+    const std::string b = std::to_string(bone) + " " + std::to_string(20 * bone);
+    mesh += "skin\n" + b + " 0 0 0 0 1 0 0\n" + b + " 8 0 0 0 1 1 0\n" + b + " 0 8 0 0 1 0 1\n";
+  }
+  mesh += "end\n";
+  const auto bonesOfLevel = [&](const std::string& lines) {
+    Workshop shop;
+    WriteText(shop.Folder.Path("parts/limb.smd"), mesh);
+    const auto files =
+        shop.Compile(std::string(Head) + "$body b limb\n$sequence idle limb\n$lod 5 { " + lines + " }\n");
+    std::string used;
+    for (int i = 0; files && i < HeaderOf(*files).BoneCount; ++i) {
+      const int64_t at = HeaderOf(*files).BoneOffset + int64_t{i} * static_cast<int64_t>(sizeof(model::StudioBone));
+      const bool isUsed = (RecordAt<model::StudioBone>(files->Mdl, at).Flags & model::BoneFlagVertexLod0 << 1) != 0;
+      if (isUsed) used += BoneName(*files, i) + " ";
+    }
+    for (const std::string& text : shop.Texts()) used += "(" + text + ")";
+    return used;
+  };
+  EXPECT_EQ(bonesOfLevel("replacebone tip arm"), "root arm hand finger ");
+  EXPECT_EQ(bonesOfLevel("replacebone hand arm\nreplacebone finger hand\nreplacebone tip finger"), "root arm ");
+  EXPECT_EQ(bonesOfLevel("replacebone tip finger\nreplacebone finger hand\nreplacebone hand arm"), "root arm ");
+  EXPECT_EQ(bonesOfLevel("bonetreecollapse HAND"), "root arm hand ");
+  // The sleeve is not in the model: the arm, which took its place, keeps what it has.
+  EXPECT_EQ(bonesOfLevel("replacebone sleeve root"), "root arm hand finger tip ");
+  EXPECT_EQ(bonesOfLevel("bonetreecollapse sleeve"), "root arm hand finger tip ");
+}
+
 TEST(CompileScript, FindsTheMeshOfALevelByItsBareName) {
   for (const char* name : {"arm", "ARM.smd", "parts\\Arm"}) {
     Workshop shop;
