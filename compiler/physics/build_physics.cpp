@@ -69,21 +69,30 @@ class PhysicsBuild {
 #endif
   }
 
-  int32_t BoneNamed(const std::string& name) const {
-    return m_bones.Find(name);
+  /// The bone that a joint's statement names, or the one that took its place; -1, told, if there is none.
+  int32_t BoneNamed(const std::string& name, const char* statement) {
+    const int32_t bone = m_bones.Find(name);
+    if (bone >= 0) return bone;
+    qc::NearName near(name);
+    for (const ModelBone& other : m_bones.Bones) near.Offer(other.Name);
+    m_context.Warning(m_plan.At,
+                      std::string(statement) + " names the bone " + qc::Shown(name) +
+                          ", which the model does not have" + qc::DidYouMean(near.Best()),
+                      core::TroubleKind::Missing);
+    return -1;
   }
 
   void FindMerges() {
     m_target.resize(m_bones.Bones.size());
     for (size_t i = 0; i < m_target.size(); ++i) m_target[i] = static_cast<int32_t>(i);
     for (const auto& [into, other] : m_plan.Merged) {
-      const int32_t first = BoneNamed(into), second = BoneNamed(other);
-      if (first < 0) {
-        m_context.Warning(m_plan.At,
-                          "$jointmerge names the bone " + qc::Shown(into) + ", which the model does not have",
-                          core::TroubleKind::Missing);
+      const int32_t first = BoneNamed(into, "$jointmerge"), second = BoneNamed(other, "$jointmerge");
+      if (first < 0 || second < 0 || first == second) continue;
+      if (m_bones.Named(other) >= 0) {
+        m_target[static_cast<size_t>(second)] = first;
+      } else {
+        m_dropped[core::LowerAscii(other)] = first;
       }
-      if (first >= 0 && second >= 0 && first != second) m_target[static_cast<size_t>(second)] = first;
     }
     // What was merged into a bone goes on with it; a ring of merges ends.
     for (int32_t& target : m_target) {
@@ -92,9 +101,31 @@ class PhysicsBuild {
       }
     }
     for (const std::string& name : m_plan.Skipped) {
-      const int32_t bone = BoneNamed(name);
-      if (bone >= 0) m_skipped[bone] = true;
+      const int32_t bone = BoneNamed(name, "$jointskip");
+      if (bone < 0) continue;
+      if (m_bones.Named(name) >= 0) {
+        m_skipped[bone] = true;
+      } else {
+        m_dropped[core::LowerAscii(name)] = NoBody();
+      }
     }
+    m_target.push_back(NoBody());
+    m_skipped[NoBody()] = true;
+  }
+  /// The number behind that of the last bone: triangles that no body gets.
+  int32_t NoBody() const {
+    return static_cast<int32_t>(m_bones.Bones.size());
+  }
+
+  /// The bones of a source's nodes. A node whose bone the model dropped is told apart from the bone that took its
+  /// place: what a statement says of the one is not for the other.
+  std::vector<int32_t> BonesOfNodes(const smd::SmdSource& source) const {
+    std::vector<int32_t> bones = m_bones.OfNodes(source);
+    for (size_t i = 0; i < bones.size() && !m_dropped.empty(); ++i) {
+      const auto own = m_dropped.find(core::LowerAscii(source.Nodes[i].Name));
+      if (own != m_dropped.end()) bones[i] = own->second;
+    }
+    return bones;
   }
 
   /// Where a point of the source stands in the space of its body.
@@ -128,7 +159,7 @@ class PhysicsBuild {
   }
 
   void GatherBodies(const smd::SmdSource& source) {
-    const std::vector<int32_t> nodes = m_bones.OfNodes(source);
+    const std::vector<int32_t> nodes = BonesOfNodes(source);
     std::map<int32_t, size_t> bodyOf;
     const auto placement = compiler::PlacementOf(m_plan.Mesh);
     for (size_t t = 0; 3 * t + 2 < source.Corners.size(); ++t) {
@@ -181,7 +212,7 @@ class PhysicsBuild {
       }
     }
     for (const std::string& name : m_plan.NamedBones) {
-      const int32_t bone = BoneNamed(name);
+      const int32_t bone = m_bones.Named(name);
       if (bone >= 0) take(bodyOf(bone));
     }
     for (size_t i = 0; i < m_bodies.size(); ++i) take(i);
@@ -396,6 +427,7 @@ class PhysicsBuild {
   const std::optional<model::RigidTransform>& m_rootPose;
   std::vector<int32_t> m_target;  // of a bone: the bone that its triangles are merged into
   std::map<int32_t, bool> m_skipped;
+  std::map<std::string, int32_t> m_dropped;  // names, in small letters, of dropped bones: where their triangles go
   std::vector<Body> m_bodies;
   std::vector<float> m_volumes;  // cubic inches
 };

@@ -73,7 +73,8 @@ class PhysicsText {
  private:
   /// The solid of a bone that a statement names; -1, told, if it has none.
   int32_t SolidNamed(const std::string& name, const qc::Place& at) {
-    const int32_t bone = m_plan.Joints ? m_bones.Find(name) : -1;
+    // A bone that the model dropped has no joint, and what is said of it is not for the bone that took its place.
+    const int32_t bone = m_plan.Joints ? m_bones.Named(name) : -1;
     const int32_t solid = bone < 0 ? -1 : m_solidOf[static_cast<size_t>(m_target[static_cast<size_t>(bone)])];
     if (solid < 0) {
       m_context.Warning(at, "the collision model has no body for the bone " + qc::Shown(name),

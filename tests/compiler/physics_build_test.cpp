@@ -182,6 +182,34 @@ TEST(BuildPhysics, MakesJointsInTheOrderOfTheirStatements) {
 }
 #endif
 
+#ifdef TARNWICK_HULLS
+TEST(BuildPhysics, LeavesBonesAloneWhoseDroppedChildrenStatementsName) {
+  PhysicsFixture fixture;
+  fixture.Compile.AddBone("arm", 0, {0, 0, 10});
+  for (const char* dropped : {"hand", "thumb", "sleeve"}) fixture.Compile.Bones.AddDropped(dropped, 1, {});
+  SourceBuilder source;
+  source.Source.Nodes = {{"root", -1}, {"arm", 0}, {"hand", 1}, {"thumb", 1}, {"sleeve", 1}};
+  source.Box({-1, -1, -1}, {1, 1, 1}, "m", 0).Box({-1, -1, 9}, {1, 1, 11}, "m", 1);
+  source.Box({-1, -1, 19}, {1, 1, 21}, "m", 2).Box({-1, -1, 29}, {1, 1, 31}, "m", 3);
+  source.Box({-1, -1, 39}, {1, 1, 41}, "m", 4);
+  PlanCollision& collision = fixture.Collision(source.Source);
+  collision.Joints = true;
+  collision.Skipped = {"Hand", "foot"};
+  collision.Merged = {{"root", "thumb"}, {"root", "toe"}};
+  collision.Constraints = {{{}, "arm", 0, -10, 10, 0}, {{}, "hand", 0, 0, 0, 0}};
+  fixture.Build();
+  ASSERT_TRUE(fixture.Built);
+  ASSERT_EQ(fixture.Values.Solids.size(), 2U);
+  EXPECT_NEAR(fixture.BoxOf(0).second.z, 31, 1e-4) << "the thumb's triangles are the root's";
+  EXPECT_NEAR(fixture.BoxOf(1).second.z, 31, 1e-4) << "the sleeve's are the arm's, in whose space they stand";
+  EXPECT_NEAR(fixture.BoxOf(1).first.z, -1, 1e-4) << "the arm itself is not skipped";
+  EXPECT_EQ(fixture.Values.Constraints[0].Axes[0].Maximum, 10) << "the hand's statement is not for the arm";
+  EXPECT_THAT(fixture.Compile.Told, testing::UnorderedElementsAre(HasSubstr("$jointskip names the bone \"foot\""),
+                                                                  HasSubstr("$jointmerge names the bone \"toe\""),
+                                                                  HasSubstr("no body for the bone \"hand\"")));
+}
+#endif
+
 TEST(BuildPhysics, TellsWhatCannotBeMade) {
   PhysicsFixture fixture;
   SourceBuilder source;
