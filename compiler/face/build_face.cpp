@@ -86,10 +86,11 @@ class FaceBuild {
     const auto number = static_cast<int32_t>(m_built->Eyeballs.size());
     m_built->Eyeballs.push_back(record);
     m_eyes.push_back(eye.Name);
-    const std::string white = m_textures.NameInScript(eye.Material);
+    const std::string white = m_textures.NameInScript(eye.Material), renamed = m_textures.Renamed(white);
     for (BuiltMesh& mesh : m_model->Meshes) {
       if (mesh.Eyeball >= 0) continue;
-      if (!core::EqualIgnoringCase(m_meshes.Textures[static_cast<size_t>(mesh.Texture)], white)) continue;
+      const std::string& worn = m_meshes.Textures[static_cast<size_t>(mesh.Texture)];
+      if (!core::EqualIgnoringCase(worn, white) && !core::EqualIgnoringCase(worn, renamed)) continue;
       mesh.Eyeball = number;
       return;
     }
@@ -118,11 +119,13 @@ class FaceBuild {
     return entry->second ? &*entry->second : nullptr;
   }
 
-  /// Shapes of one descriptor follow each other by their places: each falls where the next is whole.
+  /// Shapes of one descriptor, however its name is typed, follow each other by their places: each falls where the next
+  /// is whole.
   static std::map<std::string, std::vector<float>> PlacesOf(const PlanFlexFile& file) {
     std::map<std::string, std::vector<float>> places;
     for (const PlanShape& shape : file.Shapes) {
-      if (shape.What != PlanShape::Kind::Default) places[shape.Name].push_back(shape.Position.value_or(1.0f));
+      if (shape.What == PlanShape::Kind::Default) continue;
+      places[core::LowerAscii(shape.Name)].push_back(shape.Position.value_or(1.0f));
     }
     for (auto& [name, list] : places) {
       std::sort(list.begin(), list.end());
@@ -153,11 +156,11 @@ class FaceBuild {
     if (shapes == nullptr) return;
     const auto places = PlacesOf(file);
     for (const PlanShape& shape : file.Shapes) {
-      if (shape.What == PlanShape::Kind::Default) continue;
+      if (shape.What == PlanShape::Kind::Default || !shapes->HasFrame(m_context, shape.Frame, shape.At)) continue;
       FlexShape flex;
       flex.At = shape.At;
       flex.Frame = shape.Frame;
-      flex.Targets = TargetsOf(places.at(shape.Name), shape.Position.value_or(1.0f));
+      flex.Targets = TargetsOf(places.at(core::LowerAscii(shape.Name)), shape.Position.value_or(1.0f));
       flex.Decay = shape.Decay.value_or(1.0f);
       if (shape.What == PlanShape::Kind::Pair) {
         // The right one comes first, unless the names were said the other way round.
@@ -201,7 +204,10 @@ class FaceBuild {
     // A lid that is at rest in all its frames has no flex.
     if (lid.LowererFrame == lid.NeutralFrame && lid.RaiserFrame == lid.NeutralFrame) return;
     const ShapeFile* shapes = FileOf(lid.Source, lid.NeutralFrame, lid.At);
-    if (shapes == nullptr) return;
+    if (shapes == nullptr || !shapes->HasFrame(m_context, lid.LowererFrame, lid.At) ||
+        !shapes->HasFrame(m_context, lid.RaiserFrame, lid.At)) {
+      return;
+    }
     FlexShape flex;
     flex.At = lid.At;
     flex.Descriptor = whole;
@@ -226,7 +232,11 @@ class FaceBuild {
     if (m_names.FindDescriptor(mouth.Flex) < 0) {
       m_context.Warning(mouth.At, "nothing drives the flex " + qc::Shown(mouth.Flex), core::TroubleKind::Missing);
     }
-    m_face.Mouths.push_back({bone, mouth.Forward, m_names.Descriptor(mouth.Flex)});
+    // A mouth's number is its place, wherever its line stands.
+    const auto at = std::ranges::upper_bound(m_face.MouthNumbers, mouth.Number);
+    m_face.Mouths.insert(m_face.Mouths.begin() + (at - m_face.MouthNumbers.begin()),
+                         {bone, mouth.Forward, m_names.Descriptor(mouth.Flex)});
+    m_face.MouthNumbers.insert(at, mouth.Number);
   }
 
   CompileContext& m_context;

@@ -40,6 +40,7 @@ struct BuiltFace {
   std::vector<BuiltFlexRule> Rules;
   std::vector<BuiltFlexControl> Controls;
   std::vector<model::StudioMouth> Mouths;
+  std::vector<int32_t> MouthNumbers;  // as typed, rising; one for each mouth
   /// Models in the order of body parts and their models; empty, or one for each.
   std::vector<BuiltModelFace> Models;
 };

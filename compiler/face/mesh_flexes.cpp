@@ -97,15 +97,19 @@ std::optional<ShapeFile> ShapeFile::Open(CompileContext& context, const qc::Plac
   return file;
 }
 
+bool ShapeFile::HasFrame(CompileContext& context, int32_t frame, const qc::Place& at) const {
+  if (m_shapes.contains(frame)) return true;
+  const auto byNumber = [](const auto& a, const auto& b) { return a.first < b.first; };
+  const int32_t last = std::max_element(m_shapes.begin(), m_shapes.end(), byNumber)->first;
+  context.Error(
+      at, "\"" + m_source->Path + "\" has no frame " + std::to_string(frame) + "; its last is " + std::to_string(last),
+      core::TroubleKind::Missing);
+  return false;
+}
+
 bool ShapeFile::AddFlex(CompileContext& context, const FlexShape& flex, const BuiltModel& model,
                         std::vector<std::vector<BuiltFlex>>& flexes) const {
-  const auto entry = m_shapes.find(flex.Frame);
-  if (entry == m_shapes.end()) {
-    context.Error(flex.At, "\"" + m_source->Path + "\" has no frame " + std::to_string(flex.Frame),
-                  core::TroubleKind::Missing);
-    return false;
-  }
-  const smd::SourceShape& shape = *entry->second;
+  const smd::SourceShape& shape = *m_shapes.at(flex.Frame);
   // A shape that lists the whole mesh is a copy of it: what stands as at rest is not moved. One that lists a part of it
   // means those that it lists.
   const bool isWhole = shape.Vertices.size() >= m_points.size();

@@ -37,8 +37,11 @@ class ShapeFile {
                                        int32_t restFrame, const SourceUse& mesh, const ModelBones& bones,
                                        const BuiltModel& model, const BuiltMeshes& meshes);
 
-  /// Adds the flex to each mesh of the model that it moves; to the first, without vertices, if there is none.
-  /// False, told, if the file has no such frame.
+  /// Whether the file has that frame; that it has not is told.
+  bool HasFrame(CompileContext& context, int32_t frame, const qc::Place& at) const;
+
+  /// Adds the flex, whose frame the file has, to each mesh of the model that it moves; to the first, without vertices,
+  /// if there is none. False, told, if it asks for too much.
   bool AddFlex(CompileContext& context, const FlexShape& flex, const BuiltModel& model,
                std::vector<std::vector<BuiltFlex>>& flexes) const;
 

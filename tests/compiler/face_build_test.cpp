@@ -163,13 +163,13 @@ TEST(BuildFace, MatchesShapesToVerticesAndPartsTheTrianglesThatMove) {
 TEST(BuildFace, SplitsAPairAcrossTheFaceAndChainsPlaces) {
   FaceFixture fixture;
   fixture.AddShape(1, {{0, {1, 0, 2}, {0, 0, 1}}, {1, {0, 0, 2}, {0, 0, 1}}});
-  PlanShape pair = Shape("brow", 1), half = Shape("lip", 1), whole = Shape("lip", 1);
+  PlanShape pair = Shape("brow", 1), half = Shape("Lip", 1), whole = Shape("lip", 1);
   pair.What = PlanShape::Kind::Pair;
   pair.Split = 1;
   half.Position = 0.5f;
   fixture.Model().Face.push_back(fixture.FlexFile({pair, half, whole}));
   fixture.Build();
-  EXPECT_THAT(fixture.Face.Descriptors, ElementsAre("browR", "browL", "lip"));
+  EXPECT_THAT(fixture.Face.Descriptors, ElementsAre("browR", "browL", "Lip"));
   const auto& flexes = fixture.Face.Models[0].MeshFlexes[0];
   ASSERT_EQ(flexes.size(), 3U);
   EXPECT_EQ(int32_t{flexes[0].Record.FlexDesc}, 0);
@@ -193,7 +193,9 @@ TEST(BuildFace, MakesEyesLidsAndMouths) {
   PlanModel& model = fixture.Model();
   model.Face.push_back(PlanEyelid{{}, "upper_right", source, 1, 0, 2, -0.2f, 0.1f, 0.3f, 0.1f, "righteye"});
   model.Face.push_back(PlanEyeball{{}, "righteye", "head", {1, -2, 64}, "Eye_White", 1, 4, "iris", 0.5f});
+  model.Face.push_back(PlanMouth{{}, 1, "upper_right", "head", {1, 0, 0}});
   model.Face.push_back(PlanMouth{{}, 0, "upper_right", "head", {0, 1, 0}});
+  fixture.Compile.Plan.RenamedMaterials = {{"eye_white", "sclera"}};
   fixture.Build();
   EXPECT_EQ(fixture.Compile.Errors, 0U);
   ASSERT_EQ(fixture.Face.Models[0].Eyeballs.size(), 1U);
@@ -212,19 +214,22 @@ TEST(BuildFace, MakesEyesLidsAndMouths) {
   EXPECT_EQ(float{flexes[0].Record.Targets[3]}, 0.1f);
   EXPECT_EQ(flexes[0].VertAnims.size(), 1U) << "a corner beyond the split stays";
   EXPECT_EQ(float{flexes[1].Record.Targets[1]}, 0.3f);
-  ASSERT_EQ(fixture.Face.Mouths.size(), 1U);
-  EXPECT_EQ(float{fixture.Face.Mouths[0].Forward.y}, 1);
+  ASSERT_EQ(fixture.Face.Mouths.size(), 2U);
+  EXPECT_EQ(float{fixture.Face.Mouths[0].Forward.y}, 1) << "a mouth's number is its place";
 }
 
 TEST(BuildFace, TellsFramesBonesAndEyesThatAreNotThere) {
   FaceFixture fixture;
-  fixture.Model().Face.push_back(fixture.FlexFile({Shape("smile", 7)}));
+  fixture.AddShape(1, {{0, {1, 0, 2}, {0, 0, 1}}});
+  fixture.Model().Face.push_back(fixture.FlexFile({Shape("smile", 7), Shape("frown", 1), Shape("lip", 8)}));
   fixture.Model().Face.push_back(PlanMouth{{}, 0, "smile", "haed", {0, 1, 0}});
   fixture.Model().Face.push_back(PlanEyelid{{}, "upper_right", 0, 0, 0, 0, 0, 0, 0, 0, "righteye"});
   fixture.Build();
-  EXPECT_EQ(fixture.Compile.Errors, 3U);
-  EXPECT_THAT(fixture.Compile.Told, testing::IsSupersetOf({HasSubstr("no frame 7"), HasSubstr("no bone \"haed\""),
+  EXPECT_EQ(fixture.Compile.Errors, 4U);
+  EXPECT_THAT(fixture.Compile.Told, testing::IsSupersetOf({HasSubstr("no frame 7; its last is 1"),
+                                                           HasSubstr("no frame 8"), HasSubstr("no bone \"haed\""),
                                                            HasSubstr("\"righteye\", which the model does not have")}));
+  EXPECT_THAT(fixture.Face.Descriptors, testing::Contains("frown")) << "one wrong line does not hide the next";
 }
 
 }  // namespace
