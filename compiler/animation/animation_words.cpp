@@ -297,14 +297,15 @@ bool ApplyAnimationWord(CompileContext& context, const ModelBones& bones, const 
     case Key::CounterRotate:
     case Key::CounterRotateTo:
     case Key::AutoIk:
+    case Key::IkFixup:
       context.Warning(word.At, qc::Shown(word.Name) + " is known, but nothing is built from it",
                       core::TroubleKind::Lost);
       return true;
     case Key::NoAnimBlock:
+    case Key::NoAnimBlockStall:
       animation.InModelFile = true;
       return true;
     case Key::NoAutoIk:  // rules are made of `ikrule` alone
-    case Key::NoAnimBlockStall:
     case Key::AlignBoneTo:
     case Key::Match:
     case Key::MatchBlend:
@@ -316,7 +317,6 @@ bool ApplyAnimationWord(CompileContext& context, const ModelBones& bones, const 
     case Key::Compress:
     case Key::MotionRollback:  // those that are not built were told when the script was read
     case Key::IkRule:
-    case Key::IkFixup:
     case Key::Extract:
     case Key::WalkFrame:
       return true;

@@ -126,7 +126,10 @@ class IkRules {
     const auto chain = std::ranges::find_if(
         chains, [&](const PlanIkChain& c) { return core::EqualIgnoringCase(c.Name, word.Arguments[0].Text); });
     if (chain == chains.end()) {
-      return m_context.Warning(word.At, "no $ikchain is called " + qc::Shown(word.Arguments[0].Text));
+      qc::NearName near(word.Arguments[0].Text);
+      for (const PlanIkChain& known : chains) near.Offer(known.Name);
+      return m_context.Warning(
+          word.At, "no $ikchain is called " + qc::Shown(word.Arguments[0].Text) + qc::DidYouMean(near.Best()));
     }
     BuiltIkRule rule;
     model::StudioIkRule& record = rule.Record;
@@ -135,13 +138,13 @@ class IkRules {
     record.Bone = -1;
     record.Tail = record.End = 1;
     std::optional<float> contact;
+    bool isOfAKind = false;
     for (const Option& option : word.Options) {
+      isOfAKind = isOfAKind || IsKind(option.Kind);
       switch (option.Kind) {
         case Key::Touch:
           record.Type = model::IkRuleTouch;
-          if (!option.Arguments.empty() && !option.Arguments[0].Text.empty()) {
-            record.Bone = m_bones.Find(option.Arguments[0].Text);
-          }
+          TakeTouched(option, record);
           break;
         case Key::Release:
           record.Type = model::IkRuleRelease;
@@ -170,6 +173,10 @@ class IkRules {
                             core::TroubleKind::Lost);
       }
     }
+    if (!isOfAKind) {
+      m_context.Warning(word.At, "the ikrule of " + qc::Shown(word.Arguments[0].Text) +
+                                     " has no kind, such as touch or release; it is left out");
+    }
     if (record.Type == 0) return;  // of a kind that was told
     record.Contact = contact.value_or(record.Peak);
     if (record.Type == model::IkRuleTouch && !m_animation.Delta && !m_bones.Static) {
@@ -180,6 +187,21 @@ class IkRules {
   }
 
  private:
+  static bool IsKind(Key word) {
+    constexpr Key Kinds[] = {Key::Touch,   Key::Footstep,  Key::Attachment, Key::Release,
+                             Key::Unlatch, Key::AutoSteal, Key::AutoRelease};
+    return std::ranges::find(Kinds, word) != std::end(Kinds);
+  }
+  /// The bone that is touched; an empty name is the model's origin.
+  void TakeTouched(const Option& option, model::StudioIkRule& record) {
+    if (option.Arguments.empty() || option.Arguments[0].Text.empty()) return;
+    record.Bone = m_bones.Find(option.Arguments[0].Text);
+    if (record.Bone >= 0) return;
+    qc::NearName near(option.Arguments[0].Text);
+    for (const ModelBone& bone : m_bones.Bones) near.Offer(bone.Name);
+    m_context.Warning(option.At, "no bone is called " + qc::Shown(option.Arguments[0].Text) +
+                                     "; the rule holds the place in the model" + qc::DidYouMean(near.Best()));
+  }
   float PartOf(double frame) const {
     if (m_animation.FrameCount <= 1) return 0;
     return static_cast<float>(frame) / static_cast<float>(m_animation.FrameCount - 1);

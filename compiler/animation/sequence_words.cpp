@@ -292,7 +292,7 @@ bool ChangesFrames(Key kind) {
                            Key::Scale,   Key::Reverse,   Key::StartLoop,   Key::FixupLoop,   Key::FudgeLoop,
                            Key::Align,   Key::AlignTo,   Key::RotateTo,    Key::Subtract,    Key::PreSubtract,
                            Key::Extract, Key::WalkFrame, Key::LinearDelta, Key::SplineDelta, Key::NoAnimation,
-                           Key::IkRule};
+                           Key::IkRule,  Key::IkFixup};
   return std::ranges::find(Kinds, kind) != std::end(Kinds);
 }
 

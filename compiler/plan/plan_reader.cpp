@@ -230,9 +230,7 @@ class PlanReader {
         m_plan.BodyParts.push_back(ReadBodyPart(s, m_use));
         return true;
       case Command::AppendBlankBodyGroup:
-        for (PlanBodyPart& part : m_plan.BodyParts) {
-          if (core::EqualIgnoringCase(part.Name, Text(s, 0))) part.Models.emplace_back();
-        }
+        AppendBlank(s);
         return true;
       case Command::Lod:
       case Command::ShadowLod:
@@ -267,6 +265,19 @@ class PlanReader {
       default:
         return false;
     }
+  }
+  void AppendBlank(const Statement& s) {
+    qc::NearName near(Text(s, 0));
+    bool found = false;
+    for (PlanBodyPart& part : m_plan.BodyParts) {
+      near.Offer(part.Name);
+      if (!core::EqualIgnoringCase(part.Name, Text(s, 0))) continue;
+      part.Models.emplace_back();
+      found = true;
+    }
+    if (found) return;
+    Told().Warning(core::TroubleKind::Missing, s.At,
+                   "no body group above is called " + qc::Shown(Text(s, 0)) + qc::DidYouMean(near.Best()));
   }
   void AddFolder(const Statement& s, const qc::Argument& argument) {
     std::string folder(argument.Text);

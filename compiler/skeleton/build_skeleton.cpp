@@ -206,7 +206,12 @@ void BuildIk(CompileContext& context, ModelBones& bones, BuiltSkeleton& skeleton
       chain.Links.insert(chain.Links.begin(), link);
       bone = bones.Bones[static_cast<size_t>(bone)].Parent;
     }
-    if (chain.Links.size() < 3) {
+    if (chain.Links.empty()) {
+      qc::NearName near(typed.Bone);
+      for (const ModelBone& other : bones.Bones) near.Offer(other.Name);
+      context.Warning(typed.At, "no bone is called " + qc::Shown(typed.Bone) + "; the chain " + qc::Shown(typed.Name) +
+                                    " holds nothing" + qc::DidYouMean(near.Best()));
+    } else if (chain.Links.size() < 3) {
       context.Warning(typed.At, "the chain " + qc::Shown(typed.Name) + " needs a bone with two parents");
     }
     if (!chain.Links.empty()) {

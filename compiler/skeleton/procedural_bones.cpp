@@ -26,7 +26,8 @@ StudioJiggleBone DefaultJiggle() {
   return bone;
 }
 
-void TakeProperty(const qc::Option& p, StudioJiggleBone& bone) {
+/// Takes a property of the tip. False if it is one of another group.
+bool TakeTipProperty(const qc::Option& p, StudioJiggleBone& bone) {
   const auto value = static_cast<float>(p.Number(0));
   const auto limit = [&](float& least, float& most, uint32_t flag) {
     least = RadiansOf(p.Number(0));
@@ -92,11 +93,13 @@ void TakeProperty(const qc::Option& p, StudioJiggleBone& bone) {
       bone.Pitch.Bounce = value;
       break;
     default:
-      break;
+      return false;
   }
+  return true;
 }
 
-void TakeBaseProperty(const qc::Option& p, StudioJiggleBone& bone) {
+/// The same for a property of the spring at the base.
+bool TakeBaseProperty(const qc::Option& p, StudioJiggleBone& bone) {
   const auto value = static_cast<float>(p.Number(0));
   const auto take = [&](model::JiggleBaseLimit limit, bool friction) {
     if (friction) return model::JiggleBaseLimit{limit.Minimum, limit.Maximum, value};
@@ -125,23 +128,39 @@ void TakeBaseProperty(const qc::Option& p, StudioJiggleBone& bone) {
       bone.Forward = take(bone.Forward, p.Kind == Key::ForwardFriction);
       break;
     default:
-      break;
+      return false;
+  }
+  return true;
+}
+
+/// Takes what a group holds. A property of another group does nothing here, which an author has to know.
+template <typename Take>
+void TakeGroup(CompileContext& context, const qc::Option& group, StudioJiggleBone& bone, const Take& take) {
+  for (const qc::Option& property : group.Options) {
+    if (take(property, bone)) continue;
+    context.Warning(property.At,
+                    std::string(property.Name) + " is no property of " + std::string(group.Name) + "; it is left out");
   }
 }
 
 StudioJiggleBone JiggleOf(CompileContext& context, const qc::Statement& statement) {
+  constexpr uint32_t Tips = model::JiggleFlagRigid | model::JiggleFlagFlexible;
   StudioJiggleBone bone = DefaultJiggle();
   for (const qc::Option& group : statement.Options) {
     switch (group.Kind) {
       case Key::IsRigid:
       case Key::IsFlexible:
+        if ((bone.Flags & Tips) != 0) {
+          context.Warning(group.At, "a jiggle bone is rigid or flexible, not both; the last word counts");
+        }
+        bone.Flags &= ~Tips;
         bone.Flags |= model::JiggleFlagKeepLength |
                       (group.Kind == Key::IsRigid ? model::JiggleFlagRigid : model::JiggleFlagFlexible);
-        for (const qc::Option& property : group.Options) TakeProperty(property, bone);
+        TakeGroup(context, group, bone, TakeTipProperty);
         break;
       case Key::HasBaseSpring:
         bone.Flags |= model::JiggleFlagBaseSpring;
-        for (const qc::Option& property : group.Options) TakeBaseProperty(property, bone);
+        TakeGroup(context, group, bone, TakeBaseProperty);
         break;
       default:
         context.Warning(group.At, qc::Shown(group.Name) + " is known, but nothing is built from it",
@@ -187,12 +206,22 @@ void AddDriven(CompileContext& context, ModelBones& bones, const qc::Place& at, 
 
 void BuildProceduralBones(CompileContext& context, ModelBones& bones, BuiltSkeleton& skeleton) {
   for (const PlanJiggleBone& typed : context.Plan.JiggleBones) {
-    const int32_t bone = bones.Find(typed.Bone);
+    const int32_t bone = bones.Named(typed.Bone);
     if (bone < 0) {
-      context.Warning(typed.At, "no bone is called " + qc::Shown(typed.Bone));
+      qc::NearName near(typed.Bone);
+      for (const ModelBone& other : bones.Bones) near.Offer(other.Name);
+      context.Warning(typed.At, "the model has no bone " + qc::Shown(typed.Bone) + " that could jiggle" +
+                                    qc::DidYouMean(near.Best()));
       continue;
     }
-    skeleton.JiggleBones.push_back({bone, JiggleOf(context, *typed.Words)});
+    BuiltJiggleBone jiggle{bone, JiggleOf(context, *typed.Words)};
+    const auto again = std::ranges::find(skeleton.JiggleBones, bone, &BuiltJiggleBone::Bone);
+    if (again == skeleton.JiggleBones.end()) {
+      skeleton.JiggleBones.push_back(jiggle);
+    } else {
+      context.Warning(typed.At, "a second $jigglebone for " + qc::Shown(typed.Bone) + " takes the first one's place");
+      *again = jiggle;
+    }
   }
   for (const VrdSource& source : context.VrdSources()) {
     for (const qc::VrdBone& helper : source.File.Bones) AddDriven(context, bones, source.At, helper, skeleton);

@@ -52,19 +52,22 @@ void WriteLimits(JiggleText& text, const StudioJiggleBone& bone) {
 }
 
 void WriteTip(JiggleText& text, const StudioJiggleBone& bone) {
+  constexpr float UsualStiffness = 100;  // what a compile takes where a script says nothing
   const bool flexible = (bone.Flags & JiggleFlagFlexible) != 0;
+  // The springs of a rigid tip are told only where they are not as usual.
+  const auto spring = [&](std::string_view word, float value, float usual) {
+    if (flexible || value != usual) text.Value(word, value);
+  };
   text.Begin(flexible ? "is_flexible" : "is_rigid");
   text.Value("length", bone.Length);
   text.Value("tip_mass", bone.TipMass);
-  if (flexible) {
-    text.Value("yaw_stiffness", bone.YawStiffness);
-    text.Value("yaw_damping", bone.YawDamping);
-    text.Value("pitch_stiffness", bone.PitchStiffness);
-    text.Value("pitch_damping", bone.PitchDamping);
-    if ((bone.Flags & JiggleFlagKeepLength) == 0) text.Word("allow_length_flex");
-    text.Value("along_stiffness", bone.AlongStiffness);
-    text.Value("along_damping", bone.AlongDamping);
-  }
+  spring("yaw_stiffness", bone.YawStiffness, UsualStiffness);
+  spring("yaw_damping", bone.YawDamping, 0);
+  spring("pitch_stiffness", bone.PitchStiffness, UsualStiffness);
+  spring("pitch_damping", bone.PitchDamping, 0);
+  if ((bone.Flags & JiggleFlagKeepLength) == 0) text.Word("allow_length_flex");
+  spring("along_stiffness", bone.AlongStiffness, UsualStiffness);
+  spring("along_damping", bone.AlongDamping, 0);
   WriteLimits(text, bone);
   text.End();
 }

@@ -117,6 +117,21 @@ TEST(CompileScript, TellsWhatItDoesNotBuild) {
       {"$lod 5 { replacematerial velvet silk }", "no mesh wears the material \"velvet\""},
       {"$lod 5 { removemodel hand }", "no body shows the mesh \"hand\""},
       {"$ikchain c arm\n$sequence s swing { ikrule c release usesequence }", "\"usesequence\" is known"},
+      {"$ikchain c arm\n$sequence s swing { ikrule c range 0 1 1 2 }", "has no kind"},
+      {"$ikchain c arm\n$sequence s swing { ikrule c touch armm }", "no bone is called \"armm\"; the rule holds"},
+      {"$ikchain c arm\n$sequence s swing { ikfixup c touch arm }", "\"ikfixup\" is known"},
+      {"$ikchain c armm", "no bone is called \"armm\"; the chain"},
+      {"$animation n swing\n$ikchain c arm\n$sequence s n { ikfixup c release }",
+       "\"ikfixup\" belongs to an $animation"},
+      {"$appendblankbodygroup bb", "no body group above is called \"bb\"; did you mean \"b\"?"},
+      {"$lod 5 { bonetreecollapse armm }", "no bone is called \"armm\"; did you mean \"arm\"?"},
+      {"$lod 5 { replacebone arm rot }", "no bone is called \"rot\""},
+      {"$jigglebone arm { is_flexible { length 5 stiffness 9 } }", "stiffness is no property of is_flexible"},
+      {"$jigglebone arm { has_base_spring { tip_mass 9 } }", "tip_mass is no property of has_base_spring"},
+      {"$jigglebone arm { is_flexible { } is_rigid { } }", "rigid or flexible, not both"},
+      {"$jigglebone arm { is_rigid { } }\n$jigglebone ARM { is_rigid { } }", "a second $jigglebone for \"ARM\""},
+      {"$jigglebone armm { is_rigid { } }", "no bone \"armm\" that could jiggle; did you mean \"arm\"?"},
+      {"$jigglebone unusde { is_rigid { } }", "no bone \"unusde\" that could jiggle"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.Line);
