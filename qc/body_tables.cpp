@@ -56,7 +56,8 @@ const OptionTable& FlexFileOptions() {
 }
 
 const OptionTable& FlexControllerOptions() {
-  static const OptionRow Rows[] = {{"range", Range, "nn"}, {"default", Default, "n"}};
+  static const OptionRow Rows[] = {{"range", Range, "nn"},
+                                   {"default", Default, "n", nullptr, Block::None, Support::NoEffect}};
   static const OptionTable table(Rows);
   return table;
 }

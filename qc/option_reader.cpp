@@ -173,8 +173,17 @@ bool ScriptReader::ReadOption(const Context& context, std::vector<Option>& out) 
   } else if (row->Kind == Key::FlexController) {
     whole = ReadController(inner, option);
   } else {
-    whole = ReadArguments(row->Arguments, word, inner, option.Arguments);
-    whole = whole && CheckJointValue(*row, option);
+    std::string_view letters = row->Arguments;
+    if (row->Kind == Key::Eyeball && context.Options == &FaceOptions() && CanTake(inner, letters[0], false, false)) {
+      TakeArgument(letters[0], option.Arguments);
+      letters.remove_prefix(1);
+      if (BelongsToEyelid(out)) {
+        out.back().Options.push_back(std::move(option));
+        return true;
+      }
+    }
+    whole = ReadArguments(letters, word, inner, option.Arguments);
+    whole = whole && CheckJointValue(*row, option) && CheckConstraint(option);
     ReadSubOptions(*row, context, option);
     // Names stand behind the word or in a block; a block behind names is another option's, such as an event.
     const bool hasBlock = row->Braces != Block::None && (row->Braces != Block::Names || option.Arguments.empty());
@@ -196,6 +205,18 @@ bool ScriptReader::ReadOption(const Context& context, std::vector<Option>& out) 
   return true;
 }
 
+/// Whether `eyeball NAME`, which was read, is a word of the eyelid ahead of it: on a line of its own with nothing more,
+/// behind a lid that names no eyeball yet.
+bool ScriptReader::BelongsToEyelid(const std::vector<Option>& before) {
+  if (before.empty() || before.back().Kind != Key::Eyelid) return false;
+  const auto& words = before.back().Options;
+  if (std::any_of(words.begin(), words.end(), [](const Option& option) { return option.Kind == Key::Eyeball; })) {
+    return false;
+  }
+  const Word* next = m_words.Peek();
+  return next == nullptr || next->FirstOfLine || next->Is('}');
+}
+
 /// A value of a joint stands behind its bone, or alone, for all of them. False, and told, if there is none.
 bool ScriptReader::CheckJointValue(const OptionRow& row, Option& option) {
   const bool isJoint = row.Options == nullptr && row.Arguments == "w?m";
@@ -206,6 +227,31 @@ bool ScriptReader::CheckJointValue(const OptionRow& row, Option& option) {
   }
   m_told.Error(TroubleKind::Refused, option.At, std::string(row.Name) + " needs a number behind its bone");
   return false;
+}
+
+/// A limit of a joint names an axis and what the joint may do about it. False, and told, if it does not.
+bool ScriptReader::CheckConstraint(const Option& option) {
+  if (option.Kind != Key::JointConstrain) return true;
+  const auto isOneOf = [&](const Argument& argument, std::initializer_list<std::string_view> words) {
+    const auto same = [&](std::string_view word) { return core::EqualIgnoringCase(word, argument.Text); };
+    return std::any_of(words.begin(), words.end(), same);
+  };
+  const Argument &axis = option.Arguments[1], &kind = option.Arguments[2];
+  if (!isOneOf(axis, {"x", "y", "z"})) {
+    m_told.Warning(TroubleKind::Refused, axis.At,
+                   Shown(axis.Text) + " is no axis of a joint (x, y or z); the line is passed over");
+    return false;
+  }
+  if (!isOneOf(kind, {"free", "fixed", "limit"})) {
+    m_told.Warning(
+        TroubleKind::Refused, kind.At,
+        Shown(kind.Text) + " is nothing that a joint can be (free, fixed or limit); the line is passed over");
+    return false;
+  }
+  if (isOneOf(kind, {"limit"}) && option.Arguments.size() < 5) {
+    m_told.Warning(TroubleKind::Refused, kind.At, "a limit of a joint needs a least and a largest angle");
+  }
+  return true;
 }
 
 /// Options of an option: on its line, and in a block on later lines too while the block's own table has no such word.

@@ -58,6 +58,8 @@ class ScriptReader {
   void ReadOptionBlock(const Place& open, Context context, std::vector<Option>& out);
   void ReadSubOptions(const OptionRow& row, const Context& context, Option& option);
   bool CheckJointValue(const OptionRow& row, Option& option);
+  bool BelongsToEyelid(const std::vector<Option>& before);
+  bool CheckConstraint(const Option& option);
   bool ReadChoice(const Context& context, std::vector<Option>& out);
   bool ReadEvent(const Context& context, Option& option);
   bool ReadController(const Context& context, Option& option);

@@ -88,7 +88,23 @@ TEST(QcFaces, AreReadWithTheirRules) {
                           "default 0.5), localvar half|other half, half, other half, smileR, upper_right_raiser"));
   EXPECT_EQ(script.Rules[0].Nodes.size(), 7u);
   EXPECT_THAT(Told(script),
-              ElementsAre("a.qc:19:24: error: there is no flexcontroller \"jaw_z\"; did you mean \"jaw_x\"?"));
+              ElementsAre(HasSubstr("note: default has no effect"),
+                          "a.qc:19:24: error: there is no flexcontroller \"jaw_z\"; did you mean \"jaw_x\"?"));
+}
+
+TEST(QcFaces, TellAnEyelidsEyeballFromAnEyeball) {
+  const Script script = ReadPlain(
+      "$model face \"face.smd\"\n{\neyeball right head 1 2 3 white\n 1.2 3 iris .6\n"
+      "eyelid upper_right face.vta\n lowerer 3 -.2\n neutral 0 .1\n raiser 4 .3\n split .1\n eyeball right\n"
+      "eyelid lower_right face.vta lowerer 3 -.2 neutral 0 .1 raiser 4 .3 eyeball right\n"
+      "eyeball left head -1 2 3 white 1.2 3 iris .6\neyelid upper_left face.vta split 1\neyeball left }");
+  EXPECT_THAT(Told(script), IsEmpty());
+  EXPECT_THAT(StatementsOf(script),
+              ElementsAre("$model face|face.smd: eyeball right|head|1|2|3|white|1.2|3|iris|.6, eyelid "
+                          "upper_right|face.vta (lowerer 3|-.2, neutral 0|.1, raiser 4|.3, split .1, eyeball right), "
+                          "eyelid lower_right|face.vta (lowerer 3|-.2, neutral 0|.1, raiser 4|.3, eyeball right), "
+                          "eyeball left|head|-1|2|3|white|1.2|3|iris|.6, eyelid upper_left|face.vta (split 1, eyeball "
+                          "left)"));
 }
 
 TEST(QcBones, AreReadWithTheirOptions) {

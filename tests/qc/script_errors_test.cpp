@@ -56,6 +56,16 @@ TEST(QcErrors, NumbersThatAreNoneCountAsNothingWhereTheCollisionModelTakesThem) 
   EXPECT_EQ(script.Told.All().size(), 3u);
 }
 
+TEST(QcErrors, LimitsOfJointsNameAnAxisAndWhatTheJointMayDo) {
+  const Script script = ReadPlain(
+      "$collisionjoints p.smd {\n$jointconstrain a X Limit -1 1 0\n$jointconstrain b w free\n"
+      "$jointconstrain c y frre 0 0 0\n$jointconstrain d z limit\n}");
+  EXPECT_THAT(Told(script), ElementsAre(HasSubstr("3:19: warning: \"w\" is no axis of a joint"),
+                                        HasSubstr("4:21: warning: \"frre\" is nothing that a joint can be"),
+                                        HasSubstr("5:21: warning: a limit of a joint needs")));
+  EXPECT_EQ(script.Statements[0].Options.size(), 2u);
+}
+
 TEST(QcErrors, OptionsOfASequenceInAnAnimationAreTold) {
   const Script script = ReadPlain("$animation a a.smd { fadein 0.2 loop }\n$sequence s { event x }\n$sequence t");
   EXPECT_THAT(Told(script),
