@@ -91,7 +91,8 @@ std::optional<ShapeFile> ShapeFile::Open(CompileContext& context, const qc::Plac
   if (const int64_t lonely = match.CountLonely(); lonely > 0) {
     context.Warning(at,
                     std::to_string(lonely) + (lonely == 1 ? " vertex" : " vertices") + " of \"" + source.Path +
-                        "\" have no vertex of the mesh at their place",
+                        (lonely == 1 ? "\" has no vertex of the mesh at its place"
+                                     : "\" have no vertex of the mesh at their place"),
                     core::TroubleKind::Mismatch);
   }
   return file;
@@ -115,9 +116,13 @@ bool ShapeFile::AddFlex(CompileContext& context, const FlexShape& flex, const Bu
   const bool isWhole = shape.Vertices.size() >= m_points.size();
   const std::vector<ShapePoint> places = PointsOf(shape, *m_corners);
   std::vector<Change> changes;
+  int64_t unknown = 0;
   for (size_t i = 0; i < places.size(); ++i) {
     const auto number = m_numbers.find(shape.Vertices[i].Number);
-    if (number == m_numbers.end()) continue;
+    if (number == m_numbers.end()) {
+      ++unknown;
+      continue;
+    }
     const Point& point = m_points[number->second];
     Change change;
     change.Position = Difference(places[i].Position, point.Rest.Position);
@@ -137,6 +142,13 @@ bool ShapeFile::AddFlex(CompileContext& context, const FlexShape& flex, const Bu
       change.Vertex = m_vertices[point.First + k];
       changes.push_back(change);
     }
+  }
+  if (unknown > 0) {
+    context.Warning(flex.At,
+                    std::to_string(unknown) + (unknown == 1 ? " vertex" : " vertices") + " of frame " +
+                        std::to_string(flex.Frame) + " of \"" + m_source->Path + (unknown == 1 ? "\" is" : "\" are") +
+                        " not in the frame of the mesh at rest",
+                    core::TroubleKind::Mismatch);
   }
   // Of a vertex that a shape lists twice the last place counts.
   std::stable_sort(changes.begin(), changes.end(),

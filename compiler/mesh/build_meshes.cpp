@@ -161,7 +161,8 @@ class MeshBuild {
   /// Puts the name of the level's own material into `name`. False if the level leaves its triangles out.
   bool TakeLevelsName(const PlanLod& lod, std::string& name, bool& isReplaced) const {
     const auto is = [&](const std::string& other) {
-      return core::EqualIgnoringCase(m_textures.NameInScript(other), name);
+      const std::string typed = m_textures.NameInScript(other);
+      return core::EqualIgnoringCase(typed, name) || core::EqualIgnoringCase(typed, m_textures.Renamed(name));
     };
     for (const std::string& removed : lod.RemovedMeshes) {
       if (is(removed)) return false;
@@ -369,7 +370,11 @@ class MeshBuild {
     for (const int32_t number : sources) {
       const smd::SmdSource* source = m_context.Source(number);
       if (source == nullptr) continue;
-      for (const std::string& material : source->Materials) worn.insert(core::LowerAscii(m_textures.NameOf(material)));
+      for (const std::string& material : source->Materials) {
+        const std::string name = m_textures.NameOf(material);
+        worn.insert(core::LowerAscii(name));
+        worn.insert(core::LowerAscii(m_textures.Renamed(name)));
+      }
     }
     const auto isWorn = [&](const std::string& typed) {
       return worn.contains(core::LowerAscii(m_textures.NameInScript(typed)));
@@ -380,6 +385,15 @@ class MeshBuild {
       for (const std::string& name : names) {
         if (!isWorn(name)) m_context.Warning(lod.At, "no mesh wears the material " + qc::Shown(name));
       }
+    }
+  }
+
+  void TellLongRows(const PlanSkins& group) {
+    for (size_t row = 1; row < group.Rows.size(); ++row) {
+      if (group.Rows[row].size() <= group.Rows[0].size()) continue;
+      m_context.Warning(group.At, "skin " + std::to_string(row) + " names " + std::to_string(group.Rows[row].size()) +
+                                      " materials, the first row " + std::to_string(group.Rows[0].size()) +
+                                      "; those past its end replace nothing");
     }
   }
 
@@ -396,6 +410,7 @@ class MeshBuild {
       return false;
     }
     if (!m_context.Spend(rows * textures * int64_t{sizeof(int16_t)} + textures * TextureCost, at)) return false;
+    for (const PlanSkins& group : m_plan.Skins) TellLongRows(group);
     m_meshes.Skins = MakeSkins(m_plan.Skins, m_textures);
     m_meshes.Textures = m_textures.Names();
     return true;

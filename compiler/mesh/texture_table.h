@@ -42,7 +42,8 @@ class TextureTable {
 };
 
 /// The skin table that the script's rows make: row 0 is 0, 1, 2, ...; each further one has the numbers of its own names
-/// in the places of row 0's names. Names that no mesh uses become textures, row by row.
+/// in the places of row 0's names. Names that no mesh uses become textures, row by row; those past the end of row 0
+/// replace nothing.
 std::vector<std::vector<int16_t>> MakeSkins(const std::vector<PlanSkins>& groups, TextureTable& textures);
 
 }  // namespace tarnwick::compiler

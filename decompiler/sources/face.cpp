@@ -92,11 +92,12 @@ class FlexLines {
   FaceNames& m_names;
 };
 
-/// Whether the lines of the model's block, the first one, name its descriptors in the order in which the file has them.
+/// Whether the lines of the model's block name their descriptors in the order in which the file has them, behind those
+/// that blocks ahead of it named.
 bool AreNamedInOrder(JobContext& job, const core::Record<StudioModel>& model, const FaceShapes& shapes,
                      const std::vector<bool>& ofLids, const FaceNames& names) {
-  std::vector<bool> known(names.Descriptors.size());
-  int64_t next = 0;
+  std::vector<bool> known = names.Known;
+  int64_t next = std::find(known.begin(), known.end(), false) - known.begin();
   bool inOrder = true;
   const auto name = [&](int64_t descriptor) {
     if (!names.Has(descriptor) || known[static_cast<size_t>(descriptor)]) return;
@@ -115,9 +116,11 @@ bool AreNamedInOrder(JobContext& job, const core::Record<StudioModel>& model, co
   return inOrder;
 }
 
-/// Says all names ahead of the lines that use them, so that a compile numbers them as the file does.
+/// Says all names that were not said yet ahead of the lines that use them, so that a compile numbers them as the file
+/// does.
 void WriteAllNames(JobContext& job, FaceNames& names) {
   for (size_t d = 0; d < names.Descriptors.size() && job.ScriptWithinBounds(); ++d) {
+    if (names.Known[d]) continue;
     job.Script().Text("    localvar " + Quoted(job, names.Descriptors[d]) + "\n");
     names.Declare(static_cast<int64_t>(d));
   }
@@ -143,8 +146,7 @@ void WriteModelFace(JobContext& job, const core::Record<StudioModel>& model, Fac
   const auto shapes = GatherFaceShapes(job, model, names.Descriptors.size());
   if (!shapes) return job.Lose("faces that cannot be read");
   const std::vector<bool> ofLids = FindLidShapes(job, model, *shapes);
-  const bool isFirst = std::none_of(names.Known.begin(), names.Known.end(), [](bool known) { return known; });
-  if (isFirst && !AreNamedInOrder(job, model, *shapes, ofLids, names)) WriteAllNames(job, names);
+  if (!AreNamedInOrder(job, model, *shapes, ofLids, names)) WriteAllNames(job, names);
   std::vector<int32_t> frames(shapes->Shapes.size());
   std::vector<VtaFrame> vta;
   for (size_t i = 0; i < frames.size(); ++i) {

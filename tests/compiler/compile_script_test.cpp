@@ -123,6 +123,7 @@ TEST(CompileScript, TellsWhatItDoesNotBuild) {
       {"$ikchain c armm", "no bone is called \"armm\"; the chain"},
       {"$animation n swing\n$ikchain c arm\n$sequence s n { ikfixup c release }",
        "\"ikfixup\" belongs to an $animation"},
+      {"$texturegroup s { { skin } { a } { b c d } }", "skin 2 names 3 materials, the first row 1"},
       {"$appendblankbodygroup bb", "no body group above is called \"bb\"; did you mean \"b\"?"},
       {"$lod 5 { bonetreecollapse armm }", "no bone is called \"armm\"; did you mean \"arm\"?"},
       {"$lod 5 { replacebone arm rot }", "no bone is called \"rot\""},
@@ -419,6 +420,19 @@ TEST(CompileScript, ComesBackWithoutTheCollisionModel) {
     EXPECT_EQ(TextureNames(trip.Files), TextureNames(*files));
     EXPECT_NEAR(HeaderOf(trip.Files).HullMinimum.x, HeaderOf(*files).HullMinimum.x, 1e-4);
     EXPECT_NEAR(HeaderOf(trip.Files).HullMaximum.z, HeaderOf(*files).HullMaximum.z, 1e-4);
+  }
+}
+
+TEST(CompileScript, KnowsRenamedMaterialsOfALevelByEitherName) {
+  for (const char* name : {"b", "B.tga", "brick", "Brick.vmt"}) {
+    Workshop shop;
+    WriteText(shop.Folder.Path("parts/roof.smd"), Pyramid(8));
+    const auto files =
+        shop.Compile(std::string(Head) + "$body one roof\n$sequence idle roof\n$renamematerial b brick\n$lod 5 { " +
+                     "replacematerial " + name + " low }\n$lod 9 { removemesh " + name + " }\n");
+    ASSERT_TRUE(files);
+    EXPECT_THAT(shop.Texts(), testing::IsEmpty()) << name;
+    EXPECT_THAT(TextureNames(*files), ElementsAre("a", "brick", "low")) << name;
   }
 }
 

@@ -132,10 +132,14 @@ PlanShape Shape(const std::string& name, int32_t frame) {
 
 TEST(BuildFace, MatchesShapesToVerticesAndPartsTheTrianglesThatMove) {
   FaceFixture fixture;
-  fixture.AddShape(3, {{2, {0, 1, 4}, {0, 0, 1}}, {1, {0, 0, 1}, {0, 0.5f, 1}}, {4, {0.5f, 9, 0}, {0, 0, 1}}});
+  fixture.AddShape(3, {{2, {0, 1, 4}, {0, 0, 1}},
+                       {1, {0, 0, 1}, {0, 0.5f, 1}},
+                       {4, {0.5f, 9, 0}, {0, 0, 1}},
+                       {7, {0, 0, 0}, {0, 0, 1}}});
   fixture.Model().Face.push_back(fixture.FlexFile({Shape("smile", 3)}));
   fixture.Build();
-  EXPECT_THAT(fixture.Compile.Told, ElementsAre(HasSubstr("1 vertex of \"face.vta\"")));
+  EXPECT_THAT(fixture.Compile.Told, ElementsAre(HasSubstr("1 vertex of \"face.vta\" has no vertex of the mesh"),
+                                                HasSubstr("1 vertex of frame 3 of \"face.vta\" is not in")));
   EXPECT_THAT(fixture.Face.Descriptors, ElementsAre("smile"));
   ASSERT_EQ(fixture.Face.Models.size(), 1U);
   const auto& flexes = fixture.Face.Models[0].MeshFlexes;

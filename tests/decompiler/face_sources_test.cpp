@@ -152,6 +152,23 @@ TEST(FaceSources, HaveTheSharedPartOnceInTheLastFaceAndTellWhatNoRuleSays) {
   EXPECT_THAT(run.Result.Lost, Contains(LostKind{"mouths whose bone or flex is not there", 1}));
 }
 
+TEST(FaceSources, SayNamesAheadOfALaterFaceThatWouldNumberThemOtherwise) {
+  ModelBuilder model;
+  model.FlexDescs = {"smile", "spare", "frown", "last"};
+  const auto body = [](const std::string& name, int32_t flex) {
+    MeshDescription mesh;
+    mesh.Flexes = {{.FlexDesc = flex, .VertAnims = {{.Vertex = 0, .PositionDelta = {0, 0, 1}}}}};
+    return BodyPartDescription{.Name = name, .Models = {{.Name = name + ".smd", .Meshes = {mesh}}}};
+  };
+  model.BodyParts = {body("head", 0), body("teeth", 0), body("tongue", 2)};
+  const DecompiledModel run(model, DecompileOptionReadyToCompile);
+  const std::string commands = run.MeshCommands();
+  EXPECT_THAT(commands, HasSubstr("$model \"head\" \"head.smd\" {\n    flexfile"));
+  EXPECT_THAT(commands, HasSubstr("$model \"teeth\" \"teeth.smd\" {\n    flexfile"));
+  EXPECT_THAT(commands, HasSubstr("$model \"tongue\" \"tongue.smd\" {\n    localvar \"spare\"\n    localvar "
+                                  "\"frown\"\n    localvar \"last\"\n    flexfile"));
+}
+
 TEST(FaceSources, CountWhatTheirLinesDoNotSay) {
   ModelBuilder model = Head();
   std::vector<FlexDescription>& flexes = model.BodyParts[0].Models[0].Meshes[0].Flexes;

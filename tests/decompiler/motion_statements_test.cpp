@@ -36,6 +36,8 @@ model::StudioJiggleBone FlexibleTail() {
 TEST(MotionStatements, ABoneThatSwingsTellsWhatItIsMadeOf) {
   model::StudioJiggleBone base{};
   base.Flags = model::JiggleFlagRigid | model::JiggleFlagPitchLimit | model::JiggleFlagBaseSpring;
+  base.YawStiffness = base.PitchStiffness = 100;  // as a compile takes them
+  base.AlongStiffness = 50;
   base.Pitch = {0, 10 * Degree, 0, 0.25f};
   base.BaseMass = 3;
   base.Left = {-1, 1, 0.5f};
@@ -48,8 +50,10 @@ TEST(MotionStatements, ABoneThatSwingsTellsWhatItIsMadeOf) {
             "    along_stiffness 0\n    along_damping 2\n    angle_constraint 30\n    yaw_constraint -20 25\n"
             "    yaw_friction 0.5\n  }\n}\n");
   const std::string pack = job.Script("$jigglebone \"pack\"");
-  EXPECT_THAT(pack, HasSubstr("  is_rigid {\n    length 0\n    tip_mass 0\n    pitch_constraint 0 10\n"
-                              "    pitch_bounce 0.25\n  }\n  has_base_spring {\n    base_mass 3\n"));
+  EXPECT_THAT(
+      pack, HasSubstr("  is_rigid {\n    length 0\n    tip_mass 0\n    allow_length_flex\n    along_stiffness 50\n    "
+                      "pitch_constraint 0 10\n"
+                      "    pitch_bounce 0.25\n  }\n  has_base_spring {\n    base_mass 3\n"));
   EXPECT_THAT(pack, HasSubstr("    left_constraint -1 1\n    left_friction 0.5\n    up_constraint 0 0\n"));
   EXPECT_THAT(job.Result.Lost, IsEmpty());
 }
