@@ -1,7 +1,6 @@
 #include "compiler/mesh/build_meshes.h"
 
 #include <algorithm>
-#include <cmath>
 #include <map>
 #include <set>
 #include <string>
@@ -188,12 +187,15 @@ class MeshBuild {
       level.SwitchDistance = plan.Shadow ? -1.0f : plan.Threshold;
     }
     ModelMesher mesher(m_context.Options);
+    for (const PlanFaceLine& line : model.Face) {
+      if (const auto* normals = std::get_if<PlanSphereNormals>(&line)) MakeSphere(*normals, mesher);
+    }
     for (size_t lod = 0; lod < triangles.Lods.size(); ++lod) {
       if (!AddLevel(model, at, lod, mesher)) return false;
     }
     std::map<int32_t, MeshDraft> drafts = mesher.Take();
     for (const PlanFaceLine& line : model.Face) {
-      if (const auto* normals = std::get_if<PlanSphereNormals>(&line)) MakeSphere(*normals, drafts);
+      if (const auto* normals = std::get_if<PlanSphereNormals>(&line)) TellUnwornSphere(*normals, drafts);
     }
     Sort(model, drafts);
     for (auto& [texture, draft] : drafts) {
@@ -227,26 +229,18 @@ class MeshBuild {
     return true;
   }
 
-  /// The normals of a material point away from a middle.
-  void MakeSphere(const PlanSphereNormals& sphere, std::map<int32_t, MeshDraft>& drafts) {
-    const int32_t texture = m_textures.FindKnown(m_textures.NameInScript(sphere.Material));
-    const auto found = drafts.find(texture);
-    if (found == drafts.end()) {
-      m_context.Warning(sphere.At, "no triangle wears the material \"" + sphere.Material + "\"");
-      return;
-    }
+  /// The normals of a material point away from a middle. That comes ahead of the sharing of vertices: corners that
+  /// differ in nothing else become one.
+  void MakeSphere(const PlanSphereNormals& sphere, ModelMesher& mesher) {
     smd::SmdSource none;
     const SourceUse plain;
     const CornerVertices corners(none, plain, m_bones, 0, m_context.Options);
-    const model::Vec3 middle = corners.PlaceOf({sphere.Center.x, sphere.Center.y, sphere.Center.z});
-    for (MeshVertex& vertex : found->second.Vertices) {
-      const double x = double{vertex.Position.x} - double{middle.x};
-      const double y = double{vertex.Position.y} - double{middle.y};
-      const double z = double{vertex.Position.z} - double{middle.z};
-      const double length = std::sqrt(x * x + y * y + z * z);
-      if (!(length > 0)) continue;
-      vertex.Normal = {static_cast<float>(x / length), static_cast<float>(y / length), static_cast<float>(z / length)};
-    }
+    mesher.PointAway(m_textures.FindKnown(m_textures.NameInScript(sphere.Material)),
+                     corners.PlaceOf({sphere.Center.x, sphere.Center.y, sphere.Center.z}));
+  }
+  void TellUnwornSphere(const PlanSphereNormals& sphere, const std::map<int32_t, MeshDraft>& drafts) {
+    if (drafts.contains(m_textures.FindKnown(m_textures.NameInScript(sphere.Material)))) return;
+    m_context.Warning(sphere.At, "no triangle wears the material " + qc::Shown(sphere.Material));
   }
 
   /// Vertices stand in the order of the model's shape file, where it has one: its numbers are theirs.

@@ -1,6 +1,7 @@
 #include "compiler/mesh/model_mesher.h"
 
 #include <algorithm>
+#include <cmath>
 #include <numeric>
 #include <utility>
 
@@ -18,6 +19,15 @@ uint64_t KeyOf(const MeshTriangle& triangle) {
   uint64_t key = 0;
   for (size_t i = 0; i < 3; ++i) key = key << 21 | (triangle[(least + i) % 3] & 0x1FFFFF);
   return key;
+}
+
+void TurnAway(MeshVertex& vertex, const model::Vec3& middle) {
+  const double x = double{vertex.Position.x} - double{middle.x};
+  const double y = double{vertex.Position.y} - double{middle.y};
+  const double z = double{vertex.Position.z} - double{middle.z};
+  const double length = std::sqrt(x * x + y * y + z * z);
+  if (!(length > 0)) return;
+  vertex.Normal = {static_cast<float>(x / length), static_cast<float>(y / length), static_cast<float>(z / length)};
 }
 
 }  // namespace
@@ -45,9 +55,11 @@ void ModelMesher::Add(const smd::SmdSource& source, const SourceUse& use, const 
     const int32_t texture = textures[static_cast<size_t>(source.TriangleMaterials[t])];
     if (texture < 0) continue;
     Part& part = m_parts.try_emplace(texture, JoinRule{m_options.NormalAngle}).first->second;
+    const auto middle = m_middles.find(texture);
     MeshTriangle triangle{};
     for (size_t k = 0; k < 3; ++k) {
-      const MeshVertex vertex = make.Make(source.Corners[3 * t + k]);
+      MeshVertex vertex = make.Make(source.Corners[3 * t + k]);
+      if (middle != m_middles.end()) TurnAway(vertex, middle->second);
       for (int32_t i = 0; i < vertex.Weights.Count; ++i) used[static_cast<uint8_t>(vertex.Weights.Bones[i])] = true;
       triangle[k] = VertexOf(part, vertex, lod);
     }

@@ -33,6 +33,9 @@ class ModelMesher {
  public:
   explicit ModelMesher(const CompileOptions& options);
 
+  /// Lets the normals of the corners that wear a texture point away from `middle`, in what is added from here on.
+  void PointAway(int32_t texture, const model::Vec3& middle) { m_middles.insert_or_assign(texture, middle); }
+
   /// Adds the triangles of level `lod`. `used` learns the bones that its vertices follow.
   void Add(const smd::SmdSource& source, const SourceUse& use, const ModelBones& bones, size_t lod,
            const MaterialTextures& textures, std::array<bool, 256>& used);
@@ -54,6 +57,7 @@ class ModelMesher {
 
   const CompileOptions& m_options;
   std::map<int32_t, Part> m_parts;
+  std::map<int32_t, model::Vec3> m_middles;  // by texture
 };
 
 /// Puts the vertices of a mesh in the order of the file, the highest level of detail first and those of one level by

@@ -159,6 +159,26 @@ TEST(BuildMeshes, PutsTexturesByFirstUseAndSkinsBehindThem) {
   EXPECT_EQ(meshes.BodyParts[0].Models[0].Meshes.size(), 2U);
 }
 
+TEST(BuildMeshes, SharesCornersThatASphereMakesAlike) {
+  CompileFixture fixture;
+  SourceBuilder source;
+  source.Box({-4, -4, -4}, {4, 4, 4}, "leaf").Box({-1, -1, -1}, {1, 1, 1}, "stem");
+  const smd::Triple sides[] = {{0, 0, -1}, {0, 0, 1}, {0, -1, 0}, {0, 1, 0}, {-1, 0, 0}, {1, 0, 0}};
+  for (size_t i = 0; i < source.Source.Corners.size(); ++i) source.Source.Corners[i].Normal = sides[i % 36 / 6];
+  compiler::PlanModel& model = fixture.AddModel(source.Source);
+  model.Face.push_back(compiler::PlanSphereNormals{{}, "LEAF.vmt", {0, 0, -4}});
+  model.Face.push_back(compiler::PlanSphereNormals{{}, "bark", {0, 0, 0}});
+  const compiler::BuiltMeshes meshes = fixture.Meshes();
+  EXPECT_THAT(fixture.Told, ElementsAre(HasSubstr("no triangle wears the material \"bark\"")));
+  ASSERT_EQ(meshes.Vertices.size(), 8U + 24U);
+  for (size_t i = 0; i < 8; ++i) {
+    const model::VvdVertex& vertex = meshes.Vertices[i];
+    const bool isLow = float{vertex.Position.z} < 0;
+    EXPECT_NEAR(float{vertex.Normal.z}, isLow ? 0 : 0.8165, 1e-4);
+    EXPECT_NEAR(float{vertex.Normal.x}, float{vertex.Position.x} * (isLow ? 0.17678f : 0.10206f), 1e-4);
+  }
+}
+
 TEST(BuildMeshes, KeepsEmptyChoicesOfABodyGroup) {
   CompileFixture fixture;
   SourceBuilder source;
