@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <numeric>
+#include <utility>
 #include <vector>
 
 #include "decompiler/sources/animations.h"
@@ -38,8 +40,9 @@ class Sequences {
 
   void Run() {
     m_weights.Write(m_job, m_sequences);
-    WriteDeclared();
-    for (int64_t i = 0; i < m_sequences.Count(); ++i) {
+    const std::vector<int64_t> order = OrderOfStatements();
+    WriteDeclared(!std::ranges::is_sorted(order));
+    for (const int64_t i : order) {
       if (m_job.Stopped() || !m_job.ScriptWithinBounds()) break;
       if ((m_sequences[i]->Flags & SequenceFlagDeclared) == 0) WriteSequence(i);
     }
@@ -48,9 +51,44 @@ class Sequences {
   }
 
  private:
-  /// Where a sequence is only declared, all are, so that they keep their order.
-  void WriteDeclared() {
-    bool any = false;
+  /// The sequences in the order of their statements: that of the file, or where that would number the animations
+  /// otherwise, one in which they stand by their animations.
+  std::vector<int64_t> OrderOfStatements() {
+    std::vector<int64_t> order(static_cast<size_t>(m_sequences.Count()));
+    std::iota(order.begin(), order.end(), int64_t{0});
+    // Nodes are numbered as statements name them.
+    if (m_animationTable.Count() == 0 || m_job.Model.Header()->NodeCount > 0) return order;
+    std::vector<int64_t> last(order.size(), -1);  // the last animation of each sequence
+    int64_t written = -1;
+    bool inOrder = true;
+    for (const int64_t i : order) {
+      const auto sequence = m_sequences[i];
+      const auto blends = m_job.Model.View().Array<StudioShort>(
+          sequence.Offset() + sequence->BlendOffset, int64_t{sequence->BlendSize[0]} * sequence->BlendSize[1]);
+      if ((sequence->Flags & SequenceFlagDeclared) != 0 || !blends) continue;
+      if (!m_job.Spend(blends->Count() * RecordCost)) return order;
+      const auto own = static_cast<size_t>(i);
+      for (const auto entry : *blends) {
+        const int64_t animation = AnimationNumber(entry->Value);
+        last[own] = std::max(last[own], animation);
+        const int64_t owner = m_animations.OwnerOf(animation);
+        inOrder = inOrder && owner <= i && (owner != i || animation > written);
+      }
+      written = std::max(written, last[own]);
+    }
+    if (inOrder) return order;
+    const auto key = [&](int64_t i) {
+      const int64_t animation = last[static_cast<size_t>(i)];
+      const bool isOwn = animation >= 0 && m_animations.OwnerOf(animation) == i;
+      return std::pair(animation, isOwn ? 0 : 1);
+    };
+    std::ranges::stable_sort(order, {}, key);
+    return order;
+  }
+
+  /// Where a sequence is only declared, or stands elsewhere than its statement, all are declared, so that they keep
+  /// their order.
+  void WriteDeclared(bool any) {
     for (const auto sequence : m_sequences) any = any || (sequence->Flags & SequenceFlagDeclared) != 0;
     if (!any) return;
     for (const auto sequence : m_sequences) {

@@ -423,6 +423,52 @@ TEST(CompileScript, ComesBackWithoutTheCollisionModel) {
   }
 }
 
+TEST(CompileScript, GivesBackSequencesThatStandElsewhereThanTheirAnimations) {
+  const auto told = [](const CompiledFiles& files) {
+    const model::StudioHeader header = HeaderOf(files);
+    std::string text;
+    for (int64_t i = 0; i < header.AnimCount; ++i) {
+      const int64_t at = header.AnimOffset + i * int64_t{sizeof(model::StudioAnimDesc)};
+      text += std::string(files.Mdl.c_str() + at + RecordAt<model::StudioAnimDesc>(files.Mdl, at).NameOffset) + " ";
+    }
+    for (int64_t i = 0; i < header.SequenceCount; ++i) {
+      const int64_t at = header.SequenceOffset + i * int64_t{sizeof(model::StudioSeqDesc)};
+      const auto sequence = RecordAt<model::StudioSeqDesc>(files.Mdl, at);
+      text += "| " + std::string(files.Mdl.c_str() + at + sequence.LabelOffset);
+      for (int32_t k = 0; k < sequence.BlendCount; ++k) {
+        text += " " + std::to_string(RecordAt<int16_t>(files.Mdl, at + sequence.BlendOffset + int64_t{2} * k));
+      }
+    }
+    return text;
+  };
+  const struct {
+    const char* Lines;
+    const char* Told;
+  } cases[] = {
+      {"$declaresequence late\n$declaresequence gone\n$sequence early swing\n$sequence late arm\n",
+       "@early @late | late 1| gone| early 0"},
+      {"$declaresequence grid\n$sequence first swing\n$animation a arm\n$animation b swing\n$sequence second arm\n"
+       "$sequence grid { a b @second }\n$sequence last swing\n$animation unused swing\n",
+       "@first a b @second @last unused | grid 1 2 3| first 0| second 3| last 4"},
+      {"$sequence first swing\n$animation a swing\n$sequence grid { a @first }\n$sequence last arm\n",
+       "@first a @last | first 0| grid 1 0| last 2"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.Lines);
+    Workshop shop;
+    const auto files = shop.Compile(std::string(Head) + "$body one arm\n" + c.Lines);
+    ASSERT_TRUE(files) << testing::PrintToString(shop.Texts());
+    EXPECT_EQ(told(*files), c.Told);
+    ScratchFolder folder;
+    WriteText(folder.Path("arm.mdl"), files->Mdl);
+    WriteText(folder.Path("arm.vvd"), files->Vvd);
+    WriteText(folder.Path("arm.dx90.vtx"), files->Vtx);
+    RoundTrip trip(folder.Path("arm.mdl"));
+    ASSERT_TRUE(trip.Compiled) << trip.Told;
+    EXPECT_EQ(told(trip.Files), c.Told);
+  }
+}
+
 TEST(CompileScript, KnowsRenamedMaterialsOfALevelByEitherName) {
   for (const char* name : {"b", "B.tga", "brick", "Brick.vmt"}) {
     Workshop shop;
