@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 #include <vector>
 
 #include "decompiler/sources/script_values.h"
@@ -116,16 +117,30 @@ void CountLostOfStaticBones(JobContext& job, const Skeleton& skeleton) {
   if (own && whole && !own->empty() && *own != *whole) job.Lose("surface properties of the bone of a static model");
 }
 
-/// Boxes that a compile makes of the vertices are of group 0.
-void CountLostOfGeneratedBoxes(JobContext& job) {
+/// Boxes that a compile makes of the vertices have the group that is said of their bone or of the nearest above it,
+/// else 0. They stand by rising bones: what a box needs is known when the boxes of the bones above were told.
+void WriteHitGroups(JobContext& job) {
   const auto header = job.Model.Header();
   const auto sets = job.Model.View().Array<StudioHitboxSet>(header->HitboxSetOffset, header->HitboxSetCount);
-  if (!sets || !job.Spend(sets->Count() * RecordCost)) return;
-  for (const auto set : *sets) {
-    const auto boxes = job.Model.View().Array<StudioHitbox>(set.Offset() + set->HitboxOffset, set->HitboxCount);
-    if (!boxes || !job.Spend(boxes->Count() * RecordCost)) continue;
-    for (const auto box : *boxes)
-      job.Lose("groups of hit boxes that were made from the vertices", box->Group != 0 ? 1 : 0);
+  const Skeleton* skeleton = GetSkeleton(job);
+  if (!sets || sets->Count() == 0 || skeleton == nullptr) return;
+  const auto boxes =
+      job.Model.View().Array<StudioHitbox>((*sets)[0].Offset() + (*sets)[0]->HitboxOffset, (*sets)[0]->HitboxCount);
+  if (!boxes) return;
+  std::map<int64_t, int32_t> said;  // by bone
+  for (const auto box : *boxes) {
+    const int64_t bone = box->Bone;
+    if (!skeleton->Bones.Holds(bone) || said.contains(bone)) continue;
+    int64_t at = bone;
+    for (int64_t steps = 0; skeleton->Bones.Holds(at) && !said.contains(at) && steps < skeleton->Count(); ++steps) {
+      at = skeleton->Bones[at]->Parent;
+    }
+    if (!job.Spend(RecordCost) || !job.ScriptWithinBounds()) return;
+    const auto above = said.find(at);
+    if (box->Group == (above == said.end() ? 0 : above->second)) continue;
+    said[bone] = box->Group;
+    job.Script().Text("$hgroup " + std::to_string(box->Group) + " " +
+                      Quoted(job, skeleton->Names[static_cast<size_t>(bone)]) + "\n");
   }
 }
 
@@ -213,7 +228,7 @@ void WriteAttachmentStatements(JobContext& job) {
 
 void WriteHitboxStatements(JobContext& job) {
   const auto header = job.Model.Header();
-  if ((header->Flags & ModelFlagGeneratedHitboxes) != 0) return CountLostOfGeneratedBoxes(job);
+  if ((header->Flags & ModelFlagGeneratedHitboxes) != 0) return WriteHitGroups(job);
   const auto sets = job.Table<StudioHitboxSet>("hit box set table", header->HitboxSetOffset, header->HitboxSetCount);
   if (!sets) return;
   for (const auto set : *sets) {

@@ -115,7 +115,8 @@ void WriteHeaderStatements(JobContext& job) {
   script.Text("$illumposition " + Numbers(job, TurnedBack(header->IllumPosition)) + "\n");
   WriteEyes(job);
   if (header->ConstantLight != 0) job.Lose("constant directional light");
-  if (header->RootLod != 0 || header->AllowedRootLods != 0) job.Lose("limits of the levels of detail");
+  if (header->AllowedRootLods == 1) job.Script().Text("$allowrootlods 1\n");
+  if (header->RootLod != 0 || header->AllowedRootLods > 1) job.Lose("limits of the levels of detail");
   job.Lose("bone controllers", header->BoneControllerCount);
 }
 

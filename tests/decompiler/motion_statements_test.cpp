@@ -258,13 +258,21 @@ TEST(MotionStatements, AStaticModelsBoneIsTheCompilersOwnOrCounted) {
                                    LostKind{"surface properties of the bone of a static model", 1}));
 }
 
-TEST(MotionStatements, BoxesMadeFromVerticesAndFirstFramesOfSomeBonesAreCounted) {
-  ModelBuilder model{.Bones = {{.Name = "root"}, {.Name = "hand", .Parent = 0, .Flags = 0x200000}},
-                     .HitboxSets = {{.Hitboxes = {{.Group = 0}, {.Group = 2}}}},
+TEST(MotionStatements, BoxesMadeFromVerticesTellTheirGroupsAndFirstFramesOfSomeBonesAreCounted) {
+  ModelBuilder model{.Bones = {{.Name = "root"},
+                               {.Name = "hand", .Parent = 0, .Flags = 0x200000},
+                               {.Name = "thumb", .Parent = 1},
+                               {.Name = "nail", .Parent = 2},
+                               {.Name = "ring", .Parent = 1}},
+                     .HitboxSets = {{.Hitboxes = {{.Bone = 0, .Group = 0},
+                                                  {.Bone = 1, .Group = 5},
+                                                  {.Bone = 3, .Group = 5},
+                                                  {.Bone = 4, .Group = 0}}}},
                      .Flags = model::ModelFlagGeneratedHitboxes};
-  EXPECT_THAT(Ready(model).Result.Lost,
-              testing::ElementsAre(LostKind{"bones whose first frames are kept in another way", 1},
-                                   LostKind{"groups of hit boxes that were made from the vertices", 1}));
+  const DecompiledModel job = Ready(model);
+  EXPECT_THAT(job.Script(), HasSubstr("$hgroup 5 \"hand\"\n$hgroup 0 \"ring\"\n"));
+  EXPECT_THAT(job.Script(), testing::Not(HasSubstr("nail\"\n$h")));
+  EXPECT_THAT(job.Result.Lost, testing::ElementsAre(LostKind{"bones whose first frames are kept in another way", 1}));
 }
 
 }  // namespace
