@@ -93,6 +93,22 @@ std::vector<int64_t> InOrderOfTextures(const Skins& skins, int64_t families, int
   return ordered;
 }
 
+/// The textures that no mesh shows, in the order of the file, if a compile of the columns would number them otherwise.
+std::vector<int32_t> TexturesToSayAhead(const Skins& skins, int64_t families, int64_t references,
+                                        const std::set<int32_t>& shown, const std::vector<int64_t>& columns) {
+  std::vector<int32_t> met;
+  std::set<int32_t> known = shown;
+  for (int64_t family = 0; family < families; ++family) {
+    for (const int64_t column : columns) {
+      const int32_t texture = skins[family * references + column]->Value;
+      if (known.insert(texture).second) met.push_back(texture);
+    }
+  }
+  if (std::ranges::is_sorted(met)) return {};
+  std::ranges::sort(met);
+  return met;
+}
+
 void CountTexturesOfNoUse(JobContext& job, const Skins& skins, std::set<int32_t> used) {
   for (const auto entry : skins) used.insert(entry->Value);
   const int32_t textures = job.Model.Header()->TextureCount;
@@ -116,6 +132,12 @@ void WriteSkinStatements(JobContext& job) {
       InOrderOfTextures(*skins, families, references, shown, ColumnsToTell(*skins, families, references, shown));
   if (columns.empty()) return;
 
+  // A group of one row makes no skin, and all the same its names become textures.
+  std::string ahead;
+  for (const int32_t texture : TexturesToSayAhead(*skins, families, references, shown, columns)) {
+    if (const auto name = job.MaterialName(texture)) ahead += " " + QuotedMaterial(job, *name);
+  }
+  if (!ahead.empty()) job.Script().Text("$texturegroup \"textures\" {\n  {" + ahead + " }\n}\n");
   job.Script().Text("$texturegroup \"skinfamilies\" {\n");
   for (int64_t family = 0; family < families && job.ScriptWithinBounds(); ++family) {
     std::string row = "  {";

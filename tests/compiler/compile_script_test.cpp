@@ -423,6 +423,24 @@ TEST(CompileScript, ComesBackWithoutTheCollisionModel) {
   }
 }
 
+TEST(CompileScript, GivesBackTexturesOfSkinsInTheirOrder) {
+  Workshop shop;
+  WriteText(shop.Folder.Path("parts/roof.smd"), Pyramid(8));
+  const auto files = shop.Compile(std::string(Head) +
+                                  "$body one roof\n$sequence idle roof\n$texturegroup s { { a } { b } { snow } }\n"
+                                  "$texturegroup t { { b unused } { moss unused } { a unused } }\n");
+  ASSERT_TRUE(files) << testing::PrintToString(shop.Texts());
+  EXPECT_THAT(TextureNames(*files), ElementsAre("a", "b", "snow", "unused", "moss"));
+  ScratchFolder folder;
+  WriteText(folder.Path("roof.mdl"), files->Mdl);
+  WriteText(folder.Path("roof.vvd"), files->Vvd);
+  WriteText(folder.Path("roof.dx90.vtx"), files->Vtx);
+  RoundTrip trip(folder.Path("roof.mdl"));
+  ASSERT_TRUE(trip.Compiled) << trip.Told;
+  EXPECT_EQ(TextureNames(trip.Files), TextureNames(*files));
+  EXPECT_THAT(trip.Different([](const std::string&, const std::string&) { return true; }), testing::IsEmpty());
+}
+
 TEST(CompileScript, GivesBackSequencesThatStandElsewhereThanTheirAnimations) {
   const auto told = [](const CompiledFiles& files) {
     const model::StudioHeader header = HeaderOf(files);
