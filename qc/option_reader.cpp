@@ -101,6 +101,7 @@ bool ScriptReader::ReadArguments(std::string_view letters, const Word& of, const
                                  std::vector<Argument>& out) {
   bool optional = false;
   char before = 'w';
+  const size_t already = out.size();
   for (const char letter : letters) {
     if (letter == '?') {
       optional = true;
@@ -118,7 +119,7 @@ bool ScriptReader::ReadArguments(std::string_view letters, const Word& of, const
       break;
     } else {
       const std::string_view needed = letters.substr(0, letters.find('?'));
-      const size_t count = needed.size() - static_cast<size_t>(std::count(needed.begin(), needed.end(), '*'));
+      const size_t count = already + needed.size() - static_cast<size_t>(std::count(needed.begin(), needed.end(), '*'));
       m_told.Error(TroubleKind::Refused, of.At,
                    std::string(of.Text) + " needs " + Count(std::max(count, out.size() + 1)) + ", " +
                        std::to_string(out.size()) + (out.size() == 1 ? " is given" : " are given"));
@@ -410,10 +411,16 @@ bool ScriptReader::ReadController(const Context& context, Option& option) {
     if (known) {
       Context inner = context;
       ReadOption(inner, option.Options);
-    } else if (CanTake(context, 'w', false, false)) {
-      TakeArgument('w', option.Arguments);
-    } else {
+    } else if (!CanTake(context, 'w', false, false)) {
       break;
+    } else if (!word->Quoted && LooksLikeNumber(word->Text) && !option.Arguments.empty()) {
+      const Word number = m_words.Take();
+      m_told.Warning(TroubleKind::Refused, number.At,
+                     Shown(number.Text) +
+                         " stands where the name of a flexcontroller should; a range is `range "
+                         "MINIMUM MAXIMUM`");
+    } else {
+      TakeArgument('w', option.Arguments);
     }
   }
   if (option.Arguments.size() > 1) return true;

@@ -155,6 +155,10 @@ class SequenceWords {
   void Grid() {
     const auto count = static_cast<int32_t>(m_sequence.Animations.size());
     int32_t columns = count;
+    if (m_width > count) {
+      m_context.Warning(m_sequence.At, "the blends are " + std::to_string(count) + ", fewer than the blendwidth of " +
+                                           std::to_string(m_width) + "; they stand in one row");
+    }
     if (m_width > 0 && m_width <= count) columns = m_width;
     if (m_width <= 0 && (count == 4 || count == 9)) columns = count == 4 ? 2 : 3;
     const int32_t rows = count / columns;

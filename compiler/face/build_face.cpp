@@ -156,7 +156,11 @@ class FaceBuild {
     if (shapes == nullptr) return;
     const auto places = PlacesOf(file);
     for (const PlanShape& shape : file.Shapes) {
-      if (shape.What == PlanShape::Kind::Default || !shapes->HasFrame(m_context, shape.Frame, shape.At)) continue;
+      if (shape.What == PlanShape::Kind::Default) continue;
+      if (shape.IsFrameless) {
+        m_context.Warning(shape.At, "the flex " + qc::Shown(shape.Name) + " names no frame; it moves nothing");
+      }
+      if (!shapes->HasFrame(m_context, shape.Frame, shape.At)) continue;
       FlexShape flex;
       flex.At = shape.At;
       flex.Frame = shape.Frame;
@@ -182,9 +186,11 @@ class FaceBuild {
     const auto eye = std::find_if(m_eyes.begin(), m_eyes.end(),
                                   [&](const std::string& name) { return core::EqualIgnoringCase(name, lid.Eyeball); });
     if (eye == m_eyes.end()) {
+      const std::string name = "the eyelid " + qc::Shown(lid.Name);
       m_context.Error(lid.At,
-                      "the eyelid " + qc::Shown(lid.Name) + " belongs to an eyeball " + qc::Shown(lid.Eyeball) +
-                          ", which the model does not have",
+                      lid.Eyeball.empty() ? name + " names no eyeball"
+                                          : name + " belongs to an eyeball " + qc::Shown(lid.Eyeball) +
+                                                ", which the model does not have",
                       core::TroubleKind::Missing);
       return;
     }

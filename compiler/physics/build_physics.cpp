@@ -41,6 +41,7 @@ class PhysicsBuild {
     const smd::SmdSource* source = m_context.Source(m_plan.Mesh.Source);
     if (source == nullptr || m_bones.Bones.empty()) return false;
     TellNotBuilt();
+    if (!m_plan.RootBone.empty()) BoneNamed(m_plan.RootBone, "$rootbone");
     if (!m_context.Spend(static_cast<int64_t>(source->Corners.size()) * CornerCost, m_plan.At)) return false;
     FindMerges();
     GatherBodies(*source);

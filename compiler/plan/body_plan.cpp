@@ -75,8 +75,12 @@ PlanFlexFile FlexFileOf(const Option& line) {
                  : option.Kind == Key::Flex   ? PlanShape::Kind::Flex
                                               : PlanShape::Kind::Default;
     if (option.Kind == Key::FlexPair) shape.Split = NumberAt(option, 1);
+    shape.IsFrameless = true;
     for (const Option& more : option.Options) {
-      if (more.Kind == Key::Frame) shape.Frame = FrameOf(more, 0);
+      if (more.Kind == Key::Frame) {
+        shape.Frame = FrameOf(more, 0);
+        shape.IsFrameless = false;
+      }
       if (more.Kind == Key::Position) shape.Position = NumberAt(more, 0);
       if (more.Kind == Key::Decay) shape.Decay = NumberAt(more, 0);
       if (more.Kind == Key::Split) shape.Split = NumberAt(more, 0);

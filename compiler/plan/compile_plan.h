@@ -58,7 +58,8 @@ struct PlanShape {
   Kind What = Kind::Flex;
   std::string Name;
   int32_t Frame = 0;
-  float Split = 0;  // of a pair
+  bool IsFrameless = false;  // the line names no frame
+  float Split = 0;           // of a pair
   std::optional<float> Position;
   std::optional<float> Decay;
 };

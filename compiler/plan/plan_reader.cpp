@@ -228,6 +228,10 @@ class PlanReader {
       case Command::Model:
       case Command::BodyGroup:
         m_plan.BodyParts.push_back(ReadBodyPart(s, m_use));
+        if (m_plan.BodyParts.back().Models.empty()) {
+          Told().Warning(core::TroubleKind::Refused, s.At,
+                         "the body group " + qc::Shown(Text(s, 0)) + " offers nothing, not even a blank");
+        }
         return true;
       case Command::AppendBlankBodyGroup:
         AppendBlank(s);

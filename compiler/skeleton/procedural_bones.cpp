@@ -146,6 +146,10 @@ void TakeGroup(CompileContext& context, const qc::Option& group, StudioJiggleBon
 StudioJiggleBone JiggleOf(CompileContext& context, const qc::Statement& statement) {
   constexpr uint32_t Tips = model::JiggleFlagRigid | model::JiggleFlagFlexible;
   StudioJiggleBone bone = DefaultJiggle();
+  if (statement.Options.empty()) {
+    context.Warning(statement.At,
+                    "a jiggle bone needs a group such as is_flexible in its braces; this one stands still");
+  }
   for (const qc::Option& group : statement.Options) {
     switch (group.Kind) {
       case Key::IsRigid:

@@ -227,12 +227,14 @@ TEST(BuildFace, TellsFramesBonesAndEyesThatAreNotThere) {
   fixture.AddShape(1, {{0, {1, 0, 2}, {0, 0, 1}}});
   fixture.Model().Face.push_back(fixture.FlexFile({Shape("smile", 7), Shape("frown", 1), Shape("lip", 8)}));
   fixture.Model().Face.push_back(PlanMouth{{}, 0, "smile", "haed", {0, 1, 0}});
+  fixture.Model().Face.push_back(PlanEyelid{{}, "lower_right", 0, 0, 0, 0, 0, 0, 0, 0, ""});
   fixture.Model().Face.push_back(PlanEyelid{{}, "upper_right", 0, 0, 0, 0, 0, 0, 0, 0, "righteye"});
   fixture.Build();
-  EXPECT_EQ(fixture.Compile.Errors, 4U);
-  EXPECT_THAT(fixture.Compile.Told, testing::IsSupersetOf({HasSubstr("no frame 7; its last is 1"),
-                                                           HasSubstr("no frame 8"), HasSubstr("no bone \"haed\""),
-                                                           HasSubstr("\"righteye\", which the model does not have")}));
+  EXPECT_EQ(fixture.Compile.Errors, 5U);
+  EXPECT_THAT(fixture.Compile.Told,
+              testing::IsSupersetOf({HasSubstr("no frame 7; its last is 1"), HasSubstr("no frame 8"),
+                                     HasSubstr("no bone \"haed\""), HasSubstr("\"lower_right\" names no eyeball"),
+                                     HasSubstr("\"righteye\", which the model does not have")}));
   EXPECT_THAT(fixture.Face.Descriptors, testing::Contains("frown")) << "one wrong line does not hide the next";
 }
 

@@ -107,6 +107,16 @@ TEST(QcFaces, TellAnEyelidsEyeballFromAnEyeball) {
                           "left)"));
 }
 
+TEST(QcFaces, TellWhatALineLacks) {
+  const Script script = ReadPlain(
+      "$model face \"face.smd\"\n{\neyeball right head 1 2\nflexcontroller eyes blink rang 0 1\n"
+      "flexcontroller a 5\n}");
+  EXPECT_THAT(Told(script), ElementsAre("a.qc:3:1: error: eyeball needs 10 arguments, 4 are given",
+                                        HasSubstr("4:32: warning: \"0\" stands where the name of a flexcontroller"),
+                                        HasSubstr("4:34: warning: \"1\" stands"), HasSubstr("5:18: warning: \"5\""),
+                                        "a.qc:5:1: error: flexcontroller needs a group and a name"));
+}
+
 TEST(QcBones, AreReadWithTheirOptions) {
   const Script script = ReadPlain(
       "$attachment eyes \"\" 1 2 3 absolute rotate 0 -90 0 rigid\n$poseparameter move_yaw -180 180 loop 360\n"
