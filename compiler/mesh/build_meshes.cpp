@@ -23,23 +23,27 @@ constexpr int64_t TextureCost = 100;
 /// Numbers in the skin table have 15 bits.
 constexpr size_t MostTextures = 32767;
 
+/// A mesh's name in small letters, without an ending that meshes have.
 std::string PlainName(std::string_view name) {
+  constexpr std::string_view Endings[] = {".smd", ".sma", ".phys", ".dmx"};
   std::string plain = core::LowerAscii(name);
   std::replace(plain.begin(), plain.end(), '\\', '/');
+  for (const std::string_view ending : Endings) {
+    if (!plain.ends_with(ending) || plain.size() == ending.size()) continue;
+    plain.resize(plain.size() - ending.size());
+    break;
+  }
   return plain;
 }
 
 /// Whether two names as typed mean the same mesh: slashes, case and the extension may differ.
 bool SameMesh(std::string_view a, std::string_view b) {
-  const std::string first = PlainName(a), second = PlainName(b);
-  return first == second || first + ".smd" == second || second + ".smd" == first;
+  return PlainName(a) == PlainName(b);
 }
 
 /// A mesh's name without folder and extension.
 std::string StemOf(std::string_view name) {
-  std::string stem = PlainName(core::LastComponent(name));
-  if (stem.ends_with(".smd")) stem.resize(stem.size() - 4);
-  return stem;
+  return PlainName(core::LastComponent(name));
 }
 
 class MeshBuild {

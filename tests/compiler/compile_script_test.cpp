@@ -370,7 +370,7 @@ TEST(CompileScript, GivesBonesOfALevelToOthersThroughAllThatStandBetween) {
 }
 
 TEST(CompileScript, FindsTheMeshOfALevelByItsBareName) {
-  for (const char* name : {"arm", "ARM.smd", "parts\\Arm"}) {
+  for (const char* name : {"arm", "ARM.smd", "parts\\Arm", "arm.DMX"}) {
     Workshop shop;
     EXPECT_TRUE(
         shop.Compile("$modelname a.mdl\n$body b parts/arm.smd\n$sequence idle parts/swing\n$lod 5 { removemodel " +
