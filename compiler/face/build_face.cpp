@@ -42,6 +42,7 @@ class FaceBuild {
       }
     }
     // Flexes are numbered in the order in which lines first name them.
+    m_places = PlacesOf(plan.Face);
     for (const PlanFaceLine& line : plan.Face) {
       if (const auto* file = std::get_if<PlanFlexFile>(&line)) AddFlexFile(*file);
       if (const auto* lid = std::get_if<PlanEyelid>(&line)) AddEyelid(*lid);
@@ -121,11 +122,15 @@ class FaceBuild {
 
   /// Shapes of one descriptor, however its name is typed, follow each other by their places: each falls where the next
   /// is whole.
-  static std::map<std::string, std::vector<float>> PlacesOf(const PlanFlexFile& file) {
+  static std::map<std::string, std::vector<float>> PlacesOf(const std::vector<PlanFaceLine>& face) {
     std::map<std::string, std::vector<float>> places;
-    for (const PlanShape& shape : file.Shapes) {
-      if (shape.What == PlanShape::Kind::Default) continue;
-      places[core::LowerAscii(shape.Name)].push_back(shape.Position.value_or(1.0f));
+    for (const PlanFaceLine& line : face) {
+      const auto* file = std::get_if<PlanFlexFile>(&line);
+      if (file == nullptr) continue;
+      for (const PlanShape& shape : file->Shapes) {
+        if (shape.What == PlanShape::Kind::Default) continue;
+        places[core::LowerAscii(shape.Name)].push_back(shape.Position.value_or(1.0f));
+      }
     }
     for (auto& [name, list] : places) {
       std::sort(list.begin(), list.end());
@@ -154,7 +159,6 @@ class FaceBuild {
     if (!hasShapes) return;
     const ShapeFile* shapes = FileOf(file.Source, restFrame, file.At);
     if (shapes == nullptr) return;
-    const auto places = PlacesOf(file);
     for (const PlanShape& shape : file.Shapes) {
       if (shape.What == PlanShape::Kind::Default) continue;
       if (shape.IsFrameless) {
@@ -164,13 +168,13 @@ class FaceBuild {
       FlexShape flex;
       flex.At = shape.At;
       flex.Frame = shape.Frame;
-      flex.Targets = TargetsOf(places.at(core::LowerAscii(shape.Name)), shape.Position.value_or(1.0f));
+      flex.Targets = TargetsOf(m_places.at(core::LowerAscii(shape.Name)), shape.Position.value_or(1.0f));
       flex.Decay = shape.Decay.value_or(1.0f);
       if (shape.What == PlanShape::Kind::Pair) {
         // The right one comes first, unless the names were said the other way round.
         const int32_t left = m_names.FindDescriptor(shape.Name + "L");
         const int32_t right = m_names.FindDescriptor(shape.Name + "R");
-        flex.LeftFirst = left >= 0 && left < right;
+        flex.LeftFirst = left >= 0 && (right < 0 || left < right);
         flex.Descriptor = m_names.Descriptor(shape.Name + (flex.LeftFirst ? "L" : "R"));
         flex.Partner = m_names.Descriptor(shape.Name + (flex.LeftFirst ? "R" : "L"));
         flex.SideBand = shape.Split;
@@ -255,6 +259,7 @@ class FaceBuild {
   BuiltModel* m_model = nullptr;
   BuiltModelFace* m_built = nullptr;
   std::vector<std::string> m_eyes;
+  std::map<std::string, std::vector<float>> m_places;  // of each flex, whichever file its shapes are of
   std::map<std::pair<int32_t, int32_t>, std::optional<ShapeFile>> m_files;  // by source and frame at rest
 };
 

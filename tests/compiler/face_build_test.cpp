@@ -171,7 +171,8 @@ TEST(BuildFace, SplitsAPairAcrossTheFaceAndChainsPlaces) {
   pair.What = PlanShape::Kind::Pair;
   pair.Split = 1;
   half.Position = 0.5f;
-  fixture.Model().Face.push_back(fixture.FlexFile({pair, half, whole}));
+  fixture.Model().Face.push_back(fixture.FlexFile({pair, half}));
+  fixture.Model().Face.push_back(fixture.FlexFile({whole}));  // of one flex, whichever file its shapes are of
   fixture.Build();
   EXPECT_THAT(fixture.Face.Descriptors, ElementsAre("browR", "browL", "Lip"));
   const auto& flexes = fixture.Face.Models[0].MeshFlexes[0];
@@ -186,6 +187,22 @@ TEST(BuildFace, SplitsAPairAcrossTheFaceAndChainsPlaces) {
   };
   EXPECT_THAT(targets(flexes[1]), ElementsAre(0, 0.5f, 0.5f, 1));
   EXPECT_THAT(targets(flexes[2]), ElementsAre(0.5f, 1, 10, 11));
+}
+
+TEST(BuildFace, BeginsAPairWithTheSideThatWasSaidFirst) {
+  FaceFixture fixture;
+  fixture.AddShape(1, {{0, {1, 0, 2}, {0, 0, 1}}, {1, {0, 0, 2}, {0, 0, 1}}});
+  PlanShape pair = Shape("brow", 1);
+  pair.What = PlanShape::Kind::Pair;
+  pair.Split = 1;
+  fixture.Model().Face.push_back(PlanLocalVars{{}, {"spare", "browL"}});
+  fixture.Model().Face.push_back(fixture.FlexFile({pair}));
+  fixture.Build();
+  EXPECT_THAT(fixture.Face.Descriptors, ElementsAre("spare", "browL", "browR"));
+  const BuiltFlex& flex = fixture.Face.Models[0].MeshFlexes[0].at(0);
+  EXPECT_EQ(int32_t{flex.Record.FlexDesc}, 1);
+  EXPECT_EQ(int32_t{flex.Record.Partner}, 2);
+  EXPECT_EQ(flex.VertAnims[0].Side, 0) << "at x = 1, which is the left one's";
 }
 
 TEST(BuildFace, MakesEyesLidsAndMouths) {
