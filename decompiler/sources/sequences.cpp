@@ -56,8 +56,7 @@ class Sequences {
   std::vector<int64_t> OrderOfStatements() {
     std::vector<int64_t> order(static_cast<size_t>(m_sequences.Count()));
     std::iota(order.begin(), order.end(), int64_t{0});
-    // Nodes are numbered as statements name them.
-    if (m_animationTable.Count() == 0 || m_job.Model.Header()->NodeCount > 0) return order;
+    if (m_animationTable.Count() == 0) return order;
     std::vector<int64_t> last(order.size(), -1);  // the last animation of each sequence
     int64_t written = -1;
     bool inOrder = true;
@@ -82,8 +81,21 @@ class Sequences {
       const bool isOwn = animation >= 0 && m_animations.OwnerOf(animation) == i;
       return std::pair(animation, isOwn ? 0 : 1);
     };
-    std::ranges::stable_sort(order, {}, key);
-    return order;
+    std::vector<int64_t> other = order;
+    std::ranges::stable_sort(other, {}, key);
+    return NamesNodesInOrder(other) || !NamesNodesInOrder(order) ? other : order;
+  }
+
+  /// Whether statements in that order name the nodes as they are numbered.
+  bool NamesNodesInOrder(const std::vector<int64_t>& order) const {
+    int32_t named = 0;
+    for (const int64_t i : order) {
+      for (const int32_t node : {int32_t{m_sequences[i]->EntryNode}, int32_t{m_sequences[i]->ExitNode}}) {
+        if (node > named + 1) return false;
+        named = std::max(named, node);
+      }
+    }
+    return true;
   }
 
   /// Where a sequence is only declared, or stands elsewhere than its statement, all are declared, so that they keep

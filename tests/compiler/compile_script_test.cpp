@@ -472,6 +472,8 @@ TEST(CompileScript, GivesBackSequencesThatStandElsewhereThanTheirAnimations) {
       {"$declaresequence grid\n$sequence first swing\n$animation a arm\n$animation b swing\n$sequence second arm\n"
        "$sequence grid { a b @second }\n$sequence last swing\n$animation unused swing\n",
        "@first a b @second @last unused | grid 1 2 3| first 0| second 3| last 4"},
+      {"$declaresequence late\n$sequence early swing { node one }\n$sequence late arm { transition one two }\n",
+       "@early @late | late 1| early 0"},
       {"$sequence first swing\n$animation a swing\n$sequence grid { a @first }\n$sequence last arm\n",
        "@first a @last | first 0| grid 1 0| last 2"},
   };
