@@ -13,7 +13,8 @@ namespace tarnwick::decompiler::sources {
 
 namespace {
 
-constexpr std::string_view SplitOfRight = "0.1", SplitOfLeft = "-0.1";
+/// How far over the middle the vertices of a lid still move, where none lies farther.
+constexpr float UsualSplit = 0.1f;
 /// How far a direction of an eye may be from the one that a compile gives it.
 constexpr float DirectionTolerance = 1e-3f;
 
@@ -198,9 +199,19 @@ class Eyes {
         "    eyelid " + Quoted(m_job, held ? m_names.Descriptors[static_cast<size_t>(record.Descriptor)] : usualName) +
         " " + Quoted(m_job, m_vtaName) + pose(" lowerer ", lid.Lowered, record.Heights[0]) +
         pose(" neutral ", {}, record.Heights[1]) + pose(" raiser ", lid.Raised, record.Heights[2]) + " split " +
-        std::string(right ? SplitOfRight : SplitOfLeft) + " eyeball " + Quoted(m_job, eye) + "\n");
+        (right ? "" : "-") + Number(m_job, SplitOf(lid, right)) + " eyeball " + Quoted(m_job, eye) + "\n");
     m_names.Declare(record.Descriptor);
     for (const int32_t part : record.Parts) m_names.Declare(part);
+  }
+
+  /// A distance over the middle within which all vertices of the lid lie.
+  float SplitOf(const LidShapes& lid, bool right) {
+    float reach = 0;
+    for (const std::optional<size_t>& shape : {lid.Lowered, lid.Raised}) {
+      if (shape) reach = std::max(reach, ReachAcross(m_job, m_shapes, m_shapes.Shapes[*shape], !right));
+    }
+    constexpr float Steps = 100;
+    return reach < UsualSplit ? UsualSplit : (std::ceil(reach * Steps) + 1) / Steps;
   }
 
   JobContext& m_job;

@@ -225,6 +225,12 @@ PairSplit FindPairSplit(JobContext& job, const FaceShapes& shapes, const FaceSha
   return split;
 }
 
+float ReachAcross(JobContext& job, const FaceShapes& shapes, const FaceShape& shape, bool mirrored) {
+  float reach = 0;
+  for (const SidePoint& point : SidesOf(job, shapes, shape)) reach = std::max(reach, mirrored ? -point.X : point.X);
+  return reach;
+}
+
 float FindDecay(JobContext& job, const FaceShapes& shapes, const FaceShape& shape) {
   const DecayRange range = DecaysOf(job, shapes, shape);
   if (range.Holds(1) || range.Least > std::min(range.Most, LargestDecay)) return 1;

@@ -82,8 +82,15 @@ class MeshExport {
       const auto lods = LodsOf(m_job, index, m);
       const bool isRead = lods && lods->Count() > 0;
       if (const std::string* file = isRead ? m_repeated.FindSame(m_job, model, *lods) : nullptr) {
-        m_job.Script().Text((grouped ? "  studio " : "$body " + Quoted(m_job, *name) + " ") +
-                            Quoted(m_job, TypedName(core::FixedText(model->Name), *file)) + "\n");
+        const bool isShared = !grouped && m_faces && index == m_sharedPart;
+        const std::string statement = isShared ? "$model " : "$body ";
+        m_job.Script().Text((grouped ? "  studio " : statement + Quoted(m_job, *name) + " ") +
+                            Quoted(m_job, TypedName(core::FixedText(model->Name), *file)) + (isShared ? " {\n" : "\n"));
+        if (isShared) {
+          WriteSharedFace(m_job, *m_faces);
+          m_job.Script().Text("}\n");
+          m_sharedWritten = true;
+        }
       } else if (!isRead || !ExportModel(*name, model, *lods, grouped ? -1 : index)) {
         LeaveOut("  ", "model", m);
       }

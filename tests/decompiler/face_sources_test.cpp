@@ -169,6 +169,25 @@ TEST(FaceSources, SayNamesAheadOfALaterFaceThatWouldNumberThemOtherwise) {
                                   "\"frown\"\n    localvar \"last\"\n    flexfile"));
 }
 
+TEST(FaceSources, SplitNoVertexOfALidOff) {
+  ModelBuilder model = Head();
+  std::vector<FlexDescription>& flexes = model.BodyParts[0].Models[0].Meshes[0].Flexes;
+  flexes[1].VertAnims.push_back({.Vertex = 1, .PositionDelta = {0, 0, 1}});
+  const DecompiledModel run(model, DecompileOptionReadyToCompile);
+  EXPECT_THAT(run.Script(), HasSubstr("raiser 2 0.75 split 2.01 eyeball \"righteye\"\n"));
+}
+
+TEST(FaceSources, HaveTheSharedPartWhereAMeshIsShownAgain) {
+  ModelBuilder model;
+  model.BodyParts = {{.Name = "one", .Models = {{.Name = "cube.smd"}}},
+                     {.Name = "two", .Models = {{.Name = "cube.smd"}}}};
+  model.FlexControllers = {{"eyelid", "blink", 0, 1}};
+  const DecompiledModel run(model, DecompileOptionReadyToCompile);
+  EXPECT_THAT(run.Script(), HasSubstr("$body \"one\" \"cube.smd\"\n$model \"two\" \"cube.smd\" {\n"
+                                      "    flexcontroller \"eyelid\" \"blink\" range 0 1\n}\n"));
+  EXPECT_THAT(run.Result.Lost, IsEmpty());
+}
+
 TEST(FaceSources, CountWhatTheirLinesDoNotSay) {
   ModelBuilder model = Head();
   std::vector<FlexDescription>& flexes = model.BodyParts[0].Models[0].Meshes[0].Flexes;
