@@ -437,6 +437,7 @@ void BuildLodBones(CompileContext& context, ModelBones& bones) {
 void MarkUses(CompileContext& context, ModelBones& bones) {
   const CompilePlan& plan = context.Plan;
   for (const std::string& name : plan.MergedBones) {
+    if (bones.Static) return;  // its one bone follows none
     const int32_t bone = bones.Find(name);
     if (bone >= 0) bones.Bones[static_cast<size_t>(bone)].Flags |= model::BoneFlagMerge;
   }

@@ -204,14 +204,15 @@ class Eyes {
     for (const int32_t part : record.Parts) m_names.Declare(part);
   }
 
-  /// A distance over the middle within which all vertices of the lid lie.
+  /// A distance over the middle within which all vertices of the lid lie. It steps where no places of vertices are, so
+  /// that what texts round does not change it.
   float SplitOf(const LidShapes& lid, bool right) {
     float reach = 0;
     for (const std::optional<size_t>& shape : {lid.Lowered, lid.Raised}) {
       if (shape) reach = std::max(reach, ReachAcross(m_job, m_shapes, m_shapes.Shapes[*shape], !right));
     }
-    constexpr float Steps = 100;
-    return reach < UsualSplit ? UsualSplit : (std::ceil(reach * Steps) + 1) / Steps;
+    constexpr float Steps = 10, Aside = 0.003f;
+    return reach < UsualSplit - Aside ? UsualSplit : (std::ceil((reach - Aside) * Steps) + 1) / Steps;
   }
 
   JobContext& m_job;

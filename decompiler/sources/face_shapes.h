@@ -39,8 +39,8 @@ struct PairSplit {
 /// Finds the split of a shape with a partner from the sides that its vertices have: 0 to 255 in a smooth step in x.
 [[nodiscard]] PairSplit FindPairSplit(JobContext& job, const FaceShapes& shapes, const FaceShape& shape);
 
-/// How far beyond the middle plane, where x is above 0 (or below, with `mirrored`), the farthest vertex lies that a shape
-/// moves; 0 if none lies there.
+/// How far beyond the middle plane, where x is above 0 (or below, with `mirrored`), the farthest vertex lies that a
+/// shape moves; 0 if none lies there.
 [[nodiscard]] float ReachAcross(JobContext& job, const FaceShapes& shapes, const FaceShape& shape, bool mirrored);
 
 /// Finds the factor of a shape's speeds: a vertex is as fast as it moves far beside the farthest of its mesh, times

@@ -174,7 +174,7 @@ TEST(FaceSources, SplitNoVertexOfALidOff) {
   std::vector<FlexDescription>& flexes = model.BodyParts[0].Models[0].Meshes[0].Flexes;
   flexes[1].VertAnims.push_back({.Vertex = 1, .PositionDelta = {0, 0, 1}});
   const DecompiledModel run(model, DecompileOptionReadyToCompile);
-  EXPECT_THAT(run.Script(), HasSubstr("raiser 2 0.75 split 2.01 eyeball \"righteye\"\n"));
+  EXPECT_THAT(run.Script(), HasSubstr("raiser 2 0.75 split 2.1 eyeball \"righteye\"\n"));
 }
 
 TEST(FaceSources, HaveTheSharedPartWhereAMeshIsShownAgain) {
