@@ -392,6 +392,7 @@ class MeshBuild {
       m_context.Warning(group.At, "skin " + std::to_string(row) + " names " + std::to_string(group.Rows[row].size()) +
                                       " materials, the first row " + std::to_string(group.Rows[0].size()) +
                                       "; those past its end replace nothing");
+      return;  // the author looks at the other rows too
     }
   }
 

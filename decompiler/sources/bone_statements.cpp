@@ -131,11 +131,11 @@ void WriteHitGroups(JobContext& job) {
   for (const auto box : *boxes) {
     const int64_t bone = box->Bone;
     if (!skeleton->Bones.Holds(bone) || said.contains(bone)) continue;
-    int64_t at = bone;
-    for (int64_t steps = 0; skeleton->Bones.Holds(at) && !said.contains(at) && steps < skeleton->Count(); ++steps) {
+    int64_t at = bone, steps = 0;
+    for (; skeleton->Bones.Holds(at) && !said.contains(at) && steps < skeleton->Count(); ++steps) {
       at = skeleton->Bones[at]->Parent;
     }
-    if (!job.Spend(RecordCost) || !job.ScriptWithinBounds()) return;
+    if (!job.Spend(RecordCost * (1 + steps)) || !job.ScriptWithinBounds()) return;
     const auto above = said.find(at);
     if (box->Group == (above == said.end() ? 0 : above->second)) continue;
     said[bone] = box->Group;

@@ -145,6 +145,7 @@ std::optional<FaceNames> ReadFaceNames(JobContext& job) {
 void WriteModelFace(JobContext& job, const core::Record<StudioModel>& model, FaceNames& names) {
   const auto shapes = GatherFaceShapes(job, model, names.Descriptors.size());
   if (!shapes) return job.Lose("faces that cannot be read");
+  if (!job.Spend(static_cast<int64_t>(names.Descriptors.size()))) return job.Lose("faces that cannot be read");
   const std::vector<bool> ofLids = FindLidShapes(job, model, *shapes);
   if (!AreNamedInOrder(job, model, *shapes, ofLids, names)) WriteAllNames(job, names);
   std::vector<int32_t> frames(shapes->Shapes.size());
