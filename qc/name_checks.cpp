@@ -228,6 +228,7 @@ void CheckRules(const Script& script, Messages& told) {
 }  // namespace
 
 void ScriptReader::CheckNames() {
+  TellUnknownSources();
   if (m_script.Last(Command::ModelName) == nullptr) {
     m_told.Error(TroubleKind::Missing, {0, 1, 1, 0}, "the script names no model; it needs a $modelname");
   }

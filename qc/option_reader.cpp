@@ -367,13 +367,27 @@ void ScriptReader::ReadFreeWord(const Context& context, std::vector<Option>& out
 
 /// A sequence's word that is nothing: the name nearest to it of all that it could have been is offered.
 void ScriptReader::TellUnknownSource(const Context& context, const Argument& argument) {
+  if (m_unknown.size() > Messages::Most) return;  // more are not told
   NearName near(argument.Text);
   near.Offer(m_finder->Find(argument.Text, SourceKind::Animation).Nearest);
   for (const OptionRow& row : context.Options->Rows) near.Offer(row.Name);
   for (const auto& [name, number] : m_animations) near.Offer(name);
-  m_told.Error(TroubleKind::Missing, argument.At,
-               Shown(argument.Text) + " is no word of " + std::string(context.Name) +
-                   ", no animation declared above and no file in " + m_finder->ShownFolder() + DidYouMean(near.Best()));
+  m_unknown.push_back(
+      {argument.Text,
+       {core::Severity::Error, TroubleKind::Missing, argument.At,
+        Shown(argument.Text) + " is no word of " + std::string(context.Name) +
+            ", no animation declared above and no file in " + m_finder->ShownFolder() + DidYouMean(near.Best())}});
+}
+
+/// An animation that stands further down is told as that.
+void ScriptReader::TellUnknownSources() {
+  for (const auto& [name, message] : m_unknown) {
+    const bool isBelow = FindAnimation(name) >= 0;
+    m_told.Error(message.Kind, message.At,
+                 isBelow
+                     ? "the animation " + Shown(name) + " stands below the sequence that shows it; it must stand above"
+                     : message.Text);
+  }
 }
 
 /// `event NAME FRAME "options"`, most often in braces of its own.

@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "qc/script.h"
@@ -80,6 +81,7 @@ class ScriptReader {
   // source_reader.cpp: files and animations
   bool FindSource(SourceKind kind, Argument& argument, bool tell = true);
   void TellUnknownSource(const Context& context, const Argument& argument);
+  void TellUnknownSources();
   int32_t FindAnimation(std::string_view name) const;
   void Declare(const Statement& statement);
 
@@ -93,6 +95,8 @@ class ScriptReader {
   std::unordered_map<std::string, int32_t> m_sources;  // by kind and path, or by kind and name where there is none
   std::unordered_map<std::string_view, int32_t> m_animations;
   std::unordered_map<std::string, int32_t> m_animationsInSmall;
+  std::vector<std::pair<std::string_view, Message>>
+      m_unknown;  // sequences' words that were nothing when they were read
 };
 
 }  // namespace tarnwick::qc

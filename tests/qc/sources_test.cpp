@@ -89,12 +89,20 @@ TEST_F(QcSources, ThatAreNotThereAreToldOnceWithTheNameThatIs) {
       Told(script),
       ElementsAre(
           "walker.qc:3:9: error: the mesh \"walkr.smd\" was not found in sources/; did you mean \"walker.smd\"?",
+          HasSubstr("walker.qc:6:18: warning: the procedural bone file \"walker.vrd\" was not found"),
+          HasSubstr("walker.qc:7:13: warning: \"D:\\work\\Jump.smd\" is not there; "),
           "walker.qc:5:13: error: \"jmp.smd\" is no word of $sequence, no animation declared above and no file "
           "in sources/; did you mean \"jump.smd\"?",
           "walker.qc:5:21: error: \"lop\" is no word of $sequence, no animation declared above and no file in "
-          "sources/; did you mean \"loop\"?",
-          HasSubstr("walker.qc:6:18: warning: the procedural bone file \"walker.vrd\" was not found"),
-          HasSubstr("walker.qc:7:13: warning: \"D:\\work\\Jump.smd\" is not there; ")));
+          "sources/; did you mean \"loop\"?"));
+}
+
+TEST_F(QcSources, TellAnAnimationThatStandsBelowItsSequence) {
+  Touch("jump.smd");
+  const Script script = Read("$sequence j { a_jump a_jumm }\n$animation A_jump jump\n");
+  EXPECT_THAT(Told(script),
+              ElementsAre(HasSubstr("2:15: error: the animation \"a_jump\" stands below the sequence that shows it"),
+                          HasSubstr("2:22: error: \"a_jumm\" is no word of $sequence")));
 }
 
 TEST_F(QcSources, AnAnimationGoesAheadOfAFileAndAFileAheadOfASequence) {
