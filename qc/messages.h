@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/near_name.h"
 #include "core/trouble.h"
 #include "qc/words.h"
 
@@ -46,19 +47,6 @@ std::string Shown(std::string_view text);
 /// `; did you mean "near"?`, or nothing if `near` is empty.
 std::string DidYouMean(std::string_view near);
 
-/// The name that a typing mistake may have turned into what was looked for: names are offered one by one, the nearest
-/// is kept, if it is near at all.
-class NearName {
- public:
-  explicit NearName(std::string_view wanted);
-  void Offer(std::string_view name);
-  const std::string& Best() const { return m_best; }
-
- private:
-  std::string m_wanted;
-  std::string m_best;
-  size_t m_distance;
-  size_t m_left = 2000;  // names that are still compared; among more the search would take too long
-};
+using core::NearName;
 
 }  // namespace tarnwick::qc
