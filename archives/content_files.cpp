@@ -166,7 +166,7 @@ std::optional<std::string> ContentFiles::FindBeside(const std::string& name) con
   std::string ignored;
   const auto place = Find(name, ignored);
   if (!place) return std::nullopt;
-  return place->InArchive != nullptr ? place->Name() : core::FindIgnoringCase(place->Path);
+  return place->InArchive != nullptr ? place->Name() : m_names.Find(place->Path);
 }
 
 std::optional<std::string> ContentFiles::FindElsewhere(const std::string& name) const {

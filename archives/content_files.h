@@ -12,6 +12,7 @@
 #include "archives/game_files.h"
 #include "archives/loose_folder.h"
 #include "core/file_source.h"
+#include "core/folder_names.h"
 
 namespace tarnwick::archives {
 
@@ -81,6 +82,7 @@ class ContentFiles : public core::FileSource {
 
   const std::string m_gameDirectory;
   core::TroubleSink& m_sink;
+  mutable core::FolderNames m_names;  // on the disk
   mutable std::mutex m_lock;
   mutable std::map<std::string, std::shared_ptr<const Archive>> m_archives;  // by path
   mutable std::map<std::string, std::unique_ptr<LooseFolder>> m_loose;       // by path

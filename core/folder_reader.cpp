@@ -6,6 +6,12 @@
 
 #ifdef _WIN32
 #include <windows.h>
+#else
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <cerrno>
 #endif
 
 namespace tarnwick::core {
@@ -110,51 +116,72 @@ void RemoveFolder(const fs::path& folder) {
 
 #else
 
+// The library makes a path of each entry, whether it is wanted or not, and takes it apart.
 struct FolderReader::State {
-  fs::directory_iterator Entry;
-  bool First = true;
+  std::string Folder;  // with a slash behind it
+  DIR* Stream = nullptr;
+  const dirent* Entry = nullptr;
+
+  /// Whether it is of that kind, which the system mostly tells with the name; a link is what it leads to.
+  bool Is(unsigned char kind, mode_t mode) const {
+    if (Entry->d_type != DT_UNKNOWN && Entry->d_type != DT_LNK) return Entry->d_type == kind;
+    struct stat status {};
+    return fstatat(dirfd(Stream), Entry->d_name, &status, 0) == 0 && (status.st_mode & S_IFMT) == mode;
+  }
 };
 
 FolderReader::FolderReader(const fs::path& folder) : m_state(std::make_unique<State>()) {
-  m_state->Entry = fs::directory_iterator(folder.empty() ? fs::path(".") : folder, m_error);
+  m_state->Folder = folder.empty() ? "." : folder.native();
+  m_state->Stream = opendir(m_state->Folder.c_str());
+  if (!m_state->Folder.ends_with('/')) m_state->Folder += '/';
+  if (m_state->Stream == nullptr) m_error = {errno, std::generic_category()};
 }
 
-FolderReader::~FolderReader() = default;
+FolderReader::~FolderReader() {
+  if (m_state->Stream != nullptr) closedir(m_state->Stream);
+}
 
 bool FolderReader::Next() {
-  if (m_error || m_state->Entry == fs::directory_iterator()) return false;
-  if (!std::exchange(m_state->First, false)) m_state->Entry.increment(m_error);
-  return !m_error && m_state->Entry != fs::directory_iterator();
+  if (m_error) return false;
+  const std::string_view self = ".", parent = "..";
+  do {
+    errno = 0;
+    m_state->Entry = readdir(m_state->Stream);
+    if (m_state->Entry == nullptr) {
+      m_error = {errno, std::generic_category()};
+      return false;
+    }
+  } while (m_state->Entry->d_name == self || m_state->Entry->d_name == parent);
+  return true;
 }
 
 std::string FolderReader::Name() const {
-  const std::string& path = m_state->Entry->path().native();
-  return path.substr(path.rfind('/') + 1);
+  return m_state->Entry->d_name;
 }
 
 fs::path FolderReader::Path() const {
-  return m_state->Entry->path();
+  return m_state->Folder + m_state->Entry->d_name;
 }
 
 bool FolderReader::IsFolder() const {
-  std::error_code ignored;
-  return m_state->Entry->is_directory(ignored);
+  return m_state->Is(DT_DIR, S_IFDIR);
 }
 
 bool FolderReader::IsFile() const {
-  std::error_code ignored;
-  return m_state->Entry->is_regular_file(ignored);
+  return m_state->Is(DT_REG, S_IFREG);
 }
 
 bool FolderReader::IsLink() const {
-  std::error_code ignored;
-  return m_state->Entry->is_symlink(ignored);
+  struct stat status {};
+  if (m_state->Entry->d_type != DT_UNKNOWN) return m_state->Entry->d_type == DT_LNK;
+  return fstatat(dirfd(m_state->Stream), m_state->Entry->d_name, &status, AT_SYMLINK_NOFOLLOW) == 0 &&
+         S_ISLNK(status.st_mode);
 }
 
 uint64_t FolderReader::Size() const {
-  std::error_code error;
-  const uint64_t size = m_state->Entry->file_size(error);
-  return error ? 0 : size;
+  struct stat status {};
+  if (fstatat(dirfd(m_state->Stream), m_state->Entry->d_name, &status, 0) != 0 || !S_ISREG(status.st_mode)) return 0;
+  return static_cast<uint64_t>(status.st_size);
 }
 
 void RemoveFolder(const fs::path& folder) {

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <cstring>
@@ -28,8 +29,16 @@ namespace fs = std::filesystem;
 
 namespace {
 
+using NativeText = fs::path::string_type;
+
 #ifdef _WIN32
-int OpenNew(const fs::path& path) {
+NativeText NativeTextOf(std::string_view path) {
+  return NativePath(path).native();
+}
+bool IsKnownToBeFree(const NativeText&) {
+  return false;
+}
+int OpenNew(const NativeText& path) {
   return _wopen(path.c_str(), _O_CREAT | _O_EXCL | _O_WRONLY | _O_BINARY, _S_IREAD | _S_IWRITE);
 }
 int64_t WriteSome(int descriptor, const char* data, size_t size) {
@@ -38,7 +47,7 @@ int64_t WriteSome(int descriptor, const char* data, size_t size) {
 int CloseDescriptor(int descriptor) {
   return _close(descriptor);
 }
-bool Replace(const fs::path& from, const fs::path& to, std::string& reason) {
+bool Replace(const NativeText& from, const NativeText& to, std::string& reason) {
   if (MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING)) return true;
   reason = std::error_code(static_cast<int>(GetLastError()), std::system_category()).message();
   return false;
@@ -50,7 +59,17 @@ int ProcessNumber() {
   return _getpid();
 }
 #else
-int OpenNew(const fs::path& path) {
+NativeText NativeTextOf(std::string_view path) {
+  NativeText native(path);
+  std::replace(native.begin(), native.end(), '\\', '/');
+  return native;
+}
+/// Whether nothing stands there, and something could.
+bool IsKnownToBeFree(const NativeText& path) {
+  struct stat status {};
+  return lstat(path.c_str(), &status) != 0 && errno == ENOENT;
+}
+int OpenNew(const NativeText& path) {
   return open(path.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0666);
 }
 int64_t WriteSome(int descriptor, const char* data, size_t size) {
@@ -59,7 +78,7 @@ int64_t WriteSome(int descriptor, const char* data, size_t size) {
 int CloseDescriptor(int descriptor) {
   return close(descriptor);
 }
-bool Replace(const fs::path& from, const fs::path& to, std::string& reason) {
+bool Replace(const NativeText& from, const NativeText& to, std::string& reason) {
   if (rename(from.c_str(), to.c_str()) == 0) return true;
   reason = std::strerror(errno);
   return false;
@@ -74,15 +93,48 @@ int ProcessNumber() {
 
 /// A name beside `path` that no other file of this or another process uses. It does not grow with the name of the
 /// file, so a name of the greatest length that the file system takes still works.
-fs::path TemporaryName(const fs::path& path) {
+NativeText TemporaryName(const NativeText& path) {
   static std::atomic<uint32_t> counter{0};
-  const std::string name =
-      ".tarnwick-" + std::to_string(ProcessNumber()) + "-" + std::to_string(counter.fetch_add(1)) + ".tmp";
+  static const std::string start = ".tarnwick-" + std::to_string(ProcessNumber()) + "-";
+  const std::string name = start + std::to_string(counter.fetch_add(1)) + ".tmp";
 #ifdef _WIN32
-  return fs::path(path).replace_filename(name);
-#else  // put together as texts, which is quicker than to take apart and to put together paths
-  return path.native().substr(0, path.native().rfind('/') + 1) + name;
+  return fs::path(path).replace_filename(name).native();
+#else
+  return path.substr(0, path.rfind('/') + 1).append(name);
 #endif
+}
+
+/// What is found where a file is to be made.
+struct Place {
+  NativeText Target;  // behind a link
+  fs::file_status Older{fs::file_type::not_found};
+  std::string Trouble;  // why no file can be made there
+};
+
+Place FindPlace(std::string_view path) {
+  Place place;
+  place.Target = NativeTextOf(path);
+  if (IsKnownToBeFree(place.Target)) return place;
+  fs::path native = place.Target;
+  std::error_code error;
+  auto status = fs::symlink_status(native, error);
+  if (fs::is_symlink(status)) {
+    status = fs::status(native, error);
+    std::error_code dangling;
+    const fs::path target = RealPath(native, dangling);
+    if (!dangling) native = NativePath(PathText(target));
+  }
+  place.Older = status;
+  place.Target = native.native();
+  if (fs::is_directory(status)) {
+    place.Trouble = "a folder of that name exists";
+  } else if (fs::exists(status) && !MayBeWritten(native)) {
+    place.Trouble = std::strerror(errno);
+  } else if (error && !fs::exists(status) && status.type() != fs::file_type::not_found) {
+    // A name that is too long or otherwise impossible must fail here, not when the finished file is to get it.
+    place.Trouble = error.message();
+  }
+  return place;
 }
 
 }  // namespace
@@ -96,23 +148,12 @@ std::optional<OutputFile> OutputFile::Create(std::string path, std::string* reas
 #ifdef _WIN32  // the system would write to a device, to a stream of another file, or under another name
   if (const std::string trouble = WindowsNameTrouble(LastComponent(path)); !trouble.empty()) return refuse(trouble);
 #endif
-  fs::path native = NativePath(path);
-  std::error_code error;
-  auto status = fs::symlink_status(native, error);
-  if (fs::is_symlink(status)) {
-    status = fs::status(native, error);
-    std::error_code dangling;
-    const fs::path target = RealPath(native, dangling);
-    if (!dangling) native = NativePath(PathText(target));
-  }
-  if (fs::is_directory(status)) return refuse("a folder of that name exists");
-  if (fs::exists(status) && !MayBeWritten(native)) return refuse(std::strerror(errno));
-  // A name that is too long or otherwise impossible must fail here, not when the finished file is to get it.
-  if (error && !fs::exists(status) && status.type() != fs::file_type::not_found) return refuse(error.message());
+  Place place = FindPlace(path);
+  if (!place.Trouble.empty()) return refuse(place.Trouble);
 
   OutputFile file;
   for (int attempt = 0; attempt < 100 && file.m_descriptor < 0; ++attempt) {
-    file.m_temporaryPath = TemporaryName(native);
+    file.m_temporaryPath = TemporaryName(place.Target);
     file.m_descriptor = OpenNew(file.m_temporaryPath);
     if (file.m_descriptor < 0 && errno != EEXIST) break;
   }
@@ -120,11 +161,13 @@ std::optional<OutputFile> OutputFile::Create(std::string path, std::string* reas
     const int cause = errno;
     if (cause != EACCES && cause != EPERM && cause != EROFS) return refuse(std::strerror(cause));
     // The file itself may be writable, but a new one is to take its place.
+    const fs::path native = place.Target;
     const std::string folder = native.has_parent_path() ? PathText(native.parent_path()) : ".";
     return refuse("the folder " + folder + " cannot be written to: " + std::strerror(cause));
   }
-  if (fs::exists(status)) fs::permissions(file.m_temporaryPath, status.permissions(), error);
-  file.m_target = std::move(native);
+  std::error_code ignored;
+  if (fs::exists(place.Older)) fs::permissions(file.m_temporaryPath, place.Older.permissions(), ignored);
+  file.m_target = std::move(place.Target);
   file.m_path = std::move(path);
   return file;
 }

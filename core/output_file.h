@@ -55,20 +55,22 @@ class OutputFile {
   const std::string& Path() const { return m_path; }
   /// The name of the file until `Commit`, for another program that is to write its contents; empty where it is not on
   /// the disk.
-  const std::filesystem::path& TemporaryPath() const { return m_temporaryPath; }
+  std::filesystem::path TemporaryPath() const { return m_temporaryPath; }
   /// Bytes written so far.
   uint64_t Size() const { return m_size; }
   /// Why a write or the commit failed, in the system's words; empty if nothing failed.
   const std::string& Error() const { return m_error; }
 
  private:
+  using NativeText = std::filesystem::path::string_type;  // which a path takes apart whenever it is made
+
   OutputFile() = default;
   bool Fail(std::string reason);
 
   std::string m_path;
-  std::filesystem::path m_target;         // the file to be replaced: m_path, or what the link there points to
-  std::filesystem::path m_temporaryPath;  // beside m_target
-  std::unique_ptr<OutputTarget> m_held;   // in place of the disk
+  NativeText m_target;                   // the file to be replaced: m_path, or what the link there points to
+  NativeText m_temporaryPath;            // beside m_target
+  std::unique_ptr<OutputTarget> m_held;  // in place of the disk
   std::string m_error;
   uint64_t m_size = 0;
   int m_descriptor = -1;

@@ -18,15 +18,29 @@ TextWriter::TextWriter(std::string& target)
       m_next(m_buffer.get()),
       m_end(m_next + BufferSize) {}
 
-void TextWriter::Flush() {
-  const std::string_view text(m_buffer.get(), static_cast<size_t>(m_next - m_buffer.get()));
-  m_next = m_buffer.get();
-  m_flushed += text.size();
+void TextWriter::HandOver(size_t bytes) {
+  const std::string_view text(m_buffer.get(), bytes);
+  m_flushed += bytes;
   if (m_file != nullptr) {
     m_file->Write(text);
   } else {
     m_string->append(text);
   }
+}
+
+void TextWriter::Flush() {
+  HandOver(static_cast<size_t>(m_next - m_buffer.get()));
+  m_next = m_buffer.get();
+}
+
+/// The system fills a page that is not written as a whole, and looks for it again when the rest comes.
+void TextWriter::FlushPages() {
+  constexpr size_t Page = 4096;
+  const auto kept = static_cast<size_t>(BytesWritten() % Page);
+  const auto whole = static_cast<size_t>(m_next - m_buffer.get()) - kept;
+  HandOver(whole);
+  std::memmove(m_buffer.get(), m_buffer.get() + whole, kept);
+  m_next = m_buffer.get() + kept;
 }
 
 void TextWriter::Raw(std::string_view bytes) {

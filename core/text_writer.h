@@ -54,7 +54,7 @@ class TextArgument {
 /// printf prints them. It never allocates after it was made.
 ///
 /// The target is a file, whose errors stay with it until `OutputFile::Commit`, or a string in memory. Text reaches the
-/// target when the buffer is full, and the rest with `Flush`, which the destructor also calls.
+/// target when the buffer is full, a file in whole pages, and the rest with `Flush`, which the destructor also calls.
 class TextWriter {
  public:
   explicit TextWriter(OutputFile& target);
@@ -114,8 +114,10 @@ class TextWriter {
 
   void FormatList(std::string_view pattern, std::initializer_list<TextArgument> arguments);
   void Reserve(size_t bytes) {
-    if (static_cast<size_t>(m_end - m_next) < bytes) Flush();
+    if (static_cast<size_t>(m_end - m_next) < bytes) FlushPages();
   }
+  void FlushPages();
+  void HandOver(size_t bytes);
   template <int Precision>
   void Fixed(float value) {
     Reserve(LongestNumberText);

@@ -15,12 +15,21 @@ WorkQueue::~WorkQueue() {
   for (std::thread& thread : m_threads) thread.join();
 }
 
-void WorkQueue::Post(std::function<void()> task) {
+uint64_t WorkQueue::Post(std::function<void()> task) {
+  uint64_t number = 0;
   {
     const std::lock_guard lock(m_lock);
-    m_tasks.push_back(std::move(task));
+    number = m_posted++;
+    m_tasks.emplace_hint(m_tasks.end(), number, std::move(task));
   }
   m_changed.notify_one();
+  return number;
+}
+
+void WorkQueue::Withdraw(uint64_t number) {
+  std::map<uint64_t, std::function<void()>>::node_type task;  // goes away when the lock is free
+  const std::lock_guard lock(m_lock);
+  task = m_tasks.extract(number);
 }
 
 bool WorkQueue::RunOne() {
@@ -28,8 +37,8 @@ bool WorkQueue::RunOne() {
   {
     const std::lock_guard lock(m_lock);
     if (m_tasks.empty()) return false;
-    task = std::move(m_tasks.front());
-    m_tasks.pop_front();
+    task = std::move(m_tasks.begin()->second);
+    m_tasks.erase(m_tasks.begin());
   }
   task();
   return true;

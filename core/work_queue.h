@@ -1,8 +1,9 @@
 #pragma once
 
 #include <condition_variable>
-#include <deque>
+#include <cstdint>
 #include <functional>
+#include <map>
 #include <mutex>
 #include <thread>
 #include <vector>
@@ -20,7 +21,10 @@ class WorkQueue {
   WorkQueue(const WorkQueue&) = delete;
   WorkQueue& operator=(const WorkQueue&) = delete;
 
-  void Post(std::function<void()> task);
+  /// Adds a task, and gives the number under which it waits.
+  uint64_t Post(std::function<void()> task);
+  /// Takes out a task that nobody need run any more, if it is still waiting.
+  void Withdraw(uint64_t number);
   /// Runs the oldest waiting task on the calling thread; false if none was waiting.
   bool RunOne();
   /// Runs tasks on the calling thread, and waits for more, until `Close` was called and none is waiting.
@@ -31,7 +35,8 @@ class WorkQueue {
  private:
   std::mutex m_lock;
   std::condition_variable m_changed;
-  std::deque<std::function<void()>> m_tasks;
+  std::map<uint64_t, std::function<void()>> m_tasks;  // that wait, by their numbers
+  uint64_t m_posted = 0;
   bool m_closed = false;
   std::vector<std::thread> m_threads;
 };

@@ -65,12 +65,19 @@ void AddFile(InputFiles& found, InputFile file, std::string_view extension, bool
   }
 }
 
+/// The order of paths: part by part, and a folder's files ahead of those of one whose name goes on.
+bool ComesBefore(std::string_view a, std::string_view b) {
+  const auto rank = [](char c) { return c == core::PathSeparator ? 0 : static_cast<unsigned char>(c) + 1; };
+  return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(),
+                                      [&](char x, char y) { return rank(x) < rank(y); });
+}
+
 void AddFolder(InputFiles& found, const std::string& input, std::string_view extension, bool recursive) {
   const fs::path path = core::NativePath(input);
   std::error_code error;
   const auto wants = [&](std::string_view name) { return core::EqualIgnoringCase(ExtensionOf(name), extension); };
   auto files = core::FilesBelow(path, recursive, wants, error);
-  std::sort(files.begin(), files.end(), [](const auto& a, const auto& b) { return a.Path < b.Path; });
+  std::sort(files.begin(), files.end(), [](const auto& a, const auto& b) { return ComesBefore(a.Below, b.Below); });
   if (error) {
     const std::string problem = core::PathText(path) + ": " + error.message();
     found.Troubles.push_back({.Kind = core::TroubleKind::Unreadable, .File = input, .Text = problem});

@@ -29,7 +29,7 @@ bool GatherStrip(ModelReader& reader, const core::Record<VtxStripGroup>& group, 
     return false;
   }
   int64_t highest = 0;
-  for (int64_t k = 0; k < reach; ++k) highest = std::max<int64_t>(highest, (*indices)[k]->Vertex);
+  for (const auto index : *indices) highest = std::max<int64_t>(highest, index->Vertex);
   const int64_t groupOffset = group.Offset() + group->VertexOffset;
   const auto vertices = vtx.Array<VtxVertex>(groupOffset, highest + 1);
   if (!vertices) {
@@ -37,8 +37,8 @@ bool GatherStrip(ModelReader& reader, const core::Record<VtxStripGroup>& group, 
     return false;
   }
   highest = 0;
-  for (int64_t k = 0; k < reach; ++k) {
-    highest = std::max<int64_t>(highest, (*vertices)[(*indices)[k]->Vertex]->MeshVertex);
+  for (const auto index : *indices) {
+    highest = std::max<int64_t>(highest, (*vertices)[index->Vertex]->MeshVertex);
   }
   if (piece.Vertices.First < 0 || GetMeshVertex(piece.Vertices, highest) == nullptr) {
     reader.Damaged(file.Path(), "strip", strip.Offset(),

@@ -1,17 +1,22 @@
 #include "smd/vertex_lines.h"
 
+#if TARNWICK_HAS_AVX_CODE
+#include <immintrin.h>
+#endif
+
 #include <algorithm>
 #include <array>
 #include <bit>
 
 #include "core/digit_tables.h"
+#include "smd/eight_numbers.h"
 
 namespace tarnwick::smd {
 
 namespace {
 
-/// The numbers of a corner ahead of its links, which are formed side by side; core/vector_code.h tells how.
-constexpr size_t Lanes = 8;
+/// The numbers of a corner ahead of its links, which are formed side by side.
+constexpr size_t Lanes = EightNumbers;
 
 /// Numbers in the parts in which they are printed with six decimals.
 struct NumberParts {
@@ -46,7 +51,7 @@ constexpr auto SignedWholes = [] {
 
 /// Takes all numbers apart, as WriteFixed does one. False if one is 999 or larger, infinite or not a number: then the
 /// parts mean nothing.
-TARNWICK_INLINE bool TakeApart(const float (&values)[Lanes], NumberParts& parts) {
+bool TakeApart(const float (&values)[Lanes], NumberParts& parts) {
   uint32_t large = 0;
   for (size_t i = 0; i < Lanes; ++i) {
     const auto bits = std::bit_cast<uint32_t>(values[i]);
@@ -59,13 +64,6 @@ TARNWICK_INLINE bool TakeApart(const float (&values)[Lanes], NumberParts& parts)
     parts.Low[i] = decimals % 1000;
   }
   return large == 0;
-}
-
-bool TakeApartPlain(const float (&values)[Lanes], NumberParts& parts) {
-  return TakeApart(values, parts);
-}
-TARNWICK_AVX2 bool TakeApartAvx2(const float (&values)[Lanes], NumberParts& parts) {
-  return TakeApart(values, parts);
 }
 
 char* WriteSpacedFloat(char* out, float value) {
@@ -89,6 +87,38 @@ char* WriteLink(char* out, const Link& link) {
   return out + sizeof Whole - 1;
 }
 
+/// Writes the numbers by the tables; nothing, and no text, where one is too large for them.
+char* WriteByTables(char* out, const float (&values)[Lanes]) {
+  NumberParts parts;
+  if (!TakeApart(values, parts)) return nullptr;
+  for (size_t i = 0; i < Lanes; ++i) {
+    const SignedWhole& whole = SignedWholes[parts.Whole[i]];
+    std::memcpy(out, &whole, sizeof whole);
+    out += whole.Length;
+    core::WriteTriple(out, parts.High[i]);
+    core::WriteTriple(out + 3, parts.Low[i]);
+    out += 6;
+  }
+  return out;
+}
+
+/// Writes the numbers ahead of the links.
+char* WriteNumbers(char* out, const Vertex& vertex, [[maybe_unused]] core::VectorLevel level) {
+#if TARNWICK_HAS_AVX_CODE
+  // Where they stand: what is put together from single numbers could not be loaded before it has left the processor.
+  static_assert(offsetof(Vertex, V) - offsetof(Vertex, Position) == (Lanes - 1) * sizeof(float));
+  const auto* const first = reinterpret_cast<const std::byte*>(&vertex) + offsetof(Vertex, Position);
+  if (level >= core::VectorLevel::Avx2) {
+    if (char* const end = WriteEightNumbersAvx2(out, first)) return end;
+  }
+#endif
+  const float values[Lanes] = {vertex.Position.X, vertex.Position.Y, vertex.Position.Z, vertex.Normal.X,
+                               vertex.Normal.Y,   vertex.Normal.Z,   vertex.U,          vertex.V};
+  if (char* const end = WriteByTables(out, values)) return end;
+  for (const float value : values) out = WriteSpacedFloat(out, value);
+  return out;
+}
+
 bool IsFinite(float value) {
   return value - value == 0;
 }
@@ -96,22 +126,7 @@ bool IsFinite(float value) {
 }  // namespace
 
 char* WriteVertexLine(char* out, const Vertex& vertex, bool withLinks, core::VectorLevel level) {
-  const float values[Lanes] = {vertex.Position.X, vertex.Position.Y, vertex.Position.Z, vertex.Normal.X,
-                               vertex.Normal.Y,   vertex.Normal.Z,   vertex.U,          vertex.V};
-  NumberParts parts;
-  out = WriteNumber(out, vertex.Bone);
-  if (level >= core::VectorLevel::Avx2 ? TakeApartAvx2(values, parts) : TakeApartPlain(values, parts)) {
-    for (size_t i = 0; i < Lanes; ++i) {
-      const SignedWhole& whole = SignedWholes[parts.Whole[i]];
-      std::memcpy(out, &whole, sizeof whole);
-      out += whole.Length;
-      core::WriteTriple(out, parts.High[i]);
-      core::WriteTriple(out + 3, parts.Low[i]);
-      out += 6;
-    }
-  } else {
-    for (const float value : values) out = WriteSpacedFloat(out, value);
-  }
+  out = WriteNumbers(WriteNumber(out, vertex.Bone), vertex, level);
   if (withLinks) {
     *out++ = ' ';
     out = WriteNumber(out, vertex.LinkCount);
@@ -122,6 +137,13 @@ char* WriteVertexLine(char* out, const Vertex& vertex, bool withLinks, core::Vec
 }
 
 uint64_t CountNonFinite(const Vertex& vertex, bool withLinks) {
+  float sum = 0;  // unless one of them is not finite: such a number times 0 is none
+  for (const float value : {vertex.Position.X, vertex.Position.Y, vertex.Position.Z, vertex.Normal.X, vertex.Normal.Y,
+                            vertex.Normal.Z, vertex.U, vertex.V}) {
+    sum += value * 0;
+  }
+  for (int32_t i = 0; withLinks && i < vertex.LinkCount; ++i) sum += vertex.Links[static_cast<size_t>(i)].Weight * 0;
+  if (sum == 0) return 0;
   uint64_t count = 0;
   for (const float value : {vertex.Position.X, vertex.Position.Y, vertex.Position.Z, vertex.Normal.X, vertex.Normal.Y,
                             vertex.Normal.Z, vertex.U, vertex.V}) {
@@ -154,12 +176,86 @@ LineList::LineList(size_t count)
   m_starts[0] = 0;
 }
 
-void LineList::Add(const Vertex& vertex, bool withLinks) {
-  char* const text = m_text.get() + m_starts[m_count];
-  const auto length = static_cast<uint32_t>(WriteVertexLine(text, vertex, withLinks) - text);
-  const bool isKept = length <= LongestKept && CountNonFinite(vertex, withLinks) == 0;
-  m_starts[m_count + 1] = m_starts[m_count] + (isKept ? length : 0);
-  ++m_count;
+void LineList::Add(std::span<const Vertex> vertices, bool withLinks) {
+  const core::VectorLevel level = core::HighestVectorLevel();
+  size_t start = m_starts[m_count];
+  for (const Vertex& vertex : vertices) {
+    char* const text = m_text.get() + start;
+    const auto length = static_cast<size_t>(WriteVertexLine(text, vertex, withLinks, level) - text);
+    const bool isKept = length <= LongestKept && CountNonFinite(vertex, withLinks) == 0;
+    start += isKept ? length : 0;
+    m_starts[++m_count] = static_cast<uint32_t>(start);
+  }
+}
+
+namespace {
+
+constexpr size_t Pieces = 128;  // bytes that are copied at once, whatever a line's length; most are shorter
+
+struct KeptLine {
+  const char* Text;
+  size_t Length;
+};
+
+char* CopyTriangle(char* to, const MaterialLine& material, const KeptLine (&lines)[3]) {
+  std::memcpy(to, material.UsualText(), MaterialLine::Usual);
+  to += material.UsualLength();
+  for (const KeptLine& line : lines) {
+    std::memcpy(to, line.Text, Pieces);
+    if (line.Length > Pieces) std::memcpy(to + Pieces, line.Text + Pieces, Pieces);
+    to += line.Length;
+  }
+  return to;
+}
+
+#if TARNWICK_HAS_AVX_CODE
+
+// The same; a copy of a fixed size takes registers of half the width if it is left to the compiler.
+
+template <size_t Size>
+TARNWICK_INLINE TARNWICK_AVX2 void CopyAvx2(char* to, const char* from) {
+  constexpr size_t Width = 32;
+  for (size_t at = 0; at < Size; at += Width) {
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(to + at),
+                        _mm256_loadu_si256(reinterpret_cast<const __m256i*>(from + at)));
+  }
+}
+
+TARNWICK_AVX2 char* CopyTriangleAvx2(char* to, const MaterialLine& material, const KeptLine (&lines)[3]) {
+  CopyAvx2<MaterialLine::Usual>(to, material.UsualText());
+  to += material.UsualLength();
+  for (const KeptLine& line : lines) {
+    CopyAvx2<Pieces>(to, line.Text);
+    if (line.Length > Pieces) CopyAvx2<Pieces>(to + Pieces, line.Text + Pieces);
+    to += line.Length;
+  }
+  return to;
+}
+
+#endif
+
+}  // namespace
+
+bool LineList::WriteTriangle(core::TextWriter& writer, const MaterialLine& material,
+                             const std::array<size_t, 3>& corners, [[maybe_unused]] core::VectorLevel level) const {
+  if (material.UsualLength() == 0) return false;
+  KeptLine lines[3];
+  for (size_t i = 0; i < 3; ++i) {
+    if (corners[i] >= m_count) return false;
+    const size_t start = m_starts[corners[i]];
+    lines[i] = {m_text.get() + start, m_starts[corners[i] + 1] - start};
+    if (lines[i].Length == 0) return false;
+  }
+  static_assert(LongestKept == 2 * Pieces);
+  char* const to = writer.Room(MaterialLine::Usual + 3 * LongestKept);
+#if TARNWICK_HAS_AVX_CODE
+  char* const end =
+      level >= core::VectorLevel::Avx2 ? CopyTriangleAvx2(to, material, lines) : CopyTriangle(to, material, lines);
+#else
+  char* const end = CopyTriangle(to, material, lines);
+#endif
+  writer.Take(static_cast<size_t>(end - to));
+  return true;
 }
 
 VertexLines::VertexLines(core::TextWriter& writer, bool withLinks)

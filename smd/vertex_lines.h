@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstring>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -37,12 +38,16 @@ class MaterialLine {
     writer.Take(m_length);
   }
 
- private:
+  /// Room for a usual line, which `UsualText` has whole, whatever its length.
   static constexpr size_t Usual = 64;
+  const char* UsualText() const { return m_usual.data(); }
+  /// Of the usual line; 0 where the line is an unusual one, which only `Write` knows.
+  size_t UsualLength() const { return m_length; }
 
+ private:
   std::string m_text;  // with "\n"
   std::array<char, Usual> m_usual = {};
-  size_t m_length = 0;  // of m_usual; 0 where the line is an unusual one
+  size_t m_length = 0;
 };
 
 /// Writes the line of a vertex.
@@ -54,8 +59,8 @@ class LineList {
   /// Room for `count` lines.
   explicit LineList(size_t count);
 
-  /// Adds the line of the next vertex.
-  void Add(const Vertex& vertex, bool withLinks);
+  /// Adds the lines of the next vertices.
+  void Add(std::span<const Vertex> vertices, bool withLinks);
 
   /// Writes the line of vertex number `index`. False if the list does not hold it: it was not added, its numbers are
   /// not all finite, which is to be counted each time, or it is longer than sound ones are.
@@ -70,6 +75,12 @@ class LineList {
     writer.Take(length);
     return true;
   }
+
+  /// Writes `material`, and behind it the lines of the vertices of these numbers. False, and nothing written, if the
+  /// list does not hold one of these, or the material's line is an unusual one.
+  [[nodiscard]] bool WriteTriangle(core::TextWriter& writer, const MaterialLine& material,
+                                   const std::array<size_t, 3>& corners,
+                                   core::VectorLevel level = core::HighestVectorLevel()) const;
 
  private:
   static constexpr size_t Piece = 64;

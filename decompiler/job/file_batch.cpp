@@ -19,6 +19,7 @@ struct FileBatch::Task {
 
   core::OutputFile File;
   WriteFunction Write;
+  uint64_t Posted = 0;  // its number among the helpers' tasks
   FileOutcome Outcome;
   std::atomic<bool> Claimed = false;
   std::mutex Lock;
@@ -69,7 +70,7 @@ struct FileBatch::Task {
 void FileBatch::Add(core::OutputFile file, WriteFunction write) {
   auto task = std::make_shared<Task>(std::move(file), std::move(write));
   // A helper may come to the task when the batch is gone; by then the task is claimed, and all it touches is shared.
-  if (m_helpers != nullptr) m_helpers->Post([task, done = m_doneCount] { task->RunOnce(*done); });
+  if (m_helpers != nullptr) task->Posted = m_helpers->Post([task, done = m_doneCount] { task->RunOnce(*done); });
   m_underWay.push_back(std::move(task));
   const size_t most = m_helpers == nullptr ? 1 : MostUnderWay;
   while (m_underWay.size() >= most) FinishOldest();
@@ -85,6 +86,7 @@ void FileBatch::FinishOldest() {
     next->RunOnce(*m_doneCount);
   }
   task->Wait();
+  if (m_helpers != nullptr) m_helpers->Withdraw(task->Posted);
   m_outcomes.push_back(std::move(task->Outcome));
 }
 

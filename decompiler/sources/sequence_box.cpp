@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "decompiler/sources/posed_vertices.h"
 #include "model/animation_check.h"
 #include "model/pose_player.h"
 #include "model/rigid_transform.h"
@@ -78,48 +79,25 @@ class BoxMaker {
     const bool isFirst = m_skin.empty();
     m_world.resize(count);
     m_skin.resize(count);
-    m_moved.resize(count);
+    m_placements.resize(count);
     for (size_t i = 0; i < count; ++i) {
       const RigidTransform local = RigidTransform::Of(player.Rotations()[i], player.Positions()[i]);
       const int32_t parent = m_skeleton.Bones[static_cast<int64_t>(i)]->Parent;
       const bool isRoot = parent < 0 || static_cast<size_t>(parent) >= i;
       m_world[i] = isRoot ? local : m_world[static_cast<size_t>(parent)] * local;
       const RigidTransform skin = m_world[i] * m_toBone[i];
-      m_moved[i] = isFirst || skin.Turn != m_skin[i].Turn || skin.Move != m_skin[i].Move;
+      m_placements[i] = BonePlacement::Of(skin, isFirst || skin.Turn != m_skin[i].Turn || skin.Move != m_skin[i].Move);
       m_skin[i] = skin;
       Take(m_world[i].Apply({0, 0, 0}));
     }
     for (const Corner& corner : m_corners) Take(m_world[corner.Bone].Apply(corner.Place));
-    if (m_vertices != nullptr && m_taken) TakeVertices(isFirst);
+    if (vertices > 0 && m_taken) {
+      const VvdVertex* const first = &*m_vertices->Vertices[0];
+      TakePosedVertices({first, static_cast<size_t>(vertices)}, m_placements, isFirst, m_box);
+    }
     return true;
   }
 
-  /// Takes the vertices where m_skin brings them, which is most of the work: nothing of it goes through memory.
-  void TakeVertices(bool isFirst) {
-    BoxOfPoints box = m_box;
-    const RigidTransform* const skin = m_skin.data();
-    const size_t bones = m_skin.size();
-    for (int64_t i = 0; i < m_vertices->Vertices.Count(); ++i) {
-      const VvdVertex& vertex = *m_vertices->Vertices[i];
-      const int weights = std::min<int>(vertex.WeightCount, 3);
-      bool moved = isFirst;  // else it is taken already
-      for (int k = 0; k < weights; ++k) moved = moved || (vertex.Bones[k] < bones && m_moved[vertex.Bones[k]] != 0);
-      if (!moved) continue;
-      const double x = vertex.Position.x, y = vertex.Position.y, z = vertex.Position.z;
-      float atX = 0, atY = 0, atZ = 0;
-      for (int k = 0; k < weights; ++k) {
-        if (vertex.Bones[k] >= bones) continue;
-        const auto& [turn, move] = skin[vertex.Bones[k]];
-        const float weight = vertex.Weights[k];
-        atX += weight * static_cast<float>(turn[0][0] * x + turn[0][1] * y + turn[0][2] * z + move[0]);
-        atY += weight * static_cast<float>(turn[1][0] * x + turn[1][1] * y + turn[1][2] * z + move[1]);
-        atZ += weight * static_cast<float>(turn[2][0] * x + turn[2][1] * y + turn[2][2] * z + move[2]);
-      }
-      box.Least = {std::min(box.Least.x, atX), std::min(box.Least.y, atY), std::min(box.Least.z, atZ)};
-      box.Most = {std::max(box.Most.x, atX), std::max(box.Most.y, atY), std::max(box.Most.z, atZ)};
-    }
-    m_box = box;
-  }
   void Take(const Vec3& p) {
     if (!std::exchange(m_taken, true)) m_box = {p, p};
     m_box.Least = {std::min(m_box.Least.x, p.x), std::min(m_box.Least.y, p.y), std::min(m_box.Least.z, p.z)};
@@ -129,9 +107,9 @@ class BoxMaker {
   JobContext& m_job;
   const Skeleton& m_skeleton;
   std::vector<RigidTransform> m_toBone;
-  std::vector<RigidTransform> m_world;  // of the pose that is being taken
-  std::vector<RigidTransform> m_skin;   // where it brings the vertices of each bone
-  std::vector<uint8_t> m_moved;         // whether that is not where the pose before brought them
+  std::vector<RigidTransform> m_world;      // of the pose that is being taken
+  std::vector<RigidTransform> m_skin;       // where it brings the vertices of each bone
+  std::vector<BonePlacement> m_placements;  // the same
   const VertexImage* m_vertices = nullptr;
   std::vector<Corner> m_corners;
   BoxOfPoints m_box;

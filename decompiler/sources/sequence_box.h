@@ -3,14 +3,9 @@
 #include <optional>
 
 #include "decompiler/job/job_context.h"
-#include "model/bone_math_types.h"
+#include "decompiler/sources/posed_vertices.h"
 
 namespace tarnwick::decompiler::sources {
-
-/// A box along the axes of the model's space.
-struct BoxOfPoints {
-  Vec3 Least = {}, Most = {};
-};
 
 /// The box that a compile makes of the first sequence, without a collision model: all vertices, bones and hit boxes in
 /// all frames of its animations. Nothing if one of these was not written, is a difference to another, or holds more

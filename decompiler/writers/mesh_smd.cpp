@@ -1,6 +1,8 @@
 #include "decompiler/writers/mesh_smd.h"
 
 #include <algorithm>
+#include <array>
+#include <span>
 #include <string>
 
 namespace tarnwick::decompiler {
@@ -48,10 +50,13 @@ const smd::LineList* MeshLines::Get() {
   std::call_once(m_sought, [this] {
     if (m_count > MostVertices) return;
     smd::LineList& lines = m_lines.emplace(static_cast<size_t>(m_count));
-    smd::Vertex made;
-    for (int64_t i = 0; i < m_count; ++i) {
-      MakeVertex(*m_vertices[i], m_form, made);
-      lines.Add(made, !m_form.Unweighted);
+    // Some at a time: a vertex that was made just before could not be loaded as a whole yet.
+    constexpr int64_t Some = 16;
+    std::array<smd::Vertex, Some> made;
+    for (int64_t i = 0; i < m_count; i += Some) {
+      const auto count = static_cast<size_t>(std::min(Some, m_count - i));
+      for (size_t k = 0; k < count; ++k) MakeVertex(*m_vertices[i + static_cast<int64_t>(k)], m_form, made[k]);
+      lines.Add(std::span(made).first(count), !m_form.Unweighted);
     }
   });
   return m_lines ? &*m_lines : nullptr;
@@ -59,22 +64,27 @@ const smd::LineList* MeshLines::Get() {
 
 namespace {
 
-/// Writes the triangles; `writeCorner(mesh, number)` writes the line of the mesh's vertex of that number.
-template <typename WriteCorner>
-void WriteTrianglesBy(core::TextWriter& writer, const MeshPieces& pieces, const WriteCorner& writeCorner) {
+/// Writes the triangles. `writeTriangle(material, corners)` writes one by the numbers of its vertices in the image,
+/// first, or says that it cannot; `writeCorner(number)` writes the line of one vertex.
+template <typename WriteTriangle, typename WriteCorner>
+void WriteTrianglesBy(core::TextWriter& writer, const MeshPieces& pieces, const WriteTriangle& writeTriangle,
+                      const WriteCorner& writeCorner) {
   for (const MeshPiece& mesh : pieces.Meshes) {
     const smd::MaterialLine material(mesh.Material);
     for (const StripPiece& strip : mesh.Strips) {
-      const auto writeNext = [&](int64_t k) {
-        writeCorner(mesh, strip.GroupVertices[strip.Indices[TriangleIndex(k)]->Vertex]->MeshVertex);
+      const auto corner = [&](int64_t k) {
+        const int64_t number = strip.GroupVertices[strip.Indices[TriangleIndex(k)]->Vertex]->MeshVertex;
+        return static_cast<size_t>(mesh.Vertices.First + number);
       };
       int64_t k = 0;
       for (; k + 3 <= strip.IndexCount; k += 3) {
+        const std::array<size_t, 3> corners = {corner(k), corner(k + 1), corner(k + 2)};
+        if (writeTriangle(material, corners)) continue;
         material.Write(writer);
-        for (int64_t corner = 0; corner < 3; ++corner) writeNext(k + corner);
+        for (const size_t number : corners) writeCorner(number);
       }
       if (k < strip.IndexCount) material.Write(writer);
-      for (; k < strip.IndexCount; ++k) writeNext(k);
+      for (; k < strip.IndexCount; ++k) writeCorner(corner(k));
     }
   }
 }
@@ -83,19 +93,25 @@ void WriteTrianglesBy(core::TextWriter& writer, const MeshPieces& pieces, const 
 
 void WriteTriangles(core::TextWriter& writer, const MeshPieces& pieces, MeshLines& lines) {
   // All meshes share one image, so a place in it stands for a vertex; that it is there was checked with the pieces.
+  if (pieces.Meshes.empty()) return;
+  const core::RecordArray<VvdVertex>& vertices = pieces.Meshes.front().Vertices.Vertices;
   const bool withLinks = !lines.Form().Unweighted;
   smd::Vertex made;
   if (const smd::LineList* const all = lines.Get()) {
-    return WriteTrianglesBy(writer, pieces, [&](const MeshPiece& mesh, int64_t number) {
-      if (all->Write(writer, static_cast<size_t>(mesh.Vertices.First + number))) return;
-      MakeVertex(*GetMeshVertex(mesh.Vertices, number), lines.Form(), made);
+    const auto writeTriangle = [&](const smd::MaterialLine& material, const std::array<size_t, 3>& corners) {
+      return all->WriteTriangle(writer, material, corners);
+    };
+    return WriteTrianglesBy(writer, pieces, writeTriangle, [&](size_t number) {
+      if (all->Write(writer, number)) return;
+      MakeVertex(*vertices[static_cast<int64_t>(number)], lines.Form(), made);
       smd::WriteVertexLine(writer, made, withLinks);
     });
   }
   smd::VertexLines some(writer, withLinks);
-  WriteTrianglesBy(writer, pieces, [&](const MeshPiece& mesh, int64_t number) {
-    some.Write(static_cast<uint64_t>(mesh.Vertices.First + number), [&]() -> const smd::Vertex& {
-      MakeVertex(*GetMeshVertex(mesh.Vertices, number), lines.Form(), made);
+  const auto writeNone = [](const smd::MaterialLine&, const std::array<size_t, 3>&) { return false; };
+  WriteTrianglesBy(writer, pieces, writeNone, [&](size_t number) {
+    some.Write(number, [&]() -> const smd::Vertex& {
+      MakeVertex(*vertices[static_cast<int64_t>(number)], lines.Form(), made);
       return made;
     });
   });

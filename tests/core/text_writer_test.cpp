@@ -5,6 +5,9 @@
 #include <cmath>
 #include <cstdio>
 #include <limits>
+#include <memory>
+#include <string>
+#include <vector>
 
 namespace tarnwick::core {
 namespace {
@@ -37,6 +40,39 @@ TEST(TextWriter, KeepsEveryByteAcrossItsBuffer) {
     }
   }
   EXPECT_EQ(text, expected);
+}
+
+TEST(TextWriter, WritesAFileInWholePagesUpToItsEnd) {
+  struct Kept : OutputTarget {
+    explicit Kept(std::vector<std::string>& pieces) : Pieces(pieces) {}
+    bool Write(std::string_view bytes, std::string&) override {
+      Pieces.emplace_back(bytes);
+      return true;
+    }
+    bool Commit(std::string&) override { return true; }
+    std::vector<std::string>& Pieces;
+  };
+  std::vector<std::string> pieces;
+  std::string expected;
+  {
+    OutputFile file("a", std::make_unique<Kept>(pieces));
+    TextWriter writer(file);
+    for (int i = 0; i < 30'000; ++i) {
+      writer.Integer(i);
+      expected += std::to_string(i);
+      if (i % 100 != 0) continue;
+      const std::string more(static_cast<size_t>(i % 701), 'x');
+      writer.Raw(more);
+      expected += more;
+    }
+  }
+  ASSERT_GT(pieces.size(), 2U);
+  std::string whole;
+  for (const std::string& piece : pieces) {
+    EXPECT_EQ(whole.size() % 4096, 0U);
+    whole += piece;
+  }
+  EXPECT_EQ(whole, expected);
 }
 
 TEST(TextWriter, CountsWhatIsNotFinite) {

@@ -53,5 +53,17 @@ TEST(WorkQueue, WithoutThreadsTheCallersRunTheTasksInOrder) {
   EXPECT_EQ(order, (std::vector{0, 1, 2}));
 }
 
+TEST(WorkQueue, RunsNoTaskThatWasWithdrawn) {
+  WorkQueue queue;
+  std::vector<int> order;
+  std::vector<uint64_t> numbers;
+  for (int i = 0; i < 4; ++i) numbers.push_back(queue.Post([&order, i] { order.push_back(i); }));
+  EXPECT_TRUE(queue.RunOne());
+  for (const size_t i : {0U, 2U, 2U}) queue.Withdraw(numbers[i]);  // which has run, waits, and is out already
+  while (queue.RunOne()) {
+  }
+  EXPECT_EQ(order, (std::vector{0, 1, 3}));
+}
+
 }  // namespace
 }  // namespace tarnwick::core

@@ -255,6 +255,15 @@ TEST(DecompileJob, LeavesTheLastOfFilesOfOneNameInThePlainForm) {
   }
 }
 
+TEST(DecompileJob, LeavesNoTaskBehindWhereNobodyHelps) {
+  core::WorkQueue helpers;
+  LooseJob job;
+  job.Job.ModelPath = ModelBuilder{.BodyParts = {{}, {}, {}}}.Write(job.Folder.Path("in"));
+  job.Job.Helpers = &helpers;
+  EXPECT_GT(job.Run().Files.size(), 1u);
+  EXPECT_FALSE(helpers.RunOne());
+}
+
 TEST(DecompileJob, LeavesNothingHalfDoneWhenItIsStopped) {
   LooseJob job;
   job.Job.ModelPath = ModelBuilder{.BodyParts = {{}, {}, {}}}.Write(job.Folder.Path("in"));

@@ -2,11 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <bit>
 #include <cmath>
 #include <cstdio>
 #include <random>
+#include <span>
 #include <string>
+#include <vector>
 
 namespace tarnwick::smd {
 namespace {
@@ -86,6 +89,41 @@ TEST(VertexLines, AreCopiedWhereTheirKeyIsMetAgainAndCountNumbersThatAreNotFinit
   writer.Flush();
   EXPECT_EQ(text, expected);
   EXPECT_EQ(writer.NonFiniteCount(), nonFinite);
+}
+
+TEST(LineList, WritesTrianglesAtEveryLevelButThoseItDoesNotHold) {
+  constexpr size_t Infinite = 5, Long = 9, Count = 40;
+  std::vector<Vertex> vertices(Count);
+  for (size_t i = 0; i < Count; ++i) {
+    const auto number = static_cast<float>(i);
+    vertices[i].Position = {-number * 20, number / 7, i == Infinite ? INFINITY : 0.5F};
+    vertices[i].LinkCount = static_cast<int32_t>(i % 4);
+    for (Link& link : vertices[i].Links) link = {static_cast<int32_t>(i * 30), i % 8 < 4 ? 0.25F : 1234.5F};
+    if (i == Long) vertices[i].Normal = vertices[i].Position = {1e38F, 1e38F, 1e38F};
+  }
+  LineList lines(Count);
+  lines.Add(std::span(vertices).first(15), true);
+  lines.Add(std::span(vertices).subspan(15), true);
+  const MaterialLine brick("brick"), unusual(std::string(100, 'm'));
+  for (int level = 0; level <= static_cast<int>(core::HighestVectorLevel()); ++level) {
+    std::string text, expected;
+    core::TextWriter writer(text);
+    const auto write = [&](const MaterialLine& material, const std::array<size_t, 3>& corners) {
+      return lines.WriteTriangle(writer, material, corners, static_cast<core::VectorLevel>(level));
+    };
+    for (size_t i = 0; i < 20'000; ++i) {
+      const std::array<size_t, 3> corners = {i % Count, i * 7 % Count, (i + 3) % (Count + 1)};
+      bool held = true;
+      for (const size_t corner : corners) held = held && corner < Count && corner != Infinite && corner != Long;
+      ASSERT_EQ(write(brick, corners), held);
+      if (!held) continue;
+      expected += "brick.tga" + std::string(core::PlatformLineEnd);
+      for (const size_t corner : corners) expected += PrintedLine(vertices[corner], true);
+    }
+    EXPECT_FALSE(write(unusual, {0, 1, 2}));
+    writer.Flush();
+    EXPECT_TRUE(text == expected) << "level " << level;
+  }
 }
 
 }  // namespace
