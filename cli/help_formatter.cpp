@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "cli/option_choices.h"
+
 namespace tarnwick::cli {
 
 namespace {
@@ -14,14 +16,10 @@ constexpr size_t WidestText = 100;     // columns; longer lines are hard to read
 
 /// What stands for an option's value: its type's name, or the words that it can be ("tga|png").
 std::string ValueName(const CLI::Option& option) {
+  const std::vector<std::string> choices = ChoicesOf(option);
+  if (!choices.empty()) return CLI::detail::join(choices, "|");
   const std::string type = option.get_type_name();
-  const size_t colon = type.find(':');  // behind it is what is checked
-  if (colon != std::string::npos && type[colon + 1] == '{') {
-    std::string words = type.substr(colon + 2, type.find('}', colon) - colon - 2);
-    std::replace(words.begin(), words.end(), ',', '|');
-    return words;
-  }
-  return type.substr(0, colon);
+  return type.substr(0, type.find(':'));  // behind it is what is checked
 }
 
 std::string OptionNames(const CLI::Option& option) {
