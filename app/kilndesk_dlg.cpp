@@ -20,6 +20,7 @@
 #include "platform/dropped_files.h"
 #include "platform/job_runner.h"
 #include "platform/look.h"
+#include "platform/tab_order.h"
 #include "platform/text.h"
 #include "project/project_store.h"
 #include "ui_kilndesk_dlg.h"
@@ -165,6 +166,8 @@ size_t CKilndeskDlg::OpenContent(const std::vector<std::string>& names) {
   }
   if (opened == 0) opened = OpenInPages(names);
   if (opened == 0) return 0;
+  // To what was filled, so that Enter goes on from there.
+  if (QWidget* field = platform::FirstField(*m_ui->tabs->currentWidget())) field->setFocus(Qt::OtherFocusReason);
   raise();
   activateWindow();
   return opened;

@@ -12,7 +12,8 @@ namespace {
 
 constexpr const char* HelpText =
     "Usage: tarnwick [OPTION] [FILE...]\n"
-    "Opens Tarnwick's window, with the files (models, textures, scripts, meshes) in the fields of their page.\n"
+    "Opens Tarnwick's window, with the files (models, textures, scripts, meshes) in the fields of their page, and\n"
+    "archives in \"Game content\".\n"
     "\n"
     "  --help       show this and end\n"
     "  --version    show the version and end\n"

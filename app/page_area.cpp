@@ -15,6 +15,7 @@ constexpr int AroundTheTabs = 60;  // pixels that frame, margins and tabs of the
 
 CPageArea::CPageArea(QWidget& page, QWidget* parent) : QScrollArea(parent) {
   setFrameShape(NoFrame);
+  setFocusPolicy(Qt::NoFocus);  // a click beside the controls would take the focus out of sight
   setWidgetResizable(true);
   setWidget(&page);  // which also has its events come by
 }

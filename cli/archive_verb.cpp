@@ -31,9 +31,11 @@ constexpr const char* Examples = R"(Examples:
   tarnwick-cli archive list addon.gma --match '*.vtf' --match '*.vmt' --json
   tarnwick-cli archive extract pak01_dir.vpk models/props 'materials/**/crate*' -o out
   tarnwick-cli archive info --check pak01_dir.vpk
-A pattern: * stands for any characters but a slash, ** for any, ? for one. Without a slash it is
-for the last part of a name; a folder means all that lies below it. Case plays no part. What
-follows an archive and does not end in .vpk or .gma is a pattern too, for all archives.)";
+
+A pattern: * stands for any characters but a slash, ** for any, ? for one.
+Without a slash it is for the last part of a name; a folder means all that lies
+below it. Case plays no part. What follows an archive and does not end in .vpk
+or .gma is a pattern too, for all archives.)";
 
 struct Options {
   std::vector<std::string> Inputs;
@@ -326,15 +328,18 @@ void AddArchiveVerb(CLI::App& program, Invocation& invocation) {
   auto options = std::make_shared<Options>();
   const auto addPatterns = [&](CLI::App* command) {
     command->add_option("-m,--match", options->Patterns, "Only files that this pattern means; may be repeated")
+        ->type_name("PATTERN")
         ->allow_extra_args(false);
   };
   addPatterns(AddWork(*verb, "list", "Size, CRC-32 and name of the files", List, options, invocation));
   CLI::App* extract =
       AddWork(*verb, "extract", "Write files to the disk, their folders kept", Extract, options, invocation);
   addPatterns(extract);
-  extract->add_option("-o,--output", options->Output,
-                      "Where the files go: those of one archive straight into it, those of several each into a folder "
-                      "of the archive's name (default: the current directory; made if missing)");
+  extract
+      ->add_option("-o,--output", options->Output,
+                   "Where the files go: those of one archive straight into it, those of several each into a folder "
+                   "of the archive's name (default: the current directory; made if missing)")
+      ->type_name("DIR");
   extract->add_flag("-q,--quiet", options->Quiet, "Print errors only");
   CLI::App* info = AddWork(*verb, "info", "The figures of an archive and its parts", Info, options, invocation);
   info->add_flag("--check", options->Check, "Read every file and compare its CRC-32");

@@ -3,6 +3,8 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 
+#include "cli/option_choices.h"
+
 namespace tarnwick::cli {
 
 namespace {
@@ -15,16 +17,21 @@ void AddCommand(const CLI::App& app, const std::string& path, std::vector<Comple
   CompletedCommand command{path, {}, {}};
   const std::vector<const CLI::App*> verbs = app.get_subcommands([](const CLI::App*) { return true; });
   for (const CLI::App* verb : verbs) {
-    command.Verbs.push_back({verb->get_name(), FirstLine(verb->get_description()), false});
+    command.Verbs.push_back({verb->get_name(), FirstLine(verb->get_description()), false, {}});
   }
   for (const CLI::Option* option : app.get_options()) {
-    if (option->get_positional() || option->get_group().empty()) continue;  // a file, or hidden
+    if (option->get_group().empty()) continue;  // hidden
+    const std::vector<std::string> choices = ChoicesOf(*option);
+    if (option->get_positional()) {  // mostly a file
+      for (const std::string& choice : choices) command.Verbs.push_back({choice, "", false, {}});
+      continue;
+    }
     const bool takesValue = option->get_items_expected_max() > 0;
     const std::string description = FirstLine(option->get_description());
     for (const std::string& name : option->get_snames())
-      command.Options.push_back({"-" + name, description, takesValue});
+      command.Options.push_back({"-" + name, description, takesValue, choices});
     for (const std::string& name : option->get_lnames()) {
-      command.Options.push_back({"--" + name, description, takesValue});
+      command.Options.push_back({"--" + name, description, takesValue, choices});
     }
   }
   commands.push_back(std::move(command));
@@ -69,6 +76,21 @@ std::string ForDescribe(const CompletedWord& word) {
   return Quoted(word.Text + ":" + description);
 }
 
+// The cases of "command option" whose word behind it is one of a few, each with the statement `offer` and the words.
+std::string ChoiceCases(const std::vector<CompletedCommand>& commands, const std::string& offer,
+                        const std::string& behind) {
+  std::string cases;
+  for (const CompletedCommand& command : commands) {
+    for (const CompletedWord& option : command.Options) {
+      if (option.Choices.empty()) continue;
+      cases += "    " + Quoted(command.Path + ' ' + option.Text) + ") " + offer;
+      for (const std::string& choice : option.Choices) cases += ' ' + choice;
+      cases += behind + "; return ;;\n";
+    }
+  }
+  return cases;
+}
+
 }  // namespace
 
 std::vector<CompletedCommand> CompletedCommands(const CLI::App& program) {
@@ -94,6 +116,9 @@ std::string BashCompletion(const std::vector<CompletedCommand>& commands) {
   return text +
          "  esac\n"
          "  COMPREPLY=()\n"
+         "  case \"$command $previous\" in\n" +
+         ChoiceCases(commands, "COMPREPLY=($(compgen -W '", "' -- \"$current\"))") +
+         "  esac\n"
          "  [[ \" $valued \" == *\" $previous \"* ]] && return  # a value, mostly a file\n"
          "  if [[ $current == -* ]]; then\n"
          "    COMPREPLY=($(compgen -W \"$options $valued\" -- \"$current\"))\n"
@@ -122,6 +147,9 @@ std::string ZshCompletion(const std::vector<CompletedCommand>& commands) {
     text += ") ;;\n";
   }
   return text +
+         "  esac\n"
+         "  case \"$command ${words[CURRENT-1]}\" in\n" +
+         ChoiceCases(commands, "compadd --", "") +
          "  esac\n"
          "  if (( ${valued[(Ie)${words[CURRENT-1]}]} )); then\n"
          "    _files\n"
@@ -157,7 +185,10 @@ std::string FishCompletion(const std::vector<CompletedCommand>& commands) {
     for (const CompletedWord& option : command.Options) {
       const bool isLong = option.Text.rfind("--", 0) == 0;
       text += start + (isLong ? " -l " + option.Text.substr(2) : " -s " + option.Text.substr(1)) +
-              (option.TakesValue ? " -r" : "") + " -d " + Quoted(option.Description, true) + "\n";
+              (!option.Choices.empty() ? " -x -a " + Quoted(CLI::detail::join(option.Choices, " "), true)
+               : option.TakesValue     ? " -r"
+                                       : "") +
+              " -d " + Quoted(option.Description, true) + "\n";
     }
   }
   return text;

@@ -125,7 +125,7 @@ void AddConfigVerb(CLI::App& program, Invocation& invocation) {
   auto options = std::make_shared<Options>();
   verb->require_subcommand(1);
   verb->footer(Examples);
-  verb->add_option("--file", options->File, "A settings file in place of the user's own");
+  verb->add_option("--file", options->File, "A settings file in place of the user's own")->type_name("FILE");
   const auto add = [&](const char* name, const char* what, int (*run)(const Options&, Invocation&)) {
     CLI::App* action = verb->add_subcommand(name, what)->fallthrough();  // --file may stand behind it too
     action->callback([options, &invocation, run] {

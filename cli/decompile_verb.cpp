@@ -101,6 +101,7 @@ void AddDecompileVerb(CLI::App& program, Invocation& invocation) {
   verb->add_option("-o,--output", options->Output,
                    "Where the files go; made if missing. Those of one MODEL go straight into it, those of several each "
                    "into a folder of the model's name below it")
+      ->type_name("DIR")
       ->capture_default_str();
   verb->add_flag("--own-folders", options->OwnFolders, "Give a single MODEL a folder of its own too");
   verb->add_flag("--unweighted", options->Unweighted, "Write reference files without weight lists");
@@ -122,7 +123,10 @@ void AddDecompileVerb(CLI::App& program, Invocation& invocation) {
       ->check(CLI::IsMember({"tga", "png"}))
       ->capture_default_str();
   options->Directories.AddGameOption(*verb);
-  verb->add_option("-j,--jobs", options->Jobs, "Models at a time")->check(CLI::Range(1, 1024))->capture_default_str();
+  verb->add_option("-j,--jobs", options->Jobs, "Models at a time")
+      ->type_name("N")
+      ->check(CLI::Range(1, 1024))
+      ->capture_default_str();
   verb->add_flag("--json", options->Json, "Print one JSON object a model, one a line, on standard output");
   verb->add_flag("-q,--quiet", options->Quiet, "Print errors and warnings only");
   verb->footer(Examples);

@@ -16,9 +16,9 @@ namespace {
 
 constexpr const char* Examples = R"(Examples:
   tarnwick-cli material --game ~/games/mod -d props crate.png barrel.png
-  tarnwick-cli material --game ~/games/mod -d props --normal brick_n.png --specular brick_s.png --envmap
-                        --mask normal --contrast 0.5 brick.png
-  tarnwick-cli material --game ~/games/mod -d walls --for-maps --shader LightmappedGeneric wall.tga)";
+  tarnwick-cli material -d props --normal brick_n.png --specular brick_s.png \
+      --envmap --mask normal --contrast 0.5 brick.png
+  tarnwick-cli material -d walls --for-maps --shader LightmappedGeneric wall.tga)";
 
 struct Options {
   tools::MaterialCompile Form;
@@ -89,14 +89,17 @@ void AddMaterialVerb(CLI::App& program, Invocation& invocation) {
       ->required();
   options->Directories.AddOptions(*verb);
   verb->add_option("-d,--directory", form.Directory,
-                   "Compiled material directory, below materials/models of the game directory; made if missing");
+                   "Compiled material directory, below materials/models of the game directory; made if missing")
+      ->type_name("DIR");
   verb->add_flag("--for-maps", options->ForMaps, "Take the directory as below materials (for map textures)");
   verb->add_option("--shader", form.Shader, "VertexLitGeneric for models, UnlitGeneric or LightmappedGeneric for maps")
+      ->type_name("NAME")
       ->capture_default_str();
   CLI::Option* translucent =
       verb->add_flag("--translucent", form.Translucent, "The material is translucent; the image's alpha is the mask");
-  verb->add_option("--normal", form.NormalMap, "Normal map image");
-  CLI::Option* glow = verb->add_option("--glow", form.GlowMap, "Glow map image; it replaces the base alpha");
+  verb->add_option("--normal", form.NormalMap, "Normal map image")->type_name("FILE");
+  CLI::Option* glow =
+      verb->add_option("--glow", form.GlowMap, "Glow map image; it replaces the base alpha")->type_name("FILE");
   glow->excludes(translucent);
   verb->add_flag("--glow-texture", form.UseSelfIllumTexture,
                  "Use $selfillumtexture: keep the glow map as a texture of its own (depends on the shader)")
@@ -107,10 +110,15 @@ void AddMaterialVerb(CLI::App& program, Invocation& invocation) {
                    "base, normal or illum; may be given more than once")
       ->check(CLI::IsMember({"base", "normal", "illum"}))
       ->allow_extra_args(false);
-  verb->add_option("--contrast", form.EnvMapContrast, "Envmap contrast: one value, or three in quotes")->needs(envMap);
-  verb->add_option("--saturation", form.EnvMapSaturation, "Envmap saturation, the same")->needs(envMap);
-  verb->add_option("--tint", form.EnvMapTint, "Envmap tint, the same")->needs(envMap);
-  verb->add_option("--specular", form.SpecularMap, "Specular map image; it is converted to greyscale");
+  verb->add_option("--contrast", form.EnvMapContrast, "Envmap contrast: one value, or three in quotes")
+      ->type_name("VALUE")
+      ->needs(envMap);
+  verb->add_option("--saturation", form.EnvMapSaturation, "Envmap saturation, the same")
+      ->type_name("VALUE")
+      ->needs(envMap);
+  verb->add_option("--tint", form.EnvMapTint, "Envmap tint, the same")->type_name("VALUE")->needs(envMap);
+  verb->add_option("--specular", form.SpecularMap, "Specular map image; it is converted to greyscale")
+      ->type_name("FILE");
   verb->add_flag("--force", options->Force,
                  "Use images that are cut off or damaged too, with what can be read of them");
   verb->add_flag("--json", options->Json, "Print one JSON object an image, one a line, on standard output");

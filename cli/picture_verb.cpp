@@ -148,26 +148,35 @@ void AddPictureVerb(CLI::App& program, Invocation& invocation) {
   verb->add_option("-o,--output", options->Output,
                    "The picture of one MODEL, if it ends in .png; else a folder, made if missing, for a picture named "
                    "like each model")
+      ->type_name("FILE|DIR")
       ->required();
   verb->add_option("--size", options->Size, "Width and height of a picture in pixels, WIDTHxHEIGHT")
+      ->type_name("WxH")
       ->capture_default_str();
-  verb->add_option("--sequence", options->Sequence, "The sequence in which the model stands (the first one)");
+  verb->add_option("--sequence", options->Sequence, "The sequence in which the model stands (the first one)")
+      ->type_name("NAME");
   verb->add_option("--frame", options->Frame, "The frame of the sequence, counted from 0")
+      ->type_name("N")
       ->check(CLI::NonNegativeNumber)
       ->capture_default_str();
   verb->add_option("--skin", options->Skin, "The skin, counted from 0")
+      ->type_name("N")
       ->check(CLI::NonNegativeNumber)
       ->capture_default_str();
   verb->add_option("--angle", options->Angle,
                    "From where it is seen, YAW,PITCH in degrees: 0,0 is the front, a rising yaw goes to the model's "
                    "left, a rising pitch above it")
+      ->type_name("YAW,PITCH")
       ->capture_default_str();
   verb->add_flag("--wireframe", options->Wireframe, "Draw the edges of the triangles");
   verb->add_flag("--transparent", options->Transparent, "Draw no background");
   options->Directories.AddGameOption(*verb);
   verb->add_flag("-r,--recursive", options->Recursive,
                  "Take every .mdl file below a DIRECTORY; each picture gets a path like its model's");
-  verb->add_option("-j,--jobs", options->Jobs, "Models at a time")->check(CLI::Range(1, 1024))->capture_default_str();
+  verb->add_option("-j,--jobs", options->Jobs, "Models at a time")
+      ->type_name("N")
+      ->check(CLI::Range(1, 1024))
+      ->capture_default_str();
   verb->add_flag("--json", options->Json, "Print one JSON object a model, one a line, on standard output");
   verb->add_flag("-q,--quiet", options->Quiet, "Print errors and warnings only");
   verb->footer(Examples);

@@ -6,7 +6,10 @@
 #include <string>
 #include <vector>
 
+#include "cli/help_formatter.h"
 #include "cli/invocation.h"
+#include "cli/likely_word.h"
+#include "cli/terminal.h"
 #include "cli/verbs.h"
 #include "core/version.h"
 
@@ -50,18 +53,73 @@ void UnmarkArguments(CLI::App& app) {
   for (CLI::App* subcommand : app.get_subcommands({})) UnmarkArguments(*subcommand);
 }
 
-/// Tells a wrong command line. The parser says that a verb is missing where there is none and where there is an unknown
-/// one; then the verbs there are help more.
+/// The words of `app`'s verb as they are typed: "tarnwick-cli smd replace".
+std::string WordsOf(const CLI::App& app) {
+  return app.get_parent() == nullptr ? app.get_name() : WordsOf(*app.get_parent()) + ' ' + app.get_name();
+}
+
+/// "; did you mean \"decompile\"?", or nothing.
+std::string LikelyMeant(const std::string& typed, const std::vector<std::string>& words) {
+  const std::string likely = LikelyWord(typed, words);
+  return likely.empty() ? "" : "; did you mean \"" + likely + "\"?";
+}
+
+std::vector<std::string> VerbNames(const CLI::App& app) {
+  std::vector<std::string> names;
+  for (const CLI::App* verb : app.get_subcommands([](const CLI::App*) { return true; })) {
+    names.push_back(verb->get_name());
+  }
+  return names;
+}
+
+std::vector<std::string> OptionNames(const CLI::App& app) {
+  std::vector<std::string> names;
+  for (const CLI::Option* option : app.get_options()) {
+    for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
+  }
+  return names;
+}
+
+/// What is wrong with a word that nothing is known by.
+std::string UnknownWord(const CLI::App& app, const std::string& word, bool lacksVerb) {
+  if (word.starts_with('-')) {
+    const std::string name = word.substr(0, word.find('='));
+    return "there is no option " + name + LikelyMeant(name, OptionNames(app));
+  }
+  if (!lacksVerb) return "\"" + word + "\" is one word too many";
+  return "there is no verb \"" + word + "\"" + LikelyMeant(word, VerbNames(app));
+}
+
+/// Tells a wrong command line in one line, and where to read on. Where no verb was named the verbs there are help more.
 int Refuse(CLI::App& program, const CLI::ParseError& error, std::ostream& out, std::ostream& err) {
+  const auto is = [&error](CLI::ExitCodes code) { return error.get_exit_code() == static_cast<int>(code); };
   CLI::App* chosen = &program;
   while (!chosen->get_subcommands().empty()) chosen = chosen->get_subcommands().front();
-  const bool lacksVerb =
-      error.get_exit_code() == static_cast<int>(CLI::ExitCodes::RequiredError) && !chosen->get_subcommands({}).empty();
-  if (!lacksVerb) return program.exit(error, out, err) == 0 ? ExitSuccess : ExitUsage;
-  err << program.help();
   const std::vector<std::string> unknown = program.remaining(true);
-  if (!unknown.empty()) err << "\nError: there is no \"" << Unmarked(unknown.front()) << "\" here\n";
+  const bool needsVerb = chosen->get_require_subcommand_min() > 0;
+  const bool isAnswered = is(CLI::ExitCodes::Success);  // with the help or the version
+  if (isAnswered && (!needsVerb || unknown.empty())) {
+    program.exit(error, out, err);
+    return ExitSuccess;
+  }
+  // The parser says that a verb is missing where there is none and where there is an unknown one.
+  const bool lacksVerb = needsVerb && (isAnswered || is(CLI::ExitCodes::RequiredError));
+  if (lacksVerb && unknown.empty()) {
+    err << chosen->help(chosen == &program ? "" : WordsOf(*chosen->get_parent()));
+    return ExitUsage;
+  }
+  const bool isUnknown = !unknown.empty() && (lacksVerb || is(CLI::ExitCodes::ExtrasError));
+  err << "Error: " << (isUnknown ? UnknownWord(*chosen, Unmarked(unknown.front()), lacksVerb) : error.what()) << '\n';
+  if (lacksVerb) err << "Verbs: " << CLI::detail::join(VerbNames(*chosen), ", ") << '\n';
+  err << "See " << WordsOf(*chosen) << " --help\n";
   return ExitUsage;
+}
+
+/// "help", and "help VERB", as people type them too, for "--help" and "VERB --help".
+void TakeHelpAsVerb(std::vector<std::string>& words) {
+  if (words.empty() || words.front() != "help") return;
+  words.erase(words.begin());
+  words.emplace_back("--help");
 }
 
 }  // namespace
@@ -71,12 +129,14 @@ int RunProgram(int argumentCount, const char* const* arguments, std::ostream& ou
   program.set_version_flag("--version", core::VersionText("tarnwick-cli"));
   program.allow_windows_style_options(false);  // a path may begin with a slash there too
   program.require_subcommand(1);
+  program.formatter(std::make_shared<HelpFormatter>(TerminalColumns(TerminalStream::Output)));  // verbs inherit it
   Invocation invocation{out, err, {}};
   for (const AddVerb addVerb : Verbs) addVerb(program, invocation);
   UnmarkArguments(program);
   std::vector<std::string> words(arguments + std::min(argumentCount, 1), arguments + argumentCount);
   for (std::string& word : words) word = Marked(word);
   MarkProjectValues(words);
+  TakeHelpAsVerb(words);
   std::reverse(words.begin(), words.end());  // as the parser wants them
   const int exitCode = [&] {
     try {

@@ -10,7 +10,8 @@ namespace tarnwick::cli {
 void ProjectScripts::AddOptions(CLI::App& verb) {
   verb.add_option("-m,--materials", Materials,
                   "Material directory of projects, relative to materials/models; without it the one that is set in the "
-                  "window");
+                  "window")
+      ->type_name("DIR");
 }
 
 void ProjectScripts::FillFromSettings(std::ostream& err) {

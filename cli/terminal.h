@@ -11,6 +11,13 @@ namespace tarnwick::cli {
 /// Whether the program's standard error goes to a terminal.
 bool ErrorIsTerminal();
 
+/// The streams that may go to a terminal.
+enum class TerminalStream { Output, Error };
+
+/// Characters in a line of the terminal that the stream goes to: what the variable COLUMNS says, else the terminal
+/// itself; 80 where neither does.
+size_t TerminalColumns(TerminalStream stream);
+
 /// `text` with its \r\n as this platform's streams want line ends.
 std::string PlainLines(std::string_view text);
 
@@ -28,7 +35,7 @@ class ProgressLine {
   ProgressLine(const ProgressLine&) = delete;
   ProgressLine& operator=(const ProgressLine&) = delete;
 
-  /// Shows how many of `all` are done, and a name behind it.
+  /// Shows how many of `all` are done, and a name behind it, cut at its start to what the terminal has room for.
   void Show(size_t done, size_t all, std::string_view name);
   /// Whether there is such a line at all.
   bool IsShown() const { return m_shown; }

@@ -29,9 +29,11 @@ std::unique_ptr<core::AppSettings> OpenSettings([[maybe_unused]] std::ostream& e
 }
 
 void ToolDirectories::AddSdkOptions(CLI::App& verb) {
-  verb.add_option("--sdk", Sdk, "The folder of the SDK's tools; without it the one that is set in the window");
+  verb.add_option("--sdk", Sdk, "The folder of the SDK's tools; without it the one that is set in the window")
+      ->type_name("DIR");
 #ifndef _WIN32
-  verb.add_option("--wine", Wine, "The program that runs Windows tools; without it wine, then wine64");
+  verb.add_option("--wine", Wine, "The program that runs Windows tools; without it wine, then wine64")
+      ->type_name("PROGRAM");
 #endif
 }
 
@@ -41,8 +43,8 @@ void ToolDirectories::AddOptions(CLI::App& verb) {
 }
 
 void ToolDirectories::AddGameOption(CLI::App& verb) {
-  verb.add_option("--game", Game,
-                  "The game directory, with gameinfo.txt; without it the one that is set in the window");
+  verb.add_option("--game", Game, "The game directory, with gameinfo.txt; without it the one that is set in the window")
+      ->type_name("DIR");
 }
 
 std::shared_ptr<jobs::InputContent> ToolDirectories::ContentFor(const std::vector<std::string>& inputs, bool askForGame,

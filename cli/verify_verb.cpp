@@ -121,12 +121,16 @@ void AddVerifyVerb(CLI::App& program, Invocation& invocation) {
       ->required();
   verb->add_flag("-r,--recursive", options->Recursive, "Take every .mdl file below a DIRECTORY");
   options->Directories.AddGameOption(*verb);
-  verb->add_option("-j,--jobs", options->Jobs, "Models at a time")->check(CLI::Range(1, 1024))->capture_default_str();
+  verb->add_option("-j,--jobs", options->Jobs, "Models at a time")
+      ->type_name("N")
+      ->check(CLI::Range(1, 1024))
+      ->capture_default_str();
   verb->add_flag("--details", options->Details, "Tell every difference, a line each, on standard error");
   verb->add_flag("--json", options->Json, "Print one JSON object a model, one a line, with every difference");
   verb->add_option("--keep", options->Keep,
                    "Keep both sources and the model that was compiled of the first, in a folder for each model below "
-                   "this one");
+                   "this one")
+      ->type_name("DIR");
   verb->add_flag("-q,--quiet", options->Quiet, "Print models that differ or fail only");
   verb->footer(Examples);
   verb->callback(

@@ -129,12 +129,17 @@ void AddVtfVerb(CLI::App& program, Invocation& invocation) {
   verb->add_option("-o,--output", options->Output,
                    "The image of one INPUT, its extension telling the format; or a folder, made if missing, for an "
                    "image named like each INPUT. Further frames and faces get numbers behind the name")
+      ->type_name("FILE|DIR")
       ->capture_default_str();
-  verb->add_option("-f,--format", options->Format, "The format of the images in the folder, as an extension (tga)");
+  verb->add_option("-f,--format", options->Format, "The format of the images in the folder, as an extension (tga)")
+      ->type_name("FORMAT");
   verb->add_flag("--list-formats", options->ListFormats, "Print the extensions that can be written");
   verb->add_flag("-r,--recursive", options->Recursive,
                  "Take every .vtf file below a folder; each image gets a path like its own");
-  verb->add_option("-j,--jobs", options->Jobs, "Textures at a time")->check(CLI::Range(1, 1024))->capture_default_str();
+  verb->add_option("-j,--jobs", options->Jobs, "Textures at a time")
+      ->type_name("N")
+      ->check(CLI::Range(1, 1024))
+      ->capture_default_str();
   verb->add_flag("--keep-tga", options->KeepTga,
                  "Leave the TGA files that vtf2tga writes beside images of other formats");
   options->Directories.AddOptions(*verb);

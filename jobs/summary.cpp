@@ -44,8 +44,10 @@ std::string SummaryLine(const JobResult& result, const std::string& item) {
     bytes += each.Bytes();
     if (each.Count(core::Severity::Warning) > 0) ++withWarnings;
   }
-  std::string line = Counted(result.Items.size(), item) + ", " + Counted(files, "file") + ", " +
-                     core::FormatByteSize(bytes) + " in " + SecondsText(result.Seconds);
+  std::string line = Counted(result.Items.size(), item);
+  // A job that only looks writes none, nor does one that failed.
+  if (files > 0) line += ", " + Counted(files, "file") + ", " + core::FormatByteSize(bytes);
+  line += " in " + SecondsText(result.Seconds);
   AddCount(line, withWarnings, " with warnings");
   line += ", " + std::to_string(result.Count(Verdict::Failed)) + " failed";
   AddCount(line, result.Count(Verdict::Stopped), " stopped");

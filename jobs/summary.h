@@ -18,7 +18,8 @@ struct FailureGroup {
 std::vector<FailureGroup> GroupFailures(const JobResult& result);
 
 /// What was done, in one line; `item` is what the job calls an item, such as "model":
-/// "12 models, 340 files, 12.3 MB in 1.25 s, 1 with warnings, 2 failed, 3 not begun".
+/// "12 models, 340 files, 12.3 MB in 1.25 s, 1 with warnings, 2 failed, 3 not begun"; without files where none were
+/// written.
 std::string SummaryLine(const JobResult& result, const std::string& item);
 
 /// `count` of `noun`: "1 file", "2 files".

@@ -1,9 +1,7 @@
 #include "pages/decompiler_dialog.h"
 
-#include <QCompleter>
 #include <QFileInfo>
 #include <QScreen>
-#include <QStringListModel>
 #include <algorithm>
 #include <iterator>
 #include <thread>
@@ -13,6 +11,7 @@
 #include "core/settings_table.h"
 #include "jobs/decompile_tree.h"
 #include "jobs/verify_models.h"
+#include "pages/path_offers.h"
 #include "pages/recent_paths.h"
 #include "pages/sources_view.h"
 #include "platform/bitmap_button.h"
@@ -35,7 +34,7 @@ namespace {
 constexpr int32_t KeptUnweighted = 2;
 constexpr int32_t KeptRotations = 4;
 
-constexpr int FieldsWidth = 380;  // points of the fields beside the model, until somebody moves the bar between them
+constexpr int FieldsWidth = 450;  // points of the fields beside the model, until somebody moves the bar between them
 constexpr int WideScreen = 1100;  // points from which on a screen has room for the model beside the fields
 
 bool IsFolder(const std::string& path) {
@@ -51,19 +50,6 @@ QString NamesOf(const std::vector<std::string>& paths) {
   QStringList names;
   for (const std::string& path : paths) names << ToQt(path);
   return names.join("; ");
-}
-
-void OfferPaths(QLineEdit& box, const std::vector<std::string>& paths) {
-  QStringList offered;
-  for (const std::string& path : paths) offered << ToQt(path);
-  if (box.completer() == nullptr) {
-    auto* completer = new QCompleter(&box);
-    completer->setModel(new QStringListModel(completer));
-    completer->setFilterMode(Qt::MatchContains);
-    completer->setCaseSensitivity(Qt::CaseInsensitive);
-    box.setCompleter(completer);
-  }
-  static_cast<QStringListModel*>(box.completer()->model())->setStringList(offered);
 }
 
 }  // namespace
@@ -135,7 +121,7 @@ void CDecompilerDialog::ShowSide(bool on) {
 void CDecompilerDialog::ShowModel() {
   if (!m_ui->sideCheck->isChecked()) return;
   const std::string path = Models().front();
-  m_viewer->SetEmptyText(IsFolder(path) ? "Of a folder of models none is shown"
+  m_viewer->SetEmptyText(IsFolder(path) ? "A folder is named: all models in it are decompiled, and none is shown"
                                         : "The model that is named is shown here");
   m_viewer->ShowFile(IsFolder(path) ? QString() : ToQt(path), ToQt(setting::GameDirectory.Read(Settings())));
   m_ui->sideTabs->setCurrentWidget(m_viewer);

@@ -36,6 +36,19 @@ std::string LostText(int64_t lost) {
   return lost > 0 ? ", " + jobs::Counted(static_cast<size_t>(lost), "thing") + " lost" : "";
 }
 
+/// A model by its file's name, with the folders in front that its sources have below `output`: models of one name in
+/// several folders can be told apart.
+std::string NameInList(const std::string& model, std::string_view target, std::string_view output) {
+  constexpr std::string_view Separators = "/\\";
+  const std::string name(core::LastComponent(model));
+  while (!output.empty() && Separators.find(output.back()) != std::string_view::npos) output.remove_suffix(1);
+  if (!target.starts_with(output)) return name;
+  std::string_view below = target.substr(output.size());
+  if (below.empty() || Separators.find(below.front()) == std::string_view::npos) return name;
+  below.remove_prefix(std::min(below.find_first_not_of(Separators), below.size()));  // "props/crate"
+  return std::string(core::DirectoryWithSeparator(below)) + name;
+}
+
 /// ", 2 errors, 1 warning", or nothing.
 std::string TroublesText(const jobs::ItemResult& result) {
   const size_t errors = result.Count(core::Severity::Error);
@@ -154,11 +167,12 @@ void CDecompilerStatus::OnModelStarted(const jobs::ItemStarted& started) {
   if (m_count == 1 && !m_isVerifying) m_folder = started.Target;
   m_ui->fileLabel->setText(m_isVerifying ? "Verifying the model" : "Loading the model");
   auto* row = new QTreeWidgetItem(m_ui->resultList);
-  row->setText(ModelColumn, ToQt(core::LastComponent(started.Input)));
+  // Also while a model is verified its row leads to the sources that were made of it.
+  const std::string target = m_isVerifying ? m_folders[started.Input] : started.Target;
+  row->setText(ModelColumn, ToQt(NameInList(started.Input, target, m_folder)));
   row->setToolTip(ModelColumn, ToQt(started.Input));
   row->setText(ResultColumn, m_isVerifying ? "verifying" : "decompiling");
-  // Also while a model is verified its row leads to the sources that were made of it.
-  row->setData(ModelColumn, FolderRole, ToQt(m_isVerifying ? m_folders[started.Input] : started.Target));
+  row->setData(ModelColumn, FolderRole, ToQt(target));
   m_ui->resultList->scrollToItem(row);
 }
 

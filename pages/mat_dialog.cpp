@@ -1,6 +1,7 @@
 #include "pages/mat_dialog.h"
 
 #include <QShortcut>
+#include <QToolTip>
 #include <utility>
 #include <variant>
 
@@ -183,6 +184,12 @@ void CMatDialog::CompileMaterials() {
                }});
 }
 
+void CMatDialog::TellNoImages() {
+  const QWidget& list = *m_ui->materialList;
+  QToolTip::showText(list.mapToGlobal(list.rect().center()),
+                     "There are no images in the list: add some, or drop them on it");
+}
+
 void CMatDialog::ToPageLog(const std::string& text) {
   if (Context().Log != nullptr) Context().Log->AppendPageLog(text);
 }
@@ -192,7 +199,7 @@ void CMatDialog::Show(const jobs::Event& event) {
                  [this](const jobs::Started& started) {
                    m_begun = true;
                    ToPageLog("Material Output Dir: " + m_outputDirectory + "\r\n");
-                   if (started.Count == 0) return;
+                   if (started.Count == 0) return TellNoImages();
                    platform::CenterOver(*this, m_status);
                    m_status.show();
                  },

@@ -50,6 +50,7 @@ class CMatDialog : public CPage {
   void OnClear();
   bool HasGame(const jobs::CompileImages& job);
   void Show(const jobs::Event& event);
+  void TellNoImages();
   void ToPageLog(const std::string& text);
 
   std::unique_ptr<Ui::MatDialog> m_ui;

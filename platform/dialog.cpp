@@ -26,6 +26,8 @@ bool FocusGroup(QObject* watched) {
   QWidget* field = group == nullptr || group->isCheckable() ? nullptr : FirstField(*group);
   if (field == nullptr) return false;
   field->setFocus(Qt::ShortcutFocusReason);
+  // As when it comes from elsewhere: what is typed next replaces the text.
+  if (auto* line = qobject_cast<QLineEdit*>(field)) line->selectAll();
   BringIntoSight(*field);
   return true;
 }

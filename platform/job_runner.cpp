@@ -96,7 +96,7 @@ bool JobRunner::Start(Work work, JobView view) {
     m_view.Bar->setRange(0, 100);
     m_view.Bar->setValue(0);
   }
-  m_focus = QApplication::focusWidget();
+  m_focus = m_page.window()->focusWidget();  // not that of a status window, in which the job may have been started
   if (m_view.Disabled == nullptr) m_view.Disabled = &m_page;
   m_view.Disabled->setEnabled(false);
   const QPointer<QWidget> focusMeanwhile = m_page.window()->focusWidget();
@@ -172,7 +172,7 @@ void JobRunner::Finish() {
   m_job.reset();
   qApp->removeEventFilter(this);
   m_view.Disabled->setEnabled(true);
-  if (m_focus && m_focus->window() == m_page.window() && !userMovedIt) m_focus->setFocus();
+  if (m_focus && !userMovedIt) m_focus->setFocus();
   if (m_view.Bar != nullptr) m_view.Bar->setValue(100);
   const JobView view = std::exchange(m_view, {});
   if (view.Done) view.Done();

@@ -4,9 +4,11 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QUrl>
+#include <algorithm>
 
 #ifdef _WIN32
 #include <windows.h>
@@ -85,6 +87,16 @@ std::optional<std::string> First(const QStringList& files) {
   return PathFromQt(files.front());
 }
 
+constexpr int DetailsWidth = 460;  // pixels of a line of details, at most
+
+/// The box would be as narrow as its heading, with a path below it broken into pieces.
+void MakeRoomForDetails(QMessageBox& box) {
+  auto* const label = box.findChild<QLabel*>("qt_msgbox_informativelabel");
+  if (label == nullptr) return;
+  const int wanted = label->fontMetrics().size(Qt::TextExpandTabs, label->text()).width();
+  label->setMinimumWidth(std::min(wanted, DetailsWidth));
+}
+
 }  // namespace
 
 std::vector<std::string> NameFilters(const std::string& pairs) {
@@ -106,6 +118,7 @@ BoxAnswer QtDesktop::ShowBox(QWidget* owner, const MessageBoxRequest& request) {
   box.setIcon(QtIcon(request.Icon));
   box.setStandardButtons(QtButtons(request.Buttons));
   box.setInformativeText(ToQt(request.Details));
+  MakeRoomForDetails(box);
   if (!request.OkLabel.empty()) box.button(QMessageBox::Ok)->setText(ToQt(request.OkLabel));
   if (request.RefusalIsDefault && request.Buttons != BoxButtons::Ok) {
     box.setDefaultButton(request.Buttons == BoxButtons::YesNo ? QMessageBox::No : QMessageBox::Cancel);

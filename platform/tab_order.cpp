@@ -99,11 +99,15 @@ void KeepFocusInTabs(QTabWidget& tabs) {
   QObject::connect(qApp, &QApplication::focusChanged, &tabs, [&tabs, lost](const QWidget* old, const QWidget*) {
     *lost = *lost || (old != nullptr && tabs.isAncestorOf(old) && !old->isVisibleTo(&tabs));
   });
-  QObject::connect(&tabs, &QTabWidget::currentChanged, &tabs, [&tabs, lost] {
+  const auto clicked = std::make_shared<bool>(false);
+  QObject::connect(&tabs, &QTabWidget::tabBarClicked, &tabs,
+                   [&tabs, clicked](int tab) { *clicked = tab >= 0 && tab != tabs.currentIndex(); });
+  QObject::connect(&tabs, &QTabWidget::currentChanged, &tabs, [&tabs, lost, clicked] {
     QWidget* const page = tabs.currentWidget();
     const QWidget* const now = tabs.window()->focusWidget();
     const bool isInPage = page == nullptr || (now != nullptr && now != page && page->isAncestorOf(now));
-    if (!std::exchange(*lost, false) || isInPage) return;
+    const bool wantsFocus = std::exchange(*lost, false) | std::exchange(*clicked, false);
+    if (!wantsFocus || isInPage) return;
     if (QWidget* const first = FirstField(*page)) first->setFocus(Qt::OtherFocusReason);
   });
 }

@@ -18,7 +18,8 @@ void BringIntoSight(QWidget& control);
 QWidget* FirstField(QWidget& window);
 
 /// Has the focus follow to the first field of the page behind another tab, where it was in the page that goes out of
-/// sight: of itself it goes to what stands behind the tabs if the new page was never seen.
+/// sight, or where the tab was clicked: of itself it goes to what stands behind the tabs if the new page was never
+/// seen, and stays outside the tabs where it was there.
 void KeepFocusInTabs(QTabWidget& tabs);
 
 }  // namespace tarnwick::platform

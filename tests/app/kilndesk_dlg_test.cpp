@@ -11,6 +11,7 @@
 #include <QPushButton>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QTabBar>
 #include <QTabWidget>
 #include <QTest>
 #include <QTextBlock>
@@ -302,8 +303,20 @@ TEST_F(MainDialog, KeysLeadFromTabToTabAndToTheFieldOfAGroup) {
   browse.setFocus();
   QTest::keyClick(&browse, Qt::Key_M, Qt::AltModifier);
   EXPECT_EQ(m_dialog->focusWidget(), &ControlOf<QLineEdit>(*page, "modelEdit")) << "not the button beside it";
+  auto& model = ControlOf<QLineEdit>(*page, "modelEdit");
+  model.setText("/a/crate.mdl");
+  QTest::keyClick(&model, Qt::Key_M, Qt::AltModifier);
+  EXPECT_EQ(model.selectedText(), model.text())
+      << "also where the field has the focus: what is typed replaces its text";
   for (int i = 0; i < 3; ++i) QTest::keyClick(m_dialog->focusWidget(), Qt::Key_PageUp, Qt::ControlModifier);
   EXPECT_EQ(Tabs().currentIndex(), 3) << "round";
+  // A click on a tab leads into its page from wherever the focus was.
+  ControlOf<QPushButton>(*m_dialog, "exitButton").setFocus();
+  QTest::mouseClick(Tabs().tabBar(), Qt::LeftButton, Qt::NoModifier, Tabs().tabBar()->tabRect(2).center());
+  EXPECT_EQ(m_dialog->focusWidget(), &model);
+  auto* area = m_dialog->findChild<QScrollArea*>();
+  QTest::mouseClick(area->viewport(), Qt::LeftButton, Qt::NoModifier, QPoint(1, 1));
+  EXPECT_EQ(m_dialog->focusWidget(), &model) << "a click beside the controls leaves the focus";
 }
 
 TEST_F(MainDialog, HelpShowsItsOwnDocumentAtThePartAboutTheTab) {

@@ -35,6 +35,8 @@ TEST(CompletionsVerb, BashCompletesVerbsOptionsAndVerbsBelowVerbs) {
   EXPECT_EQ(Completed(script, "tarnwick-cli decompile a.mdl --outp"), "--output");
   EXPECT_EQ(Completed(script, "tarnwick-cli decompile --output --pl"), "") << "the value of an option";
   EXPECT_EQ(Completed(script, "tarnwick-cli decompile a"), "") << "bash's own file names";
+  EXPECT_EQ(Completed(script, "tarnwick-cli decompile --texture-format p"), "png");
+  EXPECT_EQ(Completed(script, "tarnwick-cli completions \"\""), "bash zsh fish");
 }
 #endif
 
@@ -46,11 +48,13 @@ TEST(CompletionsVerb, OtherShellsGetTheWordsWithTheirDescriptions) {
   EXPECT_THAT(zsh, HasSubstr("    '')\n      verbs=( 'decompile:Turn "));
   EXPECT_THAT(zsh, HasSubstr("      valued=( '-o' '--output' '--texture-format' '--game' '-j' '--jobs') ;;\n"))
       << "flags take no value";
+  EXPECT_THAT(zsh, HasSubstr("    'decompile --texture-format') compadd -- tga png; return ;;\n"));
   // A colon in a description would part it once more; an option's stands behind its word.
   EXPECT_THAT(zsh, HasSubstr("'--texture-format:The format of these images, tga or png'"));
 
   const std::string fish = RunCommand({"completions", "fish"}).Out;
   const std::string start = "\ncomplete -c tarnwick-cli -n ";
+  EXPECT_THAT(fish, HasSubstr(start + "'__fish_seen_subcommand_from decompile' -l texture-format -x -a 'tga png' -d "));
   EXPECT_THAT(fish, HasSubstr(start + "'__fish_use_subcommand' -f -a 'decompile' -d 'Turn "));
   EXPECT_THAT(fish, HasSubstr("'Compile model projects and QC scripts with the SDK\\'s studiomdl'"));
   EXPECT_THAT(fish, HasSubstr(start + "'__fish_seen_subcommand_from decompile' -l output -r -d "));

@@ -47,7 +47,7 @@ class VerifyVerb : public VerbTest {
 TEST_F(VerifyVerb, TellsEachModelAndFailsIfOneDiffers) {
   EXPECT_EQ(Run({Sound}), ExitSuccess);
   EXPECT_EQ(m_out, Sound + ": same\n");
-  EXPECT_THAT(m_err, StartsWith("1 model, "));
+  EXPECT_THAT(m_err, StartsWith("1 model in "));
 
   EXPECT_EQ(Run({Odd}), ExitFailure);
   EXPECT_EQ(m_out, Odd + ": differs: header: allowed root levels differs: 64 and 0\n");
@@ -55,7 +55,7 @@ TEST_F(VerifyVerb, TellsEachModelAndFailsIfOneDiffers) {
   EXPECT_EQ(Run({"-j", "1", m_folder.Path()}), ExitFailure);
   EXPECT_THAT(WithSlashes(m_out), AllOf(HasSubstr(Sound + ": same\n"), HasSubstr(Broken + ": failed: decompiling: ")));
   EXPECT_THAT(m_out, testing::Not(HasSubstr("odd.mdl"))) << "a folder below is taken with -r only";
-  EXPECT_THAT(m_err, StartsWith("2 models, "));
+  EXPECT_THAT(m_err, StartsWith("2 models in "));
 }
 
 TEST_F(VerifyVerb, IsQuietAboutWhatWentWellOnly) {

@@ -168,7 +168,14 @@ TEST_F(VtfVerbTest, TellsWhatATextureHolds) {
   EXPECT_EQ(WithLineFeeds(run.Output), result.Out);
   result = RunCommand({"vtf", "info", "--json", Folder.Path("a.vtf"), Folder.Path("gone.vtf")});
   EXPECT_EQ(result.ExitCode, 1);
-  EXPECT_EQ(nlohmann::json::parse(result.Out)["frames"], 2);
+  // One object a line, also of what cannot be read.
+  std::istringstream lines(result.Out);
+  std::string line;
+  ASSERT_TRUE(std::getline(lines, line));
+  EXPECT_EQ(nlohmann::json::parse(line)["frames"], 2);
+  ASSERT_TRUE(std::getline(lines, line));
+  EXPECT_EQ(nlohmann::json::parse(line)["file"], Folder.Path("gone.vtf"));
+  EXPECT_THAT(nlohmann::json::parse(line)["error"], HasSubstr("No such file"));
   EXPECT_THAT(result.Err, HasSubstr("gone.vtf"));
   // Several are parted by an empty line, and one that cannot be read ends none of the others.
   const std::string one = RunCommand({"vtf", "info", Folder.Path("a.vtf")}).Out;

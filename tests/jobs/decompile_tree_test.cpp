@@ -144,7 +144,7 @@ TEST_F(DecompileTreeTest, AStopLeavesNoTemporaryFileAndBeginsNoFurtherModel) {
   EXPECT_EQ(result.Items[0].Judged, Verdict::Stopped);
   EXPECT_EQ(result.Items[1].Judged, Verdict::NotBegun);
   EXPECT_THAT(m_output.Files(), Each(Not(HasSubstr("tarnwick-"))));
-  EXPECT_EQ(SummaryLine(result, "model").substr(0, 9), "2 models,");
+  EXPECT_THAT(SummaryLine(result, "model"), testing::StartsWith("2 models in ")) << "no file was written";
   EXPECT_THAT(SummaryLine(result, "model"), EndsWith(", 0 failed, 1 stopped, 1 not begun"));
 }
 

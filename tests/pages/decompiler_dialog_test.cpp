@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <QAbstractItemView>
 #include <QCheckBox>
 #include <QCompleter>
 #include <QLabel>
@@ -165,6 +166,33 @@ TEST_F(DecompilePage, RunsAWholeJobFromClickToFinishedLog) {
   EXPECT_THAT(m_desktop.Opened, ElementsAre(output + "/cube"));
 }
 
+TEST_F(DecompilePage, EnterExtractsWhatIsTypedAlsoWhileRecentPathsAreOffered) {
+  m_settings.Values["Ravelback/Recent Models"] =
+      "/home/ada/models/a folder of a name that is long/crate.mdl\n/home/ada/models/barrel.mdl\n";
+  Open();
+  m_page->activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(m_page.get()));
+  auto& model = ControlOf<QLineEdit>(*m_page, "modelEdit");
+  model.setFocus();
+  QAbstractItemView* const offers = model.completer()->popup();
+  // One that is chosen from the list is taken first, and not yet extracted.
+  QTest::keyClicks(&model, "barrel");
+  ASSERT_TRUE(offers->isVisible());
+  QTest::keyClick(offers, Qt::Key_Down);
+  QTest::keyClick(offers, Qt::Key_Return);
+  EXPECT_EQ(Model(), "/home/ada/models/barrel.mdl");
+  QTest::qWait(20);
+  EXPECT_FALSE(Status().isVisible());
+  model.clear();
+  QTest::keyClicks(&model, "/home/ada/models");
+  ASSERT_TRUE(offers->isVisible());
+  EXPECT_GT(offers->width(), offers->sizeHintForColumn(0)) << "paths can be told apart";
+  QTest::keyClick(offers, Qt::Key_Return);
+  EXPECT_TRUE(tests::WaitUntil([this] { return Status().isVisible(); }));
+  EXPECT_FALSE(offers->isVisible());
+  ASSERT_TRUE(WaitForJob());
+}
+
 TEST_F(DecompilePage, ShowsWhyAJobFailed) {
   Open();
   ControlOf<QLineEdit>(*m_page, "outputEdit").setText(QString::fromStdString(m_folder.Path()));
@@ -227,7 +255,7 @@ TEST_F(DecompilePage, DecompilesAllThatIsDroppedAndTellsWhatBecameOfEach) {
   Click(*m_page, "extractButton");
   ASSERT_TRUE(WaitForJob());
   EXPECT_THAT(Rows(Status()), ElementsAre("a.mdl|2 files written", HasSubstr("b.mdl|failed: Unable to load vertices"),
-                                          "d.mdl|2 files written"));
+                                          "below/d.mdl|2 files written"));
   EXPECT_THAT(Log(), HasSubstr("\nb.mdl: failed: Unable to load vertices")) << "the log names the model";
   EXPECT_TRUE(ControlOf<QTreeWidget>(Status(), "resultList").isVisible());
   EXPECT_THAT(ControlOf<QLabel>(Status(), "fileLabel").text().toStdString(),

@@ -3,6 +3,7 @@
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QProgressBar>
+#include <QToolTip>
 #include <filesystem>
 
 #include "material_page.h"
@@ -245,6 +246,7 @@ TEST_F(MaterialCompilePage, DoesNotRunOnAnEmptyList) {
   EXPECT_EQ(m_log, "Material Output Dir: props\r\n\r\n");
   EXPECT_FALSE(Status().isVisible());
   EXPECT_TRUE(m_desktop.Boxes.empty());
+  EXPECT_THAT(QToolTip::text().toStdString(), HasSubstr("no images in the list")) << "why nothing happens";
 }
 
 }  // namespace

@@ -2,8 +2,10 @@
 
 #include <gmock/gmock.h>
 
+#include <QApplication>
 #include <QLineEdit>
 #include <QProgressBar>
+#include <QPushButton>
 #include <QTest>
 #include <memory>
 #include <new>
@@ -84,6 +86,28 @@ TEST_F(JobRunnerTest, GivesTheFocusBackToTheFieldThatHadIt) {
     ASSERT_TRUE(tests::WaitUntil([&] { return !jobs.IsRunning(); }));
     EXPECT_EQ(window.focusWidget(), chosen == nullptr ? field : chosen);
   }
+}
+
+TEST_F(JobRunnerTest, GivesTheFocusBackWhereTheJobWasStartedInAnotherWindow) {
+  QWidget window;
+  auto* page = new CDialog(m_desktop, &window, CDialog::Style::Page);
+  auto* field = new QLineEdit(page);
+  new QLineEdit(&window);  // gets the focus meanwhile
+  CDialog status(m_desktop, page);
+  auto* again = new QPushButton(&status);
+  window.show();
+  window.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+  field->setFocus();
+  status.show();
+  status.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&status));
+  again->setFocus();
+  JobRunner jobs(*page);
+  jobs.Start([](core::Report&, const std::stop_token&) {}, {});
+  ASSERT_TRUE(tests::WaitUntil([&] { return !jobs.IsRunning(); }));
+  EXPECT_EQ(window.focusWidget(), field);
+  EXPECT_EQ(QApplication::focusWidget(), again) << "the window in front keeps it";
 }
 
 TEST_F(JobRunnerTest, AsksForTheWorkerAndAnswersCancelAtTheEnd) {
