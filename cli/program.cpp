@@ -8,9 +8,9 @@
 
 #include "cli/help_formatter.h"
 #include "cli/invocation.h"
-#include "cli/likely_word.h"
 #include "cli/terminal.h"
 #include "cli/verbs.h"
+#include "core/near_name.h"
 #include "core/version.h"
 
 namespace tarnwick::cli {
@@ -60,8 +60,11 @@ std::string WordsOf(const CLI::App& app) {
 
 /// "; did you mean \"decompile\"?", or nothing.
 std::string LikelyMeant(const std::string& typed, const std::vector<std::string>& words) {
-  const std::string likely = LikelyWord(typed, words);
-  return likely.empty() ? "" : "; did you mean \"" + likely + "\"?";
+  constexpr size_t LongestShort = 2;  // "-x" is near to every other letter
+  if (typed.size() <= LongestShort) return "";
+  core::NearName near(typed);
+  for (const std::string& word : words) near.Offer(word);
+  return near.Best().empty() ? "" : "; did you mean \"" + near.Best() + "\"?";
 }
 
 std::vector<std::string> VerbNames(const CLI::App& app) {
