@@ -18,12 +18,22 @@ namespace {
 /// Points that are posed at the most: about a second's work.
 constexpr int64_t MostPosedPoints = int64_t{1} << 25;
 
+/// The array of a file without fix-ups goes on to the end of the file, where the tangents lie.
+int64_t CountOfVertices(const VertexImage& image) {
+  const int64_t all = image.Vertices.Count();
+  if (!image.Rebuilt.empty()) return all;
+  const auto header = image.File.View().At<VvdHeader>(0);
+  const int64_t told = header ? (*header)->LodVertexCount[0] : 0;
+  return told > 0 ? std::min(told, all) : all;
+}
+
 class BoxMaker {
  public:
   BoxMaker(JobContext& job, const Skeleton& skeleton) : m_job(job), m_skeleton(skeleton) {
     for (const RigidTransform& bone : RestPlacements(skeleton)) m_toBone.push_back(bone.Inverse());
     m_vertices = LoadVvdFile(job);
     if (m_vertices != nullptr && !m_vertices->HasVertices) m_vertices = nullptr;
+    if (m_vertices != nullptr) m_vertexCount = CountOfVertices(*m_vertices);
     FindHitboxCorners();
   }
 
@@ -73,8 +83,7 @@ class BoxMaker {
 
   bool TakePose(const PosePlayer& player) {
     const size_t count = m_toBone.size();
-    const int64_t vertices = m_vertices == nullptr ? 0 : m_vertices->Vertices.Count();
-    m_posed += vertices + static_cast<int64_t>(count + m_corners.size());
+    m_posed += m_vertexCount + static_cast<int64_t>(count + m_corners.size());
     if (m_posed > MostPosedPoints) return false;
     const bool isFirst = m_skin.empty();
     m_world.resize(count);
@@ -91,9 +100,9 @@ class BoxMaker {
       Take(m_world[i].Apply({0, 0, 0}));
     }
     for (const Corner& corner : m_corners) Take(m_world[corner.Bone].Apply(corner.Place));
-    if (vertices > 0 && m_taken) {
+    if (m_vertexCount > 0 && m_taken) {
       const VvdVertex* const first = &*m_vertices->Vertices[0];
-      TakePosedVertices({first, static_cast<size_t>(vertices)}, m_placements, isFirst, m_box);
+      TakePosedVertices({first, static_cast<size_t>(m_vertexCount)}, m_placements, isFirst, m_box);
     }
     return true;
   }
@@ -111,6 +120,7 @@ class BoxMaker {
   std::vector<RigidTransform> m_skin;       // where it brings the vertices of each bone
   std::vector<BonePlacement> m_placements;  // the same
   const VertexImage* m_vertices = nullptr;
+  int64_t m_vertexCount = 0;
   std::vector<Corner> m_corners;
   BoxOfPoints m_box;
   bool m_taken = false;

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "cli/invocation.h"
+#include "core/program_directory.h"
 #include "support/scratch_folder.h"
 
 namespace tarnwick::tests {
@@ -18,6 +19,15 @@ struct CommandResult {
   std::string Out;
   std::string Err;
 };
+
+/// The program's own file, for another process.
+inline std::string ProgramFile() {
+#ifdef _WIN32
+  return core::ProgramDirectory() + "/tarnwick-cli.exe";
+#else
+  return core::ProgramDirectory() + "/tarnwick-cli";
+#endif
+}
 
 /// Calls the program with these arguments, as a user does whose settings lie in the folder `settings`.
 inline CommandResult RunCommandWith(const std::string& settings, const std::vector<std::string>& arguments) {

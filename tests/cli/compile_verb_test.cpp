@@ -9,7 +9,6 @@
 #include <sstream>
 
 #include "command_line.h"
-#include "core/program_directory.h"
 #include "process/run.h"
 #include "support/scratch_folder.h"
 #include "tools/tool_file.h"
@@ -120,10 +119,9 @@ TEST_F(CompileVerb, RunsSeveralFilesAndSumsUp) {
 }
 
 TEST_F(CompileVerb, WhoReadsItsJsonGetsNothingElse) {
-  const process::CapturedRun run =
-      process::RunAndKeep({core::ProgramDirectory() + "/tarnwick-cli",
-                           {"compile", "-q", "--json", "--sdk", m_sdk, "--game", m_game, Script("a.qc", "fine\n")}},
-                          {}, {});
+  const process::CapturedRun run = process::RunAndKeep(
+      {tests::ProgramFile(), {"compile", "-q", "--json", "--sdk", m_sdk, "--game", m_game, Script("a.qc", "fine\n")}},
+      {}, {});
   m_out = run.Output;
   ASSERT_EQ(Lines().size(), 1u) << run.Output;
   EXPECT_EQ(Lines()[0]["outcome"], "ok");

@@ -13,7 +13,6 @@
 #include <csignal>
 #include <cstdlib>
 
-#include "core/program_directory.h"
 #include "support/model_builder.h"
 
 extern char** environ;
@@ -147,7 +146,7 @@ std::string PrintedOnTerminal(const tests::ScratchFolder& folder, unsigned short
   if (terminal < 0 || grantpt(terminal) + unlockpt(terminal) != 0) return "no terminal";
   const winsize size{24, columns, 0, 0};
   ioctl(terminal, TIOCSWINSZ, &size);
-  std::string program = core::ProgramDirectory() + "/tarnwick-cli";
+  std::string program = tests::ProgramFile();
   std::string in = folder.Path("in"), out = folder.Path("out");
   std::string words[] = {program, "decompile", "-j", "1", "-o", out, in};
   std::vector<char*> pointers;

@@ -427,6 +427,22 @@ TEST(CompileScript, ComesBackWithoutTheCollisionModel) {
   }
 }
 
+TEST(CompileScript, TakesNoTangentForAVertexOfTheBox) {
+  Workshop shop;
+  // Far smaller than the tangents behind the vertices are long, which point out of it.
+  WriteText(shop.Folder.Path("parts/chip.smd"),
+            "version 1\nnodes\n0 \"root\" -1\nend\nskeleton\ntime 0\n0 0 0 0 0 0 0\nend\ntriangles\na\n"
+            "0 0 0 0 0 0 1 1 0\n0 0 0.5 0 0 0 1 1 1\n0 0.5 0 0 0 0 1 0 0\n"
+            "a\n0 0 0 0 0 0 1 1 0\n0 0.5 0 0 0 0 1 0 0\n0 0 0 0.5 0 0 1 0 1\nend\n");
+  const auto files = shop.Compile(std::string(Head) + "$body b chip\n$sequence idle chip\n");
+  ASSERT_TRUE(files);
+  ScratchFolder folder;
+  WriteText(folder.Path("chip.mdl"), files->Mdl);
+  WriteText(folder.Path("chip.vvd"), files->Vvd);
+  WriteText(folder.Path("chip.dx90.vtx"), files->Vtx);
+  EXPECT_THAT(RoundTrip(folder.Path("chip.mdl")).Before["ravelback.qc"], testing::Not(HasSubstr("$bbox")));
+}
+
 TEST(CompileScript, GivesBackTexturesOfSkinsInTheirOrder) {
   Workshop shop;
   WriteText(shop.Folder.Path("parts/roof.smd"), Pyramid(8));
