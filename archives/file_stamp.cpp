@@ -1,5 +1,7 @@
 #include "archives/file_stamp.h"
 
+#include "core/write_time.h"
+
 namespace tarnwick::archives {
 
 FileStamp StampOf(const std::filesystem::path& path) {
@@ -7,8 +9,9 @@ FileStamp StampOf(const std::filesystem::path& path) {
   FileStamp stamp;
   stamp.Size = std::filesystem::file_size(path, error);
   if (error) return {};
-  stamp.Written = std::filesystem::last_write_time(path, error);
-  if (error) return {};
+  const auto written = core::WriteTime(path);
+  if (!written) return {};
+  stamp.Written = *written;
   stamp.Exists = true;
   return stamp;
 }

@@ -10,7 +10,7 @@ namespace tarnwick::archives {
 struct FileStamp {
   bool Exists = false;
   uint64_t Size = 0;
-  std::filesystem::file_time_type Written = {};
+  int64_t Written = 0;  // core::WriteTime
   bool operator==(const FileStamp&) const = default;
 };
 

@@ -1,21 +1,20 @@
 #include "jobs/written_anew.h"
 
+#include <filesystem>
 #include <utility>
 
 #include "core/paths.h"
+#include "core/write_time.h"
 
 namespace tarnwick::jobs {
-
-namespace fs = std::filesystem;
 
 namespace {
 
 /// When the file at `path`, if there is one, was written last.
-std::optional<fs::file_time_type> TimeOf(const std::optional<std::string>& path) {
+std::optional<int64_t> TimeOf(const std::optional<std::string>& path) {
   std::error_code error;
-  if (!path || !fs::is_regular_file(core::NativePath(*path), error)) return std::nullopt;
-  const auto time = fs::last_write_time(core::NativePath(*path), error);
-  return error ? std::nullopt : std::optional(time);
+  if (!path || !std::filesystem::is_regular_file(core::NativePath(*path), error)) return std::nullopt;
+  return core::WriteTime(core::NativePath(*path));
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <filesystem>
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -21,7 +21,7 @@ class FileBefore {
 
  private:
   std::string m_path;
-  std::optional<std::filesystem::file_time_type> m_time;
+  std::optional<int64_t> m_time;
 };
 
 }  // namespace tarnwick::jobs

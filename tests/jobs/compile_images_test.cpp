@@ -4,7 +4,6 @@
 
 #include <filesystem>
 
-#include "core/paths.h"
 #include "support/recording_host.h"
 #include "support/scratch_folder.h"
 #include "support/shell_programs.h"
@@ -214,12 +213,11 @@ TEST_F(CompileImagesTest, ANoToADirectoryHoldsForAllImages) {
   ASSERT_EQ(m_host.Questions.size(), 1u);
   EXPECT_EQ(m_host.Questions[0].Kind, QuestionKind::MakeDirectory);
   EXPECT_EQ(m_host.Questions[0].Yes, "Create Directory");
-  const std::string missing = "The directory " +
-                              core::PathText(core::NativePath(m_folder.Path("game/materialsrc/models/props"))) +
-                              " does not exist.";
-  EXPECT_EQ(m_host.Questions[0].Details, missing);
-  EXPECT_EQ(result.Items[0].First(Severity::Error)->Text, missing);
-  EXPECT_THAT(m_host.Text(LineSource::Log), HasSubstr(missing + "\r\n")) << "the box alone would be gone";
+  const std::string missing = "The directory " + m_folder.Path("game/materialsrc/models/props") + " does not exist.";
+  EXPECT_EQ(tests::WithSlashes(m_host.Questions[0].Details), missing);
+  EXPECT_EQ(tests::WithSlashes(result.Items[0].First(Severity::Error)->Text), missing);
+  EXPECT_THAT(tests::WithSlashes(m_host.Text(LineSource::Log)), HasSubstr(missing + "\r\n"))
+      << "the box alone would be gone";
   EXPECT_EQ(result.Count(Verdict::Failed), 2u);
   EXPECT_EQ(result.Items[1].First(Severity::Error)->Kind, TroubleKind::Missing);
 }
