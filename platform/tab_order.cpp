@@ -14,7 +14,6 @@
 #include <QTabWidget>
 #include <algorithm>
 #include <memory>
-#include <utility>
 #include <vector>
 
 namespace tarnwick::platform {
@@ -106,7 +105,8 @@ void KeepFocusInTabs(QTabWidget& tabs) {
     QWidget* const page = tabs.currentWidget();
     const QWidget* const now = tabs.window()->focusWidget();
     const bool isInPage = page == nullptr || (now != nullptr && now != page && page->isAncestorOf(now));
-    const bool wantsFocus = std::exchange(*lost, false) | std::exchange(*clicked, false);
+    const bool wantsFocus = *lost || *clicked;
+    *lost = *clicked = false;
     if (!wantsFocus || isInPage) return;
     if (QWidget* const first = FirstField(*page)) first->setFocus(Qt::OtherFocusReason);
   });

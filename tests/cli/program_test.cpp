@@ -92,6 +92,7 @@ TEST(Program, HelpIsAsWideAsTheTerminal) {
 }
 #endif
 
+#ifdef TARNWICK_HAS_IMAGES
 TEST(Program, HelpTellsWhatAnOptionsValueIsAndWhatItGoesWith) {
   const std::string material = RunCommand({"material", "--help"}).Out;
   EXPECT_THAT(material, HasSubstr("\n  -d, --directory DIR   Compiled"));
@@ -100,6 +101,7 @@ TEST(Program, HelpTellsWhatAnOptionsValueIsAndWhatItGoesWith) {
   EXPECT_THAT(material, HasSubstr("Envmap tint, the same (only with --envmap)\n"));
   EXPECT_THAT(RunCommand({"picture", "--help"}).Out, HasSubstr("model (required)\n"));
 }
+#endif
 
 TEST(Program, EveryVerbHelpsWithExamples) {
   const std::string help = RunCommand({"--help"}).Out;
