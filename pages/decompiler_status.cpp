@@ -40,7 +40,7 @@ std::string LostText(int64_t lost) {
 /// several folders can be told apart.
 std::string NameInList(const std::string& model, std::string_view target, std::string_view output) {
   constexpr std::string_view Separators = "/\\";
-  const std::string name(core::LastComponent(model));
+  std::string name(core::LastComponent(model));
   while (!output.empty() && Separators.find(output.back()) != std::string_view::npos) output.remove_suffix(1);
   if (!target.starts_with(output)) return name;
   std::string_view below = target.substr(output.size());
