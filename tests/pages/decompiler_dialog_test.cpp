@@ -237,7 +237,8 @@ std::vector<std::string> Rows(QWidget& status) {
   std::vector<std::string> rows;
   const auto& list = ControlOf<QTreeWidget>(status, "resultList");
   for (int i = 0; i < list.topLevelItemCount(); ++i) {
-    rows.push_back((list.topLevelItem(i)->text(0) + "|" + list.topLevelItem(i)->text(1)).toStdString());
+    const QString row = list.topLevelItem(i)->text(0) + "|" + list.topLevelItem(i)->text(1);
+    rows.push_back(tests::WithSlashes(row.toStdString()));
   }
   return rows;
 }
