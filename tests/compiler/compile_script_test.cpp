@@ -46,6 +46,14 @@ std::string Pyramid(int size) {
          "a\n" + o + x + z + "b\n" + o + z + y + "b\n" + x + y + z + "end\n";
 }
 
+/// Writes the files of a model into the folder, and gives the path of the first.
+std::string WriteModel(const ScratchFolder& folder, const CompiledFiles& files, const std::string& name) {
+  WriteText(folder.Path(name + ".vvd"), files.Vvd);
+  WriteText(folder.Path(name + ".dx90.vtx"), files.Vtx);
+  WriteText(folder.Path(name + ".mdl"), files.Mdl);
+  return folder.Path(name + ".mdl");
+}
+
 /// A swing of many frames, in which no two changes are alike.
 std::string LongSwing(int frames) {
   std::string text = "version 1\nnodes\n0 \"root\" -1\n1 \"arm\" 0\nend\nskeleton\n";
@@ -414,10 +422,7 @@ TEST(CompileScript, ComesBackWithoutTheCollisionModel) {
   EXPECT_NE(HeaderOf(*with).HullMaximum.z, HeaderOf(*without).HullMaximum.z);
   for (const CompiledFiles* files : {&*with, &*without}) {
     ScratchFolder folder;
-    WriteText(folder.Path("roof.mdl"), files->Mdl);
-    WriteText(folder.Path("roof.vvd"), files->Vvd);
-    WriteText(folder.Path("roof.dx90.vtx"), files->Vtx);
-    RoundTrip trip(folder.Path("roof.mdl"));
+    RoundTrip trip(WriteModel(folder, *files, "roof"));
     ASSERT_TRUE(trip.Compiled) << trip.Told;
     EXPECT_EQ(trip.Before["ravelback.qc"].find("$bbox") != std::string::npos, files == &*with);
     EXPECT_EQ(trip.Before["ravelback.qc"], trip.After["ravelback.qc"]);
@@ -437,10 +442,7 @@ TEST(CompileScript, TakesNoTangentForAVertexOfTheBox) {
   const auto files = shop.Compile(std::string(Head) + "$body b chip\n$sequence idle chip\n");
   ASSERT_TRUE(files);
   ScratchFolder folder;
-  WriteText(folder.Path("chip.mdl"), files->Mdl);
-  WriteText(folder.Path("chip.vvd"), files->Vvd);
-  WriteText(folder.Path("chip.dx90.vtx"), files->Vtx);
-  EXPECT_THAT(RoundTrip(folder.Path("chip.mdl")).Before["ravelback.qc"], testing::Not(HasSubstr("$bbox")));
+  EXPECT_THAT(RoundTrip(WriteModel(folder, *files, "chip")).Before["ravelback.qc"], testing::Not(HasSubstr("$bbox")));
 }
 
 TEST(CompileScript, GivesBackTexturesOfSkinsInTheirOrder) {
@@ -452,10 +454,7 @@ TEST(CompileScript, GivesBackTexturesOfSkinsInTheirOrder) {
   ASSERT_TRUE(files) << testing::PrintToString(shop.Texts());
   EXPECT_THAT(TextureNames(*files), ElementsAre("a", "b", "snow", "unused", "moss"));
   ScratchFolder folder;
-  WriteText(folder.Path("roof.mdl"), files->Mdl);
-  WriteText(folder.Path("roof.vvd"), files->Vvd);
-  WriteText(folder.Path("roof.dx90.vtx"), files->Vtx);
-  RoundTrip trip(folder.Path("roof.mdl"));
+  RoundTrip trip(WriteModel(folder, *files, "roof"));
   ASSERT_TRUE(trip.Compiled) << trip.Told;
   EXPECT_EQ(TextureNames(trip.Files), TextureNames(*files));
   EXPECT_THAT(trip.Different([](const std::string&, const std::string&) { return true; }), testing::IsEmpty());
@@ -500,10 +499,7 @@ TEST(CompileScript, GivesBackSequencesThatStandElsewhereThanTheirAnimations) {
     ASSERT_TRUE(files) << testing::PrintToString(shop.Texts());
     EXPECT_EQ(told(*files), c.Told);
     ScratchFolder folder;
-    WriteText(folder.Path("arm.mdl"), files->Mdl);
-    WriteText(folder.Path("arm.vvd"), files->Vvd);
-    WriteText(folder.Path("arm.dx90.vtx"), files->Vtx);
-    RoundTrip trip(folder.Path("arm.mdl"));
+    RoundTrip trip(WriteModel(folder, *files, "arm"));
     ASSERT_TRUE(trip.Compiled) << trip.Told;
     EXPECT_EQ(told(trip.Files), c.Told);
   }
@@ -539,10 +535,7 @@ TEST(CompileScript, GivesBackTexturesThatMeshesCannotName) {
   ASSERT_TRUE(files) << testing::PrintToString(shop.Texts());
   EXPECT_THAT(TextureNames(*files), ElementsAre("a", "b", "a", "//walls/brick", "red.tga", "RED"));
   ScratchFolder folder;
-  WriteText(folder.Path("roof.mdl"), files->Mdl);
-  WriteText(folder.Path("roof.vvd"), files->Vvd);
-  WriteText(folder.Path("roof.dx90.vtx"), files->Vtx);
-  RoundTrip trip(folder.Path("roof.mdl"));
+  RoundTrip trip(WriteModel(folder, *files, "roof"));
   ASSERT_TRUE(trip.Compiled) << trip.Told;
   EXPECT_EQ(TextureNames(trip.Files), TextureNames(*files));
   EXPECT_THAT(trip.Before["ravelback.qc"], HasSubstr("$renamematerial \"material3\" \"//walls/brick\"\n"));
