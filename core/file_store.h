@@ -10,13 +10,18 @@
 
 namespace tarnwick::core {
 
-/// Where a job puts the files that it makes, and takes them from again: the disk, or memory (`MemoryStore`). Paths are
-/// the program's own, with either slash. Several threads may use one store at once.
-class FileStore : public FileSource {
+/// Where a job puts the files that it makes. Paths are the program's own, with either slash.
+class FileMaker {
  public:
+  virtual ~FileMaker() = default;
   /// Begins a file, as `OutputFile::Create` does: in a folder that is there.
   [[nodiscard]] virtual std::optional<OutputFile> Create(std::string path, std::string* reason = nullptr) = 0;
+};
 
+/// Where a job puts the files that it makes, and takes them from again: the disk, or memory (`MemoryStore`). Several
+/// threads may use one store at once.
+class FileStore : public FileSource, public FileMaker {
+ public:
   /// Makes a folder with those above it. Why it is not there now, or nothing.
   [[nodiscard]] virtual std::string MakeFolder(const std::string& path) = 0;
 

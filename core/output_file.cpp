@@ -91,19 +91,6 @@ int ProcessNumber() {
 }
 #endif
 
-/// A name beside `path` that no other file of this or another process uses. It does not grow with the name of the
-/// file, so a name of the greatest length that the file system takes still works.
-NativeText TemporaryName(const NativeText& path) {
-  static std::atomic<uint32_t> counter{0};
-  static const std::string start = ".tarnwick-" + std::to_string(ProcessNumber()) + "-";
-  const std::string name = start + std::to_string(counter.fetch_add(1)) + ".tmp";
-#ifdef _WIN32
-  return fs::path(path).replace_filename(name).native();
-#else
-  return path.substr(0, path.rfind('/') + 1).append(name);
-#endif
-}
-
 /// What is found where a file is to be made.
 struct Place {
   NativeText Target;  // behind a link
@@ -137,17 +124,37 @@ Place FindPlace(std::string_view path) {
   return place;
 }
 
+/// Why no file can have the name; empty if one can.
+std::string NameTrouble(std::string_view path) {
+  const std::string_view name = LastComponent(path);
+  if (name.empty()) return "the file has no name";
+#ifdef _WIN32  // the system would write to a device, to a stream of another file, or under another name
+  return WindowsNameTrouble(name);
+#else
+  return "";
+#endif
+}
+
 }  // namespace
+
+/// It does not grow with the name of the file, so a name of the greatest length that the file system takes still works.
+NativeText TemporaryName(const NativeText& path) {
+  static std::atomic<uint32_t> counter{0};
+  static const std::string start = ".tarnwick-" + std::to_string(ProcessNumber()) + "-";
+  const std::string name = start + std::to_string(counter.fetch_add(1)) + ".tmp";
+#ifdef _WIN32
+  return fs::path(path).replace_filename(name).native();
+#else
+  return path.substr(0, path.rfind('/') + 1).append(name);
+#endif
+}
 
 std::optional<OutputFile> OutputFile::Create(std::string path, std::string* reason) {
   const auto refuse = [&](std::string_view why) {
     if (reason != nullptr) *reason = why;
     return std::nullopt;
   };
-  if (LastComponent(path).empty()) return refuse("the file has no name");
-#ifdef _WIN32  // the system would write to a device, to a stream of another file, or under another name
-  if (const std::string trouble = WindowsNameTrouble(LastComponent(path)); !trouble.empty()) return refuse(trouble);
-#endif
+  if (const std::string trouble = NameTrouble(path); !trouble.empty()) return refuse(trouble);
   Place place = FindPlace(path);
   if (!place.Trouble.empty()) return refuse(place.Trouble);
 
@@ -168,6 +175,22 @@ std::optional<OutputFile> OutputFile::Create(std::string path, std::string* reas
   std::error_code ignored;
   if (fs::exists(place.Older)) fs::permissions(file.m_temporaryPath, place.Older.permissions(), ignored);
   file.m_target = std::move(place.Target);
+  file.m_path = std::move(path);
+  return file;
+}
+
+std::optional<OutputFile> OutputFile::CreateApart(std::string path, std::string place, std::string* reason) {
+  OutputFile file;
+  if (NameTrouble(place).empty()) {
+    file.m_temporaryPath = NativeTextOf(place);
+    file.m_descriptor = OpenNew(file.m_temporaryPath);
+  }
+  if (file.m_descriptor < 0) {
+    file.m_temporaryPath.clear();  // another's, if any is there
+    auto replacing = Create(std::move(place), reason);
+    if (!replacing) return std::nullopt;
+    file = std::move(*replacing);
+  }
   file.m_path = std::move(path);
   return file;
 }
@@ -231,7 +254,7 @@ bool OutputFile::Commit() {
   const int closed = CloseDescriptor(std::exchange(m_descriptor, -1));
   if (closed != 0) Fail(std::strerror(errno));
   std::string reason;
-  if (m_error.empty() && !Replace(m_temporaryPath, m_target, reason)) Fail(reason);
+  if (m_error.empty() && !m_target.empty() && !Replace(m_temporaryPath, m_target, reason)) Fail(reason);
   if (!m_error.empty()) {
     Discard();
     return false;

@@ -9,6 +9,9 @@
 
 namespace tarnwick::core {
 
+/// A name beside `path` that no other file of this or another process uses, without regard to how long its own is.
+std::filesystem::path::string_type TemporaryName(const std::filesystem::path::string_type& path);
+
 /// What takes the bytes of an OutputFile in place of the disk. One that goes away uncommitted leaves nothing.
 class OutputTarget {
  public:
@@ -34,6 +37,11 @@ class OutputFile {
   /// folder, no right, a folder of that name, an older file that may not be written); then `reason`, if given, tells
   /// why in the system's words.
   [[nodiscard]] static std::optional<OutputFile> Create(std::string path, std::string* reason = nullptr);
+
+  /// Begins a file that is known as `path` and stands at `place`, in a folder that nobody looks into yet: where its
+  /// name is free it has it from the start.
+  [[nodiscard]] static std::optional<OutputFile> CreateApart(std::string path, std::string place,
+                                                             std::string* reason = nullptr);
 
   /// A file whose bytes go to `target`.
   OutputFile(std::string path, std::unique_ptr<OutputTarget> target);
@@ -68,8 +76,8 @@ class OutputFile {
   bool Fail(std::string reason);
 
   std::string m_path;
-  NativeText m_target;                   // the file to be replaced: m_path, or what the link there points to
-  NativeText m_temporaryPath;            // beside m_target
+  NativeText m_target;         // the file to be replaced: m_path, or what the link there points to; empty: none is
+  NativeText m_temporaryPath;  // beside m_target; the file's own name where none is replaced
   std::unique_ptr<OutputTarget> m_held;  // in place of the disk
   std::string m_error;
   uint64_t m_size = 0;

@@ -7,7 +7,7 @@
 #include "core/paths.h"
 #include "core/whole_path.h"
 #include "jobs/input_files.h"
-#include "jobs/made_folder.h"
+#include "jobs/staged_folder.h"
 #ifdef TARNWICK_HAS_IMAGES
 #include "jobs/model_materials.h"
 #endif
@@ -31,16 +31,21 @@ void CopyMaterials([[maybe_unused]] const DecompileTree& job, [[maybe_unused]] c
 #endif
 }
 
+void TellUnwritable(std::string text, std::string alike, ItemRun& run) {
+  run.Tell({.Kind = core::TroubleKind::Unwritable,
+            .File = run.Result.Target,
+            .Text = std::move(text),
+            .Caption = "File Error",
+            .Alike = std::move(alike)});
+}
+
 void DecompileOne(const DecompileTree& job, const InputContent& content, ItemRun& run) {
-  MadeFolder folder;
+  StagedFolder folder;
   // A model that is not there is told by the decompiler, and no folder is made for it.
   if (!run.Result.Target.empty() && content.Files().Holds(run.Result.Source)) {
     if (const std::string problem = folder.Make(run.Result.Target); !problem.empty()) {
-      return run.Tell({.Kind = core::TroubleKind::Unwritable,
-                       .File = run.Result.Target,
-                       .Text = "The output directory " + run.Result.Target + " cannot be made: " + problem,
-                       .Caption = "File Error",
-                       .Alike = "an output directory cannot be made: " + problem});
+      return TellUnwritable("The output directory " + run.Result.Target + " cannot be made: " + problem,
+                            "an output directory cannot be made: " + problem, run);
     }
   }
   std::atomic<bool> stopRequested = false;
@@ -48,6 +53,7 @@ void DecompileOne(const DecompileTree& job, const InputContent& content, ItemRun
   decompiler::DecompileJob work;
   work.ModelPath = run.Result.Source;
   work.OutputDirectory = run.Result.Target;
+  work.Output = &folder;
   work.Files = &content.Files();
   work.Options = job.Options;
   work.Helpers = &run.Helpers;
@@ -58,7 +64,13 @@ void DecompileOne(const DecompileTree& job, const InputContent& content, ItemRun
   decompiler::DecompileResult result = decompiler::DecompileModel(work, run);
   run.Result.Files = std::move(result.Files);
   run.Result.Lost = std::move(result.Lost);
-  if (!run.Result.Files.empty()) folder.Keep();
+  if (!run.Result.Files.empty()) {
+    if (const std::string problem = folder.Commit(); !problem.empty()) {
+      std::erase_if(run.Result.Files, [](const core::WrittenFile& file) { return !core::FileExists(file.Path); });
+      return TellUnwritable("The files of " + run.Result.Target + " cannot be put there: " + problem,
+                            "files cannot be put into an output directory: " + problem, run);
+    }
+  }
   if (!result.Completed && run.Result.First(core::Severity::Error) == nullptr) {
     run.Fail(core::TroubleKind::Lost, "it did not come to its end");
   }

@@ -76,13 +76,26 @@ double MissOf(const PackedForm& form, const PackedParts& packed, const Quat& q) 
   return AngleBetween(is, q);
 }
 
-/// The packed rotation that reads as `q`, or comes nearest to it: rounding each part by itself misses it a little where
-/// all three turn together, and a good deal where the fourth is near 0. A quaternion and its negative are one rotation,
-/// but the parts reach to -1 and not to 1.
-PackedParts PackNearest(const PackedForm& form, const Quat& q, double& least) {
+constexpr std::array<double, 2> Signs = {1, -1};  // a quaternion and its negative are one rotation
+
+/// The packed rotation that reads as `q`, if there is one. A part that is a step off the rounded one misses it by half
+/// a step at least, which is more than a read rotation does.
+std::optional<PackedParts> PackRead(const PackedForm& form, const Quat& q) {
+  for (const double sign : Signs) {
+    PackedParts tried = PackRounded(form, q, sign);
+    if (MissOf(form, tried, q) <= form.MostRead) return tried;
+    tried.NegativeW = !tried.NegativeW;  // near 0 the fourth part's sign is lost in the rounding
+    if (MissOf(form, tried, q) <= form.MostRead) return tried;
+  }
+  return std::nullopt;
+}
+
+/// The packed rotation that comes nearest to `q`: rounding each part by itself misses it a little where all three turn
+/// together, and a good deal where the fourth is near 0. The parts reach to -1 and not to 1.
+PackedParts PackNearest(const PackedForm& form, const Quat& q) {
   PackedParts best;
-  least = 5;
-  for (const double sign : {1.0, -1.0}) {
+  double least = 5;
+  for (const double sign : Signs) {
     const PackedParts start = PackRounded(form, q, sign);
     for (int step = -1; step < 54; ++step) {
       PackedParts tried = start;
@@ -91,7 +104,6 @@ PackedParts PackNearest(const PackedForm& form, const Quat& q, double& least) {
         for (size_t i = 0; i < 3; ++i) {
           tried.Parts[i] = std::clamp<int64_t>(start.Parts[i] + steps[i], 0, form.Most(i));
         }
-        // Near 0 the fourth part's sign is lost in the rounding.
         if (step >= 27) tried.NegativeW = !tried.NegativeW;
       }
       const double miss = MissOf(form, tried, q);
@@ -99,7 +111,6 @@ PackedParts PackNearest(const PackedForm& form, const Quat& q, double& least) {
         least = miss;
         best = tried;
       }
-      if (least <= form.MostRead) return best;
     }
   }
   return best;
@@ -108,11 +119,9 @@ PackedParts PackNearest(const PackedForm& form, const Quat& q, double& least) {
 PackedParts Pack(const PackedForm& form, const EulerAngles& angles) {
   Quat q;
   EulerToQuat(angles, q);
-  double miss = 0;
-  const PackedParts nearest = PackNearest(form, q, miss);
-  if (miss <= form.MostRead) return nearest;
+  if (const auto read = PackRead(form, q)) return *read;
   const PackedParts cut = PackCut(form, q);
-  return MissOf(form, cut, q) <= form.MostCut ? cut : nearest;
+  return MissOf(form, cut, q) <= form.MostCut ? cut : PackNearest(form, q);
 }
 
 /// Whether `angles` pack into `wanted`, also where they are a little off, as after turns to and fro.

@@ -43,7 +43,7 @@ struct DecompileJob {
   const core::FileSource* Files = nullptr;
 
   /// Takes what is written; nothing: the disk.
-  core::FileStore* Output = nullptr;
+  core::FileMaker* Output = nullptr;
 
   /// Helps with formatting and writing the job's files; nothing: the calling thread does all.
   core::WorkQueue* Helpers = nullptr;

@@ -96,7 +96,8 @@ std::optional<core::OutputFile> JobContext::Create(std::string_view name, std::s
     FinishFiles();
     m_rewrittenPaths.insert(path);
   }
-  auto file = (m_job.Output != nullptr ? *m_job.Output : core::DiskStore()).Create(std::move(path), reason);
+  core::FileMaker& output = m_job.Output != nullptr ? *m_job.Output : core::DiskStore();
+  auto file = output.Create(std::move(path), reason);
   if (file) {
     m_progress.File = name;
     ++m_progress.FilesBegun;

@@ -134,6 +134,26 @@ TEST_F(DecompileTreeTest, SaysWhichDirectoryCannotBeMade) {
   EXPECT_EQ(tests::ReadText(m_output.Path("out")), "a file");
 }
 
+TEST_F(DecompileTreeTest, AFolderAppearsWithItsFilesOrIsMissedAloud) {
+  const std::string model = Model("", "cube"), target = m_output.Path("out/cube");
+  m_host.OnEvent = [&](const Event& event) {
+    if (std::get_if<Progress>(&event) == nullptr) return;
+    EXPECT_FALSE(std::filesystem::exists(target));
+  };
+  EXPECT_TRUE(Decompile({.Inputs = {model}, .OwnFolders = true}).Succeeded());
+  EXPECT_THAT(m_output.Files(), ElementsAre("out/cube/cube.smd", "out/cube/ravelback.qc"));
+
+  std::filesystem::remove_all(target);
+  m_host.OnEvent = [&](const Event& event) {
+    if (std::get_if<Progress>(&event) != nullptr) tests::WriteText(target, "a file");
+  };
+  const JobResult result = Decompile({.Inputs = {model}, .OwnFolders = true});
+  ASSERT_NE(result.Items[0].First(Severity::Error), nullptr);
+  EXPECT_EQ(result.Items[0].First(Severity::Error)->Kind, TroubleKind::Unwritable);
+  EXPECT_THAT(result.Items[0].Files, IsEmpty());
+  EXPECT_THAT(m_output.Files(), ElementsAre("out/cube"));
+}
+
 TEST_F(DecompileTreeTest, AStopLeavesNoTemporaryFileAndBeginsNoFurtherModel) {
   for (const char* name : {"a", "b"}) Model("", name);
   std::stop_source stop;

@@ -1,0 +1,72 @@
+#include "jobs/staged_folder.h"
+
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+#include "core/folder_reader.h"
+#include "core/output_file.h"
+#include "core/paths.h"
+
+namespace tarnwick::jobs {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// Whether a folder of that path is new, and has a name to be renamed to.
+bool IsNew(const std::string& path) {
+  const std::string_view name = core::LastComponent(path);
+  if (name.empty() || name == "." || name == "..") return false;
+  std::error_code error;
+  return fs::symlink_status(core::NativePath(path), error).type() == fs::file_type::not_found;
+}
+
+}  // namespace
+
+StagedFolder::~StagedFolder() {
+  std::error_code error;
+  if (!m_staged.empty() && !fs::is_empty(core::NativePath(m_staged), error) && !error) static_cast<void>(Commit());
+}
+
+std::string StagedFolder::Make(const std::string& path) {
+  m_path = path;
+  if (IsNew(path)) {
+    m_staged = core::PathText(core::TemporaryName(core::NativePath(path).native()));
+    if (m_made.Make(m_staged).empty()) return "";
+    m_staged.clear();
+  }
+  return m_made.Make(path);
+}
+
+std::optional<core::OutputFile> StagedFolder::Create(std::string path, std::string* reason) {
+  const bool isInside = !m_staged.empty() && path.starts_with(m_path) && path.size() > m_path.size() &&
+                        path[m_path.size()] == core::PathSeparator;
+  if (!isInside) return core::OutputFile::Create(std::move(path), reason);
+  std::string place = m_staged + path.substr(m_path.size());
+  return core::OutputFile::CreateApart(std::move(path), std::move(place), reason);
+}
+
+std::string StagedFolder::Commit() {
+  m_made.Keep();
+  if (m_staged.empty()) return "";
+  std::error_code error;
+  fs::rename(core::NativePath(m_staged), core::NativePath(m_path), error);
+  std::string problem = error ? MoveFiles() : std::string();
+  m_staged.clear();
+  return problem;
+}
+
+std::string StagedFolder::MoveFiles() {
+  std::error_code error;
+  const fs::path staged = core::NativePath(m_staged);
+  const fs::path target = core::NativePath(m_path);
+  fs::create_directory(target, error);
+  for (core::FolderReader reader(staged); !error && reader.Next();) {
+    fs::rename(reader.Path(), target / reader.Path().filename(), error);
+  }
+  core::RemoveFolder(staged);
+  return error ? error.message() : std::string();
+}
+
+}  // namespace tarnwick::jobs
