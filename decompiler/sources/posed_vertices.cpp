@@ -12,19 +12,10 @@ namespace {
 
 using model::VvdVertex;
 
-/// Whether a vertex stands elsewhere than in the pose before; else it is taken already.
-TARNWICK_INLINE bool HasMoved(const VvdVertex& vertex, std::span<const BonePlacement> bones) {
-  for (int k = 0; k < std::min<int>(vertex.WeightCount, 3); ++k) {
-    if (vertex.Bones[k] < bones.size() && bones[vertex.Bones[k]].Moved) return true;
-  }
-  return false;
-}
-
-void Take(std::span<const VvdVertex> vertices, std::span<const BonePlacement> bones, bool all, BoxOfPoints& box) {
+void Take(std::span<const VvdVertex> vertices, std::span<const BonePlacement> bones, BoxOfPoints& box) {
   float least[3] = {box.Least.x, box.Least.y, box.Least.z};
   float most[3] = {box.Most.x, box.Most.y, box.Most.z};
   for (const VvdVertex& vertex : vertices) {
-    if (!all && !HasMoved(vertex, bones)) continue;
     const double x = vertex.Position.x, y = vertex.Position.y, z = vertex.Position.z;
     float at[3] = {};
     for (int k = 0; k < std::min<int>(vertex.WeightCount, 3); ++k) {
@@ -46,12 +37,11 @@ void Take(std::span<const VvdVertex> vertices, std::span<const BonePlacement> bo
 #if TARNWICK_HAS_AVX_CODE
 
 /// The same steps with the three numbers of a point in one register, and nothing in a fourth place.
-TARNWICK_AVX2 void TakeAvx2(std::span<const VvdVertex> vertices, std::span<const BonePlacement> bones, bool all,
+TARNWICK_AVX2 void TakeAvx2(std::span<const VvdVertex> vertices, std::span<const BonePlacement> bones,
                             BoxOfPoints& box) {
   __m128 least = _mm_setr_ps(box.Least.x, box.Least.y, box.Least.z, 0);
   __m128 most = _mm_setr_ps(box.Most.x, box.Most.y, box.Most.z, 0);
   for (const VvdVertex& vertex : vertices) {
-    if (!all && !HasMoved(vertex, bones)) continue;
     const __m256d x = _mm256_set1_pd(vertex.Position.x), y = _mm256_set1_pd(vertex.Position.y),
                   z = _mm256_set1_pd(vertex.Position.z);
     __m128 at = _mm_setzero_ps();
@@ -87,12 +77,19 @@ BonePlacement BonePlacement::Of(const model::RigidTransform& transform, bool mov
   return placement;
 }
 
-void TakePosedVertices(std::span<const model::VvdVertex> vertices, std::span<const BonePlacement> bones, bool all,
+bool HasMoved(const VvdVertex& vertex, std::span<const BonePlacement> bones) {
+  for (int k = 0; k < std::min<int>(vertex.WeightCount, 3); ++k) {
+    if (vertex.Bones[k] < bones.size() && bones[vertex.Bones[k]].Moved) return true;
+  }
+  return false;
+}
+
+void TakePosedVertices(std::span<const model::VvdVertex> vertices, std::span<const BonePlacement> bones,
                        BoxOfPoints& box, [[maybe_unused]] core::VectorLevel level) {
 #if TARNWICK_HAS_AVX_CODE
-  if (level >= core::VectorLevel::Avx2) return TakeAvx2(vertices, bones, all, box);
+  if (level >= core::VectorLevel::Avx2) return TakeAvx2(vertices, bones, box);
 #endif
-  Take(vertices, bones, all, box);
+  Take(vertices, bones, box);
 }
 
 }  // namespace tarnwick::decompiler::sources

@@ -28,10 +28,13 @@ struct BonePlacement {
   [[nodiscard]] static BonePlacement Of(const model::RigidTransform& transform, bool moved);
 };
 
+/// Whether the vertex stands elsewhere than in the pose before.
+[[nodiscard]] bool HasMoved(const model::VvdVertex& vertex, std::span<const BonePlacement> bones);
+
 /// Grows `box` to hold the vertices where `bones` bring them, each by its weights; a weight of a bone that is not among
-/// them counts for nothing. Vertices that no moved bone moves are passed over, unless `all` are to be taken. Each level
-/// of vector code, which is at most that of the processor, gives the same to the last bit.
-void TakePosedVertices(std::span<const model::VvdVertex> vertices, std::span<const BonePlacement> bones, bool all,
+/// them counts for nothing. Each level of vector code, which is at most that of the processor, gives the same to the
+/// last bit.
+void TakePosedVertices(std::span<const model::VvdVertex> vertices, std::span<const BonePlacement> bones,
                        BoxOfPoints& box, core::VectorLevel level = core::HighestVectorLevel());
 
 }  // namespace tarnwick::decompiler::sources

@@ -1,6 +1,8 @@
 #include "decompiler/sources/sequence_box.h"
 
 #include <algorithm>
+#include <iterator>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -101,10 +103,23 @@ class BoxMaker {
     }
     for (const Corner& corner : m_corners) Take(m_world[corner.Bone].Apply(corner.Place));
     if (m_vertexCount > 0 && m_taken) {
-      const VvdVertex* const first = &*m_vertices->Vertices[0];
-      TakePosedVertices({first, static_cast<size_t>(m_vertexCount)}, m_placements, isFirst, m_box);
+      const std::span<const VvdVertex> all(&*m_vertices->Vertices[0], static_cast<size_t>(m_vertexCount));
+      TakePosedVertices(isFirst ? all : MovedOf(all), m_placements, m_box);
     }
     return true;
+  }
+
+  /// The vertices of the bones that have moved, of which there are mostly few, and the same from pose to pose.
+  std::span<const VvdVertex> MovedOf(std::span<const VvdVertex> all) {
+    std::vector<bool> moved;
+    for (const BonePlacement& bone : m_placements) moved.push_back(bone.Moved);
+    if (moved != m_movedBones) {
+      m_movedBones = std::move(moved);
+      m_movedVertices.clear();
+      std::copy_if(all.begin(), all.end(), std::back_inserter(m_movedVertices),
+                   [&](const VvdVertex& vertex) { return HasMoved(vertex, m_placements); });
+    }
+    return m_movedVertices;
   }
 
   void Take(const Vec3& p) {
@@ -119,6 +134,8 @@ class BoxMaker {
   std::vector<RigidTransform> m_world;      // of the pose that is being taken
   std::vector<RigidTransform> m_skin;       // where it brings the vertices of each bone
   std::vector<BonePlacement> m_placements;  // the same
+  std::vector<bool> m_movedBones;           // of the pose for which the vertices behind were sought
+  std::vector<VvdVertex> m_movedVertices;
   const VertexImage* m_vertices = nullptr;
   int64_t m_vertexCount = 0;
   std::vector<Corner> m_corners;

@@ -445,6 +445,32 @@ TEST(CompileScript, TakesNoTangentForAVertexOfTheBox) {
   EXPECT_THAT(RoundTrip(WriteModel(folder, *files, "chip")).Before["ravelback.qc"], testing::Not(HasSubstr("$bbox")));
 }
 
+TEST(CompileScript, FindsTheBoxOfBonesThatMoveByTurns) {
+  Workshop shop;
+  const std::string nodes = "version 1\nnodes\n0 \"root\" -1\n1 \"left\" 0\n2 \"right\" 0\nend\nskeleton\n";
+  const auto corner = [](int bone, const std::string& place) {
+    return std::to_string(bone) + " " + place + " 0 0 1 0 0 1 " + std::to_string(bone) + " 1\n";
+  };
+  std::string mesh = nodes + "time 0\n0 0 0 0 0 0 0\n1 0 0 0 0 0 0\n2 0 0 0 0 0 0\nend\ntriangles\n";
+  for (int bone = 0; bone < 3; ++bone)
+    mesh += "a\n" + corner(bone, "0 0 0") + corner(bone, "4 0 0") + corner(bone, "0 4 2");
+  WriteText(shop.Folder.Path("parts/wings.smd"), mesh + "end\n");
+  const auto frame = [](int time, int left, int right) {
+    return "time " + std::to_string(time) + "\n0 0 0 0 0 0 0\n1 " + std::to_string(left) + " 0 0 0 0 0\n2 0 " +
+           std::to_string(right) + " 0 0 0 0\n";
+  };
+  // Each end of the box is reached in another frame. The only hit box is a small one, since those made by themselves
+  // would tell the ends too.
+  WriteText(shop.Folder.Path("parts/flap.smd"), nodes + frame(0, 0, 0) + frame(1, 20, 0) + frame(2, 40, 0) +
+                                                    frame(3, 40, 30) + frame(4, 0, -50) + frame(5, -60, -50) + "end\n");
+  const auto files =
+      shop.Compile(std::string(Head) + "$body b wings\n$sequence idle flap\n$hbox 0 root -1 -1 -1 1 1 1\n");
+  ASSERT_TRUE(files);
+  EXPECT_GT(HeaderOf(*files).HullMaximum.y - HeaderOf(*files).HullMinimum.y, 100);
+  ScratchFolder folder;
+  EXPECT_THAT(RoundTrip(WriteModel(folder, *files, "wings")).Before["ravelback.qc"], testing::Not(HasSubstr("$bbox")));
+}
+
 TEST(CompileScript, GivesBackTexturesOfSkinsInTheirOrder) {
   Workshop shop;
   WriteText(shop.Folder.Path("parts/roof.smd"), Pyramid(8));
