@@ -31,6 +31,11 @@ struct Options {
   ToolDirectories Directories;
 };
 
+std::string PathInGame(const Options& options) {
+  const std::string& game = options.Directories.Game;
+  return game + "/models/" + tools::ModelFileOf(game, options.Model);
+}
+
 /// Starts hlmv; why it cannot be started.
 using Start = std::function<std::optional<process::SystemError>(const process::Command& command)>;
 
@@ -60,13 +65,33 @@ int Show(const Options& options, const process::Command& command, const std::vec
   return ExitSuccess;
 }
 
-/// Shows a model in the program's own viewer, which opens it wherever it lies. Nothing if that is not there.
-std::optional<int> ShowInOwn(const Options& options, const std::string& path, const std::vector<std::string>& warnings,
-                             Invocation& invocation) {
-  const auto own = tools::OwnToolDirectory(tools::Hlmv);
-  if (!own) return std::nullopt;
-  const auto command = tools::HlmvCommandForFile(*own, options.Directories.Game, path);
-  return Show(options, command, warnings, Alone(options), invocation);
+/// Says why nothing is started.
+int Refuse(const Options& options, const std::string& reason, Invocation& invocation) {
+  if (options.Json) {
+    const nlohmann::ordered_json json{{"model", options.Model}, {"outcome", "failed"}, {"error", reason}};
+    invocation.Out << json.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace) << '\n';
+  }
+  invocation.Err << "Error: " << reason << '\n';
+  return ExitFailure;
+}
+
+/// Shows a model in the program's own viewer, in `own`, which opens it wherever it lies.
+int ShowInOwn(const Options& options, const std::string& own, Invocation& invocation) {
+  const std::string& game = options.Directories.Game;
+  std::string shown = options.Model;
+  bool found = false;
+  if (jobs::IsOnDisk(options.Model)) {
+    auto path = core::FindIgnoringCase(options.Model);
+    if (!path && !game.empty()) path = core::FindIgnoringCase(PathInGame(options));
+    found = path.has_value();
+    std::error_code error;
+    // The viewer has a current folder of its own.
+    if (found) shown = core::PathText(std::filesystem::absolute(core::NativePath(*path), error));
+  } else {
+    found = jobs::InputContent(game).Files().Holds(options.Model);
+  }
+  if (!found) return Refuse(options, "there is no model " + options.Model, invocation);
+  return Show(options, tools::HlmvCommandForFile(own, game, shown), {}, Alone(options), invocation);
 }
 
 /// Shows a model that is in an archive or a game: hlmv gets a copy on the disk, which is there until it ends.
@@ -77,14 +102,7 @@ int ViewUnpacked(const Options& options, Invocation& invocation) {
   const auto path = scratch.Path().empty()
                         ? std::nullopt
                         : jobs::UnpackModel(options.Model, content.Files(), core::PathText(scratch.Path()), reason);
-  if (!path) {
-    if (options.Json) {
-      const nlohmann::ordered_json json{{"model", options.Model}, {"outcome", "failed"}, {"error", reason}};
-      invocation.Out << json.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace) << '\n';
-    }
-    invocation.Err << "Error: " << reason << '\n';
-    return ExitFailure;
-  }
+  if (!path) return Refuse(options, reason, invocation);
   std::vector<std::string> warnings;
   if (options.Directories.Game.empty()) warnings.emplace_back("no game directory is set");
   const InterruptFlag interrupt;
@@ -103,35 +121,18 @@ int ViewUnpacked(const Options& options, Invocation& invocation) {
 
 int View(Options options, Invocation& invocation) {
   options.Directories.FillFromSettings(invocation.Err);
-  const std::string& game = options.Directories.Game;
-  const bool isOnDisk = jobs::IsOnDisk(options.Model);
-  const std::string modelFile = isOnDisk ? tools::ModelFileOf(game, options.Model) : std::string();
-  const std::string path = game + "/models/" + modelFile;
-  std::vector<std::string> warnings;
   if (!tools::RunsHlmv(options.Directories.Sdk, options.Directories.Start())) {
-    std::string shown = options.Model;
-    if (isOnDisk) {
-      std::error_code error;
-      const auto found = core::FindIgnoringCase(options.Model);
-      const auto inGame = game.empty() ? std::nullopt : core::FindIgnoringCase(path);
-      if (!found && !inGame) warnings.push_back("there is no model " + options.Model);
-      // The viewer has a current folder of its own.
-      if (found || inGame) {
-        shown = core::PathText(std::filesystem::absolute(core::NativePath(found ? *found : *inGame), error));
-      }
-    } else if (!jobs::InputContent(game).Files().Holds(options.Model)) {
-      warnings.push_back("there is no model " + options.Model);
-    }
-    if (const auto done = ShowInOwn(options, shown, warnings, invocation)) return *done;
-    warnings.clear();
+    if (const auto own = tools::OwnToolDirectory(tools::Hlmv)) return ShowInOwn(options, *own, invocation);
   }
-  if (!isOnDisk) return ViewUnpacked(options, invocation);
+  if (!jobs::IsOnDisk(options.Model)) return ViewUnpacked(options, invocation);
+  const std::string& game = options.Directories.Game;
+  std::vector<std::string> warnings;
   if (game.empty()) {
     warnings.emplace_back("no game directory is set");
-  } else if (!core::FindIgnoringCase(path)) {
-    warnings.push_back("there is no model " + path);
+  } else if (!core::FindIgnoringCase(PathInGame(options))) {
+    warnings.push_back("there is no model " + PathInGame(options));
   }
-  const auto command = tools::HlmvCommand(options.Directories.Sdk, game, modelFile);
+  const auto command = tools::HlmvCommand(options.Directories.Sdk, game, tools::ModelFileOf(game, options.Model));
   return Show(options, command, warnings, Alone(options), invocation);
 }
 
