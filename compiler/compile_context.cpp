@@ -58,6 +58,14 @@ void CompileContext::Warning(const qc::Place& at, std::string text, core::Troubl
   Tell(qc::MessageTrouble(Plan.Script.Files, {core::Severity::Warning, kind, at, std::move(text)}));
 }
 
+void CompileContext::WarnOfUnknown(std::string_view name, const qc::Place& at, std::string text) {
+  const auto tellsIt = [&](const qc::Message& message) {
+    return message.Kind == core::TroubleKind::Missing && message.At.File == at.File && message.At.Line == at.Line &&
+           message.Text.find(name) != std::string::npos;
+  };
+  if (std::ranges::none_of(Plan.Script.Told.All(), tellsIt)) Warning(at, std::move(text));
+}
+
 bool CompileContext::Spend(int64_t bytes, const qc::Place& at) {
   if (m_overspent) return false;
   if (bytes >= 0 && bytes <= Options.MemoryLimit - m_spent) {

@@ -3,6 +3,7 @@
 #include <deque>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "compiler/compile_options.h"
@@ -40,6 +41,8 @@ class CompileContext {
   /// Tells a trouble at a place of the script, as a compiler does: `walker.qc:12:8: error: ...`.
   void Error(const qc::Place& at, std::string text, core::TroubleKind kind = core::TroubleKind::Refused);
   void Warning(const qc::Place& at, std::string text, core::TroubleKind kind = core::TroubleKind::Refused);
+  /// The same of a name that nothing has, unless the script's reader has told that in this line.
+  void WarnOfUnknown(std::string_view name, const qc::Place& at, std::string text);
   size_t ErrorCount() const { return m_errors; }
   /// Whether the compile is to end; told once.
   bool Stopped();

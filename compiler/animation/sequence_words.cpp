@@ -185,7 +185,7 @@ class SequenceWords {
         const auto same = [&](const PlanWeightList& list) { return core::EqualIgnoringCase(list.Name, Text(word, 0)); };
         const auto found = std::ranges::find_if(m_plan.WeightLists, same);
         if (found == m_plan.WeightLists.end()) {
-          m_context.Warning(word.At, "no $weightlist is called " + qc::Shown(Text(word, 0)));
+          m_context.WarnOfUnknown(Text(word, 0), word.At, "no $weightlist is called " + qc::Shown(Text(word, 0)));
         } else {
           m_weights = &*found;
         }
@@ -215,7 +215,7 @@ class SequenceWords {
     const auto same = [&](const BuiltSequence& s) { return core::EqualIgnoringCase(s.Label, Text(word, 0)); };
     const auto found = std::ranges::find_if(m_motion.Sequences, same);
     if (found == m_motion.Sequences.end()) {
-      return m_context.Warning(word.At, "no sequence is called " + qc::Shown(Text(word, 0)));
+      return m_context.WarnOfUnknown(Text(word, 0), word.At, "no sequence is called " + qc::Shown(Text(word, 0)));
     }
     layer.Sequence = static_cast<int16_t>(found - m_motion.Sequences.begin());
     if (word.Kind == Key::BlendLayer) {

@@ -349,8 +349,9 @@ class MeshBuild {
       const auto& replacements = m_plan.Lods[lod].Replacements;
       for (size_t i = 0; i < replacements.size(); ++i) {
         if (m_replacementUsed[lod][i] || lod + 1 < LevelAt(0)) continue;
-        m_context.Warning(replacements[i].At,
-                          "no body shows the mesh \"" + replacements[i].Model + "\"; its replacement is left out");
+        m_context.WarnOfUnknown(
+            replacements[i].Model, replacements[i].At,
+            "no body shows the mesh \"" + replacements[i].Model + "\"; its replacement is left out");
       }
     }
   }

@@ -123,7 +123,7 @@ TEST(CompileScript, TellsWhatItDoesNotBuild) {
       {"$sequence s swing autoik", "\"autoik\" is known"},
       {"$animation n swing\n$sequence s n frames 0 1", "\"frames\" belongs to an $animation"},
       {"$lod 5 { replacematerial velvet silk }", "no mesh wears the material \"velvet\""},
-      {"$lod 5 { removemodel hand }", "no body shows the mesh \"hand\""},
+      {"$lod 5 { removemodel hand }", "no body has the mesh \"hand\""},
       {"$ikchain c arm\n$sequence s swing { ikrule c release usesequence }", "\"usesequence\" is known"},
       {"$ikchain c arm\n$sequence s swing { ikrule c range 0 1 1 2 }", "has no kind"},
       {"$ikchain c arm\n$sequence s swing { ikrule c touch armm }", "no bone is called \"armm\"; the rule holds"},
@@ -152,6 +152,17 @@ TEST(CompileScript, TellsWhatItDoesNotBuild) {
     EXPECT_TRUE(shop.Compile(std::string(Head) + "$body b arm\n$sequence idle swing\n" + c.Line + "\n"));
     EXPECT_THAT(shop.Texts(), Contains(HasSubstr(c.Told)));
   }
+}
+
+TEST(CompileScript, TellsOfAnUnknownNameOnce) {
+  Workshop shop;
+  EXPECT_TRUE(
+      shop.Compile(std::string(Head) +
+                   "$body b arm\n$sequence idle swing weightlist legs addlayer wave\n$lod 5 { removemodel hand }\n"
+                   "$animation still swing\n$sequence two swing addlayer still\n"));
+  EXPECT_THAT(shop.Texts(),
+              testing::UnorderedElementsAre(HasSubstr("\"legs\""), HasSubstr("\"wave\""), HasSubstr("\"hand\""),
+                                            HasSubstr("no sequence is called \"still\"")));
 }
 
 TEST(CompileScript, PlacesBonesAndAnimationsWithTheirMeshes) {
