@@ -58,6 +58,9 @@ class RecordArray {
     return Unchecked(index);
   }
 
+  /// The records side by side, for who goes through many and needs no offsets.
+  std::span<const T> Records() const { return {m_first, static_cast<size_t>(m_count)}; }
+
   class Iterator {
    public:
     using value_type = Record<T>;

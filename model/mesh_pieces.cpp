@@ -1,6 +1,7 @@
 #include "model/mesh_pieces.h"
 
 #include <algorithm>
+#include <span>
 #include <utility>
 
 #include "model/vtx_layout.h"
@@ -13,6 +14,20 @@ namespace {
 /// What a corner costs a reader, and a triangle on top of the name of its material.
 constexpr int64_t CornerCost = 80;
 constexpr int64_t TriangleCost = 5;
+
+/// The highest vertex of the mesh that `indices` name among the `vertices` of their group, or one that is higher and is
+/// there too: vertices are mostly fewer than indices, and mostly all good.
+int64_t HighestMeshVertex(const MeshVertexData& mesh, std::span<const VtxIndex> indices,
+                          std::span<const VtxVertex> vertices) {
+  int64_t highest = 0;
+  if (vertices.size() <= indices.size()) {
+    for (const VtxVertex& vertex : vertices) highest = std::max<int64_t>(highest, vertex.MeshVertex);
+    if (GetMeshVertex(mesh, highest) != nullptr) return highest;
+  }
+  highest = 0;
+  for (const VtxIndex index : indices) highest = std::max<int64_t>(highest, vertices[index.Vertex].MeshVertex);
+  return highest;
+}
 
 /// Checks the strip's indices and the vertices that they name. False, told, if one leads nowhere.
 bool GatherStrip(ModelReader& reader, const core::Record<VtxStripGroup>& group, const core::Record<VtxStrip>& strip,
@@ -28,18 +43,18 @@ bool GatherStrip(ModelReader& reader, const core::Record<VtxStripGroup>& group, 
     reader.DamagedTable(file.Path(), "index array", offset, count, vtx.Size());
     return false;
   }
-  int64_t highest = 0;
-  for (const auto index : *indices) highest = std::max<int64_t>(highest, index->Vertex);
+  uint16_t highestIndex = 0;  // no wider than the indices, so that many are compared at once
+  for (const VtxIndex index : indices->Records()) {
+    highestIndex = index.Vertex > highestIndex ? index.Vertex : highestIndex;
+  }
+  int64_t highest = highestIndex;
   const int64_t groupOffset = group.Offset() + group->VertexOffset;
   const auto vertices = vtx.Array<VtxVertex>(groupOffset, highest + 1);
   if (!vertices) {
     reader.DamagedTable(file.Path(), "strip group's vertex table", groupOffset, highest + 1, vtx.Size());
     return false;
   }
-  highest = 0;
-  for (const auto index : *indices) {
-    highest = std::max<int64_t>(highest, (*vertices)[index->Vertex]->MeshVertex);
-  }
+  highest = HighestMeshVertex(piece.Vertices, indices->Records(), vertices->Records());
   if (piece.Vertices.First < 0 || GetMeshVertex(piece.Vertices, highest) == nullptr) {
     reader.Damaged(file.Path(), "strip", strip.Offset(),
                    "names vertex " + std::to_string(highest) + " of a mesh that begins at vertex " +

@@ -72,13 +72,16 @@ void WriteTrianglesBy(core::TextWriter& writer, const MeshPieces& pieces, const 
   for (const MeshPiece& mesh : pieces.Meshes) {
     const smd::MaterialLine material(mesh.Material);
     for (const StripPiece& strip : mesh.Strips) {
-      const auto corner = [&](int64_t k) {
-        const int64_t number = strip.GroupVertices[strip.Indices[TriangleIndex(k)]->Vertex]->MeshVertex;
-        return static_cast<size_t>(mesh.Vertices.First + number);
+      const std::span<const VtxIndex> indices = strip.Indices.Records();
+      const std::span<const VtxVertex> vertices = strip.GroupVertices.Records();
+      const auto first = static_cast<size_t>(mesh.Vertices.First);
+      const auto at = [&](int64_t index) {
+        return first + vertices[indices[static_cast<size_t>(index)].Vertex].MeshVertex;
       };
+      const auto corner = [&](int64_t k) { return at(TriangleIndex(k)); };
       int64_t k = 0;
       for (; k + 3 <= strip.IndexCount; k += 3) {
-        const std::array<size_t, 3> corners = {corner(k), corner(k + 1), corner(k + 2)};
+        const std::array<size_t, 3> corners = {at(k), at(k + 2), at(k + 1)};  // in the order of TriangleIndex
         if (writeTriangle(material, corners)) continue;
         material.Write(writer);
         for (const size_t number : corners) writeCorner(number);
@@ -98,8 +101,9 @@ void WriteTriangles(core::TextWriter& writer, const MeshPieces& pieces, MeshLine
   const bool withLinks = !lines.Form().Unweighted;
   smd::Vertex made;
   if (const smd::LineList* const all = lines.Get()) {
+    const core::VectorLevel level = core::HighestVectorLevel();
     const auto writeTriangle = [&](const smd::MaterialLine& material, const std::array<size_t, 3>& corners) {
-      return all->WriteTriangle(writer, material, corners);
+      return all->WriteTriangle(writer, material, corners, level);
     };
     return WriteTrianglesBy(writer, pieces, writeTriangle, [&](size_t number) {
       if (all->Write(writer, number)) return;
