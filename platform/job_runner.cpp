@@ -1,6 +1,7 @@
 #include "platform/job_runner.h"
 
 #include <QApplication>
+#include <QKeyEvent>
 #include <QProgressBar>
 #include <QWidget>
 #include <condition_variable>
@@ -99,6 +100,8 @@ bool JobRunner::Start(Work work, JobView view) {
   m_focus = m_page.window()->focusWidget();  // not that of a status window, in which the job may have been started
   if (m_view.Disabled == nullptr) m_view.Disabled = &m_page;
   m_view.Disabled->setEnabled(false);
+  // Where it is nowhere, the first button of the window would get it as soon as the window is in front again.
+  if (m_page.window()->focusWidget() == nullptr) m_page.window()->setFocus();
   const QPointer<QWidget> focusMeanwhile = m_page.window()->focusWidget();
   qApp->installEventFilter(this);  // a disabled button keeps a click from the page
   // A page's status windows are disabled with it; they are what the user looks at meanwhile.
@@ -127,7 +130,16 @@ void JobRunner::timerEvent(QTimerEvent*) {
   OnTick();
 }
 
+/// Whether Enter has reached what the focus has gone to by itself, or the window where it has gone nowhere: it was
+/// meant for the page, such as a second one.
+bool JobRunner::IsStrayEnter(const QObject* watched, const QEvent* event) const {
+  if (event->type() != QEvent::KeyPress || !m_job || m_job->FocusMeanwhile == m_focus) return false;
+  const int key = static_cast<const QKeyEvent*>(event)->key();
+  return (key == Qt::Key_Return || key == Qt::Key_Enter) && watched == m_job->FocusMeanwhile;
+}
+
 bool JobRunner::eventFilter(QObject* watched, QEvent* event) {
+  if (IsStrayEnter(watched, event)) return true;
   if (event->type() != QEvent::MouseButtonPress || m_view.Bar == nullptr) return false;
   const auto* clicked = qobject_cast<const QWidget*>(watched);
   QWidget* status = m_view.Bar->window();

@@ -58,6 +58,7 @@ class JobRunner : public QObject {
 
   void OnTick();
   void ShowWaitingBox();
+  bool IsStrayEnter(const QObject* watched, const QEvent* event) const;
   void Finish();
 
   CDialog& m_page;

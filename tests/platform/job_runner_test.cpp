@@ -88,6 +88,34 @@ TEST_F(JobRunnerTest, GivesTheFocusBackToTheFieldThatHadIt) {
   }
 }
 
+TEST_F(JobRunnerTest, ASecondEnterIsNotTakenForOneToTheWindow) {
+  CDialog window(m_desktop);
+  auto* page = new CDialog(m_desktop, &window, CDialog::Style::Page);
+  auto* field = new QLineEdit(page);
+  auto* about = new QPushButton(&window);
+  about->setDefault(true);
+  int pressed = 0;
+  QObject::connect(about, &QPushButton::clicked, [&] { ++pressed; });
+  window.show();
+  window.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+  const auto enter = [&] {
+    QWidget* focus = window.focusWidget();
+    QTest::keyClick(focus != nullptr ? focus : &window, Qt::Key_Return);
+  };
+  field->setFocus();
+  std::binary_semaphore go(0);
+  JobRunner jobs(*page);
+  jobs.Start([&](core::Report&, const std::stop_token&) { go.acquire(); }, {});
+  enter();
+  EXPECT_EQ(pressed, 0);
+  about->setFocus();
+  enter();
+  EXPECT_EQ(pressed, 1) << "the user has gone there";
+  go.release();
+  ASSERT_TRUE(tests::WaitUntil([&] { return !jobs.IsRunning(); }));
+}
+
 TEST_F(JobRunnerTest, GivesTheFocusBackWhereTheJobWasStartedInAnotherWindow) {
   QWidget window;
   auto* page = new CDialog(m_desktop, &window, CDialog::Style::Page);
