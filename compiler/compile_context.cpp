@@ -59,9 +59,10 @@ void CompileContext::Warning(const qc::Place& at, std::string text, core::Troubl
 }
 
 void CompileContext::WarnOfUnknown(std::string_view name, const qc::Place& at, std::string text) {
+  const std::string shown = qc::Shown(name);  // as the reader's messages have it
   const auto tellsIt = [&](const qc::Message& message) {
     return message.Kind == core::TroubleKind::Missing && message.At.File == at.File && message.At.Line == at.Line &&
-           message.Text.find(name) != std::string::npos;
+           message.Text.find(shown) != std::string::npos;
   };
   if (std::ranges::none_of(Plan.Script.Told.All(), tellsIt)) Warning(at, std::move(text));
 }

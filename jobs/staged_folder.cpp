@@ -7,6 +7,7 @@
 #include "core/folder_reader.h"
 #include "core/output_file.h"
 #include "core/paths.h"
+#include "core/whole_path.h"
 
 namespace tarnwick::jobs {
 
@@ -60,10 +61,10 @@ std::string StagedFolder::Commit() {
 std::string StagedFolder::MoveFiles() {
   std::error_code error;
   const fs::path staged = core::NativePath(m_staged);
-  const fs::path target = core::NativePath(m_path);
-  fs::create_directory(target, error);
+  fs::create_directory(core::NativePath(m_path), error);
   for (core::FolderReader reader(staged); !error && reader.Next();) {
-    fs::rename(reader.Path(), target / reader.Path().filename(), error);
+    fs::rename(core::NativePath(core::PathBelow(m_staged, reader.Name())),
+               core::NativePath(core::PathBelow(m_path, reader.Name())), error);
   }
   core::RemoveFolder(staged);
   return error ? error.message() : std::string();

@@ -16,7 +16,7 @@ class StagedFolder : public core::FileMaker {
   StagedFolder() = default;
   StagedFolder(const StagedFolder&) = delete;
   StagedFolder& operator=(const StagedFolder&) = delete;
-  /// What was not committed goes, if it is empty.
+  /// Without a commit the folder goes if it is empty, and gets its name if something in it was finished.
   ~StagedFolder() override;
 
   /// Prepares the folder at `path`, with all that lead to it. Says why that failed; "" if files can be made in it.

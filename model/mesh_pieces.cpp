@@ -22,7 +22,7 @@ int64_t HighestMeshVertex(const MeshVertexData& mesh, std::span<const VtxIndex> 
   int64_t highest = 0;
   if (vertices.size() <= indices.size()) {
     for (const VtxVertex& vertex : vertices) highest = std::max<int64_t>(highest, vertex.MeshVertex);
-    if (GetMeshVertex(mesh, highest) != nullptr) return highest;
+    if (mesh.First >= 0 && GetMeshVertex(mesh, highest) != nullptr) return highest;
   }
   highest = 0;
   for (const VtxIndex index : indices) highest = std::max<int64_t>(highest, vertices[index.Vertex].MeshVertex);

@@ -130,8 +130,7 @@ void JobRunner::timerEvent(QTimerEvent*) {
   OnTick();
 }
 
-/// Whether Enter has reached what the focus has gone to by itself, or the window where it has gone nowhere: it was
-/// meant for the page, such as a second one.
+/// Whether Enter has reached what the focus has gone to by itself: it was meant for the page, such as a second one.
 bool JobRunner::IsStrayEnter(const QObject* watched, const QEvent* event) const {
   if (event->type() != QEvent::KeyPress || !m_job || m_job->FocusMeanwhile == m_focus) return false;
   const int key = static_cast<const QKeyEvent*>(event)->key();

@@ -159,10 +159,10 @@ TEST(CompileScript, TellsOfAnUnknownNameOnce) {
   EXPECT_TRUE(
       shop.Compile(std::string(Head) +
                    "$body b arm\n$sequence idle swing weightlist legs addlayer wave\n$lod 5 { removemodel hand }\n"
-                   "$animation still swing\n$sequence two swing addlayer still\n"));
+                   "$animation is swing\n$sequence two swing weightlist hips addlayer is\n"));
   EXPECT_THAT(shop.Texts(),
               testing::UnorderedElementsAre(HasSubstr("\"legs\""), HasSubstr("\"wave\""), HasSubstr("\"hand\""),
-                                            HasSubstr("no sequence is called \"still\"")));
+                                            HasSubstr("\"hips\""), HasSubstr("no sequence is called \"is\"")));
 }
 
 TEST(CompileScript, PlacesBonesAndAnimationsWithTheirMeshes) {

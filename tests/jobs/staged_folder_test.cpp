@@ -10,7 +10,6 @@ namespace tarnwick::jobs {
 namespace {
 
 using testing::ElementsAre;
-using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 using tests::ReadText;
