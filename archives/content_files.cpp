@@ -148,6 +148,12 @@ std::optional<core::FileImage> ContentFiles::Read(const std::string& name, std::
                                      : core::FileImage::Read(place->Path, &why);
 }
 
+std::optional<core::FileImage> ContentFiles::ReadIf(const std::string& name, size_t start, const core::WantsFile& wants,
+                                                    std::string* reason) const {
+  if (name.find(':') != std::string::npos) return FileSource::ReadIf(name, start, wants, reason);
+  return core::FileImage::ReadIf(name, start, wants, reason);
+}
+
 bool ContentFiles::ReadStart(const std::string& name, std::span<std::byte> out) const {
   std::string ignored;
   const auto place = Find(name, ignored);

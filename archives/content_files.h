@@ -34,6 +34,8 @@ class ContentFiles : public core::FileSource {
 
   std::optional<core::FileImage> Read(const std::string& name, std::string* reason) const override;
 
+  std::optional<core::FileImage> ReadIf(const std::string& name, size_t start, const core::WantsFile& wants,
+                                        std::string* reason) const override;
   bool ReadStart(const std::string& name, std::span<std::byte> out) const override;
   bool Holds(const std::string& name) const override;
   /// In the same archive; on the disk in the same folder; of a `game:` name, wherever it is found.

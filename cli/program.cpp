@@ -3,9 +3,11 @@
 #include <cerrno>
 #include <cstring>
 #include <exception>
+#include <span>
 #include <string>
 #include <vector>
 
+#include "cli/completions_verb.h"
 #include "cli/help_formatter.h"
 #include "cli/invocation.h"
 #include "cli/terminal.h"
@@ -125,6 +127,15 @@ void TakeHelpAsVerb(std::vector<std::string>& words) {
   words.emplace_back("--help");
 }
 
+/// Adds the verb that is called, if it is clear which that is; all of them take longer than many a model does. The one
+/// that completes words needs all.
+void AddVerbs(const std::vector<std::string>& words, CLI::App& program, Invocation& invocation) {
+  const auto isCalled = [&](const Verb& verb) { return !words.empty() && verb.Name == words.front(); };
+  const auto called = std::find_if(Verbs.begin(), Verbs.end(), isCalled);
+  const bool isEnough = called != Verbs.end() && called->Add != &AddCompletionsVerb;
+  for (const Verb& verb : isEnough ? std::span(called, 1) : Verbs) verb.Add(program, invocation);
+}
+
 }  // namespace
 
 int RunProgram(int argumentCount, const char* const* arguments, std::ostream& out, std::ostream& err) {
@@ -134,12 +145,12 @@ int RunProgram(int argumentCount, const char* const* arguments, std::ostream& ou
   program.require_subcommand(1);
   program.formatter(std::make_shared<HelpFormatter>(TerminalColumns(TerminalStream::Output)));  // verbs inherit it
   Invocation invocation{out, err, {}};
-  for (const AddVerb addVerb : Verbs) addVerb(program, invocation);
-  UnmarkArguments(program);
   std::vector<std::string> words(arguments + std::min(argumentCount, 1), arguments + argumentCount);
   for (std::string& word : words) word = Marked(word);
   MarkProjectValues(words);
   TakeHelpAsVerb(words);
+  AddVerbs(words, program, invocation);
+  UnmarkArguments(program);
   std::reverse(words.begin(), words.end());  // as the parser wants them
   const int exitCode = [&] {
     try {

@@ -24,23 +24,30 @@ namespace tarnwick::cli {
 
 namespace {
 
-constexpr AddVerb VerbTable[] = {
-    AddDecompileVerb,   AddCompileVerb, AddVerifyVerb, AddQcVerb, AddProjectVerb, AddSmdVerb, AddArchiveVerb,
+constexpr Verb VerbTable[] = {
+    {"decompile", AddDecompileVerb},
+    {"compile", AddCompileVerb},
+    {"verify", AddVerifyVerb},
+    {"qc", AddQcVerb},
+    {"project", AddProjectVerb},
+    {"smd", AddSmdVerb},
+    {"archive", AddArchiveVerb},
 #ifdef TARNWICK_HAS_IMAGES
-    AddMaterialVerb,    AddVtfVerb,
+    {"material", AddMaterialVerb},
+    {"vtf", AddVtfVerb},
 #endif
-    AddViewVerb,
+    {"view", AddViewVerb},
 #ifdef TARNWICK_HAS_PICTURES
-    AddPictureVerb,
+    {"picture", AddPictureVerb},
 #endif
 #ifdef TARNWICK_HAS_SETTINGS
-    AddConfigVerb,
+    {"config", AddConfigVerb},
 #endif
-    AddCompletionsVerb,
+    {"completions", AddCompletionsVerb},
 };
 
 }  // namespace
 
-const std::span<const AddVerb> Verbs = VerbTable;
+const std::span<const Verb> Verbs = VerbTable;
 
 }  // namespace tarnwick::cli

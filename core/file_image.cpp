@@ -1,22 +1,33 @@
 #include "core/file_image.h"
 
+#include <algorithm>
 #include <cstring>
+#include <vector>
 
 #include "core/readable_file.h"
 
 namespace tarnwick::core {
 
 std::optional<FileImage> FileImage::Read(const std::string& path, std::string* reason) {
+  return ReadIf(path, 0, nullptr, reason);
+}
+
+std::optional<FileImage> FileImage::ReadIf(const std::string& path, size_t start, const WantsFile& wants,
+                                           std::string* reason) {
   auto file = ReadableFile::Open(path, reason);
   if (!file) return std::nullopt;
   const auto size = static_cast<size_t>(file->Size());
+  std::vector<std::byte> first(wants && start <= size ? start : 0);
+  const auto head = file->Read(first);
+  if (head && *head == start && wants && !wants(first)) return std::nullopt;
   auto bytes = std::make_unique_for_overwrite<std::byte[]>(size);
-  const auto read = file->Read({bytes.get(), size});
-  if (!read) {
+  std::copy(first.begin(), first.end(), bytes.get());
+  const auto rest = head ? file->Read({bytes.get() + *head, size - *head}) : std::nullopt;
+  if (!rest) {
     if (reason != nullptr) *reason = "it could not be read";
     return std::nullopt;
   }
-  return OfShared(path, std::move(bytes), *read);  // shorter if the file shrank while it was read
+  return OfShared(path, std::move(bytes), *head + *rest);  // shorter if the file shrank while it was read
 }
 
 FileImage FileImage::FromBytes(std::string path, std::span<const std::byte> bytes) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -11,6 +12,9 @@
 
 namespace tarnwick::core {
 
+/// Whether a file that begins with these bytes is to be read.
+using WantsFile = std::function<bool(std::span<const std::byte>)>;
+
 /// The bytes of a whole file, read in one call into one buffer, which lives as long as an image of it does. Moving or
 /// copying an image does not move the bytes, so views stay good.
 class FileImage {
@@ -18,6 +22,11 @@ class FileImage {
   /// Reads the file at `path` (either slash is taken). Nothing if it cannot be opened or read, or is no regular file;
   /// then `reason`, if given, tells why in the system's words.
   [[nodiscard]] static std::optional<FileImage> Read(const std::string& path, std::string* reason = nullptr);
+
+  /// The same, unless `wants` refuses the file's first `start` bytes: then nothing, and `reason` is left alone. It is
+  /// not asked of a shorter file.
+  [[nodiscard]] static std::optional<FileImage> ReadIf(const std::string& path, size_t start, const WantsFile& wants,
+                                                       std::string* reason = nullptr);
 
   /// An image over bytes made in memory. `bytes` is copied.
   static FileImage FromBytes(std::string path, std::span<const std::byte> bytes);

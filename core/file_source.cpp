@@ -21,6 +21,10 @@ class Disk : public FileStore {
   std::optional<FileImage> Read(const std::string& name, std::string* reason) const override {
     return FileImage::Read(name, reason);
   }
+  std::optional<FileImage> ReadIf(const std::string& name, size_t start, const WantsFile& wants,
+                                  std::string* reason) const override {
+    return FileImage::ReadIf(name, start, wants, reason);
+  }
   bool ReadStart(const std::string& name, std::span<std::byte> out) const override {
     auto file = ReadableFile::Open(name);
     return file && file->Read(out) == out.size();
@@ -72,6 +76,13 @@ class Disk : public FileStore {
 };
 
 }  // namespace
+
+std::optional<FileImage> FileSource::ReadIf(const std::string& name, size_t start, const WantsFile& wants,
+                                            std::string* reason) const {
+  std::vector<std::byte> head(start);
+  if (ReadStart(name, head) && !wants(head)) return std::nullopt;
+  return Read(name, reason);
+}
 
 std::optional<std::string> FileSource::FindCompanion(const std::string& name) const {
   auto found = FindBeside(name);

@@ -23,6 +23,11 @@ class FileSource {
   /// holds is neither read nor checked.
   [[nodiscard]] virtual bool ReadStart(const std::string& name, std::span<std::byte> out) const = 0;
 
+  /// `Read`, unless `wants` refuses the file's first `start` bytes: then nothing, `reason` is left alone, and the rest,
+  /// however long, is not read. It is not asked of a shorter file.
+  [[nodiscard]] virtual std::optional<FileImage> ReadIf(const std::string& name, size_t start, const WantsFile& wants,
+                                                        std::string* reason = nullptr) const;
+
   /// Whether there is a file of that very name (in an archive in any case).
   [[nodiscard]] virtual bool Holds(const std::string& name) const = 0;
 

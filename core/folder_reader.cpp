@@ -1,5 +1,12 @@
 #include "core/folder_reader.h"
 
+#include <algorithm>
+#include <condition_variable>
+#include <iterator>
+#include <list>
+#include <mutex>
+#include <new>
+#include <thread>
 #include <utility>
 
 #include "core/paths.h"
@@ -45,9 +52,9 @@ fs::path Reached(const fs::path& path) {
 
 }  // namespace
 
-FolderReader::FolderReader(const fs::path& folder) : m_state(std::make_unique<State>()) {
+FolderReader::FolderReader(const NativeText& folder) : m_state(std::make_unique<State>()) {
   m_state->Folder = folder;
-  const fs::path all = Reached((folder.empty() ? fs::path(".") : folder) / "*");
+  const fs::path all = Reached((folder.empty() ? fs::path(".") : m_state->Folder) / "*");
   m_state->Search = FindFirstFileExW(all.c_str(), FindExInfoBasic, &m_state->Entry, FindExSearchNameMatch, nullptr,
                                      FIND_FIRST_EX_LARGE_FETCH);
   // The root of a drive may hold nothing, not even itself.
@@ -75,8 +82,12 @@ std::string FolderReader::Name() const {
   return PathText(m_state->Entry.cFileName);
 }
 
-fs::path FolderReader::Path() const {
-  return m_state->Folder / m_state->Entry.cFileName;
+FolderReader::NativeText FolderReader::Native() const {
+  return (m_state->Folder / m_state->Entry.cFileName).native();
+}
+
+std::string FolderReader::Text() const {
+  return PathText(Path());
 }
 
 bool FolderReader::IsFolder() const {
@@ -130,8 +141,8 @@ struct FolderReader::State {
   }
 };
 
-FolderReader::FolderReader(const fs::path& folder) : m_state(std::make_unique<State>()) {
-  m_state->Folder = folder.empty() ? "." : folder.native();
+FolderReader::FolderReader(const NativeText& folder) : m_state(std::make_unique<State>()) {
+  m_state->Folder = folder.empty() ? "." : folder;
   m_state->Stream = opendir(m_state->Folder.c_str());
   if (!m_state->Folder.ends_with('/')) m_state->Folder += '/';
   if (m_state->Stream == nullptr) m_error = {errno, std::generic_category()};
@@ -159,8 +170,12 @@ std::string FolderReader::Name() const {
   return m_state->Entry->d_name;
 }
 
-fs::path FolderReader::Path() const {
+FolderReader::NativeText FolderReader::Native() const {
   return m_state->Folder + m_state->Entry->d_name;
+}
+
+std::string FolderReader::Text() const {
+  return Native();
 }
 
 bool FolderReader::IsFolder() const {
@@ -191,31 +206,101 @@ void RemoveFolder(const fs::path& folder) {
 
 #endif
 
+namespace {
+
+/// The search below a folder.
+class FolderWalk {
+ public:
+  FolderWalk(bool recursive, const std::function<bool(std::string_view)>& wants)
+      : m_recursive(recursive), m_wants(wants) {}
+
+  std::vector<FileBelow> Run(const fs::path& folder, std::error_code& error) {
+    m_folders.push_back({folder.native(), {}});
+    Work();
+    m_others.clear();
+    error = m_error;
+    return {std::make_move_iterator(m_files.begin()), std::make_move_iterator(m_files.end())};
+  }
+
+ private:
+  struct Folder {
+    FolderReader::NativeText Path;
+    std::string Below;  // with a separator behind it
+  };
+  /// What a thread has found in a folder. To add it to what is known takes no memory that could run out.
+  struct Found {
+    std::list<FileBelow> Files;
+    std::list<Folder> Folders;
+    std::error_code Error;
+  };
+
+  /// Reads folders until there is none left and nobody reads one in which there may be others.
+  void Work() {
+    std::unique_lock lock(m_lock);
+    while (true) {
+      m_changed.wait(lock, [this] { return !m_folders.empty() || m_reading == 0 || m_error; });
+      if (m_folders.empty() || m_error) return;
+      const Folder folder = std::move(m_folders.back());
+      m_folders.pop_back();
+      ++m_reading;
+      if (m_folders.size() >= Many && m_others.size() < m_mostOthers) AddThread();
+      lock.unlock();
+      Found found = Read(folder);
+      lock.lock();
+      --m_reading;
+      if (found.Error) m_error = found.Error;
+      m_files.splice(m_files.end(), found.Files);
+      m_folders.splice(m_folders.end(), found.Folders);
+      m_changed.notify_all();
+    }
+  }
+
+  void AddThread() {
+    try {
+      m_others.emplace_back([this] { Work(); });
+    } catch (const std::system_error&) {  // there are too many
+      m_mostOthers = 0;
+    }
+  }
+
+  Found Read(const Folder& folder) const {
+    Found found;
+    try {
+      FolderReader entries(folder.Path);
+      while (entries.Next()) {
+        const std::string name = entries.Name();
+        if (m_recursive && entries.IsFolder() && !entries.IsLink()) {
+          found.Folders.push_back({entries.Native(), folder.Below + name + PathSeparator});
+        } else if (m_wants(name) && entries.IsFile()) {
+          found.Files.push_back({entries.Text(), folder.Below + name});
+        }
+      }
+      if (entries.Error() != std::errc::permission_denied) found.Error = entries.Error();
+    } catch (const std::bad_alloc&) {
+      found.Error = std::make_error_code(std::errc::not_enough_memory);
+    }
+    return found;
+  }
+
+  static constexpr size_t Many = 16;  // folders still to be read, from which on another thread pays
+
+  const bool m_recursive;
+  const std::function<bool(std::string_view)>& m_wants;
+  size_t m_mostOthers = std::clamp(std::thread::hardware_concurrency(), 1U, 4U) - 1;
+  std::mutex m_lock;  // of all that follows
+  std::condition_variable m_changed;
+  std::list<Folder> m_folders;  // still to be read
+  size_t m_reading = 0;
+  std::list<FileBelow> m_files;
+  std::error_code m_error;
+  std::vector<std::jthread> m_others;
+};
+
+}  // namespace
+
 std::vector<FileBelow> FilesBelow(const fs::path& folder, bool recursive,
                                   const std::function<bool(std::string_view)>& wants, std::error_code& error) {
-  std::vector<FileBelow> files;
-  std::vector<FileBelow> folders{{folder, {}}};  // still to be read
-  while (!folders.empty()) {
-    const FileBelow read = std::move(folders.back());
-    folders.pop_back();
-    FolderReader entries(read.Path);
-    while (entries.Next()) {
-      const std::string name = entries.Name();
-      const bool goesBelow = recursive && entries.IsFolder() && !entries.IsLink();
-      if (!goesBelow && (!wants(name) || !entries.IsFile())) continue;
-      FileBelow below{entries.Path(), read.Below + name};
-      if (!goesBelow) {
-        files.push_back(std::move(below));
-      } else {
-        below.Below += PathSeparator;
-        folders.push_back(std::move(below));
-      }
-    }
-    error = entries.Error();
-    if (error == std::errc::permission_denied) error.clear();
-    if (error) break;
-  }
-  return files;
+  return FolderWalk(recursive, wants).Run(folder, error);
 }
 
 }  // namespace tarnwick::core

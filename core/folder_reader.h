@@ -17,8 +17,12 @@ namespace tarnwick::core {
 ///     while (entries.Next()) Use(entries.Name());
 class FolderReader {
  public:
+  /// A path as the system has it. To make one of the library's paths of a text costs more than to read a small folder.
+  using NativeText = std::filesystem::path::string_type;
+
   /// Opens `folder`; "" is the current one. Where it cannot be opened, Error() tells why and there is no entry.
-  explicit FolderReader(const std::filesystem::path& folder);
+  explicit FolderReader(const std::filesystem::path& folder) : FolderReader(folder.native()) {}
+  explicit FolderReader(const NativeText& folder);
   FolderReader(const FolderReader&) = delete;
   FolderReader& operator=(const FolderReader&) = delete;
   ~FolderReader();
@@ -31,7 +35,10 @@ class FolderReader {
 
   std::string Name() const;
   /// The folder as it was given, and the name.
-  std::filesystem::path Path() const;
+  std::filesystem::path Path() const { return Native(); }
+  NativeText Native() const;
+  /// The same for people and for functions that take text.
+  std::string Text() const;
   /// Whether it is a folder, or a link to one.
   bool IsFolder() const;
   /// Whether it is a regular file, or a link to one.
@@ -48,13 +55,14 @@ class FolderReader {
 
 /// A file that stands in a folder or below it.
 struct FileBelow {
-  std::filesystem::path Path;  // with the folder as it was given
-  std::string Below;           // with the system's separators, without that folder
+  std::string Path;   // with the folder as it was given
+  std::string Below;  // with the system's separators, without that folder
 };
 
 /// The files in `folder` whose names `wants` takes, and if `recursive` those in all folders below. Links to folders are
 /// not followed, and folders that may not be read are left out; what else keeps a folder from being read ends the
-/// search and is told in `error`. The order is any.
+/// search and is told in `error`. The order is any. Where there are many folders several threads read them, and ask
+/// `wants` at once.
 std::vector<FileBelow> FilesBelow(const std::filesystem::path& folder, bool recursive,
                                   const std::function<bool(std::string_view)>& wants, std::error_code& error);
 

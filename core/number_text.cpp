@@ -90,6 +90,10 @@ std::string ShortestDecimal(double value) {
   return Plain(value);
 }
 
+char* WriteShortestDecimal(char* out, float value) {
+  return std::to_chars(out, out + LongestNumberText, value, std::chars_format::fixed).ptr;
+}
+
 std::string FixedText(double value, int precision) {
   char text[400];  // the largest double has 309 digits before its point
   char* const end = std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, precision).ptr;

@@ -60,6 +60,8 @@ std::string FixedText(double value, int precision);
 /// The shortest plain decimal text that reads as the same number ("3.89", "-0.0625", never "1e-05").
 std::string ShortestDecimal(float value);
 std::string ShortestDecimal(double value);
+/// Writes it at `out`, at most LongestNumberText bytes of it. Returns the end of the text.
+char* WriteShortestDecimal(char* out, float value);
 
 /// Writes `value` at `out` as printf's "%d" writes it. Returns the end of the text.
 char* WriteInteger(char* out, int64_t value);

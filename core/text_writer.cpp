@@ -1,22 +1,43 @@
 #include "core/text_writer.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstring>
+#include <utility>
 
 namespace tarnwick::core {
 
+namespace {
+
+/// Buffers of this thread's last writers, for its next ones. Memory of that size costs more to give back and ask for
+/// than many a file does that is written.
+thread_local std::array<std::unique_ptr<char[]>, 3> spareBuffers;
+
+std::unique_ptr<char[]> TakeBuffer(size_t size) {
+  for (auto& spare : spareBuffers) {
+    if (spare) return std::move(spare);
+  }
+  return std::make_unique_for_overwrite<char[]>(size);
+}
+
+void KeepBuffer(std::unique_ptr<char[]> buffer) {
+  const auto empty = std::find(spareBuffers.begin(), spareBuffers.end(), nullptr);
+  if (empty != spareBuffers.end()) *empty = std::move(buffer);
+}
+
+}  // namespace
+
 TextWriter::TextWriter(OutputFile& target)
-    : m_file(&target),
-      m_buffer(std::make_unique_for_overwrite<char[]>(BufferSize)),
-      m_next(m_buffer.get()),
-      m_end(m_next + BufferSize) {}
+    : m_file(&target), m_buffer(TakeBuffer(BufferSize)), m_next(m_buffer.get()), m_end(m_next + BufferSize) {}
 
 TextWriter::TextWriter(std::string& target)
-    : m_string(&target),
-      m_buffer(std::make_unique_for_overwrite<char[]>(BufferSize)),
-      m_next(m_buffer.get()),
-      m_end(m_next + BufferSize) {}
+    : m_string(&target), m_buffer(TakeBuffer(BufferSize)), m_next(m_buffer.get()), m_end(m_next + BufferSize) {}
+
+TextWriter::~TextWriter() {
+  Flush();
+  KeepBuffer(std::move(m_buffer));
+}
 
 void TextWriter::HandOver(size_t bytes) {
   const std::string_view text(m_buffer.get(), bytes);

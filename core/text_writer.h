@@ -61,7 +61,7 @@ class TextWriter {
   explicit TextWriter(std::string& target);
   TextWriter(const TextWriter&) = delete;
   TextWriter& operator=(const TextWriter&) = delete;
-  ~TextWriter() { Flush(); }
+  ~TextWriter();
 
   /// Text in which every "\n" becomes the platform's line end.
   void Text(std::string_view text);

@@ -1,5 +1,7 @@
 #include "core/whole_path.h"
 
+#include <algorithm>
+
 #include "core/paths.h"
 
 #ifdef _WIN32
@@ -75,7 +77,12 @@ fs::path RealPathOfNew(const fs::path& path, std::error_code& error) {
 #else
 
 std::string PathBelow(std::string_view folder, std::string_view name) {
-  return PathText(NativePath(folder) / NativePath(name));
+  const bool isWhole = name.starts_with('/') || name.starts_with('\\');
+  std::string path(isWhole ? std::string_view() : folder);
+  if (!path.empty() && LastComponent(path) != "") path += PathSeparator;
+  path += name;
+  std::replace(path.begin(), path.end(), '\\', '/');
+  return path;
 }
 
 fs::path RealPath(const fs::path& path, std::error_code& error) {

@@ -1,6 +1,7 @@
 #include "decompiler/decompile_job.h"
 
 #include <algorithm>
+#include <cstring>
 #include <span>
 #include <utility>
 
@@ -30,25 +31,35 @@ bool IsNamedModel(const StudioHeader& header) {
   return std::string_view(header.Id, sizeof header.Id) == ModelId;
 }
 
-/// Whether the file's head says that it is something else, which is told: no need to read the rest, however long.
-bool IsNoModel(JobContext& job, const std::string& path) {
-  StudioHeader header{};
-  if (!job.Files().ReadStart(path, std::as_writable_bytes(std::span(&header, 1)))) return false;
+bool IsModel(const StudioHeader& header) {
+  return IsKnownVersion(header.Version) || IsNamedModel(header);
+}
+
+/// Tells that the file is something else, as its head says.
+void TellNoModel(JobContext& job, const std::string& path, const StudioHeader& header) {
   const int32_t version = header.Version;
-  if (IsKnownVersion(version) || IsNamedModel(header)) return false;
   DecompileLog(job, "Loaded model " + path + "\r\n");
   job.Error(path + " is no compiled model: neither its first letters nor its version (" + std::to_string(version) +
                 ") are those of one",
             "Error", core::TroubleKind::Unknown, path, "not a compiled model");
-  return true;
 }
 
-/// Loads the .mdl file. False, told, if there is none, it is shorter than its header, or it is something else.
+/// Loads the .mdl file. False, told, if there is none, it is shorter than its header, or it is something else, of which
+/// no more than the head is read.
 bool LoadModel(JobContext& job) {
   const std::string& path = job.Job().ModelPath;
-  if (IsNoModel(job, path)) return false;
   std::string reason;
-  auto model = LoadModelFile(path, &reason, job.Files());
+  StudioHeader head{};
+  bool isModel = true;
+  const auto wants = [&](std::span<const std::byte> start) {
+    std::memcpy(&head, start.data(), sizeof head);
+    return isModel = IsModel(head);
+  };
+  auto model = job.Files().ReadIf(path, sizeof head, wants, &reason);
+  if (!isModel) {
+    TellNoModel(job, path, head);
+    return false;
+  }
   if (model && !model->View().At<StudioHeader>(0)) {
     const int64_t size = model->View().Size();
     reason = size == 0 ? "it is empty" : "its " + std::to_string(size) + " bytes are fewer than a model's header has";

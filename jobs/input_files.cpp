@@ -85,7 +85,7 @@ void AddFolder(InputFiles& found, const std::string& input, std::string_view ext
     found.Troubles.push_back(NothingIn(input, extension, recursive));
   }
   for (const core::FileBelow& file : files) {
-    AddFile(found, {core::PathText(file.Path), file.Below, true}, extension, true);
+    AddFile(found, {file.Path, file.Below, true}, extension, true);
   }
 }
 

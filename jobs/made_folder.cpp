@@ -20,7 +20,7 @@ std::mutex& FoldersMutex() {
 
 /// Makes the folder, and those that lead to it, where only these are missing; they are added to `made`. False if there
 /// is more to it.
-bool MakeFrom(const fs::path& folder, std::vector<fs::path>& made) {
+bool MakeFrom(const fs::path& folder, std::vector<fs::path::string_type>& made) {
   std::error_code error;
   bool isNew = fs::create_directory(folder, error);
   if (error == std::errc::no_such_file_or_directory) {
@@ -28,7 +28,7 @@ bool MakeFrom(const fs::path& folder, std::vector<fs::path>& made) {
     if (parent.empty() || parent == folder || !MakeFrom(parent, made)) return false;
     isNew = fs::create_directory(folder, error);
   }
-  if (isNew) made.push_back(folder);
+  if (isNew) made.push_back(folder.native());
   return !error;
 }
 
@@ -41,14 +41,17 @@ MadeFolder::~MadeFolder() {
 }
 
 std::string MadeFolder::Make(const std::string& path) {
+  return Make(core::NativePath(path));
+}
+
+std::string MadeFolder::Make(const fs::path& folder) {
   const std::lock_guard lock(FoldersMutex());
-  const fs::path folder = core::NativePath(path);
   std::error_code error;
   if (MakeFrom(folder, m_made)) return "";
   const auto known = m_made.size();
   for (fs::path part = folder; !part.empty() && !fs::exists(part, error) && part != part.parent_path();
        part = part.parent_path()) {
-    if (part.has_filename()) m_made.push_back(part);
+    if (part.has_filename()) m_made.push_back(part.native());
   }
   std::reverse(m_made.begin() + static_cast<ptrdiff_t>(known), m_made.end());
   fs::create_directories(folder, error);

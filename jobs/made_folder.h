@@ -17,11 +17,13 @@ class MadeFolder {
 
   /// Makes the folder at `path` with all that lead to it. Says why that failed; "" if the folder is there.
   [[nodiscard]] std::string Make(const std::string& path);
+  /// The same by the path that the system takes.
+  [[nodiscard]] std::string Make(const std::filesystem::path& folder);
   /// Lets what was made stay, as there is something in it.
   void Keep() { m_made.clear(); }
 
  private:
-  std::vector<std::filesystem::path> m_made;  // the innermost last
+  std::vector<std::filesystem::path::string_type> m_made;  // the innermost last
 };
 
 }  // namespace tarnwick::jobs

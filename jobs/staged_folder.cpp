@@ -16,28 +16,30 @@ namespace fs = std::filesystem;
 namespace {
 
 /// Whether a folder of that path is new, and has a name to be renamed to.
-bool IsNew(const std::string& path) {
+bool IsNew(const std::string& path, const fs::path& native) {
   const std::string_view name = core::LastComponent(path);
   if (name.empty() || name == "." || name == "..") return false;
   std::error_code error;
-  return fs::symlink_status(core::NativePath(path), error).type() == fs::file_type::not_found;
+  return fs::symlink_status(native, error).type() == fs::file_type::not_found;
 }
 
 }  // namespace
 
 StagedFolder::~StagedFolder() {
   std::error_code error;
-  if (!m_staged.empty() && !fs::is_empty(core::NativePath(m_staged), error) && !error) static_cast<void>(Commit());
+  if (!m_staged.empty() && !fs::is_empty(m_nativeStaged, error) && !error) static_cast<void>(Commit());
 }
 
 std::string StagedFolder::Make(const std::string& path) {
   m_path = path;
-  if (IsNew(path)) {
-    m_staged = core::PathText(core::TemporaryName(core::NativePath(path).native()));
-    if (m_made.Make(m_staged).empty()) return "";
+  m_native = core::NativePath(path);
+  if (IsNew(path, m_native)) {
+    m_staged = core::PathText(core::TemporaryName(m_native.native()));
+    m_nativeStaged = core::NativePath(m_staged);
+    if (m_made.Make(m_nativeStaged).empty()) return "";
     m_staged.clear();
   }
-  return m_made.Make(path);
+  return m_made.Make(m_native);
 }
 
 std::optional<core::OutputFile> StagedFolder::Create(std::string path, std::string* reason) {
@@ -52,7 +54,7 @@ std::string StagedFolder::Commit() {
   m_made.Keep();
   if (m_staged.empty()) return "";
   std::error_code error;
-  fs::rename(core::NativePath(m_staged), core::NativePath(m_path), error);
+  fs::rename(m_nativeStaged, m_native, error);
   std::string problem = error ? MoveFiles() : std::string();
   m_staged.clear();
   return problem;
@@ -60,13 +62,12 @@ std::string StagedFolder::Commit() {
 
 std::string StagedFolder::MoveFiles() {
   std::error_code error;
-  const fs::path staged = core::NativePath(m_staged);
-  fs::create_directory(core::NativePath(m_path), error);
-  for (core::FolderReader reader(staged); !error && reader.Next();) {
+  fs::create_directory(m_native, error);
+  for (core::FolderReader reader(m_nativeStaged); !error && reader.Next();) {
     fs::rename(core::NativePath(core::PathBelow(m_staged, reader.Name())),
                core::NativePath(core::PathBelow(m_path, reader.Name())), error);
   }
-  core::RemoveFolder(staged);
+  core::RemoveFolder(m_nativeStaged);
   return error ? error.message() : std::string();
 }
 

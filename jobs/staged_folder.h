@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <optional>
 #include <string>
 
@@ -33,8 +34,9 @@ class StagedFolder : public core::FileMaker {
   [[nodiscard]] std::string MoveFiles();
 
   std::string m_path;
-  std::string m_staged;  // the temporary name; empty where the folder was there
-  MadeFolder m_made;     // what leads to it, or the folder itself
+  std::string m_staged;                            // the temporary name; empty where the folder was there
+  std::filesystem::path m_native, m_nativeStaged;  // the same as the system has them
+  MadeFolder m_made;                               // what leads to it, or the folder itself
 };
 
 }  // namespace tarnwick::jobs

@@ -137,6 +137,84 @@ TARNWICK_AVX2 char* WriteEightNumbersAvx2(char* out, const void* values) {
   return WriteFour(WriteFour(out, low), high);
 }
 
+// The same with all numbers in one register. Each is written with a sign and three whole digits, a number in a quarter
+// of a register; then what it does not have of these is left out of all at once.
+
+namespace {
+
+template <typename T>
+using WholeRegister = std::array<T, 64 / sizeof(T)>;
+
+/// The same in each quarter of a register.
+template <typename T>
+constexpr WholeRegister<T> InQuarters(const std::array<T, TextRoom>& quarter) {
+  WholeRegister<T> whole{};
+  for (size_t i = 0; i < whole.size(); ++i) whole[i] = quarter[i % TextRoom];
+  return whole;
+}
+
+// A quarter holds the digits but the hundreds in its lower half, and behind them the hundreds, which are 0 where there
+// are none, the tens or-ed to them, and 1 for a negative number.
+constexpr uint8_t HasTensPlace = 9, IsNegativePlace = 10;
+alignas(64) constexpr auto LongPlaces = InQuarters<uint8_t>({NoDigit, NoDigit, HundredsPlace, 0, 1, NoDigit, 2, 3, 4, 5,
+                                                             6, 7, NoDigit, NoDigit, NoDigit, NoDigit});
+alignas(64) constexpr auto LongRest = InQuarters<char>({' ', '-', '0', '0', '0', '.', '0', '0', '0', '0', '0', '0'});
+alignas(64) constexpr auto KeptPlaces = InQuarters<uint8_t>({NoDigit, IsNegativePlace, HundredsPlace, HasTensPlace,
+                                                             NoDigit, NoDigit, NoDigit, NoDigit, NoDigit, NoDigit,
+                                                             NoDigit, NoDigit, NoDigit, NoDigit, NoDigit, NoDigit});
+constexpr uint64_t AlwaysKept = 0x0FF1'0FF1'0FF1'0FF1;  // the blank, the ones, the point and what follows
+alignas(64) constexpr WholeRegister<uint64_t> FirstFour = {0, 8, 1, 9, 2, 10, 3, 11};
+alignas(64) constexpr WholeRegister<uint64_t> LastFour = {4, 12, 5, 13, 6, 14, 7, 15};
+
+template <typename T>
+TARNWICK_INLINE TARNWICK_AVX512_BYTES __m512i LoadWhole(const WholeRegister<T>& values) {
+  return _mm512_load_si512(values.data());
+}
+
+TARNWICK_INLINE TARNWICK_AVX512_BYTES __m512i WideQuotient(__m512i values, uint32_t factor, unsigned shift) {
+  return _mm512_srli_epi64(_mm512_mul_epu32(values, _mm512_set1_epi64(factor)), shift);
+}
+TARNWICK_INLINE TARNWICK_AVX512_BYTES __m512i WideProduct(__m512i values, uint32_t factor) {
+  return _mm512_mul_epu32(values, _mm512_set1_epi64(factor));
+}
+
+/// Writes the numbers of four quarters.
+TARNWICK_INLINE TARNWICK_AVX512_BYTES char* WriteQuarters(char* out, __m512i quarters) {
+  const __m512i text = _mm512_or_si512(_mm512_shuffle_epi8(quarters, LoadWhole(LongPlaces)), LoadWhole(LongRest));
+  const __m512i kept = _mm512_shuffle_epi8(quarters, LoadWhole(KeptPlaces));
+  const uint64_t mask = _mm512_test_epi8_mask(kept, kept) | AlwaysKept;
+  _mm512_storeu_si512(out, _mm512_maskz_compress_epi8(mask, text));
+  return out + _mm_popcnt_u64(mask);
+}
+
+}  // namespace
+
+TARNWICK_AVX512_BYTES char* WriteEightNumbersAvx512(char* out, const void* values) {
+  const __m256 all = _mm256_castsi256_ps(_mm256_loadu_si256(static_cast<const __m256i*>(values)));
+  const __m256 sizes = _mm256_andnot_ps(_mm256_set1_ps(-0.0F), all);
+  if (_mm256_cmp_ps_mask(sizes, _mm256_set1_ps(999), _CMP_NLT_UQ) != 0) return nullptr;
+  const __m512d wide = _mm512_cvtps_pd(all);
+  const __m512d sum = _mm512_add_pd(_mm512_mul_pd(_mm512_abs_pd(wide), _mm512_set1_pd(1e6)), _mm512_set1_pd(0x1p52));
+  const __m512i scaled = _mm512_castpd_si512(sum);
+  const __m512i hundreds = WideQuotient(scaled, 1'441'151'881, 57);
+  const __m512i highFive = WideQuotient(scaled, 3'518'437'209, 45);
+  const __m512i highFour = _mm512_sub_epi32(highFive, WideProduct(hundreds, 10'000));
+  const __m512i lowFour = _mm512_sub_epi32(scaled, WideProduct(highFive, 10'000));
+  const __m512i fours = _mm512_or_si512(highFour, _mm512_slli_epi64(lowFour, 32));
+  const __m512i highTwo = _mm512_srli_epi16(_mm512_mulhi_epu16(fours, _mm512_set1_epi16(5243)), 3);
+  const __m512i lowTwo = _mm512_sub_epi16(fours, _mm512_mullo_epi16(highTwo, _mm512_set1_epi16(100)));
+  const __m512i twos = _mm512_or_si512(highTwo, _mm512_slli_epi32(lowTwo, 16));
+  const __m512i highOne = _mm512_srli_epi16(_mm512_mullo_epi16(twos, _mm512_set1_epi16(103)), 10);
+  const __m512i lowOne = _mm512_sub_epi16(twos, _mm512_mullo_epi16(highOne, _mm512_set1_epi16(10)));
+  const __m512i ones = _mm512_or_si512(highOne, _mm512_slli_epi16(lowOne, 8));
+  const __m512i tens = _mm512_or_si512(hundreds, _mm512_and_si512(ones, _mm512_set1_epi64(0xFF)));
+  const __m512i negative = _mm512_srli_epi64(_mm512_castpd_si512(wide), 63);
+  const __m512i rest =
+      _mm512_or_si512(_mm512_or_si512(hundreds, _mm512_slli_epi64(tens, 8)), _mm512_slli_epi64(negative, 16));
+  out = WriteQuarters(out, _mm512_permutex2var_epi64(ones, LoadWhole(FirstFour), rest));
+  return WriteQuarters(out, _mm512_permutex2var_epi64(ones, LoadWhole(LastFour), rest));
+}
+
 }  // namespace tarnwick::smd
 
 #endif

@@ -20,8 +20,7 @@ char* WriteExact(char* out, float value) {
   char* const end = core::WriteFixed<6>(out, value);
   const double rounded = std::nearbyint(double{value} * 1e6) / 1e6;
   if (static_cast<float>(rounded) == value || !std::isfinite(value)) return end;
-  const std::string text = core::ShortestDecimal(value);
-  return std::copy(text.begin(), text.end(), out);
+  return core::WriteShortestDecimal(out, value);
 }
 
 char* WriteThreeExact(char* out, float x, float y, float z) {

@@ -8,10 +8,21 @@ SkeletonText FormatSkeleton(std::span<const Node> nodes) {
   core::TextWriter bones(text.BoneLines);
   int64_t number = 0;
   for (const Node& node : nodes) {
-    names.Format("  %d \"%s\" %d\n", number, node.Name, node.Parent);
-    bones.Format("  %d %2.6f %2.6f %2.6f %2.6f %2.6f %2.6f\n", number, node.Position.X, node.Position.Y,
-                 node.Position.Z, node.Rotation.X, node.Rotation.Y, node.Rotation.Z);
-    ++number;
+    names.Text("  ");
+    names.Integer(number);
+    names.Text(" \"");
+    names.Text(node.Name);
+    names.Text("\" ");
+    names.Integer(node.Parent);
+    names.Text("\n");
+    bones.Text("  ");
+    bones.Integer(number++);
+    for (const float value :
+         {node.Position.X, node.Position.Y, node.Position.Z, node.Rotation.X, node.Rotation.Y, node.Rotation.Z}) {
+      bones.Char(' ');
+      bones.Float6(value);
+    }
+    bones.Text("\n");
   }
   names.Flush();
   bones.Flush();

@@ -49,26 +49,52 @@ constexpr auto SignedWholes = [] {
   return all;
 }();
 
-/// Takes all numbers apart, as WriteFixed does one. False if one is 999 or larger, infinite or not a number: then the
-/// parts mean nothing.
-bool TakeApart(const float (&values)[Lanes], NumberParts& parts) {
-  uint32_t large = 0;
-  for (size_t i = 0; i < Lanes; ++i) {
-    const auto bits = std::bit_cast<uint32_t>(values[i]);
-    const auto size = std::bit_cast<float>(bits & 0x7FFFFFFF);
-    large |= size < 999.0f ? 0 : 1;
-    const auto scaled = static_cast<uint32_t>(std::bit_cast<uint64_t>(double{size} * 1e6 + 0x1p52));
-    const uint32_t whole = scaled / 1'000'000, decimals = scaled % 1'000'000;
-    parts.Whole[i] = whole + (bits >> 31) * Negative;
-    parts.High[i] = decimals / 1000;
-    parts.Low[i] = decimals % 1000;
-  }
-  return large == 0;
+constexpr float TooLarge = 999;  // for the tables
+
+/// Takes a number below TooLarge apart, as WriteFixed does.
+void TakeApart(float value, NumberParts& parts, size_t place) {
+  const auto bits = std::bit_cast<uint32_t>(value);
+  const auto size = std::bit_cast<float>(bits & 0x7FFFFFFF);
+  const auto scaled = static_cast<uint32_t>(std::bit_cast<uint64_t>(double{size} * 1e6 + 0x1p52));
+  const uint32_t whole = scaled / 1'000'000, decimals = scaled % 1'000'000;
+  parts.Whole[place] = whole + (bits >> 31) * Negative;
+  parts.High[place] = decimals / 1000;
+  parts.Low[place] = decimals % 1000;
 }
 
-char* WriteSpacedFloat(char* out, float value) {
+char* WriteParts(char* out, const NumberParts& parts, size_t place) {
+  const SignedWhole& whole = SignedWholes[parts.Whole[place]];
+  std::memcpy(out, &whole, sizeof whole);
+  out += whole.Length;
+  core::WriteTriple(out, parts.High[place]);
+  core::WriteTriple(out + 3, parts.Low[place]);
+  return out + 6;
+}
+
+/// Also of an infinity, and of what is not a number.
+bool IsTooLarge(float value) {
+  return !(std::bit_cast<float>(std::bit_cast<uint32_t>(value) & 0x7FFFFFFF) < TooLarge);
+}
+
+bool IsFinite(float value) {
+  return value - value == 0;
+}
+
+/// How a line was written.
+struct FormedLine {
+  char* End;
+  bool Finite;  // all its numbers
+};
+
+/// Writes a blank and the number.
+FormedLine WriteSpacedFloat(char* out, float value) {
+  if (!IsTooLarge(value)) {
+    NumberParts parts;
+    TakeApart(value, parts, 0);
+    return {WriteParts(out, parts, 0), true};
+  }
   *out++ = ' ';
-  return core::WriteFixed<6>(out, value);
+  return {core::WriteFixed<6>(out, value), IsFinite(value)};
 }
 
 /// Writes a whole number, of which there are few large ones.
@@ -78,72 +104,87 @@ char* WriteNumber(char* out, int32_t value) {
   return out + 1 + (value >= 10) + (value >= 100);
 }
 
-char* WriteLink(char* out, const Link& link) {
-  constexpr char Whole[] = " 1.000000";  // all of it, as most corners have it
-  *out++ = ' ';
-  out = WriteNumber(out, link.Bone);
-  if (link.Weight != 1) return WriteSpacedFloat(out, link.Weight);
-  std::memcpy(out, Whole, sizeof Whole - 1);
-  return out + sizeof Whole - 1;
+/// Writes a blank and a whole number.
+char* WriteSpacedNumber(char* out, int32_t value) {
+  if (static_cast<uint32_t>(value) >= Negative) {
+    *out++ = ' ';
+    return core::WriteInteger(out, value);
+  }
+  const SignedWhole& whole = SignedWholes[static_cast<size_t>(value)];
+  std::memcpy(out, &whole, sizeof whole);
+  return out + whole.Length - 1;  // but the point
 }
 
-/// Writes the numbers by the tables; nothing, and no text, where one is too large for them.
-char* WriteByTables(char* out, const float (&values)[Lanes]) {
-  NumberParts parts;
-  if (!TakeApart(values, parts)) return nullptr;
-  for (size_t i = 0; i < Lanes; ++i) {
-    const SignedWhole& whole = SignedWholes[parts.Whole[i]];
-    std::memcpy(out, &whole, sizeof whole);
-    out += whole.Length;
-    core::WriteTriple(out, parts.High[i]);
-    core::WriteTriple(out + 3, parts.Low[i]);
-    out += 6;
+FormedLine WriteLinks(char* out, const Vertex& vertex) {
+  constexpr char Whole[] = " 1.000000";  // all of it, as most corners have it
+  FormedLine line{WriteSpacedNumber(out, vertex.LinkCount), true};
+  for (int32_t i = 0; i < vertex.LinkCount; ++i) {
+    const Link& link = vertex.Links[static_cast<size_t>(i)];
+    line.End = WriteSpacedNumber(line.End, link.Bone);
+    if (link.Weight == 1) {
+      std::memcpy(line.End, Whole, sizeof Whole - 1);
+      line.End += sizeof Whole - 1;
+    } else {
+      const FormedLine weight = WriteSpacedFloat(line.End, link.Weight);
+      line = {weight.End, line.Finite && weight.Finite};
+    }
   }
-  return out;
+  return line;
 }
 
 /// Writes the numbers ahead of the links.
-char* WriteNumbers(char* out, const Vertex& vertex, [[maybe_unused]] core::VectorLevel level) {
+FormedLine WriteNumbers(char* out, const Vertex& vertex) {
+  const float values[Lanes] = {vertex.Position.X, vertex.Position.Y, vertex.Position.Z, vertex.Normal.X,
+                               vertex.Normal.Y,   vertex.Normal.Z,   vertex.U,          vertex.V};
+  FormedLine line{out, true};
+  if (std::none_of(std::begin(values), std::end(values), IsTooLarge)) {
+    NumberParts parts;
+    for (size_t i = 0; i < Lanes; ++i) TakeApart(values[i], parts, i);
+    for (size_t i = 0; i < Lanes; ++i) line.End = WriteParts(line.End, parts, i);
+    return line;
+  }
+  for (const float value : values) {
+    const FormedLine number = WriteSpacedFloat(line.End, value);
+    line = {number.End, line.Finite && number.Finite};
+  }
+  return line;
+}
+
+/// Writes eight numbers from where they stand side by side, if it can; see WriteEightNumbersAvx2.
+using WriteEight = char* (*)(char* out, const void* values);
+
+/// Null where there is only the plain way.
+WriteEight WriteEightOf([[maybe_unused]] core::VectorLevel level) {
 #if TARNWICK_HAS_AVX_CODE
+  if (level >= core::VectorLevel::Avx512Bytes) return WriteEightNumbersAvx512;
+  if (level >= core::VectorLevel::Avx2) return WriteEightNumbersAvx2;
+#endif
+  return nullptr;
+}
+
+FormedLine FormLine(char* out, const Vertex& vertex, bool withLinks, WriteEight writeEight) {
   // Where they stand: what is put together from single numbers could not be loaded before it has left the processor.
   static_assert(offsetof(Vertex, V) - offsetof(Vertex, Position) == (Lanes - 1) * sizeof(float));
   const auto* const first = reinterpret_cast<const std::byte*>(&vertex) + offsetof(Vertex, Position);
-  if (level >= core::VectorLevel::Avx2) {
-    if (char* const end = WriteEightNumbersAvx2(out, first)) return end;
+  out = WriteNumber(out, vertex.Bone);
+  FormedLine line{writeEight != nullptr ? writeEight(out, first) : nullptr, true};
+  if (line.End == nullptr) line = WriteNumbers(out, vertex);
+  if (withLinks) {
+    const FormedLine links = WriteLinks(line.End, vertex);
+    line = {links.End, line.Finite && links.Finite};
   }
-#endif
-  const float values[Lanes] = {vertex.Position.X, vertex.Position.Y, vertex.Position.Z, vertex.Normal.X,
-                               vertex.Normal.Y,   vertex.Normal.Z,   vertex.U,          vertex.V};
-  if (char* const end = WriteByTables(out, values)) return end;
-  for (const float value : values) out = WriteSpacedFloat(out, value);
-  return out;
-}
-
-bool IsFinite(float value) {
-  return value - value == 0;
+  std::memcpy(line.End, core::PlatformLineEnd.data(), core::PlatformLineEnd.size());
+  line.End += core::PlatformLineEnd.size();
+  return line;
 }
 
 }  // namespace
 
 char* WriteVertexLine(char* out, const Vertex& vertex, bool withLinks, core::VectorLevel level) {
-  out = WriteNumbers(WriteNumber(out, vertex.Bone), vertex, level);
-  if (withLinks) {
-    *out++ = ' ';
-    out = WriteNumber(out, vertex.LinkCount);
-    for (int32_t i = 0; i < vertex.LinkCount; ++i) out = WriteLink(out, vertex.Links[static_cast<size_t>(i)]);
-  }
-  std::memcpy(out, core::PlatformLineEnd.data(), core::PlatformLineEnd.size());
-  return out + core::PlatformLineEnd.size();
+  return FormLine(out, vertex, withLinks, WriteEightOf(level)).End;
 }
 
 uint64_t CountNonFinite(const Vertex& vertex, bool withLinks) {
-  float sum = 0;  // unless one of them is not finite: such a number times 0 is none
-  for (const float value : {vertex.Position.X, vertex.Position.Y, vertex.Position.Z, vertex.Normal.X, vertex.Normal.Y,
-                            vertex.Normal.Z, vertex.U, vertex.V}) {
-    sum += value * 0;
-  }
-  for (int32_t i = 0; withLinks && i < vertex.LinkCount; ++i) sum += vertex.Links[static_cast<size_t>(i)].Weight * 0;
-  if (sum == 0) return 0;
   uint64_t count = 0;
   for (const float value : {vertex.Position.X, vertex.Position.Y, vertex.Position.Z, vertex.Normal.X, vertex.Normal.Y,
                             vertex.Normal.Z, vertex.U, vertex.V}) {
@@ -157,8 +198,9 @@ uint64_t CountNonFinite(const Vertex& vertex, bool withLinks) {
 
 void WriteVertexLine(core::TextWriter& writer, const Vertex& vertex, bool withLinks) {
   char* const text = writer.Room(LongestVertexLine);
-  writer.Take(static_cast<size_t>(WriteVertexLine(text, vertex, withLinks) - text));
-  writer.CountNonFinite(CountNonFinite(vertex, withLinks));
+  const FormedLine line = FormLine(text, vertex, withLinks, WriteEightOf(core::HighestVectorLevel()));
+  writer.Take(static_cast<size_t>(line.End - text));
+  if (!line.Finite) writer.CountNonFinite(CountNonFinite(vertex, withLinks));
 }
 
 MaterialLine::MaterialLine(std::string_view material) : m_text(std::string(material) + ".tga\n") {
@@ -169,49 +211,29 @@ MaterialLine::MaterialLine(std::string_view material) : m_text(std::string(mater
   m_length = bare + core::PlatformLineEnd.size();
 }
 
-// Lines vary in length by little; what may be written behind the last one is there too.
+// A line that is too long runs on over the places behind its own, whose lines come later, and over some behind the
+// last.
 LineList::LineList(size_t count)
-    : m_starts(std::make_unique_for_overwrite<uint32_t[]>(count + 1)),
-      m_text(std::make_unique_for_overwrite<char[]>(count * LongestKept + LongestVertexLine)) {
-  m_starts[0] = 0;
+    : m_lengths(std::make_unique_for_overwrite<uint8_t[]>(count)),
+      m_places(std::make_unique_for_overwrite<Place[]>(count + LongestVertexLine / sizeof(Place))) {
+  static_assert(sizeof(Place) <= UINT8_MAX);
 }
 
 void LineList::Add(std::span<const Vertex> vertices, bool withLinks) {
-  const core::VectorLevel level = core::HighestVectorLevel();
-  size_t start = m_starts[m_count];
+  const WriteEight writeEight = WriteEightOf(core::HighestVectorLevel());
   for (const Vertex& vertex : vertices) {
-    char* const text = m_text.get() + start;
-    const auto length = static_cast<size_t>(WriteVertexLine(text, vertex, withLinks, level) - text);
-    const bool isKept = length <= LongestKept && CountNonFinite(vertex, withLinks) == 0;
-    start += isKept ? length : 0;
-    m_starts[++m_count] = static_cast<uint32_t>(start);
+    char* const text = m_places[m_count].Text;
+    const FormedLine line = FormLine(text, vertex, withLinks, writeEight);
+    const auto length = static_cast<size_t>(line.End - text);
+    m_lengths[m_count++] = static_cast<uint8_t>(line.Finite && length <= sizeof(Place) ? length : 0);
   }
-}
-
-namespace {
-
-constexpr size_t Pieces = 128;  // bytes that are copied at once, whatever a line's length; most are shorter
-
-struct KeptLine {
-  const char* Text;
-  size_t Length;
-};
-
-char* CopyTriangle(char* to, const MaterialLine& material, const KeptLine (&lines)[3]) {
-  std::memcpy(to, material.UsualText(), MaterialLine::Usual);
-  to += material.UsualLength();
-  for (const KeptLine& line : lines) {
-    std::memcpy(to, line.Text, Pieces);
-    if (line.Length > Pieces) std::memcpy(to + Pieces, line.Text + Pieces, Pieces);
-    to += line.Length;
-  }
-  return to;
 }
 
 #if TARNWICK_HAS_AVX_CODE
 
-// The same; a copy of a fixed size takes registers of half the width if it is left to the compiler.
+namespace {
 
+// A copy of a fixed size takes registers of half the width if it is left to the compiler.
 template <size_t Size>
 TARNWICK_INLINE TARNWICK_AVX2 void CopyAvx2(char* to, const char* from) {
   constexpr size_t Width = 32;
@@ -221,41 +243,46 @@ TARNWICK_INLINE TARNWICK_AVX2 void CopyAvx2(char* to, const char* from) {
   }
 }
 
-TARNWICK_AVX2 char* CopyTriangleAvx2(char* to, const MaterialLine& material, const KeptLine (&lines)[3]) {
-  CopyAvx2<MaterialLine::Usual>(to, material.UsualText());
-  to += material.UsualLength();
-  for (const KeptLine& line : lines) {
-    CopyAvx2<Pieces>(to, line.Text);
-    if (line.Length > Pieces) CopyAvx2<Pieces>(to + Pieces, line.Text + Pieces);
-    to += line.Length;
+}  // namespace
+
+TARNWICK_AVX2 size_t LineList::WriteTrianglesAvx2(core::TextWriter& writer, const MaterialLine& material,
+                                                  std::span<const size_t> corners) const {
+  const size_t count = corners.size() / 3;
+  for (size_t i = 0; i < count; ++i) {
+    const size_t* const numbers = corners.data() + 3 * i;
+    const size_t lengths[] = {LengthOf(numbers[0]), LengthOf(numbers[1]), LengthOf(numbers[2])};
+    if (lengths[0] == 0 || lengths[1] == 0 || lengths[2] == 0) return i;
+    char* const begin = writer.Room(MaterialLine::Usual + 3 * sizeof(Place));
+    CopyAvx2<MaterialLine::Usual>(begin, material.UsualText());
+    char* to = begin + material.UsualLength();
+    for (size_t k = 0; k < 3; ++k) {
+      const char* const from = m_places[numbers[k]].Text;
+      CopyAvx2<Usual>(to, from);
+      if (lengths[k] > Usual) CopyAvx2<sizeof(Place) - Usual>(to + Usual, from + Usual);
+      to += lengths[k];
+    }
+    writer.Take(static_cast<size_t>(to - begin));
   }
-  return to;
+  return count;
 }
 
 #endif
 
-}  // namespace
-
-bool LineList::WriteTriangle(core::TextWriter& writer, const MaterialLine& material,
-                             const std::array<size_t, 3>& corners, [[maybe_unused]] core::VectorLevel level) const {
-  if (material.UsualLength() == 0) return false;
-  KeptLine lines[3];
-  for (size_t i = 0; i < 3; ++i) {
-    if (corners[i] >= m_count) return false;
-    const size_t start = m_starts[corners[i]];
-    lines[i] = {m_text.get() + start, m_starts[corners[i] + 1] - start};
-    if (lines[i].Length == 0) return false;
-  }
-  static_assert(LongestKept == 2 * Pieces);
-  char* const to = writer.Room(MaterialLine::Usual + 3 * LongestKept);
+size_t LineList::WriteTriangles(core::TextWriter& writer, const MaterialLine& material, std::span<const size_t> corners,
+                                [[maybe_unused]] core::VectorLevel level) const {
 #if TARNWICK_HAS_AVX_CODE
-  char* const end =
-      level >= core::VectorLevel::Avx2 ? CopyTriangleAvx2(to, material, lines) : CopyTriangle(to, material, lines);
-#else
-  char* const end = CopyTriangle(to, material, lines);
+  if (level >= core::VectorLevel::Avx2 && material.UsualLength() > 0) {
+    return WriteTrianglesAvx2(writer, material, corners);
+  }
 #endif
-  writer.Take(static_cast<size_t>(end - to));
-  return true;
+  const size_t count = corners.size() / 3;
+  for (size_t i = 0; i < count; ++i) {
+    const auto three = corners.subspan(3 * i, 3);
+    if (std::any_of(three.begin(), three.end(), [&](size_t number) { return LengthOf(number) == 0; })) return i;
+    material.Write(writer);
+    for (const size_t number : three) static_cast<void>(Write(writer, number));
+  }
+  return count;
 }
 
 VertexLines::VertexLines(core::TextWriter& writer, bool withLinks)
@@ -268,12 +295,12 @@ VertexLines::VertexLines(core::TextWriter& writer, bool withLinks)
 
 void VertexLines::WriteNew(uint64_t key, const Vertex& vertex) {
   char* const text = m_writer.Room(LongestVertexLine);
-  const auto length = static_cast<size_t>(WriteVertexLine(text, vertex, m_withLinks, m_level) - text);
+  const FormedLine formed = FormLine(text, vertex, m_withLinks, WriteEightOf(m_level));
+  const auto length = static_cast<size_t>(formed.End - text);
   m_writer.Take(length);
-  const uint64_t nonFinite = CountNonFinite(vertex, m_withLinks);
   Line& line = m_lines[key % LineCount];
-  if (nonFinite > 0 || length > sizeof line.Text) {  // written anew each time, so that all are counted
-    m_writer.CountNonFinite(nonFinite);
+  if (!formed.Finite || length > sizeof line.Text) {  // written anew each time, so that all are counted
+    m_writer.CountNonFinite(CountNonFinite(vertex, m_withLinks));
     return;
   }
   CopyPieces(line.Text, text, length);

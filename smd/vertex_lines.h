@@ -65,30 +65,41 @@ class LineList {
   /// Writes the line of vertex number `index`. False if the list does not hold it: it was not added, its numbers are
   /// not all finite, which is to be counted each time, or it is longer than sound ones are.
   [[nodiscard]] bool Write(core::TextWriter& writer, size_t index) const {
-    if (index >= m_count) return false;
-    const size_t start = m_starts[index], length = m_starts[index + 1] - start;
+    const size_t length = LengthOf(index);
     if (length == 0) return false;
-    const char* const from = m_text.get() + start;
-    char* const to = writer.Room(LongestKept);
-    std::memcpy(to, from, 2 * Piece);  // of a fixed size, some of it too much, which is quicker than of any length
-    if (length > 2 * Piece) std::memcpy(to + 2 * Piece, from + 2 * Piece, LongestKept - 2 * Piece);
+    // Of a fixed size, some of it too much, which is quicker than of any length.
+    const char* const from = m_places[index].Text;
+    char* const to = writer.Room(sizeof(Place));
+    std::memcpy(to, from, Usual);
+    if (length > Usual) std::memcpy(to + Usual, from + Usual, sizeof(Place) - Usual);
     writer.Take(length);
     return true;
   }
 
-  /// Writes `material`, and behind it the lines of the vertices of these numbers. False, and nothing written, if the
-  /// list does not hold one of these, or the material's line is an unusual one.
-  [[nodiscard]] bool WriteTriangle(core::TextWriter& writer, const MaterialLine& material,
-                                   const std::array<size_t, 3>& corners,
-                                   core::VectorLevel level = core::HighestVectorLevel()) const;
+  /// Writes triangles: `material`, and behind it the lines of three vertices, whose numbers stand in `corners` one
+  /// triangle behind the other. Returns how many were written, all of them or those ahead of the first of which the
+  /// list does not hold all lines.
+  [[nodiscard]] size_t WriteTriangles(core::TextWriter& writer, const MaterialLine& material,
+                                      std::span<const size_t> corners,
+                                      core::VectorLevel level = core::HighestVectorLevel()) const;
 
  private:
-  static constexpr size_t Piece = 64;
-  static constexpr size_t LongestKept = 4 * Piece;
+  static constexpr size_t Usual = 128;  // bytes of a line that are copied at once; most are shorter
+  /// Where a line stands. Each begins with a line of the processor's cache, and none waits for the length of another.
+  struct alignas(64) Place {
+    char Text[Usual + 64];
+  };
+
+  /// 0 for a line that the list does not hold.
+  size_t LengthOf(size_t index) const { return index < m_count ? m_lengths[index] : 0; }
+#if TARNWICK_HAS_AVX_CODE
+  TARNWICK_AVX2 size_t WriteTrianglesAvx2(core::TextWriter& writer, const MaterialLine& material,
+                                          std::span<const size_t> corners) const;
+#endif
 
   size_t m_count = 0;
-  std::unique_ptr<uint32_t[]> m_starts;  // of the lines, and where the last one ends
-  std::unique_ptr<char[]> m_text;
+  std::unique_ptr<uint8_t[]> m_lengths;
+  std::unique_ptr<Place[]> m_places;
 };
 
 /// Writes vertex lines. A vertex stands in about six triangles, and meshes are ordered so that those come close

@@ -45,11 +45,11 @@ void WriteContents(JobContext& job, const Skeleton& skeleton) {
     const int32_t inherited =
         hasParent ? contents[static_cast<size_t>(bone->Parent)] : int32_t{job.Model.Header()->Contents};
     const int32_t own = bone->Contents;
-    const std::string name = Quoted(job, skeleton.Names[contents.size()]);
+    const std::string_view name = skeleton.Names[contents.size()];
     contents.push_back(own);
     if (own == inherited) continue;
     if (const auto words = ContentsWords(own)) {
-      job.Script().Text("$jointcontents " + name + " " + *words + "\n");
+      job.Script().Text("$jointcontents " + Quoted(job, name) + " " + *words + "\n");
     } else {
       job.Lose("contents of bones");
     }
@@ -178,9 +178,15 @@ void WriteBoneStatements(JobContext& job) {
     const std::string_view parent =
         skeleton->Bones.Holds(bone.Parent) ? skeleton->Names[static_cast<size_t>(bone.Parent)] : "";
     const EulerAngles angles = bone.Angles;
-    job.Script().Text("$definebone " + Quoted(job, skeleton->Names[static_cast<size_t>(i)]) + " " +
-                      Quoted(job, parent) + " " + Numbers(job, bone.Position) + " " + Degrees(job, angles.y) + " " +
-                      Degrees(job, angles.z) + " " + Degrees(job, angles.x) + " 0 0 0 0 0 0\n");
+    core::TextWriter& script = job.Script();
+    script.Text("$definebone ");
+    script.Text(Quoted(job, skeleton->Names[static_cast<size_t>(i)]));
+    for (const std::string& value : {Quoted(job, parent), Numbers(job, bone.Position), Degrees(job, angles.y),
+                                     Degrees(job, angles.z), Degrees(job, angles.x)}) {
+      script.Char(' ');
+      script.Text(value);
+    }
+    script.Text(" 0 0 0 0 0 0\n");
     const uint32_t told = BoneFlagProcedural | BoneFlagHitbox | BoneFlagAttachment | BoneFlagVertexLods |
                           BoneFlagMerge | BoneFlagZeroFrames;
     if ((bone.Flags & ~told) != 0) job.Lose("bone flags without a statement");

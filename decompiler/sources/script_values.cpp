@@ -1,5 +1,6 @@
 #include "decompiler/sources/script_values.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <numbers>
@@ -10,6 +11,13 @@
 namespace tarnwick::decompiler::sources {
 
 namespace {
+
+constexpr size_t UsualNumber = 16;  // of letters, a blank among them
+
+/// Whether a word in quotes cannot hold it.
+bool IsUnspoken(char c) {
+  return static_cast<unsigned char>(c) < 0x20 || c == 0x7F || c == '"';
+}
 
 float ToRadians(double degrees) {
   return static_cast<float>(degrees * (std::numbers::pi / 180));
@@ -26,7 +34,11 @@ std::string Number(JobContext& job, float value) {
 }
 
 std::string Numbers(JobContext& job, const Vec3& value) {
-  return Number(job, value.x) + " " + Number(job, value.y) + " " + Number(job, value.z);
+  std::string text;
+  text.reserve(3 * UsualNumber);
+  text.append(Number(job, value.x)).append(" ").append(Number(job, value.y));
+  text.append(" ").append(Number(job, value.z));
+  return text;
 }
 
 std::string Degrees(JobContext& job, float radians) {
@@ -40,15 +52,15 @@ std::string Degrees(JobContext& job, float radians) {
 }
 
 std::string Quoted(JobContext& job, std::string_view text) {
-  std::string quoted = "\"";
-  bool cleaned = false;
-  for (const char c : text) {
-    const bool control = static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
-    cleaned = cleaned || control || c == '"';
-    quoted += control ? ' ' : c == '"' ? '\'' : c;
+  std::string quoted;
+  quoted.reserve(text.size() + 2);
+  quoted.append("\"").append(text).append("\"");
+  const auto first = quoted.begin() + 1, behind = quoted.end() - 1;
+  if (std::any_of(first, behind, IsUnspoken)) {
+    std::transform(first, behind, first, [](char c) { return c == '"' ? '\'' : IsUnspoken(c) ? ' ' : c; });
+    job.CleanOnce("names with quotes or control characters", "stand without them");
   }
-  if (cleaned) job.CleanOnce("names with quotes or control characters", "stand without them");
-  return quoted + "\"";
+  return quoted;
 }
 
 std::string QuotedMaterial(JobContext& job, std::string_view material) {

@@ -13,22 +13,28 @@ int WeightCount(const VvdVertex& vertex) {
   return std::min<int>(vertex.WeightCount, 3);
 }
 
-smd::Triple Turned(const Vec3& v, bool back) {
-  if (!back) return {v.x, v.y, v.z};
+template <bool Back>
+smd::Triple Turned(const Vec3& v) {
+  if constexpr (!Back) return {v.x, v.y, v.z};
   return {v.y, 0.0f - v.x, v.z};
 }
 
 /// Fills `corner`, what it held does not matter.
-void MakeVertex(const VvdVertex& vertex, const MeshSmdForm& form, smd::Vertex& corner) {
+template <bool TurnedBack>
+void MakeVertexSo(const VvdVertex& vertex, const MeshSmdForm& form, smd::Vertex& corner) {
   corner.Bone = MainBone(vertex);
-  corner.Position = Turned(vertex.Position, form.TurnedBack);
-  corner.Normal = Turned(vertex.Normal, form.TurnedBack);
+  corner.Position = Turned<TurnedBack>(vertex.Position);
+  corner.Normal = Turned<TurnedBack>(vertex.Normal);
   corner.U = vertex.U;
   corner.V = (form.VFromOne ? 1.0f : 0.0f) - vertex.V;
   corner.LinkCount = WeightCount(vertex);
   for (int i = 0; i < corner.LinkCount; ++i) {
     corner.Links[static_cast<size_t>(i)] = {vertex.Bones[i], vertex.Weights[i]};
   }
+}
+
+void MakeVertex(const VvdVertex& vertex, const MeshSmdForm& form, smd::Vertex& corner) {
+  form.TurnedBack ? MakeVertexSo<true>(vertex, form, corner) : MakeVertexSo<false>(vertex, form, corner);
 }
 
 }  // namespace
@@ -64,30 +70,46 @@ const smd::LineList* MeshLines::Get() {
 
 namespace {
 
-/// Writes the triangles. `writeTriangle(material, corners)` writes one by the numbers of its vertices in the image,
-/// first, or says that it cannot; `writeCorner(number)` writes the line of one vertex.
-template <typename WriteTriangle, typename WriteCorner>
-void WriteTrianglesBy(core::TextWriter& writer, const MeshPieces& pieces, const WriteTriangle& writeTriangle,
+/// Writes the triangles. `writeTriangles(material, corners)` writes those whose vertices have these numbers in the
+/// image, or says how many of them it could before it met one that it cannot; `writeCorner(number)` writes the line of
+/// one vertex.
+template <typename WriteSome, typename WriteCorner>
+void WriteTrianglesBy(core::TextWriter& writer, const MeshPieces& pieces, const WriteSome& writeTriangles,
                       const WriteCorner& writeCorner) {
+  constexpr size_t Most = 3 * 64;
+  std::array<size_t, Most> corners;
   for (const MeshPiece& mesh : pieces.Meshes) {
     const smd::MaterialLine material(mesh.Material);
     for (const StripPiece& strip : mesh.Strips) {
       const std::span<const VtxIndex> indices = strip.Indices.Records();
       const std::span<const VtxVertex> vertices = strip.GroupVertices.Records();
       const auto first = static_cast<size_t>(mesh.Vertices.First);
-      const auto at = [&](int64_t index) {
-        return first + vertices[indices[static_cast<size_t>(index)].Vertex].MeshVertex;
-      };
-      const auto corner = [&](int64_t k) { return at(TriangleIndex(k)); };
-      int64_t k = 0;
-      for (; k + 3 <= strip.IndexCount; k += 3) {
-        const std::array<size_t, 3> corners = {at(k), at(k + 2), at(k + 1)};  // in the order of TriangleIndex
-        if (writeTriangle(material, corners)) continue;
+      const auto at = [&](size_t index) { return first + vertices[indices[index].Vertex].MeshVertex; };
+      const auto writeOne = [&](std::span<const size_t> numbers) {
         material.Write(writer);
-        for (const size_t number : corners) writeCorner(number);
+        for (const size_t number : numbers) writeCorner(number);
+      };
+      const auto count = static_cast<size_t>(strip.IndexCount), whole = count - count % 3;
+      for (size_t k = 0; k < whole;) {
+        const size_t some = std::min(Most, whole - k);
+        for (size_t i = 0; i < some; i += 3) {  // in the order of TriangleIndex
+          corners[i] = at(k + i);
+          corners[i + 1] = at(k + i + 2);
+          corners[i + 2] = at(k + i + 1);
+        }
+        const auto ready = std::span<const size_t>(corners).first(some);
+        for (size_t done = 0; done < some;) {
+          done += 3 * writeTriangles(material, ready.subspan(done));
+          if (done == some) break;
+          writeOne(ready.subspan(done, 3));
+          done += 3;
+        }
+        k += some;
       }
-      if (k < strip.IndexCount) material.Write(writer);
-      for (; k < strip.IndexCount; ++k) writeCorner(corner(k));
+      for (size_t k = whole; k < count; ++k) {
+        if (k == whole) material.Write(writer);
+        writeCorner(at(static_cast<size_t>(TriangleIndex(static_cast<int64_t>(k)))));
+      }
     }
   }
 }
@@ -102,17 +124,17 @@ void WriteTriangles(core::TextWriter& writer, const MeshPieces& pieces, MeshLine
   smd::Vertex made;
   if (const smd::LineList* const all = lines.Get()) {
     const core::VectorLevel level = core::HighestVectorLevel();
-    const auto writeTriangle = [&](const smd::MaterialLine& material, const std::array<size_t, 3>& corners) {
-      return all->WriteTriangle(writer, material, corners, level);
+    const auto writeHeld = [&](const smd::MaterialLine& material, std::span<const size_t> corners) {
+      return all->WriteTriangles(writer, material, corners, level);
     };
-    return WriteTrianglesBy(writer, pieces, writeTriangle, [&](size_t number) {
+    return WriteTrianglesBy(writer, pieces, writeHeld, [&](size_t number) {
       if (all->Write(writer, number)) return;
       MakeVertex(*vertices[static_cast<int64_t>(number)], lines.Form(), made);
       smd::WriteVertexLine(writer, made, withLinks);
     });
   }
   smd::VertexLines some(writer, withLinks);
-  const auto writeNone = [](const smd::MaterialLine&, const std::array<size_t, 3>&) { return false; };
+  const auto writeNone = [](const smd::MaterialLine&, std::span<const size_t>) { return size_t{0}; };
   WriteTrianglesBy(writer, pieces, writeNone, [&](size_t number) {
     some.Write(number, [&]() -> const smd::Vertex& {
       MakeVertex(*vertices[static_cast<int64_t>(number)], lines.Form(), made);

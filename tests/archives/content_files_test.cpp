@@ -122,6 +122,32 @@ TEST_F(ContentFilesTest, ReadsTheStartOfFilesWithoutTheRest) {
   }
 }
 
+TEST_F(ContentFilesTest, ReadsWholeFilesOnlyIfTheirStartIsWanted) {
+  const ContentFiles files(m_folder.Path("mod"), m_report);
+  for (const std::string& name : {std::string("game:models/crate.mdl"),
+                                  m_folder.Path("addon.gma") + ":models/crate.mdl", m_folder.Path("loose.mdl")}) {
+    const std::string text = Text(files, name);
+    for (const bool wanted : {true, false}) {
+      std::string asked, reason = "as it was";
+      const auto wants = [&](std::span<const std::byte> start) {
+        asked.assign(reinterpret_cast<const char*>(start.data()), start.size());
+        return wanted;
+      };
+      const auto file = files.ReadIf(name, 4, wants, &reason);
+      EXPECT_EQ(asked, text.substr(0, 4)) << name;
+      ASSERT_EQ(file.has_value(), wanted) << name;
+      EXPECT_EQ(reason, "as it was");
+      const auto bytes = file ? file->Bytes() : std::span<const std::byte>();
+      EXPECT_EQ(std::string(reinterpret_cast<const char*>(bytes.data()), bytes.size()), wanted ? text : "");
+      EXPECT_TRUE(files.ReadIf(name, text.size() + 1, wants, &reason)) << "too short to be asked of";
+    }
+  }
+  std::string reason;
+  const auto never = [](std::span<const std::byte>) { return false; };
+  EXPECT_FALSE(files.ReadIf(m_folder.Path("none.mdl"), 4, never, &reason));
+  EXPECT_NE(reason, "");
+}
+
 TEST_F(ContentFilesTest, ListsFoldersInsideArchivesAndGames) {
   const ContentFiles files(m_folder.Path("mod"), m_report);
   const std::string addon = m_folder.Path("addon.gma");

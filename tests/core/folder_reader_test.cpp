@@ -34,7 +34,7 @@ std::vector<std::string> Below(const std::string& folder, bool recursive, std::s
   const auto wants = [&](std::string_view name) { return name.ends_with(ending); };
   std::vector<std::string> names;
   for (const FileBelow& file : FilesBelow(NativePath(folder), recursive, wants, error)) {
-    EXPECT_EQ(PathText(file.Path.filename()), LastComponent(file.Below));
+    EXPECT_TRUE(tests::WithSlashes(file.Path).ends_with('/' + tests::WithSlashes(file.Below))) << file.Path;
     names.push_back(tests::WithSlashes(file.Below));
   }
   EXPECT_FALSE(error) << error.message();
@@ -64,6 +64,19 @@ TEST(FolderReader, ReadsFoldersOfAnyLengthAndAlphabet) {
 
   RemoveFolder(NativePath(folder.Path("top")));
   EXPECT_FALSE(fs::exists(folder.Path("top")));
+}
+
+TEST(FolderReader, FindsAllBelowManyFoldersWhicheverThreadReadsThem) {
+  const tests::ScratchFolder folder;
+  std::vector<std::string> written;
+  for (int i = 0; i < 300; ++i) {
+    const std::string below = std::to_string(i % 40) + "/" + std::to_string(i % 7) + "/" + std::to_string(i) + ".mdl";
+    tests::WriteText(folder.Path("all/" + below), "");
+    tests::WriteText(folder.Path("all/" + below + ".txt"), "");
+    written.push_back(below);
+  }
+  std::sort(written.begin(), written.end());
+  for (int i = 0; i < 20; ++i) EXPECT_EQ(Below(folder.Path("all"), true, ".mdl"), written);
 }
 
 TEST(FolderReader, TellsWhyAFolderIsNotRead) {

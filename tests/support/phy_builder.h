@@ -19,7 +19,7 @@ struct BoxDescription {
 struct PhySolidDescription {
   model::PhySolidValues Values = {.Name = "phys", .SurfaceProp = "metal"};
   int32_t BoneNumber = 0;  // bone + 1 in a joined model
-  std::vector<BoxDescription> Boxes = {BoxDescription{}};
+  std::vector<BoxDescription> Boxes = std::vector<BoxDescription>(1);
 };
 
 /// The writer of .phy files: one solid, one box, unless told otherwise.
