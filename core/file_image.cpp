@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 #include <vector>
 
 #include "core/readable_file.h"
@@ -20,7 +21,7 @@ std::optional<FileImage> FileImage::ReadIf(const std::string& path, size_t start
   std::vector<std::byte> first(wants && start <= size ? start : 0);
   const auto head = file->Read(first);
   if (head && *head == start && wants && !wants(first)) return std::nullopt;
-  auto bytes = std::make_unique_for_overwrite<std::byte[]>(size);
+  auto bytes = MakeBytes(size);
   std::copy(first.begin(), first.end(), bytes.get());
   const auto rest = head ? file->Read({bytes.get() + *head, size - *head}) : std::nullopt;
   if (!rest) {
@@ -30,8 +31,14 @@ std::optional<FileImage> FileImage::ReadIf(const std::string& path, size_t start
   return OfShared(path, std::move(bytes), *head + *rest);  // shorter if the file shrank while it was read
 }
 
+std::shared_ptr<std::byte[]> FileImage::MakeBytes(size_t size) {
+  constexpr auto Alignment = std::align_val_t{64};
+  const auto remove = [](std::byte* bytes) { ::operator delete[](bytes, Alignment); };
+  return {static_cast<std::byte*>(::operator new[](size, Alignment)), remove};
+}
+
 FileImage FileImage::FromBytes(std::string path, std::span<const std::byte> bytes) {
-  auto copy = std::make_unique_for_overwrite<std::byte[]>(bytes.size());
+  auto copy = MakeBytes(bytes.size());
   if (!bytes.empty()) std::memcpy(copy.get(), bytes.data(), bytes.size());
   return OfShared(std::move(path), std::move(copy), bytes.size());
 }

@@ -34,7 +34,7 @@ class FileImage {
   /// An image of `size` bytes that `fill` writes, handed all of them at once. Nothing if it returns false.
   template <typename Fill>
   [[nodiscard]] static std::optional<FileImage> Filled(std::string path, size_t size, Fill fill) {
-    auto bytes = std::make_unique_for_overwrite<std::byte[]>(size);
+    auto bytes = MakeBytes(size);
     if (!fill(std::span<std::byte>(bytes.get(), size))) return std::nullopt;
     return OfShared(std::move(path), std::move(bytes), size);
   }
@@ -60,6 +60,9 @@ class FileImage {
   std::span<const std::byte> Bytes() const { return {m_bytes.get(), m_size}; }
 
  private:
+  /// Room for the bytes that begins with a line of the processor's cache: the system copies them sooner to there.
+  static std::shared_ptr<std::byte[]> MakeBytes(size_t size);
+
   std::string m_path;
   std::shared_ptr<const std::byte[]> m_bytes;
   size_t m_size = 0;

@@ -12,27 +12,32 @@ namespace {
 
 /// Buffers of this thread's last writers, for its next ones. Memory of that size costs more to give back and ask for
 /// than many a file does that is written.
-thread_local std::array<std::unique_ptr<char[]>, 3> spareBuffers;
-
-std::unique_ptr<char[]> TakeBuffer(size_t size) {
-  for (auto& spare : spareBuffers) {
-    if (spare) return std::move(spare);
-  }
-  return std::make_unique_for_overwrite<char[]>(size);
-}
-
-void KeepBuffer(std::unique_ptr<char[]> buffer) {
-  const auto empty = std::find(spareBuffers.begin(), spareBuffers.end(), nullptr);
-  if (empty != spareBuffers.end()) *empty = std::move(buffer);
+template <typename Buffer>
+std::array<Buffer, 3>& SpareBuffers() {
+  thread_local std::array<Buffer, 3> buffers;
+  return buffers;
 }
 
 }  // namespace
 
+TextWriter::Buffer TextWriter::TakeBuffer() {
+  for (Buffer& spare : SpareBuffers<Buffer>()) {
+    if (spare) return std::move(spare);
+  }
+  return std::make_unique_for_overwrite<Page[]>(PageCount);
+}
+
+void TextWriter::KeepBuffer(Buffer buffer) {
+  auto& spares = SpareBuffers<Buffer>();
+  const auto empty = std::find(spares.begin(), spares.end(), nullptr);
+  if (empty != spares.end()) *empty = std::move(buffer);
+}
+
 TextWriter::TextWriter(OutputFile& target)
-    : m_file(&target), m_buffer(TakeBuffer(BufferSize)), m_next(m_buffer.get()), m_end(m_next + BufferSize) {}
+    : m_file(&target), m_buffer(TakeBuffer()), m_next(Start()), m_end(m_next + PageCount * sizeof(Page)) {}
 
 TextWriter::TextWriter(std::string& target)
-    : m_string(&target), m_buffer(TakeBuffer(BufferSize)), m_next(m_buffer.get()), m_end(m_next + BufferSize) {}
+    : m_string(&target), m_buffer(TakeBuffer()), m_next(Start()), m_end(m_next + PageCount * sizeof(Page)) {}
 
 TextWriter::~TextWriter() {
   Flush();
@@ -40,7 +45,7 @@ TextWriter::~TextWriter() {
 }
 
 void TextWriter::HandOver(size_t bytes) {
-  const std::string_view text(m_buffer.get(), bytes);
+  const std::string_view text(Start(), bytes);
   m_flushed += bytes;
   if (m_file != nullptr) {
     m_file->Write(text);
@@ -50,18 +55,17 @@ void TextWriter::HandOver(size_t bytes) {
 }
 
 void TextWriter::Flush() {
-  HandOver(static_cast<size_t>(m_next - m_buffer.get()));
-  m_next = m_buffer.get();
+  HandOver(static_cast<size_t>(m_next - Start()));
+  m_next = Start();
 }
 
 /// The system fills a page that is not written as a whole, and looks for it again when the rest comes.
 void TextWriter::FlushPages() {
-  constexpr size_t Page = 4096;
-  const auto kept = static_cast<size_t>(BytesWritten() % Page);
-  const auto whole = static_cast<size_t>(m_next - m_buffer.get()) - kept;
+  const auto kept = static_cast<size_t>(BytesWritten() % sizeof(Page));
+  const auto whole = static_cast<size_t>(m_next - Start()) - kept;
   HandOver(whole);
-  std::memmove(m_buffer.get(), m_buffer.get() + whole, kept);
-  m_next = m_buffer.get() + kept;
+  std::memmove(Start(), Start() + whole, kept);
+  m_next = Start() + kept;
 }
 
 void TextWriter::Raw(std::string_view bytes) {

@@ -102,7 +102,7 @@ class TextWriter {
   void Flush();
 
   /// Bytes written so far, those in the buffer included.
-  uint64_t BytesWritten() const { return m_flushed + static_cast<uint64_t>(m_next - m_buffer.get()); }
+  uint64_t BytesWritten() const { return m_flushed + static_cast<uint64_t>(m_next - Start()); }
 
   /// Infinities and not-a-numbers among the floats written so far.
   uint64_t NonFiniteCount() const { return m_nonFinite; }
@@ -110,7 +110,17 @@ class TextWriter {
   void CountNonFinite(uint64_t count) { m_nonFinite += count; }
 
  private:
-  static constexpr size_t BufferSize = size_t{1} << 16;
+  /// The system copies pages, and does so sooner from where they begin as its own do.
+  struct alignas(4096) Page {
+    char Text[4096];
+  };
+  /// Of the last one little is filled when the others are handed over, 64 KB each time: a size and a place in the file
+  /// for which the system can have all pages at once.
+  static constexpr size_t PageCount = 17;
+  using Buffer = std::unique_ptr<Page[]>;
+  static Buffer TakeBuffer();
+  static void KeepBuffer(Buffer buffer);
+  char* Start() const { return m_buffer[0].Text; }
 
   void FormatList(std::string_view pattern, std::initializer_list<TextArgument> arguments);
   void Reserve(size_t bytes) {
@@ -127,7 +137,7 @@ class TextWriter {
 
   OutputFile* m_file = nullptr;
   std::string* m_string = nullptr;
-  std::unique_ptr<char[]> m_buffer;
+  Buffer m_buffer;
   char* m_next;
   char* m_end;
   uint64_t m_flushed = 0;

@@ -21,7 +21,7 @@ VectorLevel FindLevel() {
       !__builtin_cpu_supports("avx512dq") || !__builtin_cpu_supports("avx512vl")) {
     return VectorLevel::Avx2;
   }
-  return __builtin_cpu_supports("avx512vbmi2") ? VectorLevel::Avx512Bytes : VectorLevel::Avx512;
+  return VectorLevel::Avx512;
 #else
   return VectorLevel::Ssse3;
 #endif

@@ -28,13 +28,10 @@
 #define TARNWICK_HAS_AVX_CODE 1
 #define TARNWICK_AVX2 __attribute__((target("avx2,fma,bmi,popcnt")))
 #define TARNWICK_AVX512 __attribute__((target("avx2,fma,bmi,popcnt,avx512f,avx512bw,avx512dq,avx512vl")))
-#define TARNWICK_AVX512_BYTES \
-  __attribute__((target("avx2,fma,bmi,popcnt,avx512f,avx512bw,avx512dq,avx512vl,avx512vbmi2")))
 #else
 #define TARNWICK_HAS_AVX_CODE 0
 #define TARNWICK_AVX2
 #define TARNWICK_AVX512
-#define TARNWICK_AVX512_BYTES
 #endif
 
 #ifdef __GNUC__
@@ -52,11 +49,10 @@ namespace tarnwick::core {
 
 /// What a processor can do, in rising order; each level holds those before it.
 enum class VectorLevel {
-  Plain,        // what every processor of its kind has
-  Ssse3,        // byte shuffles of 16 bytes
-  Avx2,         // 32 bytes, fused multiplications, and what came with them: finding and counting bits
-  Avx512,       // 64 bytes
-  Avx512Bytes,  // and moving any of them together
+  Plain,   // what every processor of its kind has
+  Ssse3,   // byte shuffles of 16 bytes
+  Avx2,    // 32 bytes, fused multiplications, and what came with them: finding and counting bits
+  Avx512,  // 64 bytes
 };
 
 /// The highest level of this processor for which the program has code.

@@ -13,7 +13,6 @@ inline constexpr size_t EightNumbers = 8;
 /// text, behind which a few characters of no meaning may stand; nothing, and no text, where one of them is 999 or
 /// larger, infinite or not a number.
 [[nodiscard]] TARNWICK_AVX2 char* WriteEightNumbersAvx2(char* out, const void* values);
-[[nodiscard]] TARNWICK_AVX512_BYTES char* WriteEightNumbersAvx512(char* out, const void* values);
 #endif
 
 }  // namespace tarnwick::smd

@@ -156,7 +156,6 @@ using WriteEight = char* (*)(char* out, const void* values);
 /// Null where there is only the plain way.
 WriteEight WriteEightOf([[maybe_unused]] core::VectorLevel level) {
 #if TARNWICK_HAS_AVX_CODE
-  if (level >= core::VectorLevel::Avx512Bytes) return WriteEightNumbersAvx512;
   if (level >= core::VectorLevel::Avx2) return WriteEightNumbersAvx2;
 #endif
   return nullptr;
@@ -211,21 +210,22 @@ MaterialLine::MaterialLine(std::string_view material) : m_text(std::string(mater
   m_length = bare + core::PlatformLineEnd.size();
 }
 
-// A line that is too long runs on over the places behind its own, whose lines come later, and over some behind the
-// last.
+// Lines vary in length by little; what may be written behind the last one is there too.
 LineList::LineList(size_t count)
-    : m_lengths(std::make_unique_for_overwrite<uint8_t[]>(count)),
-      m_places(std::make_unique_for_overwrite<Place[]>(count + LongestVertexLine / sizeof(Place))) {
-  static_assert(sizeof(Place) <= UINT8_MAX);
+    : m_starts(std::make_unique_for_overwrite<uint32_t[]>(count + 1)),
+      m_text(std::make_unique_for_overwrite<char[]>(count * LongestKept + LongestVertexLine)) {
+  m_starts[0] = 0;
 }
 
 void LineList::Add(std::span<const Vertex> vertices, bool withLinks) {
   const WriteEight writeEight = WriteEightOf(core::HighestVectorLevel());
+  size_t start = m_starts[m_count];
   for (const Vertex& vertex : vertices) {
-    char* const text = m_places[m_count].Text;
+    char* const text = m_text.get() + start;
     const FormedLine line = FormLine(text, vertex, withLinks, writeEight);
     const auto length = static_cast<size_t>(line.End - text);
-    m_lengths[m_count++] = static_cast<uint8_t>(line.Finite && length <= sizeof(Place) ? length : 0);
+    if (line.Finite && length <= LongestKept) start += length;
+    m_starts[++m_count] = static_cast<uint32_t>(start);
   }
 }
 
@@ -250,16 +250,15 @@ TARNWICK_AVX2 size_t LineList::WriteTrianglesAvx2(core::TextWriter& writer, cons
   const size_t count = corners.size() / 3;
   for (size_t i = 0; i < count; ++i) {
     const size_t* const numbers = corners.data() + 3 * i;
-    const size_t lengths[] = {LengthOf(numbers[0]), LengthOf(numbers[1]), LengthOf(numbers[2])};
-    if (lengths[0] == 0 || lengths[1] == 0 || lengths[2] == 0) return i;
-    char* const begin = writer.Room(MaterialLine::Usual + 3 * sizeof(Place));
+    const Line lines[] = {At(numbers[0]), At(numbers[1]), At(numbers[2])};
+    if (lines[0].Length == 0 || lines[1].Length == 0 || lines[2].Length == 0) return i;
+    char* const begin = writer.Room(MaterialLine::Usual + 3 * LongestKept);
     CopyAvx2<MaterialLine::Usual>(begin, material.UsualText());
     char* to = begin + material.UsualLength();
-    for (size_t k = 0; k < 3; ++k) {
-      const char* const from = m_places[numbers[k]].Text;
-      CopyAvx2<Usual>(to, from);
-      if (lengths[k] > Usual) CopyAvx2<sizeof(Place) - Usual>(to + Usual, from + Usual);
-      to += lengths[k];
+    for (const Line& line : lines) {
+      CopyAvx2<Usual>(to, line.Text);
+      if (line.Length > Usual) CopyAvx2<LongestKept - Usual>(to + Usual, line.Text + Usual);
+      to += line.Length;
     }
     writer.Take(static_cast<size_t>(to - begin));
   }
@@ -278,7 +277,7 @@ size_t LineList::WriteTriangles(core::TextWriter& writer, const MaterialLine& ma
   const size_t count = corners.size() / 3;
   for (size_t i = 0; i < count; ++i) {
     const auto three = corners.subspan(3 * i, 3);
-    if (std::any_of(three.begin(), three.end(), [&](size_t number) { return LengthOf(number) == 0; })) return i;
+    if (std::any_of(three.begin(), three.end(), [&](size_t number) { return At(number).Length == 0; })) return i;
     material.Write(writer);
     for (const size_t number : three) static_cast<void>(Write(writer, number));
   }

@@ -65,14 +65,13 @@ class LineList {
   /// Writes the line of vertex number `index`. False if the list does not hold it: it was not added, its numbers are
   /// not all finite, which is to be counted each time, or it is longer than sound ones are.
   [[nodiscard]] bool Write(core::TextWriter& writer, size_t index) const {
-    const size_t length = LengthOf(index);
-    if (length == 0) return false;
+    const Line line = At(index);
+    if (line.Length == 0) return false;
     // Of a fixed size, some of it too much, which is quicker than of any length.
-    const char* const from = m_places[index].Text;
-    char* const to = writer.Room(sizeof(Place));
-    std::memcpy(to, from, Usual);
-    if (length > Usual) std::memcpy(to + Usual, from + Usual, sizeof(Place) - Usual);
-    writer.Take(length);
+    char* const to = writer.Room(LongestKept);
+    std::memcpy(to, line.Text, Usual);
+    if (line.Length > Usual) std::memcpy(to + Usual, line.Text + Usual, LongestKept - Usual);
+    writer.Take(line.Length);
     return true;
   }
 
@@ -85,21 +84,25 @@ class LineList {
 
  private:
   static constexpr size_t Usual = 128;  // bytes of a line that are copied at once; most are shorter
-  /// Where a line stands. Each begins with a line of the processor's cache, and none waits for the length of another.
-  struct alignas(64) Place {
-    char Text[Usual + 64];
-  };
+  static constexpr size_t LongestKept = 2 * Usual;
 
-  /// 0 for a line that the list does not hold.
-  size_t LengthOf(size_t index) const { return index < m_count ? m_lengths[index] : 0; }
+  struct Line {
+    const char* Text;
+    size_t Length;
+  };
+  /// Of no length for one that the list does not hold.
+  Line At(size_t index) const {
+    if (index >= m_count) return {m_text.get(), 0};
+    return {m_text.get() + m_starts[index], m_starts[index + 1] - m_starts[index]};
+  }
 #if TARNWICK_HAS_AVX_CODE
   TARNWICK_AVX2 size_t WriteTrianglesAvx2(core::TextWriter& writer, const MaterialLine& material,
                                           std::span<const size_t> corners) const;
 #endif
 
   size_t m_count = 0;
-  std::unique_ptr<uint8_t[]> m_lengths;
-  std::unique_ptr<Place[]> m_places;
+  std::unique_ptr<uint32_t[]> m_starts;  // of the lines, and where the last one ends
+  std::unique_ptr<char[]> m_text;        // one behind the other: the less of the cache they take, the better
 };
 
 /// Writes vertex lines. A vertex stands in about six triangles, and meshes are ordered so that those come close
