@@ -18,7 +18,7 @@ std::string PathBelow(std::string_view folder, std::string_view name) {
   // Not two native paths put together: a relative one that is long would be a whole one, below the current folder.
   const bool isWhole = name.starts_with('/') || name.starts_with('\\') || (name.size() > 1 && name[1] == ':');
   std::string path(isWhole ? std::string_view() : folder);
-  if (!path.empty() && LastComponent(path) != "") path += PathSeparator;
+  if (!path.empty() && !LastComponent(path).empty()) path += PathSeparator;
   return path += name;
 }
 
@@ -79,7 +79,7 @@ fs::path RealPathOfNew(const fs::path& path, std::error_code& error) {
 std::string PathBelow(std::string_view folder, std::string_view name) {
   const bool isWhole = name.starts_with('/') || name.starts_with('\\');
   std::string path(isWhole ? std::string_view() : folder);
-  if (!path.empty() && LastComponent(path) != "") path += PathSeparator;
+  if (!path.empty() && !LastComponent(path).empty()) path += PathSeparator;
   path += name;
   std::replace(path.begin(), path.end(), '\\', '/');
   return path;
