@@ -4,33 +4,50 @@
 #include <array>
 #include <cmath>
 #include <cstring>
+#include <mutex>
 #include <utility>
 
 namespace tarnwick::core {
 
 namespace {
 
-/// Buffers of this thread's last writers, for its next ones. Memory of that size costs more to give back and ask for
-/// than many a file does that is written.
+/// Buffers of writers that are done, for the next ones. Memory of that size costs more to give back and ask for than
+/// many a file does that is written. (Not of each thread its own: what a thread leaves behind is gone before it is
+/// taken away in programs that GCC makes for Windows.)
 template <typename Buffer>
-std::array<Buffer, 3>& SpareBuffers() {
-  thread_local std::array<Buffer, 3> buffers;
-  return buffers;
-}
+class SpareBuffers {
+ public:
+  static SpareBuffers& All() {
+    static SpareBuffers all;
+    return all;
+  }
+
+  /// Null where there is none.
+  Buffer Take() {
+    const std::lock_guard lock(m_lock);
+    return m_count > 0 ? std::move(m_buffers[--m_count]) : nullptr;
+  }
+
+  void Keep(Buffer buffer) {
+    const std::lock_guard lock(m_lock);
+    if (m_count < m_buffers.size()) m_buffers[m_count++] = std::move(buffer);
+  }
+
+ private:
+  std::mutex m_lock;
+  std::array<Buffer, 16> m_buffers;
+  size_t m_count = 0;
+};
 
 }  // namespace
 
 TextWriter::Buffer TextWriter::TakeBuffer() {
-  for (Buffer& spare : SpareBuffers<Buffer>()) {
-    if (spare) return std::move(spare);
-  }
-  return std::make_unique_for_overwrite<Page[]>(PageCount);
+  Buffer spare = SpareBuffers<Buffer>::All().Take();
+  return spare ? std::move(spare) : std::make_unique_for_overwrite<Page[]>(PageCount);
 }
 
 void TextWriter::KeepBuffer(Buffer buffer) {
-  auto& spares = SpareBuffers<Buffer>();
-  const auto empty = std::find(spares.begin(), spares.end(), nullptr);
-  if (empty != spares.end()) *empty = std::move(buffer);
+  SpareBuffers<Buffer>::All().Keep(std::move(buffer));
 }
 
 TextWriter::TextWriter(OutputFile& target)
