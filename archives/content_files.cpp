@@ -150,8 +150,11 @@ std::optional<core::FileImage> ContentFiles::Read(const std::string& name, std::
 
 std::optional<core::FileImage> ContentFiles::ReadIf(const std::string& name, size_t start, const core::WantsFile& wants,
                                                     std::string* reason) const {
-  if (name.find(':') != std::string::npos) return FileSource::ReadIf(name, start, wants, reason);
-  return core::FileImage::ReadIf(name, start, wants, reason);
+  std::string ignored;
+  const auto place = Find(name, reason != nullptr ? *reason : ignored);
+  if (!place) return std::nullopt;
+  return place->InArchive != nullptr ? FileSource::ReadIf(name, start, wants, reason)
+                                     : core::FileImage::ReadIf(place->Path, start, wants, reason);
 }
 
 bool ContentFiles::ReadStart(const std::string& name, std::span<std::byte> out) const {

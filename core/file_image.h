@@ -15,7 +15,7 @@ namespace tarnwick::core {
 /// Whether a file that begins with these bytes is to be read.
 using WantsFile = std::function<bool(std::span<const std::byte>)>;
 
-/// The bytes of a whole file, read in one call into one buffer, which lives as long as an image of it does. Moving or
+/// The bytes of a whole file, read into one buffer, which lives as long as an image of it does. Moving or
 /// copying an image does not move the bytes, so views stay good.
 class FileImage {
  public:

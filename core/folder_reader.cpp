@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <condition_variable>
+#include <exception>
 #include <iterator>
 #include <list>
 #include <mutex>
@@ -258,7 +259,7 @@ class FolderWalk {
   void AddThread() {
     try {
       m_others.emplace_back([this] { Work(); });
-    } catch (const std::system_error&) {  // there are too many
+    } catch (const std::exception&) {  // there are too many, or memory runs out
       m_mostOthers = 0;
     }
   }
@@ -286,8 +287,8 @@ class FolderWalk {
 
   const bool m_recursive;
   const std::function<bool(std::string_view)>& m_wants;
-  size_t m_mostOthers = std::clamp(std::thread::hardware_concurrency(), 1U, 4U) - 1;
   std::mutex m_lock;  // of all that follows
+  size_t m_mostOthers = std::clamp(std::thread::hardware_concurrency(), 1U, 4U) - 1;
   std::condition_variable m_changed;
   std::list<Folder> m_folders;  // still to be read
   size_t m_reading = 0;

@@ -13,28 +13,22 @@ int WeightCount(const VvdVertex& vertex) {
   return std::min<int>(vertex.WeightCount, 3);
 }
 
-template <bool Back>
-smd::Triple Turned(const Vec3& v) {
-  if constexpr (!Back) return {v.x, v.y, v.z};
+smd::Triple Turned(const Vec3& v, bool back) {
+  if (!back) return {v.x, v.y, v.z};
   return {v.y, 0.0f - v.x, v.z};
 }
 
 /// Fills `corner`, what it held does not matter.
-template <bool TurnedBack>
-void MakeVertexSo(const VvdVertex& vertex, const MeshSmdForm& form, smd::Vertex& corner) {
+void MakeVertex(const VvdVertex& vertex, const MeshSmdForm& form, smd::Vertex& corner) {
   corner.Bone = MainBone(vertex);
-  corner.Position = Turned<TurnedBack>(vertex.Position);
-  corner.Normal = Turned<TurnedBack>(vertex.Normal);
+  corner.Position = Turned(vertex.Position, form.TurnedBack);
+  corner.Normal = Turned(vertex.Normal, form.TurnedBack);
   corner.U = vertex.U;
   corner.V = (form.VFromOne ? 1.0f : 0.0f) - vertex.V;
   corner.LinkCount = WeightCount(vertex);
   for (int i = 0; i < corner.LinkCount; ++i) {
     corner.Links[static_cast<size_t>(i)] = {vertex.Bones[i], vertex.Weights[i]};
   }
-}
-
-void MakeVertex(const VvdVertex& vertex, const MeshSmdForm& form, smd::Vertex& corner) {
-  form.TurnedBack ? MakeVertexSo<true>(vertex, form, corner) : MakeVertexSo<false>(vertex, form, corner);
 }
 
 }  // namespace
