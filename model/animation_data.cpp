@@ -1,5 +1,7 @@
 #include "model/animation_data.h"
 
+#include <algorithm>
+
 namespace tarnwick::model {
 
 int64_t AnimRecord::RawPosition() const {
@@ -42,6 +44,30 @@ int64_t SectionOfFrame(const StudioAnimDesc& animation, int32_t& frame) {
   const int32_t section = frame / length;
   frame -= section * length;
   return section;
+}
+
+std::vector<StudioAnimSection> StoredPieces(ModelReader& reader, const core::Record<StudioAnimDesc>& animation) {
+  if (animation->SectionFrames <= 0) return {{animation->Block, animation->DataOffset}};
+  int32_t last = std::max(+animation->FrameCount, 1) - 1;
+  const int64_t count = SectionOfFrame(*animation, last) + 1;
+  const auto table = reader.Model.View().Array<StudioAnimSection>(animation.Offset() + animation->SectionOffset, count);
+  if (!table || !reader.Spend(count * RecordCost)) return {};
+  std::vector<StudioAnimSection> pieces;
+  pieces.reserve(static_cast<size_t>(count));
+  for (const auto section : *table) pieces.push_back(*section);
+  return pieces;
+}
+
+std::optional<core::RecordArray<StudioIkRule>> IkRulesOf(ModelReader& reader,
+                                                         const core::Record<StudioAnimDesc>& animation) {
+  if (animation->Block <= 0) {
+    if (animation->IkRuleOffset == 0) return std::nullopt;
+    return reader.Table<StudioIkRule>("IK rule table", animation.Offset() + animation->IkRuleOffset,
+                                      animation->IkRuleCount);
+  }
+  const auto base = GetAnimBlockBase(reader, animation->Block);
+  if (!base) return std::nullopt;
+  return base->View().Array<StudioIkRule>(base->Offset + animation->BlockIkRuleOffset, animation->IkRuleCount);
 }
 
 }  // namespace tarnwick::model

@@ -39,4 +39,14 @@ struct AnimRecord {
 /// one number before it stays free.
 [[nodiscard]] int64_t SectionOfFrame(const StudioAnimDesc& animation, int32_t& frame);
 
+/// Where the data of each section of an animation are said to stand, or those of the whole. Nothing if its table does
+/// not lie inside the .mdl file, or if the reader's budget does not allow for it.
+[[nodiscard]] std::vector<StudioAnimSection> StoredPieces(ModelReader& reader,
+                                                          const core::Record<StudioAnimDesc>& animation);
+
+/// The IK rules of an animation, which lie with its data. Nothing if they do not lie in their file; of those of the
+/// .mdl file that is told as damage. The block file is loaded if it is needed.
+[[nodiscard]] std::optional<core::RecordArray<StudioIkRule>> IkRulesOf(ModelReader& reader,
+                                                                       const core::Record<StudioAnimDesc>& animation);
+
 }  // namespace tarnwick::model

@@ -102,7 +102,10 @@ bool AnimationTables::WriteAnimations() {
     std::vector<Stretch> own(std::make_move_iterator(stretches.begin() + static_cast<ptrdiff_t>(firsts[i])),
                              std::make_move_iterator(stretches.begin() + static_cast<ptrdiff_t>(firsts[i + 1])));
     if (!WriteData(i, own, placeOf(i), record)) return false;
-    WriteIkRules(animation, placeOf(i), record);
+    record.IkRuleCount = static_cast<int32_t>(animation.IkRules.size());
+    if (record.Block == 0 && record.IkRuleCount > 0) {
+      record.IkRuleOffset = static_cast<int32_t>(m_writer.AppendBytes(IkRuleBytes(animation)) - placeOf(i));
+    }
   }
   for (size_t i = 0; i < animations.size(); ++i) {
     records[i].MovementCount = static_cast<int32_t>(animations[i].Movements.size());
@@ -115,17 +118,28 @@ bool AnimationTables::WriteAnimations() {
   return true;
 }
 
-/// Rules stand beside the tracks that they are for: an animation that has some stays.
 bool AnimationTables::GoesToBlocks(size_t number) const {
+  return m_blocks.IsWanted() && !m_parts.Bones.Static && !m_parts.Motion.Animations[number].InModelFile;
+}
+
+/// Rules stand in the block in which the tracks that they are for begin.
+BlockFile::Place AnimationTables::AddToBlocks(size_t number, std::string chain, StudioAnimDesc& record) {
   const BuiltAnimation& animation = m_parts.Motion.Animations[number];
-  return m_blocks.IsWanted() && !m_parts.Bones.Static && !animation.InModelFile && animation.IkRules.empty();
+  if (animation.IkRules.empty()) return m_blocks.Add(chain);
+  ByteWriter piece;
+  piece.AppendBytes(chain);
+  piece.Align(4);
+  const int64_t rules = piece.AppendBytes(IkRuleBytes(animation));
+  const BlockFile::Place place = m_blocks.Add(piece.Take());
+  record.BlockIkRuleOffset = static_cast<int32_t>(place.Offset + rules);
+  return place;
 }
 
 bool AnimationTables::WriteData(size_t number, std::vector<Stretch>& stretches, int64_t at, StudioAnimDesc& record) {
   if (record.SectionFrames > 0) return WriteSections(number, stretches, at, record);
   if (const auto& chain = stretches.front().Chain) {
     if (GoesToBlocks(number)) {
-      const BlockFile::Place place = m_blocks.Add(*chain);
+      const BlockFile::Place place = AddToBlocks(number, *chain, record);
       record.Block = place.Block;
       record.DataOffset = place.Offset;
       return true;
@@ -160,7 +174,7 @@ bool AnimationTables::WriteSections(size_t number, const std::vector<Stretch>& s
     }
     BlockFile::Place place;
     if (GoesToBlocks(number) && !(i == 0 && m_context.Plan.KeepFirstSections)) {
-      place = m_blocks.Add(*chain);
+      place = i == 0 ? AddToBlocks(number, *chain, record) : m_blocks.Add(*chain);
     } else {
       m_writer.Align(i == 0 ? 16 : 4);
       place.Offset = static_cast<int32_t>(m_writer.AppendBytes(*chain) - at);
@@ -176,21 +190,21 @@ bool AnimationTables::WriteSections(size_t number, const std::vector<Stretch>& s
   return true;
 }
 
-void AnimationTables::WriteIkRules(const BuiltAnimation& animation, int64_t at, StudioAnimDesc& record) {
-  record.IkRuleCount = static_cast<int32_t>(animation.IkRules.size());
-  if (animation.IkRules.empty()) return;
-  const int64_t rules = m_writer.Reserve<model::StudioIkRule>(animation.IkRules.size());
-  record.IkRuleOffset = static_cast<int32_t>(rules - at);
+/// The rules of an animation, which has some, and behind them their errors.
+std::string AnimationTables::IkRuleBytes(const BuiltAnimation& animation) {
+  ByteWriter bytes;
+  bytes.Reserve<model::StudioIkRule>(animation.IkRules.size());
   for (size_t i = 0; i < animation.IkRules.size(); ++i) {
-    const int64_t place = rules + static_cast<int64_t>(i * sizeof(model::StudioIkRule));
+    const auto place = static_cast<int64_t>(i * sizeof(model::StudioIkRule));
     model::StudioIkRule rule = animation.IkRules[i].Record;
     const auto errors = animation.IkRules[i].Errors.empty() ? std::nullopt : EncodeErrors(animation.IkRules[i].Errors);
     if (errors) {
-      rule.ErrorOffset = static_cast<int32_t>(m_writer.AppendBytes(*errors) - place);
-      m_writer.Align(4);
+      rule.ErrorOffset = static_cast<int32_t>(bytes.AppendBytes(*errors) - place);
+      bytes.Align(4);
     }
-    m_writer.Put(place, rule);
+    bytes.Put(place, rule);
   }
+  return bytes.Take();
 }
 
 void AnimationTables::WriteSequences() {

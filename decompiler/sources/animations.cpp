@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <set>
 
+#include "decompiler/sources/animation_storage.h"
 #include "decompiler/sources/script_values.h"
 #include "decompiler/stages/animation_file.h"
-#include "model/anim_block_file.h"
 #include "model/animation_check.h"
 #include "model/pose_player.h"
 #include "model/script_records.h"
@@ -45,18 +45,6 @@ std::vector<TravelPart> TravelOf(JobContext& job, const core::Record<StudioAnimD
     travel.push_back({last, part->Position, part->StartSpeed, part->EndSpeed});
   }
   return travel;
-}
-
-/// The IK rules of an animation, which lie with its data. Nothing if they do not lie in the file.
-std::optional<core::RecordArray<StudioIkRule>> IkRulesOf(JobContext& job,
-                                                         const core::Record<StudioAnimDesc>& animation) {
-  if (animation->Block <= 0) {
-    return job.Table<StudioIkRule>("IK rule table", animation.Offset() + animation->IkRuleOffset,
-                                   animation->IkRuleCount);
-  }
-  const auto base = GetAnimBlockBase(job, animation->Block);
-  if (!base) return std::nullopt;
-  return base->View().Array<StudioIkRule>(base->Offset + animation->BlockIkRuleOffset, animation->IkRuleCount);
 }
 
 /// What an IK rule has of its own in place of its chain's.
@@ -162,7 +150,8 @@ std::optional<Animations::Own> Animations::Write(int64_t number, std::string_vie
   if (animation.IsDelta() && !ownBase && !m_job.DeltaWritten) {
     if (!WriteDeltaReference(m_job, m_job.Names.Take(DeltaStem, AnimationExtension))) return std::nullopt;
     m_job.Script().Text("$animation " + Quoted(m_job, AnimationSource(m_job.DeltaReference)) + " " +
-                        Quoted(m_job, m_job.DeltaReference) + " fps 30\n");
+                        Quoted(m_job, m_job.DeltaReference) + " fps 30" +
+                        (HasAnimationBlocks(m_job) ? " noanimblock\n" : "\n"));
   }
   const std::string file = m_job.Names.Take(AnimationStem(animation.Name), AnimationExtension);
   if (!WriteAnimationFile(m_job, animation, file,
@@ -178,6 +167,7 @@ std::string Animations::Words(int64_t number, std::string_view name, bool ownBas
   const auto animation = m_animations[number];
   std::string words = "  fps " + Number(m_job, animation->Fps) + "\n";
   if ((animation->Flags & AnimFlagLooping) != 0) words += "  loop\n";
+  if (IsKeptOutOfBlocks(m_job, animation)) words += "  noanimblock\n";
   if ((animation->Flags & AnimFlagDelta) != 0) {
     const std::string_view base = ownBase ? name : AnimationSource(m_job.DeltaReference);
     words += "  subtract " + Quoted(m_job, base) + " 0\n";

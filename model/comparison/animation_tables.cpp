@@ -146,8 +146,8 @@ std::array<float, 4> RotationOf(const StudioIkRule& rule) {
 }
 
 template <typename Where>
-void CompareIkRules(DifferenceList& differences, const StudioIkRule& first, const StudioIkRule& second,
-                    const Where& where) {
+void CompareIkRule(DifferenceList& differences, const StudioIkRule& first, const StudioIkRule& second,
+                   const Where& where) {
   CompareFields(differences, ModelTable::Animations, IkRuleFields, first, second, where);
   differences.Numbers(ModelTable::Animations, "rotation of an ik rule", where, RotationOf(first), RotationOf(second),
                       1e-3);
@@ -156,10 +156,29 @@ void CompareIkRules(DifferenceList& differences, const StudioIkRule& first, cons
   differences.Whole(ModelTable::Animations, "bone of an ik rule", where, first.Bone, second.Bone);
 }
 
-/// Where the ik rules of an animation stand; nothing for those of a block file.
-std::pair<int64_t, int64_t> IkRules(const AnimationRecord& animation) {
-  if (animation->IkRuleOffset == 0) return {0, 0};
-  return {animation.Offset() + animation->IkRuleOffset, animation->IkRuleCount};
+/// The rules of two animations that have as many.
+template <typename Where>
+void CompareIkRules(const ComparedModels& models, const AnimationRecord& first, const AnimationRecord& second,
+                    const Where& where) {
+  const auto one = IkRulesOf(models.First, first);
+  const auto other = IkRulesOf(models.Second, second);
+  if (!one || !other || !models.First.Spend(one->Count() * RecordCost)) return;
+  for (int64_t i = 0; i < one->Count(); ++i) CompareIkRule(models.Differences, *(*one)[i], *(*other)[i], where);
+}
+
+/// Whether the data of an animation begin in the block file, and whether any of them stand there.
+template <typename Where>
+void CompareStorage(const ComparedModels& models, const AnimationRecord& first, const AnimationRecord& second,
+                    const Where& where) {
+  const auto one = StoredPieces(models.First, first);
+  const auto other = StoredPieces(models.Second, second);
+  if (one.empty() || other.empty()) return;
+  const auto isInBlocks = [](const StudioAnimSection& piece) { return piece.Block > 0; };
+  models.Differences.Whole(ModelTable::Animations, "start in the block file", where, isInBlocks(one.front()) ? 1 : 0,
+                           isInBlocks(other.front()) ? 1 : 0);
+  models.Differences.Whole(ModelTable::Animations, "part in the block file", where,
+                           std::ranges::any_of(one, isInBlocks) ? 1 : 0,
+                           std::ranges::any_of(other, isInBlocks) ? 1 : 0);
 }
 
 }  // namespace
@@ -169,6 +188,7 @@ void CompareAnimations(const ComparedModels& models) {
   const Skeleton* second = GetSkeleton(models.Second);
   const auto a = models.First.Model.Header();
   const auto b = models.Second.Model.Header();
+  const bool haveBlocks = a->AnimBlockCount > 1 || b->AnimBlockCount > 1;
   CompareTables<StudioAnimDesc>(
       models, ModelTable::Animations, "animations", {a->AnimOffset, a->AnimCount}, {b->AnimOffset, b->AnimCount},
       [&](const AnimationRecord& one, const AnimationRecord& other, int64_t i) {
@@ -188,13 +208,8 @@ void CompareAnimations(const ComparedModels& models) {
             {other.Offset() + other->MovementOffset, other->MovementCount}, [&](const auto& x, const auto& y, int64_t) {
               CompareFields(models.Differences, ModelTable::Animations, MovementFields, *x, *y, where);
             });
-        const auto rules = IkRules(one);
-        const auto otherRules = IkRules(other);
-        if (rules.second == otherRules.second) {
-          CompareTables<StudioIkRule>(
-              models, ModelTable::Animations, "ik rules", where, rules, otherRules,
-              [&](const auto& x, const auto& y, int64_t) { CompareIkRules(models.Differences, *x, *y, where); });
-        }
+        if (haveBlocks) CompareStorage(models, one, other, where);
+        if (one->IkRuleCount > 0 && one->IkRuleCount == other->IkRuleCount) CompareIkRules(models, one, other, where);
         if (first != nullptr && second != nullptr) {
           FrameComparison(models, *first, *second).Compare(one, other, std::string(name));
         }

@@ -1,15 +1,11 @@
-// Scripts as people write them: what takes effect, what is told, and what becomes of the files.
+// Scripts as people write them: what takes effect, and what is told.
 
 #include <gmock/gmock.h>
 
 #include <cmath>
-#include <filesystem>
 
-#include "compiler/files/commit_together.h"
-#include "compiler/files/model_files.h"
 #include "model/animation_records.h"
 #include "model/script_records.h"
-#include "round_trip.h"
 #include "workshop.h"
 
 namespace tarnwick::compiler {
@@ -20,56 +16,19 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-constexpr std::string_view Head = "$modelname a.mdl\n$cd parts\n";
-
 std::string BoneName(const CompiledFiles& files, int number) {
   const int64_t at = HeaderOf(files).BoneOffset + int64_t{number} * static_cast<int64_t>(sizeof(model::StudioBone));
   return files.Mdl.c_str() + at + RecordAt<model::StudioBone>(files.Mdl, at).NameOffset;
 }
 
-std::vector<std::string> TextureNames(const CompiledFiles& files) {
-  const model::StudioHeader header = HeaderOf(files);
-  std::vector<std::string> names;
-  for (int32_t i = 0; i < header.TextureCount; ++i) {
-    const int64_t at = header.TextureOffset + int64_t{i} * static_cast<int64_t>(sizeof(model::StudioTexture));
-    names.emplace_back(files.Mdl.c_str() + at + RecordAt<model::StudioTexture>(files.Mdl, at).NameOffset);
-  }
-  return names;
-}
-
-/// A pyramid with a square foot of `size` and the materials a and b.
-std::string Pyramid(int size) {
-  const std::string s = std::to_string(size);
-  const std::string x = "0 " + s + " 0 0 0 0 1 0 0\n", y = "0 0 " + s + " 0 0 0 1 0 1\n",
-                    z = "0 0 0 " + s + " 0 0 1 1 1\n", o = "0 0 0 0 0 0 1 0 0\n";
-  return "version 1\nnodes\n0 \"root\" -1\nend\nskeleton\ntime 0\n0 0 0 0 0 0 0\nend\ntriangles\na\n" + o + y + x +
-         "a\n" + o + x + z + "b\n" + o + z + y + "b\n" + x + y + z + "end\n";
-}
-
-/// Writes the files of a model into the folder, and gives the path of the first.
-std::string WriteModel(const ScratchFolder& folder, const CompiledFiles& files, const std::string& name) {
-  WriteText(folder.Path(name + ".vvd"), files.Vvd);
-  WriteText(folder.Path(name + ".dx90.vtx"), files.Vtx);
-  WriteText(folder.Path(name + ".mdl"), files.Mdl);
-  return folder.Path(name + ".mdl");
-}
-
-/// A swing of many frames, in which no two changes are alike.
-std::string LongSwing(int frames) {
-  std::string text = "version 1\nnodes\n0 \"root\" -1\n1 \"arm\" 0\nend\nskeleton\n";
-  for (int frame = 0; frame < frames; ++frame) {
-    const std::string by = std::to_string(frame * frame % 97 * 0.003);
-    text += "time " + std::to_string(frame) + "\n0 0 0 0 0 0 0\n1 4 " + by + " 0 " + by + " " + by + " 0\n";
-  }
-  return text + "end\n";
-}
-
 TEST(CompileScript, PutsAnimationsIntoBlocksOfAFileOfTheirOwn) {
   Workshop shop;
   WriteText(shop.Folder.Path("parts/long.smd"), LongSwing(290));
-  const std::string script = std::string(Head) +
-                             "$bonemerge arm\n$body a arm\n$animation here swing noanimblock\n$animation a long\n"
-                             "$animation b long\n$animation c long\n$sequence s { here a b c }\n";
+  const std::string script =
+      std::string(Head) +
+      "$bonemerge arm\n$body a arm\n$ikchain hand arm\n$animation here swing noanimblock noautoik\n"
+      "$animation a long\n$animation b long\n$animation c long\n$sequence s { here a b c }\n"
+      "$sequence t swing ikrule hand release\n";
   const auto whole = shop.Compile(script);
   const auto cut = shop.Compile("$animblocksize 4 nostall\n" + script);
   ASSERT_TRUE(whole && cut);
@@ -100,6 +59,13 @@ TEST(CompileScript, PutsAnimationsIntoBlocksOfAFileOfTheirOwn) {
   EXPECT_EQ(+animation(1).Block, 0) << "nostall";
   EXPECT_EQ(+section(0).Block, 0) << "nostall";
   EXPECT_EQ(+section(1).Block, 1);
+  ASSERT_GT(+animation(4).Block, 0);
+  ASSERT_EQ(+animation(4).IkRuleCount, 1);
+  EXPECT_EQ(+animation(4).IkRuleOffset, 0);
+  const auto rule = RecordAt<model::StudioIkRule>(
+      cut->Ani, int64_t{block(animation(4).Block).Start} + animation(4).BlockIkRuleOffset);
+  EXPECT_EQ(+rule.Type, model::IkRuleRelease);
+  EXPECT_EQ(+rule.End, 1);
 }
 
 TEST(CompileScript, TellsWhatItDoesNotBuild) {
@@ -418,130 +384,6 @@ TEST(CompileScript, NamesABoneInRulesThatLetALimbGo) {
   EXPECT_EQ(RecordAt<model::StudioIkRule>(files->Mdl, rules + int64_t{sizeof(model::StudioIkRule)}).Bone, -1);
 }
 
-TEST(CompileScript, ComesBackWithoutTheCollisionModel) {
-  Workshop shop;
-  WriteText(shop.Folder.Path("parts/roof.smd"), Pyramid(8));
-  WriteText(shop.Folder.Path("parts/block.smd"), Pyramid(20));
-  // Commas where blanks should be, as they are met.
-  const std::string script = std::string(Head) +
-                             "$body b roof\n$texturegroup s { { b , a } { late , later } { z , a } }\n"
-                             "$sequence idle roof\n$sequence two roof\n";
-  const auto with = shop.Compile(script + "$collisionmodel block\n");
-  const auto without = shop.Compile(script);
-  ASSERT_TRUE(with && without);
-  EXPECT_THAT(TextureNames(*with), ElementsAre("a", "b", ",", "late", "later", "z"));
-  EXPECT_NE(HeaderOf(*with).HullMaximum.z, HeaderOf(*without).HullMaximum.z);
-  for (const CompiledFiles* files : {&*with, &*without}) {
-    ScratchFolder folder;
-    RoundTrip trip(WriteModel(folder, *files, "roof"));
-    ASSERT_TRUE(trip.Compiled) << trip.Told;
-    EXPECT_EQ(trip.Before["ravelback.qc"].find("$bbox") != std::string::npos, files == &*with);
-    EXPECT_EQ(trip.Before["ravelback.qc"], trip.After["ravelback.qc"]);
-    EXPECT_EQ(TextureNames(trip.Files), TextureNames(*files));
-    EXPECT_NEAR(HeaderOf(trip.Files).HullMinimum.x, HeaderOf(*files).HullMinimum.x, 1e-4);
-    EXPECT_NEAR(HeaderOf(trip.Files).HullMaximum.z, HeaderOf(*files).HullMaximum.z, 1e-4);
-  }
-}
-
-TEST(CompileScript, TakesNoTangentForAVertexOfTheBox) {
-  Workshop shop;
-  // Far smaller than the tangents behind the vertices are long, which point out of it.
-  WriteText(shop.Folder.Path("parts/chip.smd"),
-            "version 1\nnodes\n0 \"root\" -1\nend\nskeleton\ntime 0\n0 0 0 0 0 0 0\nend\ntriangles\na\n"
-            "0 0 0 0 0 0 1 1 0\n0 0 0.5 0 0 0 1 1 1\n0 0.5 0 0 0 0 1 0 0\n"
-            "a\n0 0 0 0 0 0 1 1 0\n0 0.5 0 0 0 0 1 0 0\n0 0 0 0.5 0 0 1 0 1\nend\n");
-  const auto files = shop.Compile(std::string(Head) + "$body b chip\n$sequence idle chip\n");
-  ASSERT_TRUE(files);
-  ScratchFolder folder;
-  EXPECT_THAT(RoundTrip(WriteModel(folder, *files, "chip")).Before["ravelback.qc"], testing::Not(HasSubstr("$bbox")));
-}
-
-TEST(CompileScript, FindsTheBoxOfBonesThatMoveByTurns) {
-  Workshop shop;
-  const std::string nodes = "version 1\nnodes\n0 \"root\" -1\n1 \"left\" 0\n2 \"right\" 0\nend\nskeleton\n";
-  const auto corner = [](int bone, const std::string& place) {
-    return std::to_string(bone) + " " + place + " 0 0 1 0 0 1 " + std::to_string(bone) + " 1\n";
-  };
-  std::string mesh = nodes + "time 0\n0 0 0 0 0 0 0\n1 0 0 0 0 0 0\n2 0 0 0 0 0 0\nend\ntriangles\n";
-  for (int bone = 0; bone < 3; ++bone)
-    mesh += "a\n" + corner(bone, "0 0 0") + corner(bone, "4 0 0") + corner(bone, "0 4 2");
-  WriteText(shop.Folder.Path("parts/wings.smd"), mesh + "end\n");
-  const auto frame = [](int time, int left, int right) {
-    return "time " + std::to_string(time) + "\n0 0 0 0 0 0 0\n1 " + std::to_string(left) + " 0 0 0 0 0\n2 0 " +
-           std::to_string(right) + " 0 0 0 0\n";
-  };
-  // Each end of the box is reached in another frame. The only hit box is a small one, since those made by themselves
-  // would tell the ends too.
-  WriteText(shop.Folder.Path("parts/flap.smd"), nodes + frame(0, 0, 0) + frame(1, 20, 0) + frame(2, 40, 0) +
-                                                    frame(3, 40, 30) + frame(4, 0, -50) + frame(5, -60, -50) + "end\n");
-  const auto files =
-      shop.Compile(std::string(Head) + "$body b wings\n$sequence idle flap\n$hbox 0 root -1 -1 -1 1 1 1\n");
-  ASSERT_TRUE(files);
-  EXPECT_GT(HeaderOf(*files).HullMaximum.y - HeaderOf(*files).HullMinimum.y, 100);
-  ScratchFolder folder;
-  EXPECT_THAT(RoundTrip(WriteModel(folder, *files, "wings")).Before["ravelback.qc"], testing::Not(HasSubstr("$bbox")));
-}
-
-TEST(CompileScript, GivesBackTexturesOfSkinsInTheirOrder) {
-  Workshop shop;
-  WriteText(shop.Folder.Path("parts/roof.smd"), Pyramid(8));
-  const auto files = shop.Compile(std::string(Head) +
-                                  "$body one roof\n$sequence idle roof\n$texturegroup s { { a } { b } { snow } }\n"
-                                  "$texturegroup t { { b unused } { moss unused } { a unused } }\n");
-  ASSERT_TRUE(files) << testing::PrintToString(shop.Texts());
-  EXPECT_THAT(TextureNames(*files), ElementsAre("a", "b", "snow", "unused", "moss"));
-  ScratchFolder folder;
-  RoundTrip trip(WriteModel(folder, *files, "roof"));
-  ASSERT_TRUE(trip.Compiled) << trip.Told;
-  EXPECT_EQ(TextureNames(trip.Files), TextureNames(*files));
-  EXPECT_THAT(trip.Different([](const std::string&, const std::string&) { return true; }), testing::IsEmpty());
-}
-
-TEST(CompileScript, GivesBackSequencesThatStandElsewhereThanTheirAnimations) {
-  const auto told = [](const CompiledFiles& files) {
-    const model::StudioHeader header = HeaderOf(files);
-    std::string text;
-    for (int64_t i = 0; i < header.AnimCount; ++i) {
-      const int64_t at = header.AnimOffset + i * int64_t{sizeof(model::StudioAnimDesc)};
-      text += std::string(files.Mdl.c_str() + at + RecordAt<model::StudioAnimDesc>(files.Mdl, at).NameOffset) + " ";
-    }
-    for (int64_t i = 0; i < header.SequenceCount; ++i) {
-      const int64_t at = header.SequenceOffset + i * int64_t{sizeof(model::StudioSeqDesc)};
-      const auto sequence = RecordAt<model::StudioSeqDesc>(files.Mdl, at);
-      text += "| " + std::string(files.Mdl.c_str() + at + sequence.LabelOffset);
-      for (int32_t k = 0; k < sequence.BlendCount; ++k) {
-        text += " " + std::to_string(RecordAt<int16_t>(files.Mdl, at + sequence.BlendOffset + int64_t{2} * k));
-      }
-    }
-    return text;
-  };
-  const struct {
-    const char* Lines;
-    const char* Told;
-  } cases[] = {
-      {"$declaresequence late\n$declaresequence gone\n$sequence early swing\n$sequence late arm\n",
-       "@early @late | late 1| gone| early 0"},
-      {"$declaresequence grid\n$sequence first swing\n$animation a arm\n$animation b swing\n$sequence second arm\n"
-       "$sequence grid { a b @second }\n$sequence last swing\n$animation unused swing\n",
-       "@first a b @second @last unused | grid 1 2 3| first 0| second 3| last 4"},
-      {"$declaresequence late\n$sequence early swing { node one }\n$sequence late arm { transition one two }\n",
-       "@early @late | late 1| early 0"},
-      {"$sequence first swing\n$animation a swing\n$sequence grid { a @first }\n$sequence last arm\n",
-       "@first a @last | first 0| grid 1 0| last 2"},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.Lines);
-    Workshop shop;
-    const auto files = shop.Compile(std::string(Head) + "$body one arm\n" + c.Lines);
-    ASSERT_TRUE(files) << testing::PrintToString(shop.Texts());
-    EXPECT_EQ(told(*files), c.Told);
-    ScratchFolder folder;
-    RoundTrip trip(WriteModel(folder, *files, "arm"));
-    ASSERT_TRUE(trip.Compiled) << trip.Told;
-    EXPECT_EQ(told(trip.Files), c.Told);
-  }
-}
-
 TEST(CompileScript, KnowsRenamedMaterialsOfALevelByEitherName) {
   for (const char* name : {"b", "B.tga", "brick", "Brick.vmt"}) {
     Workshop shop;
@@ -553,66 +395,6 @@ TEST(CompileScript, KnowsRenamedMaterialsOfALevelByEitherName) {
     EXPECT_THAT(shop.Texts(), testing::IsEmpty()) << name;
     EXPECT_THAT(TextureNames(*files), ElementsAre("a", "brick", "low")) << name;
   }
-}
-
-TEST(CompileScript, GivesBackTexturesThatMeshesCannotName) {
-  Workshop shop;
-  WriteText(shop.Folder.Path("parts/roof.smd"), Pyramid(8));
-  WriteText(shop.Folder.Path("parts/arm.smd"), ArmMesh);
-  // Two bodies of one file name, with the same triangles but for what one of them is called in its file.
-  std::string other = Pyramid(8);
-  other.replace(other.find("\na\n"), 3, "\nc\n");
-  other.replace(other.find("\na\n"), 3, "\nc\n");
-  std::filesystem::create_directory(shop.Folder.Path("parts/two"));
-  WriteText(shop.Folder.Path("parts/two/roof.smd"), other);
-  const auto files = shop.Compile(std::string(Head) +
-                                  "$body one roof\n$body two \"two/roof\"\n$body three arm\n$sequence idle roof\n"
-                                  "$texturegroup s { { a c } { red.tga.tga blue } }\n$renamematerial c a\n"
-                                  "$renamematerial skin \"//walls/brick.tga\"\n$renamematerial blue RED\n");
-  ASSERT_TRUE(files) << testing::PrintToString(shop.Texts());
-  EXPECT_THAT(TextureNames(*files), ElementsAre("a", "b", "a", "//walls/brick", "red.tga", "RED"));
-  ScratchFolder folder;
-  RoundTrip trip(WriteModel(folder, *files, "roof"));
-  ASSERT_TRUE(trip.Compiled) << trip.Told;
-  EXPECT_EQ(TextureNames(trip.Files), TextureNames(*files));
-  EXPECT_THAT(trip.Before["ravelback.qc"], HasSubstr("$renamematerial \"material3\" \"//walls/brick\"\n"));
-  EXPECT_THAT(trip.Different([](const std::string&, const std::string&) { return true; }), testing::IsEmpty());
-  EXPECT_EQ(HeaderOf(trip.Files).SkinFamilyCount, 2);
-}
-
-TEST(ModelFiles, RemovesWhatTheModelHasNoMore) {
-  ScratchFolder folder;
-  CompileReport report;
-  CompiledFiles files;
-  files.Mdl = "mdl";
-  files.Phy = "phy";
-  ASSERT_TRUE(WriteModelFiles(files, "a.mdl", folder.Path("game"), core::DiskStore(), report));
-  files.Phy.clear();
-  EXPECT_TRUE(report.Troubles.empty());
-  ASSERT_TRUE(WriteModelFiles(files, "a.mdl", folder.Path("game"), core::DiskStore(), report));
-  EXPECT_FALSE(std::filesystem::exists(folder.Path("game/models/a.phy")));
-  ASSERT_EQ(report.Troubles.size(), 1U);
-  EXPECT_THAT(report.Troubles[0].Text, HasSubstr("a.phy of the model before is removed"));
-}
-
-TEST(ModelFiles, GetTheirNamesTogetherOrNotAtAll) {
-  ScratchFolder folder;
-  WriteText(folder.Path("old"), "before");
-  std::vector<core::OutputFile> files;
-  for (const char* name : {"new", "old", "taken", "never"}) {
-    auto file = core::OutputFile::Create(folder.Path(name));
-    ASSERT_TRUE(file && file->Write("after"));
-    files.push_back(std::move(*file));
-  }
-  std::filesystem::create_directory(folder.Path("taken"));
-  WriteText(folder.Path("taken/in the way"), "");
-  std::string path, reason;
-  EXPECT_FALSE(CommitTogether(files, path, reason));
-  EXPECT_EQ(path, folder.Path("taken"));
-  EXPECT_FALSE(reason.empty());
-  files.clear();
-  EXPECT_THAT(folder.Files(), testing::UnorderedElementsAre("old", "taken/in the way"));
-  EXPECT_EQ(ReadText(folder.Path("old")), "before");
 }
 
 }  // namespace

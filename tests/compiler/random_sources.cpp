@@ -158,7 +158,7 @@ class Maker {
         "$opaque",
         "$includemodel \"rand/Moves.mdl\"",
         "$keyvalues { prop_data { base Metal.Large allowstatic 1 } \"a b\" { c \"d e\" } }",
-        "$animblocksize 4 nostall",
+        "$animblocksize " + Any({"4 nostall", "8", "16"}),
         "$cdmaterials \"\" other\\folder"};
     for (const std::string& line : lines) {
       if (m_dice.Chance(50)) m_script += line + "\n";
@@ -324,6 +324,7 @@ class Maker {
                     Animation("move " + Number(i) + ".smd", frames, m_dice.Chance(30)) + "\"";
         m_script += m_dice.Chance(50) ? " loop" : "";
         m_script += m_dice.Chance(30) ? " snap" : "";
+        m_script += m_dice.Chance(30) ? " noanimblock" : "";
         m_script += m_dice.Chance(30) ? " fadein 0.5 fadeout 0\n" : "\n";
       }
     }

@@ -27,6 +27,28 @@ inline constexpr std::string_view ArmSwing =
     "time 1\n0 1 0 0 0 0 0\n1 4 0 0 0 0.1 0\n"
     "time 2\n0 2 0 0 0 0 0\n1 4 0 0 0 0.2 0\nend\n";
 
+/// What scripts begin with.
+inline constexpr std::string_view Head = "$modelname a.mdl\n$cd parts\n";
+
+/// A pyramid with a square foot of `size` and the materials a and b.
+inline std::string Pyramid(int size) {
+  const std::string s = std::to_string(size);
+  const std::string x = "0 " + s + " 0 0 0 0 1 0 0\n", y = "0 0 " + s + " 0 0 0 1 0 1\n",
+                    z = "0 0 0 " + s + " 0 0 1 1 1\n", o = "0 0 0 0 0 0 1 0 0\n";
+  return "version 1\nnodes\n0 \"root\" -1\nend\nskeleton\ntime 0\n0 0 0 0 0 0 0\nend\ntriangles\na\n" + o + y + x +
+         "a\n" + o + x + z + "b\n" + o + z + y + "b\n" + x + y + z + "end\n";
+}
+
+/// A swing of many frames, in which no two changes are alike.
+inline std::string LongSwing(int frames) {
+  std::string text = "version 1\nnodes\n0 \"root\" -1\n1 \"arm\" 0\nend\nskeleton\n";
+  for (int frame = 0; frame < frames; ++frame) {
+    const std::string by = std::to_string(frame * frame % 97 * 0.003);
+    text += "time " + std::to_string(frame) + "\n0 0 0 0 0 0 0\n1 4 " + by + " 0 " + by + " " + by + " 0\n";
+  }
+  return text + "end\n";
+}
+
 /// A folder with a mesh and an animation, in which scripts are compiled.
 struct Workshop {
   ScratchFolder Folder;
@@ -59,6 +81,16 @@ Record RecordAt(const std::string& bytes, int64_t at) {
   Record record;
   std::memcpy(&record, bytes.data() + at, sizeof record);
   return record;
+}
+
+inline std::vector<std::string> TextureNames(const compiler::CompiledFiles& files) {
+  const model::StudioHeader header = HeaderOf(files);
+  std::vector<std::string> names;
+  for (int32_t i = 0; i < header.TextureCount; ++i) {
+    const int64_t at = header.TextureOffset + int64_t{i} * static_cast<int64_t>(sizeof(model::StudioTexture));
+    names.emplace_back(files.Mdl.c_str() + at + RecordAt<model::StudioTexture>(files.Mdl, at).NameOffset);
+  }
+  return names;
 }
 
 }  // namespace tarnwick::tests

@@ -104,6 +104,8 @@ TEST(ModelComparison, NamesTheTableAndPlaceOfEachChange) {
          Mesh(m).Lods[1] = Triangles({0, 1, 2, 0, 2, 1});
        }},
       {ModelTable::Animations, "frames per second", [](auto& m) { m.Animations[1].Fps = 24; }},
+      {ModelTable::Animations, "start in the block file differs, in animation walk: 0 and 1",
+       [](auto& m) { m.Animations[1].Data.Block = 1; }},
       {ModelTable::Frames, "rotation differs by 0.05, in animation walk, frame 2, bone hand",
        [](auto& m) { (*m.Animations[1].Data.Bones[0].RotationRuns)[0][0].Values[2] = 250; }},
       {ModelTable::Sequences, "label", [](auto& m) { m.Sequences[1].Label = "run"; }},

@@ -1,0 +1,234 @@
+// Models that scripts make, taken apart and compiled again.
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+
+#include "model/animation_records.h"
+#include "model/script_records.h"
+#include "round_trip.h"
+#include "workshop.h"
+
+namespace tarnwick::compiler {
+namespace {
+
+using namespace tests;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+/// Writes the files of a model into the folder, and gives the path of the first.
+std::string WriteModel(const ScratchFolder& folder, const CompiledFiles& files, const std::string& name) {
+  WriteText(folder.Path(name + ".vvd"), files.Vvd);
+  WriteText(folder.Path(name + ".dx90.vtx"), files.Vtx);
+  WriteText(folder.Path(name + ".mdl"), files.Mdl);
+  if (!files.Ani.empty()) WriteText(folder.Path(name + ".ani"), files.Ani);
+  return folder.Path(name + ".mdl");
+}
+
+TEST(WayBack, ComesBackWithoutTheCollisionModel) {
+  Workshop shop;
+  WriteText(shop.Folder.Path("parts/roof.smd"), Pyramid(8));
+  WriteText(shop.Folder.Path("parts/block.smd"), Pyramid(20));
+  // Commas where blanks should be, as they are met.
+  const std::string script = std::string(Head) +
+                             "$body b roof\n$texturegroup s { { b , a } { late , later } { z , a } }\n"
+                             "$sequence idle roof\n$sequence two roof\n";
+  const auto with = shop.Compile(script + "$collisionmodel block\n");
+  const auto without = shop.Compile(script);
+  ASSERT_TRUE(with && without);
+  EXPECT_THAT(TextureNames(*with), ElementsAre("a", "b", ",", "late", "later", "z"));
+  EXPECT_NE(HeaderOf(*with).HullMaximum.z, HeaderOf(*without).HullMaximum.z);
+  for (const CompiledFiles* files : {&*with, &*without}) {
+    ScratchFolder folder;
+    RoundTrip trip(WriteModel(folder, *files, "roof"));
+    ASSERT_TRUE(trip.Compiled) << trip.Told;
+    EXPECT_EQ(trip.Before["ravelback.qc"].find("$bbox") != std::string::npos, files == &*with);
+    EXPECT_EQ(trip.Before["ravelback.qc"], trip.After["ravelback.qc"]);
+    EXPECT_EQ(TextureNames(trip.Files), TextureNames(*files));
+    EXPECT_NEAR(HeaderOf(trip.Files).HullMinimum.x, HeaderOf(*files).HullMinimum.x, 1e-4);
+    EXPECT_NEAR(HeaderOf(trip.Files).HullMaximum.z, HeaderOf(*files).HullMaximum.z, 1e-4);
+  }
+}
+
+TEST(WayBack, TakesNoTangentForAVertexOfTheBox) {
+  Workshop shop;
+  // Far smaller than the tangents behind the vertices are long, which point out of it.
+  WriteText(shop.Folder.Path("parts/chip.smd"),
+            "version 1\nnodes\n0 \"root\" -1\nend\nskeleton\ntime 0\n0 0 0 0 0 0 0\nend\ntriangles\na\n"
+            "0 0 0 0 0 0 1 1 0\n0 0 0.5 0 0 0 1 1 1\n0 0.5 0 0 0 0 1 0 0\n"
+            "a\n0 0 0 0 0 0 1 1 0\n0 0.5 0 0 0 0 1 0 0\n0 0 0 0.5 0 0 1 0 1\nend\n");
+  const auto files = shop.Compile(std::string(Head) + "$body b chip\n$sequence idle chip\n");
+  ASSERT_TRUE(files);
+  ScratchFolder folder;
+  EXPECT_THAT(RoundTrip(WriteModel(folder, *files, "chip")).Before["ravelback.qc"], testing::Not(HasSubstr("$bbox")));
+}
+
+TEST(WayBack, FindsTheBoxOfBonesThatMoveByTurns) {
+  Workshop shop;
+  const std::string nodes = "version 1\nnodes\n0 \"root\" -1\n1 \"left\" 0\n2 \"right\" 0\nend\nskeleton\n";
+  const auto corner = [](int bone, const std::string& place) {
+    return std::to_string(bone) + " " + place + " 0 0 1 0 0 1 " + std::to_string(bone) + " 1\n";
+  };
+  std::string mesh = nodes + "time 0\n0 0 0 0 0 0 0\n1 0 0 0 0 0 0\n2 0 0 0 0 0 0\nend\ntriangles\n";
+  for (int bone = 0; bone < 3; ++bone)
+    mesh += "a\n" + corner(bone, "0 0 0") + corner(bone, "4 0 0") + corner(bone, "0 4 2");
+  WriteText(shop.Folder.Path("parts/wings.smd"), mesh + "end\n");
+  const auto frame = [](int time, int left, int right) {
+    return "time " + std::to_string(time) + "\n0 0 0 0 0 0 0\n1 " + std::to_string(left) + " 0 0 0 0 0\n2 0 " +
+           std::to_string(right) + " 0 0 0 0\n";
+  };
+  // Each end of the box is reached in another frame. The only hit box is a small one, since those made by themselves
+  // would tell the ends too.
+  WriteText(shop.Folder.Path("parts/flap.smd"), nodes + frame(0, 0, 0) + frame(1, 20, 0) + frame(2, 40, 0) +
+                                                    frame(3, 40, 30) + frame(4, 0, -50) + frame(5, -60, -50) + "end\n");
+  const auto files =
+      shop.Compile(std::string(Head) + "$body b wings\n$sequence idle flap\n$hbox 0 root -1 -1 -1 1 1 1\n");
+  ASSERT_TRUE(files);
+  EXPECT_GT(HeaderOf(*files).HullMaximum.y - HeaderOf(*files).HullMinimum.y, 100);
+  ScratchFolder folder;
+  EXPECT_THAT(RoundTrip(WriteModel(folder, *files, "wings")).Before["ravelback.qc"], testing::Not(HasSubstr("$bbox")));
+}
+
+TEST(WayBack, GivesBackTexturesOfSkinsInTheirOrder) {
+  Workshop shop;
+  WriteText(shop.Folder.Path("parts/roof.smd"), Pyramid(8));
+  const auto files = shop.Compile(std::string(Head) +
+                                  "$body one roof\n$sequence idle roof\n$texturegroup s { { a } { b } { snow } }\n"
+                                  "$texturegroup t { { b unused } { moss unused } { a unused } }\n");
+  ASSERT_TRUE(files) << testing::PrintToString(shop.Texts());
+  EXPECT_THAT(TextureNames(*files), ElementsAre("a", "b", "snow", "unused", "moss"));
+  ScratchFolder folder;
+  RoundTrip trip(WriteModel(folder, *files, "roof"));
+  ASSERT_TRUE(trip.Compiled) << trip.Told;
+  EXPECT_EQ(TextureNames(trip.Files), TextureNames(*files));
+  EXPECT_THAT(trip.Different([](const std::string&, const std::string&) { return true; }), testing::IsEmpty());
+}
+
+TEST(WayBack, GivesBackSequencesThatStandElsewhereThanTheirAnimations) {
+  const auto told = [](const CompiledFiles& files) {
+    const model::StudioHeader header = HeaderOf(files);
+    std::string text;
+    for (int64_t i = 0; i < header.AnimCount; ++i) {
+      const int64_t at = header.AnimOffset + i * int64_t{sizeof(model::StudioAnimDesc)};
+      text += std::string(files.Mdl.c_str() + at + RecordAt<model::StudioAnimDesc>(files.Mdl, at).NameOffset) + " ";
+    }
+    for (int64_t i = 0; i < header.SequenceCount; ++i) {
+      const int64_t at = header.SequenceOffset + i * int64_t{sizeof(model::StudioSeqDesc)};
+      const auto sequence = RecordAt<model::StudioSeqDesc>(files.Mdl, at);
+      text += "| " + std::string(files.Mdl.c_str() + at + sequence.LabelOffset);
+      for (int32_t k = 0; k < sequence.BlendCount; ++k) {
+        text += " " + std::to_string(RecordAt<int16_t>(files.Mdl, at + sequence.BlendOffset + int64_t{2} * k));
+      }
+    }
+    return text;
+  };
+  const struct {
+    const char* Lines;
+    const char* Told;
+  } cases[] = {
+      {"$declaresequence late\n$declaresequence gone\n$sequence early swing\n$sequence late arm\n",
+       "@early @late | late 1| gone| early 0"},
+      {"$declaresequence grid\n$sequence first swing\n$animation a arm\n$animation b swing\n$sequence second arm\n"
+       "$sequence grid { a b @second }\n$sequence last swing\n$animation unused swing\n",
+       "@first a b @second @last unused | grid 1 2 3| first 0| second 3| last 4"},
+      {"$declaresequence late\n$sequence early swing { node one }\n$sequence late arm { transition one two }\n",
+       "@early @late | late 1| early 0"},
+      {"$sequence first swing\n$animation a swing\n$sequence grid { a @first }\n$sequence last arm\n",
+       "@first a @last | first 0| grid 1 0| last 2"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.Lines);
+    Workshop shop;
+    const auto files = shop.Compile(std::string(Head) + "$body one arm\n" + c.Lines);
+    ASSERT_TRUE(files) << testing::PrintToString(shop.Texts());
+    EXPECT_EQ(told(*files), c.Told);
+    ScratchFolder folder;
+    RoundTrip trip(WriteModel(folder, *files, "arm"));
+    ASSERT_TRUE(trip.Compiled) << trip.Told;
+    EXPECT_EQ(told(trip.Files), c.Told);
+  }
+}
+
+TEST(WayBack, GivesBackTexturesThatMeshesCannotName) {
+  Workshop shop;
+  WriteText(shop.Folder.Path("parts/roof.smd"), Pyramid(8));
+  WriteText(shop.Folder.Path("parts/arm.smd"), ArmMesh);
+  // Two bodies of one file name, with the same triangles but for what one of them is called in its file.
+  std::string other = Pyramid(8);
+  other.replace(other.find("\na\n"), 3, "\nc\n");
+  other.replace(other.find("\na\n"), 3, "\nc\n");
+  std::filesystem::create_directory(shop.Folder.Path("parts/two"));
+  WriteText(shop.Folder.Path("parts/two/roof.smd"), other);
+  const auto files = shop.Compile(std::string(Head) +
+                                  "$body one roof\n$body two \"two/roof\"\n$body three arm\n$sequence idle roof\n"
+                                  "$texturegroup s { { a c } { red.tga.tga blue } }\n$renamematerial c a\n"
+                                  "$renamematerial skin \"//walls/brick.tga\"\n$renamematerial blue RED\n");
+  ASSERT_TRUE(files) << testing::PrintToString(shop.Texts());
+  EXPECT_THAT(TextureNames(*files), ElementsAre("a", "b", "a", "//walls/brick", "red.tga", "RED"));
+  ScratchFolder folder;
+  RoundTrip trip(WriteModel(folder, *files, "roof"));
+  ASSERT_TRUE(trip.Compiled) << trip.Told;
+  EXPECT_EQ(TextureNames(trip.Files), TextureNames(*files));
+  EXPECT_THAT(trip.Before["ravelback.qc"], HasSubstr("$renamematerial \"material3\" \"//walls/brick\"\n"));
+  EXPECT_THAT(trip.Different([](const std::string&, const std::string&) { return true; }), testing::IsEmpty());
+  EXPECT_EQ(HeaderOf(trip.Files).SkinFamilyCount, 2);
+}
+
+/// How a model's animations are stored: the sizes of its blocks, then for each animation the block of each section.
+std::string StorageOf(const CompiledFiles& files) {
+  const model::StudioHeader header = HeaderOf(files);
+  std::string text;
+  for (int64_t i = 1; i < header.AnimBlockCount; ++i) {
+    const auto block = RecordAt<model::StudioAnimBlock>(
+        files.Mdl, header.AnimBlockOffset + i * int64_t{sizeof(model::StudioAnimBlock)});
+    text += std::to_string(block.End - block.Start) + " ";
+  }
+  for (int64_t i = 0; i < header.AnimCount; ++i) {
+    const int64_t at = header.AnimOffset + i * int64_t{sizeof(model::StudioAnimDesc)};
+    const auto animation = RecordAt<model::StudioAnimDesc>(files.Mdl, at);
+    text += "| " + std::to_string(animation.Block) + ":";
+    for (int64_t k = 0; animation.SectionFrames > 0 && k < animation.FrameCount / animation.SectionFrames + 2; ++k) {
+      text += " " + std::to_string(
+                        RecordAt<model::StudioAnimSection>(
+                            files.Mdl, at + animation.SectionOffset + k * int64_t{sizeof(model::StudioAnimSection)})
+                            .Block);
+    }
+  }
+  return text;
+}
+
+TEST(WayBack, FillsTheBlocksOfAnimationsAsBefore) {
+  const struct {
+    const char* Statement;
+    const char* Animations;
+    const char* Written;
+  } cases[] = {
+      {"$animblocksize 4 nostall", "", "$animblocksize 4 nostall\n"},
+      {"$animblocksize 8", "noanimblock", "$animblocksize 8\n"},
+      // Each section is larger than a block.
+      {"$animblocksize 1", "", "$animblocksize 1\n"},
+      {"$animblocksize 5", "noanimblock", "$animblocksize 5\n"},
+      // All of them fit in one.
+      {"$animblocksize 1000", "", "$animblocksize 16\n"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.Statement);
+    Workshop shop;
+    WriteText(shop.Folder.Path("parts/long.smd"), LongSwing(900));
+    WriteText(shop.Folder.Path("parts/short.smd"), LongSwing(100));
+    const auto files =
+        shop.Compile(std::string(Head) + "$bonemerge arm\n$body a arm\n" + c.Statement + "\n$sequence idle swing { " +
+                     c.Animations + " }\n$animation a long\n$animation b long { " + c.Animations +
+                     " }\n$animation c short\n$sequence s { a b c }\n$sequence d short { subtract a 0 delta }\n");
+    ASSERT_TRUE(files) << testing::PrintToString(shop.Texts());
+    ASSERT_FALSE(files->Ani.empty());
+    ScratchFolder folder;
+    RoundTrip trip(WriteModel(folder, *files, "a"));
+    ASSERT_TRUE(trip.Compiled) << trip.Told;
+    EXPECT_THAT(trip.Before["ravelback.qc"], HasSubstr(c.Written));
+    EXPECT_EQ(StorageOf(trip.Files), StorageOf(*files));
+  }
+}
+
+}  // namespace
+}  // namespace tarnwick::compiler
