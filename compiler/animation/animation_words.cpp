@@ -238,8 +238,10 @@ bool ApplyAnimationWord(CompileContext& context, const ModelBones& bones, const 
       worker.Count(FrameOf(word, 0));
       return true;
     case Key::Origin:
-      worker.MoveRoots(
-          {static_cast<float>(word.Number(0)), static_cast<float>(word.Number(1)), static_cast<float>(word.Number(2))});
+      if (!bones.Static) {
+        worker.MoveRoots({static_cast<float>(word.Number(0)), static_cast<float>(word.Number(1)),
+                          static_cast<float>(word.Number(2))});
+      }
       return true;
     case Key::Rotate:
     case Key::Angles: {

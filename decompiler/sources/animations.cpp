@@ -8,6 +8,7 @@
 #include "decompiler/stages/animation_file.h"
 #include "model/animation_check.h"
 #include "model/pose_player.h"
+#include "model/rotation_packing.h"
 #include "model/script_records.h"
 #include "model/sequence_blend.h"
 
@@ -30,6 +31,25 @@ bool BeginsUnchanged(const core::RecordArray<StudioBone>& bones, const CheckedAn
   const auto still = [](const Vec3& p) { return p.x == 0 && p.y == 0 && p.z == 0; };
   const auto unturned = [](const Quat& q) { return q.x == 0 && q.y == 0 && q.z == 0; };
   return std::ranges::all_of(player.Positions(), still) && std::ranges::all_of(player.Rotations(), unturned);
+}
+
+/// Whether an animation takes a bone away from its rest pose.
+bool MovesBones(const core::RecordArray<StudioBone>& bones, const CheckedAnimation& animation) {
+  constexpr double Hair = 1e-3;  // units, radians
+  PosePlayer player(bones, animation);
+  for (int32_t frame = 0; frame < animation.FrameCount(); ++frame) {
+    if (!player.GoTo(frame)) continue;
+    for (int64_t i = 0; i < bones.Count(); ++i) {
+      const Vec3& place = player.Positions()[static_cast<size_t>(i)];
+      const Vec3 rest = bones[i]->Position;
+      const double moved = std::max(
+          {std::abs(double{place.x} - rest.x), std::abs(double{place.y} - rest.y), std::abs(double{place.z} - rest.z)});
+      if (moved > Hair || AngleBetween(player.Rotations()[static_cast<size_t>(i)], bones[i]->Rotation) > Hair) {
+        return true;
+      }
+    }
+  }
+  return false;
 }
 
 std::vector<TravelPart> TravelOf(JobContext& job, const core::Record<StudioAnimDesc>& animation) {
@@ -128,6 +148,16 @@ std::optional<Animations::Own> Animations::WriteOwn(int64_t number, std::string_
   return own;
 }
 
+/// A compile gives the bone of a static model one frame, at rest.
+void Animations::CountLostOfStatic(int64_t number, std::string_view name) {
+  if ((m_job.Model.Header()->Flags & ModelFlagStatic) == 0 || !m_job.Spend(m_animations[number]->FrameCount)) return;
+  const auto checked = CheckAnimation(m_job, m_animations[number], name);
+  const Skeleton* skeleton = GetSkeleton(m_job);
+  if (!checked || skeleton == nullptr) return;
+  if (checked->FrameCount() > 1) m_job.Lose("frames of the animations of a static model");
+  if (!checked->IsDelta() && MovesBones(skeleton->Bones, *checked)) m_job.Lose("moves of the bone of a static model");
+}
+
 bool Animations::NeedDeltaBase(int64_t number) {
   const auto description = m_animations[number];
   const std::string_view name = m_job.Model.NameOf(description, description->NameOffset).value_or("");
@@ -176,6 +206,7 @@ std::string Animations::Words(int64_t number, std::string_view name, bool ownBas
     m_job.Lose("flags of animations without a statement");
   }
   m_job.Lose("local hierarchies of animations", animation->LocalHierarchyCount);
+  CountLostOfStatic(number, name);
   return words + TravelWords(animation) + IkRuleWords(animation);
 }
 

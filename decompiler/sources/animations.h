@@ -44,6 +44,7 @@ class Animations {
   };
 
   void FindOwners(const core::RecordArray<StudioSeqDesc>& sequences);
+  void CountLostOfStatic(int64_t number, std::string_view name);
   bool NeedDeltaBase(int64_t number);
   std::optional<Own> Write(int64_t number, std::string_view name);
   std::string Words(int64_t number, std::string_view name, bool ownBase);

@@ -159,12 +159,16 @@ class Maker {
         "$includemodel \"rand/Moves.mdl\"",
         "$keyvalues { prop_data { base Metal.Large allowstatic 1 } \"a b\" { c \"d e\" } }",
         "$animblocksize " + Any({"4 nostall", "8", "16"}),
-        "$cdmaterials \"\" other\\folder"};
+        "$cdmaterials \"\" other\\folder",
+        "$allowrootlods",
+        "$cdmaterials one/ \"two words\\\""};
     for (const std::string& line : lines) {
       if (m_dice.Chance(50)) m_script += line + "\n";
     }
     if (m_dice.Chance(50) && !Has(RandomStatic)) m_script += "$jointsurfaceprop " + AnyBone() + " metal\n";
     if (m_dice.Chance(50) && !Has(RandomStatic)) m_script += "$bonemerge " + AnyBone() + "\n";
+    if (m_dice.Chance(50) && !Has(RandomStatic)) m_script += "$jointcontents " + AnyBone() + " grate\n";
+    if (m_dice.Chance(50) && !Has(RandomStatic)) m_script += "$hgroup 3 " + AnyBone() + "\n";
   }
   void DefineBones() {
     if (Has(RandomStatic)) return;
@@ -315,6 +319,14 @@ class Maker {
     m_files[name] = text + "end\n";
     return name;
   }
+  /// Words that make other frames of those of a file.
+  std::string Reshaping(int frames) {
+    if (frames < 8 || m_dice.Chance(60)) return {};
+    return " " +
+           Any({"reverse", "frames 1 6", "startloop 3", "scale 1.5", "rotate 30", "origin 1 2 3", "angles 10 20 30",
+                "counterrotate " + AnyBone(), "lineardelta", "splinedelta", "fixuploop -2 2", "fudgeloop",
+                "numframes 7", "noanimation", "subtract \"Idle one\" 0 delta", "presubtract \"Idle one\" 0"});
+  }
   void Sequences() {
     m_script += "$sequence \"Idle one\" \"ref.smd\" fps " + Number(m_dice.From(1, 60)) + "\n";
     if (Has(RandomAnimations)) {
@@ -322,7 +334,7 @@ class Maker {
         const int frames = Has(RandomLongAnimations) && m_dice.Chance(60) ? m_dice.From(119, 200) : m_dice.From(1, 40);
         m_script += "$sequence \"" + Odd("move" + Number(i)) + "\" \"" +
                     Animation("move " + Number(i) + ".smd", frames, m_dice.Chance(30)) + "\"";
-        m_script += m_dice.Chance(50) ? " loop" : "";
+        m_script += Reshaping(frames) + (m_dice.Chance(50) ? " loop" : "");
         m_script += m_dice.Chance(30) ? " snap" : "";
         m_script += m_dice.Chance(30) ? " noanimblock" : "";
         m_script += m_dice.Chance(30) ? " fadein 0.5 fadeout 0\n" : "\n";
@@ -344,7 +356,9 @@ class Maker {
     if (Has(RandomGrids)) Grids();
     if (Has(RandomIk) && !Has(RandomStatic)) {
       m_script += "$sequence stand \"" + Animation("stand.smd", 11, false) + "\" {\n  ikrule \"" + Odd("Foot one") +
-                  "\" touch \"\" range 0 2 8 10\n  ikrule hand release\n  ikrule hand touch " + AnyBone() + "\n}\n";
+                  "\" touch \"\" range 0 2 8 10" + Any({"", " contact 5", " height 3 floor -1.5 radius 2"}) +
+                  "\n  ikrule hand release\n  ikrule hand touch " + AnyBone() + Any({"", " range 3 4 9 13"}) +
+                  Any({"", "\n  noautoik"}) + "\n}\n";
     }
     if (Has(RandomWords)) Words();
   }
@@ -369,7 +383,12 @@ class Maker {
                                             "addlayer \"Idle one\"",
                                             "blendlayer \"Idle one\" 0 1 2 3",
                                             "fadein 1.5",
-                                            "activitymodifier fast"};
+                                            "activitymodifier fast",
+                                            "blendlayer \"Idle one\" 1 2.5 3 3 local",
+                                            "keyvalues { faceposer { type \"a b\" } }",
+                                            "exitphase 0.25",
+                                            Has(RandomGrids) ? "posecycle \"aim yaw\"" : "realtime",
+                                            "snap"};
     for (const std::string& line : lines) {
       if (m_dice.Chance(60)) m_script += "  " + line + "\n";
     }
@@ -418,6 +437,7 @@ class Maker {
       if (m_dice.Chance(50)) m_script += "  $animatedfriction 1 400 0.5 0.3 0\n";
     }
     m_script += "}\n";
+    if (m_dice.Chance(30)) m_script += "$collisiontext { break { model \"props/a b.mdl\" health 10 fadetime 2.5 } }\n";
   }
 
   Dice m_dice;

@@ -256,6 +256,11 @@ TEST(MotionStatements, AStaticModelsBoneIsTheCompilersOwnOrCounted) {
   EXPECT_THAT(Ready(model).Result.Lost,
               testing::ElementsAre(LostKind{"bones of a static model that a compile does not give it", 1},
                                    LostKind{"surface properties of the bone of a static model", 1}));
+  model.Bones = {{.Name = "static_prop"}};
+  model.Animations = {{.FrameCount = 2, .Data = {.Bones = {{.RawPosition = {{0, 2, 0}}}}}}};
+  EXPECT_THAT(Ready(model).Result.Lost,
+              testing::UnorderedElementsAre(LostKind{"frames of the animations of a static model", 1},
+                                            LostKind{"moves of the bone of a static model", 1}));
 }
 
 TEST(MotionStatements, BoxesMadeFromVerticesTellTheirGroupsAndFirstFramesOfSomeBonesAreCounted) {
