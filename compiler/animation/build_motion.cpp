@@ -261,8 +261,10 @@ class MotionBuilder {
         const model::RigidTransform rest = model::RigidTransform::Of(m_bones.Bones[i].Angles, model::Vec3{0, 0, 0});
         const model::Vec3 place = m_bones.Bones[i].Position;
         const std::array<float, 3> at = {place.x, place.y, place.z};
+        // A turn hands what is rounded of the largest part on to the others.
+        const float hair = Near * (1 + std::max({std::abs(place.x), std::abs(place.y), std::abs(place.z)}));
         for (size_t axis = 0; axis < 3; ++axis) {
-          if (std::abs(pose.Position[axis] - at[axis]) > Near * (1 + std::abs(at[axis]))) return false;
+          if (std::abs(pose.Position[axis] - at[axis]) > hair) return false;
           for (size_t k = 0; k < 3; ++k) {
             if (std::abs(is.Turn[axis][k] - rest.Turn[axis][k]) > double{Near}) return false;
           }

@@ -6,6 +6,7 @@
 #include "compiler/plan/key_value_text.h"
 #include "core/number_parse.h"
 #include "core/paths.h"
+#include "model/transition_table.h"
 
 namespace tarnwick::compiler {
 
@@ -325,36 +326,12 @@ void ApplySequenceWords(CompileContext& context, const ModelBones& bones, const 
 }
 
 void BuildNodeTable(CompileContext& context, BuiltMotion& motion) {
-  const size_t count = motion.Nodes.size();
-  motion.NodeTable.assign(count * count, 0);
-  const auto set = [&](int32_t from, int32_t to) {
-    if (from <= 0 || to <= 0 || from == to) return;
-    motion.NodeTable[static_cast<size_t>(from - 1) * count + static_cast<size_t>(to - 1)] = static_cast<uint8_t>(to);
-  };
+  std::vector<model::NodeStep> steps;
   for (const BuiltSequence& sequence : motion.Sequences) {
-    set(sequence.EntryNode, sequence.ExitNode);
-    if (sequence.NodeFlags != 0) set(sequence.ExitNode, sequence.EntryNode);
+    steps.push_back({sequence.EntryNode, sequence.ExitNode});
+    if (sequence.NodeFlags != 0) steps.push_back({sequence.ExitNode, sequence.EntryNode});
   }
-  if (!context.Plan.CalcTransitions) return;
-  // The first step of the shortest way to each node.
-  for (size_t from = 0; from < count; ++from) {
-    std::vector<uint8_t> first(count, 0);
-    std::vector<size_t> queue;
-    for (size_t to = 0; to < count; ++to) {
-      first[to] = motion.NodeTable[from * count + to] == to + 1 ? static_cast<uint8_t>(to + 1) : uint8_t{0};
-      if (first[to] != 0) queue.push_back(to);
-    }
-    for (size_t i = 0; i < queue.size(); ++i) {
-      for (size_t to = 0; to < count; ++to) {
-        if (to == from || first[to] != 0 || motion.NodeTable[queue[i] * count + to] != to + 1) continue;
-        first[to] = first[queue[i]];
-        queue.push_back(to);
-      }
-    }
-    for (size_t to = 0; to < count; ++to) {
-      if (motion.NodeTable[from * count + to] == 0) motion.NodeTable[from * count + to] = first[to];
-    }
-  }
+  motion.NodeTable = model::TransitionTable(motion.Nodes.size(), steps, context.Plan.CalcTransitions);
 }
 
 }  // namespace tarnwick::compiler

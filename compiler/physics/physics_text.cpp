@@ -4,6 +4,7 @@
 #include <map>
 
 #include "compiler/physics/collision_text.h"
+#include "core/paths.h"
 #include "model/phy_values.h"
 #include "qc/messages.h"
 
@@ -56,10 +57,10 @@ class PhysicsText {
       const auto& f = *m_plan.AnimatedFriction;
       values.AnimatedFriction = model::PhyAnimatedFriction{f[0], f[1], f[2], f[3], f[4]};
     }
-    values.RootName = m_plan.RootBone;
+    values.RootName = ModelName(m_plan.RootBone);
     values.TotalMass = m_plan.Mass;
     values.IsConcave = m_plan.Concave;
-    values.JointMerges = m_plan.Merged;
+    for (const auto& [into, other] : m_plan.Merged) values.JointMerges.emplace_back(ModelName(into), ModelName(other));
     std::string tail;
     for (const int32_t number : m_context.Plan.CollisionTexts) {
       const auto& texts = m_context.Plan.Script.KeyValues;
@@ -71,6 +72,13 @@ class PhysicsText {
   }
 
  private:
+  /// The name that a bone has in the model, where $renamebone gave it another than that which was typed.
+  std::string ModelName(const std::string& typed) const {
+    const int32_t bone = typed.empty() ? -1 : m_bones.Named(typed);
+    if (bone < 0) return typed;
+    const std::string& name = m_bones.Bones[static_cast<size_t>(bone)].Name;
+    return core::EqualIgnoringCase(name, typed) ? typed : name;
+  }
   /// The solid of a bone that a statement names; -1, told, if it has none.
   int32_t SolidNamed(const std::string& name, const qc::Place& at) {
     // A bone that the model dropped has no joint, and what is said of it is not for the bone that took its place.

@@ -4,6 +4,7 @@
 #include <set>
 
 #include "decompiler/sources/animation_storage.h"
+#include "decompiler/sources/ik_chains.h"
 #include "decompiler/sources/script_values.h"
 #include "decompiler/stages/animation_file.h"
 #include "model/animation_check.h"
@@ -62,7 +63,7 @@ std::vector<TravelPart> TravelOf(JobContext& job, const core::Record<StudioAnimD
   for (const auto part : *parts) {
     if (part->LastFrame <= last) break;  // frames rise in sound ones
     last = part->LastFrame;
-    travel.push_back({last, part->Position, part->StartSpeed, part->EndSpeed});
+    travel.push_back({last, part->Position, part->StartSpeed, part->EndSpeed, part->Flags});
   }
   return travel;
 }
@@ -244,9 +245,7 @@ std::string Animations::IkRuleWords(const core::Record<StudioAnimDesc>& animatio
   bool exact = true;
   std::set<int32_t> ruled;
   for (const auto rule : *rules) {
-    const auto chain = chains->Holds(rule->Chain)
-                           ? m_job.Model.NameOf((*chains)[rule->Chain], (*chains)[rule->Chain]->NameOffset)
-                           : std::nullopt;
+    const auto chain = ChainName(m_job, rule->Chain);
     if (!chain || (rule->Type != IkRuleTouch && rule->Type != IkRuleRelease)) {
       m_job.Lose("IK rules of an unknown kind");
       continue;

@@ -255,40 +255,4 @@ void WriteHitboxStatements(JobContext& job) {
   }
 }
 
-void WriteIkStatements(JobContext& job) {
-  constexpr int32_t LinksOfALimb = 3;  // other chains have no statement
-  const auto header = job.Model.Header();
-  const auto chains = job.Table<StudioIkChain>("IK chain table", header->IkChainOffset, header->IkChainCount);
-  if (!chains) return;
-  std::vector<std::string_view> names;
-  for (const auto chain : *chains) {
-    const auto name = job.NameOf("IK chain name", chain, chain->NameOffset);
-    names.push_back(name.value_or(""));
-    if (chain->LinkCount != LinksOfALimb) {
-      job.Lose("IK chains that are no limb of three bones");
-      continue;
-    }
-    const auto links = job.Table<StudioIkLink>("IK link table", chain.Offset() + chain->LinkOffset, chain->LinkCount);
-    const auto bone = links ? BoneName(job, "IK link", (*links)[2].Offset(), (*links)[2]->Bone) : std::nullopt;
-    if (!name || !bone) continue;
-    if (!job.ScriptWithinBounds()) return;
-    const Vec3 knee = (*links)[0]->KneeDirection;
-    std::string line = "$ikchain " + Quoted(job, *name) + " " + Quoted(job, *bone);
-    if (knee.x != 0 || knee.y != 0 || knee.z != 0) line += " knee " + Numbers(job, knee);
-    job.Script().Text(line + "\n");
-  }
-  const auto locks = job.Table<StudioIkLock>("autoplay IK lock table", header->IkLockOffset, header->IkLockCount);
-  if (!locks) return;
-  for (const auto lock : *locks) {
-    if (!job.ScriptWithinBounds()) return;
-    if (!chains->Holds(lock->Chain)) {
-      job.Damaged(job.Model.Mdl.Path(), "autoplay IK lock", lock.Offset(),
-                  "names IK chain " + std::to_string(lock->Chain) + " of " + std::to_string(chains->Count()));
-      continue;
-    }
-    job.Script().Text("$ikautoplaylock " + Quoted(job, names[static_cast<size_t>(lock->Chain)]) + " " +
-                      Number(job, lock->PositionWeight) + " " + Number(job, lock->RotationWeight) + "\n");
-  }
-}
-
 }  // namespace tarnwick::decompiler::sources

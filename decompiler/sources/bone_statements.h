@@ -13,7 +13,5 @@ void WritePoseParameterStatements(JobContext& job);
 void WriteAttachmentStatements(JobContext& job);
 /// $hboxset and $hbox; none where the boxes were made from the vertices, as a compile makes them again.
 void WriteHitboxStatements(JobContext& job);
-/// $ikchain and $ikautoplaylock.
-void WriteIkStatements(JobContext& job);
 
 }  // namespace tarnwick::decompiler::sources

@@ -30,6 +30,12 @@ bool IsNear(const Vec3& a, const Vec3& b) {
   return std::abs(a.x - b.x) < BoxHair && std::abs(a.y - b.y) < BoxHair && std::abs(a.z - b.z) < BoxHair;
 }
 
+/// Whether `box` lies between `least` and `most`.
+bool Holds(const Vec3& least, const Vec3& most, const BoxOfPoints& box) {
+  return box.Least.x > least.x - BoxHair && box.Least.y > least.y - BoxHair && box.Least.z > least.z - BoxHair &&
+         box.Most.x < most.x + BoxHair && box.Most.y < most.y + BoxHair && box.Most.z < most.z + BoxHair;
+}
+
 bool IsZero(const Vec3& v) {
   return v.x == 0 && v.y == 0 && v.z == 0;
 }
@@ -146,10 +152,11 @@ void WriteBoxes(JobContext& job, bool hasCollision) {
   bool computed = sequences && sequences->Count() > 0
                       ? SameBox(least, (*sequences)[0]->Minimum) && SameBox(most, (*sequences)[0]->Maximum)
                       : IsZero(least) && IsZero(most);
-  // A collision model that is not there any more took part in the box.
-  if (computed && !hasCollision) {
+  if (computed) {
+    // A collision model widens the box; one that is not there any more has done so.
     const auto box = BoxOfFirstSequence(job);
-    computed = !box || (IsNear(box->Least, least) && IsNear(box->Most, most));
+    computed =
+        !box || (IsNear(box->Least, least) && IsNear(box->Most, most)) || (hasCollision && Holds(least, most, *box));
   }
   if (!computed) job.Script().Text("$bbox " + Numbers(job, least) + " " + Numbers(job, most) + "\n");
   const Vec3 viewLeast = header->ViewMinimum, viewMost = header->ViewMaximum;

@@ -3,6 +3,7 @@
 #include "decompiler/sources/animation_storage.h"
 #include "decompiler/sources/bone_statements.h"
 #include "decompiler/sources/header_statements.h"
+#include "decompiler/sources/ik_chains.h"
 #include "decompiler/sources/key_values.h"
 #include "decompiler/sources/material_names.h"
 #include "decompiler/sources/meshes.h"

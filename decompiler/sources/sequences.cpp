@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "decompiler/sources/animations.h"
+#include "decompiler/sources/ik_chains.h"
 #include "decompiler/sources/key_values.h"
 #include "decompiler/sources/script_values.h"
 #include "decompiler/sources/transition_nodes.h"
@@ -47,7 +48,7 @@ class Sequences {
       if ((m_sequences[i]->Flags & SequenceFlagDeclared) == 0) WriteSequence(i);
     }
     m_animations.WriteUpTo(m_animationTable.Count());
-    CountLostNodes(m_job, m_sequences);
+    WriteTransitions(m_job, m_sequences);
   }
 
  private:
@@ -333,13 +334,9 @@ class Sequences {
     std::string words;
     const auto locks =
         m_job.Table<StudioIkLock>("IK lock table", sequence.Offset() + sequence->IkLockOffset, sequence->IkLockCount);
-    const auto header = m_job.Model.Header();
-    const auto chains = m_job.Model.View().Array<StudioIkChain>(header->IkChainOffset, header->IkChainCount);
     if (!locks || !m_job.Spend(locks->Count() * RecordCost)) return words;
     for (const auto lock : *locks) {
-      const auto chain = chains && chains->Holds(lock->Chain)
-                             ? m_job.Model.NameOf((*chains)[lock->Chain], (*chains)[lock->Chain]->NameOffset)
-                             : std::nullopt;
+      const auto chain = ChainName(m_job, lock->Chain);
       if (!chain) {
         m_job.Lose("IK locks whose chain is not there");
         continue;

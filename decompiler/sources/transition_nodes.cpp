@@ -6,6 +6,7 @@
 
 #include "decompiler/sources/script_values.h"
 #include "decompiler/stages/node_name.h"
+#include "model/transition_table.h"
 
 namespace tarnwick::decompiler::sources {
 
@@ -26,31 +27,33 @@ std::string NodeWords(JobContext& job, const core::Record<StudioSeqDesc>& sequen
          Quoted(job, *exit) + "\n";
 }
 
-void CountLostNodes(JobContext& job, const core::RecordArray<StudioSeqDesc>& sequences) {
+void WriteTransitions(JobContext& job, const core::RecordArray<StudioSeqDesc>& sequences) {
   const int32_t nodes = job.Model.Header()->NodeCount;
-  if (nodes <= 0 || nodes > MostNodes || !job.Spend(int64_t{nodes} * nodes)) return;
-  const auto count = static_cast<size_t>(nodes);
-  std::vector<bool> used(count + 1), steps(count * count);
+  if (nodes <= 0 || nodes > MostNodes || !job.Spend(int64_t{nodes} * nodes * nodes)) return;
+  std::vector<bool> used(static_cast<size_t>(nodes) + 1);
+  std::vector<model::NodeStep> steps;
   const auto holds = [&](int32_t node) { return node > 0 && node <= nodes; };
-  const auto step = [&](int32_t from, int32_t to) {
-    if (from != to) steps[static_cast<size_t>(from - 1) * count + static_cast<size_t>(to - 1)] = true;
-  };
   for (const auto sequence : sequences) {
     const int32_t entry = sequence->EntryNode, exit = sequence->ExitNode;
     if ((sequence->Flags & SequenceFlagDeclared) != 0 || !holds(entry) || !holds(exit)) continue;
     used[static_cast<size_t>(entry)] = used[static_cast<size_t>(exit)] = true;
-    step(entry, exit);
-    if (sequence->NodeFlags != 0) step(exit, entry);
+    steps.push_back({entry, exit});
+    if (sequence->NodeFlags != 0) steps.push_back({exit, entry});
   }
   job.Lose("transition nodes that no sequence names", std::count(used.begin() + 1, used.end(), false));
   const int64_t offset = job.Model.Header()->NodeOffset;
   const auto table = offset > 0 ? job.Model.View().Bytes(offset, int64_t{nodes} * nodes) : std::nullopt;
-  int64_t other = 0;
-  for (size_t i = 0; table && i < steps.size(); ++i) {
-    const auto stored = std::to_integer<size_t>((*table)[i]);
-    other += stored == (steps[i] ? i % count + 1 : 0) ? 0 : 1;
-  }
-  job.Lose("steps between nodes that no sequence makes", other);
+  if (!table) return;
+  const auto otherThan = [&](bool wholeWays) {
+    const std::vector<uint8_t> made = model::TransitionTable(static_cast<size_t>(nodes), steps, wholeWays);
+    int64_t other = 0;
+    for (size_t i = 0; i < made.size(); ++i) other += std::to_integer<uint8_t>((*table)[i]) == made[i] ? 0 : 1;
+    return other;
+  };
+  const int64_t other = otherThan(false);
+  const int64_t otherThanWhole = other == 0 ? 0 : otherThan(true);
+  if (otherThanWhole < other) job.Script().Text("$calctransitions\n");
+  job.Lose("steps between nodes that no sequence makes", std::min(other, otherThanWhole));
 }
 
 }  // namespace tarnwick::decompiler::sources

@@ -66,6 +66,20 @@ Vec3 TravelledTo(const std::vector<TravelPart>& travel, int32_t frame) {
   return start;
 }
 
+/// At the end of a part the first root stands on the axes of the part where it began, but for what its tracks, or the
+/// half-floats of a section's single frame, have rounded.
+void EndWhereItBegan(const std::vector<TravelPart>& travel, int32_t frame, const Vec3& begin, Vec3& position) {
+  constexpr float Step = 1.0f / 256, HalfFloat = 1.0f / 1024;  // of a track, for each unit
+  const auto part = std::ranges::find(travel, frame, &TravelPart::LastFrame);
+  if (part == travel.end()) return;
+  const auto end = [&](uint32_t flags, float from, float& at) {
+    if ((part->Axes & flags) != 0 && std::abs(at - from) <= Step + std::abs(from) * HalfFloat) at = from;
+  };
+  end(MovementFlagX | MovementFlagLinearX, begin.x, position.x);
+  end(MovementFlagY | MovementFlagLinearY, begin.y, position.y);
+  end(MovementFlagZ | MovementFlagLinearZ, begin.z, position.z);
+}
+
 /// Writes the time blocks of an animation.
 class AnimationText {
  public:
@@ -84,7 +98,7 @@ class AnimationText {
     WriteTime(writer, number);
     if (m_player.GoTo(frame) || !m_travel.empty()) {
       if (!m_travel.empty()) m_travelled = TravelledTo(m_travel, frame);
-      Turn();
+      Turn(frame);
       WriteLines();
     }
     m_frame.Write(writer);
@@ -94,11 +108,15 @@ class AnimationText {
   /// Brings the bones that changed into the form of the file. The turns and the composition give a position that
   /// depends on the position alone, and likewise for the rotation, so each part of a line stands as long as its own
   /// input does.
-  void Turn() {
+  void Turn(int32_t frame) {
     m_rotations.clear();
     for (size_t bone = 0; bone < m_positions.size(); ++bone) {
       if (!Changed(bone)) continue;
       m_positions[bone] = m_player.Positions()[bone];
+      if (bone == 0 && !m_travel.empty()) {
+        if (frame == 0) m_begin = m_positions[0];
+        EndWhereItBegan(m_travel, frame, m_begin, m_positions[0]);
+      }
       if (Travels(bone)) {
         m_positions[bone].x += m_travelled.x;
         m_positions[bone].y += m_travelled.y;
@@ -159,6 +177,7 @@ class AnimationText {
   bool m_anglesNearRest;
   const std::vector<TravelPart>& m_travel;
   Vec3 m_travelled = {};
+  Vec3 m_begin = {};  // where the first root stands in the first frame
   PosePlayer m_player;
   smd::SkeletonFrame m_frame;
   std::vector<Vec3> m_positions;      // of each bone, as the file has it

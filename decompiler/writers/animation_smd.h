@@ -49,6 +49,7 @@ struct TravelPart {
   int32_t LastFrame = 0;
   Vec3 Position = {};  // from the animation's start
   float StartSpeed = 0, EndSpeed = 0;
+  uint32_t Axes = 0;  // MovementFlags: those that were taken out of the first root
 };
 
 /// What an animation's file holds.

@@ -370,6 +370,17 @@ TEST(CompileScript, FindsTheMeshOfALevelByItsBareName) {
   EXPECT_THAT(shop.Texts(), Contains(HasSubstr("no body shows the mesh \"arm\"")));
 }
 
+TEST(CompileScript, NamesRenamedBonesInThePhysicsToo) {
+  Workshop shop;
+  WriteText(shop.Folder.Path("parts/block.smd"), Pyramid(6));
+  const auto files = shop.Compile(std::string(Head) +
+                                  "$renamebone root base\n$body b block\n$sequence idle block\n"
+                                  "$collisionjoints block { $rootbone root $jointmerge root gone }\n");
+  ASSERT_TRUE(files);
+  EXPECT_THAT(files->Phy, HasSubstr("\"rootname\" \"base\""));
+  EXPECT_THAT(files->Phy, HasSubstr("\"base,gone\""));
+}
+
 TEST(CompileScript, NamesABoneInRulesThatLetALimbGo) {
   Workshop shop;
   const auto files =

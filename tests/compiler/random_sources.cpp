@@ -23,6 +23,7 @@ class Maker {
     m_script = "$modelname \"Props/rand " + Number(m_dice.Below(100)) + ".mdl\"\n";
     if (Has(RandomStatic)) m_script += "$staticprop\n";
     if (Has(RandomHeader)) Header();
+    if (Has(RandomShape)) Shape();
     m_script += "$cdmaterials \"models/Rand\"\n";
     if (Has(RandomBones)) DefineBones();
     Bodies();
@@ -169,6 +170,36 @@ class Maker {
     if (m_dice.Chance(50) && !Has(RandomStatic)) m_script += "$bonemerge " + AnyBone() + "\n";
     if (m_dice.Chance(50) && !Has(RandomStatic)) m_script += "$jointcontents " + AnyBone() + " grate\n";
     if (m_dice.Chance(50) && !Has(RandomStatic)) m_script += "$hgroup 3 " + AnyBone() + "\n";
+  }
+  void Shape() {
+    std::vector<std::string> lines = {"$scale 2.5",
+                                      "$scale 0.1",
+                                      "$origin 4 -2 3",
+                                      "$origin 0 0 10 30",
+                                      "$upaxis Y",
+                                      "$autocenter",
+                                      "$bboxonlyverts",
+                                      "$lcaseallsequences",
+                                      "$calctransitions",
+                                      "$sectionframes 10 20",
+                                      "$minlod 1",
+                                      "$renamematerial metal \"new metal\"",
+                                      "$centerbonesonverts",
+                                      "$lockbonelengths",
+                                      "$cmdlist turned { reverse fps 12 }",
+                                      "$appendblankbodygroup \"Body One\""};
+    if (!Has(RandomStatic)) {
+      // Merges of joints may name bones that are dropped, which is told again.
+      if (!Has(RandomJoints))
+        lines.insert(lines.end(), {"$collapsebones", "$alwayscollapse " + AnyBone(), "$root " + AnyBone()});
+      lines.insert(lines.end(), {"$hierarchy " + AnyBone() + " \"" + m_bones[0].Name + "\"",
+                                 "$renamebone " + AnyBone() + " \"Renamed bone\"", "$screenalign " + AnyBone(),
+                                 "$worldalign " + AnyBone(), "$forcerealign " + AnyBone() + " " + AnyBone() + " 0 10 0",
+                                 "$defaultweightlist { " + AnyBone() + " 0.5 }"});
+    }
+    for (const std::string& line : lines) {
+      if (m_dice.Chance(15)) m_script += line + "\n";
+    }
   }
   void DefineBones() {
     if (Has(RandomStatic)) return;

@@ -32,8 +32,9 @@ enum RandomThing : uint32_t {
   RandomNames = 1U << 21,      // words of the language, blanks, quotes, slashes and letters beyond ASCII as names
   RandomOddMeshes = 1U << 22,  // triangles and vertices that nobody wants
   RandomBigSkeleton = 1U << 23,
-  RandomEyes = 1U << 24,  // of a face: eyeballs and lids
-  RandomThings = 25
+  RandomEyes = 1U << 24,   // of a face: eyeballs and lids
+  RandomShape = 1U << 25,  // statements that place, size, name and join sources, bones and sequences anew
+  RandomThings = 26
 };
 
 /// The sources of a sound model, by their names; the script is "model.qc". The same seed and things give the same model

@@ -174,6 +174,81 @@ TEST(WayBack, GivesBackTexturesThatMeshesCannotName) {
   EXPECT_EQ(HeaderOf(trip.Files).SkinFamilyCount, 2);
 }
 
+TEST(WayBack, GivesBackWaysBetweenNodesAndChainsOfFewerBones) {
+  const auto told = [](const CompiledFiles& files) {
+    const model::StudioHeader header = HeaderOf(files);
+    std::string text;
+    for (int32_t i = 0; i < header.NodeCount * header.NodeCount; ++i) {
+      text += std::to_string(RecordAt<uint8_t>(files.Mdl, int64_t{header.NodeOffset} + i)) + " ";
+    }
+    for (int64_t i = 0; i < header.IkChainCount; ++i) {
+      const auto chain =
+          RecordAt<model::StudioIkChain>(files.Mdl, header.IkChainOffset + i * int64_t{sizeof(model::StudioIkChain)});
+      text += "| " + std::to_string(chain.LinkCount) + " links ";
+    }
+    return text + "| " + std::to_string(header.IkLockCount) + " locks";
+  };
+  const std::string sequences =
+      "$sequence one arm transition a b\n$sequence two arm rtransition b c\n$sequence three arm transition c d\n"
+      "$ikchain hand arm\n$ikchain body root\n$ikautoplaylock body 1 0.5\n$sequence four swing ikrule hand release\n";
+  for (const auto& [statement, expected] :
+       {std::pair{"", "0 2 0 0 0 0 3 0 0 2 0 4 0 0 0 0 | 2 links | 1 links | 1 locks"},
+        std::pair{"$calctransitions\n", "0 2 2 2 0 0 3 3 0 2 0 4 0 0 0 0 | 2 links | 1 links | 1 locks"}}) {
+    SCOPED_TRACE(statement);
+    Workshop shop;
+    const auto files = shop.Compile(std::string(Head) + "$body b arm\n" + statement + sequences);
+    ASSERT_TRUE(files) << testing::PrintToString(shop.Texts());
+    EXPECT_EQ(told(*files), expected);
+    ScratchFolder folder;
+    RoundTrip trip(WriteModel(folder, *files, "a"));
+    ASSERT_TRUE(trip.Compiled) << trip.Told;
+    EXPECT_EQ(told(trip.Files), expected);
+  }
+}
+
+TEST(WayBack, EndsAWalkInSectionsWhereItBegan) {
+  Workshop shop;
+  // The section of the last frame has half-floats, of which one here is far from the place.
+  std::string walk = "version 1\nnodes\n0 \"root\" -1\n1 \"arm\" 0\nend\nskeleton\n";
+  for (int frame = 0; frame <= 20; ++frame) {
+    const double sway = frame % 20 * 0.013;
+    walk += "time " + std::to_string(frame) + "\n0 " + std::to_string(40.017 + sway) + " " +
+            std::to_string(0.25 * frame - sway) + " 33.009 0 0 0\n1 4 0 0 0 0 0\n";
+  }
+  WriteText(shop.Folder.Path("parts/walk.smd"), walk + "end\n");
+  const auto files = shop.Compile(std::string(Head) +
+                                  "$sectionframes 10 20\n$body b arm\n$sequence walk walk { walkframe 20 LX LY LZ }\n");
+  ASSERT_TRUE(files);
+  const auto travel = [](const CompiledFiles& compiled) {
+    const int64_t at = HeaderOf(compiled).AnimOffset;
+    const auto animation = RecordAt<model::StudioAnimDesc>(compiled.Mdl, at);
+    return RecordAt<model::StudioMovement>(compiled.Mdl, at + animation.MovementOffset);
+  };
+  ScratchFolder folder;
+  RoundTrip trip(WriteModel(folder, *files, "a"));
+  ASSERT_TRUE(trip.Compiled) << trip.Told;
+  const model::Vec3 before = travel(*files).Position, after = travel(trip.Files).Position;
+  EXPECT_NEAR(after.x, before.x, 1e-5);
+  EXPECT_NEAR(after.y, before.y, 1e-5);
+  EXPECT_NEAR(after.z, before.z, 1e-5);
+}
+
+TEST(WayBack, KeepsABoxThatACompileWouldMakeLarger) {
+  Workshop shop;
+  WriteText(shop.Folder.Path("parts/block.smd"), Pyramid(6));
+  const auto files = shop.Compile(std::string(Head) +
+                                  "$bboxonlyverts\n$body b arm\n$sequence idle arm\n"
+                                  "$hbox 0 root -50 -50 -50 50 50 50\n$collisionmodel block\n");
+  ASSERT_TRUE(files);
+  EXPECT_LT(HeaderOf(*files).HullMaximum.z, 10);
+  ScratchFolder folder;
+  const std::string path = WriteModel(folder, *files, "a");
+  WriteText(folder.Path("a.phy"), files->Phy);
+  RoundTrip trip(path);
+  ASSERT_TRUE(trip.Compiled) << trip.Told;
+  EXPECT_EQ(HeaderOf(trip.Files).HullMaximum.z, HeaderOf(*files).HullMaximum.z);
+}
+
 /// How a model's animations are stored: the sizes of its blocks, then for each animation the block of each section.
 std::string StorageOf(const CompiledFiles& files) {
   const model::StudioHeader header = HeaderOf(files);
