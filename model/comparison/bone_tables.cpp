@@ -13,7 +13,7 @@ namespace {
 constexpr double RotationScaleGrain = 9.6e-5;
 
 /// Rounding of the largest place of a track by half a unit or so.
-constexpr double ScaleGrain = 2e-5;
+constexpr double ScaleGrain = 5e-5;
 
 constexpr RecordField BoneFields[] = {
     {"parent", offsetof(StudioBone, Parent)},

@@ -258,7 +258,7 @@ class Maker {
       if (m_dice.Chance(40) && !Has(RandomStatic))
         m_script += "  replacebone " + AnyBone() + " \"" + m_bones[0].Name + "\"\n";
       if (m_dice.Chance(20) && !Has(RandomStatic)) m_script += "  bonetreecollapse " + AnyBone() + "\n";
-      if (m_dice.Chance(40)) m_script += "  nofacial\n";
+      if (m_dice.Chance(40)) m_script += Any({"  nofacial\n", "  facial\n"});
       if (m_dice.Chance(20)) m_script += "  removemesh metal\n";
       if (m_dice.Chance(20)) m_script += "  replacematerial Skin metal\n";
       m_script += "}\n";
@@ -269,7 +269,7 @@ class Maker {
     for (int i = m_dice.From(1, 5); i > 0; --i) {
       m_script += "$attachment \"" + Odd("At " + Number(i)) + "\" " + AnyBone() +
                   Numbers(m_dice.Real(-9, 9), m_dice.Real(-9, 9), 0.5);
-      if (m_dice.Chance(30)) m_script += " absolute";
+      if (m_dice.Chance(30)) m_script += Any({" absolute", " rigid", " world_align", " x_and_z_axes 1 0 0 0 1 0.5"});
       if (m_dice.Chance(60)) {
         m_script += " rotate" + Numbers(m_dice.Chance(20) ? 90 : m_dice.Real(-89, 89), m_dice.Real(-180, 180),
                                         m_dice.Real(-180, 180));
@@ -303,6 +303,19 @@ class Maker {
       m_script +=
           "  has_base_spring {\n    base_mass 5\n    stiffness 90\n    left_constraint -2 3\n    up_friction 1\n  }\n";
     m_script += "}\n";
+    if (last > 1 && m_dice.Chance(60)) {
+      m_script +=
+          "$jigglebone \"" + m_bones[last - 1].Name + "\" {\n  is_rigid {\n    length 12 tip_mass 3\n" +
+          "    pitch_stiffness 80 pitch_damping 2 pitch_constraint -10 25 pitch_friction 0.5 pitch_bounce 0.25\n" +
+          "    yaw_friction 0.125 yaw_bounce 0.75\n  }\n}\n";
+    }
+    if (last > 2 && m_dice.Chance(60)) {
+      m_script +=
+          "$jigglebone \"" + m_bones[last - 2].Name + "\" {\n  is_flexible {\n    length 30 tip_mass 5\n" +
+          "    allow_length_flex along_stiffness 70 along_damping 4\n    pitch_stiffness 90 pitch_damping 8\n  }\n" +
+          "  has_base_spring {\n    stiffness 60 damping 2 forward_constraint -3 5 forward_friction 2\n" +
+          "    up_constraint -1 1 left_friction 0.5\n  }\n}\n";
+    }
     if (last < 3) return;
     m_script += "$proceduralbones \"driven.vrd\"\n";
     m_files["driven.vrd"] =
@@ -451,6 +464,9 @@ class Maker {
     m_script += std::string(joints || ofBone ? "$collisionjoints" : "$collisionmodel") +
                 (shown ? " \"ref.smd\"" : " \"hull.smd\"") + " {\n  $mass " + Numbers(m_dice.Real(1, 200)) + "\n";
     if (!joints && m_dice.Chance(60)) m_script += "  $concave\n";
+    if (joints && m_dice.Chance(30)) m_script += Any({"  $concaveperjoint\n", "  $noselfcollisions\n", "  $concave\n"});
+    if (!joints && m_dice.Chance(20)) m_script += "  $masscenter 1 2 3\n";
+    if (m_dice.Chance(10)) m_script += "  $maxconvexpieces 40\n";
     if (m_dice.Chance(50)) m_script += "  $inertia 2\n  $damping 0.1\n  $rotdamping 1.5\n";
     if (joints) {
       m_script += "  $rootbone \"" + m_bones[0].Name + "\"\n";
@@ -459,6 +475,9 @@ class Maker {
           m_script += "  $jointconstrain \"" + m_bones[i].Name + "\" " + Any({"x", "y", "z"}) +
                       Any({" limit -30 45.5 0.2", " free 0 0 0", " fixed 0 0 0"}) + "\n";
         if (m_dice.Chance(20)) m_script += "  $jointmassbias \"" + m_bones[i].Name + "\" 2\n";
+        if (m_dice.Chance(10)) m_script += "  $jointinertia \"" + m_bones[i].Name + "\" 1.5\n";
+        if (m_dice.Chance(10)) m_script += "  $jointdamping \"" + m_bones[i].Name + "\" 0.25\n";
+        if (m_dice.Chance(5)) m_script += "  $jointskip \"" + m_bones[i].Name + "\"\n";
         if (m_dice.Chance(20)) m_script += "  $jointrotdamping \"" + m_bones[i].Name + "\" 0.75\n";
       }
       if (m_bones.size() > 2 && m_dice.Chance(50))
