@@ -79,6 +79,10 @@ std::string IkRuleValues(JobContext& job, const StudioIkRule& rule) {
   const bool moved = place.x != 0 || place.y != 0 || place.z != 0 || turn.x != 0 || turn.y != 0 || turn.z != 0;
   if (moved) job.Lose("places that IK rules hold");
   if (rule.Slot != rule.Chain) job.Lose("slots of IK rules");
+  const auto isSet = [](auto value) { return value != 0; };
+  if (rule.Unused5C != 0 || std::ranges::any_of(rule.Unused40, isSet) || std::ranges::any_of(rule.Unused64, isSet)) {
+    job.Lose("values of IK rules without a statement");
+  }
   return words;
 }
 

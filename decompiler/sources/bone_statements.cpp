@@ -215,6 +215,10 @@ void WritePoseParameterStatements(JobContext& job) {
     // The word sets the flag also where the length is 0.
     if ((pose->Flags & PoseParameterFlagLoop) != 0 || pose->Wrap != 0) line += " loop " + Number(job, pose->Wrap);
     job.Script().Text(line + "\n");
+    const bool isMuteLoop = (pose->Flags & PoseParameterFlagLoop) == 0 && pose->Wrap != 0;
+    if ((pose->Flags & ~PoseParameterFlagLoop) != 0 || isMuteLoop) {
+      job.Lose("flags of pose parameters without a statement");
+    }
   }
 }
 

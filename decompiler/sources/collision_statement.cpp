@@ -182,6 +182,10 @@ class Statement {
     const PhyValues& values = m_collision.Values;
     m_job.Lose("pairs of the physics text that have no statement", values.UnknownPairs);
     CountMasses();
+    const double mass = m_job.Model.Header()->Mass;
+    if (!(std::fabs(mass - double{values.TotalMass}) <= MassTolerance * std::max(1.0, mass))) {
+      m_job.Lose("a mass of the model that is not that of its physics");
+    }
     if (m_collision.IsJoined) return CountJoints();
     const PhySolidValues& solid = Solids().front().Values;
     if (solid.MassBias != 1) m_job.Lose("mass biases of a single physics solid");

@@ -17,6 +17,19 @@ std::optional<core::RecordArray<StudioIkLink>> LinksOf(JobContext& job, const co
   return job.Model.View().Array<StudioIkLink>(chain.Offset() + chain->LinkOffset, chain->LinkCount);
 }
 
+bool IsZero(const Vec3& v) {
+  return v.x == 0 && v.y == 0 && v.z == 0;
+}
+
+/// Whether a chain holds what no statement says.
+bool HasMore(const StudioIkChain& chain, const core::RecordArray<StudioIkLink>& links) {
+  if (chain.Type != 0) return true;
+  for (int64_t i = 0; i < links.Count(); ++i) {
+    if ((i > 0 && !IsZero(links[i]->KneeDirection)) || !IsZero(links[i]->Unread10)) return true;
+  }
+  return false;
+}
+
 /// Whether a compile makes these links of the bone that they end with.
 bool IsLimb(JobContext& job, const core::RecordArray<StudioIkLink>& links) {
   const Skeleton* skeleton = GetSkeleton(job);
@@ -35,12 +48,13 @@ void WriteChain(JobContext& job, const core::Record<StudioIkChain>& chain) {
   if (!links || links->Count() == 0) return job.Lose("IK chains without links");
   if (!job.Spend(links->Count() * RecordCost)) return;
   if (!IsLimb(job, *links)) job.Lose("links of IK chains that no limb has");
+  if (HasMore(*chain, *links)) job.Lose("values of IK chains without a statement");
   const auto last = (*links)[links->Count() - 1];
   const auto bone = BoneName(job, "IK link", last.Offset(), last->Bone);
   if (!name || !bone || !job.ScriptWithinBounds()) return;
   const Vec3 knee = (*links)[0]->KneeDirection;
   std::string line = "$ikchain " + Quoted(job, *name) + " " + Quoted(job, *bone);
-  if (knee.x != 0 || knee.y != 0 || knee.z != 0) line += " knee " + Numbers(job, knee);
+  if (!IsZero(knee)) line += " knee " + Numbers(job, knee);
   job.Script().Text(line + "\n");
 }
 
@@ -59,6 +73,7 @@ void WriteLocks(JobContext& job, int64_t chains) {
     } else {
       job.Script().Text("$ikautoplaylock " + Quoted(job, *name) + " " + Number(job, lock->PositionWeight) + " " +
                         Number(job, lock->RotationWeight) + "\n");
+      if (lock->Flags != 0) job.Lose("flags of IK locks");
     }
   }
 }

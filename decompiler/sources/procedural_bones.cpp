@@ -98,7 +98,10 @@ void WriteJiggleBone(JobContext& job, std::string_view name, const core::Record<
   JiggleText text(job);
   if ((values.Flags & (JiggleFlagFlexible | JiggleFlagRigid)) != 0) WriteTip(text, values);
   WriteBase(text, values);
-  if ((values.Flags & ~Told) != 0) job.Lose("flags of jiggle bones without a statement");
+  constexpr uint32_t BothTips = JiggleFlagFlexible | JiggleFlagRigid;
+  if ((values.Flags & ~Told) != 0 || (values.Flags & BothTips) == BothTips) {
+    job.Lose("flags of jiggle bones without a statement");
+  }
   job.Script().Text("$jigglebone " + Quoted(job, name) + " {\n" + text.Text() + "}\n");
 }
 

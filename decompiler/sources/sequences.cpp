@@ -234,6 +234,8 @@ class Sequences {
     const auto activity = m_job.Model.NameOf(sequence, sequence->ActivityOffset);
     if (activity && !activity->empty()) {
       words += "  activity " + Quoted(m_job, *activity) + " " + std::to_string(sequence->ActivityWeight) + "\n";
+    } else if (sequence->ActivityWeight != 0) {
+      m_job.Lose("weights of activities without a name");
     }
     words += ModifierWords(sequence);
     if (sequence->FadeIn != DefaultFade) words += "  fadein " + Number(m_job, sequence->FadeIn) + "\n";
@@ -343,6 +345,7 @@ class Sequences {
       }
       words += "  iklock " + Quoted(m_job, *chain) + " " + Number(m_job, lock->PositionWeight) + " " +
                Number(m_job, lock->RotationWeight) + "\n";
+      if (lock->Flags != 0) m_job.Lose("flags of IK locks");
     }
     return words;
   }

@@ -142,6 +142,31 @@ TEST(MotionStatements, ASequenceTellsItsLayersWeightsLocksAndFades) {
                                                     LostKind{"layers whose sequence is not there", 1}));
 }
 
+TEST(MotionStatements, WhatNoStatementSaysIsCounted) {
+  ModelBuilder model = Walker();
+  model.Bones.push_back({.Name = "tail", .Parent = 0, .Jiggle = FlexibleTail()});
+  model.Bones.back().Jiggle->Flags |= model::JiggleFlagRigid;
+  model.Sequences[0].ActivityWeight = 2;
+  model.Sequences[0].IkLocks = {{0, 1, 0.5f, 1, {}}};
+  model.AutoplayLocks = {{0, 0.25f, 1, 1, {}}};
+  model::StudioIkRule rule{};
+  rule.Type = model::IkRuleTouch;
+  rule.Bone = -1;
+  rule.End = rule.Tail = 1;
+  rule.Unused64[5] = 1;
+  model.Animations[0].IkRules = {rule};
+  model.IkChains[0].Links[1].KneeDirection = {1, 0, 0};
+  model.PoseParameters = {{.Name = "turn", .Wrap = 360}};  // without the flag that goes with it
+  const DecompiledModel job = Ready(model);
+  EXPECT_THAT(job.Result.Lost,
+              testing::UnorderedElementsAre(LostKind{"flags of jiggle bones without a statement", 1},
+                                            LostKind{"weights of activities without a name", 1},
+                                            LostKind{"flags of IK locks", 2},
+                                            LostKind{"values of IK rules without a statement", 1},
+                                            LostKind{"values of IK chains without a statement", 1},
+                                            LostKind{"flags of pose parameters without a statement", 1}));
+}
+
 TEST(MotionStatements, ASequenceTellsItsTextItsModifiersAndWhatDrivesItsTime) {
   ModelBuilder model = Walker();
   model.PoseParameters = {{.Name = "speed"}, {.Name = "turn"}};
