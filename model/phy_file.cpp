@@ -27,6 +27,7 @@ class SurfaceReader {
     if (!head) return Fail(0, "its surface is shorter than its header");
     if (std::string_view((*head)->Tag, 4) != "IVPS") return Fail(0x2C, "its surface has not the tag IVPS");
     if (!Walk((*head)->RootOffset) || !ReadPoints()) return std::nullopt;
+    m_solid.MassCentre = (*head)->MassCentre;
     return std::move(m_solid);
   }
 

@@ -89,6 +89,19 @@ std::pair<double, PhyVector> VolumeAndCentre(const PhySolid& solid, const PhyVec
   return {volume, centre};
 }
 
+struct VolumeCentre {
+  double Volume = 0;  // 0 of a flat solid, whose centre is the middle of its points
+  PhyVector Centre{};
+};
+
+VolumeCentre FindVolumeCentre(const PhySolid& solid) {
+  const PhyVector middle = MiddleOf(solid);
+  const double reach = RadiusFrom(solid, middle);
+  const auto [volume, centre] = VolumeAndCentre(solid, middle);
+  if (!(volume > FlatVolume * reach * reach * reach)) return {0, middle};
+  return {volume, {middle[0] + centre[0], middle[1] + centre[1], middle[2] + centre[2]}};
+}
+
 PhyVector InertiaOf(const PhySolid& solid, const PhyVector& centre, double volume) {
   PhyVector moment{};
   ForEachTriangle(solid, centre, [&](const Triangle& t) {
@@ -245,17 +258,17 @@ PhyVector PhyNormal(const PhySolid& solid, const PhyCorners& corners) {
   return normal;
 }
 
+PhyCentre CentreOfPieces(const PhySolid& solid) {
+  const VolumeCentre found = FindVolumeCentre(solid);
+  return {found.Centre, RadiusFrom(solid, found.Centre)};
+}
+
 PhyMeasures MeasurePhySolid(const PhySolid& solid, const PhyVector* massCentre) {
   PhyMeasures measures;
-  const PhyVector middle = MiddleOf(solid);
-  const double reach = RadiusFrom(solid, middle);
-  const auto [volume, centre] = VolumeAndCentre(solid, middle);
-  const bool isFlat = !(volume > FlatVolume * reach * reach * reach);
-  measures.MassCentre = middle;
-  if (!isFlat) {
-    for (size_t k = 0; k < 3; ++k) measures.MassCentre[k] += centre[k];
-    measures.CubicInches = volume / (MetresPerInch * MetresPerInch * MetresPerInch);
-  }
+  const auto [volume, centre] = FindVolumeCentre(solid);
+  const bool isFlat = volume == 0;
+  measures.MassCentre = centre;
+  measures.CubicInches = volume / (MetresPerInch * MetresPerInch * MetresPerInch);
   if (massCentre != nullptr) measures.MassCentre = *massCentre;
   measures.Radius = RadiusFrom(solid, measures.MassCentre);
   if (isFlat) {

@@ -25,6 +25,13 @@ struct PhyMeasures {
 /// Where `massCentre` is given, in the file's units and axes, it is the mass centre.
 PhyMeasures MeasurePhySolid(const PhySolid& solid, const PhyVector* massCentre = nullptr);
 
+/// The mass centre that follows from the pieces of such a solid, and the distance from it to the farthest point.
+struct PhyCentre {
+  PhyVector Place{};
+  double Radius = 0;
+};
+PhyCentre CentreOfPieces(const PhySolid& solid);
+
 /// The unit normal of a triangle in the file's axes; zeros for one without area.
 PhyVector PhyNormal(const PhySolid& solid, const PhyCorners& corners);
 

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "model/bone_math_types.h"
@@ -22,6 +23,8 @@ struct PhyPiece {
 struct PhySolid {
   std::vector<Vec3> Points;
   std::vector<PhyPiece> Pieces;
+  /// As a file has it; nothing of a solid that was not read, whose mass centre follows from its pieces.
+  std::optional<Vec3> MassCentre = {};
 };
 
 /// The farthest that a point of a solid may lie from the origin along an axis, in metres: several times a map's size.

@@ -75,6 +75,7 @@ class Statement {
   void WriteWhole() {
     const PhyValues& values = m_collision.Values;
     Line("$mass " + Number(m_job, values.TotalMass));
+    if (m_collision.MassCentre) Line("$masscenter " + Numbers(m_job, *m_collision.MassCentre));
     for (const Scale& scale : Scales) Line(scale.Whole + Number(m_job, CommonValue(Solids(), scale.Value)));
     const bool severalPieces =
         std::any_of(Solids().begin(), Solids().end(), [](const SourceSolid& solid) { return solid.PieceCount > 1; });

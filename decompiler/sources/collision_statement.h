@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -23,7 +24,8 @@ struct Collision {
   bool IsJoined = false;  // a solid for each of several bones, or named after a bone; else one of the whole model
   std::string File;       // the physics SMD
   std::vector<SourceSolid> Solids;
-  PhyValues Values;  // less the solids
+  PhyValues Values;                     // less the solids
+  std::optional<Vec3> MassCentre = {};  // of a single solid whose pieces have another, in the source file's space
 };
 
 /// Writes `$collisionmodel` or `$collisionjoints`. Statements about joints stand in an order from which the solids come

@@ -15,6 +15,7 @@
 #include "decompiler/writers/physics_smd.h"
 #include "model/animation_check.h"
 #include "model/phy_file.h"
+#include "model/phy_measures.h"
 #include "model/pose_player.h"
 #include "model/rigid_transform.h"
 
@@ -75,6 +76,18 @@ std::optional<RigidTransform> FirstRootPose(JobContext& job, const Skeleton& ske
     }
   }
   return RigidTransform::Of(player.Rotations()[0], player.Positions()[0]);
+}
+
+/// Whether the mass centre is another than that which follows from the pieces, which it meets within 0.0001 of the
+/// radius in sound files.
+bool HasOwnCentre(const PhySolid& solid) {
+  constexpr double Part = 0.0005;
+  if (!solid.MassCentre) return false;
+  const Vec3 stored = *solid.MassCentre;
+  const PhyCentre made = CentreOfPieces(solid);
+  const double off = std::hypot(stored.x - made.Place[0], stored.y - made.Place[1], stored.z - made.Place[2]);
+  return off > Part * made.Radius && std::abs(stored.x) <= FarthestPhyCoordinate &&
+         std::abs(stored.y) <= FarthestPhyCoordinate && std::abs(stored.z) <= FarthestPhyCoordinate;
 }
 
 /// Which bone has the name; in letters of either case where none has it as it stands. -1 for none.
@@ -203,6 +216,13 @@ class PhysicsExport {
       }
       PhySolid& solid = *m_file.Solids[i];
       const RigidTransform placement = PlacementOf(source, rest);
+      if (HasOwnCentre(solid)) {
+        if (m_collision.IsJoined) {
+          m_job.Lose("mass centres of joined physics solids");
+        } else {
+          m_collision.MassCentre = placement.Apply(PhyToModel(*solid.MassCentre));
+        }
+      }
       PhysicsMesh mesh{.Bone = source.Bone, .Points = std::move(solid.Points), .Pieces = std::move(solid.Pieces)};
       for (Vec3& point : mesh.Points) point = AsWritten(placement.Apply(PhyToModel(point)));
       m_job.Lose("copies of physics pieces", RemoveCopies(mesh));

@@ -13,6 +13,8 @@ namespace {
 
 /// Points are turned, written in inches, made a hull of and turned back.
 constexpr double PointGrain = 1e-3;
+/// The mass centre follows from all of them.
+constexpr double CentreGrain = 1e-2;
 /// The same as a part of how far away a point is.
 constexpr double PointPart = 5e-6;
 /// Values that are computed of points: masses, volumes.
@@ -137,6 +139,12 @@ void CompareSolids(const ComparedModels& models, const PhyFile& first, const Phy
     differences.Whole(
         ModelTable::Physics, "number of pieces", [&] { return std::string(place); },
         static_cast<int64_t>(a.Pieces.size()), static_cast<int64_t>(b.Pieces.size()));
+    if (a.MassCentre && b.MassCentre && a.Pieces.size() == b.Pieces.size()) {
+      const Vec3 one = PhyToModel(*a.MassCentre), other = PhyToModel(*b.MassCentre);
+      differences.Numbers(
+          ModelTable::Physics, "mass centre", [&] { return std::string(place); },
+          std::array<float, 3>{one.x, one.y, one.z}, std::array<float, 3>{other.x, other.y, other.z}, CentreGrain);
+    }
     for (size_t i = 0; i < std::min(a.Pieces.size(), b.Pieces.size()); ++i) {
       if (models.IsStopped()) return;
       ComparePieces(models, a, a.Pieces[i], b, b.Pieces[i], place + ", piece " + std::to_string(i));

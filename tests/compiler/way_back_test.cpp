@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "model/animation_records.h"
+#include "model/phy_records.h"
 #include "model/script_records.h"
 #include "round_trip.h"
 #include "workshop.h"
@@ -247,6 +248,31 @@ TEST(WayBack, KeepsABoxThatACompileWouldMakeLarger) {
   RoundTrip trip(path);
   ASSERT_TRUE(trip.Compiled) << trip.Told;
   EXPECT_EQ(HeaderOf(trip.Files).HullMaximum.z, HeaderOf(*files).HullMaximum.z);
+}
+
+TEST(WayBack, KeepsTheMassCentreThatAScriptGives) {
+  for (const char* kind : {"", "$staticprop\n"}) {
+    SCOPED_TRACE(kind);
+    Workshop shop;
+    WriteText(shop.Folder.Path("parts/block.smd"), Pyramid(6));
+    const auto files = shop.Compile(std::string(Head) + kind +
+                                    "$body b block\n$sequence idle block\n"
+                                    "$collisionmodel block { $mass 5 $masscenter 1 -2.5 3 }\n");
+    ASSERT_TRUE(files);
+    ScratchFolder folder;
+    const std::string path = WriteModel(folder, *files, "a");
+    WriteText(folder.Path("a.phy"), files->Phy);
+    RoundTrip trip(path);
+    ASSERT_TRUE(trip.Compiled) << trip.Told;
+    EXPECT_THAT(trip.Before["ravelback.qc"], HasSubstr("$masscenter "));
+    EXPECT_EQ(trip.Before["ravelback.qc"], trip.After["ravelback.qc"]);
+    constexpr int64_t Centre = sizeof(model::PhyHeader) + sizeof(model::PhySolidHeader);
+    const auto before = RecordAt<model::Vec3>(files->Phy, Centre),
+               after = RecordAt<model::Vec3>(trip.Files.Phy, Centre);
+    EXPECT_NEAR(after.x, before.x, 1e-6);
+    EXPECT_NEAR(after.y, before.y, 1e-6);
+    EXPECT_NEAR(after.z, before.z, 1e-6);
+  }
 }
 
 /// How a model's animations are stored: the sizes of its blocks, then for each animation the block of each section.
