@@ -105,7 +105,7 @@ uint32_t FromEnvironment(const char* name, uint32_t otherwise) {
 
 TEST(RandomLoop, GivesModelsOfEveryKindBack) {
   const uint32_t first = FromEnvironment("RANDOM_LOOP_FIRST", 0);
-  const uint32_t rounds = FromEnvironment("RANDOM_LOOP_ROUNDS", 96);
+  const uint32_t rounds = FromEnvironment("RANDOM_LOOP_ROUNDS", 72);
   for (uint32_t seed = first; seed < first + rounds; ++seed) {
     // Half of all things, another half each time.
     uint32_t things = seed * 2654435761U;

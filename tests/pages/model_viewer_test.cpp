@@ -12,6 +12,7 @@
 #include <QLineEdit>
 #include <QListView>
 #include <QMenu>
+#include <QPointer>
 #include <QSlider>
 #include <QTabWidget>
 #include <QTest>
@@ -95,10 +96,15 @@ TEST(ModelWindow, OpensWhatIsDroppedOnItMoreModelsInWindowsOfTheirOwn) {
   tests::Drop(window, {"/m/notes.txt"});
   EXPECT_EQ(window.Viewer().File().toStdString(), "");
   tests::Drop(window, {"/m/notes.txt", Walker, crate});
-  std::vector<std::string> shown;
+  // Windows that are closed are deleted while others are waited for.
+  std::vector<QPointer<ModelWindow>> visible;
   for (QWidget* other : QApplication::topLevelWidgets()) {
     auto* opened = qobject_cast<ModelWindow*>(other);
-    if (opened == nullptr || !opened->isVisible()) continue;
+    if (opened != nullptr && opened->isVisible()) visible.emplace_back(opened);
+  }
+  std::vector<std::string> shown;
+  for (const auto& opened : visible) {
+    ASSERT_TRUE(opened);
     EXPECT_TRUE(tests::WaitUntil([&] { return !opened->Viewer().IsBusy(); }));
     EXPECT_TRUE(opened->Viewer().View().HasModel());
     shown.push_back(opened->Viewer().File().toStdString());
