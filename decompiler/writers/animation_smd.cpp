@@ -1,5 +1,6 @@
 #include "decompiler/writers/animation_smd.h"
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 
