@@ -123,7 +123,7 @@ bool AnimationTables::GoesToBlocks(size_t number) const {
 }
 
 /// Rules stand in the block in which the tracks that they are for begin.
-BlockFile::Place AnimationTables::AddToBlocks(size_t number, std::string chain, StudioAnimDesc& record) {
+BlockFile::Place AnimationTables::AddToBlocks(size_t number, const std::string& chain, StudioAnimDesc& record) {
   const BuiltAnimation& animation = m_parts.Motion.Animations[number];
   if (animation.IkRules.empty()) return m_blocks.Add(chain);
   ByteWriter piece;

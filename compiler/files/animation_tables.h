@@ -37,7 +37,7 @@ class AnimationTables {
   bool WriteData(size_t number, std::vector<Stretch>& stretches, int64_t at, model::StudioAnimDesc& record);
   bool WriteSections(size_t number, const std::vector<Stretch>& sections, int64_t at, model::StudioAnimDesc& record);
   bool GoesToBlocks(size_t number) const;
-  BlockFile::Place AddToBlocks(size_t number, std::string chain, model::StudioAnimDesc& record);
+  BlockFile::Place AddToBlocks(size_t number, const std::string& chain, model::StudioAnimDesc& record);
   static std::string IkRuleBytes(const BuiltAnimation& animation);
   void WriteSequences();
   void WriteSequenceTables(const BuiltSequence& sequence, int64_t at, model::StudioSeqDesc& record);
