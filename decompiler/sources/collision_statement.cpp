@@ -185,7 +185,7 @@ class Statement {
     CountMasses();
     const double mass = m_job.Model.Header()->Mass;
     if (!(std::fabs(mass - double{values.TotalMass}) <= MassTolerance * std::max(1.0, mass))) {
-      m_job.Lose("a mass of the model that is not that of its physics");
+      m_job.Lose("masses of models that are not those of their physics");
     }
     if (m_collision.IsJoined) return CountJoints();
     const PhySolidValues& solid = Solids().front().Values;
