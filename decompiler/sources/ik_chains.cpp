@@ -33,7 +33,8 @@ bool HasMore(const StudioIkChain& chain, const core::RecordArray<StudioIkLink>& 
 /// Whether a compile makes these links of the bone that they end with.
 bool IsLimb(JobContext& job, const core::RecordArray<StudioIkLink>& links) {
   const Skeleton* skeleton = GetSkeleton(job);
-  if (skeleton == nullptr || links.Count() > LinksOfALimb) return false;
+  if (skeleton == nullptr) return true;  // which is told as damage
+  if (links.Count() > LinksOfALimb) return false;
   int64_t bone = links[links.Count() - 1]->Bone;
   for (int64_t i = links.Count() - 1; i >= 0; --i) {
     if (links[i]->Bone != bone || !skeleton->Bones.Holds(bone)) return false;
