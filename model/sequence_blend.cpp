@@ -39,7 +39,7 @@ std::optional<AxisPosition> PositionAmongKeys(const LoadedModel& model, const co
     const auto next = PoseKey(model, sequence, axis, position.Index + 1);
     if (!key || !next || position.Index > MostBlendsOnAxis) return std::nullopt;
     position.Weight = (t - *key) / (*next - *key);
-    if (position.Index >= sequence->BlendSize[axis] - 2 || position.Weight <= 1) break;
+    if (position.Index >= int64_t{sequence->BlendSize[axis]} - 2 || position.Weight <= 1) break;
     ++position.Index;
   }
   position.Weight = ClampToOne(position.Weight);
