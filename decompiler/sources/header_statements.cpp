@@ -36,10 +36,6 @@ bool Holds(const Vec3& least, const Vec3& most, const BoxOfPoints& box) {
          box.Most.x < most.x + BoxHair && box.Most.y < most.y + BoxHair && box.Most.z < most.z + BoxHair;
 }
 
-bool IsZero(const Vec3& v) {
-  return v.x == 0 && v.y == 0 && v.z == 0;
-}
-
 /// The degrees with the fewest decimals whose cosine is `cosine` as a float.
 float DegreesOfCosine(float cosine) {
   const double degrees = std::acos(double{cosine}) * (180 / std::numbers::pi);

@@ -17,10 +17,6 @@ std::optional<core::RecordArray<StudioIkLink>> LinksOf(JobContext& job, const co
   return job.Model.View().Array<StudioIkLink>(chain.Offset() + chain->LinkOffset, chain->LinkCount);
 }
 
-bool IsZero(const Vec3& v) {
-  return v.x == 0 && v.y == 0 && v.z == 0;
-}
-
 /// Whether a chain holds what no statement says.
 bool HasMore(const StudioIkChain& chain, const core::RecordArray<StudioIkLink>& links) {
   if (chain.Type != 0) return true;

@@ -14,6 +14,10 @@ namespace tarnwick::decompiler::sources {
 [[nodiscard]] std::string Number(JobContext& job, float value);
 /// Three numbers with blanks between.
 [[nodiscard]] std::string Numbers(JobContext& job, const Vec3& value);
+/// Whether all three are 0, what many statements need not say.
+[[nodiscard]] inline bool IsZero(const Vec3& value) {
+  return value.x == 0 && value.y == 0 && value.z == 0;
+}
 
 /// An angle of `radians` in degrees, such that the degrees times pi / 180 round to the same float.
 [[nodiscard]] std::string Degrees(JobContext& job, float radians);

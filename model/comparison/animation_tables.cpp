@@ -16,15 +16,13 @@ constexpr RecordField AnimationFields[] = {
     {"number of frames", offsetof(StudioAnimDesc, FrameCount)},
     {"frames of a section", offsetof(StudioAnimDesc, SectionFrames)},
 };
-/// Movements are taken out of tracks that stand in steps of 1/256 unit.
-constexpr double TravelGrain = 5e-3;
 constexpr RecordField MovementFields[] = {
     {"last frame of a movement", offsetof(StudioMovement, LastFrame)},
     {"axes of a movement", offsetof(StudioMovement, Flags)},
-    {"speeds of a movement", offsetof(StudioMovement, StartSpeed), 2, TravelGrain},
+    {"speeds of a movement", offsetof(StudioMovement, StartSpeed), 2, 1e-3},
     {"angle of a movement", offsetof(StudioMovement, Angle), 1, 1e-3},
-    {"direction of a movement", offsetof(StudioMovement, Direction), 3, TravelGrain},
-    {"end of a movement", offsetof(StudioMovement, Position), 3, TravelGrain},
+    {"direction of a movement", offsetof(StudioMovement, Direction), 3, 1e-3},
+    {"end of a movement", offsetof(StudioMovement, Position), 3, 1e-3},
 };
 constexpr RecordField IkRuleFields[] = {
     {"type of an ik rule", offsetof(StudioIkRule, Type)},

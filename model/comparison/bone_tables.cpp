@@ -12,13 +12,10 @@ namespace {
 /// rotation; which of them a track holds says nothing, and no step up to this one shows in its frames.
 constexpr double RotationScaleGrain = 9.6e-5;
 
-/// Rounding of the largest place of a track by half a unit or so.
-constexpr double ScaleGrain = 5e-5;
-
 constexpr RecordField BoneFields[] = {
     {"parent", offsetof(StudioBone, Parent)},
     {"controllers", offsetof(StudioBone, Controllers), 6},
-    {"position scale", offsetof(StudioBone, PositionScale), 3, ScaleGrain},
+    {"position scale", offsetof(StudioBone, PositionScale), 3, TextGrain},
     {"rotation scale", offsetof(StudioBone, RotationScale), 3, RotationScaleGrain},
     {"procedure", offsetof(StudioBone, ProceduralType)},
     {"contents", offsetof(StudioBone, Contents)},

@@ -4,13 +4,11 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <cstring>
-#include <fstream>
 
+#include "compiled_files.h"
 #include "compiler/compile_model.h"
 #include "decompiler/decompile_job.h"
 #include "model/comparison/model_comparison.h"
-#include "model/studio_records.h"
 #include "model_variations.h"
 #include "random_sources.h"
 #include "smd/source_comparison.h"
@@ -37,22 +35,7 @@ struct WrittenModel {
     Made = true;
     Layout = CheckLayout({files->Mdl, files->Vvd, files->Vtx, files->Phy});
     if (variations != 0) VaryModel(*files, seed, variations);
-    const std::pair<const char*, const std::string*> parts[] = {{"model.mdl", &files->Mdl},
-                                                                {"model.vvd", &files->Vvd},
-                                                                {"model.dx90.vtx", &files->Vtx},
-                                                                {"model.phy", &files->Phy}};
-    for (const auto& [name, bytes] : parts) {
-      if (!bytes->empty()) std::ofstream(Folder.Path(name), std::ios::binary) << *bytes;
-    }
-    WriteBlocks(*files);
-  }
-  /// A model names its block file.
-  void WriteBlocks(const CompiledFiles& files) {
-    if (files.Ani.empty()) return;
-    model::StudioHeader header;
-    std::memcpy(&header, files.Mdl.data(), sizeof header);
-    const std::string name = files.Mdl.c_str() + header.AnimBlockNameOffset;
-    std::ofstream(Folder.Path(name.substr(name.rfind('/') + 1)), std::ios::binary) << files.Ani;
+    WriteCompiled(Folder, *files);
   }
   std::string Path() const { return Folder.Path("model.mdl"); }
   std::vector<std::string> Layout;
@@ -105,7 +88,7 @@ uint32_t FromEnvironment(const char* name, uint32_t otherwise) {
 
 TEST(RandomLoop, GivesModelsOfEveryKindBack) {
   const uint32_t first = FromEnvironment("RANDOM_LOOP_FIRST", 0);
-  const uint32_t rounds = FromEnvironment("RANDOM_LOOP_ROUNDS", 72);
+  const uint32_t rounds = FromEnvironment("RANDOM_LOOP_ROUNDS", 96);
   for (uint32_t seed = first; seed < first + rounds; ++seed) {
     // Half of all things, another half each time.
     uint32_t things = seed * 2654435761U;

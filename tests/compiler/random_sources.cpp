@@ -177,7 +177,6 @@ class Maker {
                                       "$origin 4 -2 3",
                                       "$origin 0 0 10 30",
                                       "$upaxis Y",
-                                      "$autocenter",
                                       "$bboxonlyverts",
                                       "$lcaseallsequences",
                                       "$calctransitions",

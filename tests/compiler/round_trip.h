@@ -2,15 +2,13 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
-#include <fstream>
 #include <map>
 #include <string>
 #include <vector>
 
+#include "compiled_files.h"
 #include "compiler/compile_model.h"
 #include "decompiler/decompile_job.h"
-#include "model/studio_records.h"
 #include "support/layout_checker.h"
 #include "support/recording_report.h"
 #include "support/scratch_folder.h"
@@ -39,15 +37,7 @@ struct RoundTrip {
     Files = std::move(*files);
     Layout = CheckLayout({Files.Mdl, Files.Vvd, Files.Vtx, Files.Phy});
     ScratchFolder model;
-    const std::pair<const char*, const std::string*> parts[] = {{"model.mdl", &Files.Mdl},
-                                                                {"model.vvd", &Files.Vvd},
-                                                                {"model.dx90.vtx", &Files.Vtx},
-                                                                {"model.phy", &Files.Phy}};
-    for (const auto& [name, bytes] : parts) {
-      if (!bytes->empty()) std::ofstream(model.Path(name), std::ios::binary) << *bytes;
-    }
-    WriteBlocks(model);
-    TakeApart(model.Path("model.mdl"), Second, After);
+    TakeApart(WriteCompiled(model, Files), Second, After);
   }
 
   /// The names of sources that differ, of those for which `wanted` holds.
@@ -69,14 +59,6 @@ struct RoundTrip {
   }
 
  private:
-  /// Under the name by which the model asks for them.
-  void WriteBlocks(const ScratchFolder& model) const {
-    if (Files.Ani.empty()) return;
-    model::StudioHeader header;
-    std::memcpy(&header, Files.Mdl.data(), sizeof header);
-    const std::string name = Files.Mdl.c_str() + header.AnimBlockNameOffset;
-    std::ofstream(model.Path(name.substr(name.rfind('/') + 1)), std::ios::binary) << Files.Ani;
-  }
   static void TakeApart(const std::string& path, const ScratchFolder& folder,
                         std::map<std::string, std::string>& sources) {
     decompiler::DecompileJob job{

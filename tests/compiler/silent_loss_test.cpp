@@ -5,9 +5,9 @@
 
 #include <cmath>
 #include <cstring>
-#include <fstream>
 #include <functional>
 
+#include "compiled_files.h"
 #include "compiler/compile_model.h"
 #include "decompiler/decompile_job.h"
 #include "model/animation_records.h"
@@ -249,14 +249,9 @@ struct TakenApart {
   std::string Lost;
   std::optional<CompiledFiles> Again;
 
-  TakenApart(const CompiledFiles& files, const std::string& mdl) {
+  explicit TakenApart(const CompiledFiles& files) {
     const ScratchFolder folder, sources;
-    const std::pair<const char*, const std::string*> parts[] = {
-        {"a.mdl", &mdl}, {"a.vvd", &files.Vvd}, {"a.dx90.vtx", &files.Vtx}, {"a.phy", &files.Phy}};
-    for (const auto& [name, bytes] : parts) {
-      if (!bytes->empty()) std::ofstream(folder.Path(name), std::ios::binary) << *bytes;
-    }
-    const decompiler::DecompileJob job{.ModelPath = folder.Path("a.mdl"),
+    const decompiler::DecompileJob job{.ModelPath = WriteCompiled(folder, files),
                                        .OutputDirectory = sources.Path(),
                                        .Options = decompiler::DecompileOptionReadyToCompile};
     RecordingReport report;
@@ -280,15 +275,16 @@ TEST(SilentLoss, EachValueComesBackOrIsTold) {
   CompileReport told;
   const auto files = CompileToMemory(authors.Path("model.qc"), {}, told);
   ASSERT_TRUE(files);
-  const TakenApart unchanged(*files, files->Mdl);
+  const TakenApart unchanged(*files);
   for (const Table& table : Tables()) {
     const int64_t first = table.First(files->Mdl);
     ASSERT_TRUE(first > 0 || std::string_view(table.Name) == "header") << table.Name;
     for (const Field& field : table.Fields) {
       SCOPED_TRACE(std::string(table.Name) + ": " + field.Name);
-      std::string mdl = files->Mdl;
+      CompiledFiles other = *files;
+      std::string& mdl = other.Mdl;
       Change(mdl, first + field.Offset, field);
-      const TakenApart changed(*files, mdl);
+      const TakenApart changed(other);
       if (!changed.Sound || changed.Lost != unchanged.Lost) continue;
       ASSERT_TRUE(changed.Again) << "does not compile";
       const int64_t again = table.First(changed.Again->Mdl);

@@ -17,15 +17,6 @@ using namespace tests;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-/// Writes the files of a model into the folder, and gives the path of the first.
-std::string WriteModel(const ScratchFolder& folder, const CompiledFiles& files, const std::string& name) {
-  WriteText(folder.Path(name + ".vvd"), files.Vvd);
-  WriteText(folder.Path(name + ".dx90.vtx"), files.Vtx);
-  WriteText(folder.Path(name + ".mdl"), files.Mdl);
-  if (!files.Ani.empty()) WriteText(folder.Path(name + ".ani"), files.Ani);
-  return folder.Path(name + ".mdl");
-}
-
 TEST(WayBack, ComesBackWithoutTheCollisionModel) {
   Workshop shop;
   WriteText(shop.Folder.Path("parts/roof.smd"), Pyramid(8));
@@ -41,7 +32,9 @@ TEST(WayBack, ComesBackWithoutTheCollisionModel) {
   EXPECT_NE(HeaderOf(*with).HullMaximum.z, HeaderOf(*without).HullMaximum.z);
   for (const CompiledFiles* files : {&*with, &*without}) {
     ScratchFolder folder;
-    RoundTrip trip(WriteModel(folder, *files, "roof"));
+    CompiledFiles alone = *files;
+    alone.Phy.clear();
+    RoundTrip trip(WriteCompiled(folder, alone, "roof"));
     ASSERT_TRUE(trip.Compiled) << trip.Told;
     EXPECT_EQ(trip.Before["ravelback.qc"].find("$bbox") != std::string::npos, files == &*with);
     EXPECT_EQ(trip.Before["ravelback.qc"], trip.After["ravelback.qc"]);
@@ -61,7 +54,8 @@ TEST(WayBack, TakesNoTangentForAVertexOfTheBox) {
   const auto files = shop.Compile(std::string(Head) + "$body b chip\n$sequence idle chip\n");
   ASSERT_TRUE(files);
   ScratchFolder folder;
-  EXPECT_THAT(RoundTrip(WriteModel(folder, *files, "chip")).Before["ravelback.qc"], testing::Not(HasSubstr("$bbox")));
+  EXPECT_THAT(RoundTrip(WriteCompiled(folder, *files, "chip")).Before["ravelback.qc"],
+              testing::Not(HasSubstr("$bbox")));
 }
 
 TEST(WayBack, FindsTheBoxOfBonesThatMoveByTurns) {
@@ -87,7 +81,8 @@ TEST(WayBack, FindsTheBoxOfBonesThatMoveByTurns) {
   ASSERT_TRUE(files);
   EXPECT_GT(HeaderOf(*files).HullMaximum.y - HeaderOf(*files).HullMinimum.y, 100);
   ScratchFolder folder;
-  EXPECT_THAT(RoundTrip(WriteModel(folder, *files, "wings")).Before["ravelback.qc"], testing::Not(HasSubstr("$bbox")));
+  EXPECT_THAT(RoundTrip(WriteCompiled(folder, *files, "wings")).Before["ravelback.qc"],
+              testing::Not(HasSubstr("$bbox")));
 }
 
 TEST(WayBack, GivesBackTexturesOfSkinsInTheirOrder) {
@@ -99,7 +94,7 @@ TEST(WayBack, GivesBackTexturesOfSkinsInTheirOrder) {
   ASSERT_TRUE(files) << testing::PrintToString(shop.Texts());
   EXPECT_THAT(TextureNames(*files), ElementsAre("a", "b", "snow", "unused", "moss"));
   ScratchFolder folder;
-  RoundTrip trip(WriteModel(folder, *files, "roof"));
+  RoundTrip trip(WriteCompiled(folder, *files, "roof"));
   ASSERT_TRUE(trip.Compiled) << trip.Told;
   EXPECT_EQ(TextureNames(trip.Files), TextureNames(*files));
   EXPECT_THAT(trip.Different([](const std::string&, const std::string&) { return true; }), testing::IsEmpty());
@@ -144,7 +139,7 @@ TEST(WayBack, GivesBackSequencesThatStandElsewhereThanTheirAnimations) {
     ASSERT_TRUE(files) << testing::PrintToString(shop.Texts());
     EXPECT_EQ(told(*files), c.Told);
     ScratchFolder folder;
-    RoundTrip trip(WriteModel(folder, *files, "arm"));
+    RoundTrip trip(WriteCompiled(folder, *files, "arm"));
     ASSERT_TRUE(trip.Compiled) << trip.Told;
     EXPECT_EQ(told(trip.Files), c.Told);
   }
@@ -167,7 +162,7 @@ TEST(WayBack, GivesBackTexturesThatMeshesCannotName) {
   ASSERT_TRUE(files) << testing::PrintToString(shop.Texts());
   EXPECT_THAT(TextureNames(*files), ElementsAre("a", "b", "a", "//walls/brick", "red.tga", "RED"));
   ScratchFolder folder;
-  RoundTrip trip(WriteModel(folder, *files, "roof"));
+  RoundTrip trip(WriteCompiled(folder, *files, "roof"));
   ASSERT_TRUE(trip.Compiled) << trip.Told;
   EXPECT_EQ(TextureNames(trip.Files), TextureNames(*files));
   EXPECT_THAT(trip.Before["ravelback.qc"], HasSubstr("$renamematerial \"material3\" \"//walls/brick\"\n"));
@@ -201,7 +196,7 @@ TEST(WayBack, GivesBackWaysBetweenNodesAndChainsOfFewerBones) {
     ASSERT_TRUE(files) << testing::PrintToString(shop.Texts());
     EXPECT_EQ(told(*files), expected);
     ScratchFolder folder;
-    RoundTrip trip(WriteModel(folder, *files, "a"));
+    RoundTrip trip(WriteCompiled(folder, *files, "a"));
     ASSERT_TRUE(trip.Compiled) << trip.Told;
     EXPECT_EQ(told(trip.Files), expected);
   }
@@ -226,7 +221,7 @@ TEST(WayBack, EndsAWalkInSectionsWhereItBegan) {
     return RecordAt<model::StudioMovement>(compiled.Mdl, at + animation.MovementOffset);
   };
   ScratchFolder folder;
-  RoundTrip trip(WriteModel(folder, *files, "a"));
+  RoundTrip trip(WriteCompiled(folder, *files, "a"));
   ASSERT_TRUE(trip.Compiled) << trip.Told;
   const model::Vec3 before = travel(*files).Position, after = travel(trip.Files).Position;
   EXPECT_NEAR(after.x, before.x, 1e-5);
@@ -243,9 +238,7 @@ TEST(WayBack, KeepsABoxThatACompileWouldMakeLarger) {
   ASSERT_TRUE(files);
   EXPECT_LT(HeaderOf(*files).HullMaximum.z, 10);
   ScratchFolder folder;
-  const std::string path = WriteModel(folder, *files, "a");
-  WriteText(folder.Path("a.phy"), files->Phy);
-  RoundTrip trip(path);
+  RoundTrip trip(WriteCompiled(folder, *files, "a"));
   ASSERT_TRUE(trip.Compiled) << trip.Told;
   EXPECT_EQ(HeaderOf(trip.Files).HullMaximum.z, HeaderOf(*files).HullMaximum.z);
 }
@@ -260,9 +253,7 @@ TEST(WayBack, KeepsTheMassCentreThatAScriptGives) {
                                     "$collisionmodel block { $mass 5 $masscenter 1 -2.5 3 }\n");
     ASSERT_TRUE(files);
     ScratchFolder folder;
-    const std::string path = WriteModel(folder, *files, "a");
-    WriteText(folder.Path("a.phy"), files->Phy);
-    RoundTrip trip(path);
+    RoundTrip trip(WriteCompiled(folder, *files, "a"));
     ASSERT_TRUE(trip.Compiled) << trip.Told;
     EXPECT_THAT(trip.Before["ravelback.qc"], HasSubstr("$masscenter "));
     EXPECT_EQ(trip.Before["ravelback.qc"], trip.After["ravelback.qc"]);
@@ -324,7 +315,7 @@ TEST(WayBack, FillsTheBlocksOfAnimationsAsBefore) {
     ASSERT_TRUE(files) << testing::PrintToString(shop.Texts());
     ASSERT_FALSE(files->Ani.empty());
     ScratchFolder folder;
-    RoundTrip trip(WriteModel(folder, *files, "a"));
+    RoundTrip trip(WriteCompiled(folder, *files, "a"));
     ASSERT_TRUE(trip.Compiled) << trip.Told;
     EXPECT_THAT(trip.Before["ravelback.qc"], HasSubstr(c.Written));
     EXPECT_EQ(StorageOf(trip.Files), StorageOf(*files));
