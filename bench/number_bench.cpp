@@ -2,6 +2,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include <charconv>
 #include <cstdio>
 #include <random>
 #include <string>
@@ -49,5 +50,34 @@ void PlainFprintf(benchmark::State& state) {
   CountNumbers(state, floats.size());
 }
 BENCHMARK(PlainFprintf);
+
+/// As scripts and the sources of animations have them: half of them typed with few decimals.
+std::vector<float> SourceFloats() {
+  std::vector<float> floats = OrdinaryFloats();
+  for (size_t i = 0; i < floats.size(); i += 2) floats[i] = static_cast<float>(static_cast<int>(i) - 2048) / 100;
+  return floats;
+}
+
+void ShortestText(benchmark::State& state) {
+  const auto floats = SourceFloats();
+  char text[tarnwick::core::LongestNumberText];
+  for (auto _ : state) {
+    for (const float value : floats) benchmark::DoNotOptimize(tarnwick::core::WriteShortestDecimal(text, value));
+  }
+  CountNumbers(state, floats.size());
+}
+BENCHMARK(ShortestText);
+
+void PlainToChars(benchmark::State& state) {
+  const auto floats = SourceFloats();
+  char text[tarnwick::core::LongestNumberText];
+  for (auto _ : state) {
+    for (const float value : floats) {
+      benchmark::DoNotOptimize(std::to_chars(text, text + sizeof text, value, std::chars_format::fixed));
+    }
+  }
+  CountNumbers(state, floats.size());
+}
+BENCHMARK(PlainToChars);
 
 }  // namespace

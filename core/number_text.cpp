@@ -69,31 +69,6 @@ template char* WriteLargeFixed<2>(char* out, float size);
 template char* WriteLargeFixed<3>(char* out, float size);
 template char* WriteLargeFixed<6>(char* out, float size);
 
-namespace {
-
-/// Longer than the plain text of any double.
-constexpr size_t LongestPlainDecimal = 1100;
-
-template <typename Float>
-std::string Plain(Float value) {
-  char text[LongestPlainDecimal];
-  return std::string(text, std::to_chars(text, text + sizeof text, value, std::chars_format::fixed).ptr);
-}
-
-}  // namespace
-
-std::string ShortestDecimal(float value) {
-  return Plain(value);
-}
-
-std::string ShortestDecimal(double value) {
-  return Plain(value);
-}
-
-char* WriteShortestDecimal(char* out, float value) {
-  return std::to_chars(out, out + LongestNumberText, value, std::chars_format::fixed).ptr;
-}
-
 std::string FixedText(double value, int precision) {
   char text[400];  // the largest double has 309 digits before its point
   char* const end = std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, precision).ptr;

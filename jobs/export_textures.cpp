@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <filesystem>
 #include <map>
-#include <random>
 #include <utility>
 
 #include "core/folder_reader.h"
@@ -91,11 +90,10 @@ class TgaPlace {
       for (const fs::path& file : TgaFiles(m_folder, m_stem)) m_before.emplace(file, FileBefore(core::PathText(file)));
       return;
     }
-    std::random_device random;
     const fs::path parent = m_folder;
     std::error_code error;
     do {
-      m_folder = core::NativePath(core::PathText(parent / (".tarnwick-" + std::to_string(random()))));
+      m_folder = core::TemporaryName((parent / "texture").native());
     } while (!fs::create_directory(m_folder, error) && !error);
     if (error) problem = core::PathText(parent) + " cannot be written to: " + error.message();
   }

@@ -81,7 +81,7 @@ std::optional<RigidTransform> FirstRootPose(JobContext& job, const Skeleton& ske
 /// Whether the mass centre is another than that which follows from the pieces, which it meets within 0.0001 of the
 /// radius in sound files.
 bool HasOwnCentre(const PhySolid& solid) {
-  constexpr double Part = 0.0005;
+  constexpr double Part = 0.0002;
   if (!solid.MassCentre) return false;
   const Vec3 stored = *solid.MassCentre;
   const PhyCentre made = CentreOfPieces(solid);

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <bit>
+#include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
@@ -45,6 +46,39 @@ TEST(NumberText, PrintsEveryClassOfFloatAsPrintfDoes) {
       }
     }
   }
+}
+
+/// Compares the shortest text of one bit pattern with that of the standard library.
+void ExpectShortest(uint32_t bits) {
+  const float value = std::bit_cast<float>(bits);
+  if (!std::isfinite(value)) return;
+  char ours[LongestNumberText];
+  char expected[LongestNumberText];
+  const std::string_view got(ours, WriteShortestDecimal(ours, value));
+  const auto end = std::to_chars(expected, expected + sizeof expected, value, std::chars_format::fixed).ptr;
+  if (got != std::string_view(expected, end)) {
+    ADD_FAILURE() << "bits " << bits << ": " << got << " instead of " << std::string(expected, end);
+  }
+}
+
+TEST(NumberText, WritesTheShortestDecimalThatReadsAsTheSameFloat) {
+  for (uint32_t edge = 0; edge <= 0xFF; ++edge) {  // zero, powers of two and their neighbours
+    for (uint32_t step = 0; step <= 6; ++step) {
+      ExpectShortest((edge << 23) + step - 3);
+      ExpectShortest((edge << 23) + step - 3 + 0x80000000);
+    }
+  }
+  for (const float tens : {1.0F, 1e1F, 1e2F, 1e3F, 1e4F, 1e5F, 1e6F, 1e7F, 1e8F, 1e9F}) {  // as people type them
+    for (int k = -20'000; k <= 20'000; ++k) ExpectShortest(std::bit_cast<uint32_t>(static_cast<float>(k) / tens));
+  }
+  std::mt19937 random(5);
+  std::uniform_real_distribution<float> ordinary(-200.0f, 200.0f);
+  for (int i = 0; i < 500'000 && !::testing::Test::HasFailure(); ++i) {
+    ExpectShortest(static_cast<uint32_t>(random()));
+    ExpectShortest(std::bit_cast<uint32_t>(ordinary(random)));
+  }
+  EXPECT_EQ(ShortestDecimal(1e-5F), "0.00001");
+  EXPECT_EQ(ShortestDecimal(-0.0625F), "-0.0625");
 }
 
 TEST(NumberText, RoundsExactHalvesToEven) {
