@@ -12,11 +12,6 @@ namespace {
 /// Longer than the plain text of any double.
 constexpr size_t LongestPlainDecimal = 1100;
 
-template <typename Float>
-char* WritePlain(char* out, size_t room, Float value) {
-  return std::to_chars(out, out + room, value, std::chars_format::fixed).ptr;
-}
-
 constexpr std::array<double, 13> Tens = {1, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12};
 
 /// A number that is `Whole` over 10^Decimals.
@@ -33,9 +28,8 @@ struct Decimal {
 /// binary place, times the power of ten, with which it is compared. Nine digits always do, and fit in 32 bits.
 Decimal FewestDecimals(uint32_t bits) {
   constexpr uint32_t Bias = 127, MantissaBits = 23;
-  constexpr uint32_t LeastExponent = Bias - 9;  // below it more than 12 decimals may be needed
-  constexpr uint32_t MostExponent =
-      Bias + MantissaBits - 1;  // above it a float is a whole number with digits of its own
+  // Smaller floats may need more than 12 decimals; larger ones are whole numbers, which have no fewest digits.
+  constexpr uint32_t LeastExponent = Bias - 9, MostExponent = Bias + MantissaBits - 1;
   constexpr Decimal Unknown{0, -1};
   const uint32_t exponent = bits >> MantissaBits & 0xFF;
   if (exponent < LeastExponent || exponent > MostExponent) return Unknown;
@@ -66,12 +60,6 @@ void WriteDigits(char* out, uint32_t value, int count) {
   for (; count > 0; value /= 10) out[--count] = static_cast<char>('0' + value % 10);
 }
 
-int CountDigits(uint32_t value) {
-  int digits = 1;
-  for (; value >= 10; value /= 10) ++digits;
-  return digits;
-}
-
 }  // namespace
 
 std::string ShortestDecimal(float value) {
@@ -81,23 +69,21 @@ std::string ShortestDecimal(float value) {
 
 std::string ShortestDecimal(double value) {
   char text[LongestPlainDecimal];
-  return {text, WritePlain(text, sizeof text, value)};
+  return {text, std::to_chars(text, text + sizeof text, value, std::chars_format::fixed).ptr};
 }
 
 char* WriteShortestDecimal(char* out, float value) {
   const auto bits = std::bit_cast<uint32_t>(value);
   const bool isZero = bits << 1 == 0;
   const auto [number, decimals] = isZero ? Decimal{0, 0} : FewestDecimals(bits);
-  if (decimals < 0) return WritePlain(out, LongestNumberText, value);
+  if (decimals < 0) return std::to_chars(out, out + LongestNumberText, value, std::chars_format::fixed).ptr;
   *out = '-';
   out += bits >> 31;
   constexpr std::array<uint32_t, 10> Powers = {1,       10,        100,        1'000,       10'000,
                                                100'000, 1'000'000, 10'000'000, 100'000'000, 1'000'000'000};
   const auto place = static_cast<size_t>(decimals);
   const uint32_t whole = place < Powers.size() ? number / Powers[place] : 0;
-  const int digits = CountDigits(whole);
-  WriteDigits(out, whole, digits);
-  out += digits;
+  out = WriteInteger(out, whole);
   if (decimals == 0) return out;
   *out++ = '.';
   WriteDigits(out, place < Powers.size() ? number % Powers[place] : number, decimals);
