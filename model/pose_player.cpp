@@ -1,14 +1,50 @@
 #include "model/pose_player.h"
 
 #include <algorithm>
+#include <bit>
 #include <limits>
+#include <utility>
 
 #include "core/same_bytes.h"
+#include "core/vector_code.h"
 #include "model/bone_math.h"
 #include "model/pose_decoder.h"
 #include "model/quick_rotations.h"
 
 namespace tarnwick::model {
+
+// Compared bit by bit: a not-a-number equals itself, and zeros of both signs, which print differently, do not.
+
+TARNWICK_INLINE void PosePlayer::SetRotation(size_t bone, const Quat& rotation) {
+  // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison)
+  if (core::HasSameBytes(m_rotations.data()[bone], rotation)) return;
+  m_rotations.data()[bone] = rotation;
+  m_changes.data()[bone] |= RotationBit;
+  m_changed = true;
+}
+
+void PosePlayer::SetPosition(size_t bone, const Vec3& position) {
+  // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison)
+  if (core::HasSameBytes(m_positions[bone], position)) return;
+  m_positions[bone] = position;
+  m_changes[bone] |= PositionBit;
+  m_changed = true;
+}
+
+TARNWICK_INLINE void PosePlayer::Take(RunTrack& track, const Stored& stored) {
+  track.Last = stored;
+  std::array<float, 4> values;
+  for (size_t axis = 0; axis < values.size(); ++axis) {
+    values[axis] = static_cast<float>(stored[axis]) * track.Scales[axis] + track.Bases[axis];
+  }
+  if (track.IsRotation) {
+    // A bone has one track of rotations, so there is room for all.
+    m_turning.data()[m_turningCount] = {track.Bone, track.IsAligned};
+    m_angles.data()[m_turningCount++] = {values[0], values[1], values[2]};
+  } else {
+    SetPosition(static_cast<size_t>(track.Bone), {values[0], values[1], values[2]});
+  }
+}
 
 PosePlayer::PosePlayer(const core::RecordArray<StudioBone>& bones, const CheckedAnimation& animation)
     : m_bones(bones),
@@ -16,10 +52,11 @@ PosePlayer::PosePlayer(const core::RecordArray<StudioBone>& bones, const Checked
       m_positions(static_cast<size_t>(bones.Count())),
       m_rotations(static_cast<size_t>(bones.Count())),
       m_changes(static_cast<size_t>(bones.Count())),
-      m_running(static_cast<size_t>(bones.Count())) {
+      m_running(static_cast<size_t>(bones.Count())),
+      m_turning(m_positions.size()),
+      m_angles(m_positions.size()),
+      m_turned(m_positions.size()) {
   m_tracks.reserve(2 * m_positions.size());
-  m_turning.reserve(m_positions.size());
-  m_angles.reserve(m_positions.size());
 }
 
 bool PosePlayer::GoTo(int32_t frame) {
@@ -80,13 +117,14 @@ void PosePlayer::AddTrack(const AnimRecord& anim, int64_t triple, bool isRotatio
   track.Bone = anim->Bone;
   track.IsRotation = isRotation;
   m_running[anim->Bone] |= isRotation ? RotationBit : PositionBit;
-  track.IsDelta = (anim->Flags & AnimIsDelta) != 0;
+  const bool isDelta = (anim->Flags & AnimIsDelta) != 0;
   const StudioBone& bone = *m_bones[track.Bone];
-  track.IsAligned = !track.IsDelta && (bone.Flags & BoneFlagFixedAlignment) != 0;
+  track.IsAligned = !isDelta && (bone.Flags & BoneFlagFixedAlignment) != 0;
   const Vec3 scale = isRotation ? bone.RotationScale : bone.PositionScale;
-  const Vec3 base = isRotation ? Vec3{bone.Angles.x, bone.Angles.y, bone.Angles.z} : bone.Position;
+  const Vec3 rest = isRotation ? Vec3{bone.Angles.x, bone.Angles.y, bone.Angles.z} : bone.Position;
+  const Vec3 base = isDelta ? Vec3{-0.0f, -0.0f, -0.0f} : rest;
   track.Scales = {scale.x, scale.y, scale.z};
-  track.Defaults = {base.x, base.y, base.z};
+  track.Bases = {base.x, base.y, base.z};
   for (size_t axis = 0; axis < 3; ++axis) {
     const auto stream = RunsOfAxis(m_image, triple, static_cast<int>(axis));
     if (stream) track.Cursors[axis] = RunCursor(stream->Offset);
@@ -109,14 +147,13 @@ void PosePlayer::FillBlock(RunTrack& track, int32_t frame) {
   track.BlockFirst = frame;
   const int32_t last = frame + BlockFrames - 1;
   track.HeldUntil = std::numeric_limits<int32_t>::max();
-  bool holds = true;
   for (size_t axis = 0; axis < 3; ++axis) {
-    auto& block = track.Block[axis];
-    track.Cursors[axis].Fill(m_image, frame, block);
+    std::array<int16_t, BlockFrames> values;
+    track.Cursors[axis].Fill(m_image, frame, values);
     track.HeldUntil = std::min(track.HeldUntil, track.Cursors[axis].HeldUntil(last));
-    holds &= std::equal(block.begin() + 1, block.end(), block.begin());
+    for (size_t i = 0; i < values.size(); ++i) track.Block[i][axis] = values[i];
   }
-  if (!holds) track.HeldUntil = frame + 1;
+  if (!std::equal(track.Block.begin() + 1, track.Block.end(), track.Block.begin())) track.HeldUntil = frame + 1;
 }
 
 void PosePlayer::Read(RunTrack& track, int32_t frame, bool first) {
@@ -126,52 +163,19 @@ void PosePlayer::Read(RunTrack& track, int32_t frame, bool first) {
     track.HeldUntil = frame + 1;
   }
   m_heldUntil = std::min(m_heldUntil, track.HeldUntil);
-  const auto place = static_cast<size_t>(frame - track.BlockFirst);
-  const std::array<int16_t, 3> stored = {track.Block[0][place], track.Block[1][place], track.Block[2][place]};
-  if (!first && stored == track.Stored) return;
-  track.Stored = stored;
-  std::array<float, 3> values;
-  for (size_t axis = 0; axis < 3; ++axis) {
-    values[axis] = static_cast<float>(stored[axis]) * track.Scales[axis];
-    if (!track.IsDelta) values[axis] += track.Defaults[axis];
-  }
-  if (track.IsRotation) {
-    m_turning.push_back({track.Bone, track.IsAligned});
-    m_angles.push_back({values[0], values[1], values[2]});
-  } else {
-    SetPosition(static_cast<size_t>(track.Bone), {values[0], values[1], values[2]});
-  }
+  const Stored& stored = track.Block.data()[frame - track.BlockFirst];
+  if (first || std::bit_cast<uint64_t>(stored) != std::bit_cast<uint64_t>(track.Last)) Take(track, stored);
 }
 
 void PosePlayer::TurnAngles() {
-  if (m_angles.empty()) return;
-  m_turned.resize(m_angles.size());
-  QuickEulerToQuat(m_angles, m_turned);
-  for (size_t i = 0; i < m_angles.size(); ++i) {
-    Quat rotation = m_turned[i];
-    if (m_turning[i].IsAligned) AlignQuat(m_bones[m_turning[i].Bone]->Alignment, rotation, rotation);
-    SetRotation(static_cast<size_t>(m_turning[i].Bone), rotation);
+  const size_t count = std::exchange(m_turningCount, 0);
+  QuickEulerToQuat(std::span(m_angles).first(count), std::span(m_turned).first(count));
+  for (size_t i = 0; i < count; ++i) {
+    const Turn turn = m_turning.data()[i];
+    Quat rotation = m_turned.data()[i];
+    if (turn.IsAligned) AlignQuat(m_bones[turn.Bone]->Alignment, rotation, rotation);
+    SetRotation(static_cast<size_t>(turn.Bone), rotation);
   }
-  m_turning.clear();
-  m_angles.clear();
-}
-
-// Compared bit by bit: a not-a-number equals itself, and zeros of both signs, which print differently, do not.
-
-void PosePlayer::SetRotation(size_t bone, const Quat& rotation) {
-  // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison)
-  if (core::HasSameBytes(m_rotations[bone], rotation)) return;
-  m_rotations[bone] = rotation;
-  m_changes[bone] |= RotationBit;
-  m_changed = true;
-}
-
-void PosePlayer::SetPosition(size_t bone, const Vec3& position) {
-  // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison)
-  if (core::HasSameBytes(m_positions[bone], position)) return;
-  m_positions[bone] = position;
-  m_changes[bone] |= PositionBit;
-  m_changed = true;
 }
 
 }  // namespace tarnwick::model

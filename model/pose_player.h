@@ -22,14 +22,15 @@ class PosePlayer {
   /// the first call gives true.
   bool GoTo(int32_t frame);
 
-  /// Whether the last GoTo changed the bone's rotation or position.
-  bool RotationChanged(size_t bone) const { return (m_changes[bone] & RotationBit) != 0; }
-  bool PositionChanged(size_t bone) const { return (m_changes[bone] & PositionBit) != 0; }
+  static constexpr uint8_t RotationBit = 1;
+  static constexpr uint8_t PositionBit = 2;
+
+  /// What of each bone the last GoTo changed: the bits above.
+  std::span<const uint8_t> Changes() const { return m_changes; }
   bool Changed(size_t bone) const { return m_changes[bone] != 0; }
 
-  /// Whether the bone's rotation or position comes out of runs at the frame of the last GoTo; else it stands still.
-  bool RotationRuns(size_t bone) const { return (m_running[bone] & RotationBit) != 0; }
-  bool PositionRuns(size_t bone) const { return (m_running[bone] & PositionBit) != 0; }
+  /// Which of the bits come out of runs at the frame of the last GoTo; what else the bone has stands still.
+  uint8_t Running(size_t bone) const { return m_running[bone]; }
   /// Whether the bone's rotation, which stands still, was read out of 48 or 64 bits.
   bool RotationPacked(size_t bone) const { return (m_running[bone] & PackedBit) != 0; }
 
@@ -37,26 +38,26 @@ class PosePlayer {
   std::span<const Quat> Rotations() const { return m_rotations; }
 
  private:
-  static constexpr uint8_t RotationBit = 1;
-  static constexpr uint8_t PositionBit = 2;
   static constexpr uint8_t PackedBit = 4;
 
   /// Values are taken from their runs for this many frames at a time: going through many runs by single frames is
   /// slower.
   static constexpr int32_t BlockFrames = 16;
 
+  /// The stored values of the three axes at one frame, and a 0.
+  using Stored = std::array<int16_t, 4>;
+
   /// The runs of the three axes of one bone's rotation or position.
   struct RunTrack {
     int32_t Bone;
     bool IsRotation;
-    bool IsDelta;
-    bool IsAligned;                 // the rotation is to lie near that of the bone's alignment
-    std::array<float, 3> Scales;    // of the stored values
-    std::array<float, 3> Defaults;  // what they are added to, if this is no delta
-    int32_t HeldUntil;              // first frame at which a value can differ
-    int32_t BlockFirst;             // the frame of each axis's first value in Block
-    std::array<int16_t, 3> Stored;
-    std::array<std::array<int16_t, BlockFrames>, 3> Block;
+    bool IsAligned;               // the rotation is to lie near that of the bone's alignment
+    int32_t HeldUntil;            // first frame at which a value can differ
+    int32_t BlockFirst;           // the frame of the first values in Block
+    Stored Last;                  // values that were taken
+    std::array<float, 4> Scales;  // of the stored values
+    std::array<float, 4> Bases;   // what they are added to, of a delta -0, which changes nothing
+    std::array<Stored, BlockFrames> Block;
     std::array<RunCursor, 3> Cursors;
   };
 
@@ -73,7 +74,8 @@ class PosePlayer {
   void FillBlock(RunTrack& track, int32_t frame);
   /// Goes to `frame`. Takes the values if they differ, or come first.
   void Read(RunTrack& track, int32_t frame, bool first);
-  /// Turns the angles that Read has put aside into rotations, all at a time.
+  void Take(RunTrack& track, const Stored& values);
+  /// Turns the angles that Take has put aside into rotations, all at a time.
   void TurnAngles();
   void SetRotation(size_t bone, const Quat& rotation);
   void SetPosition(size_t bone, const Vec3& position);
@@ -85,14 +87,15 @@ class PosePlayer {
   int32_t m_frame = -1;     // within m_data; -1 before the first pose
   int32_t m_heldUntil = 0;  // first frame at which any value can differ
   bool m_changed = false;
-  std::vector<RunTrack> m_tracks;
-  std::vector<Turn> m_turning;        // the bones whose new angles wait to become rotations
-  std::vector<EulerAngles> m_angles;  // of each of them
-  std::vector<Quat> m_turned;
   std::vector<Vec3> m_positions;
   std::vector<Quat> m_rotations;
   std::vector<uint8_t> m_changes;
   std::vector<uint8_t> m_running;
+  std::vector<RunTrack> m_tracks;
+  size_t m_turningCount = 0;
+  std::vector<Turn> m_turning;        // the bones whose new angles wait to become rotations are the first so many
+  std::vector<EulerAngles> m_angles;  // of each of them
+  std::vector<Quat> m_turned;
 };
 
 }  // namespace tarnwick::model

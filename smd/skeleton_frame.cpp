@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "core/number_text.h"
+#include "smd/number_vectors.h"
 
 namespace tarnwick::smd {
 
@@ -23,25 +24,8 @@ char* WriteExact(char* out, float value) {
   return core::WriteShortestDecimal(out, value);
 }
 
-char* WriteThreeExact(char* out, float x, float y, float z) {
-  for (const float value : {x, y, z}) {
-    *out++ = ' ';
-    out = WriteExact(out, value);
-  }
-  return out;
-}
-
-char* WriteThree(char* out, float x, float y, float z) {
-  *out++ = ' ';
-  out = core::WriteFixed<6>(out, x);
-  *out++ = ' ';
-  out = core::WriteFixed<6>(out, y);
-  *out++ = ' ';
-  return core::WriteFixed<6>(out, z);
-}
-
 /// Copies a part of a line and perhaps some bytes behind it; a line's room is far longer than its parts.
-char* CopyPart(char* out, const char* part, size_t size) {
+TARNWICK_INLINE char* CopyPart(char* out, const char* part, size_t size) {
   constexpr size_t Usual = 64;
   if (size <= Usual) {
     std::memcpy(out, part, Usual);
@@ -51,17 +35,33 @@ char* CopyPart(char* out, const char* part, size_t size) {
   return out + size;
 }
 
-uint8_t CountNonFinite(float x, float y, float z) {
-  if (x * 0 + y * 0 + z * 0 == 0) return 0;
-  uint8_t count = 0;
-  for (const float value : {x, y, z}) count = static_cast<uint8_t>(count + (value - value == 0 ? 0 : 1));
-  return count;
+/// Writes a blank and the number for each of the three, and sets how many are not finite.
+char* WriteEach(char* out, const Triple& numbers, bool exact, uint8_t& odd) {
+  for (const float value : {numbers.X, numbers.Y, numbers.Z}) {
+    *out++ = ' ';
+    out = exact ? WriteExact(out, value) : core::WriteFixed<6>(out, value);
+    if (!std::isfinite(value)) ++odd;
+  }
+  return out;
+}
+
+/// The same, side by side where the processor can and the numbers are ordinary.
+TARNWICK_INLINE char* WriteThree(char* out, const Triple& numbers, bool exact, [[maybe_unused]] bool hasVectors,
+                                 uint8_t& odd) {
+  odd = 0;
+#if TARNWICK_HAS_AVX_CODE
+  if (hasVectors && !exact) {
+    if (char* const end = WriteThreeNumbersAvx2(out, numbers.X, numbers.Y, numbers.Z)) return end;
+  }
+#endif
+  return WriteEach(out, numbers, exact, odd);
 }
 
 }  // namespace
 
-SkeletonFrame::SkeletonFrame(size_t boneCount)
-    : m_places(boneCount + 1),
+SkeletonFrame::SkeletonFrame(size_t boneCount, core::VectorLevel level)
+    : m_hasVectors(TARNWICK_HAS_AVX_CODE && level >= core::VectorLevel::Avx2),
+      m_places(boneCount + 1),
       m_text(std::make_unique_for_overwrite<char[]>(boneCount * LongestLine)),
       m_previous(std::make_unique_for_overwrite<char[]>(boneCount * LongestLine)) {}
 
@@ -80,19 +80,15 @@ void SkeletonFrame::Line(const Triple* position, const Triple* rotation, ExactNu
   place.Line = m_length;
   if (position != nullptr) {
     out = core::WriteIntegerWide(out, static_cast<int64_t>(m_bone), 3);
-    out = exact.Position ? WriteThreeExact(out, position->X, position->Y, position->Z)
-                         : WriteThree(out, position->X, position->Y, position->Z);
-    place.OddPositions = CountNonFinite(position->X, position->Y, position->Z);
+    out = WriteThree(out, *position, exact.Position, m_hasVectors, place.OddPositions);
   } else {
     out = CopyPart(out, m_previous.get() + before.Line, before.Rotation - before.Line);
   }
   place.Rotation = static_cast<size_t>(out - m_text.get());
   if (rotation != nullptr) {
-    out = exact.Rotation ? WriteThreeExact(out, rotation->X, rotation->Y, rotation->Z)
-                         : WriteThree(out, rotation->X, rotation->Y, rotation->Z);
+    out = WriteThree(out, *rotation, exact.Rotation, m_hasVectors, place.OddRotations);
     std::memcpy(out, core::PlatformLineEnd.data(), core::PlatformLineEnd.size());
     out += core::PlatformLineEnd.size();
-    place.OddRotations = CountNonFinite(rotation->X, rotation->Y, rotation->Z);
   } else {
     out = CopyPart(out, m_previous.get() + before.Rotation, m_places[m_bone + 1].Line - before.Rotation);
   }

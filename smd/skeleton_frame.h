@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core/text_writer.h"
+#include "core/vector_code.h"
 #include "smd/smd_values.h"
 
 namespace tarnwick::smd {
@@ -26,7 +27,8 @@ struct ExactNumbers {
 ///     frame.Write(writer);  // the same pose again
 class SkeletonFrame {
  public:
-  explicit SkeletonFrame(size_t boneCount);
+  /// Each level of vector code, which is at most that of the processor, writes the same text.
+  explicit SkeletonFrame(size_t boneCount, core::VectorLevel level = core::HighestVectorLevel());
 
   /// Begins the next pose.
   void Begin();
@@ -48,6 +50,7 @@ class SkeletonFrame {
 
   void CopyKept();
 
+  bool m_hasVectors;
   size_t m_bone = 0;            // the next one
   size_t m_firstKept = 0;       // kept bones from here on are not copied yet
   size_t m_nonFinite = 0;       // numbers of the pose

@@ -9,7 +9,7 @@
 #include <bit>
 
 #include "core/digit_tables.h"
-#include "smd/eight_numbers.h"
+#include "smd/number_vectors.h"
 
 namespace tarnwick::smd {
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <span>
 
 #include "model/bone_math.h"
 #include "model/pose_player.h"
@@ -38,11 +39,16 @@ void Apply(const Matrix3x4& left, Quat& rotation, Vec3& position) {
   MatrixToQuatPos(pose, rotation, position);
 }
 
+/// Nearly straight up or down.
+bool IsSteep(const EulerAngles& angles) {
+  constexpr float Steep = std::numbers::pi_v<float> / 2 - 0.05f;
+  return std::abs(angles.y) > Steep;
+}
+
 /// Angles of the rotation `turn` of a bone whose `angles` are known: nearly straight up or down many sets of them are
 /// alike, and those that lie nearest the bone's rest angles are what the animation was made of.
 void ChooseAngles(const StudioBone& bone, bool isTurned, const Quat& turn, EulerAngles& angles) {
-  constexpr float Steep = std::numbers::pi_v<float> / 2 - 0.05f;
-  if (!(std::abs(angles.y) > Steep)) return;
+  if (!IsSteep(angles)) return;
   EulerAngles rest = bone.Angles;
   if (isTurned) rest.z -= RootTurnZ;
   QuatToEulerNear(turn, rest, angles);
@@ -93,7 +99,13 @@ class AnimationText {
         m_travel(form.Travel),
         m_player(model.Bones, animation),
         m_frame(static_cast<size_t>(model.Bones.Count())),
-        m_positions(static_cast<size_t>(model.Bones.Count())) {}
+        m_changes(static_cast<size_t>(model.Bones.Count())),
+        m_positions(m_changes.size()),
+        m_rotations(m_changes.size() + 1),
+        m_rotated(m_changes.size() + 1),
+        m_angles(m_changes.size()) {
+    for (const auto bone : model.Bones) m_isRoot.push_back(bone->Parent == -1 ? 1 : 0);
+  }
 
   void WriteBlock(core::TextWriter& writer, int64_t number, int32_t frame) {
     WriteTime(writer, number);
@@ -110,66 +122,84 @@ class AnimationText {
   /// depends on the position alone, and likewise for the rotation, so each part of a line stands as long as its own
   /// input does.
   void Turn(int32_t frame) {
-    m_rotations.clear();
-    for (size_t bone = 0; bone < m_positions.size(); ++bone) {
-      if (!Changed(bone)) continue;
-      m_positions[bone] = m_player.Positions()[bone];
-      if (bone == 0 && !m_travel.empty()) {
-        if (frame == 0) m_begin = m_positions[0];
-        EndWhereItBegan(m_travel, frame, m_begin, m_positions[0]);
-      }
-      if (Travels(bone)) {
-        m_positions[bone].x += m_travelled.x;
-        m_positions[bone].y += m_travelled.y;
-        m_positions[bone].z += m_travelled.z;
-      }
-      Quat rotation = m_player.Rotations()[bone];
-      if (m_onDefaultPose) Apply(m_model.DefaultPoses[bone], rotation, m_positions[bone]);
-      if (m_model.TurnRoots && m_model.Bones[static_cast<int64_t>(bone)]->Parent == -1) {
-        Apply(m_model.RootTurn, rotation, m_positions[bone]);
-      }
-      if (m_player.RotationChanged(bone)) m_rotations.push_back(rotation);
+    // Through pointers, for there are as many bones as there will be lines.
+    const Vec3* const positions = m_player.Positions().data();
+    const Quat* const rotations = m_player.Rotations().data();
+    const uint8_t* const changes = m_player.Changes().data();
+    const bool rootsAreOwn = m_model.TurnRoots || !m_travel.empty();
+    size_t rotated = 0;
+    for (size_t bone = 0, count = m_changes.size(); bone < count; ++bone) {
+      uint8_t change = changes[bone];
+      const bool isOwnRoot = rootsAreOwn && m_isRoot[bone] != 0;
+      if (isOwnRoot && !m_travel.empty()) change |= PosePlayer::PositionBit;
+      m_changes.data()[bone] = change;
+      if (change == 0) continue;
+      Vec3& position = m_positions.data()[bone];
+      Quat& rotation = m_rotations.data()[rotated];  // of the next bone if this one's has not changed
+      position = positions[bone];
+      rotation = rotations[bone];
+      if (m_onDefaultPose || isOwnRoot) Place(bone, frame, rotation, position);
+      m_rotated.data()[rotated] = static_cast<uint32_t>(bone);
+      rotated += (change & PosePlayer::RotationBit) != 0 ? 1 : 0;
     }
-    m_angles.resize(m_rotations.size());
-    QuickQuatToEuler(m_rotations, m_angles);
-    if (!m_anglesNearRest) return;
-    size_t number = 0;
-    for (size_t bone = 0; bone < m_positions.size(); ++bone) {
-      if (!Changed(bone) || !m_player.RotationChanged(bone)) continue;
+    QuickQuatToEuler(std::span(m_rotations).first(rotated), std::span(m_angles).first(rotated));
+    if (m_anglesNearRest) TakeAnglesNearRest(rotated);
+  }
+
+  /// Brings a bone's own pose to where the file has it.
+  void Place(size_t bone, int32_t frame, Quat& rotation, Vec3& position) {
+    if (bone == 0 && !m_travel.empty()) {
+      if (frame == 0) m_begin = position;
+      EndWhereItBegan(m_travel, frame, m_begin, position);
+    }
+    if (Travels(bone)) {
+      position.x += m_travelled.x;
+      position.y += m_travelled.y;
+      position.z += m_travelled.z;
+    }
+    if (m_onDefaultPose) Apply(m_model.DefaultPoses[bone], rotation, position);
+    if (IsTurned(bone)) Apply(m_model.RootTurn, rotation, position);
+  }
+
+  void TakeAnglesNearRest(size_t count) {
+    const bool typesPacked = !m_isDelta && m_exactWhereStill;
+    for (size_t i = 0; i < count; ++i) {
+      EulerAngles& angles = m_angles.data()[i];
+      const size_t bone = m_rotated.data()[i];
+      const bool isPacked = typesPacked && m_player.RotationPacked(bone);
+      if (!isPacked && !IsSteep(angles)) continue;
       const auto record = m_model.Bones[static_cast<int64_t>(bone)];
-      const bool isTurned = m_model.TurnRoots && record->Parent == -1;
-      EulerAngles& angles = m_angles[number];
-      ChooseAngles(*record, isTurned, m_rotations[number], angles);
-      if (m_player.RotationPacked(bone) && !m_isDelta && m_exactWhereStill) {
-        const auto typed = TypedAnglesOf(m_model, *record, m_player.Rotations()[bone]);
-        if (typed) angles = *typed;
-      }
-      ++number;
+      ChooseAngles(*record, IsTurned(bone), m_rotations[i], angles);
+      if (!isPacked) continue;
+      if (const auto typed = TypedAnglesOf(m_model, *record, m_player.Rotations()[bone])) angles = *typed;
     }
   }
 
   void WriteLines() {
     m_frame.Begin();
     const EulerAngles* angles = m_angles.data();
-    for (size_t bone = 0; bone < m_positions.size(); ++bone) {
-      if (Changed(bone)) {
-        const smd::Triple position = ToTriple(m_positions[bone]);
-        const bool turned = m_player.RotationChanged(bone);
-        const smd::Triple rotation = turned ? ToTriple(*angles++) : smd::Triple{};
-        m_frame.Line(m_player.PositionChanged(bone) || Travels(bone) ? &position : nullptr,
-                     turned ? &rotation : nullptr,
-                     {.Position = m_exactWhereStill && !m_player.PositionRuns(bone) && !Travels(bone),
-                      .Rotation = m_exactWhereStill && !m_player.RotationRuns(bone)});
-      } else {
+    size_t bone = 0;
+    for (const uint8_t change : m_changes) {
+      if (change == 0) {
         m_frame.Keep();
+      } else {
+        const bool moved = (change & PosePlayer::PositionBit) != 0, turned = (change & PosePlayer::RotationBit) != 0;
+        const smd::Triple position = ToTriple(m_positions.data()[bone]);
+        const smd::Triple rotation = turned ? ToTriple(*angles++) : smd::Triple{};
+        smd::ExactNumbers exact;
+        if (m_exactWhereStill) {
+          const uint8_t running = m_player.Running(bone);
+          exact.Position = (running & PosePlayer::PositionBit) == 0 && !Travels(bone);
+          exact.Rotation = (running & PosePlayer::RotationBit) == 0;
+        }
+        m_frame.Line(moved ? &position : nullptr, turned ? &rotation : nullptr, exact);
       }
+      ++bone;
     }
   }
 
-  bool Travels(size_t bone) const {
-    return !m_travel.empty() && m_model.Bones[static_cast<int64_t>(bone)]->Parent == -1;
-  }
-  bool Changed(size_t bone) const { return m_player.Changed(bone) || Travels(bone); }
+  bool IsTurned(size_t bone) const { return m_model.TurnRoots && m_isRoot[bone] != 0; }
+  bool Travels(size_t bone) const { return !m_travel.empty() && m_isRoot[bone] != 0; }
 
   const AnimationSmdModel& m_model;
   bool m_onDefaultPose;
@@ -181,8 +211,11 @@ class AnimationText {
   Vec3 m_begin = {};  // where the first root stands in the first frame
   PosePlayer m_player;
   smd::SkeletonFrame m_frame;
-  std::vector<Vec3> m_positions;      // of each bone, as the file has it
-  std::vector<Quat> m_rotations;      // of the bones whose rotation changed
+  std::vector<uint8_t> m_isRoot;      // of each bone, whose records lie far apart
+  std::vector<uint8_t> m_changes;     // of each bone, as those of the player
+  std::vector<Vec3> m_positions;      // the same, as the file has them
+  std::vector<Quat> m_rotations;      // of the bones whose rotation changed, which are the first so many
+  std::vector<uint32_t> m_rotated;    // those bones
   std::vector<EulerAngles> m_angles;  // of those
 };
 

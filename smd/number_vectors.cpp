@@ -1,4 +1,4 @@
-#include "smd/eight_numbers.h"
+#include "smd/number_vectors.h"
 
 #if TARNWICK_HAS_AVX_CODE
 
@@ -14,6 +14,7 @@ namespace tarnwick::smd {
 
 namespace {
 
+constexpr float TooLarge = 999;  // for the texts here
 constexpr size_t TextRoom = 16;  // of a blank, a sign, three digits, the point and six, and what is stored behind them
 
 /// How the text of a number with a given sign and count of whole digits is made of its nine digits.
@@ -130,11 +131,22 @@ TARNWICK_INLINE TARNWICK_AVX2 char* WriteFour(char* out, const FourTexts& texts)
 TARNWICK_AVX2 char* WriteEightNumbersAvx2(char* out, const void* values) {
   const __m256 all = _mm256_castsi256_ps(_mm256_loadu_si256(static_cast<const __m256i*>(values)));
   const __m256 sizes = _mm256_andnot_ps(_mm256_set1_ps(-0.0F), all);
-  if (_mm256_movemask_ps(_mm256_cmp_ps(sizes, _mm256_set1_ps(999), _CMP_NLT_UQ)) != 0) return nullptr;
+  if (_mm256_movemask_ps(_mm256_cmp_ps(sizes, _mm256_set1_ps(TooLarge), _CMP_NLT_UQ)) != 0) return nullptr;
   FourTexts low, high;
   FindDigits(_mm256_castps256_ps128(all), low);
   FindDigits(_mm256_extractf128_ps(all, 1), high);
   return WriteFour(WriteFour(out, low), high);
+}
+
+TARNWICK_AVX2 char* WriteThreeNumbersAvx2(char* out, float x, float y, float z) {
+  const __m128 all = _mm_setr_ps(x, y, z, 0);
+  const __m128 sizes = _mm_andnot_ps(_mm_set1_ps(-0.0F), all);
+  if (_mm_movemask_ps(_mm_cmp_ps(sizes, _mm_set1_ps(TooLarge), _CMP_NLT_UQ)) != 0) return nullptr;
+  FourTexts texts;
+  FindDigits(all, texts);
+  out = WriteText(out, _mm256_castsi256_si128(texts.First), texts.Shape[0]);
+  out = WriteText(out, _mm256_castsi256_si128(texts.Second), texts.Shape[1]);
+  return WriteText(out, _mm256_extracti128_si256(texts.First, 1), texts.Shape[2]);
 }
 
 }  // namespace tarnwick::smd
