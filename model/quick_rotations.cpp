@@ -16,6 +16,9 @@ namespace tarnwick::model {
 namespace {
 
 constexpr size_t Lanes = 8;
+/// Rotations that are brought into lanes before the first are turned: the processor turns some of them side by side,
+/// and what was written number by number has left it before it is read as a whole.
+constexpr size_t MostGroups = 8;
 
 struct EulerLanes {
   float X[Lanes], Y[Lanes], Z[Lanes];
@@ -158,24 +161,24 @@ TARNWICK_INLINE void QuatToEulerLanes(const QuatLanes& __restrict q, EulerLanes&
   }
 }
 
-void EulerToQuatPlain(const EulerLanes& e, QuatLanes& q, DoubtLanes& doubts) {
-  EulerToQuatLanes(e, q, doubts);
+void EulerToQuatPlain(const EulerLanes* e, QuatLanes* q, DoubtLanes* doubts, size_t groups) {
+  for (size_t i = 0; i < groups; ++i) EulerToQuatLanes(e[i], q[i], doubts[i]);
 }
-TARNWICK_AVX2 void EulerToQuatAvx2(const EulerLanes& e, QuatLanes& q, DoubtLanes& doubts) {
-  EulerToQuatLanes(e, q, doubts);
+TARNWICK_AVX2 void EulerToQuatAvx2(const EulerLanes* e, QuatLanes* q, DoubtLanes* doubts, size_t groups) {
+  for (size_t i = 0; i < groups; ++i) EulerToQuatLanes(e[i], q[i], doubts[i]);
 }
-TARNWICK_AVX512 void EulerToQuatAvx512(const EulerLanes& e, QuatLanes& q, DoubtLanes& doubts) {
-  EulerToQuatLanes(e, q, doubts);
+TARNWICK_AVX512 void EulerToQuatAvx512(const EulerLanes* e, QuatLanes* q, DoubtLanes* doubts, size_t groups) {
+  for (size_t i = 0; i < groups; ++i) EulerToQuatLanes(e[i], q[i], doubts[i]);
 }
 
-void QuatToEulerPlain(const QuatLanes& q, EulerLanes& e, DoubtLanes& doubts) {
-  QuatToEulerLanes(q, e, doubts);
+void QuatToEulerPlain(const QuatLanes* q, EulerLanes* e, DoubtLanes* doubts, size_t groups) {
+  for (size_t i = 0; i < groups; ++i) QuatToEulerLanes(q[i], e[i], doubts[i]);
 }
-TARNWICK_AVX2 void QuatToEulerAvx2(const QuatLanes& q, EulerLanes& e, DoubtLanes& doubts) {
-  QuatToEulerLanes(q, e, doubts);
+TARNWICK_AVX2 void QuatToEulerAvx2(const QuatLanes* q, EulerLanes* e, DoubtLanes* doubts, size_t groups) {
+  for (size_t i = 0; i < groups; ++i) QuatToEulerLanes(q[i], e[i], doubts[i]);
 }
-TARNWICK_AVX512 void QuatToEulerAvx512(const QuatLanes& q, EulerLanes& e, DoubtLanes& doubts) {
-  QuatToEulerLanes(q, e, doubts);
+TARNWICK_AVX512 void QuatToEulerAvx512(const QuatLanes* q, EulerLanes* e, DoubtLanes* doubts, size_t groups) {
+  for (size_t i = 0; i < groups; ++i) QuatToEulerLanes(q[i], e[i], doubts[i]);
 }
 
 /// The form of a function for `level`.
@@ -188,39 +191,50 @@ Function* Pick(core::VectorLevel level, Function* plain, Function* avx2, Functio
 }  // namespace
 
 void QuickEulerToQuat(std::span<const EulerAngles> angles, std::span<Quat> result, core::VectorLevel level) {
-  const auto lanes = Pick(level, EulerToQuatPlain, EulerToQuatAvx2, EulerToQuatAvx512);
-  for (size_t first = 0; first < angles.size(); first += Lanes) {
-    const size_t count = std::min(Lanes, angles.size() - first);
-    EulerLanes e{};
+  const auto turn = Pick(level, EulerToQuatPlain, EulerToQuatAvx2, EulerToQuatAvx512);
+  EulerLanes e[MostGroups];
+  QuatLanes q[MostGroups];
+  DoubtLanes doubts[MostGroups];
+  for (size_t first = 0; first < angles.size(); first += MostGroups * Lanes) {
+    const size_t count = std::min(MostGroups * Lanes, angles.size() - first), groups = (count + Lanes - 1) / Lanes;
+    const EulerAngles* const from = angles.data() + first;
+    Quat* const to = result.data() + first;
+    e[groups - 1] = {};
     for (size_t i = 0; i < count; ++i) {
-      const EulerAngles& from = angles[first + i];
-      e.X[i] = from.x, e.Y[i] = from.y, e.Z[i] = from.z;
+      EulerLanes& group = e[i / Lanes];
+      group.X[i % Lanes] = from[i].x, group.Y[i % Lanes] = from[i].y, group.Z[i % Lanes] = from[i].z;
     }
-    QuatLanes q;
-    DoubtLanes doubts;
-    lanes(e, q, doubts);
+    turn(e, q, doubts, groups);
     for (size_t i = 0; i < count; ++i) {
-      result[first + i] = {q.X[i], q.Y[i], q.Z[i], q.W[i]};
-      if (doubts.Value[i] != 0) EulerToQuat(angles[first + i], result[first + i]);
+      const QuatLanes& group = q[i / Lanes];
+      const size_t lane = i % Lanes;
+      to[i] = {group.X[lane], group.Y[lane], group.Z[lane], group.W[lane]};
+      if (doubts[i / Lanes].Value[lane] != 0) EulerToQuat(from[i], to[i]);
     }
   }
 }
 
 void QuickQuatToEuler(std::span<const Quat> rotations, std::span<EulerAngles> result, core::VectorLevel level) {
-  const auto lanes = Pick(level, QuatToEulerPlain, QuatToEulerAvx2, QuatToEulerAvx512);
-  for (size_t first = 0; first < rotations.size(); first += Lanes) {
-    const size_t count = std::min(Lanes, rotations.size() - first);
-    QuatLanes q{};
+  const auto turn = Pick(level, QuatToEulerPlain, QuatToEulerAvx2, QuatToEulerAvx512);
+  QuatLanes q[MostGroups];
+  EulerLanes e[MostGroups];
+  DoubtLanes doubts[MostGroups];
+  for (size_t first = 0; first < rotations.size(); first += MostGroups * Lanes) {
+    const size_t count = std::min(MostGroups * Lanes, rotations.size() - first), groups = (count + Lanes - 1) / Lanes;
+    const Quat* const from = rotations.data() + first;
+    EulerAngles* const to = result.data() + first;
+    q[groups - 1] = {};
     for (size_t i = 0; i < count; ++i) {
-      const Quat& from = rotations[first + i];
-      q.X[i] = from.x, q.Y[i] = from.y, q.Z[i] = from.z, q.W[i] = from.w;
+      QuatLanes& group = q[i / Lanes];
+      const size_t lane = i % Lanes;
+      group.X[lane] = from[i].x, group.Y[lane] = from[i].y, group.Z[lane] = from[i].z, group.W[lane] = from[i].w;
     }
-    EulerLanes e;
-    DoubtLanes doubts;
-    lanes(q, e, doubts);
+    turn(q, e, doubts, groups);
     for (size_t i = 0; i < count; ++i) {
-      result[first + i] = {e.X[i], e.Y[i], e.Z[i]};
-      if (doubts.Value[i] != 0) QuatToEuler(rotations[first + i], result[first + i]);
+      const EulerLanes& group = e[i / Lanes];
+      const size_t lane = i % Lanes;
+      to[i] = {group.X[lane], group.Y[lane], group.Z[lane]};
+      if (doubts[i / Lanes].Value[lane] != 0) QuatToEuler(from[i], to[i]);
     }
   }
 }
