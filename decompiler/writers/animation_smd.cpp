@@ -122,7 +122,7 @@ class AnimationText {
   /// depends on the position alone, and likewise for the rotation, so each part of a line stands as long as its own
   /// input does.
   void Turn(int32_t frame) {
-    // Through pointers, for there are as many bones as there will be lines.
+    // By pointers: this is done for each line that is written, and looking at bounds would be a third of it.
     const Vec3* const positions = m_player.Positions().data();
     const Quat* const rotations = m_player.Rotations().data();
     const uint8_t* const changes = m_player.Changes().data();
