@@ -17,9 +17,9 @@ namespace tarnwick::model {
 
 TARNWICK_INLINE void PosePlayer::SetRotation(size_t bone, const Quat& rotation) {
   // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison)
-  if (core::HasSameBytes(m_rotations.data()[bone], rotation)) return;
-  m_rotations.data()[bone] = rotation;
-  m_changes.data()[bone] |= RotationBit;
+  if (core::HasSameBytes(m_rotations[bone], rotation)) return;
+  m_rotations[bone] = rotation;
+  m_changes[bone] |= RotationBit;
   m_changed = true;
 }
 
@@ -39,8 +39,8 @@ TARNWICK_INLINE void PosePlayer::Take(RunTrack& track, const Stored& stored) {
   }
   if (track.IsRotation) {
     // A bone has one track of rotations, so there is room for all.
-    m_turning.data()[m_turningCount] = {track.Bone, track.IsAligned};
-    m_angles.data()[m_turningCount++] = {values[0], values[1], values[2]};
+    m_turning[m_turningCount] = {track.Bone, track.IsAligned};
+    m_angles[m_turningCount++] = {values[0], values[1], values[2]};
   } else {
     SetPosition(static_cast<size_t>(track.Bone), {values[0], values[1], values[2]});
   }
@@ -163,18 +163,19 @@ void PosePlayer::Read(RunTrack& track, int32_t frame, bool first) {
     track.HeldUntil = frame + 1;
   }
   m_heldUntil = std::min(m_heldUntil, track.HeldUntil);
-  const Stored& stored = track.Block.data()[frame - track.BlockFirst];
+  const Stored& stored = track.Block[static_cast<size_t>(frame - track.BlockFirst)];
   if (first || std::bit_cast<uint64_t>(stored) != std::bit_cast<uint64_t>(track.Last)) Take(track, stored);
 }
 
 void PosePlayer::TurnAngles() {
   const size_t count = std::exchange(m_turningCount, 0);
-  QuickEulerToQuat(std::span(m_angles).first(count), std::span(m_turned).first(count));
+  const Turn* const turning = std::span(m_turning).first(count).data();
+  const std::span<Quat> turned = std::span(m_turned).first(count);
+  QuickEulerToQuat(std::span(m_angles).first(count), turned);
   for (size_t i = 0; i < count; ++i) {
-    const Turn turn = m_turning.data()[i];
-    Quat rotation = m_turned.data()[i];
-    if (turn.IsAligned) AlignQuat(m_bones[turn.Bone]->Alignment, rotation, rotation);
-    SetRotation(static_cast<size_t>(turn.Bone), rotation);
+    Quat rotation = turned.data()[i];
+    if (turning[i].IsAligned) AlignQuat(m_bones[turning[i].Bone]->Alignment, rotation, rotation);
+    SetRotation(static_cast<size_t>(turning[i].Bone), rotation);
   }
 }
 

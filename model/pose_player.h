@@ -27,7 +27,6 @@ class PosePlayer {
 
   /// What of each bone the last GoTo changed: the bits above.
   std::span<const uint8_t> Changes() const { return m_changes; }
-  bool Changed(size_t bone) const { return m_changes[bone] != 0; }
 
   /// Which of the bits come out of runs at the frame of the last GoTo; what else the bone has stands still.
   uint8_t Running(size_t bone) const { return m_running[bone]; }

@@ -188,55 +188,49 @@ Function* Pick(core::VectorLevel level, Function* plain, Function* avx2, Functio
   return level >= core::VectorLevel::Avx2 ? avx2 : plain;
 }
 
-}  // namespace
+void Put(EulerLanes& lanes, size_t lane, const EulerAngles& angles) {
+  lanes.X[lane] = angles.x, lanes.Y[lane] = angles.y, lanes.Z[lane] = angles.z;
+}
+void Put(QuatLanes& lanes, size_t lane, const Quat& rotation) {
+  lanes.X[lane] = rotation.x, lanes.Y[lane] = rotation.y, lanes.Z[lane] = rotation.z, lanes.W[lane] = rotation.w;
+}
+void Get(const EulerLanes& lanes, size_t lane, EulerAngles& angles) {
+  angles = {lanes.X[lane], lanes.Y[lane], lanes.Z[lane]};
+}
+void Get(const QuatLanes& lanes, size_t lane, Quat& rotation) {
+  rotation = {lanes.X[lane], lanes.Y[lane], lanes.Z[lane], lanes.W[lane]};
+}
 
-void QuickEulerToQuat(std::span<const EulerAngles> angles, std::span<Quat> result, core::VectorLevel level) {
-  const auto turn = Pick(level, EulerToQuatPlain, EulerToQuatAvx2, EulerToQuatAvx512);
-  EulerLanes e[MostGroups];
-  QuatLanes q[MostGroups];
+/// Turns all of `from` by `turn`, and those that it doubts by `plain`.
+template <typename From, typename To, typename FromLanes, typename ToLanes>
+void TurnAll(std::span<const From> from, std::span<To> to,
+             void (*turn)(const FromLanes* in, ToLanes* out, DoubtLanes* doubts, size_t groups),
+             void (*plain)(const From& in, To& out)) {
+  FromLanes in[MostGroups];
+  ToLanes out[MostGroups];
   DoubtLanes doubts[MostGroups];
-  for (size_t first = 0; first < angles.size(); first += MostGroups * Lanes) {
-    const size_t count = std::min(MostGroups * Lanes, angles.size() - first), groups = (count + Lanes - 1) / Lanes;
-    const EulerAngles* const from = angles.data() + first;
-    Quat* const to = result.data() + first;
-    e[groups - 1] = {};
+  for (size_t first = 0; first < from.size(); first += MostGroups * Lanes) {
+    const size_t count = std::min(MostGroups * Lanes, from.size() - first), groups = (count + Lanes - 1) / Lanes;
+    const From* const given = from.subspan(first, count).data();
+    To* const turned = to.subspan(first, count).data();
+    in[groups - 1] = {};
+    for (size_t i = 0; i < count; ++i) Put(in[i / Lanes], i % Lanes, given[i]);
+    turn(in, out, doubts, groups);
     for (size_t i = 0; i < count; ++i) {
-      EulerLanes& group = e[i / Lanes];
-      group.X[i % Lanes] = from[i].x, group.Y[i % Lanes] = from[i].y, group.Z[i % Lanes] = from[i].z;
-    }
-    turn(e, q, doubts, groups);
-    for (size_t i = 0; i < count; ++i) {
-      const QuatLanes& group = q[i / Lanes];
-      const size_t lane = i % Lanes;
-      to[i] = {group.X[lane], group.Y[lane], group.Z[lane], group.W[lane]};
-      if (doubts[i / Lanes].Value[lane] != 0) EulerToQuat(from[i], to[i]);
+      Get(out[i / Lanes], i % Lanes, turned[i]);
+      if (doubts[i / Lanes].Value[i % Lanes] != 0) plain(given[i], turned[i]);
     }
   }
 }
 
+}  // namespace
+
+void QuickEulerToQuat(std::span<const EulerAngles> angles, std::span<Quat> result, core::VectorLevel level) {
+  TurnAll(angles, result, Pick(level, EulerToQuatPlain, EulerToQuatAvx2, EulerToQuatAvx512), EulerToQuat);
+}
+
 void QuickQuatToEuler(std::span<const Quat> rotations, std::span<EulerAngles> result, core::VectorLevel level) {
-  const auto turn = Pick(level, QuatToEulerPlain, QuatToEulerAvx2, QuatToEulerAvx512);
-  QuatLanes q[MostGroups];
-  EulerLanes e[MostGroups];
-  DoubtLanes doubts[MostGroups];
-  for (size_t first = 0; first < rotations.size(); first += MostGroups * Lanes) {
-    const size_t count = std::min(MostGroups * Lanes, rotations.size() - first), groups = (count + Lanes - 1) / Lanes;
-    const Quat* const from = rotations.data() + first;
-    EulerAngles* const to = result.data() + first;
-    q[groups - 1] = {};
-    for (size_t i = 0; i < count; ++i) {
-      QuatLanes& group = q[i / Lanes];
-      const size_t lane = i % Lanes;
-      group.X[lane] = from[i].x, group.Y[lane] = from[i].y, group.Z[lane] = from[i].z, group.W[lane] = from[i].w;
-    }
-    turn(q, e, doubts, groups);
-    for (size_t i = 0; i < count; ++i) {
-      const EulerLanes& group = e[i / Lanes];
-      const size_t lane = i % Lanes;
-      to[i] = {group.X[lane], group.Y[lane], group.Z[lane]};
-      if (doubts[i / Lanes].Value[lane] != 0) QuatToEuler(from[i], to[i]);
-    }
-  }
+  TurnAll(rotations, result, Pick(level, QuatToEulerPlain, QuatToEulerAvx2, QuatToEulerAvx512), QuatToEuler);
 }
 
 }  // namespace tarnwick::model

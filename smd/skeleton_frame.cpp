@@ -74,7 +74,7 @@ void SkeletonFrame::Begin() {
 
 void SkeletonFrame::Line(const Triple* position, const Triple* rotation, ExactNumbers exact) {
   CopyKept();
-  Place& place = m_places.data()[m_bone];
+  Place& place = m_places[m_bone];
   const Place before = place;
   char* out = m_text.get() + m_length;
   place.Line = m_length;
@@ -90,7 +90,7 @@ void SkeletonFrame::Line(const Triple* position, const Triple* rotation, ExactNu
     std::memcpy(out, core::PlatformLineEnd.data(), core::PlatformLineEnd.size());
     out += core::PlatformLineEnd.size();
   } else {
-    out = CopyPart(out, m_previous.get() + before.Rotation, m_places.data()[m_bone + 1].Line - before.Rotation);
+    out = CopyPart(out, m_previous.get() + before.Rotation, m_places[m_bone + 1].Line - before.Rotation);
   }
   m_nonFinite += static_cast<size_t>(place.OddPositions) + place.OddRotations;
   m_nonFinite -= static_cast<size_t>(before.OddPositions) + before.OddRotations;

@@ -101,8 +101,8 @@ class AnimationText {
         m_frame(static_cast<size_t>(model.Bones.Count())),
         m_changes(static_cast<size_t>(model.Bones.Count())),
         m_positions(m_changes.size()),
-        m_rotations(m_changes.size() + 1),
-        m_rotated(m_changes.size() + 1),
+        m_rotations(m_changes.size()),
+        m_rotated(m_changes.size()),
         m_angles(m_changes.size()) {
     for (const auto bone : model.Bones) m_isRoot.push_back(bone->Parent == -1 ? 1 : 0);
   }
@@ -122,24 +122,29 @@ class AnimationText {
   /// depends on the position alone, and likewise for the rotation, so each part of a line stands as long as its own
   /// input does.
   void Turn(int32_t frame) {
-    // By pointers: this is done for each line that is written, and looking at bounds would be a third of it.
-    const Vec3* const positions = m_player.Positions().data();
-    const Quat* const rotations = m_player.Rotations().data();
-    const uint8_t* const changes = m_player.Changes().data();
+    // By pointers, whose bounds are looked at once: this is done for each line that is written, and looking at them
+    // there would be a third of it.
+    const size_t count = m_changes.size();
+    const Vec3* const from = m_player.Positions().first(count).data();
+    const Quat* const turns = m_player.Rotations().first(count).data();
+    const uint8_t* const told = m_player.Changes().first(count).data();
+    uint8_t* const changes = m_changes.data();
+    Vec3* const positions = std::span(m_positions).first(count).data();
+    Quat* const rotations = std::span(m_rotations).first(count).data();
+    uint32_t* const bones = std::span(m_rotated).first(count).data();
     const bool rootsAreOwn = m_model.TurnRoots || !m_travel.empty();
-    size_t rotated = 0;
-    for (size_t bone = 0, count = m_changes.size(); bone < count; ++bone) {
-      uint8_t change = changes[bone];
+    size_t rotated = 0;  // no more than the bones so far, so there is room for one more
+    for (size_t bone = 0; bone < count; ++bone) {
+      uint8_t change = told[bone];
       const bool isOwnRoot = rootsAreOwn && m_isRoot[bone] != 0;
       if (isOwnRoot && !m_travel.empty()) change |= PosePlayer::PositionBit;
-      m_changes.data()[bone] = change;
+      changes[bone] = change;
       if (change == 0) continue;
-      Vec3& position = m_positions.data()[bone];
-      Quat& rotation = m_rotations.data()[rotated];  // of the next bone if this one's has not changed
-      position = positions[bone];
-      rotation = rotations[bone];
-      if (m_onDefaultPose || isOwnRoot) Place(bone, frame, rotation, position);
-      m_rotated.data()[rotated] = static_cast<uint32_t>(bone);
+      Quat& rotation = rotations[rotated];  // of the next bone if this one's has not changed
+      positions[bone] = from[bone];
+      rotation = turns[bone];
+      if (m_onDefaultPose || isOwnRoot) Place(bone, frame, rotation, positions[bone]);
+      bones[rotated] = static_cast<uint32_t>(bone);
       rotated += (change & PosePlayer::RotationBit) != 0 ? 1 : 0;
     }
     QuickQuatToEuler(std::span(m_rotations).first(rotated), std::span(m_angles).first(rotated));
@@ -164,8 +169,8 @@ class AnimationText {
   void TakeAnglesNearRest(size_t count) {
     const bool typesPacked = !m_isDelta && m_exactWhereStill;
     for (size_t i = 0; i < count; ++i) {
-      EulerAngles& angles = m_angles.data()[i];
-      const size_t bone = m_rotated.data()[i];
+      EulerAngles& angles = m_angles[i];
+      const size_t bone = m_rotated[i];
       const bool isPacked = typesPacked && m_player.RotationPacked(bone);
       if (!isPacked && !IsSteep(angles)) continue;
       const auto record = m_model.Bones[static_cast<int64_t>(bone)];
@@ -184,7 +189,7 @@ class AnimationText {
         m_frame.Keep();
       } else {
         const bool moved = (change & PosePlayer::PositionBit) != 0, turned = (change & PosePlayer::RotationBit) != 0;
-        const smd::Triple position = ToTriple(m_positions.data()[bone]);
+        const smd::Triple position = ToTriple(m_positions[bone]);
         const smd::Triple rotation = turned ? ToTriple(*angles++) : smd::Triple{};
         smd::ExactNumbers exact;
         if (m_exactWhereStill) {
